@@ -1,0 +1,69 @@
+// Runs the benchmarks, then compares medians; fails when a comparison is over its limit.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bench/NewProcess.h"
+#include "bench/Ratio.h"
+
+namespace quillon::bench {
+namespace {
+
+// The console's report, with the median of every figure remembered.
+class Medians : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) {
+      if (run.error_occurred || run.aggregate_name != "median") continue;
+      figures_[{run.run_name.function_name, ""}] = run.GetAdjustedRealTime();
+      figures_[{run.run_name.function_name, std::string(kProcessorTime)}] = run.GetAdjustedCPUTime();
+      for (const auto& [name, counter] : run.counters) figures_[{run.run_name.function_name, name}] = counter.value;
+    }
+    ConsoleReporter::ReportRuns(runs);
+  }
+
+  std::optional<double> at(const Figure& figure) const {
+    const auto found = figures_.find({figure.benchmark, figure.counter});
+    return found == figures_.end() ? std::nullopt : std::optional(found->second);
+  }
+
+ private:
+  std::map<std::pair<std::string, std::string>, double> figures_;
+};
+
+bool holdsLimits(const Medians& medians) {
+  bool holds = true;
+  std::printf("\n%-66s %8s %8s\n", "Comparison of medians", "ratio", "limit");
+  for (const Ratio& ratio : ratios()) {
+    const auto measured = medians.at(ratio.measured);
+    const auto reference = medians.at(ratio.reference);
+    if (!measured || !reference) continue;  // not among the benchmarks that were asked for
+    const double value = *measured / *reference;
+    const bool within = value <= ratio.limit;
+    std::printf("%-66s %8.3f %8.3f%s\n", ratio.claim.c_str(), value, ratio.limit, within ? "" : "  OVER");
+    holds = holds && within;
+  }
+  return holds;
+}
+
+}  // namespace
+}  // namespace quillon::bench
+
+int main(int argc, char** argv) {
+  if (const auto status = quillon::bench::runAsNewProcess(argc, argv)) return *status;
+  // Repetitions in turn, so that a busy moment of the machine does not fall on one side of a comparison.
+  std::string interleaving = "--benchmark_enable_random_interleaving=true";
+  std::vector<char*> arguments(argv, argv + argc);
+  arguments.insert(arguments.begin() + 1, interleaving.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+  quillon::bench::Medians medians;
+  benchmark::RunSpecifiedBenchmarks(&medians);
+  return quillon::bench::holdsLimits(medians) ? 0 : 1;
+}

@@ -1,0 +1,22 @@
+# What every target of ours is compiled with.
+option(QUILLON_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(QUILLON_BENCH "Build the benchmarks" OFF)
+set(QUILLON_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them (address,undefined or thread)")
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+# Applies our language level, warnings and sanitizers to a target; warnings are errors only in our own builds, so that a
+# newer compiler never breaks an application that builds us along.
+function(quillon_target name)
+  target_compile_features(${name} PRIVATE cxx_std_23)
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+  if(PROJECT_IS_TOP_LEVEL)
+    target_compile_options(${name} PRIVATE -Werror)
+  endif()
+  if(QUILLON_SANITIZE)
+    target_compile_options(${name} PRIVATE -fsanitize=${QUILLON_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(${name} PUBLIC -fsanitize=${QUILLON_SANITIZE})
+  endif()
+endfunction()

@@ -1,0 +1,45 @@
+// JSON documents to records and back.
+#pragma once
+
+#include <expected>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace quillon {
+
+/// How one C++ type stands in JSON.
+struct JsonType;
+
+/// The description of record type R, made from its field table in the file of its operations.
+template <class R>
+[[nodiscard]] const JsonType& jsonType();
+
+/// Fills the value-initialised @p record of type @p type from @p json, or says what is wrong with the document.
+[[nodiscard]] std::optional<std::string> readJson(std::string_view json, const JsonType& type, void* record);
+
+/// Appends @p record of type @p type to @p json.
+void writeJson(std::string& json, const JsonType& type, const void* record);
+
+/// The record that a document holds, or why it holds none: "purposes[3].sdks[0].sdk_id: expected an integer". Strict:
+/// one wrong value refuses the whole document; unknown keys are skipped but must be sound JSON all the same. A document
+/// is UTF-8, at most 32 MiB and 64 levels deep, and may take at most 256 MiB when decoded. The error text is bounded
+/// and free of control characters. Thread-safe.
+template <class R>
+[[nodiscard]] std::expected<R, std::string> decode(std::string_view json) {
+  std::expected<R, std::string> record;
+  if (auto error = readJson(json, jsonType<R>(), &*record)) record = std::unexpected(std::move(*error));
+  return record;
+}
+
+/// The document of @p record, without blanks; absent fields are omitted. Always valid UTF-8: a byte of a text that is
+/// not UTF-8 becomes U+FFFD. Thread-safe.
+template <class R>
+[[nodiscard]] std::string encode(const R& record) {
+  std::string json;
+  writeJson(json, jsonType<R>(), &record);
+  return json;
+}
+
+}  // namespace quillon

@@ -1,0 +1,97 @@
+#include "core/Configuration/JsonWriter.h"
+
+#include <array>
+#include <charconv>
+
+#include "core/Configuration/JsonType.h"
+
+namespace quillon {
+namespace json {
+namespace {
+
+enum class Byte : std::uint8_t { plain, escaped, multibyte };
+
+constexpr std::array<Byte, 256> kBytes = [] {
+  std::array<Byte, 256> bytes{};
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    bytes[i] = i < 0x20 || i == '"' || i == '\\' ? Byte::escaped : i < 0x80 ? Byte::plain : Byte::multibyte;
+  }
+  return bytes;
+}();
+
+Byte kindOf(char c) {
+  return kBytes[static_cast<unsigned char>(c)];
+}
+
+// The length of the UTF-8 sequence of two to four bytes at the start of @p text; 0 when it is not a sound one.
+std::size_t sequenceLength(std::string_view text) {
+  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned lead = at(0);
+  const std::size_t length = lead >= 0xC2 && lead < 0xE0   ? 2
+                             : (lead & 0xF0) == 0xE0       ? 3
+                             : lead >= 0xF0 && lead < 0xF5 ? 4
+                                                           : 0;
+  if (length == 0 || text.size() < length) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((at(i) & 0xC0) != 0x80) return 0;
+  }
+  // Overlong forms, surrogates and what lies beyond U+10FFFF.
+  const unsigned second = at(1);
+  if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) || (lead == 0xF0 && second < 0x90) ||
+      (lead == 0xF4 && second > 0x8F)) {
+    return 0;
+  }
+  return length;
+}
+
+void writeEscape(std::string& json, char c) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  constexpr std::string_view kNamed = "\"\\\b\f\n\r\t";
+  constexpr std::string_view kNames = "\"\\bfnrt";
+  json += '\\';
+  if (const std::size_t named = kNamed.find(c); named != std::string_view::npos) {
+    json += kNames[named];
+  } else {
+    json += "u00";
+    json += kDigits[static_cast<unsigned char>(c) >> 4];
+    json += kDigits[static_cast<unsigned char>(c) & 0xF];
+  }
+}
+
+}  // namespace
+
+void writeText(std::string& json, std::string_view text) {
+  json += '"';
+  while (!text.empty()) {
+    std::size_t plain = 0;
+    while (plain < text.size() && kindOf(text[plain]) == Byte::plain) ++plain;
+    json += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+    if (kindOf(text.front()) == Byte::escaped) {
+      writeEscape(json, text.front());
+      text.remove_prefix(1);
+    } else if (const std::size_t length = sequenceLength(text); length > 0) {
+      json += text.substr(0, length);
+      text.remove_prefix(length);
+    } else {
+      json += "\uFFFD";
+      text.remove_prefix(1);
+    }
+  }
+  json += '"';
+}
+
+void writeInteger(std::string& json, std::int64_t value) {
+  std::array<char, 20> digits;  // "-9223372036854775808"
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  json.append(digits.data(), end);
+}
+
+}  // namespace json
+
+void writeJson(std::string& json, const JsonType& type, const void* record) {
+  type.write(json, record);
+}
+
+}  // namespace quillon

@@ -1,0 +1,110 @@
+// Records are described once: a table of fields, from which equality, hashing, decoding and encoding follow. Adding a
+// field to a record is one line in its table.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
+#include "quillon/VantariKey.h"
+
+namespace quillon {
+
+template <class T>
+inline constexpr bool isOptional = false;
+template <class T>
+inline constexpr bool isOptional<std::optional<T>> = true;
+
+template <class T>
+inline constexpr bool isVector = false;
+template <class T>
+inline constexpr bool isVector<std::vector<T>> = true;
+
+template <class T>
+inline constexpr bool isMap = false;
+template <class K, class T, class C>
+inline constexpr bool isMap<std::map<K, T, C>> = true;
+
+template <class R, class T>
+R recordOf(T R::*);
+template <class R, class T>
+T typeOf(T R::*);
+
+/// A field under its JSON key. It may be absent (or null) from a document when the member is a std::optional and must
+/// be there otherwise.
+template <auto Member>
+struct Field {
+  using Record = decltype(recordOf(Member));
+  using Type = decltype(typeOf(Member));
+  static constexpr bool inDocument = true;
+
+  std::string_view key;
+
+  [[nodiscard]] static constexpr Type& in(Record& record) noexcept { return record.*Member; }
+  [[nodiscard]] static constexpr const Type& in(const Record& record) noexcept { return record.*Member; }
+};
+
+/// A field that takes part in equality and hashing but is neither read from a document nor written to one.
+template <auto Member>
+struct NotInDocument : Field<Member> {
+  static constexpr bool inDocument = false;
+};
+
+/// A text that every document of this kind carries and that is the same for all records.
+struct Constant {
+  static constexpr bool inDocument = true;
+
+  std::string_view key;
+  std::string_view text;
+};
+
+/// The fields of R in declaration order, a std::tuple of the above; specialised beside each record's other operations.
+template <class R>
+inline constexpr std::tuple<> fields = {};
+
+/// Whether both records have the same value in every field; an absent value equals only an absent one.
+template <class R>
+[[nodiscard]] bool equalFields(const R& left, const R& right) {
+  return std::apply([&](auto... field) { return ((field.in(left) == field.in(right)) && ...); }, fields<R>);
+}
+
+constexpr void mixHash(std::size_t& hash, std::size_t value) noexcept {
+  hash ^= value + 0x9e3779b97f4a7c15U + (hash << 6) + (hash >> 2);
+}
+
+template <class T>
+[[nodiscard]] std::size_t hashOf(const T& value) {
+  std::size_t hash = 0;
+  if constexpr (isOptional<T>) {
+    mixHash(hash, value.has_value());
+    if (value) mixHash(hash, hashOf(*value));
+  } else if constexpr (isVector<T>) {
+    mixHash(hash, value.size());
+    for (const auto& element : value) mixHash(hash, hashOf(element));
+  } else if constexpr (isMap<T>) {
+    mixHash(hash, value.size());
+    for (const auto& [key, element] : value) {
+      mixHash(hash, hashOf(key));
+      mixHash(hash, hashOf(element));
+    }
+  } else if constexpr (std::is_same_v<T, VantariKey>) {
+    hash = hashOf(value.rawValue());
+  } else {
+    hash = std::hash<T>{}(value);
+  }
+  return hash;
+}
+
+template <class R>
+[[nodiscard]] std::size_t hashFields(const R& record) {
+  std::size_t hash = 0;
+  std::apply([&](auto... field) { (mixHash(hash, hashOf(field.in(record))), ...); }, fields<R>);
+  return hash;
+}
+
+}  // namespace quillon

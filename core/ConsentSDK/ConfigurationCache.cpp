@@ -1,0 +1,127 @@
+#include "core/Configuration/Codec.h"
+#include "core/ConsentSDK/ConfigurationCache.h"
+#include "core/Logger/UnitLog.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+CDNUtils";
+constexpr std::size_t maximumFileBytes = std::size_t{32} << 20;
+
+std::string fileUrl(const std::filesystem::path& file) {
+  constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
+  constexpr std::string_view hexDigits = "0123456789ABCDEF";
+  std::string url = "file://";
+  for (const char c : file.string()) {
+    if (plain.find(c) != std::string_view::npos) {
+      url += c;
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      url.append("%").append(1, hexDigits[byte >> 4]).append(1, hexDigits[byte & 15]);
+    }
+  }
+  return url;
+}
+
+}  // namespace
+
+ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
+  const auto folder = platform_.files->applicationSupportDirectory();
+  if (!folder) return nullptr;
+  const auto file = *folder / fileName;
+  const std::scoped_lock lock(mutex_);
+
+  auto stamp = platform_.files->stamp(file);
+  if (!stamp && platform_.files->move(*folder / backupName, file)) {
+    stamp = platform_.files->stamp(file);  // A save was cut short before it wrote anything.
+  }
+  if (stamp && stamp == stamp_) return decoded_;
+  stamp_.reset();
+  decoded_.reset();
+
+  std::string error;
+  const auto bytes = platform_.files->read(file, maximumFileBytes);
+  if (bytes) {
+    auto configuration = decode<MainConfiguration>(*bytes);
+    if (configuration) {
+      stamp_ = stamp;
+      decoded_ = std::make_shared<const MainConfiguration>(std::move(*configuration));
+      return decoded_;
+    }
+    error = configuration.error();
+  } else {
+    error = bytes.error();
+  }
+  if (!isCache) {
+    UnitLog (logger_, sourceFile)(LogLevel::error, "Error reading or decoding CDN: " + error, "readCDNFile(isCache:)");
+  }
+  return nullptr;
+}
+
+void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::string_view name) {
+  constexpr std::string_view function = "saveCDNToFile(config:fileName:)";
+  const UnitLog log(logger_, sourceFile);
+  FileSystem& files = *platform_.files;
+  const auto folder = files.applicationSupportDirectory();
+  if (!folder) return;
+  const std::scoped_lock lock(mutex_);
+  if (const auto made = files.createDirectories(*folder); !made) {
+    log(LogLevel::error, "Error creating Application Support directory for Quillon Consent SDK: " + made.error(), function);
+    return;
+  }
+
+  const auto target = *folder / name;
+  const auto backup = *folder / backupName;
+  if (files.stamp(target)) {
+    if (const auto moved = files.move(target, backup); moved) {
+      log(LogLevel::info, "Backup created: " + backup.string(), function);
+    } else {
+      log(LogLevel::error, "Error creating backup: " + moved.error(), function);
+    }
+  }
+
+  if (const auto written = files.write(target, encode(config)); !written) {
+    log(LogLevel::error, "Error saving CDN: " + written.error(), function);
+    if (!files.stamp(backup)) return;
+    if (const auto restored = files.move(backup, target); restored) {
+      log(LogLevel::info, "Backup restored to original: " + target.string(), function);
+    } else {
+      log(LogLevel::error, "Error restoring backup: " + restored.error(), function);
+    }
+    return;
+  }
+
+  if (files.stamp(backup)) removeCDNFile(files, backup);
+  store_.transact([&](StoreTransaction& transaction) {
+    transaction.set(key::cdnFileLocation, fileUrl(target));
+    transaction.set(key::cdnCachedTimestamp, wholeSeconds(platform_.clock->now()));
+    transaction.set(key::languageCode, locale_.currentLanguageCode());
+    if (const auto tag = transaction.string(key::etag)) {
+      transaction.set(key::cdnEtag, *tag);
+    } else {
+      transaction.remove(key::cdnEtag);
+    }
+  });
+  log(LogLevel::info, "CDN saved at: " + target.string(), function);
+}
+
+void ConfigurationCache::reset() {
+  const auto folder = platform_.files->applicationSupportDirectory();
+  if (!folder) return;
+  const std::scoped_lock lock(mutex_);
+  removeCDNFile(*platform_.files, *folder / fileName);
+  // A backup left by a save that was cut short would come back as the configuration.
+  if (platform_.files->stamp(*folder / backupName)) removeCDNFile(*platform_.files, *folder / backupName);
+}
+
+void ConfigurationCache::removeCDNFile(FileSystem& files, const std::filesystem::path& file) {
+  const UnitLog log(logger_, sourceFile);
+  if (const auto removed = files.remove(file); removed) {
+    log(LogLevel::info, "Existing file removed: " + file.string(), "removeCDNFile(_:_:)");
+  } else {
+    log(LogLevel::error, "Error removing existing file: " + removed.error(), "removeCDNFile(_:_:)");
+  }
+}
+
+}  // namespace quillon

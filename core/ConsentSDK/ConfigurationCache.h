@@ -1,0 +1,54 @@
+// The one copy of the configuration on disk, and its decoded form in memory.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string_view>
+
+#include "core/ConsentSDK/LocaleUtils.h"
+#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "platform/Platform.h"
+#include "quillon/MainConfiguration.h"
+
+namespace quillon {
+
+using ConfigurationPointer = std::shared_ptr<const MainConfiguration>;
+
+// Thread-safe; file operations of one process do not overlap. Killed at any moment it leaves the old configuration or
+// the new one, at worst under the name of the backup, from where the next reading brings it back.
+class ConfigurationCache {
+ public:
+  static constexpr std::string_view fileName = "quillon-sdk-cdn.json";
+  static constexpr std::string_view backupName = "quillon-sdk-cdn-backup.json";
+
+  // All must outlive it.
+  ConfigurationCache(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, const LocaleUtils& locale)
+      : platform_(platform), store_(store), logger_(logger), locale_(locale) {}
+
+  // The cached configuration; null when there is none that can be read. Decoded again only after the file changed.
+  // isCache: a silent probe, which logs no failure.
+  ConfigurationPointer readCDNFile(bool isCache);
+
+  // Writes the file, keeping the earlier one as a backup until the new one is safe, and remembers when, where and in
+  // which language. On failure the earlier file is back in place.
+  void saveCDNToFile(const MainConfiguration& config, std::string_view fileName);
+
+  // Removes the cached file. The caller drops the entity tag.
+  void reset();
+
+ private:
+  void removeCDNFile(FileSystem& files, const std::filesystem::path& file);
+
+  const Platform& platform_;
+  UserDefaultManager& store_;
+  SDKLogger& logger_;
+  const LocaleUtils& locale_;
+
+  std::mutex mutex_;  // held during file operations; guards the members below
+  std::optional<FileStamp> stamp_;
+  ConfigurationPointer decoded_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,214 @@
+// The check cycle, the location, the banner's turn and the answer to it.
+#include "core/ConsentSDK/BannerSelection.h"
+#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/ConsentSDK/SDKVersion.h"
+#include "core/Logger/UnitLog.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+InternalMethods";
+constexpr std::chrono::seconds periodWithoutOptions{1800};
+constexpr std::chrono::seconds locationLifetime{3600};
+constexpr std::chrono::seconds followUpDelay{1};
+
+}  // namespace
+
+void ConsentSDK::Core::startRecurringCheck() {
+  const auto options = currentOptions();
+  const std::chrono::seconds period =
+      options ? std::chrono::seconds(options->consentsCheckInterval.count()) : periodWithoutOptions;
+  auto timer = platform.clock->every(period, [weak = weak_from_this()] {
+    const auto core = weak.lock();
+    if (!core) return;
+    core->tasks->start([core]() -> Task<void> { co_await core->consentCheck(); });
+  });
+  const std::scoped_lock lock(mutex_);
+  if (!stop.stop_requested()) recurringCheckTask_.swap(timer);
+}
+
+void ConsentSDK::Core::startNetworkMonitor() {
+  std::unique_ptr<NetworkSubscription> earlier;  // Dropped outside the lock: that may wait for its handler.
+  {
+    const std::scoped_lock lock(mutex_);
+    earlier = std::move(monitor_);
+  }
+  earlier.reset();
+  auto monitor = platform.network->start(
+      platform.executors->serial("NetworkMonitor"), [weak = weak_from_this()](NetworkStatus status) {
+        const auto core = weak.lock();
+        if (!core) return;
+        std::optional<NetworkStatus> previous;
+        {
+          const std::scoped_lock lock(core->mutex_);
+          previous = std::exchange(core->networkStatus_, status);
+        }
+        if (previous == NetworkStatus::unsatisfied && status == NetworkStatus::satisfied) {
+          core->tasks->start([core]() -> Task<void> { co_await core->consentCheck(); });
+        }
+      });
+  const std::scoped_lock lock(mutex_);
+  if (!stop.stop_requested()) monitor_.swap(monitor);
+}
+
+Task<std::optional<std::string>> ConsentSDK::Core::locationFor(const MainConfiguration& configuration) {
+  const auto options = currentOptions();
+  if (options && options->locationCode && !options->locationCode->empty()) co_return options->locationCode;
+  if (!dependsOnLocation(configuration)) co_return std::nullopt;
+
+  const auto entries = store.snapshot();
+  const StoredValues stored(*entries);
+  auto remembered = stored.string(key::currentLocation);
+  const auto when = stored.date(key::currentLocationTimestamp);
+  const auto present = platform.clock->now();
+  if (remembered && when && *when <= present && present - *when < locationLifetime) co_return remembered;
+
+  const auto answer = co_await getCurrentLocation();
+  if (!answer || !answer->data) co_return remembered;  // An old answer is better than none.
+  LocationCode code = locationCode(*answer->data, locale.currentLanguageCode());
+  store.transact([&](StoreTransaction& transaction) {
+    transaction.set(key::currentCountryCode, code.country);
+    transaction.set(key::currentLocation, code.location);
+    transaction.set(key::currentLocationTimestamp, platform.clock->now());
+  });
+  co_return std::move(code.location);
+}
+
+Task<std::optional<BannerConfig>> ConsentSDK::Core::bannerFor(ConfigurationPointer configuration) {
+  if (!configuration) co_return std::nullopt;
+  const auto location = co_await locationFor(*configuration);
+  const BannerConfig* selected = selectBanner(*configuration, location);
+  if (!selected) co_return std::nullopt;
+  BannerConfig banner = *selected;
+  banner.translations = configuration->translations;
+  store.set(key::bannerInterval, banner.bannerReappearanceTime.value_or(std::string(defaultBannerInterval)));
+  co_return banner;
+}
+
+bool ConsentSDK::Core::isBannerDue() {
+  bool due = false;
+  store.transact([&](StoreTransaction& transaction) {
+    const std::int64_t seconds = now();
+    const std::int64_t shown = transaction.integer(key::bannerShownDate, seconds);
+    const bool isPresent = transaction.boolean(key::isBannerPresent);
+    std::string given = transaction.consentGivenType();
+    if (given == givenType::implicitly && shown != seconds) {
+      // Who has seen the banner before and said nothing has agreed to the defaults.
+      given = givenType::explicitly;
+      transaction.set(key::consentGivenType, given);
+    }
+    const auto interval = transaction.string(key::bannerInterval, defaultBannerInterval);
+    const WallTime shownDate{std::chrono::seconds(shown)};
+    const WallTime dueDate = platform.clock->addMonths(shownDate, bannerIntervalMonths(interval));
+    const bool elapsed = dueDate <= WallTime(std::chrono::seconds(seconds));
+    if (isPresent || (!elapsed && given == givenType::explicitly)) return;
+    transaction.set(key::isBannerPresent, true);
+    transaction.set(key::bannerShownDate, seconds);
+    due = true;
+  });
+  return due;
+}
+
+Task<void> ConsentSDK::Core::consentCheck() {
+  if (!currentOptions()) co_return;
+  const Loaded loaded = co_await getCDNFile();
+  if (!loaded.configuration) co_return;
+  {
+    const auto entries = store.snapshot();
+    const StoredValues stored(*entries);
+    const bool pending = stored.boolean(key::uploadConsentRequestPending) || !stored.pendingPurposes().empty() ||
+                         !stored.pendingPermissions().empty();
+    if (!loaded.changed && !pending) co_return;
+  }
+  co_await bannerFor(loaded.configuration);
+  recordDefaults(loaded.configuration);
+  co_await uploadPendingConsents();
+}
+
+void ConsentSDK::Core::recordDefaults(ConfigurationPointer configuration) {
+  PurposeManager manager = purposes(std::move(configuration));
+  store.transact([&](StoreTransaction& transaction) {
+    // A re-consent that is being waited for must not be answered by defaults.
+    const bool awaitsAnswer = transaction.consentGivenType() == givenType::noAction &&
+                              transaction.integer(key::bannerShownDate, 0) != 0;
+    manager.recordDefaults(transaction, awaitsAnswer ? givenType::noAction : givenType::implicitly, now());
+  });
+}
+
+Task<bool> ConsentSDK::Core::acceptOrReject(bool accept) {
+  const ConfigurationPointer configuration = cache.readCDNFile(true);
+  if (!configuration) {
+    UnitLog (logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
+                                 "acceptOrReject");
+    co_return false;
+  }
+  const PurposeManager purposeManager = purposes(configuration);
+  const auto statuses = permissions(configuration).liveStatuses();
+  const std::int64_t time = now();
+  const bool stored = store.transact([&](StoreTransaction& transaction) {
+    for (const auto& [id, status] : purposeManager.answer(accept, transaction)) {
+      PurposeManager::setConsent(transaction, id, status, givenType::explicitly, time);
+    }
+    for (const auto& [permission, status] : statuses) {
+      PermissionManager::setConsent(transaction, permission, status, givenType::explicitly, time);
+    }
+    // Also an application without purposes has been answered.
+    transaction.set(key::consentGivenType, std::string(givenType::explicitly));
+  });
+  if (stored) co_await uploadPendingConsents();
+  co_return stored;
+}
+
+PostConsentsRequest ConsentSDK::Core::uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
+                                                    ConfigurationPointer configuration) {
+  PostConsentsRequest request;
+  request.uuid = stored.string(key::subjectId, {});
+  request.appUUID = options.appId;
+  request.device = platform.host->deviceDescription();
+  request.implicitConsent = stored.consentGivenType() == givenType::implicitly;
+  request.version = stored.integer(key::configurationVersion, 0);
+  request.purposeConsents = purposes(configuration).pendingConsents(stored);
+  request.permissions = permissions(configuration).pendingConsents(stored);
+  request.testingMode = options.testingMode;
+  if (stored.boolean(key::isATTEnabled)) request.adId = platform.tracking->advertisingIdentifier().value_or("");
+  request.bannerInfo = std::string(rawValue(stored.complianceType()));
+  request.sdkVersion = installedSDKVersion(*platform.host);
+  return request;
+}
+
+Task<bool> ConsentSDK::Core::uploadPendingConsents() {
+  const auto options = currentOptions();
+  if (!options) co_return false;
+  const auto turn = co_await uploads.enter();
+  const auto sent = store.snapshot();
+  const StoredValues stored(*sent);
+  if (!stored.boolean(key::uploadConsentRequestPending) && stored.pendingPurposes().empty() &&
+      stored.pendingPermissions().empty()) {
+    co_return true;
+  }
+  const ConfigurationPointer configuration = cache.readCDNFile(true);
+  if (!configuration) co_return false;
+  co_return co_await uploadConsents(options->appUrl, uploadRequest(*options, stored, configuration), sent);
+}
+
+void ConsentSDK::Core::scheduleUpload() {
+  {
+    const std::scoped_lock lock(mutex_);
+    if (followUpScheduled_ || stop.stop_requested()) return;
+    followUpScheduled_ = true;
+  }
+  auto timer = platform.clock->after(followUpDelay, [weak = weak_from_this()] {
+    const auto core = weak.lock();
+    if (!core) return;
+    {
+      const std::scoped_lock lock(core->mutex_);
+      core->followUpScheduled_ = false;
+    }
+    core->tasks->start([core]() -> Task<void> { co_await core->uploadPendingConsents(); });
+  });
+  const std::scoped_lock lock(mutex_);
+  followUp_.swap(timer);
+}
+
+}  // namespace quillon

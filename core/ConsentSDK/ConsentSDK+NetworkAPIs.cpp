@@ -1,0 +1,106 @@
+// Downloads and uploads.
+#include <algorithm>
+
+#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/Logger/UnitLog.h"
+#include "core/Network/RequestBuilder.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+NetworkAPIs";
+constexpr int notFound = 404;
+constexpr std::int64_t statusAccepted = 0;
+constexpr std::int64_t statusFailed = 1;
+
+template <class T>
+std::expected<T, RequestFailure> asFailure(NetworkError error) {
+  return std::unexpected(RequestFailure(std::move(error)));
+}
+
+// What a decision was when an upload carried it, to tell whether it was changed since.
+template <class Key>
+bool unchanged(const Key& storeKey, const StoredValues& then, const StoredValues& now) {
+  return then.consent(storeKey) == now.consent(storeKey);
+}
+
+}  // namespace
+
+Task<std::expected<MainConfiguration, RequestFailure>> ConsentSDK::Core::getCDN(const ConsentSDKOptions& options) {
+  const std::string language = locale.currentLanguageCode();
+  for (const bool useDefaultFile : {false, true}) {
+    auto request =
+        RequestBuilder(GetCDNEndPoint(options, language, useDefaultFile), options.cdnUrl).build(store);
+    if (!request) co_return asFailure<MainConfiguration>(std::move(request.error()));
+    auto configuration = co_await networkManager.processRequest<MainConfiguration>(std::move(*request));
+    const auto* error = configuration ? nullptr : std::get_if<NetworkError>(&configuration.error());
+    const bool missing = error && error->kind == NetworkError::Case::invalidStatusCode && error->code == notFound;
+    if (useDefaultFile || !missing) co_return configuration;
+    UnitLog (logger, sourceFile)(LogLevel::error,
+                                 "CDN Configuration with " + escapedForLog(language) + " language code not found",
+                                 "getCDN(options:)");
+  }
+  co_return asFailure<MainConfiguration>({NetworkError::Case::keyMapping});  // not reached
+}
+
+Task<std::optional<CurrentLocationResponse>> ConsentSDK::Core::getCurrentLocation() {
+  std::optional<RequestFailure> failure;
+  auto request = RequestBuilder(GetCurrentLocationEndPoint(), platform.vendorUrl).build(store);
+  if (request) {
+    auto location = co_await networkManager.processRequest<CurrentLocationResponse>(std::move(*request));
+    if (location) co_return std::move(*location);
+    failure = std::move(location.error());
+  } else {
+    failure = std::move(request.error());
+  }
+  UnitLog (logger, sourceFile)(LogLevel::error, "Failed to current location: " + description(*failure),
+                               "getCurrentLocation()");
+  co_return std::nullopt;
+}
+
+Task<bool> ConsentSDK::Core::uploadConsents(std::string url, PostConsentsRequest request,
+                                            std::shared_ptr<const SuiteEntries> sent) {
+  constexpr std::string_view function = "uploadConsents(url:request:)";
+  const UnitLog log(logger, sourceFile);
+  std::expected<GenericResponse, RequestFailure> response;
+  auto built = RequestBuilder(PostConsentsEndPoint(store.getString(key::xAuthToken), request), std::move(url)).build(store);
+  if (built) {
+    response = co_await networkManager.processRequest<GenericResponse>(std::move(*built));
+  } else {
+    response = asFailure<GenericResponse>(std::move(built.error()));
+  }
+
+  if (!response) {
+    store.set(key::uploadConsentRequestPending, true);
+    log(LogLevel::error, description(response.error()), function);
+    startRecurringCheck();
+    co_return false;
+  }
+
+  const bool pending = response->status == statusFailed;
+  const bool accepted = response->status == statusAccepted;
+  store.transact([&](StoreTransaction& transaction) {
+    transaction.set(key::uploadConsentRequestPending, pending);
+    if (!accepted) return;
+    // A decision made while the upload was under way stays pending: the server has the earlier one.
+    const StoredValues then(*sent);
+    auto purposesLeft = transaction.pendingPurposes();
+    const auto purposesThen = then.pendingPurposes();
+    std::erase_if(purposesLeft, [&](std::int64_t id) {
+      return std::ranges::find(purposesThen, id) != purposesThen.end() && unchanged(PurposeKey(id), then, transaction);
+    });
+    auto permissionsLeft = transaction.pendingPermissions();
+    const auto permissionsThen = then.pendingPermissions();
+    std::erase_if(permissionsLeft, [&](const std::string& name) {
+      return std::ranges::find(permissionsThen, name) != permissionsThen.end() && unchanged(name, then, transaction);
+    });
+    transaction.set(key::pendingPurposesList, std::move(purposesLeft));
+    transaction.set(key::pendingPermissionsList, std::move(permissionsLeft));
+  });
+  log(pending ? LogLevel::error : LogLevel::info, escapedForLog(response->message), function);
+  if (accepted) startRecurringCheck();
+  co_return accepted;
+}
+
+}  // namespace quillon

@@ -1,0 +1,110 @@
+// What stands behind the facade: the services of one instance and the operations that the facade's units share.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <string>
+
+#include "core/ConsentSDK/ConfigurationCache.h"
+#include "core/ConsentSDK/LocaleUtils.h"
+#include "core/ConsentSDK/SDKListener.h"
+#include "core/Network/ConsentNetworkManager.h"
+#include "core/Permissions/PermissionManager.h"
+#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/Purposes/PurposeManager.h"
+#include "core/Tasks/TaskGroup.h"
+#include "core/Tasks/TaskQueue.h"
+#include "platform/Platform.h"
+#include "quillon/ConsentSDK.h"
+#include "quillon/SDKLogger.h"
+
+namespace quillon {
+
+// Every task holds the core, so it lives until the last one is over; after close() none begins and nothing of the host's
+// is called any more. Thread-safe. Operations that return a Task run in the background.
+class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
+ public:
+  static std::shared_ptr<Core> make(Platform platform);
+  explicit Core(Platform services);  // use make()
+
+  // Ends timers, network reports and exchanges. Does not wait.
+  void close();
+
+  // ConsentSDK
+  void setup(ConsentSDKOptions newOptions);
+  std::optional<ConsentSDKOptions> currentOptions() const;
+
+  // ConsentSDK+NetworkAPIs
+  Task<std::expected<MainConfiguration, RequestFailure>> getCDN(const ConsentSDKOptions& options);
+  Task<std::optional<CurrentLocationResponse>> getCurrentLocation();
+  // Sends the request and keeps the outcome: the pending flag, the pending lists, the recurring check. What `sent` holds
+  // pending is settled on success, but for what the user changed meanwhile. True when the server took it. Within a turn
+  // of `uploads`.
+  Task<bool> uploadConsents(std::string url, PostConsentsRequest request, std::shared_ptr<const SuiteEntries> sent);
+
+  // ConsentSDK+CDNUtils
+  struct Loaded {
+    ConfigurationPointer configuration;  // null when none could be had
+    bool changed = false;                // reconciling it with the stored consents changed something
+  };
+  // Brings the configuration: cached, downloaded or cached after all; applies it and sets the status.
+  Task<Loaded> getCDNFile();
+
+  // ConsentSDK+InternalMethods
+  // The location that decides which banner and which consent-mode mapping apply: the options', the remembered one of the
+  // last hour, else the server's answer. Nothing when it is unknown or when the configuration makes no difference by it.
+  Task<std::optional<std::string>> locationFor(const MainConfiguration& configuration);
+  // The banner for the user's location, complete with the interface's texts; remembers its interval.
+  Task<std::optional<BannerConfig>> bannerFor(ConfigurationPointer configuration);
+  void startRecurringCheck();
+  void startNetworkMonitor();
+  Task<void> consentCheck();
+  // Gives every purpose without a decision the default of the compliance type.
+  void recordDefaults(ConfigurationPointer configuration);
+  bool isBannerDue();
+  Task<bool> acceptOrReject(bool accept);
+  // Uploads what is pending. True when nothing is pending afterwards.
+  Task<bool> uploadPendingConsents();
+  // Uploads what is pending about a second from now, together with what else is decided until then.
+  void scheduleUpload();
+
+  PurposeManager purposes(ConfigurationPointer configuration) {
+    return PurposeManager(platform, store, logger, std::move(configuration));
+  }
+  PermissionManager permissions(ConfigurationPointer configuration) {
+    return PermissionManager(platform, store, logger, std::move(configuration));
+  }
+  std::int64_t now() const { return wholeSeconds(platform.clock->now()); }
+
+  // Runs a job of the host's on the main queue, contained, unless the SDK is gone by then.
+  void onMain(Job job);
+
+  Platform platform;
+  UserDefaultManager store;
+  SDKLogger logger;
+  LocaleUtils locale;
+  SDKListener sdkListener;
+  ConfigurationCache cache;
+  std::stop_source stop;
+  ConsentNetworkManager networkManager;
+  std::optional<TaskGroup> tasks;  // set by make()
+  TaskQueue uploads;  // Overtaking one another they would leave an earlier decision on the server.
+
+ private:
+  Task<bool> apply(ConfigurationPointer configuration);
+  Task<ConfigurationPointer> download(ConfigurationPointer probe);
+  PostConsentsRequest uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
+                                    ConfigurationPointer configuration);
+
+  mutable std::mutex mutex_;  // guards the members below; never held while anything else is called
+  std::optional<ConsentSDKOptions> options_;
+  std::unique_ptr<Timer> recurringCheckTask_;
+  std::unique_ptr<NetworkSubscription> monitor_;
+  std::optional<NetworkStatus> networkStatus_;
+  std::unique_ptr<Timer> followUp_;
+  bool followUpScheduled_ = false;
+};
+
+}  // namespace quillon

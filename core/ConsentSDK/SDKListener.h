@@ -1,0 +1,40 @@
+// The live readiness, and the one who watches it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include "platform/Executors.h"
+#include "quillon/SDKStatus.h"
+
+namespace quillon {
+
+// Thread-safe.
+class SDKListener {
+ public:
+  using Callback = std::function<void(SDKStatus)>;
+
+  explicit SDKListener(std::function<void(Job)> onMain) : onMain_(std::move(onMain)) {}
+
+  SDKStatus isReady() const;
+  void setReady(SDKStatus status);
+
+  // Calls back at once on this thread, then on the main queue for every status that differs from the one reported last.
+  // Replaces an earlier observer, which is not called any more.
+  void observe(Callback callback);
+  void removeObserver();
+
+ private:
+  struct Observer {
+    Callback callback;
+  };
+
+  const std::function<void(Job)> onMain_;
+  mutable std::mutex mutex_;  // guards the members below
+  SDKStatus status_ = SDKStatus::unavailable;
+  SDKStatus reported_ = SDKStatus::unavailable;
+  std::shared_ptr<Observer> observer_;
+};
+
+}  // namespace quillon

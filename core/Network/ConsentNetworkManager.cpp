@@ -1,0 +1,65 @@
+#include "core/Network/ConsentNetworkManager.h"
+
+#include <boost/asio/associated_executor.hpp>
+#include <boost/asio/async_result.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/use_awaitable.hpp>
+
+#include "core/Logger/UnitLog.h"
+#include "core/Network/ExchangeText.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "Network/ConsentNetworkManager";
+constexpr std::string_view functionName = "processRequest(_:)";
+constexpr std::size_t maximumTagBytes = 4096;
+constexpr int notHttp = -999;
+
+using Answer = std::expected<HttpResponse, TransportError>;
+
+// Suspends until the session has answered; the coroutine goes on on its own executor, never on the session's thread.
+Task<Answer> exchangeOver(HttpSession& session, HttpRequest request, std::stop_token stop) {
+  auto initiate = [&session](auto handler, HttpRequest outgoing, std::stop_token token) {
+    const auto executor = boost::asio::get_associated_executor(handler);
+    session.send(std::move(outgoing), std::move(token), [executor, handler = std::move(handler)](Answer answer) mutable {
+      boost::asio::post(executor, [handler = std::move(handler), answer = std::move(answer)]() mutable {
+        std::move(handler)(std::move(answer));
+      });
+    });
+  };
+  co_return co_await boost::asio::async_initiate<const boost::asio::use_awaitable_t<>, void(Answer)>(
+      std::move(initiate), boost::asio::use_awaitable, std::move(request), std::move(stop));
+}
+
+}  // namespace
+
+Task<std::expected<ConsentNetworkManager::Exchange, RequestFailure>> ConsentNetworkManager::send(HttpRequest request) {
+  HttpRequest sent = request;
+  Answer answer = co_await exchangeOver(*platform_.http, std::move(request), stop_);
+  if (!answer) co_return std::unexpected(RequestFailure(std::move(answer.error())));
+
+  HttpResponse& response = *answer;
+  const int status = response.status.value_or(notHttp);
+  if (status >= 200 && status <= 299) {
+    const auto tag = response.headers.find("Etag");
+    if (tag != response.headers.end() && tag->second.size() <= maximumTagBytes) store_.set(key::etag, tag->second);
+    co_return Exchange{std::move(sent), std::move(response)};
+  }
+  if (status == 304) co_return std::unexpected(RequestFailure(NetworkError{NetworkError::Case::cdnNotModified}));
+  if (status != 404) logExchange(sent, response);
+  co_return std::unexpected(RequestFailure(NetworkError{NetworkError::Case::invalidStatusCode, {}, status}));
+}
+
+RequestFailure ConsentNetworkManager::undecodable(const Exchange& exchange, std::string_view name,
+                                                  const std::string& error) {
+  logExchange(exchange.request, exchange.response);
+  return NetworkError{NetworkError::Case::decodingError, "Failed to Decode " + std::string(name) + " : " + error};
+}
+
+void ConsentNetworkManager::logExchange(const HttpRequest& request, const HttpResponse& response) {
+  UnitLog (logger_, sourceFile)(LogLevel::error, exchangeText(request, response), functionName);
+}
+
+}  // namespace quillon

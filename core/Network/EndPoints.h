@@ -1,0 +1,45 @@
+// What is called: the three requests that the SDK knows.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "quillon/ConsentSDKOptions.h"
+#include "quillon/PostConsentsRequest.h"
+
+namespace quillon {
+
+enum class HttpMethod { get, post, put, delete_, patch, head };
+enum class HeaderParam { contentType, accept, authorization, xAuthToken };
+enum class QueryParam { limit };
+
+[[nodiscard]] std::string_view rawValue(HttpMethod method) noexcept;
+[[nodiscard]] std::string_view rawValue(HeaderParam header) noexcept;
+[[nodiscard]] std::string_view rawValue(QueryParam parameter) noexcept;
+
+struct EndPoint {
+  HttpMethod httpMethod = HttpMethod::get;
+  std::optional<std::map<QueryParam, std::string>> queryParams = std::nullopt;
+  std::optional<std::map<HeaderParam, std::string>> headerParams = std::nullopt;
+  std::string pathURL;  // appended to the base address as it stands
+  std::optional<std::string> body = std::nullopt;
+};
+
+// The configuration of an application in one language, or its default file.
+struct GetCDNEndPoint : EndPoint {
+  GetCDNEndPoint(const ConsentSDKOptions& options, std::string_view languageCode, bool useDefaultFile);
+};
+
+// Where the device is.
+struct GetCurrentLocationEndPoint : EndPoint {
+  GetCurrentLocationEndPoint();
+};
+
+// The upload of decisions.
+struct PostConsentsEndPoint : EndPoint {
+  PostConsentsEndPoint(std::string accessToken, const PostConsentsRequest& request);
+};
+
+}  // namespace quillon

@@ -1,0 +1,117 @@
+#include "core/Permissions/PermissionManager.h"
+
+#include <algorithm>
+
+#include "core/Logger/UnitLog.h"
+#include "core/Permissions/PermissionTranslation.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "Permissions/PermissionManager";
+
+std::string listText(const std::vector<std::string>& keys) {
+  std::string text = "[";
+  for (const auto& entry : keys) {
+    if (text.size() > 1) text += ", ";
+    text += "\"" + escapedForLog(entry) + "\"";
+  }
+  return text + "]";
+}
+
+}  // namespace
+
+const std::vector<AppPermission>& PermissionManager::permissions() const {
+  static const std::vector<AppPermission> none;
+  return configuration_ && configuration_->permissions ? *configuration_->permissions : none;
+}
+
+bool PermissionManager::lists(const VantariKey& permission) const {
+  return std::ranges::any_of(permissions(), [&](const AppPermission& listed) { return listed.permissionId == permission; });
+}
+
+ConsentStatus PermissionManager::getConsentByPermission(const VantariKey& vantiriKey) const {
+  switch (vantiriKey.kind()) {
+    case VantariKey::custom:
+      return ConsentStatus::notDetermined;
+    case VantariKey::userTrackingUsageDescription:
+      return consentFromPlatformValue(vantiriKey.kind(), static_cast<int>(platform_.tracking->authorization()));
+    case VantariKey::localNetworkUsageDescription:
+    case VantariKey::fileProviderDomainUsageDescription:
+    case VantariKey::systemExtensionUsageDescription:
+      return consentFromInformation(platform_.host->information(vantiriKey.rawValue()));
+    default:
+      break;
+  }
+  const auto value = platform_.permissions->platformValue(vantiriKey);
+  if (value) return consentFromPlatformValue(vantiriKey.kind(), *value);
+  UnitLog (logger_, sourceFile)(
+      LogLevel::error, "Something went wrong while fetching the permission status: " + escapedForLog(value.error()),
+      "getConsentByPermission(vantiriKey:)");
+  return ConsentStatus::notDetermined;
+}
+
+std::vector<std::pair<VantariKey, ConsentStatus>> PermissionManager::liveStatuses() const {
+  std::vector<std::pair<VantariKey, ConsentStatus>> statuses;
+  for (const AppPermission& permission : permissions()) {
+    if (permission.permissionId) {
+      statuses.emplace_back(*permission.permissionId, getConsentByPermission(*permission.permissionId));
+    }
+  }
+  return statuses;
+}
+
+bool PermissionManager::checkPermissions() {
+  const UnitLog log(logger_, sourceFile);
+  log(LogLevel::info, "Permissions consent checks executed.", "checkPermissions()");
+  const auto statuses = liveStatuses();
+  std::vector<std::string> changed;
+  store_.transact([&](StoreTransaction& transaction) {
+    for (const auto& [permission, status] : statuses) {
+      const std::string& name = permission.rawValue();
+      if (transaction.consent(name) == status) continue;
+      transaction.set(name, std::string(rawValue(status)));
+      transaction.addPendingPermission(name);
+      changed.push_back(name);
+    }
+  });
+  if (!changed.empty()) log(LogLevel::info, "Changed Permissions: " + listText(changed), "checkPermissions()");
+  return !changed.empty();
+}
+
+std::vector<AppPermission> PermissionManager::permissionsWithConsents() const {
+  std::vector<AppPermission> result = permissions();
+  const auto* prompt = configuration_ && configuration_->settingPrompt ? &*configuration_->settingPrompt : nullptr;
+  for (AppPermission& permission : result) {
+    if (!permission.permissionId) continue;
+    permission.consentStatus = getConsentByPermission(*permission.permissionId);
+    if (!prompt || !prompt->permissions) continue;
+    const auto allowed = prompt->permissions->find(permission.permissionId->rawValue());
+    permission.isSettingsPromptEnabled = allowed != prompt->permissions->end() && allowed->second;
+  }
+  return result;
+}
+
+std::vector<PermissionConsent> PermissionManager::pendingConsents(const StoredValues& stored) const {
+  const std::int64_t now = wholeSeconds(platform_.clock->now());
+  std::vector<PermissionConsent> consents;
+  for (const std::string& name : stored.pendingPermissions()) {
+    consents.push_back({VantariKey(name), stored.consent(name).value_or(ConsentStatus::notDetermined), now});
+  }
+  return consents;
+}
+
+void PermissionManager::setConsent(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status,
+                                   std::string_view givenType, std::int64_t now) {
+  const std::string& name = permission.rawValue();
+  if (transaction.consent(name) != status) {
+    transaction.set(key::arePermissionsChanged, true);
+    transaction.set(key::permissionsChangeTimestamp, now);
+  }
+  if (givenType != givenType::noAction) transaction.set(key::consentGivenType, std::string(givenType));
+  transaction.addPendingPermission(name);
+  transaction.set(name, std::string(rawValue(status)));
+}
+
+}  // namespace quillon

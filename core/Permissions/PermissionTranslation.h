@@ -1,0 +1,18 @@
+// How the numbers and texts of each permission source become a consent.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "quillon/ConsentStatus.h"
+#include "quillon/VantariKey.h"
+
+namespace quillon {
+
+// The meaning of a platform value of the source behind @p key.
+[[nodiscard]] ConsentStatus consentFromPlatformValue(VantariKey::Case key, int value) noexcept;
+
+// The meaning of an entry of the application's information dictionary, absent or present.
+[[nodiscard]] ConsentStatus consentFromInformation(const std::optional<std::string>& entry) noexcept;
+
+}  // namespace quillon

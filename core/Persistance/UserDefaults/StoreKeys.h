@@ -1,0 +1,47 @@
+// The names under which values are stored, apart from purpose identifiers and permission keys.
+#pragma once
+
+#include <string_view>
+
+namespace quillon::key {
+
+inline constexpr std::string_view suiteName = "quillon-cmp-sdk";
+
+inline constexpr std::string_view arePurposesChanged = "ARE_PURPOSES_CHANGED";
+inline constexpr std::string_view purposesChangeTimestamp = "PURPOSES_CHANGE_TIMESTAMP";
+inline constexpr std::string_view arePermissionsChanged = "ARE_PERMISSIONS_CHANGED";
+inline constexpr std::string_view permissionsChangeTimestamp = "PERMISSIONS_CHANGE_TIMESTAMP";
+inline constexpr std::string_view consentGivenType = "CONSENT_GIVEN_TYPE";
+inline constexpr std::string_view currentComplianceType = "CURRENT_COMPLIANCE_TYPE";
+inline constexpr std::string_view pendingPurposesList = "PENDING_PURPOSES_LIST";
+inline constexpr std::string_view pendingPermissionsList = "PENDING_PERMISSIONS_LIST";
+inline constexpr std::string_view uploadConsentRequestPending = "UPLOAD_CONSENT_REQUEST_PENDING";
+inline constexpr std::string_view subjectId = "SUBJECT_ID";
+inline constexpr std::string_view xAuthToken = "X_AUTH_TOKEN";
+inline constexpr std::string_view configurationVersion = "SDK_VERSION";
+inline constexpr std::string_view isATTEnabled = "IS_ATT_ENABLED";
+inline constexpr std::string_view languageCode = "LANGUAGECODE";
+inline constexpr std::string_view lastModeUsed = "LAST_MODE_USED";
+inline constexpr std::string_view bannerInterval = "BANNER_INTERVAL";
+inline constexpr std::string_view bannerShownDate = "BANNER_SHOWN_DATE";
+inline constexpr std::string_view isBannerPresent = "IS_BANNER_PRESENT";
+inline constexpr std::string_view isSettingsPromptEnabled = "IS_SETTINGS_PROMPT_ENABLED";
+inline constexpr std::string_view hasShownSettingsPrompt = "HAS_SHOWN_SETTINGS_PROMPT";
+inline constexpr std::string_view cdnCachedTimestamp = "CDN_CACHED_TIMESTAMP";
+inline constexpr std::string_view cdnFileLocation = "CDN_FILE_LOCATION";
+// The entity tag that came with the cached configuration; "Etag" holds the newest tag of any answer.
+inline constexpr std::string_view cdnEtag = "CDN_ETAG";
+inline constexpr std::string_view etag = "Etag";
+inline constexpr std::string_view currentCountryCode = "curr_countryCode";
+inline constexpr std::string_view currentLocation = "curr_location";
+inline constexpr std::string_view currentLocationTimestamp = "curr_location_timestamp";
+
+}  // namespace quillon::key
+
+namespace quillon::givenType {
+
+inline constexpr std::string_view explicitly = "CONSENT_EXPLICIT";
+inline constexpr std::string_view implicitly = "CONSENT_IMPLICIT";
+inline constexpr std::string_view noAction = "CONSENT_NO_ACTION";
+
+}  // namespace quillon::givenType

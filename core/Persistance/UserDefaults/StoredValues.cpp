@@ -1,0 +1,95 @@
+#include "core/Persistance/UserDefaults/StoredValues.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+
+PurposeKey::PurposeKey(std::int64_t purposeId) noexcept
+    : length_(static_cast<std::size_t>(std::to_chars(text_, text_ + sizeof text_, purposeId).ptr - text_)) {}
+
+template <class T>
+const T* StoredValues::find(std::string_view key) const {
+  if (changes_) {
+    if (const auto changed = changes_->find(key); changed != changes_->end()) {
+      return changed->second ? std::get_if<T>(&*changed->second) : nullptr;
+    }
+  }
+  const auto entry = entries_.find(key);
+  return entry == entries_.end() ? nullptr : std::get_if<T>(&entry->second);
+}
+
+std::optional<std::string> StoredValues::string(std::string_view key) const {
+  const auto* text = find<std::string>(key);
+  return text ? std::optional(*text) : std::nullopt;
+}
+
+std::string StoredValues::string(std::string_view key, std::string_view fallback) const {
+  const auto* text = find<std::string>(key);
+  return text ? *text : std::string(fallback);
+}
+
+bool StoredValues::boolean(std::string_view key) const {
+  const auto* flag = find<bool>(key);
+  return flag && *flag;
+}
+
+std::int64_t StoredValues::integer(std::string_view key, std::int64_t fallback) const {
+  const auto* number = find<std::int64_t>(key);
+  return number ? *number : fallback;
+}
+
+std::optional<PropertyDate> StoredValues::date(std::string_view key) const {
+  const auto* time = find<PropertyDate>(key);
+  return time ? std::optional(*time) : std::nullopt;
+}
+
+std::optional<ConsentStatus> StoredValues::consent(std::string_view key) const {
+  const auto* text = find<std::string>(key);
+  return text ? fromRawValue<ConsentStatus>(*text) : std::nullopt;
+}
+
+ComplianceType StoredValues::complianceType() const {
+  const auto* text = find<std::string>(key::currentComplianceType);
+  return (text ? fromRawValue<ComplianceType>(*text) : std::nullopt).value_or(ComplianceType::noticeOnly);
+}
+
+ConsentStatus StoredValues::complianceDefault() const {
+  return complianceType() == ComplianceType::optIn ? ConsentStatus::declined : ConsentStatus::granted;
+}
+
+std::string StoredValues::consentGivenType() const { return string(key::consentGivenType, givenType::noAction); }
+
+std::vector<std::int64_t> StoredValues::pendingPurposes() const {
+  const auto* list = find<std::vector<std::int64_t>>(key::pendingPurposesList);
+  return list ? *list : std::vector<std::int64_t>();
+}
+
+std::vector<std::string> StoredValues::pendingPermissions() const {
+  const auto* list = find<std::vector<std::string>>(key::pendingPermissionsList);
+  return list ? *list : std::vector<std::string>();
+}
+
+void StoreTransaction::set(std::string_view key, PropertyValue value) {
+  changes_.insert_or_assign(std::string(key), std::move(value));
+}
+
+void StoreTransaction::remove(std::string_view key) { changes_.insert_or_assign(std::string(key), std::nullopt); }
+
+void StoreTransaction::addPendingPurpose(std::int64_t purposeId) {
+  auto list = pendingPurposes();
+  if (std::ranges::find(list, purposeId) != list.end()) return;
+  list.push_back(purposeId);
+  set(key::pendingPurposesList, std::move(list));
+}
+
+void StoreTransaction::addPendingPermission(const std::string& permission) {
+  auto list = pendingPermissions();
+  if (std::ranges::find(list, permission) != list.end()) return;
+  list.push_back(permission);
+  set(key::pendingPermissionsList, std::move(list));
+}
+
+}  // namespace quillon

@@ -1,0 +1,80 @@
+// Typed reading of a suite's content, and a change to it that is made as one.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/KeyValueSuite.h"
+#include "quillon/BannerConfig.h"
+#include "quillon/ConsentStatus.h"
+#include "quillon/VantariKey.h"
+
+namespace quillon {
+
+// The key of a purpose's consent: the decimal text of its identifier, without an allocation.
+class PurposeKey {
+ public:
+  explicit PurposeKey(std::int64_t purposeId) noexcept;
+  operator std::string_view() const noexcept { return {text_, length_}; }
+
+ private:
+  char text_[20];
+  std::size_t length_;
+};
+
+// Reads one content of a suite, which must outlive it. A value of another type than the one asked for counts as absent.
+class StoredValues {
+ public:
+  explicit StoredValues(const SuiteEntries& entries) noexcept : entries_(entries) {}
+
+  std::optional<std::string> string(std::string_view key) const;
+  std::string string(std::string_view key, std::string_view fallback) const;
+  bool boolean(std::string_view key) const;
+  std::int64_t integer(std::string_view key, std::int64_t fallback) const;
+  std::optional<PropertyDate> date(std::string_view key) const;
+
+  std::optional<ConsentStatus> consent(std::string_view key) const;
+  // The status that a purpose has without a decision: declined under opt-in, else granted.
+  ConsentStatus complianceDefault() const;
+  ComplianceType complianceType() const;
+  // How the present consents came about; "CONSENT_NO_ACTION" when nothing was given yet.
+  std::string consentGivenType() const;
+
+  std::vector<std::int64_t> pendingPurposes() const;
+  std::vector<std::string> pendingPermissions() const;
+
+ protected:
+  StoredValues(const SuiteEntries& entries, const SuiteChanges& changes) noexcept
+      : entries_(entries), changes_(&changes) {}
+
+ private:
+  template <class T>
+  const T* find(std::string_view key) const;
+
+  const SuiteEntries& entries_;
+  const SuiteChanges* changes_ = nullptr;
+};
+
+// Changes to a suite that are applied together. Reads see the changes made so far.
+class StoreTransaction : public StoredValues {
+ public:
+  explicit StoreTransaction(const SuiteEntries& current) noexcept : StoredValues(current, changes_) {}
+  StoreTransaction(const StoreTransaction&) = delete;
+  StoreTransaction& operator=(const StoreTransaction&) = delete;
+
+  void set(std::string_view key, PropertyValue value);
+  void remove(std::string_view key);
+  void addPendingPurpose(std::int64_t purposeId);
+  void addPendingPermission(const std::string& permission);
+
+  // What was changed; the transaction is empty afterwards.
+  SuiteChanges take() { return std::move(changes_); }
+
+ private:
+  SuiteChanges changes_;
+};
+
+}  // namespace quillon

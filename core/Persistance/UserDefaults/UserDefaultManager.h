@@ -1,0 +1,64 @@
+// The single place where state survives the process: a typed layer over the suite "quillon-cmp-sdk".
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/Persistance/UserDefaults/StoredValues.h"
+#include "platform/Platform.h"
+#include "quillon/SDKLogger.h"
+
+namespace quillon {
+
+// Thread-safe and without state of its own. A suite that cannot be opened stops the process at the first use.
+class UserDefaultManager {
+ public:
+  // Both must outlive it; neither is used before the first operation.
+  UserDefaultManager(const Platform& platform, SDKLogger& logger);
+  ~UserDefaultManager();
+
+  // One consistent content of the suite.
+  std::shared_ptr<const SuiteEntries> snapshot() const { return suite().snapshot(); }
+
+  // Changes several keys together: all of them are durable when this returns, or none and the failure is logged.
+  // The edit is called once and sees the newest content; it must not use the manager or the logger.
+  bool transact(const std::function<void(StoreTransaction&)>& edit);
+
+  std::string getString(std::string_view key, std::string_view fallback = {}) const;
+  bool getBoolean(std::string_view key) const;
+  std::int64_t getInt64(std::string_view key, std::int64_t fallback) const;
+  std::optional<ConsentStatus> getConsent(std::string_view key) const;
+
+  bool set(std::string_view key, PropertyValue value);
+  bool remove(std::string_view key);
+
+  // The stored identifier of the consenting subject; a new random one is stored when there is none.
+  std::string getSubjectId();
+
+  // Empties the suite: every key goes.
+  bool removeAllConsents();
+
+ private:
+  // The way from the suite's reports to the logger; cut when the manager goes, since the suite may live on.
+  struct ReportLink;
+
+  KeyValueSuite& suite() const;
+
+  const Platform& platform_;
+  SDKLogger& logger_;
+  std::shared_ptr<ReportLink> reports_;
+  mutable std::once_flag opened_;
+  mutable std::shared_ptr<KeyValueSuite> suite_;
+};
+
+// A random identifier in canonical form: 36 characters, upper-case hexadecimal digits and hyphens.
+[[nodiscard]] std::string makeUUID();
+
+// Makes sure that the transaction's content has a subject identifier and returns it.
+std::string ensureSubjectId(StoreTransaction& transaction);
+
+}  // namespace quillon

@@ -1,0 +1,151 @@
+#include "core/Purposes/PurposeManager.h"
+
+#include <algorithm>
+
+#include "core/Logger/UnitLog.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "Purposes/PurposeManager";
+
+// What app tracking makes of the status of a purpose that is bound to it.
+ConsentStatus adjusted(ConsentStatus current, bool hasDecision, bool authorized) {
+  if (authorized) return ConsentStatus::granted;
+  if (!hasDecision) return ConsentStatus::declined;
+  // A consent that existed is taken back, not declined.
+  const bool existed = current == ConsentStatus::granted || current == ConsentStatus::withDrawn;
+  return existed ? ConsentStatus::withDrawn : ConsentStatus::declined;
+}
+
+std::string listText(const std::vector<std::int64_t>& numbers) {
+  std::string text = "[";
+  for (const auto number : numbers) {
+    if (text.size() > 1) text += ", ";
+    text += std::to_string(number);
+  }
+  return text + "]";
+}
+
+}  // namespace
+
+const std::vector<Purpose>& PurposeManager::purposes() const {
+  static const std::vector<Purpose> none;
+  return configuration_->purposes ? *configuration_->purposes : none;
+}
+
+bool PurposeManager::isATTMapped(std::int64_t purposeId) const {
+  if (!configuration_->isATTEnabled.value_or(false) || !configuration_->attConfig) return false;
+  const auto& bound = configuration_->attConfig->purposeIds;
+  return bound && std::ranges::find(*bound, purposeId) != bound->end();
+}
+
+bool PurposeManager::trackingAuthorized() const {
+  return platform_.tracking->authorization() == TrackingAuthorization::authorized;
+}
+
+ConsentStatus PurposeManager::currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const {
+  const auto decision = stored.consent(PurposeKey(purposeId));
+  const ConsentStatus status = decision.value_or(stored.complianceDefault());
+  return isATTMapped(purposeId) ? adjusted(status, decision.has_value(), tracking) : status;
+}
+
+PurposeManager::Check PurposeManager::checkPurposes() {
+  const UnitLog log(logger_, sourceFile);
+  log(LogLevel::info, "Purposes consent checks executed", "checkPurposes()");
+
+  // The flag is the host process's own; the one that setConsent() writes into the suite is for other readers.
+  bool changed = StoredValues(*platform_.store->standardDefaults()->snapshot()).boolean(key::arePurposesChanged);
+  std::vector<std::int64_t> changedIds;
+  const bool tracking = trackingAuthorized();
+  const std::int64_t now = wholeSeconds(platform_.clock->now());
+  store_.transact([&](StoreTransaction& transaction) {
+    for (const Purpose& purpose : purposes()) {
+      if (!purpose.purposeId) continue;
+      const std::int64_t id = *purpose.purposeId;
+      const auto decision = transaction.consent(PurposeKey(id));
+      if (!decision) changed = true;
+      const ConsentStatus before = decision.value_or(transaction.complianceDefault());
+      const ConsentStatus status = currentStatus(id, transaction, tracking);
+      if (isATTMapped(id) && status != before) {
+        // The device decided, not the user: how the consents were given stays as it is.
+        setConsent(transaction, id, status, givenType::noAction, now);
+        changedIds.push_back(id);
+      }
+    }
+  });
+  if (!changedIds.empty()) {
+    log(LogLevel::debug, "Changed Purposes: " + listText(changedIds), "checkPurposes()");
+    changed = true;
+  }
+  return {pendingConsents(StoredValues(*store_.snapshot())), changed};
+}
+
+std::vector<Purpose> PurposeManager::purposesWithConsents() const {
+  const auto entries = store_.snapshot();
+  const StoredValues stored(*entries);
+  const bool tracking = trackingAuthorized();
+  std::vector<Purpose> result = purposes();
+  for (Purpose& purpose : result) {
+    if (!purpose.purposeId) continue;
+    purpose.consentStatus = currentStatus(*purpose.purposeId, stored, tracking);
+    if (!isATTMapped(*purpose.purposeId)) continue;
+    purpose.isATTMapped = true;
+    if (configuration_->attConfig->showInfoOnPrefCenter.value_or(false)) {
+      purpose.attDescription = configuration_->attConfig->infoText;
+    }
+  }
+  return result;
+}
+
+std::vector<std::pair<std::int64_t, ConsentStatus>> PurposeManager::answer(bool accept,
+                                                                          const StoredValues& stored) const {
+  const bool tracking = trackingAuthorized();
+  std::vector<std::pair<std::int64_t, ConsentStatus>> decisions;
+  for (const Purpose& purpose : purposes()) {
+    if (!purpose.purposeId) continue;
+    const bool granted = accept || purpose.disableOptOut.value_or(false);
+    decisions.emplace_back(*purpose.purposeId, isATTMapped(*purpose.purposeId)
+                                                   ? currentStatus(*purpose.purposeId, stored, tracking)
+                                               : granted ? ConsentStatus::granted
+                                                         : ConsentStatus::declined);
+  }
+  return decisions;
+}
+
+void PurposeManager::recordDefaults(StoreTransaction& transaction, std::string_view givenType, std::int64_t now) const {
+  const bool tracking = trackingAuthorized();
+  for (const Purpose& purpose : purposes()) {
+    if (!purpose.purposeId || transaction.consent(PurposeKey(*purpose.purposeId))) continue;
+    const bool essential = purpose.disableOptOut.value_or(false) && !isATTMapped(*purpose.purposeId);
+    const auto status = essential ? ConsentStatus::granted : currentStatus(*purpose.purposeId, transaction, tracking);
+    setConsent(transaction, *purpose.purposeId, status, givenType, now);
+  }
+}
+
+std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& stored) const {
+  const auto pending = stored.pendingPurposes();
+  const std::int64_t changeTime = stored.integer(key::purposesChangeTimestamp, wholeSeconds(platform_.clock->now()));
+  std::vector<PurposeConsent> consents;
+  for (const Purpose& purpose : purposes()) {
+    if (!purpose.purposeId || std::ranges::find(pending, *purpose.purposeId) == pending.end()) continue;
+    const auto status = stored.consent(PurposeKey(*purpose.purposeId)).value_or(stored.complianceDefault());
+    consents.push_back({*purpose.purposeId, status, changeTime, purpose.disableOptOut.value_or(false)});
+  }
+  return consents;
+}
+
+void PurposeManager::setConsent(StoreTransaction& transaction, std::int64_t purposeId, ConsentStatus status,
+                                std::string_view givenType, std::int64_t now) {
+  const PurposeKey purposeKey(purposeId);
+  if (transaction.consent(purposeKey) != status) {
+    transaction.set(key::arePurposesChanged, true);
+    transaction.set(key::purposesChangeTimestamp, now);
+  }
+  if (givenType != givenType::noAction) transaction.set(key::consentGivenType, std::string(givenType));
+  transaction.addPendingPurpose(purposeId);
+  transaction.set(purposeKey, std::string(rawValue(status)));
+}
+
+}  // namespace quillon

@@ -1,0 +1,64 @@
+// Which consent holds for every purpose of a configuration.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "quillon/MainConfiguration.h"
+#include "quillon/PostConsentsRequest.h"
+
+namespace quillon {
+
+// Thread-safe; all durable state is in the store.
+class PurposeManager {
+ public:
+  struct Check {
+    std::vector<PurposeConsent> pending;  // of the purposes whose consent is still to be uploaded
+    // A purpose has no consent yet, a consent followed the tracking status, or the process's own change flag is set.
+    bool changed;
+  };
+
+  // Platform, store and logger must outlive it.
+  PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
+                 std::shared_ptr<const MainConfiguration> configuration)
+      : platform_(platform), store_(store), logger_(logger), configuration_(std::move(configuration)) {}
+
+  // Brings the purposes that are bound to app tracking in line with its status, and tells what is still to be uploaded.
+  Check checkPurposes();
+
+  // The purposes in display order, each with its present consent and, when app tracking governs it, marked so.
+  std::vector<Purpose> purposesWithConsents() const;
+
+  // What an answer to the banner means for each purpose: all granted or all declined, but essential purposes are
+  // granted and those bound to app tracking follow its status.
+  std::vector<std::pair<std::int64_t, ConsentStatus>> answer(bool accept, const StoredValues& stored) const;
+
+  // Gives every purpose without a decision its default: what app tracking says, granted when essential, else what the
+  // compliance type implies.
+  void recordDefaults(StoreTransaction& transaction, std::string_view givenType, std::int64_t now) const;
+
+  // The pending consents as the upload carries them, read from one content of the store.
+  std::vector<PurposeConsent> pendingConsents(const StoredValues& stored) const;
+
+  // Writes one decision and everything that belongs to it.
+  static void setConsent(StoreTransaction& transaction, std::int64_t purposeId, ConsentStatus status,
+                         std::string_view givenType, std::int64_t now);
+
+ private:
+  const std::vector<Purpose>& purposes() const;
+  bool isATTMapped(std::int64_t purposeId) const;
+  // The present status: the decision or the default, then what app tracking makes of it.
+  ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const;
+  bool trackingAuthorized() const;
+
+  const Platform& platform_;
+  UserDefaultManager& store_;
+  SDKLogger& logger_;
+  const std::shared_ptr<const MainConfiguration> configuration_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,63 @@
+#include "core/Tasks/TaskGroup.h"
+
+#include <exception>
+
+namespace quillon {
+
+struct TaskGroup::State {
+  std::function<void(const char*)> onException;
+  std::mutex mutex;  // guards the members below
+  std::size_t underWay = 0;
+  bool closed = false;
+  std::vector<std::promise<void>> waiting;
+};
+
+TaskGroup::TaskGroup(std::shared_ptr<Executor> executor, std::function<void(const char*)> onException)
+    : executor_(std::move(executor)), state_(std::make_shared<State>()) {
+  state_->onException = std::move(onException);
+}
+
+std::shared_ptr<TaskGroup::Ticket> TaskGroup::enter() {
+  const std::scoped_lock lock(state_->mutex);
+  if (state_->closed) return nullptr;
+  ++state_->underWay;
+  return std::make_shared<Ticket>(state_);
+}
+
+TaskGroup::Ticket::~Ticket() {
+  std::vector<std::promise<void>> waiting;
+  {
+    const std::scoped_lock lock(state_->mutex);
+    if (--state_->underWay == 0) waiting.swap(state_->waiting);
+  }
+  for (auto& promise : waiting) promise.set_value();
+}
+
+void TaskGroup::Ticket::report(const std::exception_ptr& error) const {
+  try {
+    std::rethrow_exception(error);
+  } catch (const std::exception& exception) {
+    state_->onException(exception.what());
+  } catch (...) {
+    state_->onException("unknown exception");
+  }
+}
+
+std::future<void> TaskGroup::settled() {
+  std::promise<void> promise;
+  auto future = promise.get_future();
+  const std::scoped_lock lock(state_->mutex);
+  if (state_->underWay == 0) {
+    promise.set_value();
+  } else {
+    state_->waiting.push_back(std::move(promise));
+  }
+  return future;
+}
+
+void TaskGroup::close() {
+  const std::scoped_lock lock(state_->mutex);
+  state_->closed = true;
+}
+
+}  // namespace quillon

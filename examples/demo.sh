@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# One run of the example application against a development server, then a second one from its cache. Succeeds only when
+# the server saw what both runs should have asked for.
+set -euo pipefail
+cd "$(dirname "$(readlink -f "$0")")/.."
+
+work=$(mktemp -d)
+database=$work/uploads.db
+exec {log}< <(exec build/bin/quillon-consent serve examples/configuration --port 0 --db "$database")
+server=$!
+trap 'kill "$server" 2>/dev/null || true; rm -rf "$work"' EXIT
+
+fail() {
+  echo "demo: $*" >&2
+  exit 1
+}
+
+# The requests that the server logged since the last call. It logs a request before it answers, so those of a run that
+# has ended are all there.
+requests() {
+  local line
+  while read -r -t 0 -u "$log" && read -r -u "$log" line; do echo "$line"; done
+}
+
+run_host() {
+  build/bin/quillon-plain-host --app-url "$url" --cdn-url "$url" --vendor-url "$url" --data-dir "$work/data" \
+    --language de --expect "$1"
+}
+
+read -r -t 20 -u "$log" line || fail "the server did not start"
+url=${line#listening on }
+echo "development server on $url"
+
+echo
+echo "== first run"
+run_host first
+seen=$(requests)
+echo "-- what the server was asked"
+echo "$seen"
+grep -q '^GET /consent/.*/config_de\.json 200$' <<<"$seen" || fail "the German configuration was not fetched"
+grep -q '^POST /vantari/.* 200$' <<<"$seen" || fail "no consents were uploaded"
+
+uploads=$(build/bin/quillon-consent serve --list --db "$database")
+echo "-- what the server received"
+echo "$uploads"
+[ "$(grep -c '"status":0,' <<<"$uploads")" = 1 ] || fail "expected one accepted upload"
+
+echo
+echo "== second run"
+run_host again
+seen=$(requests)
+echo "-- what the server was asked"
+echo "${seen:-(nothing)}"
+! grep -q '/consent/mobile_banner/' <<<"$seen" || fail "the configuration was asked for although it is cached"
+
+kill "$server"
+wait "$server" || fail "the server did not end cleanly"
+echo
+echo "demo: everything happened as it should"

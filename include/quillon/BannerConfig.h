@@ -1,0 +1,143 @@
+/// @file
+/// What the consent banner and the preference centre show, and how they look.
+///
+/// All records are plain values with structural equality; an absent optional equals only an absent one. A member named
+/// after its JSON key in camel case is read from that key in snake case; where the key differs, the comment gives it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "quillon/RawValue.h"
+
+namespace quillon {
+
+/// A text in several languages: language code ("en", "de") to text.
+using LocalizedText = std::map<std::string, std::string, std::less<>>;
+
+/// Texts of the interface per language: language code, then text key; a language may be listed without texts.
+using Translations = std::map<std::string, std::optional<LocalizedText>, std::less<>>;
+
+/// The consent model of a banner.
+enum class ComplianceType {
+  noticeOnly,  ///< "notice-only": the user is told, nothing is asked
+  optIn,       ///< "opt-in": nothing is granted before the user agrees
+  optOut,      ///< "opt-out": granted until the user objects
+};
+[[nodiscard]] std::string_view rawValue(ComplianceType type) noexcept;
+
+/// Where the banner sits: "bottom" or "center".
+enum class BannerPosition { bottom, center };
+[[nodiscard]] std::string_view rawValue(BannerPosition position) noexcept;
+
+/// Shape of the banner's buttons: "rounded", "square", "pill", "outlined" or "edgeless".
+enum class ButtonShape { rounded, square, pill, outlined, edgeless };
+[[nodiscard]] std::string_view rawValue(ButtonShape shape) noexcept;
+
+/// An opaque colour in the sRGB space; every component lies between 0 and 1.
+struct Color {
+  double red = 0;
+  double green = 0;
+  double blue = 0;
+
+  bool operator==(const Color&) const = default;
+};
+
+/// The colour that a configured text means: "#" characters are dropped, the leading hexadecimal digits are read as one
+/// number and its low 24 bits are red, green and blue. There is no short form and no alpha; an unreadable text is black.
+[[nodiscard]] Color colorFromText(std::string_view text) noexcept;
+
+/// Custom colours ("palette"), each a colour text; the last four are optional.
+struct CustomColors {
+  std::string buttonBackground;
+  std::string buttonText;
+  std::string buttonBorder;
+  std::string bannerBackground;
+  std::string bannerText;
+  std::string bannerLinks;
+  std::string preferenceCenterFooterBackground;
+  std::string preferenceCenterFooterSelector;
+  std::optional<std::string> togglePrimarycolor;                ///< "toggle_primary"
+  std::optional<std::string> toggleSecondarycolor;              ///< "toggle_secondary"
+  std::optional<std::string> purposeDisclaimerTextColor;        ///< "purpose_disclaimer_text"
+  std::optional<std::string> purposeDisclaimerBackgroundColor;  ///< "purpose_disclaimer_background"
+};
+
+/// A font of the screens: family name, size in points and weight (100 thin to 900 black, 400 regular).
+struct CustomFont {
+  std::string name;
+  double size = 0;
+  int type = 400;
+
+  bool operator==(const CustomFont&) const = default;
+};
+
+/// The banner of one category.
+struct BannerConfig {
+  std::optional<bool> hideCloseButton;
+  std::optional<bool> hideAcceptButton;  ///< "hide_accept_toggle"
+  std::optional<bool> embedDSRPortalLink;
+  std::optional<bool> recordConsentUponAppStart;
+  std::optional<bool> hideToggleForEssentialCategories;
+  std::optional<std::string> name;
+  std::optional<std::string> dsrPortalLink;
+  std::optional<ComplianceType> complianceType;
+  /// How long an answered banner stays answered: a count, one blank and "month" or "year", such as "12 month".
+  std::optional<std::string> bannerReappearanceTime;
+  std::optional<std::string> privacyNoticeLink;
+  std::optional<LocalizedText> accept;
+  std::optional<LocalizedText> reject;
+  std::optional<LocalizedText> bannerText;
+  std::optional<LocalizedText> bannerHeading;
+  std::optional<LocalizedText> sdkTabHeading;
+  std::optional<LocalizedText> privacyNoticeText;
+  std::optional<LocalizedText> preferenceCenterLink;
+  std::optional<LocalizedText> permissionsTabHeading;
+  std::optional<LocalizedText> permissionsTabGuidance;
+  std::optional<LocalizedText> preferenceCenterHeading;
+  std::optional<LocalizedText> preferenceCenterGuidance;
+  std::optional<LocalizedText> permissionsTabDescription;
+  std::optional<LocalizedText> preferenceCenterDescription;
+  std::optional<bool> showPoweredByQuillonLogo;
+  std::optional<bool> showDescriptionTextWithPrefCenterToggle;  ///< "show_description_text_with_preference_center_toggle"
+  std::optional<std::int64_t> paletteTheme;
+  std::optional<BannerPosition> bannerPosition;
+  std::optional<ButtonShape> buttonShape;
+  std::optional<std::string> companyLogo;          ///< base64 text of an image
+  std::optional<CustomColors> customPaletteTheme;  ///< "palette"
+  std::optional<bool> shouldShowSettingsPrompt;
+  /// Not part of the document: texts of the interface, filled when the banner is prepared.
+  std::optional<Translations> translations;
+};
+
+/// All banners of a configuration and the maps by which one is chosen for the user's location.
+struct ConsentBannerConfig {
+  std::map<std::string, BannerConfig, std::less<>> categories;
+  std::map<std::string, std::string, std::less<>> namesMap;
+  std::map<std::string, std::string, std::less<>> locations;
+};
+
+[[nodiscard]] bool operator==(const CustomColors& left, const CustomColors& right);
+[[nodiscard]] bool operator==(const BannerConfig& left, const BannerConfig& right);
+[[nodiscard]] bool operator==(const ConsentBannerConfig& left, const ConsentBannerConfig& right);
+
+}  // namespace quillon
+
+/// Equal records hash equally.
+template <>
+struct std::hash<quillon::CustomColors> {
+  std::size_t operator()(const quillon::CustomColors& record) const;
+};
+template <>
+struct std::hash<quillon::BannerConfig> {
+  std::size_t operator()(const quillon::BannerConfig& record) const;
+};
+template <>
+struct std::hash<quillon::ConsentBannerConfig> {
+  std::size_t operator()(const quillon::ConsentBannerConfig& record) const;
+};

@@ -1,0 +1,154 @@
+/// @file
+/// The one object through which an application drives the SDK.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <future>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "quillon/ConsentSDKOptions.h"
+#include "quillon/ConsentStatus.h"
+#include "quillon/MainConfiguration.h"
+#include "quillon/PostConsentsRequest.h"
+#include "quillon/SDKStatus.h"
+#include "quillon/VantariKey.h"
+
+namespace quillon {
+
+class SDKLogger;
+struct Platform;
+
+/// Keeps the user's consents, decides when the banner is due and uploads what was decided.
+///
+/// Every operation may be called from any thread, also before setup(), and returns without waiting for the network; a
+/// write returns when it is durable, normally within a few milliseconds. Nothing throws: failures are logged and show
+/// as a status, an empty result or `false`. The one exception: a consent store that can be neither opened nor created
+/// stops the process.
+///
+/// Asynchronous operations come twice. With a callback: it is called exactly once, on the main queue, after the call
+/// has returned, with arguments that it may keep; not at all when the SDK is destroyed first. An exception it throws is
+/// contained. As a future: it becomes ready on a thread of the SDK's and never holds an exception; when the SDK is
+/// destroyed first it holds an empty result. Waiting for it on the main queue is allowed.
+///
+/// @code
+/// auto& sdk = quillon::ConsentSDK::shared();
+/// sdk.setup({.appUrl = "https://app.example.com/", .cdnUrl = "https://cdn.example.com/", .tenantId = "t", .appId = "a"});
+/// sdk.isReady([&](quillon::SDKStatus status) {
+///   if (status == quillon::SDKStatus::ready && sdk.isBannerDue()) showBanner();
+/// });
+/// @endcode
+class ConsentSDK {
+ public:
+  /// The instance of this process, over the services of the platform library that is linked; created on first use.
+  static ConsentSDK& shared();
+
+  /// An instance of its own over the given services; several may live side by side.
+  explicit ConsentSDK(Platform platform);
+  /// Aborts what is under way. No callback begins afterwards when called on the main queue.
+  ~ConsentSDK();
+  ConsentSDK(const ConsentSDK&) = delete;
+  ConsentSDK& operator=(const ConsentSDK&) = delete;
+
+  /// @name Set-up and readiness
+  /// @{
+
+  /// Takes the options, applies the cache-reset rules and starts loading the configuration in the background. May be
+  /// called again; each call replaces the options and loads anew.
+  void setup(ConsentSDKOptions options);
+
+  /// Whether a configuration is at hand.
+  [[nodiscard]] SDKStatus getStatus() const;
+
+  /// Calls @p callback at once with the present status, on the calling thread, and then on the main queue with every
+  /// later status that differs from the one reported last. A second call replaces the first one's callback.
+  void isReady(std::function<void(SDKStatus)> callback);
+
+  /// Ends the reports of isReady().
+  void removeListeners();
+
+  /// The SDK's own version, such as "1.2.0"; nothing when the installation does not tell.
+  [[nodiscard]] std::optional<std::string> sdkVersion() const;
+
+  /// The diagnostic channel of this instance.
+  [[nodiscard]] SDKLogger& logger();
+  /// @}
+
+  /// @name Consents
+  /// @{
+
+  /// The decision on a purpose, else the default of the compliance type. Cheap enough for every frame.
+  [[nodiscard]] ConsentStatus get(std::int64_t purposeId) const;
+
+  /// The state of a permission: of a permission that the configuration lists, what the device says now; of another
+  /// one, what was stored last.
+  [[nodiscard]] ConsentStatus get(const VantariKey& vantariKey) const;
+
+  /// Records the user's choice for a purpose and uploads it about a second later, together with others made meanwhile.
+  /// False when it could not be stored (no identifier, disk full); the earlier decision then stands.
+  bool set(const Purpose& purpose, ConsentStatus consent);
+
+  /// Records the state of a permission as the user's choice. False when it could not be stored.
+  bool set(const AppPermission& permission, ConsentStatus consent);
+
+  /// The configured purposes in display order, each with its present consent.
+  void getPurposeConsents(std::function<void(std::vector<Purpose>)> callback);
+  [[nodiscard]] std::future<std::vector<Purpose>> getPurposeConsents();
+
+  /// The configured permissions in display order, each with what the device says now.
+  void getPermissionConsents(std::function<void(std::vector<AppPermission>)> callback);
+  [[nodiscard]] std::future<std::vector<AppPermission>> getPermissionConsents();
+
+  /// Deletes every stored value: decisions, identity, token. The cached configuration stays.
+  void removeConsents();
+  /// @}
+
+  /// @name Banner
+  /// @{
+
+  /// The banner for the user's location, from the given configuration or else the cached one; nothing when there is
+  /// none. Remembers the banner's reappearance interval.
+  void getBannerConfig(std::optional<MainConfiguration> configuration,
+                       std::function<void(std::optional<BannerConfig>)> callback);
+  [[nodiscard]] std::future<std::optional<BannerConfig>> getBannerConfig(
+      std::optional<MainConfiguration> configuration = std::nullopt);
+
+  /// Whether the banner must be shown now. A positive answer counts as showing it: ask only when about to show it.
+  [[nodiscard]] bool isBannerDue();
+
+  /// Records the user's answer to the banner for every purpose at once and uploads it. True when it was stored; a
+  /// failed upload stays pending and is retried.
+  void acceptOrReject(bool accept, std::function<void(bool stored)> callback);
+  std::future<bool> acceptOrReject(bool accept);
+  /// @}
+
+  /// @name Upload and check
+  /// @{
+
+  /// Sends @p request to the application server at base address @p url. The outcome is kept as the pending state;
+  /// `done` says that the attempt is over, not that it succeeded.
+  void uploadConsents(std::string url, PostConsentsRequest request, std::function<void()> done);
+  std::future<void> uploadConsents(std::string url, PostConsentsRequest request);
+
+  /// Uploads now what is still pending, if anything. True when nothing is pending afterwards.
+  void uploadPendingConsents(std::function<void(bool uploaded)> callback);
+  std::future<bool> uploadPendingConsents();
+
+  /// Runs one consent check now, as the repeating timer does.
+  void checkConsents(std::function<void()> done);
+  std::future<void> checkConsents();
+
+  /// Becomes ready as soon as nothing is under way: no loading, check, answer or upload. Work that waits for its time
+  /// (the repeating check, the upload a second after set()) does not count. For hosts that want to leave in order.
+  [[nodiscard]] std::future<void> settled();
+  /// @}
+
+ private:
+  class Core;
+  std::shared_ptr<Core> core_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,35 @@
+/// @file
+/// Settings of the SDK on Linux.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace quillon {
+
+/// How the SDK fits into a Linux application. Every member has a default that suits a plain program.
+struct LinuxOptions {
+  /// Names the folder of the application's data, so that two applications never share a store. Default: $FLATPAK_ID,
+  /// else the executable's name.
+  std::string applicationId = {};
+  /// The folder itself. Default: $XDG_DATA_HOME (else ~/.local/share) and the application identifier.
+  std::optional<std::filesystem::path> dataDirectory = std::nullopt;
+  /// Hands a job to the application's main loop, to be run there later, in order. May be called from any thread.
+  /// Default: a thread of the SDK's own serves as the main queue.
+  std::function<void(std::function<void()> job)> postToMainQueue = {};
+  /// Base address of the vendor's application server, for development; ends in "/".
+  std::optional<std::string> vendorUrl = std::nullopt;
+};
+
+/// Sets the options of ConsentSDK::shared(). Call it before the first use of shared(); later calls change nothing and
+/// answer false. Thread-safe.
+///
+/// @code
+/// quillon::configure({.applicationId = "com.example.reader"});
+/// quillon::ConsentSDK::shared().setup(options);
+/// @endcode
+bool configure(LinuxOptions options);
+
+}  // namespace quillon

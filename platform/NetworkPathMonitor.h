@@ -1,0 +1,29 @@
+// Whether the device has a usable way to the network.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/Executors.h"
+
+namespace quillon {
+
+enum class NetworkStatus { satisfied, unsatisfied };
+
+// Dropping it stops the reports: the handler is not called afterwards.
+class NetworkSubscription {
+ public:
+  virtual ~NetworkSubscription() = default;
+};
+
+// Thread-safe.
+class NetworkPathMonitor {
+ public:
+  virtual ~NetworkPathMonitor() = default;
+
+  // Reports the present status soon after the call and then every change, on the given queue.
+  [[nodiscard]] virtual std::unique_ptr<NetworkSubscription> start(std::shared_ptr<Executor> queue,
+                                                                   std::function<void(NetworkStatus)> handler) = 0;
+};
+
+}  // namespace quillon

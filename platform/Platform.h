@@ -1,0 +1,39 @@
+// Everything the consent logic asks of an operating system, as one value. Each member can be replaced by another
+// implementation of its interface; all are set.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/AppTracking.h"
+#include "platform/Clock.h"
+#include "platform/Console.h"
+#include "platform/Executors.h"
+#include "platform/FileSystem.h"
+#include "platform/HostApplication.h"
+#include "platform/HttpSession.h"
+#include "platform/KeyValueSuite.h"
+#include "platform/Locale.h"
+#include "platform/NetworkPathMonitor.h"
+#include "platform/PermissionSources.h"
+
+namespace quillon {
+
+struct Platform {
+  std::shared_ptr<Console> console;
+  std::shared_ptr<Clock> clock;
+  std::shared_ptr<Executors> executors;
+  std::shared_ptr<FileSystem> files;
+  std::shared_ptr<KeyValueStore> store;
+  std::shared_ptr<HttpSession> http;
+  std::shared_ptr<NetworkPathMonitor> network;
+  std::shared_ptr<Locale> locale;
+  std::shared_ptr<AppTracking> tracking;
+  std::shared_ptr<PermissionSources> permissions;
+  std::shared_ptr<HostApplication> host;
+
+  // Base address of the vendor's application server, which answers location look-ups. Ends in "/".
+  std::string vendorUrl = "https://app.quillon.example/";
+};
+
+}  // namespace quillon

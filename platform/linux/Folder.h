@@ -1,0 +1,32 @@
+// A folder held open, to lock it against other processes and to make what was renamed in it durable.
+#pragma once
+
+#include <chrono>
+#include <expected>
+#include <filesystem>
+#include <string>
+
+#include "platform/linux/FileDescriptor.h"
+
+namespace quillon {
+
+class Folder {
+ public:
+  using Deadline = std::chrono::steady_clock::time_point;
+
+  static std::expected<Folder, std::string> open(const std::filesystem::path& path);
+
+  // Waits until the deadline for every other holder, in this process or another, to let go. The lock lies on the folder
+  // itself: it leaves no file behind and ends with this object or with the process.
+  static std::expected<Folder, std::string> openLocked(const std::filesystem::path& path, Deadline deadline);
+
+  [[nodiscard]] std::expected<void, std::string> sync() const;
+
+ private:
+  Folder(std::filesystem::path path, FileDescriptor descriptor);
+
+  std::filesystem::path path_;
+  FileDescriptor descriptor_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,26 @@
+// What a Linux system knows of the application and the machine it runs on.
+#pragma once
+
+#include <string>
+
+#include "platform/HostApplication.h"
+
+namespace quillon {
+
+// Thread-safe. A program on Linux has neither an information dictionary nor a table of translations, so information()
+// answers nothing and localized() the key.
+class LinuxHostApplication : public HostApplication {
+ public:
+  LinuxHostApplication();
+
+  std::optional<std::string> componentVersion(std::string_view identifier) const override;
+  std::optional<std::string> information(std::string_view key) const override;
+  std::string localized(std::string_view key, std::string_view comment) const override;
+  // Such as "Debian GNU/Linux 12 (bookworm), Linux 6.1 x86_64": nothing that tells one machine from its like.
+  std::string deviceDescription() const override { return device_; }
+
+ private:
+  const std::string device_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,104 @@
+#include "platform/linux/LinuxPlatform.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string_view>
+#include <system_error>
+
+#include "platform/linux/AsioExecutors.h"
+#include "platform/linux/CurlHttpSession.h"
+#include "platform/linux/EnvironmentLocale.h"
+#include "platform/linux/LinuxClock.h"
+#include "platform/linux/LinuxHostApplication.h"
+#include "platform/linux/NetlinkPathMonitor.h"
+#include "platform/linux/PosixFileSystem.h"
+#include "platform/linux/SqliteStore.h"
+#include "platform/linux/StandardConsole.h"
+#include "platform/memory/FixedAppTracking.h"
+#include "platform/memory/NoPermissionSources.h"
+
+namespace quillon {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+std::string executableName() {
+  std::error_code error;
+  std::string name = fs::read_symlink("/proc/self/exe", error).filename().string();
+  constexpr std::string_view replaced = " (deleted)";  // the kernel's mark when an update exchanged the running file
+  if (name.ends_with(replaced)) name.resize(name.size() - replaced.size());
+  return name;
+}
+
+// The identifier as the name of one folder; empty when it cannot be one.
+std::string folderName(std::string identifier) {
+  constexpr std::size_t longest = 200;
+  identifier.resize(std::min(identifier.size(), longest));
+  std::ranges::replace_if(
+      identifier, [](char c) { return c == '/' || static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '_');
+  return identifier == "." || identifier == ".." ? std::string() : identifier;
+}
+
+std::string applicationFolder(const LinuxOptions& options) {
+  for (const auto& identifier : {options.applicationId, environment("FLATPAK_ID"), executableName()}) {
+    if (auto name = folderName(identifier); !name.empty()) return name;
+  }
+  return "quillon";
+}
+
+// Relative paths do not count: they would follow the working directory.
+fs::path userDataDirectory() {
+  const fs::path data = environment("XDG_DATA_HOME");
+  if (data.is_absolute()) return data;
+  fs::path home = environment("HOME");
+  if (!home.is_absolute()) {
+    std::array<char, 16384> buffer{};
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
+      home = found->pw_dir;
+    }
+  }
+  return home.is_absolute() ? home / ".local/share" : fs::path();
+}
+
+// Empty when the user has no home.
+fs::path dataDirectory(const LinuxOptions& options) {
+  if (options.dataDirectory) {
+    std::error_code error;
+    return fs::absolute(*options.dataDirectory, error);
+  }
+  const fs::path parent = userDataDirectory();
+  return parent.empty() ? parent : parent / applicationFolder(options);
+}
+
+}  // namespace
+
+Platform linuxPlatform(const LinuxOptions& options) {
+  const fs::path folder = dataDirectory(options);
+  Platform platform;
+  platform.console = std::make_shared<StandardConsole>();
+  platform.clock = std::make_shared<LinuxClock>();
+  platform.executors = std::make_shared<AsioExecutors>(options.postToMainQueue);
+  platform.files = std::make_shared<PosixFileSystem>(folder);
+  platform.store = std::make_shared<SqliteStore>(folder);
+  platform.http = std::make_shared<CurlHttpSession>();
+  platform.network = std::make_shared<NetlinkPathMonitor>();
+  platform.locale = std::make_shared<EnvironmentLocale>();
+  platform.tracking = std::make_shared<FixedAppTracking>();
+  platform.permissions = std::make_shared<NoPermissionSources>();
+  platform.host = std::make_shared<LinuxHostApplication>();
+  if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;
+  return platform;
+}
+
+}  // namespace quillon

@@ -1,0 +1,112 @@
+#include "platform/linux/SqliteDatabase.h"
+
+#include <utility>
+
+namespace quillon {
+
+namespace {
+
+std::unexpected<SqliteError> failed(sqlite3* connection, int code) {
+  // The connection's text belongs to its last call only.
+  const char* text = connection != nullptr && sqlite3_extended_errcode(connection) == code ? sqlite3_errmsg(connection)
+                                                                                           : sqlite3_errstr(code);
+  return std::unexpected(SqliteError{code, text});
+}
+
+}  // namespace
+
+bool SqliteError::busy() const noexcept {
+  const int primary = code & 0xff;
+  return primary == SQLITE_BUSY || primary == SQLITE_LOCKED;
+}
+
+bool SqliteError::damage() const noexcept {
+  switch (code & 0xff) {
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_ERROR:
+    case SQLITE_SCHEMA:
+      return true;
+    default:
+      return code == SQLITE_IOERR_SHORT_READ;
+  }
+}
+
+void SqliteStatement::bind(int parameter, std::string_view text) {
+  // A null pointer would bind NULL in place of the empty text.
+  const char* data = text.data() != nullptr ? text.data() : "";
+  const int code =
+      sqlite3_bind_text64(statement_.get(), parameter + 1, data, text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+  if (code != SQLITE_OK) bindError_ = code;
+}
+
+void SqliteStatement::bind(int parameter, std::int64_t number) {
+  const int code = sqlite3_bind_int64(statement_.get(), parameter + 1, number);
+  if (code != SQLITE_OK) bindError_ = code;
+}
+
+SqliteResult<bool> SqliteStatement::step() {
+  if (const int code = std::exchange(bindError_, SQLITE_OK); code != SQLITE_OK) return failed(nullptr, code);
+  const int code = sqlite3_step(statement_.get());
+  if (code == SQLITE_ROW) return true;
+  auto result = code == SQLITE_DONE ? SqliteResult<bool>(false) : failed(sqlite3_db_handle(statement_.get()), code);
+  reset();
+  return result;
+}
+
+std::optional<std::string_view> SqliteStatement::text(int column) const {
+  if (sqlite3_column_type(statement_.get(), column) != SQLITE_TEXT) return std::nullopt;
+  const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+  if (data == nullptr) return std::nullopt;
+  return std::string_view(data, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)));
+}
+
+std::optional<std::int64_t> SqliteStatement::integer(int column) const {
+  if (sqlite3_column_type(statement_.get(), column) != SQLITE_INTEGER) return std::nullopt;
+  return sqlite3_column_int64(statement_.get(), column);
+}
+
+SqliteResult<SqliteDatabase> SqliteDatabase::open(const std::filesystem::path& file) {
+  sqlite3* connection = nullptr;
+  const int code = sqlite3_open_v2(file.c_str(), &connection,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_NOMUTEX |
+                                       SQLITE_OPEN_PRIVATECACHE | SQLITE_OPEN_EXRESCODE,
+                                   nullptr);
+  SqliteDatabase database;
+  database.connection_.reset(connection);
+  if (code != SQLITE_OK) return failed(connection, code);
+  return database;
+}
+
+SqliteResult<> SqliteDatabase::run(const char* sql) {
+  const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) return failed(connection_.get(), code);
+  return {};
+}
+
+SqliteResult<SqliteStatement> SqliteDatabase::prepare(std::string_view sql) {
+  sqlite3_stmt* statement = nullptr;
+  const int code = sqlite3_prepare_v3(connection_.get(), sql.data(), static_cast<int>(sql.size()),
+                                      SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+  if (code != SQLITE_OK) return failed(connection_.get(), code);
+  SqliteStatement prepared;
+  prepared.statement_.reset(statement);
+  return prepared;
+}
+
+SqliteResult<std::string> SqliteDatabase::ask(std::string_view sql) {
+  auto statement = prepare(sql);
+  if (!statement) return std::unexpected(statement.error());
+  const auto row = statement->step();
+  if (!row) return std::unexpected(row.error());
+  if (!*row) return std::string();
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement->statement_.get(), 0));
+  return std::string(text != nullptr ? text : "");
+}
+
+bool SqliteDatabase::moved() const noexcept {
+  int moved = 0;
+  return sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+}
+
+}  // namespace quillon

@@ -1,0 +1,63 @@
+#include "platform/linux/SqliteStore.h"
+
+#include <system_error>
+
+#include "platform/linux/PosixFileSystem.h"
+#include "platform/linux/SqliteSuite.h"
+#include "platform/memory/MemoryStore.h"
+
+namespace quillon {
+
+namespace {
+
+// Leaves room for the suffixes within the 255 bytes of a file name.
+constexpr std::size_t maximumNameBytes = 180;
+
+bool isFileName(std::string_view name) {
+  return !name.empty() && name.size() <= maximumNameBytes && name.front() != '.' &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+// SQLite is told to follow no link anywhere in a path, but the way to the folder is the user's to arrange.
+std::expected<std::filesystem::path, std::string> readyFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  if (!std::filesystem::is_directory(folder, error)) {
+    PosixFileSystem files{{}};
+    if (auto made = files.createDirectories(folder); !made) return std::unexpected(made.error());
+  }
+  auto canonical = std::filesystem::canonical(folder, error);
+  if (error) return std::unexpected("open folder " + folder.string() + ": " + error.message());
+  return canonical;
+}
+
+}  // namespace
+
+SqliteStore::SqliteStore(std::filesystem::path folder)
+    : folder_(std::move(folder)), standardDefaults_(std::make_shared<MemorySuite>()) {}
+
+std::shared_ptr<KeyValueSuite> SqliteStore::open(std::string_view name, Report report) try {
+  if (!isFileName(name)) return nullptr;
+  {
+    std::lock_guard lock(mutex_);
+    if (const auto known = suites_.find(name); known != suites_.end()) return known->second;
+  }
+  // Without the lock, for the report may want the log and the log the store. Two threads may both get here; the first
+  // to come back gives the suite that both use.
+  const auto folder = readyFolder(folder_);
+  if (!folder) {
+    if (report) report(folder.error());
+    return nullptr;
+  }
+  auto suite = SqliteSuite::open(*folder / (std::string(name) + ".sqlite"), std::move(report));
+  if (!suite) return nullptr;
+  std::lock_guard lock(mutex_);
+  return suites_.try_emplace(std::string(name), std::move(suite)).first->second;
+} catch (...) {  // out of memory, or the report's own failure
+  return nullptr;
+}
+
+std::shared_ptr<KeyValueSuite> SqliteStore::standardDefaults() {
+  return standardDefaults_;
+}
+
+}  // namespace quillon

@@ -1,0 +1,305 @@
+#include "platform/linux/SqliteSuite.h"
+
+#include <algorithm>
+#include <ctime>
+#include <exception>
+#include <thread>
+#include <utility>
+
+#include "platform/linux/Folder.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::chrono::seconds patience{2};
+constexpr int maximumAttempts = 3;
+
+// Somewhat less than the 100 ms promised, for this clock lags by up to a tick (10 ms at most).
+constexpr std::int64_t probeIntervalNanoseconds = 90'000'000;
+
+std::int64_t coarseNanoseconds() {
+  std::timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+SuiteFile::Deadline afterPatience() {
+  return std::chrono::steady_clock::now() + patience;
+}
+
+SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
+  for (const auto& [key, value] : changes) {
+    if (value) {
+      entries.insert_or_assign(key, *value);
+    } else {
+      entries.erase(key);
+    }
+  }
+  return entries;
+}
+
+// What the changes really change, as rows; the keys belong to the changes.
+using Rows = std::vector<std::pair<std::string_view, std::optional<StoredValue>>>;
+
+std::expected<Rows, std::string> rowsToWrite(const SuiteEntries& current, const SuiteChanges& changes) {
+  Rows rows;
+  for (const auto& [key, value] : changes) {
+    if (key.empty()) return std::unexpected("a key is empty");
+    const auto existing = current.find(key);
+    if (!value) {
+      if (existing != current.end()) rows.emplace_back(key, std::nullopt);
+      continue;
+    }
+    if (existing != current.end() && existing->second == *value) continue;
+    auto stored = toStored(*value);
+    if (key.size() + stored.text.size() > maximumEntryBytes) return std::unexpected("a value is larger than 1 MiB");
+    rows.emplace_back(key, std::move(stored));
+  }
+  return rows;
+}
+
+}  // namespace
+
+// Rolls back unless committed; a connection that cannot even do that is given up.
+class SqliteSuite::Transaction {
+ public:
+  explicit Transaction(SqliteSuite& suite) : suite_(suite) {}
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  ~Transaction() {
+    if (committed_) return;
+    if (wrote_) suite_.version_.reset();
+    if (!suite_.file_->rollback()) suite_.file_.reset();
+  }
+
+  void writing() { wrote_ = true; }
+  void committed() { committed_ = true; }
+
+ private:
+  SqliteSuite& suite_;
+  bool wrote_ = false;
+  bool committed_ = false;
+};
+
+SqliteSuite::SqliteSuite(std::filesystem::path file, KeyValueStore::Report report)
+    : path_(std::move(file)), report_(std::move(report)) {}
+
+std::shared_ptr<SqliteSuite> SqliteSuite::open(std::filesystem::path file, KeyValueStore::Report report) {
+  const std::shared_ptr<SqliteSuite> suite(new SqliteSuite(std::move(file), std::move(report)));
+  std::expected<void, std::string> ready;
+  {
+    std::lock_guard connection(suite->connectionMutex_);
+    auto opened = SuiteFile::open(suite->path_, afterPatience());
+    if (opened) {
+      suite->adopt(std::move(*opened));
+    } else if (opened.error().fault == SuiteFile::Fault::unavailable) {
+      ready = std::unexpected(opened.error().text);
+    } else {
+      ready = suite->mend(opened.error().text);
+    }
+  }
+  if (!ready) suite->note("Store " + suite->path_.string() + " cannot be opened: " + ready.error());
+  suite->deliverNotes();
+  return ready ? suite : nullptr;
+}
+
+std::shared_ptr<const SuiteEntries> SqliteSuite::snapshot() const {
+  if (coarseNanoseconds() >= nextProbe_.load(std::memory_order_relaxed)) probe();
+  std::lock_guard lock(publishedMutex_);
+  return published_;
+}
+
+void SqliteSuite::probe() const {
+  try {
+    std::unique_lock connection(connectionMutex_, std::try_to_lock);
+    if (!connection) return;
+    if (!file_ || file_->moved()) {
+      // Another process has set the file aside and begun a new one, or somebody has put back an older one. When nothing
+      // usable stands there, what we know stays valid until the next update mends the file.
+      if (auto opened = SuiteFile::open(path_, Deadline::min())) adopt(std::move(*opened));
+    } else if (const auto done = refresh(); !done) {
+      if (done.error().busy()) return;  // a commit is under way: the next reader asks again
+      if (version_) note("Store " + path_.string() + " cannot be read any more: " + done.error().text);
+      version_.reset();
+    }
+    nextProbe_.store(coarseNanoseconds() + probeIntervalNanoseconds, std::memory_order_relaxed);
+  } catch (...) {
+    return;  // out of memory: the snapshot stays, and the next reader tries again
+  }
+  deliverNotes();
+}
+
+std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
+  auto done = [&]() -> std::expected<void, std::string> {
+    try {
+      return updateInTurn(edit);
+    } catch (const std::exception& error) {
+      return std::unexpected(error.what());
+    } catch (...) {
+      return std::unexpected("unknown exception");
+    }
+  }();
+  deliverNotes();
+  return done;
+}
+
+std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
+  std::lock_guard turn(writersMutex_);
+  std::unique_lock connection(connectionMutex_);
+  std::optional<SuiteChanges> changes;  // the edit is called once, however often they are applied
+  for (int attempts = 1;; ++attempts) {
+    auto done = attempt(connection, afterPatience(), edit, changes);
+    if (done) return {};
+    if (!done.error().mendable || attempts == maximumAttempts) return std::unexpected(std::move(done.error().text));
+    if (auto mended = mend(done.error().text); !mended) return mended;
+  }
+}
+
+std::expected<void, SqliteSuite::Problem> SqliteSuite::begin(std::unique_lock<std::mutex>& connection,
+                                                             Deadline deadline) {
+  for (;;) {
+    if (!file_) return std::unexpected(Problem{"its connection was lost", true});
+    auto begun = file_->begin();
+    if (begun) return {};
+    if (!begun.error().busy() || std::chrono::steady_clock::now() >= deadline) {
+      return std::unexpected(problem(begun.error()));
+    }
+    // Readers go on probing while another process writes.
+    connection.unlock();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    connection.lock();
+  }
+}
+
+std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<std::mutex>& connection,
+                                                               Deadline deadline, const Edit& edit,
+                                                               std::optional<SuiteChanges>& changes) {
+  if (auto begun = begin(connection, deadline); !begun) return begun;
+  Transaction transaction(*this);
+  if (file_->moved()) return std::unexpected(Problem{"it was moved away", true});
+  if (file_->truncated()) return std::unexpected(Problem{"it was truncated", true});
+  if (auto done = refresh(); !done) return std::unexpected(problem(done.error()));
+  if (!sound_) return std::unexpected(Problem{"entries in it are damaged", true});
+
+  const auto& current = *published_;  // only a holder of the connection publishes
+  if (!changes) changes = edit(current);
+  const auto rows = rowsToWrite(current, *changes);
+  if (!rows) return std::unexpected(Problem{rows.error()});
+  if (rows->empty()) return {};
+  auto next = std::make_shared<const SuiteEntries>(applied(current, *changes));
+  if (next->size() > maximumSuiteEntries) return std::unexpected(Problem{"the store has too many entries"});
+
+  transaction.writing();
+  for (const auto& [key, stored] : *rows) {
+    const auto done = stored ? file_->put(key, *stored) : file_->remove(key);
+    if (!done) return std::unexpected(problem(done.error()));
+  }
+  if (auto done = file_->commit(afterPatience()); !done) return std::unexpected(problem(done.error()));
+  transaction.committed();
+  // Set aside by another process between our look and our commit: the changes go into the file that took its place.
+  if (file_->moved()) return std::unexpected(Problem{"it was moved away", true});
+  publish(std::move(next));
+  return {};
+}
+
+SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
+  return {"store " + path_.string() + ": " + error.text, error.damage() || file_->moved()};
+}
+
+// Leaves a healthy file open at the path, holding what was last known to be committed.
+std::expected<void, std::string> SqliteSuite::mend(const std::string& why) {
+  const bool wasOpen = file_.has_value();
+  if (wasOpen && file_->moved()) {
+    // Other processes may have committed to the old file after we last looked.
+    if (auto content = file_->read(); content && content->unreadable.empty()) publish(std::move(*content));
+  }
+  file_.reset();
+
+  const auto folder = Folder::openLocked(path_.parent_path(), afterPatience());
+  if (!folder) return std::unexpected(folder.error());
+  {
+    auto found = SuiteFile::open(path_, afterPatience());
+    if (found && found->content.unreadable.empty()) {
+      // Another process was faster, or somebody restored a copy. What stands there counts as it is: adding our keys to
+      // it could bring back what has been erased from it since.
+      adopt(std::move(*found));
+      return {};
+    }
+    if (!found && found.error().fault == SuiteFile::Fault::unavailable) return std::unexpected(found.error().text);
+    if (found) publish(std::move(found->content));
+  }
+
+  const auto aside = SuiteFile::create(path_, *published_, *folder);
+  if (!aside) return std::unexpected(why + "; " + aside.error());
+  const auto count = std::to_string(published_->size());
+  if (!aside->empty()) {
+    note("Store " + path_.string() + " was damaged (" + why + ") and is kept as " + aside->string() +
+         "; a new one was begun with the " + count + " entries known");
+  } else if (wasOpen) {
+    note("Store " + path_.string() + " had disappeared; it was written again with the " + count + " entries known");
+  }
+  auto opened = SuiteFile::open(path_, afterPatience());
+  if (!opened) return std::unexpected(opened.error().text);
+  adopt(std::move(*opened));
+  return {};
+}
+
+void SqliteSuite::adopt(SuiteFile::Opened opened) const {
+  file_.emplace(std::move(opened.file));
+  publish(std::move(opened.content));
+}
+
+SqliteResult<> SqliteSuite::refresh() const {
+  const auto seen = file_->version();
+  if (!seen) return std::unexpected(seen.error());
+  if (version_ == *seen) return {};
+  auto content = file_->read();
+  if (!content) return std::unexpected(content.error());
+  publish(std::move(*content));
+  return {};
+}
+
+void SqliteSuite::publish(SuiteContent content) const {
+  version_ = content.version;
+  sound_ = content.unreadable.empty();
+  publish(std::make_shared<const SuiteEntries>(std::move(content.entries)));
+
+  std::string fresh;
+  std::size_t count = 0;
+  for (auto& key : content.unreadable) {
+    if (const auto [noted, isNew] = unreadableNoted_.insert(std::move(key)); isNew) {
+      if (++count <= 10) fresh += (count == 1 ? "" : ", ") + *noted;
+    }
+  }
+  if (count > 0) {
+    note("Store " + path_.string() + ": " + std::to_string(count) + " damaged entries count as absent: " + fresh);
+  }
+}
+
+void SqliteSuite::publish(std::shared_ptr<const SuiteEntries> entries) const {
+  std::lock_guard lock(publishedMutex_);
+  published_.swap(entries);
+}
+
+void SqliteSuite::note(std::string message) const {
+  std::lock_guard lock(notesMutex_);
+  notes_.push_back(std::move(message));
+}
+
+void SqliteSuite::deliverNotes() const noexcept {
+  std::vector<std::string> notes;
+  {
+    std::lock_guard lock(notesMutex_);
+    notes.swap(notes_);
+  }
+  if (!report_) return;
+  for (auto& message : notes) {
+    try {
+      report_(std::move(message));
+    } catch (...) {  // the host's own failure, and nobody to tell it to
+    }
+  }
+}
+
+}  // namespace quillon

@@ -1,0 +1,22 @@
+#include "platform/linux/StandardConsole.h"
+
+#include <cstdio>
+
+#include "platform/memory/FatalError.h"
+
+namespace quillon {
+
+// The stream's own lock, so that a block does not mix with what the host prints either.
+void StandardConsole::write(std::string_view block) {
+  flockfile(stdout);
+  fwrite_unlocked(block.data(), 1, block.size(), stdout);
+  putc_unlocked('\n', stdout);
+  fflush_unlocked(stdout);
+  funlockfile(stdout);
+}
+
+void StandardConsole::fatal(std::string_view message, std::string_view file) {
+  abortWithMessage(message, file);
+}
+
+}  // namespace quillon

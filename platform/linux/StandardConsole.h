@@ -1,0 +1,16 @@
+// Diagnostics on the standard streams of the process.
+#pragma once
+
+#include "platform/Console.h"
+
+namespace quillon {
+
+// Thread-safe. Blocks go to standard output; a stream that takes nothing (closed, full) loses them silently.
+class StandardConsole : public Console {
+ public:
+  void write(std::string_view block) override;
+  // Writes "<file>: Fatal error: <message>" to standard error and aborts.
+  [[noreturn]] void fatal(std::string_view message, std::string_view file) override;
+};
+
+}  // namespace quillon

@@ -1,0 +1,17 @@
+// Keeps a failure of foreign code where it happened.
+#pragma once
+
+#include <utility>
+
+namespace quillon {
+
+// Runs the call and swallows what it throws.
+template <class Call>
+void contained(Call&& call) noexcept {
+  try {
+    std::forward<Call>(call)();
+  } catch (...) {  // Nobody up here can do better than go on.
+  }
+}
+
+}  // namespace quillon

@@ -1,0 +1,11 @@
+// The end of a process that has no way on.
+#pragma once
+
+#include <string_view>
+
+namespace quillon {
+
+// Writes "<file>: Fatal error: <message>" and a line feed to standard error and aborts.
+[[noreturn]] void abortWithMessage(std::string_view message, std::string_view file) noexcept;
+
+}  // namespace quillon

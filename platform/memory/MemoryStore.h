@@ -1,0 +1,35 @@
+// A store that forgets: for hosts without a file system, simulations and tests.
+#pragma once
+
+#include <map>
+#include <mutex>
+
+#include "platform/KeyValueSuite.h"
+
+namespace quillon {
+
+// Lives in this process only. An update fails only when its edit throws or names the empty key.
+class MemorySuite final : public KeyValueSuite {
+ public:
+  std::shared_ptr<const SuiteEntries> snapshot() const override;
+  std::expected<void, std::string> update(const Edit& edit) override;
+
+ private:
+  std::mutex writersMutex_;  // one edit at a time; taken before snapshotMutex_
+  mutable std::mutex snapshotMutex_;
+  std::shared_ptr<const SuiteEntries> snapshot_ = std::make_shared<SuiteEntries>();
+};
+
+// Opens every name; the suites live as long as this object or their last user. Never reports.
+class MemoryStore final : public KeyValueStore {
+ public:
+  std::shared_ptr<KeyValueSuite> open(std::string_view name, Report report) override;
+  std::shared_ptr<KeyValueSuite> standardDefaults() override;
+
+ private:
+  const std::shared_ptr<KeyValueSuite> standardDefaults_ = std::make_shared<MemorySuite>();
+  std::mutex mutex_;
+  std::map<std::string, std::shared_ptr<KeyValueSuite>, std::less<>> suites_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,95 @@
+#include "platform/memory/TimerQueue.h"
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <utility>
+
+#include "platform/memory/CallGate.h"
+#include "platform/memory/Contained.h"
+
+namespace quillon {
+namespace {
+
+// Far enough for every purpose and near enough that sums never overflow.
+constexpr std::chrono::milliseconds longestDelay = std::chrono::years(50);
+
+}  // namespace
+
+struct TimerQueue::Entry {
+  std::optional<Time> period;
+  Job job;
+  CallGate gate;
+};
+
+struct TimerQueue::State {
+  mutable std::mutex mutex;
+  std::multimap<Time, std::shared_ptr<Entry>> entries;
+};
+
+class TimerQueue::Handle : public Timer {
+ public:
+  Handle(std::shared_ptr<State> state, std::shared_ptr<Entry> entry)
+      : state_(std::move(state)), entry_(std::move(entry)) {}
+  ~Handle() override {
+    entry_->gate.close();
+    const std::lock_guard lock(state_->mutex);
+    std::erase_if(state_->entries, [this](const auto& item) { return item.second == entry_; });
+  }
+
+ private:
+  std::shared_ptr<State> state_;
+  std::shared_ptr<Entry> entry_;
+};
+
+TimerQueue::TimerQueue() : state_(std::make_shared<State>()) {}
+
+TimerQueue::~TimerQueue() {
+  std::multimap<Time, std::shared_ptr<Entry>> dropped;  // What jobs captured goes away without the lock held.
+  const std::lock_guard lock(state_->mutex);
+  dropped.swap(state_->entries);
+}
+
+std::unique_ptr<Timer> TimerQueue::add(Time now, std::chrono::milliseconds delay, Repeat repeat, Job job) {
+  const bool repeated = repeat == Repeat::always;
+  const auto wait = std::clamp(delay, std::chrono::milliseconds(repeated ? 1 : 0), longestDelay);
+  const auto entry = std::make_shared<Entry>();
+  if (repeated) entry->period = wait;
+  entry->job = std::move(job);
+  auto handle = std::make_unique<Handle>(state_, entry);
+  const std::lock_guard lock(state_->mutex);
+  state_->entries.emplace(now + wait, entry);
+  return handle;
+}
+
+std::optional<TimerQueue::Time> TimerQueue::nextDue() const {
+  const std::lock_guard lock(state_->mutex);
+  if (state_->entries.empty()) return std::nullopt;
+  return state_->entries.begin()->first;
+}
+
+bool TimerQueue::runNext(Time now) {
+  std::shared_ptr<Entry> entry;
+  {
+    const std::lock_guard lock(state_->mutex);
+    const auto first = state_->entries.begin();
+    if (first == state_->entries.end() || first->first > now) return false;
+    auto node = state_->entries.extract(first);
+    entry = node.mapped();
+    if (entry->period) {
+      node.key() += *entry->period;  // counted from the due time, so that lateness does not add up
+      state_->entries.insert(std::move(node));
+    }
+  }
+  entry->gate.pass([&entry] {
+    if (entry->period) {
+      contained(entry->job);
+    } else {
+      Job once = std::move(entry->job);  // what it captured goes away with its only run
+      contained(once);
+    }
+  });
+  return true;
+}
+
+}  // namespace quillon

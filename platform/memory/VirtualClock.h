@@ -1,0 +1,48 @@
+// A clock that is moved by hand, with its timers.
+#pragma once
+
+#include <functional>
+#include <mutex>
+
+#include "platform/Clock.h"
+#include "platform/memory/Calendar.h"
+#include "platform/memory/TimerQueue.h"
+
+namespace quillon {
+
+// Thread-safe. Stands still until it is advanced.
+//
+//   VirtualClock clock(std::chrono::sys_days(2024y / May / 1));
+//   auto timer = clock.every(60s, [] { ... });
+//   clock.advance(3min);  // runs the job three times, at 60, 120 and 180 seconds
+class VirtualClock : public Clock {
+ public:
+  explicit VirtualClock(WallTime start, TimeZone zone = TimeZone::utc);
+
+  // Lets that much time pass: every timer that falls due fires in order of time, on the calling thread and with now()
+  // at its due time. Timers that jobs start meanwhile take part. Two threads that advance do so one after the other.
+  // afterEachTimer runs after every job, for those who want to wait for what it began before time goes on.
+  void advance(std::chrono::milliseconds duration, const std::function<void()>& afterEachTimer = {});
+
+  // Sets the wall time forward or back, as a user or a time server does; timers do not notice.
+  void jump(std::chrono::milliseconds delta);
+
+  WallTime now() const override;
+  WallTime addMonths(WallTime time, std::int64_t months) const override;
+  std::string localText(WallTime time) const override;
+  std::unique_ptr<Timer> after(std::chrono::milliseconds delay, Job job) override;
+  std::unique_ptr<Timer> every(std::chrono::milliseconds period, Job job) override;
+
+ private:
+  std::chrono::milliseconds elapsed() const;
+  void moveTo(std::chrono::milliseconds elapsed);
+
+  const Calendar calendar_;
+  std::recursive_mutex advancing_;
+  mutable std::mutex mutex_;  // guards the two below
+  WallTime wall_;
+  std::chrono::milliseconds elapsed_{0};
+  TimerQueue timers_;
+};
+
+}  // namespace quillon

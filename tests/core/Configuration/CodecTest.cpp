@@ -1,0 +1,145 @@
+// What holds for every record: each key of a complete document is read, written, compared and checked for its type.
+#include "core/Configuration/Codec.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/json.hpp>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "tests/core/Configuration/CompleteDocuments.h"
+
+namespace quillon {
+namespace {
+
+// One value of a document: where it is for the test, and what an error message calls it.
+struct Place {
+  std::string pointer;
+  std::string path;
+};
+
+void collectPlaces(const boost::json::value& value, const Place& at, std::vector<Place>& places) {
+  if (!at.path.empty()) places.push_back(at);
+  if (const auto* object = value.if_object()) {
+    for (const auto& [key, member] : *object) {
+      const std::string name(key);
+      collectPlaces(member, {at.pointer + "/" + name, at.path.empty() ? name : at.path + "." + name}, places);
+    }
+  } else if (const auto* array = value.if_array()) {
+    for (std::size_t i = 0; i < array->size(); ++i) {
+      const std::string index = std::to_string(i);
+      collectPlaces((*array)[i], {at.pointer + "/" + index, at.path + "[" + index + "]"}, places);
+    }
+  }
+}
+
+// Paths of the keys that must be there, and of the entries of maps that may be missing but not null.
+template <class R>
+struct Rules;
+template <>
+struct Rules<MainConfiguration> {
+  static constexpr const char* required =
+      R"(banner_config\.(categories|names_map|locations)|.*\.palette\.(button|banner|preference_center)_.*)";
+  static constexpr const char* entries = R"((?!i18n\.(de|fr)$).*\.(de|en|all|default|US#CA|NSCameraUsageDescription))";
+};
+template <>
+struct Rules<PostConsentsRequest> {
+  static constexpr const char* required = "(?!sdk_version).*";
+  static constexpr const char* entries = "";
+};
+template <>
+struct Rules<GenericResponse> {
+  static constexpr const char* required = ".*";
+  static constexpr const char* entries = "";
+};
+template <>
+struct Rules<CurrentLocationResponse> {
+  static constexpr const char* required = R"(status|message|data\.\w+)";
+  static constexpr const char* entries = R"(data\.\w+\.en)";
+};
+
+template <class R>
+class Codec : public testing::Test {
+ protected:
+  Codec() { collectPlaces(document_, {}, places_); }
+
+  // Whether the change at @p place is refused with its path when @p refused, and read as another record otherwise.
+  void expectOutcome(const boost::json::value& changed, const Place& place, bool refused) {
+    const auto record = decode<R>(boost::json::serialize(changed));
+    if (refused) {
+      ASSERT_FALSE(record) << place.path;
+      EXPECT_EQ(record.error().substr(0, place.path.size() + 2), place.path + ": ");
+    } else {
+      ASSERT_TRUE(record) << record.error();
+      EXPECT_FALSE(*record == complete_) << place.path << " is not compared";
+    }
+  }
+
+  const boost::json::value document_ = boost::json::parse(std::string(completeDocument<R>));
+  const R complete_ = decode<R>(completeDocument<R>).value();
+  std::vector<Place> places_;
+  const std::regex required_{Rules<R>::required};
+  const std::regex entries_{Rules<R>::entries};
+};
+
+using Records = testing::Types<MainConfiguration, PostConsentsRequest, GenericResponse, CurrentLocationResponse>;
+TYPED_TEST_SUITE(Codec, Records);
+
+TYPED_TEST(Codec, WritesWhatItHasRead) {
+  const std::string json = encode(this->complete_);
+  EXPECT_EQ(boost::json::parse(json), this->document_);
+  EXPECT_EQ(decode<TypeParam>(json), this->complete_);
+}
+
+TYPED_TEST(Codec, RefusesAValueOfTheWrongTypeAndNamesItsPlace) {
+  for (const Place& place : this->places_) {
+    boost::json::value changed = this->document_;
+    boost::json::value& value = changed.at_pointer(place.pointer);
+    if (value.is_string()) {
+      value = 7;
+    } else {
+      value = "text";
+    }
+    this->expectOutcome(changed, place, true);
+  }
+}
+
+TYPED_TEST(Codec, ReadsNullAsAbsentOnlyWhereAValueMayBeAbsent) {
+  for (const Place& place : this->places_) {
+    boost::json::value changed = this->document_;
+    boost::json::value& value = changed.at_pointer(place.pointer);
+    if (value.is_null()) continue;
+    value = nullptr;
+    this->expectOutcome(changed, place,
+                        std::regex_match(place.path, this->required_) || std::regex_match(place.path, this->entries_) ||
+                            place.path.back() == ']');
+  }
+}
+
+TYPED_TEST(Codec, LetsAKeyBeMissingUnlessItIsRequired) {
+  for (const Place& place : this->places_) {
+    if (place.path.back() == ']') continue;
+    boost::json::value changed = this->document_;
+    const std::size_t slash = place.pointer.rfind('/');
+    changed.at_pointer(place.pointer.substr(0, slash)).as_object().erase(place.pointer.substr(slash + 1));
+    this->expectOutcome(changed, place, std::regex_match(place.path, this->required_));
+  }
+}
+
+TYPED_TEST(Codec, IgnoresUnknownKeysInEveryRecord) {
+  const boost::json::value unknown = boost::json::parse(R"({"a": [1.5, null, {"b": ""}]})");
+  boost::json::value changed = this->document_;
+  changed.as_object()["unknown"] = unknown;
+  for (const Place& place : this->places_) {
+    if (place.path.starts_with("i18n")) continue;
+    // The keys of a map are its entries, and none of them is unknown.
+    auto* const object = changed.at_pointer(place.pointer).if_object();
+    const std::string first = object ? place.path + "." + std::string(object->begin()->key()) : "";
+    if (object && !std::regex_match(first, this->entries_)) (*object)["unknown"] = unknown;
+  }
+  EXPECT_EQ(decode<TypeParam>(boost::json::serialize(changed)), this->complete_);
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,97 @@
+// Documents made to break the reader: they are refused, in bounded time and memory.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "core/Configuration/Codec.h"
+#include "tests/core/Configuration/CompleteDocuments.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+
+class HostileDocument : public testing::Test {
+ protected:
+  static std::string repeated(const std::string& text, std::size_t count) {
+    std::string all;
+    all.reserve(text.size() * count);
+    for (std::size_t i = 0; i < count; ++i) all += text;
+    return all;
+  }
+
+  static std::string errorOf(const std::string& json) {
+    const auto record = decode<MainConfiguration>(json);
+    return record ? "accepted" : record.error();
+  }
+};
+
+TEST_F(HostileDocument, MayNest64LevelsAndNoMore) {
+  const auto nested = [](std::size_t levels, const std::string& open, const std::string& close) {
+    return R"({"x":)" + repeated(open, levels - 1) + "1" + repeated(close, levels - 1) + "}";
+  };
+  EXPECT_EQ(errorOf(nested(64, "[", "]")), "accepted");
+  EXPECT_EQ(errorOf(nested(64, R"({"a":)", "}")), "accepted");
+  EXPECT_NE(errorOf(nested(65, "[", "]")).find("too deep"), std::string::npos);
+  EXPECT_NE(errorOf(nested(65, R"({"a":)", "}")).find("too deep"), std::string::npos);
+  EXPECT_NE(errorOf(R"({"x":)" + std::string(30 * kMegabyte, '[')).find("too deep"), std::string::npos);
+}
+
+TEST_F(HostileDocument, IsRefusedUnreadBeyond32Megabytes) {
+  std::string json = R"({"id":"a"})";
+  json.resize(32 * kMegabyte, ' ');
+  EXPECT_EQ(errorOf(json), "accepted");
+  EXPECT_EQ(errorOf(json + ' '), "document: larger than 32 MiB");
+}
+
+TEST_F(HostileDocument, IsRefusedWhenItsRecordsWouldTakeTooMuchMemory) {
+  const std::string purposes = R"({"purposes":[{})" + repeated(",{}", 10'000'000) + "]}";
+  EXPECT_NE(errorOf(purposes).find("takes more than 256 MiB"), std::string::npos);
+
+  std::string regions = R"({"gcm_config":{"region_overrides":{"":{})";
+  for (int i = 0; i < 2'000'000; ++i) regions += ",\"" + std::to_string(i) + "\":{}";
+  EXPECT_NE(errorOf(regions + "}}}").find("takes more than 256 MiB"), std::string::npos);
+}
+
+TEST_F(HostileDocument, MayHaveMillionsOfUnknownKeysButNoneTwice) {
+  std::string json = R"({"id":"a")";
+  for (int i = 0; json.size() < 30 * kMegabyte; ++i) json += ",\"" + std::to_string(i) + "\":0";
+  EXPECT_EQ(errorOf(json + "}"), "accepted");
+  EXPECT_EQ(errorOf(json + ",\"7\":0}"), "document: duplicate key");
+}
+
+TEST_F(HostileDocument, MayHaveOneVeryLongNumberKeyOrText) {
+  const std::string digits(4 * kMegabyte, '1');
+  EXPECT_EQ(errorOf(R"({"x":)" + digits + "}"), "x: the number is out of range");
+  EXPECT_EQ(errorOf(R"({"version":0.)" + digits + "}"), "version: expected an integer");
+  EXPECT_EQ(errorOf(R"({")" + digits + R"(":"\n)" + digits + R"("})"), "accepted");
+  EXPECT_LT(errorOf(R"({"i18n":{")" + digits + R"(":7}})").size(), 200U);
+}
+
+TEST_F(HostileDocument, IsRefusedWhereverItIsCutOff) {
+  const std::string complete(completeDocument<MainConfiguration>);
+  for (std::size_t length = 0; length < complete.size(); ++length) {
+    EXPECT_NE(errorOf(complete.substr(0, length)), "accepted") << length;
+  }
+}
+
+TEST_F(HostileDocument, WithFlippedBitsIsRefusedOrReadConsistently) {
+  std::mt19937 random(20240229);
+  const std::string complete(completeDocument<MainConfiguration>);
+  for (int round = 0; round < 20'000; ++round) {
+    std::string json = complete;
+    for (unsigned flips = 1 + random() % 3; flips > 0; --flips) {
+      json[random() % json.size()] ^= static_cast<char>(1U << (random() % 8));
+    }
+    const auto record = decode<MainConfiguration>(json);
+    if (record) {
+      ASSERT_EQ(decode<MainConfiguration>(encode(*record)), record) << json;
+    } else {
+      ASSERT_NE(record.error().find(": "), std::string::npos) << record.error();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quillon

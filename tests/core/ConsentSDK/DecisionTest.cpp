@@ -1,0 +1,340 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <boost/json/serialize.hpp>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+using namespace std::chrono_literals;
+using enum ConsentStatus;
+
+Purpose purpose(std::int64_t id) {
+  Purpose result;
+  result.purposeId = id;
+  return result;
+}
+
+// The status that an upload carries for a purpose, "" when it does not list it.
+std::string uploaded(const boost::json::object& upload, std::int64_t id) {
+  for (const auto& consent : upload.at("purpose_consents").as_array()) {
+    if (consent.at("purpose_id") == id) return consent.at("consent_status").as_string().c_str();
+  }
+  return {};
+}
+
+TEST(Defaults, FollowTheComplianceType) {
+  for (const auto& [type, expected] : std::vector<std::pair<std::string, ConsentStatus>>{
+           {"opt-in", declined}, {"opt-out", granted}, {"notice-only", granted}, {"Opt-In", granted}, {"", granted}}) {
+    World world;
+    world.store(key::currentComplianceType, type);
+    EXPECT_EQ(world.sdk->get(1), expected) << type;
+    world.store("1", std::string("granted "));
+    EXPECT_EQ(world.sdk->get(1), expected) << "a text that is no status counts as none";
+    world.store("1", std::int64_t{0});
+    EXPECT_EQ(world.sdk->get(1), expected);
+    world.store("1", std::string("withdrawn"));
+    EXPECT_EQ(world.sdk->get(1), withDrawn);
+  }
+}
+
+struct Answer {
+  const char* name;
+  bool accept;
+  TrackingAuthorization tracking;
+  ConsentStatus statistics, essential, tracked;
+};
+
+class BannerAnswer : public testing::TestWithParam<Answer> {};
+
+TEST_P(BannerAnswer, IsStoredAsOneAndUploaded) {
+  World world;
+  world.tracking = GetParam().tracking;
+  world.start();
+  ASSERT_TRUE(world.sdk->acceptOrReject(GetParam().accept).get());
+  EXPECT_EQ(world.sdk->get(1), GetParam().statistics);
+  EXPECT_EQ(world.sdk->get(2), GetParam().essential);
+  EXPECT_EQ(world.sdk->get(3), GetParam().tracked);
+  EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_EXPLICIT");
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+  EXPECT_TRUE(world.stored().pendingPermissions().empty());
+
+  ASSERT_EQ(world.uploads().size(), 1u);
+  auto upload = world.uploads().front();
+  EXPECT_EQ(uploaded(upload, 1), rawValue(GetParam().statistics));
+  EXPECT_EQ(uploaded(upload, 2), rawValue(GetParam().essential));
+  EXPECT_EQ(uploaded(upload, 3), rawValue(GetParam().tracked));
+  EXPECT_EQ(upload.at("purpose_consents").at(1).at("is_essential"), true);
+  EXPECT_EQ(boost::json::serialize(upload.at("permissions")),
+            R"([{"permission":"NSCameraUsageDescription","consent_status":"granted","timestamp":1700000000},)"
+            R"({"permission":"NSContactsUsageDescription","consent_status":"declined","timestamp":1700000000}])");
+  upload.erase("purpose_consents");
+  upload.erase("permissions");
+  EXPECT_EQ(upload, boost::json::object({{"uuid", "SUBJECT"},
+                                         {"app_uuid", "a1"},
+                                         {"device", "Test device"},
+                                         {"implicit_consent", false},
+                                         {"version", 5},
+                                         {"is_test_mode", false},
+                                         {"ad_id", "AD-ID"},
+                                         {"platform", "ios"},
+                                         {"banner_info", "opt-in"},
+                                         {"sdk_version", "1.2.3"}}));
+  EXPECT_EQ(world.server.seen(uploadPath).front().headers.find("X-Auth-Token")->second, "secret-token");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Everything, BannerAnswer,
+    testing::Values(Answer{"Accept", true, TrackingAuthorization::authorized, granted, granted, granted},
+                    Answer{"AcceptWithoutTracking", true, TrackingAuthorization::denied, granted, granted, declined},
+                    Answer{"Reject", false, TrackingAuthorization::notDetermined, declined, granted, declined},
+                    Answer{"RejectWithTracking", false, TrackingAuthorization::authorized, declined, granted, granted}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(Answer, NeedsAConfiguration) {
+  World world;
+  world.server.onConfiguration(json("{}", 404));
+  world.start();
+  EXPECT_FALSE(world.sdk->acceptOrReject(true).get());
+  EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION");
+}
+
+// What the tracking status makes of a stored decision, by decision and authorization.
+TEST(Tracking, GovernsThePurposesBoundToIt) {
+  struct Case {
+    std::string stored;
+    bool authorized;
+    ConsentStatus expected;
+    bool changes;
+  };
+  for (const Case& example : std::vector<Case>{{"", true, granted, true},
+                                               {"", false, declined, false},
+                                               {"granted", true, granted, false},
+                                               {"declined", true, granted, true},
+                                               {"withdrawn", true, granted, true},
+                                               {"granted", false, withDrawn, true},
+                                               {"withdrawn", false, withDrawn, false},
+                                               {"declined", false, declined, false},
+                                               {"not_determined", false, declined, true}}) {
+    World world;
+    world.tracking = example.authorized ? TrackingAuthorization::authorized : TrackingAuthorization::denied;
+    world.store(key::currentComplianceType, std::string("opt-in"));
+    if (!example.stored.empty()) world.store("3", example.stored);
+    world.start();
+    SCOPED_TRACE(example.stored + (example.authorized ? ", authorized" : ", denied"));
+    EXPECT_EQ(world.sdk->get(3), example.expected);
+    EXPECT_EQ(world.stored().pendingPurposes(), example.changes ? std::vector<std::int64_t>{3} : std::vector<std::int64_t>());
+    EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION") << "the device decided, not the user";
+    const auto purposes = world.sdk->getPurposeConsents().get();
+    EXPECT_EQ(purposes.at(2).consentStatus, example.expected);
+    EXPECT_EQ(purposes.at(2).isATTMapped, true);
+    EXPECT_EQ(purposes.at(2).attDescription.value().at("en"), "Tracking");
+    EXPECT_EQ(purposes.at(0).isATTMapped, false);
+  }
+}
+
+TEST(Decision, ChangesTheTimestampOnlyWithTheStatus) {
+  World world;
+  world.start();
+  EXPECT_TRUE(world.sdk->set(purpose(1), granted));
+  EXPECT_EQ(world.stored().integer(key::purposesChangeTimestamp, 0), startSeconds);
+  world.advance(10s);
+  EXPECT_TRUE(world.sdk->set(purpose(1), granted));
+  EXPECT_EQ(world.stored().integer(key::purposesChangeTimestamp, 0), startSeconds);
+  EXPECT_TRUE(world.sdk->set(purpose(1), declined));
+  EXPECT_EQ(world.stored().integer(key::purposesChangeTimestamp, 0), startSeconds + 10);
+  EXPECT_TRUE(world.stored().boolean(key::arePurposesChanged));
+  EXPECT_FALSE(world.sdk->set(Purpose(), granted)) << "a purpose without an identifier";
+}
+
+TEST(Decision, FiftyInARowMakeOneUpload) {
+  World world;
+  world.start();
+  for (int i = 0; i < 50; ++i) ASSERT_TRUE(world.sdk->set(purpose(1 + i % 3), i < 25 ? granted : declined));
+  EXPECT_EQ(world.stored().pendingPurposes().size(), 3u);
+  world.advance(999ms);
+  EXPECT_TRUE(world.uploads().empty());
+  world.advance(1ms);
+  ASSERT_EQ(world.uploads().size(), 1u);
+  EXPECT_EQ(uploaded(world.uploads().front(), 1), "declined");
+  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  world.advance(1s);
+  ASSERT_EQ(world.uploads().size(), 2u);
+  EXPECT_EQ(uploaded(world.uploads().back(), 1), "granted");
+  EXPECT_EQ(uploaded(world.uploads().back(), 2), "") << "only what is pending is sent";
+}
+
+struct Reply {
+  const char* name;
+  ConsentServer::Handler handler;
+  bool flagged, kept, retried;
+  std::string logged;
+};
+
+class UploadReply : public testing::TestWithParam<Reply> {};
+
+TEST_P(UploadReply, DecidesWhatStaysPending) {
+  World world;
+  world.server.onUpload(GetParam().handler);
+  world.start();
+  EXPECT_TRUE(world.sdk->acceptOrReject(true).get()) << "stored, whatever the server says";
+  EXPECT_EQ(world.stored().boolean(key::uploadConsentRequestPending), GetParam().flagged);
+  EXPECT_EQ(world.stored().pendingPurposes().size(), GetParam().kept ? 3u : 0u);
+  EXPECT_EQ(world.stored().pendingPermissions().size(), GetParam().kept ? 2u : 0u);
+  EXPECT_NE(world.log().find(GetParam().logged), std::string::npos) << world.log();
+  EXPECT_EQ(world.log().find("secret-token"), std::string::npos);
+
+  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  world.advance(61 * 30s);  // past one period of the recurring check
+  EXPECT_EQ(world.uploads().size(), GetParam().retried ? 2u : 1u);
+  EXPECT_TRUE(world.sdk->uploadPendingConsents().get());
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+  EXPECT_FALSE(world.stored().boolean(key::uploadConsentRequestPending));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Server, UploadReply,
+    testing::Values(Reply{"Accepted", json(R"({"status":0,"message":"saved\nwell"})"), false, false, false, "[INFO]saved\\nwell"},
+                    Reply{"Failed", json(R"({"status":1,"message":"busy"})"), true, true, false, "[ERROR]busy"},
+                    Reply{"AnotherStatus", json(R"({"status":2,"message":"odd"})"), false, true, false, "[INFO]odd"},
+                    Reply{"ServerError", json("{}", 500), true, true, true, "[ERROR]Failed with Status (500)"},
+                    Reply{"Nonsense", json("[]"), true, true, true, "Failed to Decode GenericResponse : "}),
+    [](const auto& test) { return test.param.name; });
+
+TEST(Upload, WithoutANetworkKeepsEverything) {
+  World world;
+  world.start();
+  ConsentSDKOptions options = world.options();
+  options.appUrl = "http://127.0.0.1:1/";
+  world.start(options);
+  EXPECT_TRUE(world.sdk->acceptOrReject(false).get());
+  EXPECT_TRUE(world.stored().boolean(key::uploadConsentRequestPending));
+  EXPECT_EQ(world.stored().pendingPurposes().size(), 3u);
+  world.restart();
+  world.start();
+  world.advance(1800s);
+  ASSERT_EQ(world.uploads().size(), 1u) << "the next process retries";
+  EXPECT_EQ(uploaded(world.uploads().front(), 1), "declined");
+}
+
+// The server has the earlier decision, so the later one must go there too.
+TEST(Upload, DecisionMadeMeanwhileStaysPending) {
+  World world;
+  world.start();
+  std::promise<void> arrived, released;
+  world.server.onUpload([&, release = released.get_future().share()](const auto& request, auto& response) {
+    arrived.set_value();
+    release.wait();
+    json(R"({"status":0,"message":"saved"})")(request, response);
+  });
+  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  ASSERT_TRUE(world.sdk->set(purpose(2), granted));
+  auto upload = world.sdk->uploadPendingConsents();
+  arrived.get_future().wait();
+  ASSERT_TRUE(world.sdk->set(purpose(1), declined));
+  ASSERT_TRUE(world.sdk->set(purpose(3), granted));
+  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  auto second = world.sdk->uploadPendingConsents();
+  EXPECT_EQ(world.uploads().size(), 1u) << "uploads do not overtake one another";
+  released.set_value();
+  upload.wait();
+  EXPECT_TRUE(second.get());
+  ASSERT_EQ(world.uploads().size(), 2u);
+  EXPECT_EQ(uploaded(world.uploads().back(), 1), "declined");
+  EXPECT_EQ(uploaded(world.uploads().back(), 2), "") << "what the server has is not sent again";
+  EXPECT_EQ(uploaded(world.uploads().back(), 3), "granted");
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+}
+
+TEST(Upload, OfTheHostsOwnRequestSettlesThePending) {
+  World world;
+  world.start();
+  world.sdk->set(purpose(1), granted);
+  PostConsentsRequest request;
+  request.uuid = "x";
+  world.sdk->uploadConsents(world.server.url(), request).wait();
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+  world.sdk->uploadConsents("::", request).wait();
+  EXPECT_TRUE(world.stored().boolean(key::uploadConsentRequestPending));
+  EXPECT_NE(world.log().find("Invalid URL error ocurred.\n::"), std::string::npos);
+}
+
+TEST(Check, RecordsDefaultsWithoutTouchingDecisions) {
+  World world;
+  world.start();
+  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  world.sdk->checkConsents().wait();
+  EXPECT_EQ(world.text("1"), "granted");
+  EXPECT_EQ(world.text("2"), "granted") << "essential";
+  EXPECT_EQ(world.text("3"), "declined");
+  ASSERT_EQ(world.uploads().size(), 1u);
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+  world.sdk->checkConsents().wait();
+  EXPECT_EQ(world.uploads().size(), 1u) << "nothing changed, nothing is sent";
+}
+
+TEST(Check, DoesNotAnswerAReconsent) {
+  World world;
+  world.start();
+  ASSERT_TRUE(world.sdk->isBannerDue());
+  world.sdk->acceptOrReject(true).wait();
+  auto newer = validConfiguration();
+  newer["version"] = 6;
+  newer["purposes"].as_array().emplace_back(boost::json::object({{"purpose_id", 4}}));
+  world.server.serve(boost::json::serialize(newer));
+  world.advance(2h);
+  world.sdk->checkConsents().wait();
+  EXPECT_EQ(world.text("4"), "declined");
+  world.start();
+  EXPECT_TRUE(world.sdk->isBannerDue());
+}
+
+TEST(Check, RunsOncePeriodicallyAfterAnAnswerAndOnReconnection) {
+  World world;
+  ConsentSDKOptions options = world.options();
+  options.consentsCheckInterval = 60;
+  world.start(options);
+  world.advance(10min);
+  EXPECT_EQ(world.log().find("Purposes consent checks executed", world.log().find("checks executed.") + 1),
+            std::string::npos)
+      << "no timer before the first consent";
+  world.server.onUpload(json("{}", 503));
+  world.sdk->acceptOrReject(true).wait();
+  world.advance(59s);
+  EXPECT_EQ(world.uploads().size(), 1u);
+  world.advance(1s);
+  EXPECT_EQ(world.uploads().size(), 2u);
+  world.advance(120s);
+  EXPECT_EQ(world.uploads().size(), 4u);
+
+  world.network->set(NetworkStatus::unsatisfied);
+  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  world.network->set(NetworkStatus::satisfied);
+  ASSERT_TRUE(world.server.waitFor(uploadPath, 5)) << "the pending upload follows by itself";
+  world.sdk->settled().wait();
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+}
+
+TEST(Leaving, WithAnUploadUnderWayLosesNothing) {
+  World world;
+  world.start();
+  std::promise<void> arrived, released;
+  world.server.onUpload([&, release = released.get_future().share()](const auto&, auto&) {
+    arrived.set_value();
+    release.wait();
+  });
+  auto answer = world.sdk->acceptOrReject(true);
+  arrived.get_future().wait();
+  world.sdk.reset();
+  answer.wait();
+  released.set_value();
+  world.restart();
+  EXPECT_EQ(world.sdk->get(1), granted);
+  EXPECT_EQ(world.stored().pendingPurposes().size(), 3u);
+}
+
+}  // namespace
+}  // namespace quillon::test

@@ -1,0 +1,115 @@
+#include <gtest/gtest.h>
+
+#include "core/Network/EndPoints.h"
+#include "core/Network/ExchangeText.h"
+#include "core/Network/NetworkError.h"
+#include "core/Network/RequestBuilder.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/FixedHostApplication.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+using Case = NetworkError::Case;
+
+TEST(NetworkErrorTexts, AreKeptByteForByte) {
+  struct Row {
+    NetworkError error;
+    std::string description, localized;
+  };
+  const FixedHostApplication host({.translations = {{"Failed with 404 status code", "Nicht gefunden"}}});
+  for (const Row& row : std::vector<Row>{
+           {{Case::invalidPath, "m"}, "Invalid Patherror ocurred (m", "m"},
+           {{Case::badUrl, "m"}, "Bad URL error ocurred\nm", "m"},
+           {{Case::invalidStatusCode, {}, 503}, "Failed with Status (503)", "Failed with 503 status code"},
+           {{Case::invalidStatusCode, {}, 404}, "Failed with Status (404)", "Nicht gefunden"},
+           {{Case::decodingError, "m"}, "Failed while Decoding Response.\nm", "m"},
+           {{Case::invalidURL, "m"}, "Invalid URL error ocurred.\nm", "m"},
+           {{Case::response}, "An unknown error occurred.", "Unexpected Error"},
+           {{Case::keyMapping}, "An unknown error occurred.", "Unexpected Error"},
+           {{Case::cdnNotModified}, "An unknown error occurred.", "Unexpected Error"}}) {
+    EXPECT_EQ(row.error.description(), row.description);
+    EXPECT_EQ(row.error.localizedDescription(host), row.localized);
+  }
+}
+
+struct Requests : testing::Test {
+  Requests() { world.restart(); }
+
+  std::expected<HttpRequest, NetworkError> build(EndPoint endPoint, std::string base) {
+    UserDefaultManager store(world.platform, world.sdk->logger());
+    return RequestBuilder(std::move(endPoint), std::move(base)).build(store);
+  }
+
+  World world;
+};
+
+TEST_F(Requests, AreBuiltFromEndPointAndBase) {
+  world.store(key::etag, std::string("\"v1\""));
+  ConsentSDKOptions options = world.options();
+  EXPECT_EQ(build(GetCDNEndPoint(options, "de", false), "http://c/").value().url,
+            "http://c/consent/mobile_banner/t1/a1/live/config_de.json");
+  options.mode = Mode::draft;
+  EXPECT_EQ(build(GetCDNEndPoint(options, "de", true), "http://c/").value().url,
+            "http://c/consent/mobile_banner/t1/a1/draft/config.json");
+  EXPECT_EQ(build(GetCurrentLocationEndPoint(), "http://h/api").value().url, "http://h/apicore/v1/utils/geo/location");
+
+  const auto upload = build(PostConsentsEndPoint("token", PostConsentsRequest()), "http://a/").value();
+  EXPECT_EQ(upload.url, "http://a/vantari/v1/consent/mobile/singleupload");
+  EXPECT_EQ(upload.method, "POST");
+  EXPECT_EQ(upload.headers, (HttpHeaders{{"Content-Type", "application/json"},
+                                         {"Accept", "*/*"},
+                                         {"X-Auth-Token", "token"},
+                                         {"If-None-Match", "\"v1\""}}));
+  EXPECT_EQ(upload.timeout, std::chrono::seconds(60));
+  EXPECT_TRUE(upload.body);
+
+  EndPoint custom;
+  custom.headerParams = {{HeaderParam::accept, "text/plain"}};
+  custom.queryParams = {{QueryParam::limit, "a b&c"}};
+  custom.pathURL = "p?old=1";
+  const auto request = build(custom, "http://h/").value();
+  EXPECT_EQ(request.url, "http://h/p?limit=a%20b%26c");
+  EXPECT_EQ(request.headers.at("Accept"), "text/plain");
+}
+
+TEST_F(Requests, NeedAnAddress) {
+  for (const std::string base : {"", "no address", "http://h h/", "//h/"}) {
+    EXPECT_EQ(build(GetCurrentLocationEndPoint(), base).error(), (NetworkError{Case::invalidURL, base}));
+  }
+  ConsentSDKOptions options = world.options();
+  options.tenantId = "a b\r\nX: y";
+  EXPECT_EQ(build(GetCDNEndPoint(options, "de", true), "http://h/").error(),
+            (NetworkError{Case::invalidURL, "http://h/consent/mobile_banner/a b\r\nX: y/a1/live/config.json"}));
+}
+
+TEST(ExchangeTexts, HaveOneFormWithTheTokenMasked) {
+  HttpRequest request;
+  request.url = "http://h/p";
+  request.method = "POST";
+  request.headers = {{"X-Auth-Token", "secret"}, {"Accept", "*/*"}};
+  request.body = "{}";
+  HttpResponse response{"http://h/p", 500, {{"Etag", "a\"b"}}, "one\ntwo"};
+  EXPECT_EQ(exchangeText(request, response),
+            "\nURLRequest: {\n  URL: http://h/p\n  HTTP Method: POST\n"
+            "  Headers: [\"Accept\": \"*/*\", \"X-Auth-Token\": \"***\"]\n  Body: {}\n}\n"
+            "URLResponse: {\n  URL: http://h/p\n  Status Code: 500\n  Headers: [\"Etag\": \"a\"b\"]\n}\n"
+            "Data: { one\\ntwo }");
+  request.body.reset();
+  request.headers.clear();
+  response.status.reset();
+  response.body = "\xff";
+  const std::string text = exchangeText(request, response);
+  EXPECT_NE(text.find("  Headers: [:]\n  Body: nil\n"), std::string::npos);
+  EXPECT_NE(text.find("  Status Code: -999\n"), std::string::npos);
+  EXPECT_TRUE(text.ends_with("Data: { Non-UTF8 data }"));
+  response.body = R"("x-auth-token":"one\"two","x-auth-token": 5 "x-auth-token":"cut)";
+  EXPECT_TRUE(exchangeText(request, response).ends_with(R"(Data: { "x-auth-token":"***","x-auth-token": 5 "x-auth-token":"*** })"))
+      << exchangeText(request, response);
+  response.body = std::string(1 << 20, 'x');
+  EXPECT_LT(exchangeText(request, response).size(), 70'000u);
+}
+
+}  // namespace
+}  // namespace quillon::test

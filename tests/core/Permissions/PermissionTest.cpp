@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include "core/Permissions/PermissionTranslation.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+using enum ConsentStatus;
+
+TEST(PermissionTranslation, FollowsEachSourcesOwnNumbers) {
+  using Key = VantariKey;
+  struct Row {
+    std::vector<Key::Case> keys;
+    std::vector<ConsentStatus> fromMinusOne;  // of the values -1, 0, 1, 2, 3, 4, 5
+  };
+  const std::vector<Row> rows{
+      {{Key::locationWhenInUseUsageDescription, Key::locationAlwaysUsageDescription,
+        Key::locationAlwaysAndWhenInUseUsageDescription, Key::photoLibraryUsageDescription,
+        Key::photoLibraryAddUsageDescription, Key::calendarsUsageDescription, Key::remindersUsageDescription},
+       {notDetermined, notDetermined, declined, declined, granted, granted, notDetermined}},
+      {{Key::cameraUsageDescription, Key::cameraBroadcastUsageDescription, Key::microphoneUsageDescription,
+        Key::microphoneBroadcastUsageDescription, Key::contactsUsageDescription, Key::motionUsageDescription,
+        Key::siriUsageDescription, Key::userTrackingUsageDescription, Key::appleMusicUsageDescription},
+       {notDetermined, notDetermined, declined, declined, granted, notDetermined, notDetermined}},
+      {{Key::userNotificationsUsageDescription},
+       {notDetermined, notDetermined, declined, granted, granted, granted, notDetermined}},
+      {{Key::homeKitUsageDescription},
+       {notDetermined, notDetermined, declined, granted, notDetermined, notDetermined, notDetermined}},
+      {{Key::nfcReaderUsageDescription}, {granted, declined, granted, granted, granted, granted, granted}},
+      {{Key::custom}, std::vector(7, notDetermined)},
+  };
+  for (const Row& row : rows) {
+    for (const auto key : row.keys) {
+      for (int value = -1; value <= 5; ++value) {
+        EXPECT_EQ(consentFromPlatformValue(key, value), row.fromMinusOne[static_cast<std::size_t>(value + 1)])
+            << "key " << static_cast<int>(key) << " value " << value;
+      }
+    }
+  }
+}
+
+TEST(PermissionTranslation, ReadsTheInformationDictionary) {
+  for (const auto& [entry, expected] : std::vector<std::pair<std::optional<std::string>, ConsentStatus>>{
+           {std::nullopt, notDetermined}, {"", notDetermined}, {"Authorized", granted}, {"Denied", declined},
+           {"Restricted", declined}, {"authorized", notDetermined}, {"Limited", notDetermined}}) {
+    EXPECT_EQ(consentFromInformation(entry), expected) << entry.value_or("none");
+  }
+}
+
+TEST(Permissions, FollowTheDevice) {
+  World world;
+  world.start();
+  EXPECT_EQ(world.sdk->get(VantariKey::cameraUsageDescription), granted);
+  EXPECT_EQ(world.text("NSContactsUsageDescription"), "declined");
+  EXPECT_EQ(world.stored().pendingPermissions().size(), 2u);
+  EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION");
+  EXPECT_NE(world.log().find(R"([INFO]Changed Permissions: ["NSCameraUsageDescription", "NSContactsUsageDescription"])"),
+            std::string::npos);
+
+  world.permissions->set(VantariKey::cameraUsageDescription, 1);
+  EXPECT_EQ(world.sdk->get(VantariKey::cameraUsageDescription), declined) << "at once";
+  EXPECT_EQ(world.text("NSCameraUsageDescription"), "granted") << "stored by the next check";
+  world.sdk->checkConsents().wait();
+  EXPECT_EQ(world.text("NSCameraUsageDescription"), "declined");
+  EXPECT_EQ(world.uploads().size(), 1u);
+
+  EXPECT_EQ(world.sdk->get(VantariKey::microphoneUsageDescription), notDetermined) << "not listed, never stored";
+  AppPermission microphone;
+  microphone.permissionId = VantariKey::microphoneUsageDescription;
+  EXPECT_TRUE(world.sdk->set(microphone, granted));
+  EXPECT_EQ(world.sdk->get(VantariKey::microphoneUsageDescription), granted);
+  EXPECT_FALSE(world.sdk->set(AppPermission(), granted));
+}
+
+}  // namespace
+}  // namespace quillon::test

@@ -1,0 +1,144 @@
+// What every store promises, over every store there is.
+#include "platform/KeyValueSuite.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <stdexcept>
+#include <thread>
+
+#include "platform/linux/SqliteStore.h"
+#include "platform/memory/MemoryStore.h"
+#include "tests/platform/TemporaryFolder.h"
+
+namespace quillon {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// A second store shows what a later process finds, where there is such a thing.
+struct OnDisk {
+  test::TemporaryFolder folder;
+  SqliteStore store{folder.path() / "app"};
+  SqliteStore later{folder.path() / "app"};
+};
+
+struct InMemory {
+  MemoryStore store;
+  MemoryStore& later = store;
+};
+
+KeyValueSuite::Edit always(SuiteChanges changes) {
+  return [changes = std::move(changes)](const SuiteEntries&) { return changes; };
+}
+
+SuiteEntries content(const KeyValueSuite& suite) {
+  return *suite.snapshot();
+}
+
+template <class World>
+class KeyValueSuiteContract : public testing::Test {
+ protected:
+  World world_;
+  std::shared_ptr<KeyValueSuite> suite_ = world_.store.open("suite", {});
+};
+
+}  // namespace
+
+using Worlds = testing::Types<OnDisk, InMemory>;
+TYPED_TEST_SUITE(KeyValueSuiteContract, Worlds);
+
+TYPED_TEST(KeyValueSuiteContract, GivesEveryTypeBackAsWritten) {
+  const SuiteChanges changes{
+      {"no", false},
+      {"yes", true},
+      {"least", std::numeric_limits<std::int64_t>::min()},
+      {"most", std::numeric_limits<std::int64_t>::max()},
+      {"empty text", std::string()},
+      {"text", std::string("gr\u00fc\u00df\n'\"; DROP TABLE entries")},
+      {"text with NUL", std::string("a\0b", 3)},
+      {"text not UTF-8", std::string("\xff\xfe\x80")},
+      {"date", PropertyDate(1'700'000'000'123ms)},
+      {"date before 1970", PropertyDate(-1ms)},
+      {"no integers", std::vector<std::int64_t>()},
+      {"integers", std::vector<std::int64_t>{3, -1, std::numeric_limits<std::int64_t>::min()}},
+      {"no strings", std::vector<std::string>()},
+      {"strings", std::vector<std::string>{"", "a,\"b\"]", std::string("\0", 1), "\xff"}},
+      {std::string("key\0\n\xff", 6), true},
+  };
+  ASSERT_TRUE(this->suite_->update(always(changes)));
+  SuiteEntries expected;
+  for (const auto& [key, value] : changes) expected.emplace(key, *value);
+  EXPECT_EQ(content(*this->suite_), expected);
+  EXPECT_EQ(content(*this->world_.later.open("suite", {})), expected);
+}
+
+TYPED_TEST(KeyValueSuiteContract, AppliesAllChangesOfAnEditToTheNewestContent) {
+  ASSERT_TRUE(this->suite_->update(always({{"kept", true}, {"changed", std::string("a")}, {"removed", true}})));
+  int calls = 0;
+  ASSERT_TRUE(this->suite_->update([&](const SuiteEntries& current) {
+    ++calls;
+    EXPECT_EQ(current.size(), 3u);
+    return SuiteChanges{{"changed", std::int64_t{1}}, {"removed", std::nullopt}, {"never there", std::nullopt}};
+  }));
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"kept", true}, {"changed", std::int64_t{1}}}));
+}
+
+TYPED_TEST(KeyValueSuiteContract, ASnapshotNeverChanges) {
+  const auto before = this->suite_->snapshot();
+  ASSERT_TRUE(this->suite_->update(always({{"key", true}})));
+  EXPECT_TRUE(before->empty());
+}
+
+TYPED_TEST(KeyValueSuiteContract, AFailedEditChangesNothingAndSaysWhy) {
+  ASSERT_TRUE(this->suite_->update(always({{"key", true}})));
+  const auto thrown =
+      this->suite_->update([](const SuiteEntries&) -> SuiteChanges { throw std::runtime_error("changed my mind"); });
+  ASSERT_FALSE(thrown);
+  EXPECT_NE(thrown.error().find("changed my mind"), std::string::npos);
+  EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) -> SuiteChanges { throw 1; }));
+  EXPECT_FALSE(this->suite_->update(always({{"", true}, {"other", true}}))) << "a key is empty";
+  EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}}));
+  EXPECT_TRUE(this->suite_->update(always({{"other", true}})));
+}
+
+TYPED_TEST(KeyValueSuiteContract, SuitesAreOneObjectANameAndIndependent) {
+  EXPECT_EQ(this->world_.store.open("suite", {}), this->suite_);
+  const auto other = this->world_.store.open("other", {});
+  const auto defaults = this->world_.store.standardDefaults();
+  ASSERT_TRUE(other && defaults);
+  EXPECT_EQ(this->world_.store.standardDefaults(), defaults);
+  ASSERT_TRUE(this->suite_->update(always({{"key", true}})));
+  EXPECT_TRUE(content(*other).empty());
+  EXPECT_TRUE(content(*defaults).empty());
+}
+
+TYPED_TEST(KeyValueSuiteContract, ThreadsLoseNoUpdateAndSeeNoHalfOfOne) {
+  constexpr int rounds = 60;
+  const auto write = [&] {
+    for (int i = 0; i < rounds; ++i) {
+      EXPECT_TRUE(this->suite_->update([](const SuiteEntries& current) {
+        const auto found = current.find("a");
+        const auto next = found == current.end() ? 1 : std::get<std::int64_t>(found->second) + 1;
+        return SuiteChanges{{"a", next}, {"b", next}};
+      }));
+    }
+  };
+  std::atomic<bool> over = false;
+  std::jthread reader([&] {
+    while (!over) {
+      const auto seen = this->suite_->snapshot();
+      if (seen->empty()) continue;
+      EXPECT_EQ(seen->at("a"), seen->at("b"));
+    }
+  });
+  {
+    std::jthread one(write), two(write), three(write);
+  }
+  over = true;
+  EXPECT_EQ(this->suite_->snapshot()->at("a"), PropertyValue(std::int64_t{3 * rounds}));
+}
+
+}  // namespace quillon

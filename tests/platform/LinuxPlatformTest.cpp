@@ -1,0 +1,88 @@
+// How the real services are put together: whose data folder it is, and what becomes of the process's streams.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/linux/LinuxPlatform.h"
+#include "tests/platform/TemporaryFolder.h"
+
+namespace quillon {
+namespace {
+
+class LinuxPlatformTest : public testing::Test {
+ protected:
+  LinuxPlatformTest() {
+    for (const char* name : {"XDG_DATA_HOME", "HOME", "FLATPAK_ID"}) {
+      const char* value = getenv(name);
+      before_.emplace_back(name, value == nullptr ? std::nullopt : std::optional<std::string>(value));
+      unsetenv(name);
+    }
+    setenv("XDG_DATA_HOME", data_.path().c_str(), 1);
+  }
+  ~LinuxPlatformTest() override {
+    for (const auto& [name, value] : before_) {
+      if (value) {
+        setenv(name, value->c_str(), 1);
+      } else {
+        unsetenv(name);
+      }
+    }
+  }
+
+  static std::filesystem::path folder(const LinuxOptions& options = {}) {
+    return linuxPlatform(options).files->applicationSupportDirectory().value_or("none");
+  }
+
+  const test::TemporaryFolder data_;
+
+ private:
+  std::vector<std::pair<const char*, std::optional<std::string>>> before_;
+};
+
+TEST_F(LinuxPlatformTest, GivesEveryApplicationAFolderOfItsOwnInsideTheUsersData) {
+  EXPECT_EQ(folder(), data_.path() / "platform_tests");
+  setenv("FLATPAK_ID", "com.example.reader", 1);
+  EXPECT_EQ(folder(), data_.path() / "com.example.reader");
+  EXPECT_EQ(folder({.applicationId = "org.example.mail"}), data_.path() / "org.example.mail");
+  EXPECT_EQ(folder({.dataDirectory = data_.path() / "elsewhere"}), data_.path() / "elsewhere");
+}
+
+TEST_F(LinuxPlatformTest, NoIdentifierLeadsOutOfTheUsersData) {
+  for (const std::string id : {".", "..", "../../etc", "/etc", "a/b", "a\nb", std::string(5000, 'x').c_str()}) {
+    EXPECT_EQ(folder({.applicationId = id}).parent_path(), data_.path()) << id;
+  }
+}
+
+TEST_F(LinuxPlatformTest, TakesTheHomeFolderWhereTheDataFolderIsNotAbsolute) {
+  setenv("HOME", "/home/ada", 1);
+  for (const char* value : {"", "relative/path"}) {
+    setenv("XDG_DATA_HOME", value, 1);
+    EXPECT_EQ(folder({.applicationId = "reader"}), "/home/ada/.local/share/reader");
+  }
+  setenv("HOME", "relative", 1);
+  EXPECT_TRUE(folder().is_absolute()) << "followed the working directory";
+}
+
+TEST_F(LinuxPlatformTest, DescribesTheSystemAndTheLibrary) {
+  const auto host = linuxPlatform({}).host;
+  EXPECT_TRUE(host->componentVersion("org.quillon.consent.core"));
+  EXPECT_FALSE(host->componentVersion("org.example.other"));
+  EXPECT_EQ(host->localized("Unexpected Error", "comment"), "Unexpected Error");
+  EXPECT_NE(host->deviceDescription().find("Linux "), std::string::npos);
+}
+
+TEST_F(LinuxPlatformTest, WritesBlocksToStandardOutputAndAFatalErrorToStandardError) {
+  const auto console = linuxPlatform({}).console;
+  testing::internal::CaptureStdout();
+  console->write("first\nblock");
+  console->write("");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "first\nblock\n\n");
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(console->fatal("no way on", "folder/File"), "^folder/File: Fatal error: no way on\n");
+}
+
+}  // namespace
+}  // namespace quillon

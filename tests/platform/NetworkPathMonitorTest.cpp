@@ -1,0 +1,167 @@
+// Reports of the network path: by hand, and of a network of the test's own where the system lets it make one.
+#include <gtest/gtest.h>
+#include <sched.h>
+
+#include <condition_variable>
+#include <cstdlib>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/AsioExecutors.h"
+#include "platform/linux/NetlinkPathMonitor.h"
+#include "platform/memory/ManualExecutors.h"
+#include "platform/memory/StaticNetworkPath.h"
+
+namespace quillon {
+namespace {
+
+using namespace std::chrono_literals;
+using Statuses = std::vector<NetworkStatus>;
+
+constexpr auto satisfied = NetworkStatus::satisfied;
+constexpr auto unsatisfied = NetworkStatus::unsatisfied;
+
+// What a subscriber heard, with a way to wait for more.
+class Heard {
+ public:
+  void operator()(NetworkStatus status) {
+    const std::lock_guard lock(mutex_);
+    all_.push_back(status);
+    changed_.notify_all();
+  }
+
+  // The first `count` reports, or fewer when they do not come.
+  Statuses wait(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, 10s, [&] { return all_.size() >= count; });
+    return all_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  Statuses all_;
+};
+
+TEST(StaticNetworkPathTest, ReportsThePresentStatusAndThenChangesOnTheQueue) {
+  ManualExecutors executors;
+  StaticNetworkPath path(unsatisfied);
+  Statuses heard;
+  auto subscription = path.start(executors.serial("path"), [&](NetworkStatus status) { heard.push_back(status); });
+  EXPECT_TRUE(heard.empty());
+  executors.runUntilIdle();
+  path.set(unsatisfied);
+  path.set(satisfied);
+  path.set(unsatisfied);
+  executors.runUntilIdle();
+  EXPECT_EQ(heard, (Statuses{unsatisfied, satisfied, unsatisfied}));
+
+  path.set(satisfied);
+  subscription.reset();
+  executors.runUntilIdle();
+  EXPECT_EQ(heard.size(), 3u) << "a report on its way reached a subscriber that had left";
+}
+
+TEST(NetlinkPathMonitorTest, ReportsOnceSoonAfterTheStart) {
+  Heard heard;
+  AsioExecutors executors;
+  NetlinkPathMonitor monitor;
+  const auto subscription = monitor.start(executors.serial("path"), [&](NetworkStatus status) { heard(status); });
+  EXPECT_EQ(heard.wait(1).size(), 1u);
+}
+
+TEST(NetlinkPathMonitorTest, IsSilentOnceTheSubscriptionIsDropped) {
+  AsioExecutors executors;
+  NetlinkPathMonitor monitor;
+  for (int round = 0; round < 50; ++round) {
+    auto heard = std::make_unique<Heard>();
+    auto subscription =
+        monitor.start(executors.background(), [&target = *heard](NetworkStatus status) { target(status); });
+    if (round % 2 == 0) heard->wait(1);
+    subscription.reset();
+    heard.reset();  // a report that came now would touch freed memory
+  }
+}
+
+TEST(NetlinkPathMonitorTest, ASubscriptionCanBeDroppedFromItsOwnHandler) {
+  Heard heard;
+  std::mutex mutex;
+  std::unique_ptr<NetworkSubscription> subscription;
+  AsioExecutors executors;
+  NetlinkPathMonitor monitor;
+  std::unique_lock lock(mutex);
+  subscription = monitor.start(executors.background(), [&](NetworkStatus status) {
+    const std::lock_guard inner(mutex);
+    subscription.reset();
+    heard(status);
+  });
+  lock.unlock();
+  EXPECT_EQ(heard.wait(1).size(), 1u);
+}
+
+// Runs the body on a thread with a network of its own, in which nothing but it lives.
+class OwnNetwork : public testing::Test {
+ protected:
+  void inOwnNetwork(const std::function<void()>& body) {
+    bool made = false;
+    std::thread([&] {
+      made = unshare(CLONE_NEWNET) == 0 && addLink("d0", "p0");
+      if (made) body();
+    }).join();
+    if (!made) GTEST_SKIP() << "this system lets the test make no network (needs root and ip)";
+  }
+
+  // A cable with two ends: the one has a carrier while the other is up.
+  static bool addLink(const std::string& link, const std::string& peer) {
+    return run("ip link add " + link + " type veth peer name " + peer) && run("ip link set " + peer + " up");
+  }
+
+  static bool run(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
+};
+
+TEST_F(OwnNetwork, IsSatisfiedWhileADefaultRouteLeavesThroughALinkThatIsUp) {
+  inOwnNetwork([] {
+    AsioExecutors executors;
+    NetlinkPathMonitor monitor;
+    Heard heard;
+    const auto subscription = monitor.start(executors.serial("path"), [&](NetworkStatus status) { heard(status); });
+    ASSERT_EQ(heard.wait(1), Statuses{unsatisfied});
+
+    ASSERT_TRUE(run("ip addr add 192.0.2.2/24 dev d0") && run("ip link set d0 up"));
+    ASSERT_TRUE(run("ip route add default via 192.0.2.1"));
+    ASSERT_EQ(heard.wait(2), (Statuses{unsatisfied, satisfied}));
+
+    // A second way keeps the first one's loss from mattering; an unusable one does not count.
+    ASSERT_TRUE(addLink("d1", "p1") && run("ip link set d1 up"));
+    ASSERT_TRUE(run("ip route add default dev d1 metric 500") && run("ip route del default via 192.0.2.1"));
+    ASSERT_TRUE(run("ip route add blackhole 0.0.0.0/0 metric 900") && run("ip link set d1 down"));
+    ASSERT_EQ(heard.wait(3), (Statuses{unsatisfied, satisfied, unsatisfied}));
+
+    // Only a route of the main table is everybody's way.
+    ASSERT_TRUE(run("ip route add default via 192.0.2.1 table 100"));
+    Heard elsewhere;
+    const auto other = monitor.start(executors.serial("other"), [&](NetworkStatus status) { elsewhere(status); });
+    ASSERT_EQ(elsewhere.wait(1), Statuses{unsatisfied});
+    ASSERT_TRUE(run("ip route add default nexthop via 192.0.2.1 nexthop via 192.0.2.3"));
+    ASSERT_EQ(heard.wait(4).size(), 4u);
+    ASSERT_TRUE(run("ip link set p0 down"));
+    ASSERT_EQ(heard.wait(5), (Statuses{unsatisfied, satisfied, unsatisfied, satisfied, unsatisfied}));
+  });
+}
+
+TEST_F(OwnNetwork, CountsTheSixthVersionToo) {
+  inOwnNetwork([] {
+    ASSERT_TRUE(run("ip link set d0 up") && run("ip -6 route add default dev d0"));
+    AsioExecutors executors;
+    NetlinkPathMonitor monitor;
+    Heard heard;
+    const auto subscription = monitor.start(executors.serial("path"), [&](NetworkStatus status) { heard(status); });
+    ASSERT_EQ(heard.wait(1), Statuses{satisfied});
+    ASSERT_TRUE(run("ip link set p0 down"));
+    ASSERT_EQ(heard.wait(2), (Statuses{satisfied, unsatisfied}));
+  });
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,120 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <boost/json.hpp>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "tests/support/ConsentServer.h"
+#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/World.h"
+#include "tests/tools/ToolProcess.h"
+
+namespace quillon::test {
+namespace {
+
+struct Host : testing::Test {
+  Host() { server.serve(boost::json::serialize(validConfiguration())); }
+
+  void start(std::vector<std::string> options = {}) {
+    std::vector<std::string> arguments{"host", "--data-dir", data(), "--vendor-url", server.url()};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    host = std::make_unique<ToolProcess>(arguments, errors());
+  }
+
+  std::string data() const { return folder.path() / "data"; }
+  std::string errors() const { return folder.path() / "errors"; }
+
+  boost::json::object ask(const std::string& line) {
+    host->writeLine(line);
+    const auto answer = host->readLine();
+    return answer ? boost::json::parse(*answer).as_object() : boost::json::object{{"no answer to", line}};
+  }
+  boost::json::object setUp() {
+    return ask(boost::json::serialize(boost::json::object{{"op", "setup"},
+                                                          {"appUrl", server.url()},
+                                                          {"cdnUrl", server.url()},
+                                                          {"tenantId", "t1"},
+                                                          {"appId", "a1"},
+                                                          {"locationCode", "DE"},
+                                                          {"logLevel", "INFO"}}));
+  }
+
+  TemporaryFolder folder;
+  ConsentServer server;
+  std::unique_ptr<ToolProcess> host;
+};
+
+TEST_F(Host, TakesOneRunFromSetUpToUpload) {
+  using Object = boost::json::object;
+  start({"--clock", "1700000000", "--languages", "de-DE,en", "--tracking", "authorized", "--permission",
+         "NSCameraUsageDescription=3", "--network", "satisfied"});
+  EXPECT_EQ(setUp(), Object({{"ok", true}}));
+  EXPECT_EQ(ask(R"({"op":"waitReady","timeout":10})").at("status"), "ready");
+  EXPECT_EQ(server.seen().front().path, "/consent/mobile_banner/t1/a1/live/config_de.json");
+  EXPECT_EQ(ask(R"({"op":"status"})"),
+            Object({{"ok", true}, {"status", "ready"}, {"rawValue", 0}, {"message", "SDK CDN is ready to use!"}}));
+  EXPECT_EQ(ask(R"({"op":"bannerDue"})"), Object({{"ok", true}, {"due", true}}));
+  EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "declined");
+  EXPECT_EQ(ask(R"({"op":"accept"})"), Object({{"ok", true}, {"stored", true}}));
+  EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "granted");
+  EXPECT_EQ(ask(R"({"op":"get","permission":"NSCameraUsageDescription"})").at("consent"), "granted");
+  EXPECT_EQ(ask(R"({"op":"set","purposeId":1,"consent":"withdrawn"})"), Object({{"ok", true}, {"stored", true}}));
+  EXPECT_EQ(ask(R"({"op":"advance","seconds":1})").at("now"), 1700000001);
+  EXPECT_EQ(server.seen(uploadPath).size(), 2u);
+  EXPECT_EQ(ask(R"({"op":"purposes"})").at("purposes").at(0).at("consent_status"), "withdrawn");
+  EXPECT_EQ(ask(R"({"op":"bannerConfig"})").at("bannerConfig").at("compliance_type"), "opt-in");
+  EXPECT_EQ(ask(R"({"op":"store"})").at("store").at("1"), "withdrawn");
+  EXPECT_EQ(ask(R"({"op":"check"})"), Object({{"ok", true}}));
+  EXPECT_EQ(ask(R"({"op":"upload"})").at("uploaded"), true);
+  EXPECT_EQ(ask(R"({"op":"network","status":"unsatisfied"})").at("ok"), true);
+  EXPECT_EQ(ask(R"({"op":"removeConsents"})").at("ok"), true);
+  EXPECT_EQ(ask(R"({"op":"store"})").at("store"), Object());
+  EXPECT_EQ(ask(R"({"op":"quit"})").at("ok"), true);
+  EXPECT_EQ(host->wait(), 0);
+  EXPECT_NE(fileBytes(errors()).find("[INFO]Successfully removed all consents"), std::string::npos);
+}
+
+TEST_F(Host, ExplainsWhatItDoesNotUnderstandAndGoesOn) {
+  start();
+  for (const auto& [line, error] : std::map<std::string, std::string>{
+           {"nonsense", "not JSON: syntax error"},
+           {"[1]", "not a JSON object"},
+           {"{}", "\"op\" is missing"},
+           {R"({"op":"fly"})", "unknown op: fly"},
+           {R"({"op":"get","purposeId":"one"})", "\"purposeId\" is of the wrong type"},
+           {R"({"op":"set","purposeId":1,"consent":"maybe"})", "\"consent\" is not one of the known values: maybe"},
+           {R"({"op":"advance","seconds":1})", "the clock is the real one; start the host with --clock"},
+           {R"({"op":"setup","appUrl":"x"})", "\"cdnUrl\" is missing"}}) {
+    EXPECT_EQ(ask(line), (boost::json::object{{"ok", false}, {"error", error}}));
+  }
+  EXPECT_EQ(ask(R"({"op":"status"})").at("status"), "unavailable");
+}
+
+TEST_F(Host, KeepsADecisionWhenItIsKilledAtOnce) {
+  start();
+  setUp();
+  ask(R"({"op":"waitReady"})");
+  ask(R"({"op":"set","purposeId":1,"consent":"granted"})");
+  host->sendSignal(SIGKILL);
+  host->wait();
+  start();
+  EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "granted");
+  setUp();
+  ask(R"({"op":"waitReady"})");
+  EXPECT_EQ(ask(R"({"op":"upload"})").at("uploaded"), true);
+  EXPECT_NE(server.seen(uploadPath).back().body.find(R"("purpose_id":1,"consent_status":"granted")"), std::string::npos);
+}
+
+TEST_F(Host, StopsWithTheFixedTextWhenItsStoreCannotBeOpened) {
+  setFileBytes(data(), "a file where the folder should be");
+  start();
+  host->writeLine(R"({"op":"get","purposeId":1})");
+  EXPECT_EQ(host->wait(), -SIGABRT);
+  EXPECT_NE(fileBytes(errors()).find("Could not create or access UserDefaults suite: quillon-cmp-sdk"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace quillon::test

@@ -1,0 +1,36 @@
+// Typed reading of a request of the conversation.
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <boost/json/value_to.hpp>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace quillon::tools {
+
+// What is wrong with a request, in words for whoever wrote it.
+struct RequestError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// The value under a key, nothing when it is absent or null; a RequestError when it is of another type.
+template <class T>
+std::optional<T> optionalArgument(const boost::json::object& request, std::string_view name) {
+  const auto* value = request.if_contains(name);
+  if (!value || value->is_null()) return std::nullopt;
+  auto result = boost::json::try_value_to<T>(*value);
+  if (!result) throw RequestError("\"" + std::string(name) + "\" is of the wrong type");
+  return std::move(*result);
+}
+
+// As above; a RequestError also when it is absent.
+template <class T>
+T argument(const boost::json::object& request, std::string_view name) {
+  auto value = optionalArgument<T>(request, name);
+  if (!value) throw RequestError("\"" + std::string(name) + "\" is missing");
+  return std::move(*value);
+}
+
+}  // namespace quillon::tools

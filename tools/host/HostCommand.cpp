@@ -1,0 +1,89 @@
+#include "tools/host/HostCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+#include "tools/host/HostDevice.h"
+#include "tools/host/HostSession.h"
+
+namespace quillon::tools {
+namespace {
+
+constexpr const char* footer = R"(
+One JSON object a line on standard input, one JSON object a line on standard output, in order. SDK log blocks go to
+standard error. Every answer carries "ok"; a line that is unknown or malformed is answered
+{"ok":false,"error":"..."} and the host goes on. Answers come when the work is done, uploads included, except setup.
+
+  {"op":"setup","appUrl":U,"cdnUrl":U,"tenantId":T,"appId":A}   further keys: testingMode, logLevel ("DEBUG", "INFO",
+                     "WARNING", "ERROR"), consentsCheckInterval (seconds), subjectId, languageCode, locationCode,
+                     webviewConfig {"allowedDomains":[...],"blockedPageHTML":...}
+  {"op":"waitReady","timeout":S}   waits until loading is over, at most S seconds (10): status as below
+  {"op":"status"}                  "status": "ready", "unavailable" or "fetching"; "rawValue" 0, 1 or 2; "message"
+  {"op":"bannerDue"}               "due"; a positive answer counts as showing the banner
+  {"op":"accept"} {"op":"reject"}  the user's answer to the banner: "stored"
+  {"op":"get","purposeId":N}       "consent"; with "permission":KEY of a permission
+  {"op":"set","purposeId":N,"consent":C}   "stored"; C is granted, declined, not_determined or withdrawn; with
+                     "permission":KEY of a permission. The upload follows a second later on the clock
+  {"op":"purposes"}                "purposes": the configured ones with their present consents
+  {"op":"permissions"}             "permissions": the configured ones with what the device says
+  {"op":"bannerConfig"}            "bannerConfig": the banner for the location, or null
+  {"op":"upload"}                  uploads now what is pending: "uploaded", true when nothing is pending afterwards
+  {"op":"check"}                   one consent check
+  {"op":"advance","seconds":S}     moves the virtual clock and waits for all that this starts: "now"
+  {"op":"network","status":"satisfied"|"unsatisfied"}   what the network monitor reports
+  {"op":"permission","key":KEY,"value":V}   changes what the source of a permission answers
+  {"op":"settle"}                  waits until nothing is under way
+  {"op":"store"}                   "store": the whole suite as an object; dates as seconds since 1970
+  {"op":"removeConsents"}          deletes every stored value
+  {"op":"version"}                 "sdkVersion"
+  {"op":"quit"}                    ends the host; so does the end of the input
+)";
+
+}  // namespace
+
+void addHostCommand(CLI::App& app, int& exitCode) {
+  struct Settings {
+    DeviceOptions device;
+    std::string languages;
+    std::string advertisingIdentifier;
+    std::int64_t clock = 0;
+  };
+  auto settings = std::make_shared<Settings>();
+  auto* host = app.add_subcommand("host", "A headless host application, driven line by line");
+  host->footer(footer);
+  host->add_option("--data-dir", settings->device.dataDirectory, "Folder of the store and the cached configuration");
+  host->add_option("--vendor-url", settings->device.vendorUrl, "Base address of the location look-up, ending in /");
+  host->add_option("--languages", settings->languages, "Preferred languages, best first, as de-DE,en");
+  host->add_option("--tracking", settings->device.tracking, "Tracking authorization")
+      ->transform(CLI::CheckedTransformer(
+          std::map<std::string, TrackingAuthorization>{{"authorized", TrackingAuthorization::authorized},
+                                                       {"denied", TrackingAuthorization::denied},
+                                                       {"restricted", TrackingAuthorization::restricted},
+                                                       {"notDetermined", TrackingAuthorization::notDetermined}}));
+  host->add_option("--ad-id", settings->advertisingIdentifier, "Advertising identifier of the device");
+  host->add_option("--permission", settings->device.permissions,
+                   "KEY=VALUE: what the source of a permission answers (repeatable)");
+  host->add_option("--network", settings->device.network, "What the network monitor reports at first")
+      ->transform(CLI::CheckedTransformer(std::map<std::string, NetworkStatus>{
+          {"satisfied", NetworkStatus::satisfied}, {"unsatisfied", NetworkStatus::unsatisfied}}));
+  auto* clock = host->add_option("--clock", settings->clock, "Start a virtual clock at these seconds since 1970");
+
+  host->callback([settings, clock, &exitCode] {
+    settings->device.languages = CLI::detail::split(settings->languages, ',');
+    if (settings->languages.empty()) settings->device.languages.clear();
+    if (!settings->advertisingIdentifier.empty()) {
+      settings->device.advertisingIdentifier = settings->advertisingIdentifier;
+    }
+    if (clock->count() > 0) settings->device.clockSeconds = settings->clock;
+    try {
+      HostDevice device(settings->device);
+      HostSession(device).run(std::cin, std::cout);
+    } catch (const std::exception& error) {
+      std::cerr << "quillon-consent host: " << error.what() << '\n';
+      exitCode = 1;
+    }
+  });
+}
+
+}  // namespace quillon::tools

@@ -1,0 +1,76 @@
+// The device that the headless host pretends to run on.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "platform/memory/SettablePermissionSources.h"
+#include "platform/memory/StaticNetworkPath.h"
+#include "platform/memory/VirtualClock.h"
+
+namespace quillon::tools {
+
+// What the command line says about the device.
+struct DeviceOptions {
+  std::filesystem::path dataDirectory;  // empty: the user's
+  std::string vendorUrl;                // empty: the product's
+  std::vector<std::string> languages;   // empty: those of the environment
+  TrackingAuthorization tracking = TrackingAuthorization::notDetermined;
+  std::optional<std::string> advertisingIdentifier;
+  std::vector<std::string> permissions;  // "KEY=VALUE"
+  NetworkStatus network = NetworkStatus::satisfied;
+  std::optional<std::int64_t> clockSeconds;  // starts a virtual clock there
+};
+
+// The application around the SDK, with an information dictionary that can be changed while it runs. Thread-safe.
+class HeadlessApplication : public HostApplication {
+ public:
+  explicit HeadlessApplication(std::shared_ptr<HostApplication> system) : system_(std::move(system)) {}
+
+  void setInformation(const std::string& key, std::string value);
+
+  std::optional<std::string> componentVersion(std::string_view identifier) const override {
+    return system_->componentVersion(identifier);
+  }
+  std::optional<std::string> information(std::string_view key) const override;
+  std::string localized(std::string_view key, std::string_view comment) const override {
+    return system_->localized(key, comment);
+  }
+  std::string deviceDescription() const override { return system_->deviceDescription(); }
+
+ private:
+  const std::shared_ptr<HostApplication> system_;
+  mutable std::mutex mutex_;
+  std::map<std::string, std::string, std::less<>> information_;
+};
+
+// Real store, files, HTTP and threads; what a device decides can be set.
+class HostDevice {
+ public:
+  explicit HostDevice(const DeviceOptions& options);
+
+  const Platform& platform() const { return platform_; }
+  StaticNetworkPath& network() { return *network_; }
+  // Null when the clock is the real one.
+  VirtualClock* clock() { return clock_.get(); }
+
+  // Sets what the source behind a permission key answers: a number, or a text for the keys of the information
+  // dictionary. False when the value is of the wrong kind.
+  bool setPermission(const std::string& key, const std::string& value);
+
+ private:
+  Platform platform_;
+  std::shared_ptr<StaticNetworkPath> network_;
+  std::shared_ptr<VirtualClock> clock_;
+  std::shared_ptr<SettablePermissionSources> permissions_;
+  std::shared_ptr<HeadlessApplication> application_;
+};
+
+}  // namespace quillon::tools

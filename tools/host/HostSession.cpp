@@ -1,0 +1,281 @@
+#include "tools/host/HostSession.h"
+
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <boost/json/value_from.hpp>
+#include <cctype>
+#include <istream>
+#include <ostream>
+#include <string_view>
+
+#include "core/Configuration/Codec.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tools/host/Arguments.h"
+
+namespace quillon::tools {
+namespace {
+
+namespace json = boost::json;
+
+constexpr std::size_t maximumLineBytes = std::size_t{1} << 20;
+constexpr double defaultTimeoutSeconds = 10;
+
+json::object done() { return {{"ok", true}}; }
+
+json::object failed(std::string_view error) { return {{"ok", false}, {"error", error}}; }
+
+template <class Enumeration>
+Enumeration named(const std::string& text, std::string_view name) {
+  if (const auto value = fromRawValue<Enumeration>(text)) return *value;
+  throw RequestError("\"" + std::string(name) + "\" is not one of the known values: " + text);
+}
+
+std::string_view name(SDKStatus status) {
+  switch (status) {
+    case SDKStatus::ready:
+      return "ready";
+    case SDKStatus::unavailable:
+      return "unavailable";
+    case SDKStatus::fetching:
+      return "fetching";
+  }
+  return {};
+}
+
+template <class Record>
+json::value document(const Record& record) {
+  return json::parse(encode(record));
+}
+
+struct ToJson {
+  json::value operator()(bool value) const { return value; }
+  json::value operator()(std::int64_t value) const { return value; }
+  json::value operator()(const std::string& value) const { return json::value(value); }
+  json::value operator()(PropertyDate value) const { return wholeSeconds(value); }
+  template <class T>
+  json::value operator()(const std::vector<T>& list) const {
+    return json::value_from(list);
+  }
+};
+
+}  // namespace
+
+struct HostSession::Entry {
+  std::string_view op;
+  Operation operation;
+};
+
+const HostSession::Entry HostSession::entries[] = {
+    {"setup", &HostSession::setup},
+    {"waitReady", &HostSession::waitReady},
+    {"status", &HostSession::status},
+    {"bannerDue", &HostSession::bannerDue},
+    {"accept", &HostSession::accept},
+    {"reject", &HostSession::reject},
+    {"get", &HostSession::get},
+    {"set", &HostSession::set},
+    {"purposes", &HostSession::purposes},
+    {"permissions", &HostSession::permissions},
+    {"bannerConfig", &HostSession::bannerConfig},
+    {"upload", &HostSession::upload},
+    {"check", &HostSession::check},
+    {"advance", &HostSession::advance},
+    {"network", &HostSession::network},
+    {"permission", &HostSession::permission},
+    {"settle", &HostSession::settle},
+    {"store", &HostSession::store},
+    {"removeConsents", &HostSession::removeConsents},
+    {"version", &HostSession::version},
+    {"quit", &HostSession::quit},
+};
+
+void HostSession::run(std::istream& input, std::ostream& output) {
+  std::string line;
+  while (!quitting_ && std::getline(input, line)) {
+    if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
+    output << json::serialize(answer(line)) << std::endl;
+  }
+}
+
+json::object HostSession::answer(const std::string& line) {
+  if (line.size() > maximumLineBytes) return failed("the line is too long");
+  try {
+    boost::system::error_code error;
+    const json::value parsed = json::parse(line, error);
+    if (error) return failed("not JSON: " + error.message());
+    const auto* request = parsed.if_object();
+    if (!request) return failed("not a JSON object");
+    const auto op = argument<std::string>(*request, "op");
+    for (const Entry& entry : entries) {
+      if (entry.op == op) return (this->*entry.operation)(*request);
+    }
+    return failed("unknown op: " + op);
+  } catch (const RequestError& error) {
+    return failed(error.what());
+  }
+}
+
+json::object HostSession::setup(const Object& request) {
+  ConsentSDKOptions options;
+  options.appUrl = argument<std::string>(request, "appUrl");
+  options.cdnUrl = argument<std::string>(request, "cdnUrl");
+  options.tenantId = argument<std::string>(request, "tenantId");
+  options.appId = argument<std::string>(request, "appId");
+  options.testingMode = optionalArgument<bool>(request, "testingMode").value_or(false);
+  options.mode = options.testingMode ? Mode::draft : Mode::live;
+  if (auto level = optionalArgument<std::string>(request, "logLevel")) {
+    for (char& c : *level) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    options.logLevel = named<LogLevel>(*level, "logLevel");
+  }
+  if (const auto interval = optionalArgument<std::int64_t>(request, "consentsCheckInterval")) {
+    options.consentsCheckInterval = *interval;
+  }
+  options.subjectId = optionalArgument<std::string>(request, "subjectId");
+  if (auto language = optionalArgument<std::string>(request, "languageCode")) options.languageCode = std::move(*language);
+  options.locationCode = optionalArgument<std::string>(request, "locationCode");
+  if (const auto webView = optionalArgument<Object>(request, "webviewConfig")) {
+    options.webviewConfig = WebViewConfig{
+        optionalArgument<std::vector<std::string>>(*webView, "allowedDomains").value_or(std::vector<std::string>()),
+        optionalArgument<std::string>(*webView, "blockedPageHTML")};
+  }
+  sdk_.setup(std::move(options));
+  return done();
+}
+
+json::object HostSession::waitReady(const Object& request) {
+  const auto timeout = optionalArgument<double>(request, "timeout").value_or(defaultTimeoutSeconds);
+  if (!(timeout >= 0 && timeout <= 3600)) throw RequestError("\"timeout\" is not between 0 and 3600 seconds");
+  if (sdk_.settled().wait_for(std::chrono::duration<double>(timeout)) == std::future_status::timeout) {
+    return failed("still loading");
+  }
+  return status(request);
+}
+
+json::object HostSession::status(const Object&) {
+  const SDKStatus value = sdk_.getStatus();
+  Object reply = done();
+  reply["status"] = name(value);
+  reply["rawValue"] = static_cast<int>(value);
+  reply["message"] = quillon::status(value);
+  return reply;
+}
+
+json::object HostSession::bannerDue(const Object&) { return {{"ok", true}, {"due", sdk_.isBannerDue()}}; }
+
+json::object HostSession::accept(const Object&) { return {{"ok", true}, {"stored", sdk_.acceptOrReject(true).get()}}; }
+
+json::object HostSession::reject(const Object&) { return {{"ok", true}, {"stored", sdk_.acceptOrReject(false).get()}}; }
+
+json::object HostSession::get(const Object& request) {
+  const auto permission = optionalArgument<std::string>(request, "permission");
+  const ConsentStatus consent =
+      permission ? sdk_.get(VantariKey(*permission)) : sdk_.get(argument<std::int64_t>(request, "purposeId"));
+  return {{"ok", true}, {"consent", rawValue(consent)}};
+}
+
+json::object HostSession::set(const Object& request) {
+  const auto consent = named<ConsentStatus>(argument<std::string>(request, "consent"), "consent");
+  bool stored = false;
+  if (const auto permission = optionalArgument<std::string>(request, "permission")) {
+    AppPermission record;
+    record.permissionId = VantariKey(*permission);
+    stored = sdk_.set(record, consent);
+  } else {
+    Purpose record;
+    record.purposeId = argument<std::int64_t>(request, "purposeId");
+    stored = sdk_.set(record, consent);
+  }
+  return {{"ok", true}, {"stored", stored}};
+}
+
+json::object HostSession::purposes(const Object&) {
+  json::array list;
+  for (const Purpose& purpose : sdk_.getPurposeConsents().get()) {
+    json::object entry = document(purpose).as_object();
+    entry["isATTMapped"] = purpose.isATTMapped.value_or(false);
+    list.push_back(std::move(entry));
+  }
+  return {{"ok", true}, {"purposes", std::move(list)}};
+}
+
+json::object HostSession::permissions(const Object&) {
+  json::array list;
+  for (const AppPermission& permission : sdk_.getPermissionConsents().get()) {
+    json::object entry = document(permission).as_object();
+    entry["isSettingsPromptEnabled"] = permission.isSettingsPromptEnabled.value_or(false);
+    list.push_back(std::move(entry));
+  }
+  return {{"ok", true}, {"permissions", std::move(list)}};
+}
+
+json::object HostSession::bannerConfig(const Object&) {
+  const auto banner = sdk_.getBannerConfig().get();
+  return {{"ok", true}, {"bannerConfig", banner ? document(*banner) : json::value(nullptr)}};
+}
+
+json::object HostSession::upload(const Object&) { return {{"ok", true}, {"uploaded", sdk_.uploadPendingConsents().get()}}; }
+
+json::object HostSession::check(const Object&) {
+  sdk_.checkConsents().get();
+  return done();
+}
+
+json::object HostSession::advance(const Object& request) {
+  VirtualClock* clock = device_.clock();
+  if (!clock) throw RequestError("the clock is the real one; start the host with --clock");
+  const auto seconds = argument<double>(request, "seconds");
+  if (!(seconds >= 0 && seconds <= 1e10)) throw RequestError("\"seconds\" is out of range");
+  sdk_.settled().wait();
+  clock->advance(std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000)), [this] { sdk_.settled().wait(); });
+  return {{"ok", true}, {"now", wholeSeconds(clock->now())}};
+}
+
+json::object HostSession::network(const Object& request) {
+  const auto status = argument<std::string>(request, "status");
+  if (status != "satisfied" && status != "unsatisfied") throw RequestError("\"status\" is neither satisfied nor unsatisfied");
+  device_.network().set(status == "satisfied" ? NetworkStatus::satisfied : NetworkStatus::unsatisfied);
+  return {{"ok", true}, {"status", status}};
+}
+
+json::object HostSession::permission(const Object& request) {
+  const auto& value = request.contains("value") ? request.at("value") : json::value();
+  const std::string text = value.is_string() ? std::string(value.as_string()) : json::serialize(value);
+  if (!device_.setPermission(argument<std::string>(request, "key"), text)) {
+    throw RequestError("\"value\" is not what such a source answers");
+  }
+  return done();
+}
+
+json::object HostSession::settle(const Object&) {
+  sdk_.settled().wait();
+  return done();
+}
+
+json::object HostSession::store(const Object&) {
+  const Platform& platform = device_.platform();
+  const auto suite = platform.store->open(key::suiteName, [console = platform.console](std::string damage) {
+    console->write(damage);
+  });
+  if (!suite) return failed("the suite cannot be opened");
+  json::object values;
+  const auto content = suite->snapshot();
+  for (const auto& [key, value] : *content) values.emplace(key, std::visit(ToJson(), value));
+  return {{"ok", true}, {"store", std::move(values)}};
+}
+
+json::object HostSession::removeConsents(const Object&) {
+  sdk_.removeConsents();
+  return done();
+}
+
+json::object HostSession::version(const Object&) {
+  const auto version = sdk_.sdkVersion();
+  return {{"ok", true}, {"sdkVersion", version ? json::value(*version) : json::value(nullptr)}};
+}
+
+json::object HostSession::quit(const Object&) {
+  quitting_ = true;
+  return done();
+}
+
+}  // namespace quillon::tools

@@ -1,0 +1,56 @@
+// The conversation with a headless host.
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <iosfwd>
+#include <string>
+
+#include "quillon/ConsentSDK.h"
+#include "tools/host/HostDevice.h"
+
+namespace quillon::tools {
+
+// Not thread-safe: one conversation, on one thread.
+class HostSession {
+ public:
+  explicit HostSession(HostDevice& device) : device_(device), sdk_(device.platform()) {}
+
+  // Answers every line of the input until it ends or asks to quit.
+  void run(std::istream& input, std::ostream& output);
+
+ private:
+  using Object = boost::json::object;
+  using Operation = Object (HostSession::*)(const Object& request);
+  struct Entry;
+  static const Entry entries[];
+
+  Object answer(const std::string& line);
+
+  Object setup(const Object& request);
+  Object waitReady(const Object& request);
+  Object status(const Object& request);
+  Object bannerDue(const Object& request);
+  Object accept(const Object& request);
+  Object reject(const Object& request);
+  Object get(const Object& request);
+  Object set(const Object& request);
+  Object purposes(const Object& request);
+  Object permissions(const Object& request);
+  Object bannerConfig(const Object& request);
+  Object upload(const Object& request);
+  Object check(const Object& request);
+  Object advance(const Object& request);
+  Object network(const Object& request);
+  Object permission(const Object& request);
+  Object settle(const Object& request);
+  Object store(const Object& request);
+  Object removeConsents(const Object& request);
+  Object version(const Object& request);
+  Object quit(const Object& request);
+
+  HostDevice& device_;
+  ConsentSDK sdk_;
+  bool quitting_ = false;
+};
+
+}  // namespace quillon::tools

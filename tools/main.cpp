@@ -1,0 +1,17 @@
+// quillon-consent: the developer's tool. Each sub-command lives in a folder of its own.
+#include <CLI/CLI.hpp>
+
+#include "tools/host/HostCommand.h"
+#include "tools/serve/ServeCommand.h"
+
+int main(int argc, char** argv) {
+  CLI::App app("Tools for developers of applications that ask for consent.", "quillon-consent");
+  app.require_subcommand(1);
+
+  int exitCode = 0;
+  quillon::tools::addHostCommand(app, exitCode);
+  quillon::tools::addServeCommand(app, exitCode);
+
+  CLI11_PARSE(app, argc, argv);
+  return exitCode;
+}

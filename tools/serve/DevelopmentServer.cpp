@@ -1,0 +1,169 @@
+#include "tools/serve/DevelopmentServer.h"
+
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <boost/json.hpp>
+#include <chrono>
+#include <cstdio>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "core/Configuration/Codec.h"
+#include "quillon/PostConsentsRequest.h"
+#include "tools/serve/UploadStore.h"
+
+namespace quillon::tools {
+namespace {
+
+constexpr auto kAddress = "127.0.0.1";
+constexpr std::string_view kLocationPath = "/core/v1/utils/geo/location";
+constexpr std::string_view kUploadPath = "/vantari/v1/consent/mobile/singleupload";
+constexpr std::string_view kControlPath = "/control";
+constexpr std::size_t kMaxBodyBytes = 1u << 20;
+constexpr auto kJson = "application/json";
+
+void answer(httplib::Response& response, int httpStatus, int status, std::string_view message) {
+  response.status = httpStatus;
+  response.set_content(boost::json::serialize(boost::json::object{{"status", status}, {"message", message}}), kJson);
+}
+
+// Whether a list of entity tags, as If-None-Match carries it, names ours.
+bool matches(std::string_view list, std::string_view entityTag) {
+  while (!list.empty()) {
+    const auto comma = std::min(list.find(','), list.size());
+    std::string_view candidate = list.substr(0, comma);
+    list.remove_prefix(std::min(comma + 1, list.size()));
+    while (candidate.starts_with(' ')) candidate.remove_prefix(1);
+    while (candidate.ends_with(' ')) candidate.remove_suffix(1);
+    if (candidate.starts_with("W/")) candidate.remove_prefix(2);
+    if (candidate == entityTag || candidate == "*") return true;
+  }
+  return false;
+}
+
+// The target as the client sent it, with nothing in it that could forge a line of the log.
+void logRequest(const httplib::Request& request, const httplib::Response& response) {
+  std::string line = request.method + " " + request.target;
+  for (char& c : line) {
+    if (c < ' ' || c > '~') c = '?';
+  }
+  std::printf("%s %d\n", line.c_str(), response.status);
+  std::fflush(stdout);
+}
+
+}  // namespace
+
+DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults)
+    : folder_(std::move(folder)), uploads_(uploads), faults_(faults) {
+  // One handler a method: the library's own routing matches regular expressions against what the client sends.
+  http_.Get(".*", [this](const auto& request, auto& response) { get(request, response); });
+  http_.Post(".*", [this](const auto& request, auto& response) { post(request, response); });
+  http_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
+    if (response.body.empty() && response.status >= 400) answer(response, response.status, 1, "request refused");
+  });
+  http_.set_post_routing_handler(logRequest);
+  http_.set_payload_max_length(kMaxBodyBytes);
+  // A connection ends with its answer, so that no idle one keeps run() from returning.
+  http_.set_keep_alive_max_count(1);
+  // The library's default would let two servers share a port unnoticed.
+  http_.set_socket_options([](socket_t socket) {
+    const int on = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  });
+}
+
+std::expected<int, std::string> DevelopmentServer::bind(int port) {
+  if (port == 0) {
+    port = http_.bind_to_any_port(kAddress);
+  } else if (!http_.bind_to_port(kAddress, port)) {
+    return std::unexpected("port " + std::to_string(port) + " cannot be taken");
+  }
+  if (port < 0) return std::unexpected("no free port on 127.0.0.1");
+  return port;
+}
+
+void DevelopmentServer::run() {
+  http_.listen_after_bind();
+  ended_ = true;
+}
+
+void DevelopmentServer::stop() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  stopRequested_.notify_all();
+  // The library ignores a stop that comes before its accept loop has begun.
+  while (!http_.is_running() && !ended_) std::this_thread::yield();
+  http_.stop();
+}
+
+bool DevelopmentServer::stopped() const {
+  const std::lock_guard lock(mutex_);
+  return stopping_;
+}
+
+// The faults in force when the request arrived, once their delay has passed.
+Faults DevelopmentServer::faultsAfterDelay() {
+  std::unique_lock lock(mutex_);
+  const Faults faults = faults_;
+  stopRequested_.wait_for(lock, std::chrono::milliseconds(faults.delay), [this] { return stopping_; });
+  return faults;
+}
+
+void DevelopmentServer::get(const httplib::Request& request, httplib::Response& response) {
+  const Faults faults = faultsAfterDelay();
+  if (faults.fail != 0) return answer(response, faults.fail, 1, "failure on request");
+
+  // A client keeps one entity tag for all answers. One on the location would push out that of the configuration.
+  const bool isLocation = request.path == kLocationPath;
+  const auto document = folder_.read(isLocation ? "/location.json" : request.path);
+  if (!document) return answer(response, 404, 1, "not found");
+  if (!isLocation) {
+    response.set_header("ETag", document->entityTag);
+    if (matches(request.get_header_value("If-None-Match"), document->entityTag)) {
+      response.status = 304;
+      return;
+    }
+  }
+  response.set_content(document->content, kJson);
+}
+
+void DevelopmentServer::post(const httplib::Request& request, httplib::Response& response) {
+  if (request.path == kControlPath) return control(request, response);
+
+  const Faults faults = faultsAfterDelay();
+  if (faults.fail != 0) return answer(response, faults.fail, 1, "failure on request");
+  if (request.path == kUploadPath) return upload(request, response, faults.uploadStatus);
+  answer(response, 404, 1, "not found");
+}
+
+void DevelopmentServer::upload(const httplib::Request& request, httplib::Response& response, int status) {
+  const std::string token = request.get_header_value("X-Auth-Token");
+  if (token.empty()) return answer(response, 401, 1, "X-Auth-Token is missing");
+  const auto consents = decode<PostConsentsRequest>(request.body);
+  if (!consents) return answer(response, 400, 1, consents.error());
+  const auto tokens = folder_.accessTokens(consents->appUUID);
+  if (!tokens.empty() && !tokens.contains(token)) return answer(response, 401, 1, "X-Auth-Token is not valid");
+
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  const auto kept = uploads_.add({.receivedAt = std::chrono::duration_cast<std::chrono::seconds>(now).count(),
+                                  .status = status,
+                                  .body = request.body});
+  if (!kept) return answer(response, 500, 1, kept.error());
+  answer(response, 200, status, status == 0 ? "Consents saved" : "Consents not accepted");
+}
+
+void DevelopmentServer::control(const httplib::Request& request, httplib::Response& response) {
+  // Only a browser sends this header: a web page must not reach into the server of whoever looks at it.
+  if (request.has_header("Origin")) return answer(response, 403, 1, "not for web pages");
+  const std::lock_guard lock(mutex_);
+  const auto changed = faults_.changedBy(request.body);
+  if (!changed) return answer(response, 400, 1, changed.error());
+  faults_ = *changed;
+  response.set_content(faults_.toJson(), kJson);
+}
+
+}  // namespace quillon::tools
