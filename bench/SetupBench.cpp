@@ -35,9 +35,8 @@ class Device {
     sdk_.reset();
     Platform platform = linuxPlatform({.applicationId = "bench", .dataDirectory = folder_.path() / "data"});
     platform.console = std::make_shared<MemoryConsole>();
-    platform.http = std::make_shared<ScriptedHttpSession>([](const HttpRequest& request) {
-      return HttpResponse{request.url, 200, {}, largeConfigurationDocument()};
-    });
+    platform.http = std::make_shared<ScriptedHttpSession>(
+        [](const HttpRequest& request) { return HttpResponse{request.url, 200, {}, largeConfigurationDocument()}; });
     sdk_ = std::make_unique<ConsentSDK>(std::move(platform));
   }
 

@@ -129,8 +129,10 @@ BENCHMARK(recordDecision)->Name("decision/sdk")->Repetitions(9)->UseRealTime();
 BENCHMARK(commitSqlite)->Name("decision/sqlite commit")->Repetitions(9)->UseRealTime();
 
 const bool registered =
-    expectRatio({"read of one consent: SDK vs a prepared SQLite SELECT", {"read/sdk"}, {"read/sqlite select"}, 1.0 / 30}) &&
-    expectRatio({"durable decision: SDK vs one bare SQLite commit", {"decision/sdk"}, {"decision/sqlite commit"}, 1.15});
+    expectRatio(
+        {"read of one consent: SDK vs a prepared SQLite SELECT", {"read/sdk"}, {"read/sqlite select"}, 1.0 / 30}) &&
+    expectRatio(
+        {"durable decision: SDK vs one bare SQLite commit", {"decision/sdk"}, {"decision/sqlite commit"}, 1.15});
 
 }  // namespace
 }  // namespace quillon::bench

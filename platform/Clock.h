@@ -18,7 +18,8 @@ using WallTime = std::chrono::sys_time<std::chrono::milliseconds>;
   return std::chrono::duration_cast<std::chrono::seconds>(time.time_since_epoch()).count();
 }
 
-// Thread-safe. Dropping it cancels: no job begins afterwards.
+// Thread-safe. Dropping it cancels: no job begins afterwards, and one that runs on another thread has ended. So it must
+// not be dropped while holding a lock that the job takes.
 class Timer {
  public:
   virtual ~Timer() = default;

@@ -42,8 +42,8 @@ class FileSystem {
   // The whole file; an error when it holds more than maximumBytes.
   virtual Result<std::string> read(const std::filesystem::path& file, std::size_t maximumBytes) const = 0;
 
-  // Replaces the whole file: after a crash at any moment it holds the old or the new bytes, and the new ones are durable
-  // when this returns.
+  // Replaces the whole file: after a crash at any moment it holds the old or the new bytes, and the new ones are
+  // durable when this returns.
   virtual Result<void> write(const std::filesystem::path& file, std::string_view bytes) = 0;
 
   // Fails when the destination exists.

@@ -30,7 +30,7 @@ struct HttpRequest {
   std::string method;
   HttpHeaders headers;
   std::optional<std::string> body;
-  std::chrono::seconds timeout{60};                       // for the whole exchange
+  std::chrono::seconds timeout{60};                      // for the whole exchange
   std::size_t maximumBodyBytes = std::size_t{32} << 20;  // of the decoded answer
 };
 

@@ -19,8 +19,8 @@ namespace quillon {
 using PropertyDate = std::chrono::sys_time<std::chrono::milliseconds>;
 
 // What a key can hold.
-using PropertyValue = std::variant<bool, std::int64_t, std::string, PropertyDate, std::vector<std::int64_t>,
-                                   std::vector<std::string>>;
+using PropertyValue =
+    std::variant<bool, std::int64_t, std::string, PropertyDate, std::vector<std::int64_t>, std::vector<std::string>>;
 
 // Lets a map of strings be searched with a string_view without making a string.
 struct TransparentStringHash {
@@ -58,8 +58,8 @@ class KeyValueStore {
  public:
   virtual ~KeyValueStore() = default;
 
-  // Told of damage that was noticed and survived, in words for the log. Called from any thread, possibly while a call of
-  // the suite is under way, so it must not call the suite itself.
+  // Told of damage that was noticed and survived, in words for the log. Called from any thread, possibly while a call
+  // of the suite is under way, so it must not call the suite itself.
   using Report = std::function<void(std::string message)>;
 
   // The suite of that name, created when it does not exist yet; the same object for every call with the same name (the

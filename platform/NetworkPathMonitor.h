@@ -10,7 +10,7 @@ namespace quillon {
 
 enum class NetworkStatus { satisfied, unsatisfied };
 
-// Dropping it stops the reports: the handler is not called afterwards.
+// Dropping it stops the reports: the handler is not called afterwards, and a call on another thread has ended.
 class NetworkSubscription {
  public:
   virtual ~NetworkSubscription() = default;

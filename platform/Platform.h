@@ -1,5 +1,5 @@
 // Everything the consent logic asks of an operating system, as one value. Each member can be replaced by another
-// implementation of its interface; all are set.
+// implementation of its interface; all are set but those that may be null.
 #pragma once
 
 #include <memory>
@@ -7,6 +7,7 @@
 
 #include "platform/AppTracking.h"
 #include "platform/Clock.h"
+#include "platform/ConsentSink.h"
 #include "platform/Console.h"
 #include "platform/Executors.h"
 #include "platform/FileSystem.h"
@@ -16,6 +17,7 @@
 #include "platform/Locale.h"
 #include "platform/NetworkPathMonitor.h"
 #include "platform/PermissionSources.h"
+#include "platform/ScreenPresenter.h"
 
 namespace quillon {
 
@@ -31,6 +33,8 @@ struct Platform {
   std::shared_ptr<AppTracking> tracking;
   std::shared_ptr<PermissionSources> permissions;
   std::shared_ptr<HostApplication> host;
+  std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
+  std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is linked
 
   // Base address of the vendor's application server, which answers location look-ups. Ends in "/".
   std::string vendorUrl = "https://app.quillon.example/";

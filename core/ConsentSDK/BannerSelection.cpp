@@ -46,7 +46,8 @@ const BannerConfig* selectBanner(const MainConfiguration& configuration, const s
 
 bool dependsOnLocation(const MainConfiguration& configuration) {
   const auto& banners = configuration.bannerConfig;
-  if (banners && std::ranges::any_of(banners->locations, [](const auto& entry) { return entry.first != defaultEntry; })) {
+  if (banners &&
+      std::ranges::any_of(banners->locations, [](const auto& entry) { return entry.first != defaultEntry; })) {
     return true;
   }
   const auto& consentMode = configuration.gcmConfig;
@@ -68,7 +69,8 @@ std::int64_t bannerIntervalMonths(std::string_view text) noexcept {
   const std::string_view rest(end, static_cast<std::size_t>(text.data() + text.size() - end));
   if (error != std::errc() || count < 0 || count > longestCount || !rest.starts_with(' ')) return monthsOfYear;
   const auto reads = [&](std::string_view unit) {
-    return std::ranges::equal(rest.substr(1), unit, {}, [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
+    return std::ranges::equal(rest.substr(1), unit, {},
+                              [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
   };
   if (reads("month")) return count;
   if (reads("year")) return count * monthsOfYear;

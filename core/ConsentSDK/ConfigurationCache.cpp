@@ -1,5 +1,5 @@
-#include "core/Configuration/Codec.h"
 #include "core/ConsentSDK/ConfigurationCache.h"
+#include "core/Configuration/Codec.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
@@ -54,7 +54,7 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
     error = bytes.error();
   }
   if (!isCache) {
-    UnitLog (logger_, sourceFile)(LogLevel::error, "Error reading or decoding CDN: " + error, "readCDNFile(isCache:)");
+    UnitLog(logger_, sourceFile)(LogLevel::error, "Error reading or decoding CDN: " + error, "readCDNFile(isCache:)");
   }
   return nullptr;
 }
@@ -67,7 +67,8 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
   if (!folder) return;
   const std::scoped_lock lock(mutex_);
   if (const auto made = files.createDirectories(*folder); !made) {
-    log(LogLevel::error, "Error creating Application Support directory for Quillon Consent SDK: " + made.error(), function);
+    log(LogLevel::error, "Error creating Application Support directory for Quillon Consent SDK: " + made.error(),
+        function);
     return;
   }
 

@@ -83,6 +83,7 @@ Task<bool> ConsentSDK::Core::apply(ConfigurationPointer configuration) {
   });
   const bool purposesChanged = purposes(configuration).checkPurposes().changed;
   const bool permissionsChanged = permissions(configuration).checkPermissions();
+  consentMode.updateFirebaseConsent(*configuration, location);
   co_return purposesChanged || permissionsChanged;
 }
 

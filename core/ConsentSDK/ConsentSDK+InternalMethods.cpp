@@ -52,6 +52,50 @@ void ConsentSDK::Core::startNetworkMonitor() {
   if (!stop.stop_requested()) monitor_.swap(monitor);
 }
 
+void ConsentSDK::Core::startPermissionObservation() {
+  std::unique_ptr<PermissionSubscription> earlier;  // Dropped outside the lock: that may wait for its handler.
+  {
+    const std::scoped_lock lock(mutex_);
+    earlier = std::move(permissionObservation_);
+  }
+  earlier.reset();
+  auto observation = platform.permissions->observe([weak = weak_from_this()] {
+    const auto core = weak.lock();
+    if (!core) return;
+    core->tasks->start([core]() -> Task<void> {
+      if (core->permissions(core->cache.readCDNFile(true)).checkPermissions()) core->scheduleUpload();
+      co_return;
+    });
+  });
+  const std::scoped_lock lock(mutex_);
+  if (!stop.stop_requested()) permissionObservation_.swap(observation);
+}
+
+std::optional<std::string> ConsentSDK::Core::knownLocation() const {
+  const auto options = currentOptions();
+  if (options && options->locationCode && !options->locationCode->empty()) return options->locationCode;
+  return StoredValues(*store.snapshot()).string(key::currentLocation);
+}
+
+void ConsentSDK::Core::refreshConsentMode() {
+  if (const auto configuration = cache.readCDNFile(true)) {
+    consentMode.updateFirebaseConsent(*configuration, knownLocation());
+  }
+}
+
+Task<bool> ConsentSDK::Core::offersSettingsPrompt(VantariKey permission) {
+  const ConfigurationPointer configuration = cache.readCDNFile(true);
+  const auto banner = co_await bannerFor(configuration);
+  const auto entries = store.snapshot();
+  const StoredValues stored(*entries);
+  const bool wanted = banner && banner->shouldShowSettingsPrompt.value_or(false) &&
+                      stored.boolean(key::isSettingsPromptEnabled) && !stored.boolean(key::hasShownSettingsPrompt);
+  if (!wanted || !configuration->settingPrompt || !configuration->settingPrompt->permissions) co_return false;
+  const auto& switches = *configuration->settingPrompt->permissions;
+  const auto found = switches.find(permission.rawValue());
+  co_return found != switches.end() && found->second;
+}
+
 Task<std::optional<std::string>> ConsentSDK::Core::locationFor(const MainConfiguration& configuration) {
   const auto options = currentOptions();
   if (options && options->locationCode && !options->locationCode->empty()) co_return options->locationCode;
@@ -123,6 +167,7 @@ Task<void> ConsentSDK::Core::consentCheck() {
   }
   co_await bannerFor(loaded.configuration);
   recordDefaults(loaded.configuration);
+  refreshConsentMode();
   co_await uploadPendingConsents();
 }
 
@@ -130,8 +175,8 @@ void ConsentSDK::Core::recordDefaults(ConfigurationPointer configuration) {
   PurposeManager manager = purposes(std::move(configuration));
   store.transact([&](StoreTransaction& transaction) {
     // A re-consent that is being waited for must not be answered by defaults.
-    const bool awaitsAnswer = transaction.consentGivenType() == givenType::noAction &&
-                              transaction.integer(key::bannerShownDate, 0) != 0;
+    const bool awaitsAnswer =
+        transaction.consentGivenType() == givenType::noAction && transaction.integer(key::bannerShownDate, 0) != 0;
     manager.recordDefaults(transaction, awaitsAnswer ? givenType::noAction : givenType::implicitly, now());
   });
 }
@@ -139,8 +184,8 @@ void ConsentSDK::Core::recordDefaults(ConfigurationPointer configuration) {
 Task<bool> ConsentSDK::Core::acceptOrReject(bool accept) {
   const ConfigurationPointer configuration = cache.readCDNFile(true);
   if (!configuration) {
-    UnitLog (logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
-                                 "acceptOrReject");
+    UnitLog(logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
+                                "acceptOrReject");
     co_return false;
   }
   const PurposeManager purposeManager = purposes(configuration);
@@ -156,8 +201,10 @@ Task<bool> ConsentSDK::Core::acceptOrReject(bool accept) {
     // Also an application without purposes has been answered.
     transaction.set(key::consentGivenType, std::string(givenType::explicitly));
   });
-  if (stored) co_await uploadPendingConsents();
-  co_return stored;
+  if (!stored) co_return false;
+  refreshConsentMode();
+  co_await uploadPendingConsents();
+  co_return true;
 }
 
 PostConsentsRequest ConsentSDK::Core::uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,

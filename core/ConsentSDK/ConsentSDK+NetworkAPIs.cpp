@@ -19,6 +19,11 @@ std::expected<T, RequestFailure> asFailure(NetworkError error) {
   return std::unexpected(RequestFailure(std::move(error)));
 }
 
+bool isMissing(const RequestFailure& failure) {
+  const auto* error = std::get_if<NetworkError>(&failure);
+  return error && error->kind == NetworkError::Case::invalidStatusCode && error->code == notFound;
+}
+
 // What a decision was when an upload carried it, to tell whether it was changed since.
 template <class Key>
 bool unchanged(const Key& storeKey, const StoredValues& then, const StoredValues& now) {
@@ -29,19 +34,19 @@ bool unchanged(const Key& storeKey, const StoredValues& then, const StoredValues
 
 Task<std::expected<MainConfiguration, RequestFailure>> ConsentSDK::Core::getCDN(const ConsentSDKOptions& options) {
   const std::string language = locale.currentLanguageCode();
-  for (const bool useDefaultFile : {false, true}) {
-    auto request =
-        RequestBuilder(GetCDNEndPoint(options, language, useDefaultFile), options.cdnUrl).build(store);
-    if (!request) co_return asFailure<MainConfiguration>(std::move(request.error()));
-    auto configuration = co_await networkManager.processRequest<MainConfiguration>(std::move(*request));
-    const auto* error = configuration ? nullptr : std::get_if<NetworkError>(&configuration.error());
-    const bool missing = error && error->kind == NetworkError::Case::invalidStatusCode && error->code == notFound;
-    if (useDefaultFile || !missing) co_return configuration;
-    UnitLog (logger, sourceFile)(LogLevel::error,
-                                 "CDN Configuration with " + escapedForLog(language) + " language code not found",
-                                 "getCDN(options:)");
-  }
-  co_return asFailure<MainConfiguration>({NetworkError::Case::keyMapping});  // not reached
+  auto configuration = co_await requestConfiguration(options, GetCDNEndPoint(options, language, false));
+  if (configuration || !isMissing(configuration.error())) co_return configuration;
+  UnitLog(logger, sourceFile)(LogLevel::error,
+                              "CDN Configuration with " + escapedForLog(language) + " language code not found",
+                              "getCDN(options:)");
+  co_return co_await requestConfiguration(options, GetCDNEndPoint(options, language, true));
+}
+
+Task<std::expected<MainConfiguration, RequestFailure>> ConsentSDK::Core::requestConfiguration(
+    const ConsentSDKOptions& options, EndPoint endPoint) {
+  auto request = RequestBuilder(std::move(endPoint), options.cdnUrl).build(store);
+  if (!request) co_return asFailure<MainConfiguration>(std::move(request.error()));
+  co_return co_await networkManager.processRequest<MainConfiguration>(std::move(*request));
 }
 
 Task<std::optional<CurrentLocationResponse>> ConsentSDK::Core::getCurrentLocation() {
@@ -54,8 +59,8 @@ Task<std::optional<CurrentLocationResponse>> ConsentSDK::Core::getCurrentLocatio
   } else {
     failure = std::move(request.error());
   }
-  UnitLog (logger, sourceFile)(LogLevel::error, "Failed to current location: " + description(*failure),
-                               "getCurrentLocation()");
+  UnitLog(logger, sourceFile)(LogLevel::error, "Failed to current location: " + description(*failure),
+                              "getCurrentLocation()");
   co_return std::nullopt;
 }
 
@@ -64,7 +69,8 @@ Task<bool> ConsentSDK::Core::uploadConsents(std::string url, PostConsentsRequest
   constexpr std::string_view function = "uploadConsents(url:request:)";
   const UnitLog log(logger, sourceFile);
   std::expected<GenericResponse, RequestFailure> response;
-  auto built = RequestBuilder(PostConsentsEndPoint(store.getString(key::xAuthToken), request), std::move(url)).build(store);
+  auto built =
+      RequestBuilder(PostConsentsEndPoint(store.getString(key::xAuthToken), request), std::move(url)).build(store);
   if (built) {
     response = co_await networkManager.processRequest<GenericResponse>(std::move(*built));
   } else {

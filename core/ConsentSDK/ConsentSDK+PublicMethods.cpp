@@ -42,7 +42,8 @@ struct Asynchronous {
   static void callback(const std::shared_ptr<Core>& core, std::function<void(T)> answer, Work work) {
     core->tasks->start([core, answer = std::move(answer), work = std::move(work)]() mutable -> Task<void> {
       T value = co_await work();
-      if (answer) core->onMain([answer = std::move(answer), value = std::move(value)]() mutable { answer(std::move(value)); });
+      if (answer)
+        core->onMain([answer = std::move(answer), value = std::move(value)]() mutable { answer(std::move(value)); });
     });
   }
 
@@ -71,9 +72,8 @@ struct Asynchronous<void> {
   static std::future<void> future(const std::shared_ptr<Core>& core, Work work) {
     auto promise = std::make_shared<Promise<void>>();
     auto future = promise->future();
-    core->tasks->start([core, promise = std::move(promise), work = std::move(work)]() mutable -> Task<void> {
-      co_await work();
-    });
+    core->tasks->start(
+        [core, promise = std::move(promise), work = std::move(work)]() mutable -> Task<void> { co_await work(); });
     return future;
   }
 };
@@ -89,7 +89,9 @@ ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {
 
 ConsentStatus ConsentSDK::get(const VantariKey& vantariKey) const {
   const PermissionManager permissions = core_->permissions(core_->cache.readCDNFile(true));
-  if (permissions.lists(vantariKey)) return permissions.getConsentByPermission(vantariKey);
+  if (permissions.lists(vantariKey)) {
+    if (const auto known = permissions.knownConsent(vantariKey)) return *known;
+  }
   return core_->store.getConsent(vantariKey.rawValue()).value_or(ConsentStatus::notDetermined);
 }
 
@@ -98,8 +100,13 @@ bool ConsentSDK::set(const Purpose& purpose, ConsentStatus consent) {
   const bool stored = core_->store.transact([&](StoreTransaction& transaction) {
     PurposeManager::setConsent(transaction, *purpose.purposeId, consent, givenType::explicitly, core_->now());
   });
-  if (stored) core_->scheduleUpload();
-  return stored;
+  if (!stored) return false;
+  core_->scheduleUpload();
+  core_->tasks->start([core = core_]() -> Task<void> {
+    core->refreshConsentMode();
+    co_return;
+  });
+  return true;
 }
 
 bool ConsentSDK::set(const AppPermission& permission, ConsentStatus consent) {
@@ -144,6 +151,42 @@ auto upload(std::shared_ptr<Core> core, std::string url, PostConsentsRequest req
   };
 }
 
+// A part of the cached configuration.
+template <class Part, class Core>
+auto partOfConfiguration(std::shared_ptr<Core> core, std::optional<Part> MainConfiguration::* part) {
+  return [core, part]() -> Task<std::optional<Part>> {
+    const auto configuration = core->cache.readCDNFile(true);
+    co_return configuration ? (*configuration).*part : std::nullopt;
+  };
+}
+
+using Signals = std::map<GoogleConsentType, ConsentStatus>;
+
+template <class Core>
+auto consentModeSignals(std::shared_ptr<Core> core) {
+  return [core]() -> Task<Signals> {
+    Signals signals;
+    const auto configuration = core->cache.readCDNFile(true);
+    if (!configuration || !configuration->gcmConfig) co_return signals;
+    const auto location = co_await core->locationFor(*configuration);
+    const auto* mapping = consentModeMapping(*configuration->gcmConfig, location);
+    if (!mapping) co_return signals;
+    for (const auto& [type, granted] : consentMap(*mapping, StoredValues(*core->store.snapshot()))) {
+      signals.emplace(type, granted ? ConsentStatus::granted : ConsentStatus::declined);
+    }
+    co_return signals;
+  };
+}
+
+template <class Core>
+auto liveConsent(std::shared_ptr<Core> core, VantariKey permission) {
+  return [core, permission = std::move(permission)]() -> Task<ConsentStatus> {
+    const auto permissions = core->permissions(core->cache.readCDNFile(true));
+    co_return permissions.lists(permission) ? permissions.getConsentByPermission(permission)
+                                            : ConsentStatus::notDetermined;
+  };
+}
+
 }  // namespace
 
 void ConsentSDK::getPurposeConsents(std::function<void(std::vector<Purpose>)> callback) {
@@ -162,7 +205,9 @@ std::future<std::vector<AppPermission>> ConsentSDK::getPermissionConsents() {
   return Asynchronous<std::vector<AppPermission>>::future(core_, permissionConsents(core_));
 }
 
-void ConsentSDK::removeConsents() { core_->store.removeAllConsents(); }
+void ConsentSDK::removeConsents() {
+  core_->store.removeAllConsents();
+}
 
 void ConsentSDK::getBannerConfig(std::optional<MainConfiguration> configuration,
                                  std::function<void(std::optional<BannerConfig>)> callback) {
@@ -174,10 +219,13 @@ std::future<std::optional<BannerConfig>> ConsentSDK::getBannerConfig(std::option
   return Asynchronous<std::optional<BannerConfig>>::future(core_, bannerConfig(core_, std::move(configuration)));
 }
 
-bool ConsentSDK::isBannerDue() { return core_->isBannerDue(); }
+bool ConsentSDK::isBannerDue() {
+  return core_->isBannerDue();
+}
 
 void ConsentSDK::acceptOrReject(bool accept, std::function<void(bool)> callback) {
-  Asynchronous<bool>::callback(core_, std::move(callback), [core = core_, accept] { return core->acceptOrReject(accept); });
+  Asynchronous<bool>::callback(core_, std::move(callback),
+                               [core = core_, accept] { return core->acceptOrReject(accept); });
 }
 
 std::future<bool> ConsentSDK::acceptOrReject(bool accept) {
@@ -208,6 +256,76 @@ std::future<void> ConsentSDK::checkConsents() {
   return Asynchronous<void>::future(core_, [core = core_] { return core->consentCheck(); });
 }
 
-std::future<void> ConsentSDK::settled() { return core_->tasks->settled(); }
+void ConsentSDK::getSettingsPrompt(std::function<void(std::optional<SettingsPrompt>)> callback) {
+  Asynchronous<std::optional<SettingsPrompt>>::callback(core_, std::move(callback),
+                                                        partOfConfiguration(core_, &MainConfiguration::settingPrompt));
+}
+
+std::future<std::optional<SettingsPrompt>> ConsentSDK::getSettingsPrompt() {
+  return Asynchronous<std::optional<SettingsPrompt>>::future(
+      core_, partOfConfiguration(core_, &MainConfiguration::settingPrompt));
+}
+
+void ConsentSDK::getGCMConfig(std::function<void(std::optional<GcmConfig>)> callback) {
+  Asynchronous<std::optional<GcmConfig>>::callback(core_, std::move(callback),
+                                                   partOfConfiguration(core_, &MainConfiguration::gcmConfig));
+}
+
+std::future<std::optional<GcmConfig>> ConsentSDK::getGCMConfig() {
+  return Asynchronous<std::optional<GcmConfig>>::future(core_,
+                                                        partOfConfiguration(core_, &MainConfiguration::gcmConfig));
+}
+
+void ConsentSDK::getGCMConsents(std::function<void(Signals)> callback) {
+  Asynchronous<Signals>::callback(core_, std::move(callback), consentModeSignals(core_));
+}
+
+std::future<std::map<GoogleConsentType, ConsentStatus>> ConsentSDK::getGCMConsents() {
+  return Asynchronous<Signals>::future(core_, consentModeSignals(core_));
+}
+
+void ConsentSDK::checkConsentBy(VantariKey permissionId, std::function<void(ConsentStatus)> callback) {
+  Asynchronous<ConsentStatus>::callback(core_, std::move(callback), liveConsent(core_, std::move(permissionId)));
+}
+
+std::future<ConsentStatus> ConsentSDK::checkConsentBy(VantariKey permissionId) {
+  return Asynchronous<ConsentStatus>::future(core_, liveConsent(core_, std::move(permissionId)));
+}
+
+void ConsentSDK::presentBanner() {
+  core_->present("presentBanner()", [core = core_](ScreenPresenter& screens) {
+    if (core->isBannerDue()) screens.presentBanner();
+  });
+}
+
+void ConsentSDK::presentPreferenceCenter() {
+  core_->present("presentPreferenceCenter()", [](ScreenPresenter& screens) { screens.presentPreferenceCenter(); });
+}
+
+void ConsentSDK::presentSettingPrompt(VantariKey permissionId) {
+  core_->tasks->start([core = core_, permission = std::move(permissionId)]() -> Task<void> {
+    if (!co_await core->offersSettingsPrompt(permission)) co_return;
+    core->present("presentSettingPrompt(permissionId:)",
+                  [permission](ScreenPresenter& screens) { screens.presentSettingsPrompt(permission); });
+  });
+}
+
+void ConsentSDK::openLink(std::string link) {
+  core_->present("openLink(link:)",
+                 [link = std::move(link)](ScreenPresenter& screens) { screens.presentWebView(link); });
+}
+
+void ConsentSDK::registerFonts(std::optional<CustomFont> heading, std::optional<CustomFont> body,
+                               std::optional<CustomFont> subHeading, std::optional<CustomFont> headingLight) {
+  core_->theme.registerFonts({std::move(heading), std::move(body), std::move(subHeading), std::move(headingLight)});
+}
+
+void ConsentSDK::registerColors(CustomColors colors) {
+  core_->theme.registerColors(std::move(colors));
+}
+
+std::future<void> ConsentSDK::settled() {
+  return core_->tasks->settled();
+}
 
 }  // namespace quillon

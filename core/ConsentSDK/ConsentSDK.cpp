@@ -20,13 +20,14 @@ ConsentSDK::Core::Core(Platform services)
       sdkListener([this](Job job) { onMain(std::move(job)); }),
       cache(platform, store, logger, locale),
       networkManager(platform, store, logger, stop.get_token()),
+      consentMode(platform, store, logger),
       uploads(platform.executors->background()) {}
 
 std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
   auto core = std::make_shared<Core>(std::move(platform));
   core->tasks.emplace(core->platform.executors->background(), [weak = std::weak_ptr(core)](const char* what) {
     if (const auto alive = weak.lock()) {
-      UnitLog (alive->logger, sourceFile)(LogLevel::error, "A task failed: " + escapedForLog(what), "task");
+      UnitLog(alive->logger, sourceFile)(LogLevel::error, "A task failed: " + escapedForLog(what), "task");
     }
   });
   return core;
@@ -38,8 +39,10 @@ void ConsentSDK::Core::close() {
   std::unique_ptr<Timer> recurring;
   std::unique_ptr<Timer> followUp;
   std::unique_ptr<NetworkSubscription> monitor;
+  std::unique_ptr<PermissionSubscription> permissionObservation;
   {
     const std::scoped_lock lock(mutex_);
+    permissionObservation = std::move(permissionObservation_);
     recurring = std::move(recurringCheckTask_);
     followUp = std::move(followUp_);
     monitor = std::move(monitor_);
@@ -59,6 +62,14 @@ void ConsentSDK::Core::onMain(Job job) {
       log(LogLevel::error, "A callback of the host threw", "callback");
     }
   });
+}
+
+void ConsentSDK::Core::present(std::string_view operation, std::function<void(ScreenPresenter&)> show) {
+  if (!platform.screens) {
+    UnitLog(logger, sourceFile)(LogLevel::warning, "No user interface is linked, nothing is shown", operation);
+    return;
+  }
+  onMain([screens = platform.screens, show = std::move(show)] { show(*screens); });
 }
 
 std::optional<ConsentSDKOptions> ConsentSDK::Core::currentOptions() const {
@@ -94,25 +105,38 @@ void ConsentSDK::Core::setup(ConsentSDKOptions newOptions) {
     co_await self->getCDNFile();
     if (StoredValues(*self->store.snapshot()).consentGivenType() != givenType::noAction) self->startRecurringCheck();
     self->startNetworkMonitor();
+    self->startPermissionObservation();
   });
 }
 
 ConsentSDK::ConsentSDK(Platform platform) : core_(Core::make(std::move(platform))) {}
 
-ConsentSDK::~ConsentSDK() { core_->close(); }
+ConsentSDK::~ConsentSDK() {
+  core_->close();
+}
 
-void ConsentSDK::setup(ConsentSDKOptions options) { core_->setup(std::move(options)); }
+void ConsentSDK::setup(ConsentSDKOptions options) {
+  core_->setup(std::move(options));
+}
 
-SDKStatus ConsentSDK::getStatus() const { return core_->sdkListener.isReady(); }
+SDKStatus ConsentSDK::getStatus() const {
+  return core_->sdkListener.isReady();
+}
 
 void ConsentSDK::isReady(std::function<void(SDKStatus)> callback) {
   if (callback) core_->sdkListener.observe(std::move(callback));
 }
 
-void ConsentSDK::removeListeners() { core_->sdkListener.removeObserver(); }
+void ConsentSDK::removeListeners() {
+  core_->sdkListener.removeObserver();
+}
 
-std::optional<std::string> ConsentSDK::sdkVersion() const { return installedSDKVersion(*core_->platform.host); }
+std::optional<std::string> ConsentSDK::sdkVersion() const {
+  return installedSDKVersion(*core_->platform.host);
+}
 
-SDKLogger& ConsentSDK::logger() { return core_->logger; }
+SDKLogger& ConsentSDK::logger() {
+  return core_->logger;
+}
 
 }  // namespace quillon

@@ -10,7 +10,10 @@
 #include "core/ConsentSDK/ConfigurationCache.h"
 #include "core/ConsentSDK/LocaleUtils.h"
 #include "core/ConsentSDK/SDKListener.h"
+#include "core/ConsentSDK/Theme.h"
+#include "core/Integrations/GoogleConsentModeHelper.h"
 #include "core/Network/ConsentNetworkManager.h"
+#include "core/Network/EndPoints.h"
 #include "core/Permissions/PermissionManager.h"
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
 #include "core/Purposes/PurposeManager.h"
@@ -22,8 +25,8 @@
 
 namespace quillon {
 
-// Every task holds the core, so it lives until the last one is over; after close() none begins and nothing of the host's
-// is called any more. Thread-safe. Operations that return a Task run in the background.
+// Every task holds the core, so it lives until the last one is over; after close() none begins and nothing of the
+// host's is called any more. Thread-safe. Operations that return a Task run in the background.
 class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
  public:
   static std::shared_ptr<Core> make(Platform platform);
@@ -39,9 +42,9 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   // ConsentSDK+NetworkAPIs
   Task<std::expected<MainConfiguration, RequestFailure>> getCDN(const ConsentSDKOptions& options);
   Task<std::optional<CurrentLocationResponse>> getCurrentLocation();
-  // Sends the request and keeps the outcome: the pending flag, the pending lists, the recurring check. What `sent` holds
-  // pending is settled on success, but for what the user changed meanwhile. True when the server took it. Within a turn
-  // of `uploads`.
+  // Sends the request and keeps the outcome: the pending flag, the pending lists, the recurring check. What `sent`
+  // holds pending is settled on success, but for what the user changed meanwhile. True when the server took it. Within
+  // a turn of `uploads`.
   Task<bool> uploadConsents(std::string url, PostConsentsRequest request, std::shared_ptr<const SuiteEntries> sent);
 
   // ConsentSDK+CDNUtils
@@ -53,13 +56,17 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   Task<Loaded> getCDNFile();
 
   // ConsentSDK+InternalMethods
-  // The location that decides which banner and which consent-mode mapping apply: the options', the remembered one of the
-  // last hour, else the server's answer. Nothing when it is unknown or when the configuration makes no difference by it.
+  // The location that decides which banner and which consent-mode mapping apply: the options', the remembered one of
+  // the last hour, else the server's answer. Nothing when it is unknown or when the configuration makes no difference
+  // by it.
   Task<std::optional<std::string>> locationFor(const MainConfiguration& configuration);
+  // The location as far as it is known without asking anybody.
+  std::optional<std::string> knownLocation() const;
   // The banner for the user's location, complete with the interface's texts; remembers its interval.
   Task<std::optional<BannerConfig>> bannerFor(ConfigurationPointer configuration);
   void startRecurringCheck();
   void startNetworkMonitor();
+  void startPermissionObservation();
   Task<void> consentCheck();
   // Gives every purpose without a decision the default of the compliance type.
   void recordDefaults(ConfigurationPointer configuration);
@@ -67,6 +74,10 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   Task<bool> acceptOrReject(bool accept);
   // Uploads what is pending. True when nothing is pending afterwards.
   Task<bool> uploadPendingConsents();
+  // Hands the signals that follow from the present consents to the host's analytics library.
+  void refreshConsentMode();
+  // Whether the settings prompt may be shown for a permission.
+  Task<bool> offersSettingsPrompt(VantariKey permission);
   // Uploads what is pending about a second from now, together with what else is decided until then.
   void scheduleUpload();
 
@@ -81,6 +92,9 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   // Runs a job of the host's on the main queue, contained, unless the SDK is gone by then.
   void onMain(Job job);
 
+  // Shows a screen, on the main queue; without a user interface only a warning is logged.
+  void present(std::string_view operation, std::function<void(ScreenPresenter&)> show);
+
   Platform platform;
   UserDefaultManager store;
   SDKLogger logger;
@@ -89,10 +103,14 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   ConfigurationCache cache;
   std::stop_source stop;
   ConsentNetworkManager networkManager;
+  GoogleConsentModeHelper consentMode;
+  Theme theme;
   std::optional<TaskGroup> tasks;  // set by make()
-  TaskQueue uploads;  // Overtaking one another they would leave an earlier decision on the server.
+  TaskQueue uploads;               // Overtaking one another they would leave an earlier decision on the server.
 
  private:
+  Task<std::expected<MainConfiguration, RequestFailure>> requestConfiguration(const ConsentSDKOptions& options,
+                                                                              EndPoint endPoint);
   Task<bool> apply(ConfigurationPointer configuration);
   Task<ConfigurationPointer> download(ConfigurationPointer probe);
   PostConsentsRequest uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
@@ -103,6 +121,7 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   std::unique_ptr<Timer> recurringCheckTask_;
   std::unique_ptr<NetworkSubscription> monitor_;
   std::optional<NetworkStatus> networkStatus_;
+  std::unique_ptr<PermissionSubscription> permissionObservation_;
   std::unique_ptr<Timer> followUp_;
   bool followUpScheduled_ = false;
 };

@@ -23,11 +23,12 @@ using Answer = std::expected<HttpResponse, TransportError>;
 Task<Answer> exchangeOver(HttpSession& session, HttpRequest request, std::stop_token stop) {
   auto initiate = [&session](auto handler, HttpRequest outgoing, std::stop_token token) {
     const auto executor = boost::asio::get_associated_executor(handler);
-    session.send(std::move(outgoing), std::move(token), [executor, handler = std::move(handler)](Answer answer) mutable {
-      boost::asio::post(executor, [handler = std::move(handler), answer = std::move(answer)]() mutable {
-        std::move(handler)(std::move(answer));
-      });
-    });
+    session.send(std::move(outgoing), std::move(token),
+                 [executor, handler = std::move(handler)](Answer answer) mutable {
+                   boost::asio::post(executor, [handler = std::move(handler), answer = std::move(answer)]() mutable {
+                     std::move(handler)(std::move(answer));
+                   });
+                 });
   };
   co_return co_await boost::asio::async_initiate<const boost::asio::use_awaitable_t<>, void(Answer)>(
       std::move(initiate), boost::asio::use_awaitable, std::move(request), std::move(stop));
@@ -59,7 +60,7 @@ RequestFailure ConsentNetworkManager::undecodable(const Exchange& exchange, std:
 }
 
 void ConsentNetworkManager::logExchange(const HttpRequest& request, const HttpResponse& response) {
-  UnitLog (logger_, sourceFile)(LogLevel::error, exchangeText(request, response), functionName);
+  UnitLog(logger_, sourceFile)(LogLevel::error, exchangeText(request, response), functionName);
 }
 
 }  // namespace quillon

@@ -33,8 +33,8 @@ class ConsentNetworkManager {
   ConsentNetworkManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, std::stop_token stop)
       : platform_(platform), store_(store), logger_(logger), stop_(std::move(stop)) {}
 
-  // A success updates the stored entity tag before the body is decoded. Failures but 304, 404 and those of the transport
-  // are logged in full, with the access token masked.
+  // A success updates the stored entity tag before the body is decoded. Failures but 304, 404 and those of the
+  // transport are logged in full, with the access token masked.
   template <class Reply>
   Task<std::expected<Reply, RequestFailure>> processRequest(HttpRequest request) {
     auto exchange = co_await send(std::move(request));

@@ -36,7 +36,9 @@ std::string_view rawValue(HeaderParam header) noexcept {
   return {};
 }
 
-std::string_view rawValue(QueryParam) noexcept { return "limit"; }
+std::string_view rawValue(QueryParam) noexcept {
+  return "limit";
+}
 
 GetCDNEndPoint::GetCDNEndPoint(const ConsentSDKOptions& options, std::string_view languageCode, bool useDefaultFile) {
   pathURL = "consent/mobile_banner/" + options.tenantId + "/" + options.appId + "/";
@@ -48,7 +50,9 @@ GetCDNEndPoint::GetCDNEndPoint(const ConsentSDKOptions& options, std::string_vie
   }
 }
 
-GetCurrentLocationEndPoint::GetCurrentLocationEndPoint() { pathURL = "core/v1/utils/geo/location"; }
+GetCurrentLocationEndPoint::GetCurrentLocationEndPoint() {
+  pathURL = "core/v1/utils/geo/location";
+}
 
 PostConsentsEndPoint::PostConsentsEndPoint(std::string accessToken, const PostConsentsRequest& request) {
   httpMethod = HttpMethod::post;

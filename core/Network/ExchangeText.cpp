@@ -47,7 +47,9 @@ std::string withoutToken(std::string_view body) {
 bool isUtf8(std::string_view bytes) {
   for (std::size_t i = 0; i < bytes.size();) {
     const auto lead = static_cast<unsigned char>(bytes[i]);
-    const std::size_t length = lead < 0x80 ? 1 : lead >= 0xc2 && lead < 0xe0 ? 2 : lead >= 0xe0 && lead < 0xf0 ? 3
+    const std::size_t length = lead < 0x80                   ? 1
+                               : lead >= 0xc2 && lead < 0xe0 ? 2
+                               : lead >= 0xe0 && lead < 0xf0 ? 3
                                : lead >= 0xf0 && lead < 0xf5 ? 4
                                                              : 0;
     if (length == 0 || i + length > bytes.size()) return false;
@@ -82,7 +84,8 @@ std::string exchangeText(const HttpRequest& request, const HttpResponse& respons
   text += "  URL: " + escapedForLog(response.url) + "\n";
   text += "  Status Code: " + std::to_string(response.status.value_or(-999)) + "\n";
   text += "  Headers: " + printed(response.headers) + "\n}\n";
-  text += isUtf8(response.body) ? "Data: { " + escapedForLog(withoutToken(response.body)) + " }" : "Data: { Non-UTF8 data }";
+  text += isUtf8(response.body) ? "Data: { " + escapedForLog(withoutToken(response.body)) + " }"
+                                : "Data: { Non-UTF8 data }";
   return text;
 }
 

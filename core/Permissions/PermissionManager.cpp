@@ -11,6 +11,22 @@ namespace {
 
 constexpr std::string_view sourceFile = "Permissions/PermissionManager";
 
+// The answer to permissions that are not the business of the device's permission settings.
+std::optional<ConsentStatus> answerAtOnce(const Platform& platform, const VantariKey& key) {
+  switch (key.kind()) {
+    case VantariKey::custom:
+      return ConsentStatus::notDetermined;
+    case VantariKey::userTrackingUsageDescription:
+      return consentFromPlatformValue(key.kind(), static_cast<int>(platform.tracking->authorization()));
+    case VantariKey::localNetworkUsageDescription:
+    case VantariKey::fileProviderDomainUsageDescription:
+    case VantariKey::systemExtensionUsageDescription:
+      return consentFromInformation(platform.host->information(key.rawValue()));
+    default:
+      return std::nullopt;
+  }
+}
+
 std::string listText(const std::vector<std::string>& keys) {
   std::string text = "[";
   for (const auto& entry : keys) {
@@ -28,28 +44,24 @@ const std::vector<AppPermission>& PermissionManager::permissions() const {
 }
 
 bool PermissionManager::lists(const VantariKey& permission) const {
-  return std::ranges::any_of(permissions(), [&](const AppPermission& listed) { return listed.permissionId == permission; });
+  return std::ranges::any_of(permissions(),
+                             [&](const AppPermission& listed) { return listed.permissionId == permission; });
 }
 
 ConsentStatus PermissionManager::getConsentByPermission(const VantariKey& vantiriKey) const {
-  switch (vantiriKey.kind()) {
-    case VantariKey::custom:
-      return ConsentStatus::notDetermined;
-    case VantariKey::userTrackingUsageDescription:
-      return consentFromPlatformValue(vantiriKey.kind(), static_cast<int>(platform_.tracking->authorization()));
-    case VantariKey::localNetworkUsageDescription:
-    case VantariKey::fileProviderDomainUsageDescription:
-    case VantariKey::systemExtensionUsageDescription:
-      return consentFromInformation(platform_.host->information(vantiriKey.rawValue()));
-    default:
-      break;
-  }
+  if (const auto answer = answerAtOnce(platform_, vantiriKey)) return *answer;
   const auto value = platform_.permissions->platformValue(vantiriKey);
   if (value) return consentFromPlatformValue(vantiriKey.kind(), *value);
-  UnitLog (logger_, sourceFile)(
+  UnitLog(logger_, sourceFile)(
       LogLevel::error, "Something went wrong while fetching the permission status: " + escapedForLog(value.error()),
       "getConsentByPermission(vantiriKey:)");
   return ConsentStatus::notDetermined;
+}
+
+std::optional<ConsentStatus> PermissionManager::knownConsent(const VantariKey& permission) const {
+  if (const auto answer = answerAtOnce(platform_, permission)) return answer;
+  const auto value = platform_.permissions->knownValue(permission);
+  return value ? std::optional(consentFromPlatformValue(permission.kind(), *value)) : std::nullopt;
 }
 
 std::vector<std::pair<VantariKey, ConsentStatus>> PermissionManager::liveStatuses() const {

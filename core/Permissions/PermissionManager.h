@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -21,8 +22,12 @@ class PermissionManager {
                     std::shared_ptr<const MainConfiguration> configuration)
       : platform_(platform), store_(store), logger_(logger), configuration_(std::move(configuration)) {}
 
-  // What the device says now; a source that fails is logged and counts as not determined.
+  // What the device says now; a source that fails is logged and counts as not determined. May wait for a source, so
+  // never on the main queue.
   ConsentStatus getConsentByPermission(const VantariKey& vantiriKey) const;
+
+  // What the device is known to say, without waiting; nothing when it is not known yet.
+  std::optional<ConsentStatus> knownConsent(const VantariKey& permission) const;
 
   // Stores what changed on the device since the last check and marks it for upload. True when anything did.
   bool checkPermissions();
@@ -30,7 +35,8 @@ class PermissionManager {
   // Every configured permission with a key, in display order, with what the device says now.
   std::vector<std::pair<VantariKey, ConsentStatus>> liveStatuses() const;
 
-  // The permissions in display order, each with what the device says now and whether the settings prompt may be offered.
+  // The permissions in display order, each with what the device says now and whether the settings prompt may be
+  // offered.
   std::vector<AppPermission> permissionsWithConsents() const;
 
   // The pending states as the upload carries them, read from one content of the store.

@@ -28,12 +28,18 @@ constexpr std::array rows{
     Row{PermissionStatus::ephemeral, "Ephemeral", ConsentStatus::granted},
 };
 
-const Row& row(PermissionStatus status) noexcept { return rows[static_cast<std::size_t>(status)]; }
+const Row& row(PermissionStatus status) noexcept {
+  return rows[static_cast<std::size_t>(status)];
+}
 
 }  // namespace
 
-std::string_view rawValue(PermissionStatus status) noexcept { return row(status).text; }
+std::string_view rawValue(PermissionStatus status) noexcept {
+  return row(status).text;
+}
 
-ConsentStatus consentStatus(PermissionStatus status) noexcept { return row(status).consent; }
+ConsentStatus consentStatus(PermissionStatus status) noexcept {
+  return row(status).consent;
+}
 
 }  // namespace quillon

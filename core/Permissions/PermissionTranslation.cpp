@@ -40,7 +40,9 @@ constexpr std::array biometrics{PermissionStatus::notAvailable, PermissionStatus
 
 }  // namespace
 
-ConsentStatus consentFromPlatformValue(VantariKey::Case key, int value) noexcept {
+ConsentStatus consentFromPlatformValue(VantariKey::Case key, std::optional<int> answer) noexcept {
+  if (!answer) return consentStatus(PermissionStatus::notAvailable);
+  const int value = *answer;
   switch (key) {
     case Key::locationWhenInUseUsageDescription:
     case Key::locationAlwaysUsageDescription:

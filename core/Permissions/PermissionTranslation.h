@@ -9,8 +9,8 @@
 
 namespace quillon {
 
-// The meaning of a platform value of the source behind @p key.
-[[nodiscard]] ConsentStatus consentFromPlatformValue(VantariKey::Case key, int value) noexcept;
+// The meaning of a platform value of the source behind a key; nothing when the device has no such source.
+[[nodiscard]] ConsentStatus consentFromPlatformValue(VantariKey::Case key, std::optional<int> value) noexcept;
 
 // The meaning of an entry of the application's information dictionary, absent or present.
 [[nodiscard]] ConsentStatus consentFromInformation(const std::optional<std::string>& entry) noexcept;

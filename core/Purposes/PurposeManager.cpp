@@ -100,7 +100,7 @@ std::vector<Purpose> PurposeManager::purposesWithConsents() const {
 }
 
 std::vector<std::pair<std::int64_t, ConsentStatus>> PurposeManager::answer(bool accept,
-                                                                          const StoredValues& stored) const {
+                                                                           const StoredValues& stored) const {
   const bool tracking = trackingAuthorized();
   std::vector<std::pair<std::int64_t, ConsentStatus>> decisions;
   for (const Purpose& purpose : purposes()) {

@@ -3,8 +3,8 @@
 
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/awaitable.hpp>
-#include <boost/asio/execution_context.hpp>
 #include <boost/asio/execution.hpp>
+#include <boost/asio/execution_context.hpp>
 #include <memory>
 
 #include "platform/Executors.h"

@@ -1,5 +1,5 @@
-// A plain C++ application that asks for consent: it sets the SDK up, waits until it is ready, shows a banner when one is
-// due (here: a line of text) and records the answer. Exit status 0 when what it expected happened.
+// A plain C++ application that asks for consent: it sets the SDK up, waits until it is ready, shows a banner when one
+// is due (here: a line of text) and records the answer. Exit status 0 when what it expected happened.
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -90,8 +90,9 @@ int main(int argc, char** argv) {
   if (due) {
     const auto banner = sdk.getBannerConfig().get();
     if (!banner) return fail("there is no banner to show");
-    std::cout << "  | " << inLanguage(banner->bannerHeading, language) << "\n  | [" << inLanguage(banner->accept, language)
-              << "] [" << inLanguage(banner->reject, language) << "]" << std::endl;
+    std::cout << "  | " << inLanguage(banner->bannerHeading, language) << "\n  | ["
+              << inLanguage(banner->accept, language) << "] [" << inLanguage(banner->reject, language) << "]"
+              << std::endl;
     if (!sdk.acceptOrReject(true).get()) return fail("the answer could not be stored");
     std::cout << "accepted" << std::endl;
     if (!sdk.uploadPendingConsents().get()) return fail("the answer could not be uploaded");

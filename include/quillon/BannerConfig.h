@@ -49,7 +49,8 @@ struct Color {
 };
 
 /// The colour that a configured text means: "#" characters are dropped, the leading hexadecimal digits are read as one
-/// number and its low 24 bits are red, green and blue. There is no short form and no alpha; an unreadable text is black.
+/// number and its low 24 bits are red, green and blue. There is no short form and no alpha; an unreadable text is
+/// black.
 [[nodiscard]] Color colorFromText(std::string_view text) noexcept;
 
 /// Custom colours ("palette"), each a colour text; the last four are optional.
@@ -62,10 +63,10 @@ struct CustomColors {
   std::string bannerLinks;
   std::string preferenceCenterFooterBackground;
   std::string preferenceCenterFooterSelector;
-  std::optional<std::string> togglePrimarycolor;                ///< "toggle_primary"
-  std::optional<std::string> toggleSecondarycolor;              ///< "toggle_secondary"
-  std::optional<std::string> purposeDisclaimerTextColor;        ///< "purpose_disclaimer_text"
-  std::optional<std::string> purposeDisclaimerBackgroundColor;  ///< "purpose_disclaimer_background"
+  std::optional<std::string> togglePrimarycolor = std::nullopt;                ///< "toggle_primary"
+  std::optional<std::string> toggleSecondarycolor = std::nullopt;              ///< "toggle_secondary"
+  std::optional<std::string> purposeDisclaimerTextColor = std::nullopt;        ///< "purpose_disclaimer_text"
+  std::optional<std::string> purposeDisclaimerBackgroundColor = std::nullopt;  ///< "purpose_disclaimer_background"
 };
 
 /// A font of the screens: family name, size in points and weight (100 thin to 900 black, 400 regular).
@@ -79,40 +80,41 @@ struct CustomFont {
 
 /// The banner of one category.
 struct BannerConfig {
-  std::optional<bool> hideCloseButton;
-  std::optional<bool> hideAcceptButton;  ///< "hide_accept_toggle"
-  std::optional<bool> embedDSRPortalLink;
-  std::optional<bool> recordConsentUponAppStart;
-  std::optional<bool> hideToggleForEssentialCategories;
-  std::optional<std::string> name;
-  std::optional<std::string> dsrPortalLink;
-  std::optional<ComplianceType> complianceType;
+  std::optional<bool> hideCloseButton = std::nullopt;
+  std::optional<bool> hideAcceptButton = std::nullopt;  ///< "hide_accept_toggle"
+  std::optional<bool> embedDSRPortalLink = std::nullopt;
+  std::optional<bool> recordConsentUponAppStart = std::nullopt;
+  std::optional<bool> hideToggleForEssentialCategories = std::nullopt;
+  std::optional<std::string> name = std::nullopt;
+  std::optional<std::string> dsrPortalLink = std::nullopt;
+  std::optional<ComplianceType> complianceType = std::nullopt;
   /// How long an answered banner stays answered: a count, one blank and "month" or "year", such as "12 month".
-  std::optional<std::string> bannerReappearanceTime;
-  std::optional<std::string> privacyNoticeLink;
-  std::optional<LocalizedText> accept;
-  std::optional<LocalizedText> reject;
-  std::optional<LocalizedText> bannerText;
-  std::optional<LocalizedText> bannerHeading;
-  std::optional<LocalizedText> sdkTabHeading;
-  std::optional<LocalizedText> privacyNoticeText;
-  std::optional<LocalizedText> preferenceCenterLink;
-  std::optional<LocalizedText> permissionsTabHeading;
-  std::optional<LocalizedText> permissionsTabGuidance;
-  std::optional<LocalizedText> preferenceCenterHeading;
-  std::optional<LocalizedText> preferenceCenterGuidance;
-  std::optional<LocalizedText> permissionsTabDescription;
-  std::optional<LocalizedText> preferenceCenterDescription;
-  std::optional<bool> showPoweredByQuillonLogo;
-  std::optional<bool> showDescriptionTextWithPrefCenterToggle;  ///< "show_description_text_with_preference_center_toggle"
-  std::optional<std::int64_t> paletteTheme;
-  std::optional<BannerPosition> bannerPosition;
-  std::optional<ButtonShape> buttonShape;
-  std::optional<std::string> companyLogo;          ///< base64 text of an image
-  std::optional<CustomColors> customPaletteTheme;  ///< "palette"
-  std::optional<bool> shouldShowSettingsPrompt;
+  std::optional<std::string> bannerReappearanceTime = std::nullopt;
+  std::optional<std::string> privacyNoticeLink = std::nullopt;
+  std::optional<LocalizedText> accept = std::nullopt;
+  std::optional<LocalizedText> reject = std::nullopt;
+  std::optional<LocalizedText> bannerText = std::nullopt;
+  std::optional<LocalizedText> bannerHeading = std::nullopt;
+  std::optional<LocalizedText> sdkTabHeading = std::nullopt;
+  std::optional<LocalizedText> privacyNoticeText = std::nullopt;
+  std::optional<LocalizedText> preferenceCenterLink = std::nullopt;
+  std::optional<LocalizedText> permissionsTabHeading = std::nullopt;
+  std::optional<LocalizedText> permissionsTabGuidance = std::nullopt;
+  std::optional<LocalizedText> preferenceCenterHeading = std::nullopt;
+  std::optional<LocalizedText> preferenceCenterGuidance = std::nullopt;
+  std::optional<LocalizedText> permissionsTabDescription = std::nullopt;
+  std::optional<LocalizedText> preferenceCenterDescription = std::nullopt;
+  std::optional<bool> showPoweredByQuillonLogo = std::nullopt;
+  std::optional<bool> showDescriptionTextWithPrefCenterToggle =
+      std::nullopt;  ///< "show_description_text_with_preference_center_toggle"
+  std::optional<std::int64_t> paletteTheme = std::nullopt;
+  std::optional<BannerPosition> bannerPosition = std::nullopt;
+  std::optional<ButtonShape> buttonShape = std::nullopt;
+  std::optional<std::string> companyLogo = std::nullopt;          ///< base64 text of an image
+  std::optional<CustomColors> customPaletteTheme = std::nullopt;  ///< "palette"
+  std::optional<bool> shouldShowSettingsPrompt = std::nullopt;
   /// Not part of the document: texts of the interface, filled when the banner is prepared.
-  std::optional<Translations> translations;
+  std::optional<Translations> translations = std::nullopt;
 };
 
 /// All banners of a configuration and the maps by which one is chosen for the user's location.

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <future>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +13,7 @@
 
 #include "quillon/ConsentSDKOptions.h"
 #include "quillon/ConsentStatus.h"
+#include "quillon/GoogleConsentType.h"
 #include "quillon/MainConfiguration.h"
 #include "quillon/PostConsentsRequest.h"
 #include "quillon/SDKStatus.h"
@@ -36,8 +38,8 @@ struct Platform;
 ///
 /// @code
 /// auto& sdk = quillon::ConsentSDK::shared();
-/// sdk.setup({.appUrl = "https://app.example.com/", .cdnUrl = "https://cdn.example.com/", .tenantId = "t", .appId = "a"});
-/// sdk.isReady([&](quillon::SDKStatus status) {
+/// sdk.setup({.appUrl = "https://app.example.com/", .cdnUrl = "https://cdn.example.com/", .tenantId = "t", .appId =
+/// "a"}); sdk.isReady([&](quillon::SDKStatus status) {
 ///   if (status == quillon::SDKStatus::ready && sdk.isBannerDue()) showBanner();
 /// });
 /// @endcode
@@ -83,8 +85,8 @@ class ConsentSDK {
   /// The decision on a purpose, else the default of the compliance type. Cheap enough for every frame.
   [[nodiscard]] ConsentStatus get(std::int64_t purposeId) const;
 
-  /// The state of a permission: of a permission that the configuration lists, what the device says now; of another
-  /// one, what was stored last.
+  /// The state of a permission: of a permission that the configuration lists, what the device is known to say; of
+  /// another one, or when the device has not answered yet, what was stored last. Never waits for the device.
   [[nodiscard]] ConsentStatus get(const VantariKey& vantariKey) const;
 
   /// Records the user's choice for a purpose and uploads it about a second later, together with others made meanwhile.
@@ -101,6 +103,14 @@ class ConsentSDK {
   /// The configured permissions in display order, each with what the device says now.
   void getPermissionConsents(std::function<void(std::vector<AppPermission>)> callback);
   [[nodiscard]] std::future<std::vector<AppPermission>> getPermissionConsents();
+
+  /// What the device says about a permission now; "not determined" for one that the configuration does not list.
+  void checkConsentBy(VantariKey permissionId, std::function<void(ConsentStatus)> callback);
+  [[nodiscard]] std::future<ConsentStatus> checkConsentBy(VantariKey permissionId);
+
+  /// The consent-mode signals that follow from the present consents; empty when the configuration maps none.
+  void getGCMConsents(std::function<void(std::map<GoogleConsentType, ConsentStatus>)> callback);
+  [[nodiscard]] std::future<std::map<GoogleConsentType, ConsentStatus>> getGCMConsents();
 
   /// Deletes every stored value: decisions, identity, token. The cached configuration stays.
   void removeConsents();
@@ -123,6 +133,38 @@ class ConsentSDK {
   /// failed upload stays pending and is retried.
   void acceptOrReject(bool accept, std::function<void(bool stored)> callback);
   std::future<bool> acceptOrReject(bool accept);
+  /// @}
+
+  /// @name Configuration
+  /// @{
+
+  /// The settings-prompt texts of the cached configuration; nothing when there are none.
+  void getSettingsPrompt(std::function<void(std::optional<SettingsPrompt>)> callback);
+  [[nodiscard]] std::future<std::optional<SettingsPrompt>> getSettingsPrompt();
+
+  /// The consent-mode mapping of the cached configuration; nothing when there is none.
+  void getGCMConfig(std::function<void(std::optional<GcmConfig>)> callback);
+  [[nodiscard]] std::future<std::optional<GcmConfig>> getGCMConfig();
+  /// @}
+
+  /// @name Screens
+  /// Each is shown on the main queue, over the application's top-most window. Without a linked user interface a warning
+  /// is logged and nothing else happens: in particular a banner that is due stays due.
+  /// @{
+
+  /// Shows the banner when it is due.
+  void presentBanner();
+  void presentPreferenceCenter();
+  /// Shows the prompt that leads to the system settings, when the configuration offers it for that permission and the
+  /// user has not closed it before.
+  void presentSettingPrompt(VantariKey permissionId);
+  /// Opens a link in the in-app web view, which shows pages of allowed hosts only.
+  void openLink(std::string link);
+  /// Fonts of the screens by role; an absent one leaves its role as it is. Sizes follow the device's text scale.
+  void registerFonts(std::optional<CustomFont> heading, std::optional<CustomFont> body,
+                     std::optional<CustomFont> subHeading, std::optional<CustomFont> headingLight);
+  /// Colours of the screens by role; absent ones leave theirs as they are.
+  void registerColors(CustomColors colors);
   /// @}
 
   /// @name Upload and check

@@ -22,8 +22,12 @@ struct CustomError {
 template <class Value>
 class ConsentSDKResult {
  public:
-  static ConsentSDKResult success(Value value) { return ConsentSDKResult(State(std::in_place_index<0>, std::move(value))); }
-  static ConsentSDKResult failure(CustomError error) { return ConsentSDKResult(State(std::in_place_index<1>, std::move(error))); }
+  static ConsentSDKResult success(Value value) {
+    return ConsentSDKResult(State(std::in_place_index<0>, std::move(value)));
+  }
+  static ConsentSDKResult failure(CustomError error) {
+    return ConsentSDKResult(State(std::in_place_index<1>, std::move(error)));
+  }
   static ConsentSDKResult none() { return ConsentSDKResult(State(std::in_place_index<2>)); }
   static ConsentSDKResult loading() { return ConsentSDKResult(State(std::in_place_index<3>)); }
 

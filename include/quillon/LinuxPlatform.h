@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,9 @@ struct LinuxOptions {
   std::function<void(std::function<void()> job)> postToMainQueue = {};
   /// Base address of the vendor's application server, for development; ends in "/".
   std::optional<std::string> vendorUrl = std::nullopt;
+  /// Hands the consent-mode signals to the application's analytics library, by name ("ad_storage"), each "granted" or
+  /// "denied". Called from a thread of the SDK's, after every change. Default: none.
+  std::function<void(const std::map<std::string, std::string>& signals)> consentSink = {};
 };
 
 /// Sets the options of ConsentSDK::shared(). Call it before the first use of shared(); later calls change nothing and

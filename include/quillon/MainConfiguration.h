@@ -21,107 +21,108 @@ namespace quillon {
 
 /// A third-party component of the application that a purpose covers.
 struct SDK {
-  std::optional<std::int64_t> sdkId;
-  std::optional<std::string> namespaceId;
-  std::optional<LocalizedText> sdkName;
-  std::optional<LocalizedText> sdkDescription;
-  std::optional<std::string> vendor;
-  std::optional<std::string> logoBase64;
-  std::optional<std::string> website;
-  std::optional<std::vector<std::string>> matchedBy;
-  std::optional<bool> collectingData;
-  std::optional<std::string> releaseDate;
-  std::optional<std::string> license;
+  std::optional<std::int64_t> sdkId = std::nullopt;
+  std::optional<std::string> namespaceId = std::nullopt;
+  std::optional<LocalizedText> sdkName = std::nullopt;
+  std::optional<LocalizedText> sdkDescription = std::nullopt;
+  std::optional<std::string> vendor = std::nullopt;
+  std::optional<std::string> logoBase64 = std::nullopt;
+  std::optional<std::string> website = std::nullopt;
+  std::optional<std::vector<std::string>> matchedBy = std::nullopt;
+  std::optional<bool> collectingData = std::nullopt;
+  std::optional<std::string> releaseDate = std::nullopt;
+  std::optional<std::string> license = std::nullopt;
 };
 
 /// A consent category: what the user agrees to or declines.
 struct Purpose {
-  std::optional<std::int64_t> purposeId;
-  std::optional<LocalizedText> purposeName;
-  std::optional<LocalizedText> purposeDescription;
-  std::optional<std::vector<SDK>> sdks;
-  std::optional<ConsentStatus> consentStatus;
+  std::optional<std::int64_t> purposeId = std::nullopt;
+  std::optional<LocalizedText> purposeName = std::nullopt;
+  std::optional<LocalizedText> purposeDescription = std::nullopt;
+  std::optional<std::vector<SDK>> sdks = std::nullopt;
+  std::optional<ConsentStatus> consentStatus = std::nullopt;
   /// True for an essential purpose, which the user may not opt out of.
-  std::optional<bool> disableOptOut;
-  std::optional<LocalizedText> optOutText;
-  std::optional<bool> hideDetails;
+  std::optional<bool> disableOptOut = std::nullopt;
+  std::optional<LocalizedText> optOutText = std::nullopt;
+  std::optional<bool> hideDetails = std::nullopt;
   /// Not part of the document: true for a purpose that the device's tracking authorization governs.
   std::optional<bool> isATTMapped = false;
   /// Not part of the document: the explanation shown for such a purpose.
-  std::optional<LocalizedText> attDescription;
+  std::optional<LocalizedText> attDescription = std::nullopt;
 };
 
 /// A device permission that the application declares.
 struct AppPermission {
-  std::optional<std::int64_t> id;
-  std::optional<std::string> name;
-  std::optional<VantariKey> permissionId;
-  std::optional<LocalizedText> description;
-  std::optional<std::string> group;
-  std::optional<std::int64_t> groupId;
-  std::optional<ConsentStatus> consentStatus;
-  std::optional<LocalizedText> nameMap;  ///< "nameI18N"
+  std::optional<std::int64_t> id = std::nullopt;
+  std::optional<std::string> name = std::nullopt;
+  std::optional<VantariKey> permissionId = std::nullopt;
+  std::optional<LocalizedText> description = std::nullopt;
+  std::optional<std::string> group = std::nullopt;
+  std::optional<std::int64_t> groupId = std::nullopt;
+  std::optional<ConsentStatus> consentStatus = std::nullopt;
+  std::optional<LocalizedText> nameMap = std::nullopt;  ///< "nameI18N"
   /// Not part of the document: whether the settings prompt may be offered for this permission.
-  std::optional<bool> isSettingsPromptEnabled;
+  std::optional<bool> isSettingsPromptEnabled = std::nullopt;
 };
 
 /// Purposes bound to the device's tracking authorization ("att_or_gad_config").
 struct ATTConfig {
-  std::optional<bool> showInfoOnPrefCenter;
-  std::optional<std::vector<std::int64_t>> purposeIds;
-  std::optional<LocalizedText> infoText;
+  std::optional<bool> showInfoOnPrefCenter = std::nullopt;
+  std::optional<std::vector<std::int64_t>> purposeIds = std::nullopt;
+  std::optional<LocalizedText> infoText = std::nullopt;
 };
 
 /// Texts and switches of the prompt that leads to the system settings ("settings_prompt").
 struct SettingsPrompt {
-  std::optional<LocalizedText> promptHeading;
-  std::optional<LocalizedText> promptMessage;
-  std::optional<LocalizedText> settingsButtonText;
-  std::optional<LocalizedText> notNowButtonText;
-  std::optional<std::map<std::string, bool, std::less<>>> permissions;  ///< usage-description key to switch
+  std::optional<LocalizedText> promptHeading = std::nullopt;
+  std::optional<LocalizedText> promptMessage = std::nullopt;
+  std::optional<LocalizedText> settingsButtonText = std::nullopt;
+  std::optional<LocalizedText> notNowButtonText = std::nullopt;
+  std::optional<std::map<std::string, bool, std::less<>>> permissions =
+      std::nullopt;  ///< usage-description key to switch
 };
 
 /// Purposes that each consent-mode signal depends on.
 struct DefaultMapping {
-  std::optional<std::vector<std::int64_t>> analyticsStorage;
-  std::optional<std::vector<std::int64_t>> adStorage;
-  std::optional<std::vector<std::int64_t>> adUserData;
-  std::optional<std::vector<std::int64_t>> adPersonalization;
+  std::optional<std::vector<std::int64_t>> analyticsStorage = std::nullopt;
+  std::optional<std::vector<std::int64_t>> adStorage = std::nullopt;
+  std::optional<std::vector<std::int64_t>> adUserData = std::nullopt;
+  std::optional<std::vector<std::int64_t>> adPersonalization = std::nullopt;
 };
 
 /// The consent-mode mapping, with overrides by region ("gcm_config").
 struct GcmConfig {
-  std::optional<bool> showGcmDescription;
-  std::optional<LocalizedText> gcmDescription;
-  std::optional<DefaultMapping> defaultMapping;
-  std::optional<std::map<std::string, DefaultMapping, std::less<>>> regionOverrides;
+  std::optional<bool> showGcmDescription = std::nullopt;
+  std::optional<LocalizedText> gcmDescription = std::nullopt;
+  std::optional<DefaultMapping> defaultMapping = std::nullopt;
+  std::optional<std::map<std::string, DefaultMapping, std::less<>>> regionOverrides = std::nullopt;
 };
 
 /// The whole document.
 struct MainConfiguration {
-  std::optional<std::int64_t> generatedOn;
-  std::optional<std::string> id;
-  std::optional<std::string> name;
-  std::optional<std::string> description;
-  std::optional<std::string> tenantId;
-  std::optional<std::string> platform;
-  std::optional<std::string> status;
-  std::optional<std::int64_t> version;
-  std::optional<std::string> logoBase64;
+  std::optional<std::int64_t> generatedOn = std::nullopt;
+  std::optional<std::string> id = std::nullopt;
+  std::optional<std::string> name = std::nullopt;
+  std::optional<std::string> description = std::nullopt;
+  std::optional<std::string> tenantId = std::nullopt;
+  std::optional<std::string> platform = std::nullopt;
+  std::optional<std::string> status = std::nullopt;
+  std::optional<std::int64_t> version = std::nullopt;
+  std::optional<std::string> logoBase64 = std::nullopt;
   /// Access token for the consent upload ("x-auth-token").
-  std::optional<std::string> token;
-  std::optional<std::string> sdkVersion;
-  std::optional<std::vector<Purpose>> purposes;
-  std::optional<std::vector<AppPermission>> permissions;
-  std::optional<ConsentBannerConfig> bannerConfig;
-  std::optional<Translations> translations;  ///< "i18n"
-  std::optional<bool> isATTEnabled;          ///< "is_att_enabled"
-  std::optional<ATTConfig> attConfig;        ///< "att_or_gad_config"
-  std::optional<SettingsPrompt> settingPrompt;  ///< "settings_prompt"
-  std::optional<bool> reConsentEnabled;
-  std::optional<bool> isSettingsPromptEnabled;  ///< "is_sp_enabled"
-  std::optional<bool> isGcmEnabled;
-  std::optional<GcmConfig> gcmConfig;
+  std::optional<std::string> token = std::nullopt;
+  std::optional<std::string> sdkVersion = std::nullopt;
+  std::optional<std::vector<Purpose>> purposes = std::nullopt;
+  std::optional<std::vector<AppPermission>> permissions = std::nullopt;
+  std::optional<ConsentBannerConfig> bannerConfig = std::nullopt;
+  std::optional<Translations> translations = std::nullopt;     ///< "i18n"
+  std::optional<bool> isATTEnabled = std::nullopt;             ///< "is_att_enabled"
+  std::optional<ATTConfig> attConfig = std::nullopt;           ///< "att_or_gad_config"
+  std::optional<SettingsPrompt> settingPrompt = std::nullopt;  ///< "settings_prompt"
+  std::optional<bool> reConsentEnabled = std::nullopt;
+  std::optional<bool> isSettingsPromptEnabled = std::nullopt;  ///< "is_sp_enabled"
+  std::optional<bool> isGcmEnabled = std::nullopt;
+  std::optional<GcmConfig> gcmConfig = std::nullopt;
 };
 
 [[nodiscard]] bool operator==(const SDK& left, const SDK& right);

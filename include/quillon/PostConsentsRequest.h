@@ -36,16 +36,16 @@ struct PermissionConsent {
 
 /// One upload: the subject, the application and the decisions that are still to be sent.
 struct PostConsentsRequest {
-  std::string uuid;            ///< the subject identifier
-  std::string appUUID;         ///< "app_uuid": the application identifier
-  std::string device;          ///< description of the device
+  std::string uuid;              ///< the subject identifier
+  std::string appUUID;           ///< "app_uuid": the application identifier
+  std::string device;            ///< description of the device
   bool implicitConsent = false;  ///< true when the consents are defaults rather than the user's choice
-  std::int64_t version = 0;    ///< version of the configuration that was answered
+  std::int64_t version = 0;      ///< version of the configuration that was answered
   std::vector<PurposeConsent> purposeConsents;
   std::vector<PermissionConsent> permissions;
-  bool testingMode = false;    ///< "is_test_mode"
-  std::string adId;            ///< advertising identifier, empty unless tracking is handled
-  std::string bannerInfo;      ///< the compliance type of the banner
+  bool testingMode = false;  ///< "is_test_mode"
+  std::string adId;          ///< advertising identifier, empty unless tracking is handled
+  std::string bannerInfo;    ///< the compliance type of the banner
   /// The platform family under which the server files consents; the same for every caller.
   static constexpr std::string_view platform = "ios";
   std::optional<std::string> sdkVersion = std::nullopt;  ///< the SDK's own version; omitted when unknown

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/linux/WorkerThread.h"
-#include "platform/memory/Contained.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/linux/CurlExchange.h"
-#include "platform/memory/Contained.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/linux/WorkerThread.h"
-#include "platform/memory/TimerQueue.h"
+#include "platform/parts/TimerQueue.h"
 
 namespace quillon {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "platform/Clock.h"
 #include "platform/linux/WorkerThread.h"
-#include "platform/memory/Calendar.h"
+#include "platform/parts/Calendar.h"
 
 namespace quillon {
 

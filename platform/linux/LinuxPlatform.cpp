@@ -20,6 +20,7 @@
 #include "platform/linux/StandardConsole.h"
 #include "platform/memory/FixedAppTracking.h"
 #include "platform/memory/NoPermissionSources.h"
+#include "platform/parts/FunctionConsentSink.h"
 
 namespace quillon {
 namespace {
@@ -97,6 +98,7 @@ Platform linuxPlatform(const LinuxOptions& options) {
   platform.tracking = std::make_shared<FixedAppTracking>();
   platform.permissions = std::make_shared<NoPermissionSources>();
   platform.host = std::make_shared<LinuxHostApplication>();
+  if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);
   if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;
   return platform;
 }

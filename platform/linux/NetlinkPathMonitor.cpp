@@ -9,7 +9,7 @@
 
 #include "platform/linux/RouteTable.h"
 #include "platform/linux/WorkerThread.h"
-#include "platform/memory/NetworkReporter.h"
+#include "platform/parts/NetworkReporter.h"
 
 namespace quillon {
 namespace {

@@ -40,6 +40,8 @@ ConsentSDK& ConsentSDK::shared() {
   return instance;
 }
 
-SDKLogger& SDKLogger::shared() { return ConsentSDK::shared().logger(); }
+SDKLogger& SDKLogger::shared() {
+  return ConsentSDK::shared().logger();
+}
 
 }  // namespace quillon

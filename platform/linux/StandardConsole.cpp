@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "platform/memory/FatalError.h"
+#include "platform/parts/FatalError.h"
 
 namespace quillon {
 

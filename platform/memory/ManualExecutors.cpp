@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/memory/Contained.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 

@@ -1,6 +1,6 @@
 #include "platform/memory/MemoryConsole.h"
 
-#include "platform/memory/FatalError.h"
+#include "platform/parts/FatalError.h"
 
 namespace quillon {
 

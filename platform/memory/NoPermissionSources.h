@@ -1,17 +1,18 @@
 // A device without permission settings.
 #pragma once
 
-#include <expected>
-#include <string>
-
 #include "platform/PermissionSources.h"
 
 namespace quillon {
 
-// Thread-safe. Every key answers the error "not available".
+// Thread-safe. No key has a source, and nothing ever changes.
 class NoPermissionSources : public PermissionSources {
  public:
-  std::expected<int, std::string> platformValue(const VantariKey& key) const override;
+  std::expected<Value, std::string> platformValue(const VantariKey& /*key*/) const override { return Value(); }
+  std::expected<Value, std::string> knownValue(const VantariKey& /*key*/) const override { return Value(); }
+  std::unique_ptr<PermissionSubscription> observe(std::function<void()> /*changed*/) override {
+    return std::make_unique<PermissionSubscription>();
+  }
 };
 
 }  // namespace quillon

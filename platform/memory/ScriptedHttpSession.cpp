@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/memory/Contained.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 

@@ -3,25 +3,43 @@
 
 #include <expected>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/PermissionSources.h"
+#include "platform/parts/CallGate.h"
 
 namespace quillon {
 
-// Thread-safe. A key without a value answers the error "not available".
+// Thread-safe. A key that was not set is answered by the device's own sources, when there are any.
 class SettablePermissionSources : public PermissionSources {
  public:
-  // The platform value to answer from now on; nothing takes the source away.
-  void set(const VantariKey& key, std::optional<int> value);
+  explicit SettablePermissionSources(std::shared_ptr<PermissionSources> device = nullptr)
+      : device_(std::move(device)) {}
 
-  std::expected<int, std::string> platformValue(const VantariKey& key) const override;
+  // What a source answers from now on; observers are told.
+  void set(const VantariKey& key, std::expected<Value, std::string> answer);
+
+  std::expected<Value, std::string> platformValue(const VantariKey& key) const override;
+  std::expected<Value, std::string> knownValue(const VantariKey& key) const override;
+  std::unique_ptr<PermissionSubscription> observe(std::function<void()> changed) override;
 
  private:
-  mutable std::mutex mutex_;
-  std::map<std::string, int, std::less<>> values_;  // by raw value of the key
+  class Subscription;
+  struct Observer {
+    std::function<void()> changed;
+    CallGate gate;
+  };
+
+  std::optional<std::expected<Value, std::string>> given(const VantariKey& key) const;
+
+  const std::shared_ptr<PermissionSources> device_;
+  mutable std::mutex mutex_;                                                       // guards the members below
+  std::map<std::string, std::expected<Value, std::string>, std::less<>> answers_;  // by raw value of the key
+  std::vector<std::weak_ptr<Observer>> observers_;
 };
 
 }  // namespace quillon

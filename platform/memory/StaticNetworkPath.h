@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/NetworkPathMonitor.h"
-#include "platform/memory/NetworkReporter.h"
+#include "platform/parts/NetworkReporter.h"
 
 namespace quillon {
 

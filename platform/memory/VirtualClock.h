@@ -5,8 +5,8 @@
 #include <mutex>
 
 #include "platform/Clock.h"
-#include "platform/memory/Calendar.h"
-#include "platform/memory/TimerQueue.h"
+#include "platform/parts/Calendar.h"
+#include "platform/parts/TimerQueue.h"
 
 namespace quillon {
 

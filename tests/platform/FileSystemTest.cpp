@@ -5,7 +5,7 @@
 
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/memory/MemoryFileSystem.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 

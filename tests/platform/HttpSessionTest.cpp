@@ -24,7 +24,7 @@
 #include "platform/linux/CurlHttpSession.h"
 #include "platform/memory/ScriptedHttpSession.h"
 #include "tests/platform/Signal.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 namespace {

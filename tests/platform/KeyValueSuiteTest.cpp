@@ -9,7 +9,7 @@
 
 #include "platform/linux/SqliteStore.h"
 #include "platform/memory/MemoryStore.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 

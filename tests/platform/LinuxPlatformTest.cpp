@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/linux/LinuxPlatform.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 namespace {

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "tests/platform/ChildProcess.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 

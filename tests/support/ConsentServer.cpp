@@ -32,7 +32,9 @@ ConsentServer::~ConsentServer() {
   thread_.join();
 }
 
-std::string ConsentServer::url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
+std::string ConsentServer::url() const {
+  return "http://127.0.0.1:" + std::to_string(port_) + "/";
+}
 
 void ConsentServer::set(Handler& place, Handler handler) {
   const std::scoped_lock lock(mutex_);
@@ -61,7 +63,9 @@ void ConsentServer::serve(std::string document, std::string tag) {
   });
 }
 
-std::vector<ConsentServer::Seen> ConsentServer::seen() const { return seen({}); }
+std::vector<ConsentServer::Seen> ConsentServer::seen() const {
+  return seen({});
+}
 
 std::vector<ConsentServer::Seen> ConsentServer::seen(std::string_view pathPart) const {
   const std::scoped_lock lock(mutex_);

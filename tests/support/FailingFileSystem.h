@@ -10,8 +10,8 @@
 
 namespace quillon::test {
 
-// Passes everything on to another file system, unless `fault` says for a change, by its name ("write", "move", "remove",
-// "createDirectories"), that it must fail. Thread-safe when the fault is.
+// Passes everything on to another file system, unless `fault` says for a change, by its name ("write", "move",
+// "remove", "createDirectories"), that it must fail. Thread-safe when the fault is.
 class FailingFileSystem : public FileSystem {
  public:
   FailingFileSystem(std::shared_ptr<FileSystem> real, std::function<bool(std::string_view)> fault)

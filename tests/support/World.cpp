@@ -70,7 +70,8 @@ ConsentSDKOptions World::options() const {
 void World::restart() {
   held_.reset();
   sdk.reset();
-  platform = linuxPlatform({.applicationId = "test", .dataDirectory = folder.path() / "data", .vendorUrl = server.url()});
+  platform =
+      linuxPlatform({.applicationId = "test", .dataDirectory = folder.path() / "data", .vendorUrl = server.url()});
   platform.console = console;
   platform.clock = clock;
   platform.network = network;

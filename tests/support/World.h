@@ -15,7 +15,7 @@
 #include "platform/memory/VirtualClock.h"
 #include "quillon/ConsentSDK.h"
 #include "tests/support/ConsentServer.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace quillon::test {
 

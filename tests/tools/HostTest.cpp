@@ -8,7 +8,7 @@
 #include <string>
 
 #include "tests/support/ConsentServer.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/World.h"
 #include "tests/tools/ToolProcess.h"
 
@@ -105,7 +105,8 @@ TEST_F(Host, KeepsADecisionWhenItIsKilledAtOnce) {
   setUp();
   ask(R"({"op":"waitReady"})");
   EXPECT_EQ(ask(R"({"op":"upload"})").at("uploaded"), true);
-  EXPECT_NE(server.seen(uploadPath).back().body.find(R"("purpose_id":1,"consent_status":"granted")"), std::string::npos);
+  EXPECT_NE(server.seen(uploadPath).back().body.find(R"("purpose_id":1,"consent_status":"granted")"),
+            std::string::npos);
 }
 
 TEST_F(Host, StopsWithTheFixedTextWhenItsStoreCannotBeOpened) {
@@ -113,7 +114,8 @@ TEST_F(Host, StopsWithTheFixedTextWhenItsStoreCannotBeOpened) {
   start();
   host->writeLine(R"({"op":"get","purposeId":1})");
   EXPECT_EQ(host->wait(), -SIGABRT);
-  EXPECT_NE(fileBytes(errors()).find("Could not create or access UserDefaults suite: quillon-cmp-sdk"), std::string::npos);
+  EXPECT_NE(fileBytes(errors()).find("Could not create or access UserDefaults suite: quillon-cmp-sdk"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -27,7 +27,12 @@ standard error. Every answer carries "ok"; a line that is unknown or malformed i
                      "permission":KEY of a permission. The upload follows a second later on the clock
   {"op":"purposes"}                "purposes": the configured ones with their present consents
   {"op":"permissions"}             "permissions": the configured ones with what the device says
+  {"op":"checkConsent","permission":KEY}   "consent": what the device says about a configured permission
   {"op":"bannerConfig"}            "bannerConfig": the banner for the location, or null
+  {"op":"settingsPrompt"}          "settingsPrompt": its texts, or null
+  {"op":"gcmConfig"}               "gcmConfig": the consent-mode mapping, or null
+  {"op":"gcmConsents"}             "gcmConsents": the signals that follow from the present consents
+  {"op":"sink"}                    "sink": what the analytics library was given so far, in order
   {"op":"upload"}                  uploads now what is pending: "uploaded", true when nothing is pending afterwards
   {"op":"check"}                   one consent check
   {"op":"advance","seconds":S}     moves the virtual clock and waits for all that this starts: "now"
@@ -67,6 +72,11 @@ void addHostCommand(CLI::App& app, int& exitCode) {
   host->add_option("--network", settings->device.network, "What the network monitor reports at first")
       ->transform(CLI::CheckedTransformer(std::map<std::string, NetworkStatus>{
           {"satisfied", NetworkStatus::satisfied}, {"unsatisfied", NetworkStatus::unsatisfied}}));
+  host->add_option("--sink", settings->device.sink, "The application's analytics library")
+      ->transform(CLI::CheckedTransformer(
+          std::map<std::string, DeviceOptions::Sink>{{"present", DeviceOptions::Sink::present},
+                                                     {"without-method", DeviceOptions::Sink::withoutMethod},
+                                                     {"absent", DeviceOptions::Sink::absent}}));
   auto* clock = host->add_option("--clock", settings->clock, "Start a virtual clock at these seconds since 1970");
 
   host->callback([settings, clock, &exitCode] {

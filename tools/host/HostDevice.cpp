@@ -8,6 +8,7 @@
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/memory/FixedAppTracking.h"
 #include "platform/memory/FixedLocale.h"
+#include "platform/parts/FunctionConsentSink.h"
 
 namespace quillon::tools {
 namespace {
@@ -56,6 +57,16 @@ std::optional<std::string> HeadlessApplication::information(std::string_view key
   return entry == information_.end() ? std::nullopt : std::optional(entry->second);
 }
 
+void SentSignals::add(const Signals& signals) {
+  const std::scoped_lock lock(mutex_);
+  signals_.push_back(signals);
+}
+
+std::vector<SentSignals::Signals> SentSignals::all() const {
+  const std::scoped_lock lock(mutex_);
+  return signals_;
+}
+
 HostDevice::HostDevice(const DeviceOptions& options) {
   LinuxOptions linux_{.applicationId = "quillon-consent-host"};
   if (!options.dataDirectory.empty()) linux_.dataDirectory = options.dataDirectory;
@@ -65,12 +76,19 @@ HostDevice::HostDevice(const DeviceOptions& options) {
   platform_.console = std::make_shared<StandardErrorConsole>(platform_.console);
   platform_.network = network_ = std::make_shared<StaticNetworkPath>(options.network);
   platform_.tracking = std::make_shared<FixedAppTracking>(options.tracking, options.advertisingIdentifier);
-  platform_.permissions = permissions_ = std::make_shared<SettablePermissionSources>();
+  platform_.permissions = permissions_ = std::make_shared<SettablePermissionSources>(platform_.permissions);
   platform_.host = application_ = std::make_shared<HeadlessApplication>(platform_.host);
   if (!options.languages.empty()) platform_.locale = std::make_shared<FixedLocale>(options.languages);
   if (options.clockSeconds) {
     const WallTime start{std::chrono::seconds(*options.clockSeconds)};
     platform_.clock = clock_ = std::make_shared<VirtualClock>(start, TimeZone::device);
+  }
+  if (options.sink != DeviceOptions::Sink::absent) {
+    FunctionConsentSink::Function function;
+    if (options.sink == DeviceOptions::Sink::present) {
+      function = [signals = signals_](const SentSignals::Signals& sent) { signals->add(sent); };
+    }
+    platform_.consentSink = std::make_shared<FunctionConsentSink>(std::move(function));
   }
   for (const std::string& entry : options.permissions) {
     const auto equals = entry.find('=');

@@ -26,7 +26,21 @@ struct DeviceOptions {
   std::optional<std::string> advertisingIdentifier;
   std::vector<std::string> permissions;  // "KEY=VALUE"
   NetworkStatus network = NetworkStatus::satisfied;
-  std::optional<std::int64_t> clockSeconds;  // starts a virtual clock there
+  std::optional<std::int64_t> clockSeconds;                                 // starts a virtual clock there
+  enum class Sink { present, withoutMethod, absent } sink = Sink::present;  // the application's analytics library
+};
+
+// Remembers what the application's analytics library was given. Thread-safe.
+class SentSignals {
+ public:
+  using Signals = std::map<std::string, std::string>;
+
+  void add(const Signals& signals);
+  std::vector<Signals> all() const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<Signals> signals_;
 };
 
 // The application around the SDK, with an information dictionary that can be changed while it runs. Thread-safe.
@@ -58,6 +72,7 @@ class HostDevice {
 
   const Platform& platform() const { return platform_; }
   StaticNetworkPath& network() { return *network_; }
+  const SentSignals& sentSignals() const { return *signals_; }
   // Null when the clock is the real one.
   VirtualClock* clock() { return clock_.get(); }
 
@@ -71,6 +86,7 @@ class HostDevice {
   std::shared_ptr<VirtualClock> clock_;
   std::shared_ptr<SettablePermissionSources> permissions_;
   std::shared_ptr<HeadlessApplication> application_;
+  std::shared_ptr<SentSignals> signals_ = std::make_shared<SentSignals>();
 };
 
 }  // namespace quillon::tools

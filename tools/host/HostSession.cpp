@@ -20,9 +20,13 @@ namespace json = boost::json;
 constexpr std::size_t maximumLineBytes = std::size_t{1} << 20;
 constexpr double defaultTimeoutSeconds = 10;
 
-json::object done() { return {{"ok", true}}; }
+json::object done() {
+  return {{"ok", true}};
+}
 
-json::object failed(std::string_view error) { return {{"ok", false}, {"error", error}}; }
+json::object failed(std::string_view error) {
+  return {{"ok", false}, {"error", error}};
+}
 
 template <class Enumeration>
 Enumeration named(const std::string& text, std::string_view name) {
@@ -45,6 +49,11 @@ std::string_view name(SDKStatus status) {
 template <class Record>
 json::value document(const Record& record) {
   return json::parse(encode(record));
+}
+
+template <class Record>
+json::value documentOrNull(const std::optional<Record>& record) {
+  return record ? document(*record) : json::value(nullptr);
 }
 
 struct ToJson {
@@ -76,7 +85,12 @@ const HostSession::Entry HostSession::entries[] = {
     {"set", &HostSession::set},
     {"purposes", &HostSession::purposes},
     {"permissions", &HostSession::permissions},
+    {"checkConsent", &HostSession::checkConsent},
     {"bannerConfig", &HostSession::bannerConfig},
+    {"settingsPrompt", &HostSession::settingsPrompt},
+    {"gcmConfig", &HostSession::gcmConfig},
+    {"gcmConsents", &HostSession::gcmConsents},
+    {"sink", &HostSession::sink},
     {"upload", &HostSession::upload},
     {"check", &HostSession::check},
     {"advance", &HostSession::advance},
@@ -131,7 +145,8 @@ json::object HostSession::setup(const Object& request) {
     options.consentsCheckInterval = *interval;
   }
   options.subjectId = optionalArgument<std::string>(request, "subjectId");
-  if (auto language = optionalArgument<std::string>(request, "languageCode")) options.languageCode = std::move(*language);
+  if (auto language = optionalArgument<std::string>(request, "languageCode"))
+    options.languageCode = std::move(*language);
   options.locationCode = optionalArgument<std::string>(request, "locationCode");
   if (const auto webView = optionalArgument<Object>(request, "webviewConfig")) {
     options.webviewConfig = WebViewConfig{
@@ -160,11 +175,17 @@ json::object HostSession::status(const Object&) {
   return reply;
 }
 
-json::object HostSession::bannerDue(const Object&) { return {{"ok", true}, {"due", sdk_.isBannerDue()}}; }
+json::object HostSession::bannerDue(const Object&) {
+  return {{"ok", true}, {"due", sdk_.isBannerDue()}};
+}
 
-json::object HostSession::accept(const Object&) { return {{"ok", true}, {"stored", sdk_.acceptOrReject(true).get()}}; }
+json::object HostSession::accept(const Object&) {
+  return {{"ok", true}, {"stored", sdk_.acceptOrReject(true).get()}};
+}
 
-json::object HostSession::reject(const Object&) { return {{"ok", true}, {"stored", sdk_.acceptOrReject(false).get()}}; }
+json::object HostSession::reject(const Object&) {
+  return {{"ok", true}, {"stored", sdk_.acceptOrReject(false).get()}};
+}
 
 json::object HostSession::get(const Object& request) {
   const auto permission = optionalArgument<std::string>(request, "permission");
@@ -208,12 +229,36 @@ json::object HostSession::permissions(const Object&) {
   return {{"ok", true}, {"permissions", std::move(list)}};
 }
 
-json::object HostSession::bannerConfig(const Object&) {
-  const auto banner = sdk_.getBannerConfig().get();
-  return {{"ok", true}, {"bannerConfig", banner ? document(*banner) : json::value(nullptr)}};
+json::object HostSession::checkConsent(const Object& request) {
+  const VantariKey permission(argument<std::string>(request, "permission"));
+  return {{"ok", true}, {"consent", rawValue(sdk_.checkConsentBy(permission).get())}};
 }
 
-json::object HostSession::upload(const Object&) { return {{"ok", true}, {"uploaded", sdk_.uploadPendingConsents().get()}}; }
+json::object HostSession::bannerConfig(const Object&) {
+  return {{"ok", true}, {"bannerConfig", documentOrNull(sdk_.getBannerConfig().get())}};
+}
+
+json::object HostSession::settingsPrompt(const Object&) {
+  return {{"ok", true}, {"settingsPrompt", documentOrNull(sdk_.getSettingsPrompt().get())}};
+}
+
+json::object HostSession::gcmConfig(const Object&) {
+  return {{"ok", true}, {"gcmConfig", documentOrNull(sdk_.getGCMConfig().get())}};
+}
+
+json::object HostSession::gcmConsents(const Object&) {
+  json::object signals;
+  for (const auto& [type, consent] : sdk_.getGCMConsents().get()) signals.emplace(rawValue(type), rawValue(consent));
+  return {{"ok", true}, {"gcmConsents", std::move(signals)}};
+}
+
+json::object HostSession::sink(const Object&) {
+  return {{"ok", true}, {"sink", json::value_from(device_.sentSignals().all())}};
+}
+
+json::object HostSession::upload(const Object&) {
+  return {{"ok", true}, {"uploaded", sdk_.uploadPendingConsents().get()}};
+}
 
 json::object HostSession::check(const Object&) {
   sdk_.checkConsents().get();
@@ -226,13 +271,15 @@ json::object HostSession::advance(const Object& request) {
   const auto seconds = argument<double>(request, "seconds");
   if (!(seconds >= 0 && seconds <= 1e10)) throw RequestError("\"seconds\" is out of range");
   sdk_.settled().wait();
-  clock->advance(std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000)), [this] { sdk_.settled().wait(); });
+  clock->advance(std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000)),
+                 [this] { sdk_.settled().wait(); });
   return {{"ok", true}, {"now", wholeSeconds(clock->now())}};
 }
 
 json::object HostSession::network(const Object& request) {
   const auto status = argument<std::string>(request, "status");
-  if (status != "satisfied" && status != "unsatisfied") throw RequestError("\"status\" is neither satisfied nor unsatisfied");
+  if (status != "satisfied" && status != "unsatisfied")
+    throw RequestError("\"status\" is neither satisfied nor unsatisfied");
   device_.network().set(status == "satisfied" ? NetworkStatus::satisfied : NetworkStatus::unsatisfied);
   return {{"ok", true}, {"status", status}};
 }
@@ -253,9 +300,8 @@ json::object HostSession::settle(const Object&) {
 
 json::object HostSession::store(const Object&) {
   const Platform& platform = device_.platform();
-  const auto suite = platform.store->open(key::suiteName, [console = platform.console](std::string damage) {
-    console->write(damage);
-  });
+  const auto suite = platform.store->open(key::suiteName,
+                                          [console = platform.console](std::string damage) { console->write(damage); });
   if (!suite) return failed("the suite cannot be opened");
   json::object values;
   const auto content = suite->snapshot();

@@ -36,7 +36,12 @@ class HostSession {
   Object set(const Object& request);
   Object purposes(const Object& request);
   Object permissions(const Object& request);
+  Object checkConsent(const Object& request);
   Object bannerConfig(const Object& request);
+  Object settingsPrompt(const Object& request);
+  Object gcmConfig(const Object& request);
+  Object gcmConsents(const Object& request);
+  Object sink(const Object& request);
   Object upload(const Object& request);
   Object check(const Object& request);
   Object advance(const Object& request);

@@ -60,7 +60,9 @@ ConsentStatus StoredValues::complianceDefault() const {
   return complianceType() == ComplianceType::optIn ? ConsentStatus::declined : ConsentStatus::granted;
 }
 
-std::string StoredValues::consentGivenType() const { return string(key::consentGivenType, givenType::noAction); }
+std::string StoredValues::consentGivenType() const {
+  return string(key::consentGivenType, givenType::noAction);
+}
 
 std::vector<std::int64_t> StoredValues::pendingPurposes() const {
   const auto* list = find<std::vector<std::int64_t>>(key::pendingPurposesList);
@@ -76,7 +78,9 @@ void StoreTransaction::set(std::string_view key, PropertyValue value) {
   changes_.insert_or_assign(std::string(key), std::move(value));
 }
 
-void StoreTransaction::remove(std::string_view key) { changes_.insert_or_assign(std::string(key), std::nullopt); }
+void StoreTransaction::remove(std::string_view key) {
+  changes_.insert_or_assign(std::string(key), std::nullopt);
+}
 
 void StoreTransaction::addPendingPurpose(std::int64_t purposeId) {
   auto list = pendingPurposes();

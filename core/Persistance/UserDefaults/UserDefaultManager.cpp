@@ -59,7 +59,9 @@ std::string UserDefaultManager::getString(std::string_view key, std::string_view
   return StoredValues(*snapshot()).string(key, fallback);
 }
 
-bool UserDefaultManager::getBoolean(std::string_view key) const { return StoredValues(*snapshot()).boolean(key); }
+bool UserDefaultManager::getBoolean(std::string_view key) const {
+  return StoredValues(*snapshot()).boolean(key);
+}
 
 std::int64_t UserDefaultManager::getInt64(std::string_view key, std::int64_t fallback) const {
   return StoredValues(*snapshot()).integer(key, fallback);

@@ -80,15 +80,15 @@ TEST_P(BadConfiguration, IsExplainedAndLosesNothing) {
 INSTANTIATE_TEST_SUITE_P(
     Answers, BadConfiguration,
     testing::Values(
-        BadAnswer{"ServerError", json("oh\nno", 500),
-                  "  Status Code: 500\n  Headers: ["},
+        BadAnswer{"ServerError", json("oh\nno", 500), "  Status Code: 500\n  Headers: ["},
         BadAnswer{"CaptivePortal", json("<html>Sign in</html>"), "Data: { <html>Sign in</html> }"},
         BadAnswer{"TruncatedBody", json(versioned(5).substr(0, 200)), "Failed to Decode MainConfiguration : "},
         BadAnswer{"MissingToken", json(R"({"x-auth-token" : "secret-token", "version": "x"})"),
                   R"(Data: { {"x-auth-token" : "***", "version": "x"} })"},
         BadAnswer{"WrongTypeDeepInside", json(R"({"purposes":[{"sdks":[{"sdk_id":"seven"}]}]})"),
                   "purposes[0].sdks[0].sdk_id: expected an integer"},
-        BadAnswer{"OverTheCap", [](const auto&, auto& response) { response.set_content(std::string(33 << 20, ' '), "text/plain"); },
+        BadAnswer{"OverTheCap",
+                  [](const auto&, auto& response) { response.set_content(std::string(33 << 20, ' '), "text/plain"); },
                   "Failed to fetch CDN File: "}),
     [](const auto& test) { return test.param.name; });
 
@@ -98,7 +98,8 @@ TEST(Configuration, NeedsAnAddressAndAServer) {
   options.cdnUrl = "not an address";
   world.start(options);
   EXPECT_EQ(world.sdk->getStatus(), SDKStatus::unavailable);
-  EXPECT_NE(world.log().find("Failed to fetch CDN File: Invalid URL error ocurred.\nnot an address"), std::string::npos);
+  EXPECT_NE(world.log().find("Failed to fetch CDN File: Invalid URL error ocurred.\nnot an address"),
+            std::string::npos);
   options.cdnUrl = "http://127.0.0.1:1/";
   world.start(options);
   EXPECT_EQ(world.sdk->getStatus(), SDKStatus::unavailable);
@@ -187,8 +188,8 @@ TEST(Cache, FailedSaveKeepsTheEarlierFile) {
   World world;
   std::atomic<bool> full = false;
   world.amend = [&](Platform& platform) {
-    platform.files = std::make_shared<FailingFileSystem>(platform.files,
-                                                         [&](std::string_view change) { return full && change == "write"; });
+    platform.files = std::make_shared<FailingFileSystem>(
+        platform.files, [&](std::string_view change) { return full && change == "write"; });
   };
   world.start();
   const std::string earlier = fileBytes(world.file());
@@ -212,7 +213,8 @@ TEST(Cache, EndOfTheProcessAtAnyPointOfASaveLeavesAConfiguration) {
     world.server.serve(versioned(6), "\"v6\"");
     std::atomic<int> left = survived;
     world.amend = [&](Platform& platform) {
-      platform.files = std::make_shared<FailingFileSystem>(platform.files, [&](std::string_view) { return left-- <= 0; });
+      platform.files =
+          std::make_shared<FailingFileSystem>(platform.files, [&](std::string_view) { return left-- <= 0; });
     };
     world.advance(2h);
     world.restart();
@@ -237,12 +239,13 @@ TEST(Banner, IsSelectedByLocation) {
     banner.name = std::move(name);
     return banner;
   };
-  configuration.bannerConfig = ConsentBannerConfig{
-      {{"eu", named("eu")}, {"us", named("us")}, {"ca", named("ca")}},
-      {{"California", "ca"}, {"Nowhere", "gone"}},
-      {{"US#CA", "California"}, {"US", "us"}, {"DE", "eu"}, {"FR", "Nowhere"}, {"default", "us"}}};
+  configuration.bannerConfig =
+      ConsentBannerConfig{{{"eu", named("eu")}, {"us", named("us")}, {"ca", named("ca")}},
+                          {{"California", "ca"}, {"Nowhere", "gone"}},
+                          {{"US#CA", "California"}, {"US", "us"}, {"DE", "eu"}, {"FR", "Nowhere"}, {"default", "us"}}};
   const std::vector<std::pair<std::optional<std::string>, std::string>> cases{
-      {"US#CA", "ca"}, {"US#NY", "us"}, {"DE", "eu"}, {"DE#BE", "eu"}, {"FR", "us"}, {"JP", "us"}, {std::nullopt, "us"}};
+      {"US#CA", "ca"}, {"US#NY", "us"}, {"DE", "eu"},        {"DE#BE", "eu"},
+      {"FR", "us"},    {"JP", "us"},    {std::nullopt, "us"}};
   for (const auto& [location, expected] : cases) {
     EXPECT_EQ(selectBanner(configuration, location)->name, expected) << location.value_or("none");
   }
@@ -284,18 +287,19 @@ TEST(Location, IsAskedForWhenItMattersAndRememberedForAnHour) {
 }
 
 TEST(Banner, IntervalTextIsReadStrictly) {
-  for (const auto& [text, months] : std::vector<std::pair<const char*, std::int64_t>>{{"12 month", 12},
-                                                                                      {"2 year", 24},
-                                                                                      {"1 MONTH", 1},
-                                                                                      {"0 month", 0},
-                                                                                      {"", 12},
-                                                                                      {"month", 12},
-                                                                                      {"3  month", 12},
-                                                                                      {"3 months", 12},
-                                                                                      {"3 week", 12},
-                                                                                      {" 3 month", 12},
-                                                                                      {"-3 month", 12},
-                                                                                      {"99999999999999999999 year", 12}}) {
+  for (const auto& [text, months] :
+       std::vector<std::pair<const char*, std::int64_t>>{{"12 month", 12},
+                                                         {"2 year", 24},
+                                                         {"1 MONTH", 1},
+                                                         {"0 month", 0},
+                                                         {"", 12},
+                                                         {"month", 12},
+                                                         {"3  month", 12},
+                                                         {"3 months", 12},
+                                                         {"3 week", 12},
+                                                         {" 3 month", 12},
+                                                         {"-3 month", 12},
+                                                         {"99999999999999999999 year", 12}}) {
     EXPECT_EQ(bannerIntervalMonths(text), months) << text;
   }
 }

@@ -126,7 +126,8 @@ TEST(Tracking, GovernsThePurposesBoundToIt) {
     world.start();
     SCOPED_TRACE(example.stored + (example.authorized ? ", authorized" : ", denied"));
     EXPECT_EQ(world.sdk->get(3), example.expected);
-    EXPECT_EQ(world.stored().pendingPurposes(), example.changes ? std::vector<std::int64_t>{3} : std::vector<std::int64_t>());
+    EXPECT_EQ(world.stored().pendingPurposes(),
+              example.changes ? std::vector<std::int64_t>{3} : std::vector<std::int64_t>());
     EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION") << "the device decided, not the user";
     const auto purposes = world.sdk->getPurposeConsents().get();
     EXPECT_EQ(purposes.at(2).consentStatus, example.expected);
@@ -197,7 +198,8 @@ TEST_P(UploadReply, DecidesWhatStaysPending) {
 
 INSTANTIATE_TEST_SUITE_P(
     Server, UploadReply,
-    testing::Values(Reply{"Accepted", json(R"({"status":0,"message":"saved\nwell"})"), false, false, false, "[INFO]saved\\nwell"},
+    testing::Values(Reply{"Accepted", json(R"({"status":0,"message":"saved\nwell"})"), false, false, false,
+                          "[INFO]saved\\nwell"},
                     Reply{"Failed", json(R"({"status":1,"message":"busy"})"), true, true, false, "[ERROR]busy"},
                     Reply{"AnotherStatus", json(R"({"status":2,"message":"odd"})"), false, true, false, "[INFO]odd"},
                     Reply{"ServerError", json("{}", 500), true, true, true, "[ERROR]Failed with Status (500)"},

@@ -15,7 +15,8 @@ struct Logger : testing::Test {
     world.advance(std::chrono::milliseconds(45));
   }
 
-  std::vector<std::string> blocks(LogLevel threshold, LogLevel level, std::string_view file = "core/Purposes/PurposeManager.src") {
+  std::vector<std::string> blocks(LogLevel threshold, LogLevel level,
+                                  std::string_view file = "core/Purposes/PurposeManager.src") {
     const auto before = world.console->blocks().size();
     world.sdk->logger().setLogLevel(threshold);
     world.sdk->logger().log("Message", level, "checkPurposes()", file, 42);

@@ -19,16 +19,16 @@ TEST(NetworkErrorTexts, AreKeptByteForByte) {
     std::string description, localized;
   };
   const FixedHostApplication host({.translations = {{"Failed with 404 status code", "Nicht gefunden"}}});
-  for (const Row& row : std::vector<Row>{
-           {{Case::invalidPath, "m"}, "Invalid Patherror ocurred (m", "m"},
-           {{Case::badUrl, "m"}, "Bad URL error ocurred\nm", "m"},
-           {{Case::invalidStatusCode, {}, 503}, "Failed with Status (503)", "Failed with 503 status code"},
-           {{Case::invalidStatusCode, {}, 404}, "Failed with Status (404)", "Nicht gefunden"},
-           {{Case::decodingError, "m"}, "Failed while Decoding Response.\nm", "m"},
-           {{Case::invalidURL, "m"}, "Invalid URL error ocurred.\nm", "m"},
-           {{Case::response}, "An unknown error occurred.", "Unexpected Error"},
-           {{Case::keyMapping}, "An unknown error occurred.", "Unexpected Error"},
-           {{Case::cdnNotModified}, "An unknown error occurred.", "Unexpected Error"}}) {
+  for (const Row& row :
+       std::vector<Row>{{{Case::invalidPath, "m"}, "Invalid Patherror ocurred (m", "m"},
+                        {{Case::badUrl, "m"}, "Bad URL error ocurred\nm", "m"},
+                        {{Case::invalidStatusCode, {}, 503}, "Failed with Status (503)", "Failed with 503 status code"},
+                        {{Case::invalidStatusCode, {}, 404}, "Failed with Status (404)", "Nicht gefunden"},
+                        {{Case::decodingError, "m"}, "Failed while Decoding Response.\nm", "m"},
+                        {{Case::invalidURL, "m"}, "Invalid URL error ocurred.\nm", "m"},
+                        {{Case::response}, "An unknown error occurred.", "Unexpected Error"},
+                        {{Case::keyMapping}, "An unknown error occurred.", "Unexpected Error"},
+                        {{Case::cdnNotModified}, "An unknown error occurred.", "Unexpected Error"}}) {
     EXPECT_EQ(row.error.description(), row.description);
     EXPECT_EQ(row.error.localizedDescription(host), row.localized);
   }
@@ -105,7 +105,8 @@ TEST(ExchangeTexts, HaveOneFormWithTheTokenMasked) {
   EXPECT_NE(text.find("  Status Code: -999\n"), std::string::npos);
   EXPECT_TRUE(text.ends_with("Data: { Non-UTF8 data }"));
   response.body = R"("x-auth-token":"one\"two","x-auth-token": 5 "x-auth-token":"cut)";
-  EXPECT_TRUE(exchangeText(request, response).ends_with(R"(Data: { "x-auth-token":"***","x-auth-token": 5 "x-auth-token":"*** })"))
+  EXPECT_TRUE(exchangeText(request, response)
+                  .ends_with(R"(Data: { "x-auth-token":"***","x-auth-token": 5 "x-auth-token":"*** })"))
       << exchangeText(request, response);
   response.body = std::string(1 << 20, 'x');
   EXPECT_LT(exchangeText(request, response).size(), 70'000u);

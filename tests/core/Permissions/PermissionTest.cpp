@@ -42,9 +42,14 @@ TEST(PermissionTranslation, FollowsEachSourcesOwnNumbers) {
 }
 
 TEST(PermissionTranslation, ReadsTheInformationDictionary) {
-  for (const auto& [entry, expected] : std::vector<std::pair<std::optional<std::string>, ConsentStatus>>{
-           {std::nullopt, notDetermined}, {"", notDetermined}, {"Authorized", granted}, {"Denied", declined},
-           {"Restricted", declined}, {"authorized", notDetermined}, {"Limited", notDetermined}}) {
+  for (const auto& [entry, expected] :
+       std::vector<std::pair<std::optional<std::string>, ConsentStatus>>{{std::nullopt, notDetermined},
+                                                                         {"", notDetermined},
+                                                                         {"Authorized", granted},
+                                                                         {"Denied", declined},
+                                                                         {"Restricted", declined},
+                                                                         {"authorized", notDetermined},
+                                                                         {"Limited", notDetermined}}) {
     EXPECT_EQ(consentFromInformation(entry), expected) << entry.value_or("none");
   }
 }
@@ -56,15 +61,25 @@ TEST(Permissions, FollowTheDevice) {
   EXPECT_EQ(world.text("NSContactsUsageDescription"), "declined");
   EXPECT_EQ(world.stored().pendingPermissions().size(), 2u);
   EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION");
-  EXPECT_NE(world.log().find(R"([INFO]Changed Permissions: ["NSCameraUsageDescription", "NSContactsUsageDescription"])"),
-            std::string::npos);
+  EXPECT_NE(
+      world.log().find(R"([INFO]Changed Permissions: ["NSCameraUsageDescription", "NSContactsUsageDescription"])"),
+      std::string::npos);
 
   world.permissions->set(VantariKey::cameraUsageDescription, 1);
   EXPECT_EQ(world.sdk->get(VantariKey::cameraUsageDescription), declined) << "at once";
-  EXPECT_EQ(world.text("NSCameraUsageDescription"), "granted") << "stored by the next check";
-  world.sdk->checkConsents().wait();
-  EXPECT_EQ(world.text("NSCameraUsageDescription"), "declined");
+  world.sdk->settled().wait();
+  EXPECT_EQ(world.text("NSCameraUsageDescription"), "declined") << "stored because the device reported the change";
+  world.advance(std::chrono::seconds(1));
   EXPECT_EQ(world.uploads().size(), 1u);
+
+  world.permissions->set(VantariKey::cameraUsageDescription, std::unexpected("the bus\nis gone"));
+  world.sdk->settled().wait();
+  EXPECT_EQ(world.text("NSCameraUsageDescription"), "not_determined");
+  EXPECT_NE(world.log().find("[ERROR]Something went wrong while fetching the permission status: the bus\\nis gone"),
+            std::string::npos);
+  EXPECT_EQ(world.sdk->get(VantariKey::cameraUsageDescription), notDetermined) << "unknown now, as stored";
+  EXPECT_EQ(world.sdk->checkConsentBy(VantariKey::contactsUsageDescription).get(), declined);
+  EXPECT_EQ(world.sdk->checkConsentBy(VantariKey::microphoneUsageDescription).get(), notDetermined);
 
   EXPECT_EQ(world.sdk->get(VantariKey::microphoneUsageDescription), notDetermined) << "not listed, never stored";
   AppPermission microphone;

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/NetworkPathMonitor.h"
-#include "platform/memory/CallGate.h"
+#include "platform/parts/CallGate.h"
 
 namespace quillon {
 

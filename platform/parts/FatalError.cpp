@@ -1,4 +1,4 @@
-#include "platform/memory/FatalError.h"
+#include "platform/parts/FatalError.h"
 
 #include <cstdio>
 #include <cstdlib>

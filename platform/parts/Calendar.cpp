@@ -1,4 +1,4 @@
-#include "platform/memory/Calendar.h"
+#include "platform/parts/Calendar.h"
 
 #include <time.h>
 

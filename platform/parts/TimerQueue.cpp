@@ -1,12 +1,12 @@
-#include "platform/memory/TimerQueue.h"
+#include "platform/parts/TimerQueue.h"
 
 #include <algorithm>
 #include <map>
 #include <mutex>
 #include <utility>
 
-#include "platform/memory/CallGate.h"
-#include "platform/memory/Contained.h"
+#include "platform/parts/CallGate.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 namespace {

@@ -1,0 +1,97 @@
+#include "core/Integrations/GoogleConsentModeHelper.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "core/Logger/UnitLog.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "Integrations/GoogleConsentModeHelper";
+
+std::string_view trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  return first == std::string_view::npos ? std::string_view()
+                                         : text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+// Whether a key such as "US#CA, US#NY" lists the code.
+bool lists(std::string_view regions, std::string_view code) {
+  for (;;) {
+    const auto comma = regions.find(',');
+    if (trimmed(regions.substr(0, comma)) == code) return true;
+    if (comma == std::string_view::npos) return false;
+    regions.remove_prefix(comma + 1);
+  }
+}
+
+}  // namespace
+
+const DefaultMapping* consentModeMapping(const GcmConfig& configuration, const std::optional<std::string>& location) {
+  if (location && !location->empty() && configuration.regionOverrides) {
+    std::vector<std::string_view> codes{*location};
+    if (const auto state = location->rfind('#'); state != std::string::npos) {
+      codes.push_back(std::string_view(*location).substr(state + 1));
+    }
+    for (const std::string_view code : codes) {
+      const auto found = std::ranges::find_if(*configuration.regionOverrides,
+                                              [&](const auto& entry) { return lists(entry.first, code); });
+      if (found != configuration.regionOverrides->end()) return &found->second;
+    }
+  }
+  return configuration.defaultMapping ? &*configuration.defaultMapping : nullptr;
+}
+
+ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored) {
+  const auto isGranted = [&](const std::optional<std::vector<std::int64_t>>& purposes) {
+    return purposes && !purposes->empty() && std::ranges::all_of(*purposes, [&](std::int64_t id) {
+             return stored.consent(PurposeKey(id)).value_or(stored.complianceDefault()) == ConsentStatus::granted;
+           });
+  };
+  return {{GoogleConsentType::analyticsStorage, isGranted(mapping.analyticsStorage)},
+          {GoogleConsentType::adStorage, isGranted(mapping.adStorage)},
+          {GoogleConsentType::adUserData, isGranted(mapping.adUserData)},
+          {GoogleConsentType::adPersonalization, isGranted(mapping.adPersonalization)}};
+}
+
+void GoogleConsentModeHelper::updateFirebaseConsent(const MainConfiguration& mainConfiguration,
+                                                    const std::optional<std::string>& location) {
+  if (!mainConfiguration.isGcmEnabled.value_or(false) || !mainConfiguration.gcmConfig) return;
+  const DefaultMapping* mapping = consentModeMapping(*mainConfiguration.gcmConfig, location);
+  if (!mapping) {
+    UnitLog(logger_, sourceFile)(LogLevel::debug,
+                                 "No GCM mapping found for location: " + escapedForLog(location.value_or("nil")),
+                                 "updateFirebaseConsent(mainConfiguration:location:)");
+    return;
+  }
+  setFirebaseConsent(consentMap(*mapping, StoredValues(*store_.snapshot())));
+}
+
+void GoogleConsentModeHelper::setFirebaseConsent(const ConsentMap& consentMap) {
+  constexpr std::string_view function = "setFirebaseConsent(consentMap:)";
+  const UnitLog log(logger_, sourceFile);
+  const auto& sink = platform_.consentSink;
+  if (!sink) return log(LogLevel::debug, "Firebase Analytics not found in project", function);
+  if (!sink->takesConsent()) return log(LogLevel::debug, "Firebase Analytics setConsent method not found", function);
+
+  std::map<std::string, std::string> signals;
+  std::string text = "[";
+  for (const auto& [type, granted] : consentMap) {
+    const std::string value = granted ? "granted" : "denied";
+    if (text.size() > 1) text += ", ";
+    text.append("\"").append(rawValue(type)).append("\": \"").append(value).append("\"");
+    signals.emplace(rawValue(type), value);
+  }
+  try {
+    sink->setConsent(signals);
+  } catch (const std::exception& exception) {
+    return log(LogLevel::error, "The host's analytics library threw: " + escapedForLog(exception.what()), function);
+  } catch (...) {
+    return log(LogLevel::error, "The host's analytics library threw", function);
+  }
+  log(LogLevel::debug, "Firebase consent updated successfully: " + text + "]", function);
+}
+
+}  // namespace quillon

@@ -1,0 +1,22 @@
+/// @file
+/// The signals of Google Consent Mode.
+#pragma once
+
+#include <string_view>
+
+#include "quillon/RawValue.h"
+
+namespace quillon {
+
+/// A signal that analytics libraries obey.
+enum class GoogleConsentType {
+  analyticsStorage,   ///< "analytics_storage"
+  adStorage,          ///< "ad_storage"
+  adUserData,         ///< "ad_user_data"
+  adPersonalization,  ///< "ad_personalization"
+};
+
+/// The name of @p type as analytics libraries know it.
+[[nodiscard]] std::string_view rawValue(GoogleConsentType type) noexcept;
+
+}  // namespace quillon

@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <boost/json/serialize.hpp>
+
+#include "core/Integrations/GoogleConsentModeHelper.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/parts/FunctionConsentSink.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+DefaultMapping mappingTo(std::int64_t purpose) {
+  return {.analyticsStorage = std::vector<std::int64_t>{purpose}};
+}
+
+TEST(ConsentModeMapping, PrefersTheExactRegionThenTheStateThenTheDefault) {
+  GcmConfig configuration;
+  configuration.defaultMapping = mappingTo(0);
+  configuration.regionOverrides = {{"US , GB", mappingTo(1)}, {"CA,NY", mappingTo(2)}, {"US#CA", mappingTo(3)}};
+  for (const auto& [location, expected] :
+       std::vector<std::pair<std::optional<std::string>, std::int64_t>>{{"US", 1},
+                                                                        {"GB", 1},
+                                                                        {"US#NY", 2},
+                                                                        {"US#CA", 3},
+                                                                        {"DE#NY", 2},
+                                                                        {"us", 0},
+                                                                        {"US#TX", 0},
+                                                                        {"", 0},
+                                                                        {"#", 0},
+                                                                        {std::nullopt, 0}}) {
+    EXPECT_EQ(*consentModeMapping(configuration, location), mappingTo(expected)) << location.value_or("none");
+  }
+  configuration.defaultMapping.reset();
+  EXPECT_EQ(consentModeMapping(configuration, "FR"), nullptr);
+  EXPECT_NE(consentModeMapping(configuration, "US"), nullptr);
+}
+
+class ConsentMode : public testing::Test {
+ protected:
+  ConsentMode() {
+    auto document = validConfiguration();
+    document["is_gcm_enabled"] = true;
+    document["gcm_config"] = {
+        {"default_mapping",
+         {{"analytics_storage", {1}}, {"ad_storage", {1, 3}}, {"ad_user_data", boost::json::array()}}}};
+    configure(document);
+    world.amend = [this](Platform& platform) { platform.consentSink = sink; };
+  }
+
+  void configure(const boost::json::object& document) { world.server.serve(boost::json::serialize(document)); }
+  void start() {
+    ConsentSDKOptions options = world.options();
+    options.logLevel = LogLevel::debug;
+    world.start(options);
+  }
+  bool logged(const std::string& text) const { return world.log().find(text) != std::string::npos; }
+
+  using Signals = std::map<std::string, std::string>;
+  std::mutex mutex;
+  std::vector<Signals> sent;
+  std::shared_ptr<ConsentSink> sink = std::make_shared<FunctionConsentSink>([this](const Signals& signals) {
+    const std::scoped_lock lock(mutex);
+    sent.push_back(signals);
+  });
+  World world;
+};
+
+TEST_F(ConsentMode, FollowsEveryDecision) {
+  const auto signals = [](const char* analytics, const char* ads) {
+    return Signals{{"analytics_storage", analytics},
+                   {"ad_storage", ads},
+                   {"ad_user_data", "denied"},
+                   {"ad_personalization", "denied"}};
+  };
+  start();
+  EXPECT_EQ(sent.back(), signals("denied", "denied")) << "opt-in, nothing decided";
+  world.tracking = TrackingAuthorization::authorized;
+  world.sdk->acceptOrReject(true).wait();
+  EXPECT_EQ(sent.back(), signals("granted", "granted"));
+  Purpose purpose;
+  purpose.purposeId = 3;
+  world.sdk->set(purpose, ConsentStatus::withDrawn);
+  world.sdk->settled().wait();
+  EXPECT_EQ(sent.back(), signals("granted", "denied"));
+  EXPECT_TRUE(
+      logged("setFirebaseConsent(consentMap:) - Firebase consent updated successfully: [\"analytics_storage\": "
+             "\"granted\", \"ad_storage\": \"denied\", \"ad_user_data\": \"denied\", "
+             "\"ad_personalization\": \"denied\"]"));
+  using enum GoogleConsentType;
+  using enum ConsentStatus;
+  EXPECT_EQ(
+      world.sdk->getGCMConsents().get(),
+      (std::map<GoogleConsentType, ConsentStatus>{
+          {analyticsStorage, granted}, {adStorage, declined}, {adUserData, declined}, {adPersonalization, declined}}));
+  EXPECT_TRUE(world.sdk->getGCMConfig().get()->defaultMapping);
+}
+
+TEST_F(ConsentMode, IsOnlyLoggedWithoutALibraryThatTakesIt) {
+  sink = nullptr;
+  start();
+  EXPECT_TRUE(logged("[DEBUG] [GoogleConsentModeHelper:"));
+  EXPECT_TRUE(logged("Firebase Analytics not found in project"));
+  sink = std::make_shared<FunctionConsentSink>(nullptr);
+  world.restart();
+  start();
+  EXPECT_TRUE(logged("Firebase Analytics setConsent method not found"));
+  sink = std::make_shared<FunctionConsentSink>([](const Signals&) { throw std::runtime_error("broken"); });
+  world.restart();
+  start();
+  EXPECT_TRUE(logged("The host's analytics library threw: broken"));
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
+}
+
+TEST_F(ConsentMode, IsLeftAloneUnlessItIsDriven) {
+  auto document = validConfiguration();
+  document["gcm_config"] = {{"default_mapping", boost::json::object()}};
+  configure(document);
+  start();
+  EXPECT_TRUE(sent.empty());
+  document["is_gcm_enabled"] = true;
+  document["gcm_config"] = boost::json::object();
+  configure(document);
+  world.advance(std::chrono::hours(2));
+  start();
+  EXPECT_TRUE(sent.empty());
+  EXPECT_TRUE(logged("No GCM mapping found for location: DE"));
+  EXPECT_TRUE(world.sdk->getGCMConsents().get().empty());
+}
+
+}  // namespace
+}  // namespace quillon::test
