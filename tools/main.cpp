@@ -3,6 +3,8 @@
 
 #include "tools/host/HostCommand.h"
 #include "tools/serve/ServeCommand.h"
+#include "tools/store/StoreCommand.h"
+#include "tools/validate/ValidateCommand.h"
 
 int main(int argc, char** argv) {
   CLI::App app("Tools for developers of applications that ask for consent.", "quillon-consent");
@@ -11,6 +13,8 @@ int main(int argc, char** argv) {
   int exitCode = 0;
   quillon::tools::addHostCommand(app, exitCode);
   quillon::tools::addServeCommand(app, exitCode);
+  quillon::tools::addStoreCommand(app, exitCode);
+  quillon::tools::addValidateCommand(app, exitCode);
 
   CLI11_PARSE(app, argc, argv);
   return exitCode;

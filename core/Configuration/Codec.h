@@ -16,8 +16,8 @@ struct JsonType;
 template <class R>
 [[nodiscard]] const JsonType& jsonType();
 
-/// Fills the value-initialised @p record of type @p type from @p json, or says what is wrong with the document.
-[[nodiscard]] std::optional<std::string> readJson(std::string_view json, const JsonType& type, void* record);
+/// Fills the value-initialised @p record of type @p type from @p document, or says what is wrong with it.
+[[nodiscard]] std::optional<std::string> readJson(std::string_view document, const JsonType& type, void* record);
 
 /// Appends @p record of type @p type to @p json.
 void writeJson(std::string& json, const JsonType& type, const void* record);

@@ -74,8 +74,9 @@ std::optional<std::int64_t> wholeNumber(std::string_view number) {
   if (point < digits.size()) digits.erase(point, 1);
   if (digits.find_first_not_of('0') == std::string::npos) return 0;
   std::int64_t exponent = 0;
-  const char* const end = exponentText.data() + exponentText.size();
-  if (std::from_chars(exponentText.data(), end, exponent).ec == std::errc::result_out_of_range) return std::nullopt;
+  if (std::from_chars(std::to_address(exponentText.begin()), std::to_address(exponentText.end()), exponent).ec ==
+      std::errc::result_out_of_range)
+    return std::nullopt;
   if (std::abs(exponent) > static_cast<std::int64_t>(kLargestDocument)) return std::nullopt;
   const std::int64_t wholeDigits = static_cast<std::int64_t>(point) + exponent;
 
@@ -149,7 +150,7 @@ std::string RecordBuilder::path() const {
   return path.empty() ? "document" : path;
 }
 
-bool RecordBuilder::refuse(std::string what) {
+bool RecordBuilder::refuse(const std::string& what) {
   error_ = path() + ": " + what;
   return false;
 }

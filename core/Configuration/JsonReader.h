@@ -67,7 +67,7 @@ class RecordBuilder {
     bool mayBeNull = false;
   };
 
-  bool refuse(std::string what);
+  bool refuse(const std::string& what);
   bool refuseType();
   bool take(std::size_t bytes);
   bool aim();

@@ -63,18 +63,18 @@ LocationCode locationCode(const CurrentLocationResponse::Place& place, std::stri
   return code;
 }
 
-std::int64_t bannerIntervalMonths(std::string_view text) noexcept {
+std::optional<std::int64_t> bannerIntervalMonths(std::string_view text) noexcept {
   std::int64_t count = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
   const std::string_view rest(end, static_cast<std::size_t>(text.data() + text.size() - end));
-  if (error != std::errc() || count < 0 || count > longestCount || !rest.starts_with(' ')) return monthsOfYear;
+  if (error != std::errc() || count < 0 || count > longestCount || !rest.starts_with(' ')) return std::nullopt;
   const auto reads = [&](std::string_view unit) {
     return std::ranges::equal(rest.substr(1), unit, {},
                               [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
   };
   if (reads("month")) return count;
   if (reads("year")) return count * monthsOfYear;
-  return monthsOfYear;
+  return std::nullopt;
 }
 
 }  // namespace quillon

@@ -27,9 +27,11 @@ struct LocationCode {
 };
 [[nodiscard]] LocationCode locationCode(const CurrentLocationResponse::Place& place, std::string_view language);
 
-// The months of an interval text: a count, one blank and "month" or "year" in any case; twelve when it is not that.
-[[nodiscard]] std::int64_t bannerIntervalMonths(std::string_view text) noexcept;
+// The months of an interval text: a count, one blank and "month" or "year" in any case; nothing when it is not that.
+[[nodiscard]] std::optional<std::int64_t> bannerIntervalMonths(std::string_view text) noexcept;
 
+// What holds when a banner has no interval, and when its text cannot be read.
 inline constexpr std::string_view defaultBannerInterval = "12 month";
+inline constexpr std::int64_t defaultBannerMonths = 12;
 
 }  // namespace quillon

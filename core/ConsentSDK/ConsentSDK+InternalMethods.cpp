@@ -144,7 +144,8 @@ bool ConsentSDK::Core::isBannerDue() {
     }
     const auto interval = transaction.string(key::bannerInterval, defaultBannerInterval);
     const WallTime shownDate{std::chrono::seconds(shown)};
-    const WallTime dueDate = platform.clock->addMonths(shownDate, bannerIntervalMonths(interval));
+    const WallTime dueDate =
+        platform.clock->addMonths(shownDate, bannerIntervalMonths(interval).value_or(defaultBannerMonths));
     const bool elapsed = dueDate <= WallTime(std::chrono::seconds(seconds));
     if (isPresent || (!elapsed && given == givenType::explicitly)) return;
     transaction.set(key::isBannerPresent, true);
@@ -208,7 +209,7 @@ Task<bool> ConsentSDK::Core::acceptOrReject(bool accept) {
 }
 
 PostConsentsRequest ConsentSDK::Core::uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
-                                                    ConfigurationPointer configuration) {
+                                                    const ConfigurationPointer& configuration) {
   PostConsentsRequest request;
   request.uuid = stored.string(key::subjectId, {});
   request.appUUID = options.appId;

@@ -110,7 +110,7 @@ bool ConsentSDK::set(const Purpose& purpose, ConsentStatus consent) {
 }
 
 bool ConsentSDK::set(const AppPermission& permission, ConsentStatus consent) {
-  if (!permission.permissionId) return false;
+  if (!permission.permissionId || key::isReserved(permission.permissionId->rawValue())) return false;
   return core_->store.transact([&](StoreTransaction& transaction) {
     PermissionManager::setConsent(transaction, *permission.permissionId, consent, givenType::explicitly, core_->now());
   });
@@ -120,7 +120,7 @@ namespace {
 
 // The bodies of the operations that come both with a callback and as a future.
 template <class Core>
-auto purposeConsents(std::shared_ptr<Core> core) {
+auto purposeConsents(const std::shared_ptr<Core>& core) {
   return [core]() -> Task<std::vector<Purpose>> {
     const auto configuration = core->cache.readCDNFile(true);
     co_return configuration ? core->purposes(configuration).purposesWithConsents() : std::vector<Purpose>();
@@ -128,14 +128,14 @@ auto purposeConsents(std::shared_ptr<Core> core) {
 }
 
 template <class Core>
-auto permissionConsents(std::shared_ptr<Core> core) {
+auto permissionConsents(const std::shared_ptr<Core>& core) {
   return [core]() -> Task<std::vector<AppPermission>> {
     co_return core->permissions(core->cache.readCDNFile(true)).permissionsWithConsents();
   };
 }
 
 template <class Core>
-auto bannerConfig(std::shared_ptr<Core> core, std::optional<MainConfiguration> given) {
+auto bannerConfig(const std::shared_ptr<Core>& core, std::optional<MainConfiguration> given) {
   return [core, given = std::move(given)]() mutable -> Task<std::optional<BannerConfig>> {
     ConfigurationPointer configuration =
         given ? std::make_shared<const MainConfiguration>(std::move(*given)) : core->cache.readCDNFile(true);
@@ -144,7 +144,7 @@ auto bannerConfig(std::shared_ptr<Core> core, std::optional<MainConfiguration> g
 }
 
 template <class Core>
-auto upload(std::shared_ptr<Core> core, std::string url, PostConsentsRequest request) {
+auto upload(const std::shared_ptr<Core>& core, std::string url, PostConsentsRequest request) {
   return [core, url = std::move(url), request = std::move(request)]() mutable -> Task<void> {
     const auto turn = co_await core->uploads.enter();
     co_await core->uploadConsents(std::move(url), std::move(request), core->store.snapshot());
@@ -153,7 +153,7 @@ auto upload(std::shared_ptr<Core> core, std::string url, PostConsentsRequest req
 
 // A part of the cached configuration.
 template <class Part, class Core>
-auto partOfConfiguration(std::shared_ptr<Core> core, std::optional<Part> MainConfiguration::* part) {
+auto partOfConfiguration(const std::shared_ptr<Core>& core, std::optional<Part> MainConfiguration::* part) {
   return [core, part]() -> Task<std::optional<Part>> {
     const auto configuration = core->cache.readCDNFile(true);
     co_return configuration ? (*configuration).*part : std::nullopt;
@@ -163,7 +163,7 @@ auto partOfConfiguration(std::shared_ptr<Core> core, std::optional<Part> MainCon
 using Signals = std::map<GoogleConsentType, ConsentStatus>;
 
 template <class Core>
-auto consentModeSignals(std::shared_ptr<Core> core) {
+auto consentModeSignals(const std::shared_ptr<Core>& core) {
   return [core]() -> Task<Signals> {
     Signals signals;
     const auto configuration = core->cache.readCDNFile(true);
@@ -179,7 +179,7 @@ auto consentModeSignals(std::shared_ptr<Core> core) {
 }
 
 template <class Core>
-auto liveConsent(std::shared_ptr<Core> core, VantariKey permission) {
+auto liveConsent(const std::shared_ptr<Core>& core, VantariKey permission) {
   return [core, permission = std::move(permission)]() -> Task<ConsentStatus> {
     const auto permissions = core->permissions(core->cache.readCDNFile(true));
     co_return permissions.lists(permission) ? permissions.getConsentByPermission(permission)

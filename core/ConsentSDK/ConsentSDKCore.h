@@ -114,7 +114,7 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   Task<bool> apply(ConfigurationPointer configuration);
   Task<ConfigurationPointer> download(ConfigurationPointer probe);
   PostConsentsRequest uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
-                                    ConfigurationPointer configuration);
+                                    const ConfigurationPointer& configuration);
 
   mutable std::mutex mutex_;  // guards the members below; never held while anything else is called
   std::optional<ConsentSDKOptions> options_;

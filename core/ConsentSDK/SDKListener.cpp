@@ -8,19 +8,28 @@ SDKStatus SDKListener::isReady() const {
 }
 
 void SDKListener::setReady(SDKStatus status) {
-  const std::scoped_lock lock(mutex_);
-  status_ = status;
-  if (!observer_ || reported_ == status) return;
-  reported_ = status;
-  // Posted under the lock so that reports keep the order of the changes; the executor never runs a job within post.
-  onMain_([this, observer = std::weak_ptr(observer_), status] {
-    std::shared_ptr<Observer> current;
-    {
-      const std::scoped_lock inner(mutex_);
-      current = observer_;
-    }
-    if (current && current == observer.lock()) current->callback(status);
-  });
+  {
+    const std::scoped_lock lock(mutex_);
+    status_ = status;
+    if (!observer_ || reported_ == status) return;
+    reported_ = status;
+    reports_.push_back({observer_, status});
+  }
+  onMain_([this] { deliverNext(); });
+}
+
+// One call for each report, so that reports keep the order of the changes whoever's call comes first.
+void SDKListener::deliverNext() {
+  std::shared_ptr<Observer> observer;
+  SDKStatus status;
+  {
+    const std::scoped_lock lock(mutex_);
+    observer = std::move(reports_.front().observer);
+    status = reports_.front().status;
+    reports_.pop_front();
+    if (observer != observer_) return;
+  }
+  observer->callback(status);
 }
 
 void SDKListener::observe(Callback callback) {

@@ -1,6 +1,7 @@
 // The live readiness, and the one who watches it.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -29,12 +30,19 @@ class SDKListener {
   struct Observer {
     Callback callback;
   };
+  struct Report {
+    std::shared_ptr<Observer> observer;
+    SDKStatus status;
+  };
+
+  void deliverNext();
 
   const std::function<void(Job)> onMain_;
   mutable std::mutex mutex_;  // guards the members below
   SDKStatus status_ = SDKStatus::unavailable;
   SDKStatus reported_ = SDKStatus::unavailable;
   std::shared_ptr<Observer> observer_;
+  std::deque<Report> reports_;  // on their way to the main queue
 };
 
 }  // namespace quillon

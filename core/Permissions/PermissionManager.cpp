@@ -67,7 +67,8 @@ std::optional<ConsentStatus> PermissionManager::knownConsent(const VantariKey& p
 std::vector<std::pair<VantariKey, ConsentStatus>> PermissionManager::liveStatuses() const {
   std::vector<std::pair<VantariKey, ConsentStatus>> statuses;
   for (const AppPermission& permission : permissions()) {
-    if (permission.permissionId) {
+    // A key of the SDK's own would let a configuration overwrite identity, token or decisions.
+    if (permission.permissionId && !key::isReserved(permission.permissionId->rawValue())) {
       statuses.emplace_back(*permission.permissionId, getConsentByPermission(*permission.permissionId));
     }
   }

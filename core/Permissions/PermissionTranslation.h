@@ -10,7 +10,7 @@
 namespace quillon {
 
 // The meaning of a platform value of the source behind a key; nothing when the device has no such source.
-[[nodiscard]] ConsentStatus consentFromPlatformValue(VantariKey::Case key, std::optional<int> value) noexcept;
+[[nodiscard]] ConsentStatus consentFromPlatformValue(VantariKey::Case key, std::optional<int> answer) noexcept;
 
 // The meaning of an entry of the application's information dictionary, absent or present.
 [[nodiscard]] ConsentStatus consentFromInformation(const std::optional<std::string>& entry) noexcept;

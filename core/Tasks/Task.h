@@ -15,27 +15,30 @@ namespace quillon {
 template <class T>
 using Task = boost::asio::awaitable<T>;
 
-// An executor of the seam in the form that coroutines take.
+// An executor of the seam in the form that coroutines take. One pointer in size, so that Asio keeps it in place.
 class TaskExecutor {
  public:
-  explicit TaskExecutor(std::shared_ptr<Executor> executor)
-      : executor_(std::move(executor)), context_(std::make_shared<boost::asio::execution_context>()) {}
+  explicit TaskExecutor(std::shared_ptr<Executor> executor) : target_(std::make_shared<Target>(std::move(executor))) {}
 
-  boost::asio::execution_context& query(boost::asio::execution::context_t) const noexcept { return *context_; }
+  boost::asio::execution_context& query(boost::asio::execution::context_t) const noexcept { return target_->context; }
   static constexpr boost::asio::execution::blocking_t::never_t query(boost::asio::execution::blocking_t) noexcept {
     return {};
   }
 
   template <class Function>
   void execute(Function function) const {
-    executor_->post(Job(std::move(function)));
+    target_->executor->post(Job(std::move(function)));
   }
 
-  bool operator==(const TaskExecutor& other) const noexcept { return executor_ == other.executor_; }
+  bool operator==(const TaskExecutor& other) const noexcept { return target_ == other.target_; }
 
  private:
-  std::shared_ptr<Executor> executor_;
-  std::shared_ptr<boost::asio::execution_context> context_;
+  struct Target {
+    explicit Target(std::shared_ptr<Executor> to) : executor(std::move(to)) {}
+    const std::shared_ptr<Executor> executor;
+    boost::asio::execution_context context;
+  };
+  std::shared_ptr<Target> target_;
 };
 
 }  // namespace quillon

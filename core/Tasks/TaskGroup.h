@@ -24,9 +24,10 @@ class TaskGroup {
   void start(Function makeTask) {
     auto ticket = enter();
     if (!ticket) return;
-    boost::asio::co_spawn(executor_, std::move(makeTask), [ticket = std::move(ticket)](std::exception_ptr error) {
-      if (error) ticket->report(error);
-    });
+    boost::asio::co_spawn(executor_, std::move(makeTask),
+                          [ticket = std::move(ticket)](const std::exception_ptr& error) {
+                            if (error) ticket->report(error);
+                          });
   }
 
   // Becomes ready as soon as no task is under way.

@@ -134,8 +134,7 @@ CurlExchange::HeaderList CurlExchange::headerList() const {
   const auto append = [&list](const std::string& line) {
     curl_slist* longer = curl_slist_append(list.get(), line.c_str());
     if (longer == nullptr) return false;
-    static_cast<void>(list.release());
-    list.reset(longer);
+    if (!list) list.reset(longer);  // later lines are appended to the list it owns
     return true;
   };
   if (!append("Expect:")) return nullptr;  // a name without a value keeps libcurl from adding its own
@@ -145,7 +144,9 @@ CurlExchange::HeaderList CurlExchange::headerList() const {
   for (const auto& [name, value] : request_.headers) {
     if (isCredential(name) && origin_ != requestedOrigin_) continue;
     const bool empty = value.find_first_not_of(' ') == std::string::npos;
-    if (!append(empty ? name + ';' : name + ": " + value)) return nullptr;  // the semicolon sends an empty value
+    std::string line = name;
+    line.append(empty ? ";" : ": ").append(empty ? "" : value);  // the semicolon sends an empty value
+    if (!append(line)) return nullptr;
   }
   return list;
 }

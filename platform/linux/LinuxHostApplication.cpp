@@ -28,7 +28,7 @@ std::string distribution() {
     std::ifstream file(path);
     std::string line(longestLine, '\0');
     for (int i = 0; i < mostLines && file.getline(line.data(), longestLine); ++i) {
-      const std::string_view text = line.c_str();
+      const std::string_view text = std::string_view(line).substr(0, line.find('\0'));
       if (text.starts_with(key)) return plain(text.substr(key.size()));
     }
   }

@@ -15,11 +15,11 @@
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxHostApplication.h"
 #include "platform/linux/NetlinkPathMonitor.h"
+#include "platform/linux/PermissionSources/LinuxPermissionSources.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StandardConsole.h"
 #include "platform/memory/FixedAppTracking.h"
-#include "platform/memory/NoPermissionSources.h"
 #include "platform/parts/FunctionConsentSink.h"
 
 namespace quillon {
@@ -58,7 +58,7 @@ std::string applicationFolder(const LinuxOptions& options) {
 
 // Relative paths do not count: they would follow the working directory.
 fs::path userDataDirectory() {
-  const fs::path data = environment("XDG_DATA_HOME");
+  fs::path data = environment("XDG_DATA_HOME");
   if (data.is_absolute()) return data;
   fs::path home = environment("HOME");
   if (!home.is_absolute()) {
@@ -96,7 +96,7 @@ Platform linuxPlatform(const LinuxOptions& options) {
   platform.network = std::make_shared<NetlinkPathMonitor>();
   platform.locale = std::make_shared<EnvironmentLocale>();
   platform.tracking = std::make_shared<FixedAppTracking>();
-  platform.permissions = std::make_shared<NoPermissionSources>();
+  platform.permissions = std::make_shared<LinuxPermissionSources>(options.applicationId);
   platform.host = std::make_shared<LinuxHostApplication>();
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);
   if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;

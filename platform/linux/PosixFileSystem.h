@@ -16,7 +16,7 @@ class PosixFileSystem final : public FileSystem {
   std::optional<std::filesystem::path> applicationSupportDirectory() const override;
   Result<void> createDirectories(const std::filesystem::path& folder) override;
   std::optional<FileStamp> stamp(const std::filesystem::path& file) const override;
-  Result<std::string> read(const std::filesystem::path& file, std::size_t maximumBytes) const override;
+  Result<std::string> read(const std::filesystem::path& path, std::size_t maximumBytes) const override;
   Result<void> write(const std::filesystem::path& file, std::string_view bytes) override;
   Result<void> move(const std::filesystem::path& from, const std::filesystem::path& to) override;
   Result<void> remove(const std::filesystem::path& file) override;

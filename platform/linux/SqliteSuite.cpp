@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/linux/Folder.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 
@@ -295,10 +296,7 @@ void SqliteSuite::deliverNotes() const noexcept {
   }
   if (!report_) return;
   for (auto& message : notes) {
-    try {
-      report_(std::move(message));
-    } catch (...) {  // the host's own failure, and nobody to tell it to
-    }
+    contained([&] { report_(std::move(message)); });  // the host's own failure, and nobody to tell it to
   }
 }
 

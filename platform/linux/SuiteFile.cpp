@@ -97,7 +97,7 @@ SqliteResult<> fill(SqliteDatabase& database, const SuiteEntries& entries) {
   // No journal file: nobody else knows the file yet, and when this fails it is thrown away.
   if (auto done = database.run("PRAGMA page_size=4096; PRAGMA journal_mode=MEMORY; BEGIN IMMEDIATE"); !done)
     return done;
-  if (auto done = database.run(schema.data()); !done) return done;
+  if (auto done = database.run(std::string(schema).c_str()); !done) return done;
   {
     auto put = database.prepare(putStatement);
     if (!put) return std::unexpected(put.error());
@@ -319,7 +319,9 @@ SqliteResult<> SuiteFile::commit(Deadline deadline) {
 
 bool SuiteFile::rollback() {
   // SQLite has ended the transaction by itself after some errors.
-  if (database_.inTransaction()) (void)database_.run("ROLLBACK");
+  if (database_.inTransaction()) {
+    if (const auto done = database_.run("ROLLBACK"); !done) return false;
+  }
   return !database_.inTransaction();
 }
 

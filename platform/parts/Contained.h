@@ -10,7 +10,7 @@ template <class Call>
 void contained(Call&& call) noexcept {
   try {
     std::forward<Call>(call)();
-  } catch (...) {  // Nobody up here can do better than go on.
+  } catch (...) {  // NOLINT(bugprone-empty-catch): nobody up here can do better than go on
   }
 }
 

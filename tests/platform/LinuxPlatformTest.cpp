@@ -51,7 +51,8 @@ TEST_F(LinuxPlatformTest, GivesEveryApplicationAFolderOfItsOwnInsideTheUsersData
 }
 
 TEST_F(LinuxPlatformTest, NoIdentifierLeadsOutOfTheUsersData) {
-  for (const std::string id : {".", "..", "../../etc", "/etc", "a/b", "a\nb", std::string(5000, 'x').c_str()}) {
+  for (const std::string& id :
+       std::vector<std::string>{".", "..", "../../etc", "/etc", "a/b", "a\nb", std::string(5000, 'x')}) {
     EXPECT_EQ(folder({.applicationId = id}).parent_path(), data_.path()) << id;
   }
 }

@@ -9,6 +9,7 @@
 #include "platform/memory/FixedAppTracking.h"
 #include "platform/memory/FixedLocale.h"
 #include "platform/parts/FunctionConsentSink.h"
+#include "tools/HostApplicationId.h"
 
 namespace quillon::tools {
 namespace {
@@ -68,7 +69,7 @@ std::vector<SentSignals::Signals> SentSignals::all() const {
 }
 
 HostDevice::HostDevice(const DeviceOptions& options) {
-  LinuxOptions linux_{.applicationId = "quillon-consent-host"};
+  LinuxOptions linux_{.applicationId = hostApplicationId};
   if (!options.dataDirectory.empty()) linux_.dataDirectory = options.dataDirectory;
   if (!options.vendorUrl.empty()) linux_.vendorUrl = options.vendorUrl;
   platform_ = linuxPlatform(linux_);

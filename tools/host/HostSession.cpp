@@ -10,6 +10,7 @@
 
 #include "core/Configuration/Codec.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tools/SuiteJson.h"
 #include "tools/host/Arguments.h"
 
 namespace quillon::tools {
@@ -55,17 +56,6 @@ template <class Record>
 json::value documentOrNull(const std::optional<Record>& record) {
   return record ? document(*record) : json::value(nullptr);
 }
-
-struct ToJson {
-  json::value operator()(bool value) const { return value; }
-  json::value operator()(std::int64_t value) const { return value; }
-  json::value operator()(const std::string& value) const { return json::value(value); }
-  json::value operator()(PropertyDate value) const { return wholeSeconds(value); }
-  template <class T>
-  json::value operator()(const std::vector<T>& list) const {
-    return json::value_from(list);
-  }
-};
 
 }  // namespace
 
@@ -303,10 +293,7 @@ json::object HostSession::store(const Object&) {
   const auto suite = platform.store->open(key::suiteName,
                                           [console = platform.console](std::string damage) { console->write(damage); });
   if (!suite) return failed("the suite cannot be opened");
-  json::object values;
-  const auto content = suite->snapshot();
-  for (const auto& [key, value] : *content) values.emplace(key, std::visit(ToJson(), value));
-  return {{"ok", true}, {"store", std::move(values)}};
+  return {{"ok", true}, {"store", toJson(*suite->snapshot())}};
 }
 
 json::object HostSession::removeConsents(const Object&) {

@@ -1,6 +1,8 @@
 // The names under which values are stored, apart from purpose identifiers and permission keys.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace quillon::key {
@@ -35,6 +37,41 @@ inline constexpr std::string_view etag = "Etag";
 inline constexpr std::string_view currentCountryCode = "curr_countryCode";
 inline constexpr std::string_view currentLocation = "curr_location";
 inline constexpr std::string_view currentLocationTimestamp = "curr_location_timestamp";
+
+// Every name above that is the SDK's own.
+inline constexpr std::array all{arePurposesChanged,
+                                purposesChangeTimestamp,
+                                arePermissionsChanged,
+                                permissionsChangeTimestamp,
+                                consentGivenType,
+                                currentComplianceType,
+                                pendingPurposesList,
+                                pendingPermissionsList,
+                                uploadConsentRequestPending,
+                                subjectId,
+                                xAuthToken,
+                                configurationVersion,
+                                isATTEnabled,
+                                languageCode,
+                                lastModeUsed,
+                                bannerInterval,
+                                bannerShownDate,
+                                isBannerPresent,
+                                isSettingsPromptEnabled,
+                                hasShownSettingsPrompt,
+                                cdnCachedTimestamp,
+                                cdnFileLocation,
+                                cdnEtag,
+                                etag,
+                                currentCountryCode,
+                                currentLocation,
+                                currentLocationTimestamp};
+
+// Whether a configured permission may not be stored under this name, because it is one of ours or reads as a purpose.
+[[nodiscard]] constexpr bool isReserved(std::string_view name) noexcept {
+  const bool isNumber = name.find_first_not_of("-0123456789") == std::string_view::npos;
+  return isNumber || std::ranges::find(all, name) != all.end();
+}
 
 }  // namespace quillon::key
 

@@ -82,11 +82,12 @@ bool UserDefaultManager::remove(std::string_view key) {
 std::string UserDefaultManager::getSubjectId() {
   if (auto stored = getString(key::subjectId); !stored.empty()) return stored;
   std::string subject;
-  suite().update([&](const SuiteEntries& current) {
+  // A failure is not logged: the logger itself asks for the subject.
+  [[maybe_unused]] const auto outcome = suite().update([&](const SuiteEntries& current) {
     StoreTransaction transaction(current);
     subject = ensureSubjectId(transaction);
     return transaction.take();
-  });  // Not logged: the logger itself asks for the subject.
+  });
   return subject;
 }
 
@@ -99,7 +100,7 @@ bool UserDefaultManager::removeAllConsents() {
   if (outcome) {
     logger_.log("Successfully removed all consents", LogLevel::info, "removeAllConsents()", sourceFile, __LINE__);
     // At threshold debug that very line named a subject and so made a new one.
-    suite().update([](const SuiteEntries&) { return SuiteChanges{{std::string(key::subjectId), std::nullopt}}; });
+    remove(key::subjectId);
   } else {
     logger_.log("Failed to remove all consents: " + outcome.error(), LogLevel::error, "removeAllConsents()", sourceFile,
                 __LINE__);

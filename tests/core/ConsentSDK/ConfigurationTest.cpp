@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <boost/json/serialize.hpp>
+#include <map>
 
 #include "core/ConsentSDK/BannerSelection.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -287,20 +288,32 @@ TEST(Location, IsAskedForWhenItMattersAndRememberedForAnHour) {
 }
 
 TEST(Banner, IntervalTextIsReadStrictly) {
-  for (const auto& [text, months] :
-       std::vector<std::pair<const char*, std::int64_t>>{{"12 month", 12},
-                                                         {"2 year", 24},
-                                                         {"1 MONTH", 1},
-                                                         {"0 month", 0},
-                                                         {"", 12},
-                                                         {"month", 12},
-                                                         {"3  month", 12},
-                                                         {"3 months", 12},
-                                                         {"3 week", 12},
-                                                         {" 3 month", 12},
-                                                         {"-3 month", 12},
-                                                         {"99999999999999999999 year", 12}}) {
-    EXPECT_EQ(bannerIntervalMonths(text), months) << text;
+  const std::map<const char*, std::optional<std::int64_t>> cases{
+      {"12 month", 12}, {"2 year", 24}, {"1 MONTH", 1}, {"0 month", 0}};
+  for (const auto& [text, months] : cases) EXPECT_EQ(bannerIntervalMonths(text), months) << text;
+  for (const char* text :
+       {"", "month", "3  month", "3 months", "3 week", " 3 month", "-3 month", "9999999999999 year"}) {
+    EXPECT_EQ(bannerIntervalMonths(text), std::nullopt) << text;
+  }
+}
+
+TEST(Banner, IntervalIsAddedByTheCalendar) {
+  struct Case {
+    std::int64_t shown;  // seconds since 1970
+    std::string interval;
+    std::int64_t due;
+  };
+  for (const Case& example : std::vector<Case>{{1706659200, "1 month", 1709164800},  // 31 January, 29 February 2024
+                                               {1709164800, "1 year", 1740700800},   // 29 February, 28 February 2025
+                                               {1700000000, "nonsense", 1731622400}}) {  // twelve months
+    World world;
+    world.store(key::consentGivenType, std::string("CONSENT_EXPLICIT"));
+    world.store(key::bannerShownDate, example.shown);
+    world.store(key::bannerInterval, example.interval);
+    world.clock->jump(std::chrono::seconds(example.due - 1 - startSeconds));
+    EXPECT_FALSE(world.sdk->isBannerDue()) << example.interval;
+    world.clock->jump(std::chrono::seconds(1));
+    EXPECT_TRUE(world.sdk->isBannerDue()) << example.interval;
   }
 }
 

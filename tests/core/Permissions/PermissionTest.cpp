@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <boost/json/serialize.hpp>
+
 #include "core/Permissions/PermissionTranslation.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "tests/support/World.h"
@@ -87,6 +89,21 @@ TEST(Permissions, FollowTheDevice) {
   EXPECT_TRUE(world.sdk->set(microphone, granted));
   EXPECT_EQ(world.sdk->get(VantariKey::microphoneUsageDescription), granted);
   EXPECT_FALSE(world.sdk->set(AppPermission(), granted));
+}
+
+TEST(Permissions, CannotTakeTheNamesOfOtherValues) {
+  World world;
+  auto document = validConfiguration();
+  document["permissions"] = {{{"permission_id", "SUBJECT_ID"}}, {{"permission_id", "1"}}, {{"permission_id", ""}}};
+  world.server.serve(boost::json::serialize(document));
+  world.start();
+  world.sdk->acceptOrReject(true).wait();
+  EXPECT_EQ(world.text(key::subjectId), "SUBJECT");
+  EXPECT_EQ(world.sdk->get(1), granted);
+  AppPermission permission;
+  permission.permissionId = VantariKey("X_AUTH_TOKEN");
+  EXPECT_FALSE(world.sdk->set(permission, granted));
+  EXPECT_EQ(world.text(key::xAuthToken), "secret-token");
 }
 
 }  // namespace

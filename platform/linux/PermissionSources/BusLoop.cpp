@@ -1,0 +1,83 @@
+#include "platform/linux/PermissionSources/BusLoop.h"
+
+#include <utility>
+
+#include "platform/parts/Contained.h"
+
+namespace quillon {
+namespace {
+
+constexpr guint drainMilliseconds = 1000;
+
+}  // namespace
+
+void BusLoop::run(const std::function<void()>& leave) {
+  g_main_context_push_thread_default(context_.get());
+  while (!stopped()) {
+    runJobs();
+    g_main_context_iteration(context_.get(), TRUE);
+  }
+  contained(leave);
+  drain();
+  g_main_context_pop_thread_default(context_.get());
+}
+
+void BusLoop::stop() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopped_ = true;
+  }
+  g_main_context_wakeup(context_.get());
+}
+
+bool BusLoop::stopped() const {
+  const std::lock_guard lock(mutex_);
+  return stopped_;
+}
+
+void BusLoop::post(std::move_only_function<void()> job) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (stopped_) return;
+    jobs_.push_back(std::move(job));
+  }
+  g_main_context_wakeup(context_.get());
+}
+
+void BusLoop::runJobs() {
+  std::vector<std::move_only_function<void()>> jobs;
+  {
+    const std::lock_guard lock(mutex_);
+    jobs.swap(jobs_);
+  }
+  for (auto& job : jobs) contained(job);
+}
+
+// What GIO has not finished would never be freed.
+void BusLoop::drain() {
+  bool expired = false;
+  const GLibPointer<GSource> limit(g_timeout_source_new(drainMilliseconds));
+  const auto expire = [](gpointer flag) -> gboolean {
+    *static_cast<bool*>(flag) = true;
+    return G_SOURCE_REMOVE;
+  };
+  g_source_set_callback(limit.get(), expire, &expired, nullptr);
+  g_source_attach(limit.get(), context_.get());
+  while (underWay_ > 0 && !expired) g_main_context_iteration(context_.get(), TRUE);
+  while (!expired && g_main_context_iteration(context_.get(), FALSE)) {
+  }
+}
+
+gpointer BusLoop::expect(Finish finish) {
+  auto expected = std::make_unique<Expected>(*this, std::move(finish));
+  ++underWay_;
+  return expected.release();
+}
+
+void BusLoop::finished(GObject* source, GAsyncResult* result, gpointer expected) {
+  const std::unique_ptr<Expected> owned(static_cast<Expected*>(expected));
+  --owned->loop.underWay_;
+  if (!owned->loop.stopped()) contained([&] { owned->finish(source, result); });
+}
+
+}  // namespace quillon

@@ -1,0 +1,45 @@
+// A service on a message bus.
+#pragma once
+
+#include <chrono>
+#include <expected>
+#include <functional>
+#include <string>
+
+#include "platform/linux/PermissionSources/MessageBus.h"
+
+namespace quillon {
+
+struct BusMethod {
+  std::string path;
+  const char* interface;
+  const char* name;
+  const char* replyType;  // a reply of another type is an error
+};
+
+// Used on the loop's thread only, but made on any.
+class BusService {
+ public:
+  using Reply = std::expected<GLibPointer<GVariant>, BusError>;
+  using Done = std::move_only_function<void(Reply)>;
+  enum class Start { onDemand, never };
+
+  // The bus must outlive it. With `never` the question does not start a service that is not running.
+  BusService(MessageBus& bus, const char* name, Start start) : bus_(bus), name_(name), start_(start) {}
+
+  // Hands over the reply or the reason why there is none, in time. Takes over arguments that are floating. A service
+  // that left a call without an answer is not asked again for a while: who asks one question after another would wait
+  // for each.
+  void call(const BusMethod& method, GVariant* arguments, Done done);
+
+ private:
+  void send(GDBusConnection* connection, const BusMethod& method, GVariant* arguments, Done done);
+  void finish(Done done, Reply reply);
+
+  MessageBus& bus_;
+  const char* const name_;
+  const Start start_;
+  std::chrono::steady_clock::time_point silentUntil_;
+};
+
+}  // namespace quillon

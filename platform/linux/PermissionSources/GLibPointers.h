@@ -1,0 +1,28 @@
+// Owners of what GLib counts references to.
+#pragma once
+
+#include <gio/gio.h>
+
+#include <memory>
+
+namespace quillon {
+
+struct GLibRelease {
+  void operator()(GCancellable* cancellable) const { g_object_unref(cancellable); }
+  void operator()(GDBusConnection* connection) const { g_object_unref(connection); }
+  void operator()(GIOStream* stream) const { g_object_unref(stream); }
+  void operator()(GError* error) const { g_error_free(error); }
+  void operator()(GMainContext* context) const { g_main_context_unref(context); }
+  void operator()(GVariant* variant) const { g_variant_unref(variant); }
+  // A source that still runs does so no more.
+  void operator()(GSource* source) const {
+    g_source_destroy(source);
+    g_source_unref(source);
+  }
+  void operator()(char* text) const { g_free(text); }
+};
+
+template <class T>
+using GLibPointer = std::unique_ptr<T, GLibRelease>;
+
+}  // namespace quillon

@@ -1,0 +1,44 @@
+// What the desktop's permission store says about this application.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/linux/PermissionSources/BusService.h"
+#include "platform/linux/PermissionSources/PermissionSource.h"
+
+namespace quillon {
+
+[[nodiscard]] BusService permissionStore(MessageBus& session);
+
+// One entry of the store, and what its words mean as a platform value.
+struct StoreEntry {
+  const char* table;
+  const char* id;
+  int unset;  // nobody has decided about this application
+  int (*meaning)(const std::string& word);
+};
+
+extern const StoreEntry cameraEntry;
+extern const StoreEntry microphoneEntry;
+extern const StoreEntry locationEntry;
+extern const StoreEntry notificationsEntry;
+
+class StoredPermission : public PermissionSource {
+ public:
+  // Calls `changed` on the loop's thread when the entry's table may have changed.
+  StoredPermission(MessageBus& session, BusService& store, const StoreEntry& entry, std::string application,
+                   std::function<void()> changed);
+
+  // A system without the store has asked the user nothing: zero.
+  void ask(std::move_only_function<void(Answer)> done) override;
+
+ private:
+  Answer answer(const BusService::Reply& reply) const;
+
+  BusService& store_;
+  const StoreEntry& entry_;
+  const std::string application_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,176 @@
+// A message bus of the test's own, and services on it that answer what they are told.
+#pragma once
+
+#include <fcntl.h>
+#include <gio/gio.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/support/TemporaryFolder.h"
+
+namespace quillon::test {
+
+// A running dbus-daemon. The desktop's services are started on demand and keep their files in the bus's folder.
+class PrivateBus {
+ public:
+  enum class Services { desktop, none };
+
+  // The policy is XML as the daemon's configuration has it.
+  explicit PrivateBus(Services services, const std::string& policy = {}) {
+    setFileBytes(folder_.path() / "bus.conf",
+                 "<busconfig><type>session</type><auth>EXTERNAL</auth><listen>unix:path=" + socket() + "</listen>" +
+                     (services == Services::desktop ? "<servicedir>/usr/share/dbus-1/services</servicedir>" : "") +
+                     "<policy context=\"default\"><allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
+                     "<allow own=\"*\"/>" +
+                     policy + "</policy></busconfig>");
+    start();
+  }
+  PrivateBus(const PrivateBus&) = delete;
+  PrivateBus& operator=(const PrivateBus&) = delete;
+  ~PrivateBus() { stop(); }
+
+  static bool installed() { return run("dbus-daemon --version") && run("gdbus help"); }
+
+  std::string address() const { return "unix:path=" + socket(); }
+
+  void start() {
+    int ends[2];
+    if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
+    const std::string path = folder_.path();
+    std::vector<std::string> arguments{"dbus-daemon", "--config-file=" + path + "/bus.conf", "--nofork", "--nopidfile",
+                                       "--print-address=" + std::to_string(ends[1])};
+    std::vector<std::string> environment{"HOME=" + path, "XDG_DATA_HOME=" + path, "XDG_RUNTIME_DIR=" + path,
+                                         "PATH=/usr/bin:/bin"};
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    const int failed = ::posix_spawnp(&daemon_, "dbus-daemon", &actions, nullptr, pointers(arguments).data(),
+                                      pointers(environment).data());
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    char first = 0;
+    const bool listens = failed == 0 && ::read(ends[0], &first, 1) == 1;
+    ::close(ends[0]);
+    if (!listens) throw std::runtime_error("no message bus");
+  }
+
+  // Its services end with it.
+  void stop() {
+    if (daemon_ <= 0) return;
+    ::kill(daemon_, SIGKILL);
+    while (::waitpid(daemon_, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    daemon_ = -1;
+    std::error_code ignored;
+    std::filesystem::remove(socket(), ignored);
+  }
+
+  // As a user would from the command line.
+  void call(const std::string& service, const std::string& path, const std::string& methodAndArguments) const {
+    const std::string command =
+        "gdbus call --session --dest " + service + " --object-path " + path + " --method " + methodAndArguments;
+    if (!run("DBUS_SESSION_BUS_ADDRESS=" + address() + " " + command)) throw std::runtime_error(command);
+  }
+
+ private:
+  std::string socket() const { return folder_.path() / "socket"; }
+
+  static bool run(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
+
+  static std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (auto& text : texts) result.push_back(text.data());
+    result.push_back(nullptr);
+    return result;
+  }
+
+  const TemporaryFolder folder_;
+  pid_t daemon_ = -1;
+};
+
+// Owns a name on a bus and answers methods with texts in the notation of GVariant, whatever type they are of. A text
+// "error:NAME" is an error of that name; a method without a text gets no answer.
+class BusPeer {
+ public:
+  BusPeer(const std::string& address, const std::string& name, const std::map<std::string, std::string>& replies) {
+    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    connection_ = g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, nullptr, nullptr);
+    if (connection_ == nullptr) throw std::runtime_error("no connection to " + address);
+    for (const auto& [method, text] : replies) reply(method, text);
+    g_dbus_connection_add_filter(connection_, &BusPeer::filter, nullptr, nullptr);
+    constexpr guint32 doNotQueue = 4;
+    GVariant* owned = g_dbus_connection_call_sync(
+        connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+        g_variant_new("(su)", name.c_str(), doNotQueue), nullptr, G_DBUS_CALL_FLAGS_NONE, 10000, nullptr, nullptr);
+    if (owned == nullptr) throw std::runtime_error("no name " + name);
+    g_variant_unref(owned);
+  }
+  BusPeer(const BusPeer&) = delete;
+  BusPeer& operator=(const BusPeer&) = delete;
+  ~BusPeer() {
+    g_dbus_connection_close_sync(connection_, nullptr, nullptr);
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+    {
+      const std::lock_guard lock(mutex_);
+      replies_.erase(connection_);
+    }
+    g_object_unref(connection_);
+  }
+
+  void reply(const std::string& method, const std::string& text) {
+    const std::lock_guard lock(mutex_);
+    replies_[connection_][method] = text;
+  }
+
+  void emit(const std::string& path, const std::string& interface, const std::string& name,
+            const std::string& arguments) {
+    g_dbus_connection_emit_signal(connection_, nullptr, path.c_str(), interface.c_str(), name.c_str(),
+                                  g_variant_new_parsed(arguments.c_str()), nullptr);
+  }
+
+ private:
+  // On a thread of GLib's.
+  static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming, gpointer) {
+    if (!incoming || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return message;
+    const std::string text = replyTo(connection, g_dbus_message_get_member(message));
+    if (!text.empty()) {
+      GDBusMessage* answer = nullptr;
+      if (text.starts_with("error:")) {
+        answer = g_dbus_message_new_method_error_literal(message, text.c_str() + 6, "refused");
+      } else {
+        answer = g_dbus_message_new_method_reply(message);
+        g_dbus_message_set_body(answer, g_variant_new_parsed(text.c_str()));
+      }
+      g_dbus_connection_send_message(connection, answer, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+      g_object_unref(answer);
+    }
+    g_object_unref(message);
+    return nullptr;
+  }
+
+  static std::string replyTo(GDBusConnection* connection, const std::string& method) {
+    const std::lock_guard lock(mutex_);
+    return replies_[connection][method];
+  }
+
+  GDBusConnection* connection_ = nullptr;
+
+  // Of all peers: what GLib's thread uses must not come into being or end with one, since the thread sanitizer does not
+  // see how GLib hands it over.
+  static inline std::mutex mutex_;  // guards the member below
+  static inline std::map<GDBusConnection*, std::map<std::string, std::string>> replies_;
+};
+
+}  // namespace quillon::test

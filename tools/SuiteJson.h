@@ -1,0 +1,15 @@
+// The content of a key-value suite as JSON, for output. Dates become whole seconds since 1970.
+#pragma once
+
+#include <boost/json/object.hpp>
+
+#include "platform/KeyValueSuite.h"
+
+namespace quillon::tools {
+
+[[nodiscard]] boost::json::value toJson(const PropertyValue& value);
+
+// With its keys in byte order.
+[[nodiscard]] boost::json::object toJson(const SuiteEntries& entries);
+
+}  // namespace quillon::tools

@@ -1,0 +1,121 @@
+#include "tools/store/StoreCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <boost/json/serialize.hpp>
+#include <chrono>
+#include <expected>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/SuiteFile.h"
+#include "tools/HostApplicationId.h"
+#include "tools/SuiteJson.h"
+
+namespace quillon::tools {
+namespace {
+
+constexpr const char* footer = R"(
+A host may run on the folder meanwhile: reading finds what it has committed, and after a reset it finds its store empty
+within a tenth of a second. Reading neither makes nor mends a store; a damaged one is reported and left as it is, while a
+reset keeps it beside the new one. The access token is shown as "***". The exit status is 1 when the folder holds no
+store, the key is absent, or the store cannot be read or written.)";
+
+constexpr std::chrono::seconds patience{2};
+
+struct StoreOptions {
+  std::filesystem::path dataDirectory;  // empty: that of `quillon-consent host`
+  std::string key;
+};
+
+Platform platformOver(const StoreOptions& options) {
+  LinuxOptions linux_{.applicationId = hostApplicationId};
+  if (!options.dataDirectory.empty()) linux_.dataDirectory = options.dataDirectory;
+  return linuxPlatform(linux_);
+}
+
+// The store's file, by a way without links; an error when there is none.
+std::expected<std::filesystem::path, std::string> storeFile(const Platform& platform) {
+  const auto folder = platform.files->applicationSupportDirectory();
+  if (!folder) return std::unexpected("there is no data folder; give one with --data-dir");
+  std::error_code error;
+  auto file = std::filesystem::canonical(*folder, error) / (std::string(key::suiteName) + ".sqlite");
+  if (error || !std::filesystem::exists(file, error)) return std::unexpected(folder->string() + " holds no store");
+  return file;
+}
+
+// Opens the file itself: the store would set a damaged one aside and begin a new one, which is no way of looking at it.
+std::expected<SuiteEntries, std::string> read(const StoreOptions& options) {
+  const auto file = storeFile(platformOver(options));
+  if (!file) return std::unexpected(file.error());
+  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + patience);
+  if (!opened) return std::unexpected(file->string() + ": " + opened.error().text);
+  for (const auto& damaged : opened->content.unreadable) {
+    std::cerr << "quillon-consent store: a damaged entry is left out: " << damaged << '\n';
+  }
+  auto entries = std::move(opened->content.entries);
+  if (const auto token = entries.find(key::xAuthToken); token != entries.end()) token->second = std::string("***");
+  return entries;
+}
+
+std::expected<void, std::string> print(const boost::json::value& value) {
+  std::cout << boost::json::serialize(value) << std::endl;
+  if (!std::cout) return std::unexpected("standard output cannot be written");
+  return {};
+}
+
+std::expected<void, std::string> dump(const StoreOptions& options) {
+  const auto entries = read(options);
+  return entries ? print(toJson(*entries)) : std::unexpected(entries.error());
+}
+
+std::expected<void, std::string> get(const StoreOptions& options) {
+  const auto entries = read(options);
+  if (!entries) return std::unexpected(entries.error());
+  const auto entry = entries->find(options.key);
+  return entry != entries->end() ? print(toJson(entry->second)) : std::unexpected("no value under " + options.key);
+}
+
+std::expected<void, std::string> reset(const StoreOptions& options) {
+  const Platform platform = platformOver(options);
+  if (const auto file = storeFile(platform); !file) return std::unexpected(file.error());
+  const auto suite = platform.store->open(
+      key::suiteName, [](const std::string& damage) { std::cerr << "quillon-consent store: " << damage << '\n'; });
+  if (!suite) return std::unexpected("the store cannot be opened");
+  return suite->update([](const SuiteEntries& current) {
+    SuiteChanges changes;
+    for (const auto& [key, value] : current) changes.emplace(key, std::nullopt);
+    return changes;
+  });
+}
+
+}  // namespace
+
+void addStoreCommand(CLI::App& app, int& exitCode) {
+  const auto options = std::make_shared<StoreOptions>();
+  auto* const store = app.add_subcommand("store", "Reads or empties the stored consent state of a data folder");
+  store->footer(footer);
+  store->require_subcommand(1);
+  store->add_option("--data-dir", options->dataDirectory, "The data folder; without it, that of the command host");
+
+  using Operation = std::expected<void, std::string> (*)(const StoreOptions&);
+  const auto add = [&](const char* name, const char* description, Operation operation) {
+    auto* const command = store->add_subcommand(name, description);
+    command->fallthrough();
+    command->callback([options, operation, &exitCode] {
+      if (const auto done = operation(*options); !done) {
+        std::cerr << "quillon-consent store: " << done.error() << '\n';
+        exitCode = 1;
+      }
+    });
+    return command;
+  };
+  add("dump", "Print everything as one JSON object, dates as seconds since 1970", dump);
+  add("get", "Print one value as JSON", get)->add_option("KEY", options->key, "Its key")->required();
+  add("reset", "Remove every value", reset);
+}
+
+}  // namespace quillon::tools

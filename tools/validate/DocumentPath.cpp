@@ -1,0 +1,30 @@
+#include "tools/validate/DocumentPath.h"
+
+namespace quillon::tools {
+
+std::string shown(std::string_view text) {
+  constexpr std::size_t longest = 64;
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string_view kept = text.substr(0, longest);
+  if (kept.size() < text.size()) {
+    // A cut falls between characters.
+    while (!kept.empty() && (static_cast<unsigned char>(text[kept.size()]) & 0xC0) == 0x80) kept.remove_suffix(1);
+  }
+  std::string result;
+  for (const char c : kept) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7F) {
+      result += c;
+    } else {
+      result += {'\\', 'x', digits[byte >> 4], digits[byte & 0xF]};
+    }
+  }
+  if (kept.size() < text.size()) result += "...";
+  return result;
+}
+
+std::string inQuotes(std::string_view text) {
+  return '"' + shown(text) + '"';
+}
+
+}  // namespace quillon::tools

@@ -1,0 +1,53 @@
+#include <set>
+#include <string_view>
+
+#include "tools/validate/LocalizedTexts.h"
+#include "tools/validate/Rules.h"
+
+namespace quillon::tools {
+namespace {
+
+using Languages = std::set<std::string_view>;
+
+Languages languagesOf(const MainConfiguration& configuration) {
+  Languages languages;
+  forEachText(configuration, [&languages](const DocumentPath&, const LocalizedText& text) {
+    for (const auto& [language, words] : text) languages.insert(language);
+  });
+  return languages;
+}
+
+// Names those languages that are not among the texts' own; empty when none is missing. Names few of many: a document
+// with as many languages as texts would otherwise make a message of square size.
+template <class Texts>
+std::string missing(const Languages& languages, const Texts& texts) {
+  constexpr int mostNames = 8;
+  std::string names;
+  int count = 0;
+  for (const auto language : languages) {
+    if (texts.contains(language)) continue;
+    if (++count > mostNames) return names + " and others";
+    names += (count == 1 ? "" : ", ") + shown(language);
+  }
+  return names;
+}
+
+}  // namespace
+
+void textsHaveAllLanguages(const MainConfiguration& configuration, const Report& report) {
+  const auto languages = languagesOf(configuration);
+  forEachText(configuration, [&](const DocumentPath& path, const LocalizedText& text) {
+    if (const auto names = missing(languages, text); !names.empty()) report({path.text(), "has no text in " + names});
+  });
+}
+
+// English labels are built in.
+void labelsHaveAllLanguages(const MainConfiguration& configuration, const Report& report) {
+  auto languages = languagesOf(configuration);
+  languages.erase("en");
+  const auto names = missing(languages, configuration.translations.value_or(Translations()));
+  if (!names.empty())
+    report({DocumentPath().at("i18n").text(), "has no labels in " + names + "; they are English there"});
+}
+
+}  // namespace quillon::tools

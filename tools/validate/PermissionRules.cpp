@@ -1,0 +1,51 @@
+#include <algorithm>
+#include <charconv>
+#include <set>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Persistance/UserDefaults/StoredValues.h"
+#include "tools/validate/Rules.h"
+
+namespace quillon::tools {
+namespace {
+
+bool isPurposeKey(std::string_view text) {
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && std::string_view(PurposeKey(number)) == text;
+}
+
+}  // namespace
+
+void permissionKeysAreUsable(const MainConfiguration& configuration, const Report& report) {
+  if (!configuration.permissions) return;
+  for (std::size_t i = 0; i < configuration.permissions->size(); ++i) {
+    const auto path = DocumentPath().at("permissions").at(i).at("permission_id");
+    const auto& permission = (*configuration.permissions)[i].permissionId;
+    const std::string name(permission ? permission->rawValue() : "");
+    if (name.empty()) {
+      report({path.text(), "is missing; nothing can be found out about this permission"});
+    } else if (std::ranges::find(key::all, name) != key::all.end()) {
+      report({path.text(), inQuotes(name) + " is a name under which the SDK keeps a value of its own"});
+    } else if (isPurposeKey(name)) {
+      report({path.text(), inQuotes(name) + " is the name under which the decision on a purpose is kept"});
+    }
+  }
+}
+
+void promptsNamePermissions(const MainConfiguration& configuration, const Report& report) {
+  if (!configuration.settingPrompt || !configuration.settingPrompt->permissions) return;
+  std::set<std::string_view> listed;
+  if (configuration.permissions) {
+    for (const auto& permission : *configuration.permissions) {
+      if (permission.permissionId) listed.insert(permission.permissionId->rawValue());
+    }
+  }
+  for (const auto& [key, enabled] : *configuration.settingPrompt->permissions) {
+    if (listed.contains(key)) continue;
+    report(
+        {DocumentPath().at("settings_prompt").at("permissions").at(key).text(), "no listed permission has this key"});
+  }
+}
+
+}  // namespace quillon::tools
