@@ -12,8 +12,9 @@ namespace quillon {
 
 /// How the SDK fits into a Linux application. Every member has a default that suits a plain program.
 struct LinuxOptions {
-  /// Names the folder of the application's data, so that two applications never share a store. Default: $FLATPAK_ID,
-  /// else the executable's name.
+  /// Names the folder of the application's data, so that two applications never share a store, and the application in
+  /// the desktop's permission store. Default: $FLATPAK_ID, else the executable's name for the folder and the desktop's
+  /// own unit name for the permissions.
   std::string applicationId = {};
   /// The folder itself. Default: $XDG_DATA_HOME (else ~/.local/share) and the application identifier.
   std::optional<std::filesystem::path> dataDirectory = std::nullopt;

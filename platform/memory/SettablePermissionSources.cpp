@@ -4,29 +4,23 @@
 
 namespace quillon {
 
+// To the answers that are set here, and to those of the device.
 class SettablePermissionSources::Subscription : public PermissionSubscription {
  public:
-  Subscription(std::shared_ptr<Observer> observer, std::unique_ptr<PermissionSubscription> device)
-      : observer_(std::move(observer)), device_(std::move(device)) {}
-  ~Subscription() override { observer_->gate.close(); }
+  Subscription(std::unique_ptr<PermissionSubscription> own, std::unique_ptr<PermissionSubscription> device)
+      : own_(std::move(own)), device_(std::move(device)) {}
 
  private:
-  const std::shared_ptr<Observer> observer_;
+  const std::unique_ptr<PermissionSubscription> own_;
   const std::unique_ptr<PermissionSubscription> device_;
 };
 
 void SettablePermissionSources::set(const VantariKey& key, std::expected<Value, std::string> answer) {
-  std::vector<std::shared_ptr<Observer>> told;
   {
     const std::lock_guard lock(mutex_);
     answers_.insert_or_assign(key.rawValue(), std::move(answer));
-    std::erase_if(observers_, [&](const std::weak_ptr<Observer>& weak) {
-      auto observer = weak.lock();
-      if (observer) told.push_back(observer);
-      return !observer;
-    });
   }
-  for (const auto& observer : told) observer->gate.pass(observer->changed);
+  observers_.tell();
 }
 
 std::optional<std::expected<PermissionSources::Value, std::string>> SettablePermissionSources::given(
@@ -50,11 +44,7 @@ std::expected<PermissionSources::Value, std::string> SettablePermissionSources::
 
 std::unique_ptr<PermissionSubscription> SettablePermissionSources::observe(std::function<void()> changed) {
   auto device = device_ ? device_->observe(changed) : nullptr;
-  auto observer = std::make_shared<Observer>();
-  observer->changed = std::move(changed);
-  const std::lock_guard lock(mutex_);
-  observers_.push_back(observer);
-  return std::make_unique<Subscription>(std::move(observer), std::move(device));
+  return std::make_unique<Subscription>(observers_.add(std::move(changed)), std::move(device));
 }
 
 }  // namespace quillon

@@ -7,10 +7,9 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/PermissionSources.h"
-#include "platform/parts/CallGate.h"
+#include "platform/parts/PermissionObservers.h"
 
 namespace quillon {
 
@@ -29,17 +28,12 @@ class SettablePermissionSources : public PermissionSources {
 
  private:
   class Subscription;
-  struct Observer {
-    std::function<void()> changed;
-    CallGate gate;
-  };
 
   std::optional<std::expected<Value, std::string>> given(const VantariKey& key) const;
 
   const std::shared_ptr<PermissionSources> device_;
   mutable std::mutex mutex_;                                                       // guards the members below
   std::map<std::string, std::expected<Value, std::string>, std::less<>> answers_;  // by raw value of the key
-  std::vector<std::weak_ptr<Observer>> observers_;
 };
 
 }  // namespace quillon

@@ -145,7 +145,8 @@ TEST_F(Document, NeverCarriesWhatIsWorkedOutLater) {
 TEST_F(Document, KeepsTextsOfAnyLengthAndScript) {
   MainConfiguration record;
   record.name = "\" \\ / \b\f\n\r\t \x01\x1f\x7f" + "\0"s + "ä€😀\u2028";
-  record.description = std::string(100'000, 'x') + "\n\"" + std::string(100'000, 'y');
+  record.description = std::string(100'000, 'x');
+  record.description->append("\n\"").append(100'000, 'y');
   record.translations = Translations{{"\n", LocalizedText{{"", "\""}, {"\t\"", ""}}}, {"zh", std::nullopt}};
   // Escapes in the middle, in a key and in the text right after it.
   record.translations->insert({"a\nb", LocalizedText{{"c\td", "e\"f"}, {"g\th", "i"}, {"j", "k\nl"}}});

@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <boost/json.hpp>
+#include <map>
+#include <random>
+#include <thread>
+#include <tuple>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+// Decisions, checks, uploads, permission and network changes from many threads, against a server that fails every third
+// time: afterwards the server has the latest decision on every purpose.
+TEST(Concurrency, NoDecisionIsDroppedBetweenUploads) {
+  World world;
+  std::map<std::int64_t, std::string> recorded;
+  std::mutex mutex;
+  int requests = 0;
+  world.server.onUpload([&](const auto& request, auto& response) {
+    const std::scoped_lock lock(mutex);
+    if (++requests % 3 == 0) {
+      response.status = 503;
+      return;
+    }
+    const auto body = boost::json::parse(request.body);
+    for (const auto& consent : body.at("purpose_consents").as_array()) {
+      recorded[consent.at("purpose_id").as_int64()] = consent.at("consent_status").as_string().c_str();
+    }
+    json(R"({"status":0,"message":"saved"})")(request, response);
+  });
+  auto document = validConfiguration();
+  document["is_att_enabled"] = false;
+  world.server.serve(boost::json::serialize(document));
+  world.start();
+
+  std::vector<std::jthread> threads;
+  for (unsigned seed = 0; seed < 4; ++seed) {
+    threads.emplace_back([&world, seed] {
+      std::mt19937 random(seed);
+      for (int i = 0; i < 40; ++i) {
+        Purpose purpose;
+        purpose.purposeId = 1 + static_cast<std::int64_t>(random() % 3);
+        EXPECT_TRUE(world.sdk->set(purpose, random() % 2 == 0 ? ConsentStatus::granted : ConsentStatus::declined));
+        switch (random() % 6) {
+          case 0:
+            world.sdk->uploadPendingConsents().wait();
+            break;
+          case 1:
+            world.sdk->checkConsents([] {});
+            break;
+          case 2:
+            world.permissions->set(VantariKey::cameraUsageDescription, static_cast<int>(random() % 4));
+            break;
+          case 3:
+            world.network->set(random() % 2 == 0 ? NetworkStatus::satisfied : NetworkStatus::unsatisfied);
+            break;
+          case 4:
+            world.clock->advance(std::chrono::seconds(1));
+            break;
+          default:
+            std::ignore = world.sdk->get(*purpose.purposeId);
+        }
+      }
+    });
+  }
+  threads.clear();
+  world.drainMainQueue();
+  world.sdk->settled().wait();
+  while (!world.sdk->uploadPendingConsents().get()) {  // the server gives in at the second try
+  }
+  for (std::int64_t id = 1; id <= 3; ++id) {
+    EXPECT_EQ(recorded.at(id), rawValue(world.sdk->get(id))) << "purpose " << id;
+  }
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+  EXPECT_TRUE(world.stored().pendingPermissions().empty());
+}
+
+TEST(Concurrency, SetUpsAndRemovalsMayOverlapEverything) {
+  World world;
+  world.restart();
+  std::vector<std::jthread> threads;
+  for (unsigned seed = 0; seed < 4; ++seed) {
+    threads.emplace_back([&world, seed] {
+      std::mt19937 random(seed);
+      for (int i = 0; i < 15; ++i) {
+        switch (random() % 7) {
+          case 0:
+            world.sdk->setup(world.options());
+            break;
+          case 1:
+            world.sdk->removeConsents();
+            break;
+          case 2:
+            world.sdk->acceptOrReject(random() % 2 == 0, [](bool) {});
+            break;
+          case 3:
+            world.sdk->isReady([](SDKStatus) {});
+            break;
+          case 4:
+            world.sdk->removeListeners();
+            break;
+          case 5:
+            std::ignore = world.sdk->isBannerDue();
+            break;
+          default:
+            world.sdk->getPurposeConsents([](auto) {});
+        }
+      }
+    });
+  }
+  threads.clear();
+  world.sdk->settled().wait();
+  world.start();
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
+}
+
+}  // namespace
+}  // namespace quillon::test
