@@ -32,7 +32,8 @@ class SettablePermissionSources : public PermissionSources {
   std::optional<std::expected<Value, std::string>> given(const VantariKey& key) const;
 
   const std::shared_ptr<PermissionSources> device_;
-  mutable std::mutex mutex_;                                                       // guards the members below
+  PermissionObservers observers_;
+  mutable std::mutex mutex_;                                                       // guards the member below
   std::map<std::string, std::expected<Value, std::string>, std::less<>> answers_;  // by raw value of the key
 };
 

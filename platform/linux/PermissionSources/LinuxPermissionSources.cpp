@@ -10,9 +10,9 @@
 #include "platform/linux/PermissionSources/BluetoothSource.h"
 #include "platform/linux/PermissionSources/FingerprintSource.h"
 #include "platform/linux/PermissionSources/NfcSource.h"
-#include "platform/parts/PermissionObservers.h"
 #include "platform/linux/PermissionSources/PermissionStore.h"
 #include "platform/parts/Contained.h"
+#include "platform/parts/PermissionObservers.h"
 
 namespace quillon {
 namespace {
