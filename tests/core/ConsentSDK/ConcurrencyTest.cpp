@@ -71,6 +71,7 @@ TEST(Concurrency, NoDecisionIsDroppedBetweenUploads) {
   world.sdk->settled().wait();
   while (!world.sdk->uploadPendingConsents().get()) {  // the server gives in at the second try
   }
+  const std::scoped_lock lock(mutex);
   for (std::int64_t id = 1; id <= 3; ++id) {
     EXPECT_EQ(recorded.at(id), rawValue(world.sdk->get(id))) << "purpose " << id;
   }
