@@ -241,10 +241,12 @@ Task<bool> ConsentSDK::Core::uploadPendingConsents() {
 }
 
 void ConsentSDK::Core::scheduleUpload() {
+  std::uint64_t number = 0;
   {
     const std::scoped_lock lock(mutex_);
     if (followUpScheduled_ || stop.stop_requested()) return;
     followUpScheduled_ = true;
+    number = ++followUpNumber_;
   }
   auto timer = platform.clock->after(followUpDelay, [weak = weak_from_this()] {
     const auto core = weak.lock();
@@ -256,7 +258,8 @@ void ConsentSDK::Core::scheduleUpload() {
     core->tasks->start([core]() -> Task<void> { co_await core->uploadPendingConsents(); });
   });
   const std::scoped_lock lock(mutex_);
-  followUp_.swap(timer);
+  // Held up until the timer had fired, this thread must not put it in the place of a later one.
+  if (number == followUpNumber_) followUp_.swap(timer);
 }
 
 }  // namespace quillon

@@ -1,6 +1,7 @@
 // What stands behind the facade: the services of one instance and the operations that the facade's units share.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -124,6 +125,7 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   std::unique_ptr<PermissionSubscription> permissionObservation_;
   std::unique_ptr<Timer> followUp_;
   bool followUpScheduled_ = false;
+  std::uint64_t followUpNumber_ = 0;  // of the upload scheduled last
 };
 
 }  // namespace quillon

@@ -5,12 +5,56 @@
 #include <random>
 #include <thread>
 #include <tuple>
+#include <utility>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
 namespace {
+
+// A clock on which the first single timer fires before the thread that asked for it goes on, as when that thread is
+// held up for longer than the delay.
+class StallingClock : public Clock {
+ public:
+  StallingClock(std::shared_ptr<Clock> real, std::function<void()> meanwhile)
+      : real_(std::move(real)), meanwhile_(std::move(meanwhile)) {}
+
+  WallTime now() const override { return real_->now(); }
+  WallTime addMonths(WallTime time, std::int64_t months) const override { return real_->addMonths(time, months); }
+  std::string localText(WallTime time) const override { return real_->localText(time); }
+  std::unique_ptr<Timer> every(std::chrono::milliseconds period, Job job) override {
+    return real_->every(period, std::move(job));
+  }
+  std::unique_ptr<Timer> after(std::chrono::milliseconds delay, Job job) override {
+    if (std::exchange(stalled_, true)) return real_->after(delay, std::move(job));
+    job();
+    meanwhile_();
+    return std::make_unique<Timer>();
+  }
+
+ private:
+  const std::shared_ptr<Clock> real_;
+  const std::function<void()> meanwhile_;
+  bool stalled_ = false;
+};
+
+TEST(Concurrency, StalledDecisionDoesNotCancelTheUploadOfALaterOne) {
+  World world;
+  Purpose purpose;
+  purpose.purposeId = 1;
+  world.amend = [&](Platform& platform) {
+    platform.clock = std::make_shared<StallingClock>(platform.clock, [&] {
+      world.sdk->settled().wait();  // the first upload
+      EXPECT_TRUE(world.sdk->set(purpose, ConsentStatus::granted));
+    });
+  };
+  world.start();
+  EXPECT_TRUE(world.sdk->set(purpose, ConsentStatus::declined));
+  world.advance(std::chrono::seconds(1));
+  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+  EXPECT_EQ(world.uploads().size(), 2u);
+}
 
 // Decisions, checks, uploads, permission and network changes from many threads, against a server that fails every third
 // time: afterwards the server has the latest decision on every purpose.
