@@ -1,6 +1,7 @@
 # What every target of ours is compiled with.
 option(QUILLON_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(QUILLON_BENCH "Build the benchmarks" OFF)
+option(QUILLON_FUZZ "Build the fuzzers: with Clang, and QUILLON_SANITIZE holding fuzzer-no-link" OFF)
 set(QUILLON_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them (address,undefined or thread)")
 
 set(CMAKE_CXX_EXTENSIONS OFF)

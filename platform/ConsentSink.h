@@ -15,7 +15,7 @@ class ConsentSink {
   // Whether the library that was found takes consents at all.
   virtual bool takesConsent() const = 0;
   // The consent-mode signals by name ("ad_storage"), each "granted" or "denied". May throw: that is contained.
-  virtual void setConsent(const std::map<std::string, std::string>& signals) = 0;
+  virtual void setConsent(const std::map<std::string, std::string>& values) = 0;
 };
 
 }  // namespace quillon

@@ -2,6 +2,8 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/host/HostCommand.h"
+#include "tools/link/LinkCommand.h"
+#include "tools/richtext/RichTextCommand.h"
 #include "tools/serve/ServeCommand.h"
 #include "tools/store/StoreCommand.h"
 #include "tools/validate/ValidateCommand.h"
@@ -12,6 +14,8 @@ int main(int argc, char** argv) {
 
   int exitCode = 0;
   quillon::tools::addHostCommand(app, exitCode);
+  quillon::tools::addLinkCommand(app, exitCode);
+  quillon::tools::addRichTextCommand(app, exitCode);
   quillon::tools::addServeCommand(app, exitCode);
   quillon::tools::addStoreCommand(app, exitCode);
   quillon::tools::addValidateCommand(app, exitCode);

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "core/Configuration/JsonType.h"
+#include "core/Configuration/Utf8.h"
 
 namespace quillon {
 namespace json {
@@ -21,27 +22,6 @@ constexpr std::array<Byte, 256> kBytes = [] {
 
 Byte kindOf(char c) {
   return kBytes[static_cast<unsigned char>(c)];
-}
-
-// The length of the UTF-8 sequence of two to four bytes at the start of @p text; 0 when it is not a sound one.
-std::size_t sequenceLength(std::string_view text) {
-  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned lead = at(0);
-  const std::size_t length = lead >= 0xC2 && lead < 0xE0   ? 2
-                             : (lead & 0xF0) == 0xE0       ? 3
-                             : lead >= 0xF0 && lead < 0xF5 ? 4
-                                                           : 0;
-  if (length == 0 || text.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((at(i) & 0xC0) != 0x80) return 0;
-  }
-  // Overlong forms, surrogates and what lies beyond U+10FFFF.
-  const unsigned second = at(1);
-  if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) || (lead == 0xF0 && second < 0x90) ||
-      (lead == 0xF4 && second > 0x8F)) {
-    return 0;
-  }
-  return length;
 }
 
 void writeEscape(std::string& json, char c) {
@@ -71,7 +51,7 @@ void writeText(std::string& json, std::string_view text) {
     if (kindOf(text.front()) == Byte::escaped) {
       writeEscape(json, text.front());
       text.remove_prefix(1);
-    } else if (const std::size_t length = sequenceLength(text); length > 0) {
+    } else if (const std::size_t length = utf8Length(text); length > 0) {
       json += text.substr(0, length);
       text.remove_prefix(length);
     } else {

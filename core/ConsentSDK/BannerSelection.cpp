@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "core/ConsentSDK/LocalizedTexts.h"
+
 namespace quillon {
 namespace {
 
@@ -19,13 +21,6 @@ const BannerConfig* category(const ConsentBannerConfig& banners, std::string_vie
     if (named != banners.namesMap.end()) found = banners.categories.find(named->second);
   }
   return found == banners.categories.end() ? nullptr : &found->second;
-}
-
-std::string inLanguage(const LocalizedText& text, std::string_view language) {
-  for (const std::string_view code : {language, std::string_view("en")}) {
-    if (const auto entry = text.find(code); entry != text.end()) return entry->second;
-  }
-  return text.empty() ? std::string() : text.begin()->second;
 }
 
 }  // namespace
@@ -57,8 +52,8 @@ bool dependsOnLocation(const MainConfiguration& configuration) {
 
 LocationCode locationCode(const CurrentLocationResponse::Place& place, std::string_view language) {
   LocationCode code;
-  code.country = inLanguage(place.countryISOCode, language);
-  const std::string state = inLanguage(place.stateISOCode, language);
+  code.country = textIn(language, place.countryISOCode);
+  const std::string state = textIn(language, place.stateISOCode);
   code.location = state.empty() ? code.country : code.country + "#" + state;
   return code;
 }

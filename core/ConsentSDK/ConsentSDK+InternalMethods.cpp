@@ -1,14 +1,12 @@
-// The check cycle, the location, the banner's turn and the answer to it.
+// The check cycle, the location, the banner's turn and the upload.
 #include "core/ConsentSDK/BannerSelection.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/ConsentSDK/SDKVersion.h"
-#include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+InternalMethods";
 constexpr std::chrono::seconds periodWithoutOptions{1800};
 constexpr std::chrono::seconds locationLifetime{3600};
 constexpr std::chrono::seconds followUpDelay{1};
@@ -81,19 +79,6 @@ void ConsentSDK::Core::refreshConsentMode() {
   if (const auto configuration = cache.readCDNFile(true)) {
     consentMode.updateFirebaseConsent(*configuration, knownLocation());
   }
-}
-
-Task<bool> ConsentSDK::Core::offersSettingsPrompt(VantariKey permission) {
-  const ConfigurationPointer configuration = cache.readCDNFile(true);
-  const auto banner = co_await bannerFor(configuration);
-  const auto entries = store.snapshot();
-  const StoredValues stored(*entries);
-  const bool wanted = banner && banner->shouldShowSettingsPrompt.value_or(false) &&
-                      stored.boolean(key::isSettingsPromptEnabled) && !stored.boolean(key::hasShownSettingsPrompt);
-  if (!wanted || !configuration->settingPrompt || !configuration->settingPrompt->permissions) co_return false;
-  const auto& switches = *configuration->settingPrompt->permissions;
-  const auto found = switches.find(permission.rawValue());
-  co_return found != switches.end() && found->second;
 }
 
 Task<std::optional<std::string>> ConsentSDK::Core::locationFor(const MainConfiguration& configuration) {
@@ -170,42 +155,6 @@ Task<void> ConsentSDK::Core::consentCheck() {
   recordDefaults(loaded.configuration);
   refreshConsentMode();
   co_await uploadPendingConsents();
-}
-
-void ConsentSDK::Core::recordDefaults(ConfigurationPointer configuration) {
-  PurposeManager manager = purposes(std::move(configuration));
-  store.transact([&](StoreTransaction& transaction) {
-    // A re-consent that is being waited for must not be answered by defaults.
-    const bool awaitsAnswer =
-        transaction.consentGivenType() == givenType::noAction && transaction.integer(key::bannerShownDate, 0) != 0;
-    manager.recordDefaults(transaction, awaitsAnswer ? givenType::noAction : givenType::implicitly, now());
-  });
-}
-
-Task<bool> ConsentSDK::Core::acceptOrReject(bool accept) {
-  const ConfigurationPointer configuration = cache.readCDNFile(true);
-  if (!configuration) {
-    UnitLog(logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
-                                "acceptOrReject");
-    co_return false;
-  }
-  const PurposeManager purposeManager = purposes(configuration);
-  const auto statuses = permissions(configuration).liveStatuses();
-  const std::int64_t time = now();
-  const bool stored = store.transact([&](StoreTransaction& transaction) {
-    for (const auto& [id, status] : purposeManager.answer(accept, transaction)) {
-      PurposeManager::setConsent(transaction, id, status, givenType::explicitly, time);
-    }
-    for (const auto& [permission, status] : statuses) {
-      PermissionManager::setConsent(transaction, permission, status, givenType::explicitly, time);
-    }
-    // Also an application without purposes has been answered.
-    transaction.set(key::consentGivenType, std::string(givenType::explicitly));
-  });
-  if (!stored) co_return false;
-  refreshConsentMode();
-  co_await uploadPendingConsents();
-  co_return true;
 }
 
 PostConsentsRequest ConsentSDK::Core::uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,

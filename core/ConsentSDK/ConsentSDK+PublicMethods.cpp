@@ -293,26 +293,19 @@ std::future<ConsentStatus> ConsentSDK::checkConsentBy(VantariKey permissionId) {
 }
 
 void ConsentSDK::presentBanner() {
-  core_->present("presentBanner()", [core = core_](ScreenPresenter& screens) {
-    if (core->isBannerDue()) screens.presentBanner();
-  });
+  core_->presentBanner();
 }
 
 void ConsentSDK::presentPreferenceCenter() {
-  core_->present("presentPreferenceCenter()", [](ScreenPresenter& screens) { screens.presentPreferenceCenter(); });
+  core_->presentPreferenceCenter();
 }
 
 void ConsentSDK::presentSettingPrompt(VantariKey permissionId) {
-  core_->tasks->start([core = core_, permission = std::move(permissionId)]() -> Task<void> {
-    if (!co_await core->offersSettingsPrompt(permission)) co_return;
-    core->present("presentSettingPrompt(permissionId:)",
-                  [permission](ScreenPresenter& screens) { screens.presentSettingsPrompt(permission); });
-  });
+  core_->presentSettingPrompt(std::move(permissionId), Core::Offer::unlessClosedBefore);
 }
 
 void ConsentSDK::openLink(std::string link) {
-  core_->present("openLink(link:)",
-                 [link = std::move(link)](ScreenPresenter& screens) { screens.presentWebView(link); });
+  core_->openLink(std::move(link));
 }
 
 void ConsentSDK::registerFonts(std::optional<CustomFont> heading, std::optional<CustomFont> body,

@@ -64,14 +64,6 @@ void ConsentSDK::Core::onMain(Job job) {
   });
 }
 
-void ConsentSDK::Core::present(std::string_view operation, std::function<void(ScreenPresenter&)> show) {
-  if (!platform.screens) {
-    UnitLog(logger, sourceFile)(LogLevel::warning, "No user interface is linked, nothing is shown", operation);
-    return;
-  }
-  onMain([screens = platform.screens, show = std::move(show)] { show(*screens); });
-}
-
 std::optional<ConsentSDKOptions> ConsentSDK::Core::currentOptions() const {
   const std::scoped_lock lock(mutex_);
   return options_;

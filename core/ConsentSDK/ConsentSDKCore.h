@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -69,16 +71,11 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   void startNetworkMonitor();
   void startPermissionObservation();
   Task<void> consentCheck();
-  // Gives every purpose without a decision the default of the compliance type.
-  void recordDefaults(ConfigurationPointer configuration);
   bool isBannerDue();
-  Task<bool> acceptOrReject(bool accept);
   // Uploads what is pending. True when nothing is pending afterwards.
   Task<bool> uploadPendingConsents();
   // Hands the signals that follow from the present consents to the host's analytics library.
   void refreshConsentMode();
-  // Whether the settings prompt may be shown for a permission.
-  Task<bool> offersSettingsPrompt(VantariKey permission);
   // Uploads what is pending about a second from now, together with what else is decided until then.
   void scheduleUpload();
 
@@ -93,8 +90,28 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   // Runs a job of the host's on the main queue, contained, unless the SDK is gone by then.
   void onMain(Job job);
 
-  // Shows a screen, on the main queue; without a user interface only a warning is logged.
-  void present(std::string_view operation, std::function<void(ScreenPresenter&)> show);
+  // ConsentSDK+Screens
+  // Each shows a screen, on the main queue; without a user interface only a warning is logged.
+  void presentBanner();
+  void presentPreferenceCenter();
+  // When the configuration offers it for the permission, and the user has not closed it before or that does not matter.
+  enum class Offer { unlessClosedBefore, always };
+  void presentSettingPrompt(VantariKey permission, Offer offer);
+  void openLink(std::string link);
+  // Lets the user interface do something, later on the main queue; nothing when there is none.
+  void withScreens(std::function<void(ScreenPresenter&)> act);
+
+  // ConsentSDK+Decisions
+  // Gives every purpose without a decision the default of the compliance type.
+  void recordDefaults(ConfigurationPointer configuration);
+  // Each stores decisions in one transaction, together with the present state of every permission, and then uploads
+  // what changed. False when it could not be stored; whether the upload succeeded shows as the pending state.
+  // The answer to the banner.
+  Task<bool> acceptOrReject(bool accept);
+  // The choices made in the preference centre: true for granted.
+  Task<bool> savePreferences(std::map<std::int64_t, bool> selectedPurposes);
+  // A banner that was seen and not answered: the default of every purpose without a decision.
+  Task<bool> recordDefaultExplicitConsents();
 
   Platform platform;
   UserDefaultManager store;
@@ -114,6 +131,11 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
                                                                               EndPoint endPoint);
   Task<bool> apply(ConfigurationPointer configuration);
   Task<ConfigurationPointer> download(ConfigurationPointer probe);
+  // Writes the decisions on purposes and answers how they were given.
+  using Record = std::function<std::string_view(const PurposeManager&, StoreTransaction&, std::int64_t time)>;
+  Task<bool> record(Record write);
+  void present(std::string_view operation, std::function<void(ScreenPresenter&)> show);
+  Task<bool> offersSettingsPrompt(VantariKey permission, Offer offer);
   PostConsentsRequest uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
                                     const ConfigurationPointer& configuration);
 

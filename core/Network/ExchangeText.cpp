@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "core/Configuration/Utf8.h"
 #include "core/Logger/UnitLog.h"
 
 namespace quillon {
@@ -42,30 +43,6 @@ std::string withoutToken(std::string_view body) {
     while (end < body.size() && body[end] != '"') end += body[end] == '\\' ? 2 : 1;
     body.remove_prefix(std::min(end, body.size()));
   }
-}
-
-bool isUtf8(std::string_view bytes) {
-  for (std::size_t i = 0; i < bytes.size();) {
-    const auto lead = static_cast<unsigned char>(bytes[i]);
-    const std::size_t length = lead < 0x80                   ? 1
-                               : lead >= 0xc2 && lead < 0xe0 ? 2
-                               : lead >= 0xe0 && lead < 0xf0 ? 3
-                               : lead >= 0xf0 && lead < 0xf5 ? 4
-                                                             : 0;
-    if (length == 0 || i + length > bytes.size()) return false;
-    for (std::size_t k = 1; k < length; ++k) {
-      if ((static_cast<unsigned char>(bytes[i + k]) & 0xc0) != 0x80) return false;
-    }
-    if (length > 2) {
-      const auto second = static_cast<unsigned char>(bytes[i + 1]);
-      if ((lead == 0xe0 && second < 0xa0) || (lead == 0xed && second > 0x9f) || (lead == 0xf0 && second < 0x90) ||
-          (lead == 0xf4 && second > 0x8f)) {
-        return false;
-      }
-    }
-    i += length;
-  }
-  return true;
 }
 
 }  // namespace

@@ -99,29 +99,56 @@ std::vector<Purpose> PurposeManager::purposesWithConsents() const {
   return result;
 }
 
-std::vector<std::pair<std::int64_t, ConsentStatus>> PurposeManager::answer(bool accept,
-                                                                           const StoredValues& stored) const {
+ConsentStatus PurposeManager::decided(std::int64_t purposeId, bool granted, const StoredValues& stored,
+                                      bool tracking) const {
+  if (isATTMapped(purposeId)) return currentStatus(purposeId, stored, tracking);
+  return granted ? ConsentStatus::granted : ConsentStatus::declined;
+}
+
+PurposeManager::Decisions PurposeManager::answer(bool accept, const StoredValues& stored) const {
   const bool tracking = trackingAuthorized();
-  std::vector<std::pair<std::int64_t, ConsentStatus>> decisions;
+  Decisions decisions;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId) continue;
     const bool granted = accept || purpose.disableOptOut.value_or(false);
-    decisions.emplace_back(*purpose.purposeId, isATTMapped(*purpose.purposeId)
-                                                   ? currentStatus(*purpose.purposeId, stored, tracking)
-                                               : granted ? ConsentStatus::granted
-                                                         : ConsentStatus::declined);
+    decisions.emplace_back(*purpose.purposeId, decided(*purpose.purposeId, granted, stored, tracking));
   }
   return decisions;
 }
 
-void PurposeManager::recordDefaults(StoreTransaction& transaction, std::string_view givenType, std::int64_t now) const {
+PurposeManager::Decisions PurposeManager::choices(const std::map<std::int64_t, bool>& selected,
+                                                  const StoredValues& stored) const {
+  const bool tracking = trackingAuthorized();
+  Decisions decisions;
+  for (const Purpose& purpose : purposes()) {
+    if (!purpose.purposeId) continue;
+    const auto choice = selected.find(*purpose.purposeId);
+    if (choice == selected.end()) continue;
+    // The user cannot choose about an essential purpose: it gets its default unless a decision stands.
+    const bool undecided = !stored.consent(PurposeKey(*purpose.purposeId));
+    const bool granted = choice->second || (undecided && purpose.disableOptOut.value_or(false));
+    decisions.emplace_back(*purpose.purposeId, decided(*purpose.purposeId, granted, stored, tracking));
+  }
+  return decisions;
+}
+
+bool PurposeManager::hasDecisions(const StoredValues& stored) const {
+  return std::ranges::any_of(purposes(), [&](const Purpose& purpose) {
+    return purpose.purposeId && !isATTMapped(*purpose.purposeId) && stored.consent(PurposeKey(*purpose.purposeId));
+  });
+}
+
+std::string_view PurposeManager::recordDefaults(StoreTransaction& transaction, std::int64_t now) const {
+  const bool awaitsAnswer = transaction.consentGivenType() == givenType::noAction && hasDecisions(transaction);
+  const std::string_view given = awaitsAnswer ? givenType::noAction : givenType::implicitly;
   const bool tracking = trackingAuthorized();
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId || transaction.consent(PurposeKey(*purpose.purposeId))) continue;
     const bool essential = purpose.disableOptOut.value_or(false) && !isATTMapped(*purpose.purposeId);
     const auto status = essential ? ConsentStatus::granted : currentStatus(*purpose.purposeId, transaction, tracking);
-    setConsent(transaction, *purpose.purposeId, status, givenType, now);
+    setConsent(transaction, *purpose.purposeId, status, given, now);
   }
+  return given;
 }
 
 std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& stored) const {

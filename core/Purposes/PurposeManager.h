@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -35,11 +36,17 @@ class PurposeManager {
 
   // What an answer to the banner means for each purpose: all granted or all declined, but essential purposes are
   // granted and those bound to app tracking follow its status.
-  std::vector<std::pair<std::int64_t, ConsentStatus>> answer(bool accept, const StoredValues& stored) const;
+  using Decisions = std::vector<std::pair<std::int64_t, ConsentStatus>>;
+  Decisions answer(bool accept, const StoredValues& stored) const;
+
+  // What the choices made in the preference centre mean: granted where true, else declined; purposes bound to app
+  // tracking follow its status, which may have changed since they were shown. Purposes without a choice are left out.
+  Decisions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
 
   // Gives every purpose without a decision its default: what app tracking says, granted when essential, else what the
-  // compliance type implies.
-  void recordDefaults(StoreTransaction& transaction, std::string_view givenType, std::int64_t now) const;
+  // compliance type implies. Answers the given type that goes with it: implicit, or none while a re-consent is being
+  // waited for, which defaults must not answer.
+  std::string_view recordDefaults(StoreTransaction& transaction, std::int64_t now) const;
 
   // The pending consents as the upload carries them, read from one content of the store.
   std::vector<PurposeConsent> pendingConsents(const StoredValues& stored) const;
@@ -51,8 +58,12 @@ class PurposeManager {
  private:
   const std::vector<Purpose>& purposes() const;
   bool isATTMapped(std::int64_t purposeId) const;
+  // Whether anything is stored for a purpose that app tracking does not govern.
+  bool hasDecisions(const StoredValues& stored) const;
   // The present status: the decision or the default, then what app tracking makes of it.
   ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const;
+  // The status after a decision of the user's, which tracking may overrule.
+  ConsentStatus decided(std::int64_t purposeId, bool granted, const StoredValues& stored, bool tracking) const;
   bool trackingAuthorized() const;
 
   const Platform& platform_;

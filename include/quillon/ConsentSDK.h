@@ -188,8 +188,11 @@ class ConsentSDK {
   [[nodiscard]] std::future<void> settled();
   /// @}
 
- private:
+  /// What user interfaces of the library are built on; no business of hosts.
   class Core;
+  [[nodiscard]] const std::shared_ptr<Core>& core() const noexcept { return core_; }
+
+ private:
   std::shared_ptr<Core> core_;
 };
 

@@ -25,7 +25,10 @@ struct LinuxOptions {
   std::optional<std::string> vendorUrl = std::nullopt;
   /// Hands the consent-mode signals to the application's analytics library, by name ("ad_storage"), each "granted" or
   /// "denied". Called from a thread of the SDK's, after every change. Default: none.
-  std::function<void(const std::map<std::string, std::string>& signals)> consentSink = {};
+  std::function<void(const std::map<std::string, std::string>& values)> consentSink = {};
+  /// Folder of the text files that ship with the application, such as the page of WebViewConfig::blockedPageHTML: plain
+  /// files of at most 1 MiB in UTF-8. Links are not followed. Default: the folder of the executable.
+  std::optional<std::filesystem::path> resourceDirectory = std::nullopt;
 };
 
 /// Sets the options of ConsentSDK::shared(). Call it before the first use of shared(); later calls change nothing and

@@ -4,6 +4,11 @@
 
 #include <fstream>
 #include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "core/Configuration/Utf8.h"
+#include "platform/linux/PosixFileSystem.h"
 
 namespace quillon {
 namespace {
@@ -11,6 +16,7 @@ namespace {
 constexpr std::size_t longestLine = 4096;
 constexpr int mostLines = 100;
 constexpr std::size_t longestName = 96;
+constexpr std::size_t largestResource = std::size_t{1} << 20;
 
 // The text without quotes and escapes, printable and bounded.
 std::string plain(std::string_view text) {
@@ -50,9 +56,15 @@ std::string describeDevice() {
   return name.empty() ? kernel() : name + ", " + kernel();
 }
 
+std::filesystem::path executableFolder() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
 }  // namespace
 
-LinuxHostApplication::LinuxHostApplication() : device_(describeDevice()) {}
+LinuxHostApplication::LinuxHostApplication(std::filesystem::path resources)
+    : resources_(resources.empty() ? executableFolder() : std::move(resources)), device_(describeDevice()) {}
 
 std::optional<std::string> LinuxHostApplication::componentVersion(std::string_view identifier) const {
   if (identifier == "org.quillon.consent.core" || identifier == "org.quillon.consent.ui") return QUILLON_VERSION;
@@ -61,6 +73,15 @@ std::optional<std::string> LinuxHostApplication::componentVersion(std::string_vi
 
 std::optional<std::string> LinuxHostApplication::information(std::string_view /*key*/) const {
   return std::nullopt;
+}
+
+std::optional<std::string> LinuxHostApplication::resource(std::string_view name, std::string_view extension) const {
+  const std::string file = std::string(name) + '.' + std::string(extension);
+  // A name that leads elsewhere, or ends early, is none.
+  if (name.empty() || name.contains("..") || file.contains('/') || file.contains('\0')) return std::nullopt;
+  auto text = PosixFileSystem(resources_).read(resources_ / file, largestResource);
+  if (!text || !isUtf8(*text)) return std::nullopt;
+  return *std::move(text);
 }
 
 std::string LinuxHostApplication::localized(std::string_view key, std::string_view /*comment*/) const {

@@ -1,6 +1,7 @@
 // What a Linux system knows of the application and the machine it runs on.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "platform/HostApplication.h"
@@ -11,15 +12,18 @@ namespace quillon {
 // answers nothing and localized() the key.
 class LinuxHostApplication : public HostApplication {
  public:
-  LinuxHostApplication();
+  // The folder of its resources; the executable's when it is empty.
+  explicit LinuxHostApplication(std::filesystem::path resources = {});
 
   std::optional<std::string> componentVersion(std::string_view identifier) const override;
   std::optional<std::string> information(std::string_view key) const override;
   std::string localized(std::string_view key, std::string_view comment) const override;
+  std::optional<std::string> resource(std::string_view name, std::string_view extension) const override;
   // Such as "Debian GNU/Linux 12 (bookworm), Linux 6.1 x86_64": nothing that tells one machine from its like.
   std::string deviceDescription() const override { return device_; }
 
  private:
+  const std::filesystem::path resources_;
   const std::string device_;
 };
 

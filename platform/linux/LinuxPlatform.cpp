@@ -82,6 +82,12 @@ fs::path dataDirectory(const LinuxOptions& options) {
   return parent.empty() ? parent : parent / applicationFolder(options);
 }
 
+// Empty for the default.
+fs::path resourceDirectory(const LinuxOptions& options) {
+  std::error_code error;
+  return options.resourceDirectory ? fs::absolute(*options.resourceDirectory, error) : fs::path();
+}
+
 }  // namespace
 
 Platform linuxPlatform(const LinuxOptions& options) {
@@ -97,7 +103,7 @@ Platform linuxPlatform(const LinuxOptions& options) {
   platform.locale = std::make_shared<EnvironmentLocale>();
   platform.tracking = std::make_shared<FixedAppTracking>();
   platform.permissions = std::make_shared<LinuxPermissionSources>(options.applicationId);
-  platform.host = std::make_shared<LinuxHostApplication>();
+  platform.host = std::make_shared<LinuxHostApplication>(resourceDirectory(options));
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);
   if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;
   return platform;

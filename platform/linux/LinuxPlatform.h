@@ -1,6 +1,8 @@
 // The real services of a Linux system.
 #pragma once
 
+#include <memory>
+
 #include "platform/Platform.h"
 #include "quillon/LinuxPlatform.h"
 
@@ -8,5 +10,8 @@ namespace quillon {
 
 // A platform over new services; two calls share nothing but the files on disk.
 [[nodiscard]] Platform linuxPlatform(const LinuxOptions& options);
+
+// The public configure(), with a user interface for ConsentSDK::shared().
+bool configure(LinuxOptions options, std::shared_ptr<ScreenPresenter> screens);
 
 }  // namespace quillon

@@ -1,4 +1,5 @@
 // The process-wide instance. It lives here so that an application gets the services of the platform library it links.
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -12,6 +13,7 @@ namespace {
 struct Settings {
   std::mutex mutex;  // guards the members below
   LinuxOptions options;
+  std::shared_ptr<ScreenPresenter> screens;
   bool taken = false;
 };
 
@@ -20,23 +22,30 @@ Settings& settings() {
   return instance;
 }
 
-LinuxOptions takeOptions() {
+Platform configuredPlatform() {
   const std::scoped_lock lock(settings().mutex);
   settings().taken = true;
-  return settings().options;
+  Platform platform = linuxPlatform(settings().options);
+  platform.screens = settings().screens;
+  return platform;
 }
 
 }  // namespace
 
 bool configure(LinuxOptions options) {
+  return configure(std::move(options), nullptr);
+}
+
+bool configure(LinuxOptions options, std::shared_ptr<ScreenPresenter> screens) {
   const std::scoped_lock lock(settings().mutex);
   if (settings().taken) return false;
   settings().options = std::move(options);
+  settings().screens = std::move(screens);
   return true;
 }
 
 ConsentSDK& ConsentSDK::shared() {
-  static ConsentSDK instance(linuxPlatform(takeOptions()));
+  static ConsentSDK instance(configuredPlatform());
   return instance;
 }
 

@@ -27,6 +27,10 @@ std::string FixedHostApplication::localized(std::string_view key, std::string_vi
   return find(description_.translations, key).value_or(std::string(key));
 }
 
+std::optional<std::string> FixedHostApplication::resource(std::string_view name, std::string_view extension) const {
+  return find(description_.resources, std::string(name) + '.' + std::string(extension));
+}
+
 std::string FixedHostApplication::deviceDescription() const {
   return description_.device;
 }

@@ -19,6 +19,7 @@ class FixedHostApplication : public HostApplication {
     Texts componentVersions = {};  // by component identifier
     Texts information = {};
     Texts translations = {};
+    Texts resources = {};  // by file name, such as "blocked.html"
     std::string device = "Test device";
   };
 
@@ -28,6 +29,7 @@ class FixedHostApplication : public HostApplication {
   std::optional<std::string> componentVersion(std::string_view identifier) const override;
   std::optional<std::string> information(std::string_view key) const override;
   std::string localized(std::string_view key, std::string_view comment) const override;
+  std::optional<std::string> resource(std::string_view name, std::string_view extension) const override;
   std::string deviceDescription() const override;
 
  private:

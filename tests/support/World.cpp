@@ -111,10 +111,27 @@ void World::advance(std::chrono::milliseconds time) {
   clock->advance(time, [this] { sdk->settled().wait(); });
 }
 
+void World::onMain(const std::function<void()>& function) {
+  std::promise<void> done;
+  platform.executors->main()->post([&] {
+    function();
+    done.set_value();
+  });
+  done.get_future().wait();
+}
+
 void World::drainMainQueue() {
-  std::promise<void> reached;
-  platform.executors->main()->post([&reached] { reached.set_value(); });
-  reached.get_future().wait();
+  onMain([] {});
+}
+
+void World::settle() {
+  // What the main queue does may start a task, and a task may post to the main queue: quiet twice is quiet.
+  for (int quiet = 0; quiet < 2;) {
+    const auto settled = sdk->settled();
+    quiet = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready ? quiet + 1 : 0;
+    settled.wait();
+    drainMainQueue();
+  }
 }
 
 std::vector<boost::json::object> World::uploads() const {

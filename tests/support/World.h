@@ -48,6 +48,10 @@ class World {
   void advance(std::chrono::milliseconds time);
   // Waits until every callback that was due has run.
   void drainMainQueue();
+  // Waits until nothing is under way, neither in the background nor on the main queue.
+  void settle();
+  // Runs the function on the main queue and waits for it.
+  void onMain(const std::function<void()>& function);
 
   std::filesystem::path file() const { return folder.path() / "data" / "quillon-sdk-cdn.json"; }
   std::filesystem::path backup() const { return folder.path() / "data" / "quillon-sdk-cdn-backup.json"; }

@@ -77,6 +77,42 @@ TEST_F(Host, TakesOneRunFromSetUpToUpload) {
   EXPECT_NE(fileBytes(errors()).find("[INFO]Successfully removed all consents"), std::string::npos);
 }
 
+TEST_F(Host, ShowsItsScreensInWords) {
+  auto document = validConfiguration();
+  document["is_sp_enabled"] = true;
+  document["settings_prompt"] = {{"prompt_heading", {{"en", "Camera"}}},
+                                 {"permissions", {{"NSCameraUsageDescription", true}}}};
+  auto& banner = bannerOf(document);
+  banner["should_show_settings_prompt"] = true;
+  banner["banner_text"] = {{"en", R"(See <a href="https://help.example/">help</a>)"}};
+  server.serve(boost::json::serialize(document));
+  start({"--languages", "en", "--network", "satisfied"});
+  setUp();
+  ask(R"({"op":"waitReady"})");
+
+  const auto shown = ask(R"({"op":"banner","ifDue":true})").at("banner");
+  EXPECT_EQ(shown.at("bannerConfig").at("state"), "success");
+  EXPECT_EQ(shown.at("buttons").at(0).at("text"), "Reject");
+  EXPECT_EQ(shown.at("labels").at("save_changes"), "Save Changes");
+  EXPECT_EQ(ask(R"({"op":"bannerDue"})").at("due"), false) << "it is on screen";
+  EXPECT_EQ(ask(R"({"op":"recordDefaults"})").at("ok"), true);
+  EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "declined");
+
+  EXPECT_EQ(ask(R"({"op":"preferences"})").at("preferences").at("purposes").at(0).at("label"), "Rejected");
+  const auto saved = ask(R"({"op":"preferences","toggle":1,"save":true})");
+  EXPECT_EQ(saved.at("preferences").at("purposes").at(0).at("label"), "Accepted");
+  EXPECT_EQ(saved.at("isShown"), false);
+  EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "granted");
+
+  const std::string prompt = R"({"op":"prompt","permission":"NSCameraUsageDescription")";
+  EXPECT_EQ(ask(prompt + "}").at("prompt").at("heading"), "Camera");
+  EXPECT_EQ(ask(prompt + R"(,"choose":"close"})").at("isShown"), false);
+  EXPECT_EQ(ask(prompt + "}").at("prompt"), nullptr);
+
+  EXPECT_EQ(ask(R"({"op":"openLink","link":"HTTPS://help.example/a"})").at("loaded"), "https://help.example/a");
+  EXPECT_EQ(ask(R"({"op":"openLink","link":"https://other.example/"})").at("isBlockedPageShowing"), true);
+}
+
 TEST_F(Host, ExplainsWhatItDoesNotUnderstandAndGoesOn) {
   start();
   for (const auto& [line, error] : std::map<std::string, std::string>{

@@ -196,7 +196,7 @@ INSTANTIATE_TEST_SUITE_P(
              "it names no host",
              R"(banner_config.categories.us.dsr_portal_link: the web view refuses "": it is empty)",
              R"(banner_config.categories.zz.dsr_portal_link: the web view refuses "https://reader.example/a b": )"
-             "it is not a complete address"}},
+             "it contains a space"}},
         Case{"LinksInTextsThatDoNotOpen",
              bannerWith(R"json({"accept": {"en":
                "<a class='x'HREF = 'tel:1'>1</a><a href=/two>2</a><a href=\"https://reader.example/?a&amp;b\">3</a>"},

@@ -42,6 +42,17 @@ standard error. Every answer carries "ok"; a line that is unknown or malformed i
   {"op":"store"}                   "store": the whole suite as an object; dates as seconds since 1970
   {"op":"removeConsents"}          deletes every stored value
   {"op":"version"}                 "sdkVersion"
+  {"op":"banner"}                  opens the banner unless it is open, and tells what it shows: state of each load, texts,
+                     controls, labels; with "ifDue":true only when it is due; with "perform":"accept", "reject", "close",
+                     "openPreferenceCenter", "openPrivacyNotice" or "openDSRPortal" taps that control afterwards
+  {"op":"recordDefaults"}          records the defaults, as a banner does that is closed without an answer
+  {"op":"preferences"}             opens the preference centre unless it is open, and tells what it shows; before that
+                     "toggle":N taps the switch of a purpose and "setAll":true or false switches all; after that
+                     "save":true or "close":true leaves it
+  {"op":"prompt","permission":KEY} "prompt": the settings prompt, or null when it is not offered; "choose":"settings",
+                     "notNow" or "close" leaves it
+  {"op":"openLink","link":L}       opens a link in the web view: "loaded", the address given to the browser, or null and
+                     "isBlockedPageShowing"
   {"op":"quit"}                    ends the host; so does the end of the input
 )";
 
@@ -58,6 +69,7 @@ void addHostCommand(CLI::App& app, int& exitCode) {
   auto* host = app.add_subcommand("host", "A headless host application, driven line by line");
   host->footer(footer);
   host->add_option("--data-dir", settings->device.dataDirectory, "Folder of the store and the cached configuration");
+  host->add_option("--resources", settings->device.resources, "Folder of the application's own pages");
   host->add_option("--vendor-url", settings->device.vendorUrl, "Base address of the location look-up, ending in /");
   host->add_option("--languages", settings->languages, "Preferred languages, best first, as de-DE,en");
   host->add_option("--tracking", settings->device.tracking, "Tracking authorization")

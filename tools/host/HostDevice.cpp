@@ -71,11 +71,13 @@ std::vector<SentSignals::Signals> SentSignals::all() const {
 HostDevice::HostDevice(const DeviceOptions& options) {
   LinuxOptions linux_{.applicationId = hostApplicationId};
   if (!options.dataDirectory.empty()) linux_.dataDirectory = options.dataDirectory;
+  if (!options.resources.empty()) linux_.resourceDirectory = options.resources;
   if (!options.vendorUrl.empty()) linux_.vendorUrl = options.vendorUrl;
   platform_ = linuxPlatform(linux_);
 
   platform_.console = std::make_shared<StandardErrorConsole>(platform_.console);
   platform_.network = network_ = std::make_shared<StaticNetworkPath>(options.network);
+  platform_.screens = screens_;
   platform_.tracking = std::make_shared<FixedAppTracking>(options.tracking, options.advertisingIdentifier);
   platform_.permissions = permissions_ = std::make_shared<SettablePermissionSources>(platform_.permissions);
   platform_.host = application_ = std::make_shared<HeadlessApplication>(platform_.host);

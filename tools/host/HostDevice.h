@@ -14,12 +14,14 @@
 #include "platform/memory/SettablePermissionSources.h"
 #include "platform/memory/StaticNetworkPath.h"
 #include "platform/memory/VirtualClock.h"
+#include "tools/host/HostScreens.h"
 
 namespace quillon::tools {
 
 // What the command line says about the device.
 struct DeviceOptions {
   std::filesystem::path dataDirectory;  // empty: the user's
+  std::filesystem::path resources;      // empty: the executable's folder
   std::string vendorUrl;                // empty: the product's
   std::vector<std::string> languages;   // empty: those of the environment
   TrackingAuthorization tracking = TrackingAuthorization::notDetermined;
@@ -57,6 +59,9 @@ class HeadlessApplication : public HostApplication {
   std::string localized(std::string_view key, std::string_view comment) const override {
     return system_->localized(key, comment);
   }
+  std::optional<std::string> resource(std::string_view name, std::string_view extension) const override {
+    return system_->resource(name, extension);
+  }
   std::string deviceDescription() const override { return system_->deviceDescription(); }
 
  private:
@@ -73,6 +78,7 @@ class HostDevice {
   const Platform& platform() const { return platform_; }
   StaticNetworkPath& network() { return *network_; }
   const SentSignals& sentSignals() const { return *signals_; }
+  HostScreens& screens() { return *screens_; }
   // Null when the clock is the real one.
   VirtualClock* clock() { return clock_.get(); }
 
@@ -86,6 +92,7 @@ class HostDevice {
   std::shared_ptr<VirtualClock> clock_;
   std::shared_ptr<SettablePermissionSources> permissions_;
   std::shared_ptr<HeadlessApplication> application_;
+  std::shared_ptr<HostScreens> screens_ = std::make_shared<HostScreens>();
   std::shared_ptr<SentSignals> signals_ = std::make_shared<SentSignals>();
 };
 

@@ -90,6 +90,11 @@ const HostSession::Entry HostSession::entries[] = {
     {"store", &HostSession::store},
     {"removeConsents", &HostSession::removeConsents},
     {"version", &HostSession::version},
+    {"banner", &HostSession::banner},
+    {"recordDefaults", &HostSession::recordDefaults},
+    {"preferences", &HostSession::preferences},
+    {"prompt", &HostSession::prompt},
+    {"openLink", &HostSession::openLink},
     {"quit", &HostSession::quit},
 };
 
@@ -304,6 +309,113 @@ json::object HostSession::removeConsents(const Object&) {
 json::object HostSession::version(const Object&) {
   const auto version = sdk_.sdkVersion();
   return {{"ok", true}, {"sdkVersion", version ? json::value(*version) : json::value(nullptr)}};
+}
+
+void HostSession::onMain(const std::function<void(HostScreens&)>& function) {
+  const auto main = device_.platform().executors->main();
+  const auto runAndWait = [&main](const std::function<void()>& job) {
+    std::promise<void> done;
+    main->post([&] {
+      job();
+      done.set_value();
+    });
+    done.get_future().wait();
+  };
+  runAndWait([&] { function(device_.screens()); });
+  // What the main queue does may start a task, and a task may post to the main queue: quiet twice is quiet.
+  for (int quiet = 0; quiet < 2;) {
+    const auto settled = sdk_.settled();
+    quiet = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready ? quiet + 1 : 0;
+    settled.wait();
+    runAndWait([] {});
+  }
+}
+
+json::object HostSession::banner(const Object& request) {
+  const auto ifDue = optionalArgument<bool>(request, "ifDue").value_or(false);
+  const auto action = optionalArgument<std::string>(request, "perform");
+  onMain([&](HostScreens& screens) {
+    if (screens.banner) return;
+    if (ifDue) {
+      sdk_.presentBanner();
+    } else {
+      screens.presentBanner(sdk_.core());
+    }
+  });
+  Object reply = done();
+  onMain([&](HostScreens& screens) {
+    if (screens.banner) reply["banner"] = description(*screens.banner);
+  });
+  if (!action) return reply;
+  const auto chosen = bannerAction(*action);
+  if (!chosen) throw RequestError("\"perform\" names no control of a banner");
+  onMain([&](HostScreens& screens) {
+    if (screens.banner) screens.banner->perform(*chosen);
+  });
+  onMain([&](HostScreens& screens) { reply["isShown"] = screens.banner != nullptr; });
+  return reply;
+}
+
+json::object HostSession::recordDefaults(const Object&) {
+  onMain([&](HostScreens& screens) {
+    if (!screens.banner) screens.presentBanner(sdk_.core());
+    screens.banner->recordDefaultExplicitConsents();
+  });
+  return done();
+}
+
+json::object HostSession::preferences(const Object& request) {
+  const auto toggled = optionalArgument<std::int64_t>(request, "toggle");
+  const auto all = optionalArgument<bool>(request, "setAll");
+  const bool saves = optionalArgument<bool>(request, "save").value_or(false);
+  const bool closes = optionalArgument<bool>(request, "close").value_or(false);
+  onMain([&](HostScreens& screens) {
+    if (!screens.preferenceCenter) sdk_.presentPreferenceCenter();
+  });
+  Object reply = done();
+  onMain([&](HostScreens& screens) {
+    auto& model = *screens.preferenceCenter;
+    if (all) model.setAll(*all);
+    if (toggled) model.tapToggle(*toggled);
+    reply["preferences"] = description(model);
+    if (saves) model.save();
+    if (closes) model.close();
+  });
+  onMain([&](HostScreens& screens) { reply["isShown"] = screens.preferenceCenter != nullptr; });
+  return reply;
+}
+
+json::object HostSession::prompt(const Object& request) {
+  const auto permission = argument<std::string>(request, "permission");
+  const auto choice = optionalArgument<std::string>(request, "choose");
+  sdk_.presentSettingPrompt(VantariKey(permission));
+  Object reply = done();
+  onMain([](HostScreens&) {});
+  onMain([&](HostScreens& screens) {
+    reply["prompt"] = screens.settingsPrompt ? json::value(description(*screens.settingsPrompt)) : json::value();
+    if (!choice || !screens.settingsPrompt) return;
+    if (*choice == "settings") screens.settingsPrompt->openSettings();
+    if (*choice == "notNow") screens.settingsPrompt->notNow();
+    if (*choice == "close") screens.settingsPrompt->close();
+  });
+  onMain([&](HostScreens& screens) {
+    reply["isShown"] = screens.settingsPrompt != nullptr;
+    reply["systemSettingsOpened"] = screens.systemSettingsOpened;
+  });
+  return reply;
+}
+
+json::object HostSession::openLink(const Object& request) {
+  sdk_.openLink(argument<std::string>(request, "link"));
+  Object reply = done();
+  onMain([](HostScreens&) {});
+  onMain([&](HostScreens& screens) {
+    const BrowserContent& content = *screens.browserContent;
+    reply["loaded"] = content.isBlockedPage ? json::value() : json::value(content.address);
+    reply["isBlockedPageShowing"] = content.isBlockedPage;
+    screens.webView.reset();
+  });
+  return reply;
 }
 
 json::object HostSession::quit(const Object&) {

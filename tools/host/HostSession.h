@@ -2,6 +2,7 @@
 #pragma once
 
 #include <boost/json/object.hpp>
+#include <functional>
 #include <iosfwd>
 #include <string>
 
@@ -51,7 +52,15 @@ class HostSession {
   Object store(const Object& request);
   Object removeConsents(const Object& request);
   Object version(const Object& request);
+  Object banner(const Object& request);
+  Object recordDefaults(const Object& request);
+  Object preferences(const Object& request);
+  Object prompt(const Object& request);
+  Object openLink(const Object& request);
   Object quit(const Object& request);
+
+  // Runs the function on the main queue, where screens live, and waits until all that it started is over.
+  void onMain(const std::function<void(HostScreens&)>& function);
 
   HostDevice& device_;
   ConsentSDK sdk_;

@@ -1,7 +1,7 @@
 #include <set>
 #include <string_view>
 
-#include "tools/validate/LocalizedTexts.h"
+#include "core/Configuration/ConfiguredTexts.h"
 #include "tools/validate/Rules.h"
 
 namespace quillon::tools {
@@ -11,7 +11,7 @@ using Languages = std::set<std::string_view>;
 
 Languages languagesOf(const MainConfiguration& configuration) {
   Languages languages;
-  forEachText(configuration, [&languages](const DocumentPath&, const LocalizedText& text) {
+  forEachText(configuration, NoPath(), [&languages](NoPath, const LocalizedText& text) {
     for (const auto& [language, words] : text) languages.insert(language);
   });
   return languages;
@@ -36,7 +36,7 @@ std::string missing(const Languages& languages, const Texts& texts) {
 
 void textsHaveAllLanguages(const MainConfiguration& configuration, const Report& report) {
   const auto languages = languagesOf(configuration);
-  forEachText(configuration, [&](const DocumentPath& path, const LocalizedText& text) {
+  forEachText(configuration, DocumentPath(), [&](const DocumentPath& path, const LocalizedText& text) {
     if (const auto names = missing(languages, text); !names.empty()) report({path.text(), "has no text in " + names});
   });
 }

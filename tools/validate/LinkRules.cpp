@@ -1,42 +1,22 @@
 #include <algorithm>
-#include <boost/url/parse.hpp>
 
-#include "tools/validate/LocalizedTexts.h"
+#include "core/Configuration/ConfiguredTexts.h"
 #include "tools/validate/Rules.h"
+#include "ui/Common/WebView/LinkAddress.h"
 
 namespace quillon::tools {
 namespace {
 
-// Why the in-app web view would open it for no host at all; empty when it might.
-std::string_view refusal(std::string_view address) {
-  const auto first = std::min(address.find_first_not_of(' '), address.size());
-  std::string ascii(address.substr(first, address.find_last_not_of(' ') + 1 - first));
-  if (ascii.empty()) return "it is empty";
-  // Other letters than those of ASCII may stand in a link; whether they can be mapped is for the web view to find out.
-  std::ranges::replace_if(ascii, [](char c) { return (static_cast<unsigned char>(c) & 0x80) != 0; }, 'x');
-  const auto url = boost::urls::parse_uri(ascii);
-  if (!url) return "it is not a complete address";
-  if (url->scheme_id() != boost::urls::scheme::http && url->scheme_id() != boost::urls::scheme::https) {
-    return "it is neither http nor https";
-  }
-  if (url->has_userinfo()) return "it carries a user name";
-  if (url->encoded_host().empty()) return "it names no host";
-  return {};
-}
-
+// By whatever list of hosts.
 void expectOpens(std::string_view address, const DocumentPath& path, const Report& report) {
-  if (const auto reason = refusal(address); !reason.empty()) {
-    report({path.text(), "the web view refuses " + inQuotes(address) + ": " + std::string(reason)});
-  }
-}
-
-void expectOpens(const std::optional<std::string>& address, const DocumentPath& path, const Report& report) {
-  if (address) expectOpens(std::string_view(*address), path, report);
+  const auto link = parseLink(address);
+  if (link) return;
+  report({path.text(), "the web view refuses " + inQuotes(address) + ": " + std::string(reason(link.error()))});
 }
 
 // Calls back with the value of every attribute href; looks at each byte a bounded number of times.
 template <class Visit>
-void forEachLink(std::string_view html, Visit visit) {
+void forEachLinkIn(std::string_view html, Visit visit) {
   constexpr std::string_view blanks = " \t\r\n\f";
   constexpr std::string_view attribute = "href";
   std::string lower(html);
@@ -59,25 +39,14 @@ void forEachLink(std::string_view html, Visit visit) {
 }  // namespace
 
 void linksOpen(const MainConfiguration& configuration, const Report& report) {
-  const DocumentPath root;
-  for (std::size_t i = 0; configuration.purposes && i < configuration.purposes->size(); ++i) {
-    const auto& sdks = (*configuration.purposes)[i].sdks;
-    for (std::size_t j = 0; sdks && j < sdks->size(); ++j) {
-      expectOpens((*sdks)[j].website, root.at("purposes").at(i).at("sdks").at(j).at("website"), report);
-    }
-  }
-  if (!configuration.bannerConfig) return;
-  for (const auto& [name, banner] : configuration.bannerConfig->categories) {
-    const auto path = root.at("banner_config").at("categories").at(name);
-    expectOpens(banner.privacyNoticeLink, path.at("privacy_notice_link"), report);
-    expectOpens(banner.dsrPortalLink, path.at("dsr_portal_link"), report);
-  }
+  forEachLink(configuration, DocumentPath(),
+              [&report](const DocumentPath& path, std::string_view address) { expectOpens(address, path, report); });
 }
 
 void linksInTextsOpen(const MainConfiguration& configuration, const Report& report) {
-  forEachText(configuration, [&report](const DocumentPath& path, const LocalizedText& text) {
+  forEachText(configuration, DocumentPath(), [&report](const DocumentPath& path, const LocalizedText& text) {
     for (const auto& [language, html] : text) {
-      forEachLink(html, [&](std::string_view address) { expectOpens(address, path.at(language), report); });
+      forEachLinkIn(html, [&](std::string_view address) { expectOpens(address, path.at(language), report); });
     }
   });
 }

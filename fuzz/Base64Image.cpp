@@ -1,0 +1,48 @@
+// An image that is handed to a toolkit has a format and a size that were found in its header and can be drawn.
+#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "fuzz/Check.h"
+#include "platform/Platform.h"
+#include "platform/memory/ManualExecutors.h"
+#include "platform/memory/MemoryStore.h"
+#include "platform/memory/VirtualClock.h"
+#include "ui/Common/Images/ImageHeader.h"
+
+namespace {
+
+using namespace quillon;
+
+class NoConsole : public Console {
+ public:
+  void write(std::string_view) override {}
+  [[noreturn]] void fatal(std::string_view, std::string_view) override { std::abort(); }
+};
+
+// A logger whose blocks nobody reads.
+struct Log {
+  Log() {
+    platform.console = std::make_shared<NoConsole>();
+    platform.clock = std::make_shared<VirtualClock>(WallTime());
+    platform.executors = std::make_shared<ManualExecutors>();
+    platform.store = std::make_shared<MemoryStore>();
+    logger.setLogLevel(LogLevel::info);
+  }
+
+  Platform platform;
+  SDKLogger logger{platform, store};
+  UserDefaultManager store{platform, logger};
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static Log log;
+  const std::string_view input(reinterpret_cast<const char*>(data), size);
+  (void)imageHeader(input);  // without the detour by base64, which hides from the fuzzer what it changes
+  const auto image = imageFromBase64(input, log.logger);
+  if (!image) return 0;
+  fuzz::check(image->width >= 1 && image->height >= 1, "an image has a size");
+  fuzz::check(std::int64_t{image->width} * image->height <= 25'000'000, "an image has at most 25 megapixels");
+  const auto header = imageHeader(image->bytes);
+  fuzz::check(header && header->format == image->format, "the format is that of the bytes");
+  return 0;
+}

@@ -1,0 +1,16 @@
+// What a fuzz target claims about every input.
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace quillon::fuzz {
+
+// Stops the process, so that the input is kept, when the claim does not hold.
+inline void check(bool holds, const char* claim) {
+  if (holds) return;
+  std::fprintf(stderr, "does not hold: %s\n", claim);
+  std::abort();
+}
+
+}  // namespace quillon::fuzz

@@ -1,0 +1,49 @@
+// The text files that ship with an application.
+#include <gtest/gtest.h>
+
+#include "platform/linux/LinuxPlatform.h"
+#include "platform/memory/FixedHostApplication.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quillon {
+namespace {
+
+using test::setFileBytes;
+
+TEST(HostApplication, FindsItsResourcesByNameAndExtension) {
+  const test::TemporaryFolder folder;
+  setFileBytes(folder.path() / "page.html", "über");
+  const FixedHostApplication fixed({.resources = {{"page.html", "über"}}});
+  const auto system = linuxPlatform({.resourceDirectory = folder.path()}).host;
+  for (const HostApplication* application : std::initializer_list<const HostApplication*>{&fixed, system.get()}) {
+    EXPECT_EQ(application->resource("page", "html"), "über");
+    EXPECT_EQ(application->resource("page", "txt"), std::nullopt);
+    EXPECT_EQ(application->resource("page.html", "html"), std::nullopt);
+    EXPECT_EQ(application->resource("", "html"), std::nullopt);
+  }
+}
+
+TEST(HostApplication, ReadsNothingOutsideItsFolderAndNothingUnsound) {
+  const test::TemporaryFolder outer;
+  const auto folder = outer.path() / "resources";
+  std::filesystem::create_directories(folder / "inner");
+  for (const auto* name : {"secret.html", "resources/inner/page.html", "resources/.html"}) {
+    setFileBytes(outer.path() / name, "text");
+  }
+  setFileBytes(folder / "bytes.html", "\xff");
+  setFileBytes(folder / "large.html", std::string((1 << 20) + 1, 'x'));
+  setFileBytes(folder / "full.html", std::string(1 << 20, 'x'));
+  std::filesystem::create_symlink(outer.path() / "secret.html", folder / "link.html");
+  std::filesystem::create_directory(folder / "folder.html");
+  const auto host = linuxPlatform({.resourceDirectory = folder}).host;
+  using namespace std::string_view_literals;
+  for (const auto name : {"../secret"sv, "inner/page"sv, "inner/../full"sv, ""sv, ".."sv, "link"sv, "folder"sv,
+                          "bytes"sv, "large"sv, "full.html\0"sv}) {
+    EXPECT_EQ(host->resource(name, "html"), std::nullopt) << name;
+  }
+  EXPECT_EQ(host->resource("full", "/../full.html"), std::nullopt);
+  EXPECT_TRUE(host->resource("full", "html"));
+}
+
+}  // namespace
+}  // namespace quillon

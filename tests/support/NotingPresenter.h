@@ -1,0 +1,40 @@
+// A user interface that notes what it was asked to show.
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/ScreenPresenter.h"
+
+namespace quillon::test {
+
+class NotingPresenter : public ScreenPresenter {
+ public:
+  void presentBanner(Core /*core*/) override { note("banner"); }
+  void presentPreferenceCenter(Core /*core*/) override { note("preferences"); }
+  void presentSettingsPrompt(Core /*core*/, const VantariKey& permission) override {
+    note("prompt " + permission.rawValue());
+  }
+  void presentWebView(Core /*core*/, const std::string& link) override { note("link " + link); }
+  void dismissTopMost() override { note("dismiss"); }
+  void dismissBanner() override { note("dismiss banner"); }
+  void openSystemSettings() override { note("settings"); }
+
+  // What was noted since the last call.
+  std::vector<std::string> take() {
+    const std::scoped_lock lock(mutex_);
+    return std::exchange(noted_, {});
+  }
+
+ private:
+  void note(std::string what) {
+    const std::scoped_lock lock(mutex_);
+    noted_.push_back(std::move(what));
+  }
+  std::mutex mutex_;
+  std::vector<std::string> noted_;
+};
+
+}  // namespace quillon::test

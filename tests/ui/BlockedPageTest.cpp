@@ -1,0 +1,53 @@
+#include "ui/Common/WebView/BlockedPage.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/json/parse.hpp>
+
+#include "ui/Common/WebView/webview_blocked_page.h"
+
+namespace quillon::test {
+namespace {
+
+// The text of the variable in a page, as its scripts find it.
+std::string addressIn(const std::string& html) {
+  constexpr std::string_view opening = "<script>var BLOCKED_URL=";
+  const auto begin = html.find(opening) + opening.size();
+  const auto end = html.find(";</script>", begin);
+  return std::string(boost::json::parse(html.substr(begin, end - begin)).as_string());
+}
+
+TEST(BlockedPage, ItsScriptsFindTheAddressWhateverItIs) {
+  const BlockedPage page("<html><HEAD></header></Head ><body></head></body>");
+  EXPECT_EQ(page.html(R"(a"b\c)"),
+            R"(<html><HEAD></header><script>var BLOCKED_URL="a\"b\\c";</script></Head ><body></head></body>)");
+  using namespace std::string_literals;
+  for (const auto& address : {""s, R"(\"";alert(1)//\)"s, "</script><script>alert(1)</script>"s, "<!--<script>"s,
+                              "a&lt;b&amp;"s, "\u2028\u2029\r\n\t\0\x1f\x7f"s, "https://bücher.example/日本"s}) {
+    const auto html = page.html(address);
+    EXPECT_EQ(addressIn(html), address);
+    EXPECT_TRUE(page.isPage(html)) << html;
+    EXPECT_EQ(html.find("</script>"), html.rfind("</script>")) << html;
+    EXPECT_EQ(html.find_first_of("\r\n\x7f"), std::string::npos);
+    EXPECT_EQ(html.find("\u2028"), std::string::npos);
+  }
+  EXPECT_EQ(addressIn(page.html("a\xff")), "a\uFFFD");
+  EXPECT_LT(page.html(std::string(1 << 20, '<')).size(), 100'000U);
+}
+
+TEST(BlockedPage, KnowsItselfFromOtherPages) {
+  const BlockedPage page(ownBlockedPage);
+  const auto html = page.html("https://a.example/");
+  EXPECT_TRUE(page.isPage(html));
+  const auto at = html.find("a.example");
+  for (const std::string_view inserted : {"\"", "<", "\";alert(1);\"", R"(\\")", "</script>"}) {
+    EXPECT_FALSE(page.isPage(std::string(html).insert(at, inserted))) << inserted;
+  }
+  EXPECT_FALSE(page.isPage(html + " "));
+  EXPECT_FALSE(page.isPage(BlockedPage("<head></head>").html("https://a.example/")));
+  EXPECT_FALSE(page.isPage(""));
+  EXPECT_EQ(BlockedPage("<p>x").html("a"), R"(<script>var BLOCKED_URL="a";</script><p>x)");
+}
+
+}  // namespace
+}  // namespace quillon::test

@@ -1,0 +1,147 @@
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "tests/support/World.h"
+#include "ui/Common/Images/ImageFromBase64.h"
+
+namespace quillon::test {
+namespace {
+
+using namespace std::string_literals;
+
+std::string base64(std::string_view bytes) {
+  constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  for (std::size_t at = 0; at < bytes.size(); at += 3) {
+    unsigned bits = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      bits = bits << 8 | (at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0);
+    }
+    for (std::size_t i = 0; i < 4; ++i) text += at + i <= bytes.size() ? alphabet[bits >> (18 - 6 * i) & 63] : '=';
+  }
+  return text;
+}
+
+std::string bigEndian(std::uint64_t value, int count) {
+  std::string bytes;
+  while (count-- > 0) bytes += static_cast<char>(value >> (8 * count));
+  return bytes;
+}
+
+std::string png(std::uint32_t width, std::uint32_t height) {
+  return "\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR"s + bigEndian(width, 4) + bigEndian(height, 4) + "\x08\x02\0\0\0crc4"s;
+}
+std::string gif(std::uint16_t width, std::uint16_t height) {
+  const auto low = [](std::uint16_t value) {
+    return std::string{static_cast<char>(value), static_cast<char>(value >> 8)};
+  };
+  return "GIF89a" + low(width) + low(height) + "\x80\0\0"s;
+}
+// With a segment that holds the beginning of another image, as thumbnails do, and a filling byte before the frame.
+std::string jpeg(std::uint16_t width, std::uint16_t height, char frame = '\xc2') {
+  return "\xff\xd8\xff\xe1\0\x0c\xff\xd8\xff\xc0\0\x0b\x08\0\x01\0\xff\xdb\0\x03Q\xff\xff"s + frame + "\0\x0b\x08"s +
+         bigEndian(height, 2) + bigEndian(width, 2) + "\x01\x01\x11\0"s;
+}
+
+struct Base64Image : testing::Test {
+  Base64Image() { world.restart(); }
+
+  std::optional<EncodedImage> read(std::string_view text) { return imageFromBase64(text, world.sdk->logger()); }
+  // What is logged of a text that is no image; "image" when it is one.
+  std::string errorOf(std::string_view text) {
+    const auto before = world.console->blocks().size();
+    if (read(text)) return "image";
+    std::string errors;
+    const auto blocks = world.console->blocks();
+    for (auto i = before; i < blocks.size(); ++i) {
+      if (const auto at = blocks[i].find("[ERROR]"); at != std::string::npos) errors += blocks[i].substr(at + 8);
+    }
+    const auto line = errors.find(':');
+    return errors.erase(line, errors.find(']') - line);
+  }
+
+  World world;
+};
+
+constexpr const char* noBase64 =
+    "[PreferenceCenterView] imageFromBase64(base64String:) - Failed to decode base64 string.";
+constexpr const char* noImage =
+    "[PreferenceCenterView] imageFromBase64(base64String:) - Failed to create UIImage from data.";
+
+TEST_F(Base64Image, HasFormatAndSizeOfItsHeader) {
+  using Size = std::array<int, 2>;
+  const struct {
+    std::string bytes;
+    EncodedImage::Format format;
+    Size size;
+  } cases[]{
+      {png(300, 2), EncodedImage::png, {300, 2}},
+      {png(25'000'000, 1), EncodedImage::png, {25'000'000, 1}},
+      {gif(258, 3), EncodedImage::gif, {258, 3}},
+      {jpeg(640, 4), EncodedImage::jpeg, {640, 4}},
+      {jpeg(640, 4, '\xc0') + "\xff\xda", EncodedImage::jpeg, {640, 4}},
+  };
+  for (const auto& one : cases) {
+    const auto image = read(base64(one.bytes));
+    ASSERT_TRUE(image) << one.size[0];
+    EXPECT_EQ(image->bytes, one.bytes);
+    EXPECT_EQ(image->format, one.format);
+    EXPECT_EQ((Size{image->width, image->height}), one.size);
+  }
+}
+
+TEST_F(Base64Image, IsReadFromWhateverTextHoldsBase64) {
+  const auto text = base64(png(1, 1));
+  for (const auto& same : {" \n" + text + "\t", "data:image/png;base64," + text, "\ndata:image/jpeg;base64," + text,
+                           text.substr(0, 20) + "data:image/gif;base64,\r\n" + text.substr(20),
+                           text.substr(0, 9) + "\xff-_%" + text.substr(9)}) {
+    const auto image = read(same);
+    ASSERT_TRUE(image) << same;
+    EXPECT_EQ(image->bytes, png(1, 1)) << same;
+  }
+}
+
+TEST_F(Base64Image, IsRefusedWithTheErrorOfItsStep) {
+  const auto gifText = base64(gif(1, 1));  // ends in "=="
+  const auto bare = gifText.substr(0, gifText.size() - 2);
+  const struct {
+    std::string text;
+    const char* error;
+  } cases[]{
+      {gifText, "image"},
+      {bare, noBase64},
+      {bare + "=", noBase64},
+      {bare + "=A=", noBase64},
+      {bare + "======", noBase64},
+      {"data:image/svg+xml;base64," + gifText, noBase64},
+      {"data:image/webp;base64," + gifText, noImage},
+      {std::string((std::size_t{8} << 20) + 1, 'A'), noBase64},
+      {"", noImage},
+      {base64("BM, or whatever"), noImage},
+      {base64(png(0, 1)), noImage},
+      {base64(png(5001, 5000)), noImage},
+      {base64(png(0xffffffff, 0xffffffff)), noImage},
+      {base64(gif(1, 0)), noImage},
+      {base64(jpeg(65535, 65535)), noImage},
+      {base64(jpeg(1, 0)), noImage},
+      {base64(jpeg(1, 1, '\xc4')), noImage},
+      {base64("\xff\xd8\xff\xda\0\x02"s + jpeg(1, 1).substr(2)), noImage},
+      {base64("\xff\xd8\xff\xe0\0\x01"s + jpeg(1, 1).substr(2)), noImage},
+      {base64("\xff\xd8"s + std::string(1000, '\xff')), noImage},
+  };
+  world.sdk->logger().setLogLevel(LogLevel::debug);
+  for (const auto& one : cases) EXPECT_EQ(errorOf(one.text), one.error) << one.text.substr(0, 60);
+}
+
+TEST_F(Base64Image, IsRefusedWhenItsHeaderIsCutAnywhere) {
+  for (const auto& whole : {png(1, 1), gif(1, 1), jpeg(1, 1)}) {
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+      EXPECT_FALSE(read(base64(whole.substr(0, length)))) << length << " of " << whole.size();
+    }
+    EXPECT_TRUE(read(base64(whole)));
+  }
+}
+
+}  // namespace
+}  // namespace quillon::test

@@ -1,0 +1,386 @@
+#include "ui/Common/WebView/WebViewModel.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/json/serialize.hpp>
+#include <map>
+
+#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/memory/FixedHostApplication.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+using Target = WebNavigationDelegate::Target;
+
+// A browser without a network: pages consist of a title and a heading. It works like an engine: later on the main
+// queue, asking the delegate before every step, with a history.
+class ScriptedBrowser : public WebSurface {
+ public:
+  struct Page {
+    std::string title = {};
+    std::string heading = {};
+    std::string redirect = {};
+    std::string error = {};  // with which loading it fails
+  };
+  struct State {
+    std::map<std::string, Page> pages;
+    std::vector<std::string> loads;  // what was asked for by load(), in order
+    std::vector<std::string> history;
+    std::size_t index = 0;
+    std::function<void()> heldScript;
+    bool holdsScripts = false;
+    std::weak_ptr<WebNavigationDelegate> delegate;
+    std::shared_ptr<const SubresourceGate> gate;
+    std::shared_ptr<Executor> main;
+  };
+  explicit ScriptedBrowser(std::shared_ptr<State> state) : state_(std::move(state)) {}
+
+  void attach(std::weak_ptr<WebNavigationDelegate> delegate, std::shared_ptr<const SubresourceGate> gate) override {
+    state_->delegate = std::move(delegate);
+    state_->gate = std::move(gate);
+  }
+  void load(const std::string& address) override {
+    state_->loads.push_back(address);
+    later([state = state_, address] { navigate(*state, address, state->history.size()); });
+  }
+  void loadHtml(const std::string& html) override {
+    later([state = state_, html] { navigate(*state, dataAddress(html), state->history.size()); });
+  }
+  void reload() override { step(0); }
+  void stop() override {}
+  void goBack() override { step(-1); }
+  void goForward() override { step(1); }
+  bool canGoBack() const override { return state_->index > 0; }
+  bool canGoForward() const override { return state_->index + 1 < state_->history.size(); }
+  std::string title() const override { return state_->pages[address()].title; }
+  std::string address() const override { return state_->history.empty() ? "" : state_->history[state_->index]; }
+  void runScript(const std::string& script, std::function<void(std::string)> done) override {
+    EXPECT_EQ(script, "document.querySelector('h1').innerText");
+    auto answer = [done = std::move(done), heading = headingOf(address())] { done(heading); };
+    if (state_->holdsScripts) {
+      state_->heldScript = std::move(answer);
+    } else {
+      later(std::move(answer));
+    }
+  }
+
+  // What a page, a tap or the history asks for; `place` in the history is where the page goes.
+  static void navigate(State& state, std::string address, std::size_t place, Target target = Target::thisView) {
+    const auto delegate = state.delegate.lock();
+    if (!delegate) return;
+    const auto ask = [&] { return delegate->decidePolicy(address, target) == WebNavigationDelegate::Policy::allow; };
+    if (!ask()) return delegate->didFailProvisionalNavigation("");
+    delegate->didStartProvisionalNavigation();
+    if (const auto redirect = state.pages[address].redirect; !redirect.empty()) {
+      address = redirect;
+      if (!ask()) return delegate->didFailProvisionalNavigation("");
+    }
+    if (const auto error = state.pages[address].error; !error.empty()) {
+      delegate->didFailProvisionalNavigation(error);
+      return delegate->didFail(error);
+    }
+    if (place == state.history.size()) {
+      state.history.resize(state.history.empty() ? 0 : state.index + 1);
+      state.history.push_back(address);
+      place = state.history.size() - 1;
+    }
+    state.index = place;
+    delegate->didFinish();
+  }
+
+ private:
+  static std::string dataAddress(const std::string& html) {
+    std::string address = "data:text/html;charset=UTF-8,";
+    for (const char c : html) {
+      constexpr std::string_view digits = "0123456789ABCDEF";
+      const auto byte = static_cast<unsigned char>(c);
+      if (std::isalnum(byte)) {
+        address += c;
+      } else {
+        address.append(1, '%').append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+      }
+    }
+    return address;
+  }
+  std::string headingOf(const std::string& address) const {
+    return address.starts_with("data:") ? "Blocked" : state_->pages[address].heading;
+  }
+  void step(int by) {
+    const auto place = state_->index + static_cast<std::size_t>(by);
+    later([state = state_, place] { navigate(*state, state->history.at(place), place); });
+  }
+  void later(Job job) { state_->main->post(std::move(job)); }
+
+  const std::shared_ptr<State> state_;
+};
+
+struct WebView : testing::Test {
+  WebView() {
+    world.amend = [this](Platform& platform) {
+      platform.host = std::make_shared<FixedHostApplication>(FixedHostApplication::Description{.resources = resources});
+    };
+    options.webviewConfig = WebViewConfig{.allowedDomains = {"https://Reader.example/news", "docs.example"}};
+  }
+  ~WebView() override {
+    world.onMain([this] { model.reset(); });
+  }
+
+  // On the main queue, where the hosts cannot arrive before its job is over.
+  void make(bool withBrowser = true) {
+    browser->main = world.platform.executors->main();
+    model = WebViewModel::make(world.sdk->core(), withBrowser ? std::make_unique<ScriptedBrowser>(browser) : nullptr);
+  }
+  void start() {
+    world.start(options);
+    world.onMain([this] { make(); });
+  }
+  void act(const std::function<void()>& action) {
+    world.onMain(action);
+    for (int i = 0; i < 3; ++i) world.settle();
+  }
+  void open(const std::string& address) {
+    act([&] { model->loadURL(address); });
+  }
+  // The page on screen wants to go there.
+  void follow(const std::string& address, Target target = Target::thisView) {
+    act([&] { ScriptedBrowser::navigate(*browser, address, browser->history.size(), target); });
+  }
+  template <class Value>
+  Value read(const Published<Value>& property) {
+    std::optional<Value> value;
+    world.onMain([&] { value = property.get(); });
+    return *value;
+  }
+  std::string shown() { return browser->history.empty() ? "" : browser->history.at(browser->index); }
+  bool isBlocked() { return read(model->isBlockedPageShowing); }
+  bool logged(const std::string& text) { return world.log().find(text + "\n") != std::string::npos; }
+
+  World world;
+  ConsentSDKOptions options = world.options();
+  FixedHostApplication::Texts resources;
+  std::shared_ptr<ScriptedBrowser::State> browser = std::make_shared<ScriptedBrowser::State>();
+  std::shared_ptr<WebViewModel> model;
+};
+
+TEST_F(WebView, OpensWhatTheApplicationTheVendorAndTheConfigurationNameAndNothingElse) {
+  auto document = validConfiguration();
+  bannerOf(document)["privacy_notice_link"] = "https://privacy.example/notice";
+  bannerOf(document)["dsr_portal_link"] = "https://user@portal.example/";
+  bannerOf(document)["banner_text"] = {{"fr", "<a href='https://Texte.example/a'>a</a>"}};
+  auto& purpose = document["purposes"].as_array()[0].as_object();
+  purpose["sdks"] = {{{"website", "http://meter.example"}, {"sdk_name", {{"en", "<a href=\"http://sdk.example\">"}}}}};
+  world.server.serve(boost::json::serialize(document));
+  options.cdnUrl = world.server.url();
+  start();
+  for (const std::string host :
+       {"docs.example", "sub.docs.example", "127.0.0.1", "quillon.example", "a.quillon-cdn.example", "privacy.example",
+        "texte.example", "meter.example", "sdk.example"}) {
+    open(" HTTPS://" + host);
+    EXPECT_EQ(browser->loads.back(), "https://" + host + "/");
+    EXPECT_TRUE(logged("[INFO]WebView: Navigation Allowed: https://" + host + "/"));
+    EXPECT_FALSE(isBlocked()) << host;
+  }
+  const auto loads = browser->loads.size();
+  for (const std::string address :
+       {"https://portal.example/", "https://baddocs.example/", "mailto:a@docs.example", ""}) {
+    open(address);
+    EXPECT_TRUE(logged("[WARNING]WebView: Initial URL blocked by filter: " + address));
+    EXPECT_TRUE(isBlocked()) << address;
+  }
+  EXPECT_EQ(browser->loads.size(), loads);
+  open("https://evil.example/\n[INFO]WebView: Navigation Allowed: x");
+  EXPECT_TRUE(logged(R"(filter: https://evil.example/\n[INFO]WebView: Navigation Allowed: x)"));
+}
+
+TEST_F(WebView, AppliesTheTestToEveryStepOfANavigation) {
+  browser->pages["https://docs.example/moved"].redirect = "https://evil.example/";
+  browser->pages["https://docs.example/inner"].redirect = "https://sub.docs.example/";
+  start();
+  open("https://docs.example/");
+  follow("https://docs.example/inner");
+  EXPECT_EQ(shown(), "https://sub.docs.example/");
+  follow("https://docs.example/new", Target::newWindow);
+  EXPECT_EQ(shown(), "https://docs.example/new") << "in the same view";
+  struct Step {
+    std::string address;
+    Target target = Target::thisView;
+  };
+  for (const auto& [address, target] :
+       {Step{"https://evil.example/"}, Step{"https://docs.example/moved"},
+        Step{"https://evil.example/", Target::newWindow}, Step{"javascript:alert(1)"},
+        Step{"data:text/html,<h1>Trust me</h1>"}, Step{"about:blank"}, Step{"https://docs.example:0/"}}) {
+    open("https://docs.example/");
+    ASSERT_FALSE(isBlocked());
+    follow(address, target);
+    EXPECT_TRUE(isBlocked()) << address;
+    EXPECT_FALSE(read(model->isLoading)) << address;
+    EXPECT_TRUE(shown().starts_with("data:text/html;")) << address;
+    const auto refused = address.ends_with("moved") ? "https://evil.example/" : address;
+    EXPECT_TRUE(logged("[WARNING]WebView: Navigation blocked by filter: " + refused)) << address;
+  }
+  // A page cannot bring anything into the view by calling it the blocked page.
+  follow("data:text/html," + std::string("<script>var BLOCKED_URL=\"x\";</script>"));
+  EXPECT_TRUE(shown().starts_with("data:text/html;charset=UTF-8,%3C%21DOCTYPE"));
+  const auto blocked = shown();
+  follow(blocked, Target::newWindow);
+  EXPECT_NE(shown(), blocked) << "the page for that address";
+  // An address in another form than ours is replaced by ours once, and then taken as it is.
+  follow("https://DOCS.example");
+  EXPECT_EQ(browser->loads.back(), "https://docs.example/");
+  const auto loads = browser->loads.size();
+  follow("https://DOCS.example");
+  EXPECT_EQ(browser->loads.size(), loads);
+}
+
+TEST_F(WebView, KnowsTheBlockedPageInTheHistory) {
+  start();
+  open("https://docs.example/");
+  follow("https://evil.example/");
+  const auto blocked = shown();
+  follow("https://docs.example/after");
+  for (const bool isRepeated : {false, true}) {
+    ASSERT_TRUE(model->canGoBack()) << isRepeated;
+    act([&] { model->goBack(); });
+    EXPECT_TRUE(isBlocked());
+    EXPECT_EQ(shown(), blocked);
+    EXPECT_EQ(read(model->pageTitle), "Blocked");
+    act([&] { model->refresh(); });
+    EXPECT_TRUE(isBlocked());
+    act([&] { model->goBack(); });
+    EXPECT_FALSE(isBlocked());
+    EXPECT_EQ(shown(), "https://docs.example/");
+    EXPECT_EQ(read(model->pageTitle), "https://docs.example/");
+    act([&] { model->goForward(); });
+    act([&] { model->goForward(); });
+    EXPECT_FALSE(isBlocked());
+  }
+  EXPECT_FALSE(model->canGoForward());
+}
+
+TEST_F(WebView, TakesTheTitleFromThePageItsHeadingOrItsAddress) {
+  browser->pages = {{"https://docs.example/title", {.title = "Title", .heading = "Heading"}},
+                    {"https://docs.example/heading", {.heading = "Heading"}},
+                    {"https://docs.example/long", {.title = std::string(5000, 'x')}}};
+  start();
+  const auto titleOf = [&](const std::string& address) {
+    open(address);
+    return read(model->pageTitle);
+  };
+  EXPECT_EQ(titleOf("https://docs.example/title"), "Title");
+  EXPECT_EQ(titleOf("https://docs.example/heading"), "Heading");
+  EXPECT_EQ(titleOf("https://docs.example/none"), "https://docs.example/none");
+  EXPECT_EQ(titleOf("https://evil.example/"), "Blocked");
+  EXPECT_LT(titleOf("https://docs.example/long").size(), 1100U);
+}
+
+TEST_F(WebView, DropsWhatComesTooLate) {
+  start();
+  browser->holdsScripts = true;
+  open("https://docs.example/old");
+  const auto titleOfOld = browser->heldScript;
+  browser->pages["https://docs.example/new"].title = "New";
+  open("https://docs.example/new");
+  act(titleOfOld);
+  EXPECT_EQ(read(model->pageTitle), "New");
+
+  act([&] {  // refused, but before its blocked page is shown something else is opened
+    ScriptedBrowser::navigate(*browser, "https://evil.example/", browser->history.size());
+    model->loadURL("https://docs.example/new");
+  });
+  EXPECT_FALSE(isBlocked());
+
+  const auto loads = browser->loads.size();
+  act([&] {
+    make();
+    model->loadURL("https://docs.example/first");
+    model->loadURL("https://docs.example/second");
+  });
+  EXPECT_EQ(browser->loads.size(), loads + 1);
+  EXPECT_EQ(browser->loads.back(), "https://docs.example/second");
+
+  open("https://docs.example/old");
+  act([&] {
+    make();
+    model->loadURL("https://docs.example/never");
+    model.reset();
+  });
+  act(browser->heldScript);
+  EXPECT_EQ(browser->loads.back(), "https://docs.example/old");
+}
+
+TEST_F(WebView, SurvivesObserversThatNavigateOrReleaseIt) {
+  start();
+  browser->pages["https://docs.example/1"].title = "One";
+  Observation loading;
+  std::vector<std::string> titles;
+  world.onMain([&] {
+    loading = model->isLoading.observe([&](bool isLoading) {
+      if (!isLoading && shown() == "https://docs.example/1") model->loadURL("https://docs.example/2");
+    });
+  });
+  open("https://docs.example/1");
+  EXPECT_EQ(read(model->pageTitle), "https://docs.example/2");
+  act([&] {
+    loading = model->isLoading.observe([&](bool) { model.reset(); });
+    model->loadURL("https://docs.example/1");
+  });
+  EXPECT_FALSE(model);
+}
+
+TEST_F(WebView, LogsNavigationErrorsAndShowsNone) {
+  browser->pages["https://docs.example/"].error = "name\nnot resolved";
+  start();
+  open("https://docs.example/");
+  EXPECT_TRUE(logged("[ERROR]Provisional navigation error: name\\nnot resolved"));
+  EXPECT_TRUE(logged("[ERROR]Navigation error: name\\nnot resolved"));
+  EXPECT_FALSE(read(model->isLoading));
+  EXPECT_FALSE(isBlocked());
+}
+
+TEST_F(WebView, ShowsTheApplicationsBlockedPageOrSaysThatItIsMissing) {
+  resources = {{"mine.html", "<head></head>mine"}};
+  options.webviewConfig->blockedPageHTML = "mine.html";
+  start();
+  open("https://evil.example/");
+  EXPECT_TRUE(shown().ends_with("%3C%2Fhead%3Emine"));
+  EXPECT_TRUE(isBlocked());
+  options.webviewConfig->blockedPageHTML = "gone";
+  start();
+  open("https://evil.example/");
+  EXPECT_TRUE(shown().ends_with("%3C%2Fhtml%3E%0A"));
+  EXPECT_TRUE(logged("[WARNING]WebView: gone.html not found in bundle"));
+}
+
+TEST_F(WebView, LetsNetworkThreadsAskAboutSubresources) {
+  start();
+  const auto gate = browser->gate;
+  std::thread network([&] {
+    while (!gate->allowsSubresource("https://sub.docs.example/style.css")) std::this_thread::yield();
+  });
+  open("https://docs.example/");
+  network.join();
+  act([&] { model.reset(); });
+  EXPECT_TRUE(gate->allowsSubresource("data:image/png;base64,AAAA"));
+  for (const auto* refused : {"https://evil.example/", "wss://docs.example/", "blob:https://docs.example/1", ""}) {
+    EXPECT_FALSE(gate->allowsSubresource(refused)) << refused;
+  }
+}
+
+TEST_F(WebView, WithoutABrowserOpensNothingAndSaysSo) {
+  world.start(options);
+  world.onMain([this] { make(false); });
+  open("https://docs.example/");
+  EXPECT_TRUE(logged("[WARNING]No browser is linked, the link is not opened: https://docs.example/"));
+  act([&] {
+    model->refresh();
+    model->stop();
+    model->goBack();
+    model->goForward();
+  });
+  EXPECT_FALSE(model->canGoBack() || model->canGoForward());
+}
+
+}  // namespace
+}  // namespace quillon::test

@@ -1,0 +1,184 @@
+#include "ui/Common/RichText/InlineStyle.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "core/Configuration/Utf8.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view blanks = " \t\n\f\r";
+// A longer address is no link; each run has a copy.
+constexpr std::size_t longestLink = 2048;
+// However often one is small or big within the other.
+constexpr double smallestScale = 0.5;
+constexpr double largestScale = 3;
+
+std::string_view withoutBlanks(std::string_view text) {
+  const auto begin = std::min(text.find_first_not_of(blanks), text.size());
+  return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
+bool equal(std::string_view a, std::string_view lowerCase) {
+  return std::ranges::equal(a, lowerCase, {}, [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : int{c}; });
+}
+
+std::string_view attribute(const GumboElement& element, const char* name) {
+  const GumboAttribute* const found = gumbo_get_attribute(&element.attributes, name);
+  return found != nullptr ? found->value : std::string_view();
+}
+
+// Takes off the text up to the separator, and the separator.
+std::string_view taken(std::string_view& text, std::string_view separators) {
+  const auto end = std::min(text.find_first_of(separators), text.size());
+  const auto piece = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return piece;
+}
+
+// Calls back with (property, word) for each word of each declaration of an attribute `style`.
+template <class Visit>
+void forEachStyleWord(const GumboElement& element, Visit visit) {
+  for (auto rest = attribute(element, "style"); !rest.empty();) {
+    auto words = taken(rest, ";");
+    const auto property = withoutBlanks(taken(words, ":"));
+    while (!words.empty()) {
+      if (const auto word = taken(words, " \t\n\f\r!,"); !word.empty()) visit(property, word);
+    }
+  }
+}
+
+void applyTag(InlineStyle& style, const GumboElement& element) {
+  switch (element.tag) {
+    case GUMBO_TAG_H1:
+      style.scale *= 2;
+      break;
+    case GUMBO_TAG_H2:
+      style.scale *= 1.5;
+      break;
+    case GUMBO_TAG_H3:
+      style.scale *= 1.17;
+      break;
+    case GUMBO_TAG_H5:
+      style.scale *= 0.83;
+      break;
+    case GUMBO_TAG_H6:
+      style.scale *= 0.67;
+      break;
+    case GUMBO_TAG_SMALL:
+      style.scale /= 1.2;
+      break;
+    case GUMBO_TAG_BIG:
+      style.scale *= 1.2;
+      break;
+    default:
+      break;
+  }
+  style.scale = std::clamp(style.scale, smallestScale, largestScale);
+
+  switch (element.tag) {
+    case GUMBO_TAG_B:
+    case GUMBO_TAG_STRONG:
+    case GUMBO_TAG_H1:
+    case GUMBO_TAG_H2:
+    case GUMBO_TAG_H3:
+    case GUMBO_TAG_H4:
+    case GUMBO_TAG_H5:
+    case GUMBO_TAG_H6:
+    case GUMBO_TAG_TH:
+      style.bold = true;
+      break;
+    case GUMBO_TAG_I:
+    case GUMBO_TAG_EM:
+    case GUMBO_TAG_CITE:
+    case GUMBO_TAG_DFN:
+    case GUMBO_TAG_VAR:
+    case GUMBO_TAG_ADDRESS:
+      style.italic = true;
+      break;
+    case GUMBO_TAG_PRE:
+    case GUMBO_TAG_LISTING:
+    case GUMBO_TAG_XMP:
+    case GUMBO_TAG_PLAINTEXT:
+      style.preformatted = true;
+      break;
+    case GUMBO_TAG_A: {
+      const auto address = withoutBlanks(attribute(element, "href"));
+      const bool hasControls = std::ranges::any_of(address, [](unsigned char c) { return c < 0x20 || c == 0x7f; });
+      if (address.size() <= longestLink && !hasControls && isUtf8(address)) style.link = address;
+      break;
+    }
+    default:
+      break;
+  }
+}
+
+void applyFont(InlineStyle& style, std::string_view property, std::string_view word) {
+  if (equal(property, "font-weight")) {
+    int weight = 0;
+    std::from_chars(word.data(), word.data() + word.size(), weight);
+    if (equal(word, "bold") || equal(word, "bolder") || weight >= 600) style.bold = true;
+    if (equal(word, "normal") || equal(word, "lighter") || (weight > 0 && weight < 600)) style.bold = false;
+  } else if (equal(property, "font-style")) {
+    if (equal(word, "italic") || equal(word, "oblique")) style.italic = true;
+    if (equal(word, "normal")) style.italic = false;
+  }
+}
+
+}  // namespace
+
+InlineStyle InlineStyle::within(const GumboElement& element) const {
+  InlineStyle style = *this;
+  applyTag(style, element);
+
+  // Lines drawn by an element go through all that it contains, which can add others but not take them away.
+  const auto tag = element.tag;
+  bool under = tag == GUMBO_TAG_U || tag == GUMBO_TAG_INS || (tag == GUMBO_TAG_A && !style.link.empty());
+  bool through = tag == GUMBO_TAG_S || tag == GUMBO_TAG_STRIKE || tag == GUMBO_TAG_DEL;
+  forEachStyleWord(element, [&](std::string_view property, std::string_view word) {
+    applyFont(style, property, word);
+    if (!equal(property, "text-decoration") && !equal(property, "text-decoration-line")) return;
+    if (equal(word, "none")) under = through = false;
+    if (equal(word, "underline")) under = true;
+    if (equal(word, "line-through")) through = true;
+  });
+  style.underline |= under;
+  style.strikethrough |= through;
+  return style;
+}
+
+bool isHidden(const GumboElement& element) {
+  switch (element.tag) {
+    case GUMBO_TAG_APPLET:
+    case GUMBO_TAG_AUDIO:
+    case GUMBO_TAG_CANVAS:
+    case GUMBO_TAG_DATALIST:
+    case GUMBO_TAG_EMBED:
+    case GUMBO_TAG_HEAD:
+    case GUMBO_TAG_IFRAME:
+    case GUMBO_TAG_IMG:
+    case GUMBO_TAG_NOEMBED:
+    case GUMBO_TAG_NOFRAMES:
+    case GUMBO_TAG_NOSCRIPT:
+    case GUMBO_TAG_OBJECT:
+    case GUMBO_TAG_SCRIPT:
+    case GUMBO_TAG_SELECT:
+    case GUMBO_TAG_STYLE:
+    case GUMBO_TAG_SVG:
+    case GUMBO_TAG_TEMPLATE:
+    case GUMBO_TAG_TEXTAREA:
+    case GUMBO_TAG_TITLE:
+    case GUMBO_TAG_VIDEO:
+      return true;
+    default:
+      break;
+  }
+  bool hidden = gumbo_get_attribute(&element.attributes, "hidden") != nullptr;
+  forEachStyleWord(element, [&hidden](std::string_view property, std::string_view word) {
+    if (equal(property, "display")) hidden |= equal(word, "none");
+  });
+  return hidden;
+}
+
+}  // namespace quillon

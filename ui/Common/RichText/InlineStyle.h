@@ -1,0 +1,28 @@
+// How the text of an element looks.
+#pragma once
+
+#include <gumbo.h>
+
+#include <string_view>
+
+#include "ui/Common/RichText/RichText.h"
+
+namespace quillon {
+
+struct InlineStyle {
+  bool bold = false;
+  bool italic = false;
+  bool underline = false;
+  bool strikethrough = false;
+  bool preformatted = false;
+  double scale = 1;
+  std::string_view link;  // empty: none; lies in the tree
+
+  // The style of an element within text of this style.
+  [[nodiscard]] InlineStyle within(const GumboElement& element) const;
+};
+
+// Whether the element and all that it contains yield no text.
+[[nodiscard]] bool isHidden(const GumboElement& element);
+
+}  // namespace quillon

@@ -1,0 +1,26 @@
+#include "ui/Common/RichText/RichTextViewModel.h"
+
+#include <utility>
+
+namespace quillon {
+
+std::shared_ptr<RichTextViewModel> RichTextViewModel::make(std::shared_ptr<ConsentSDK::Core> core) {
+  return std::make_shared<RichTextViewModel>(std::move(core));
+}
+
+RichTextViewModel::RichTextViewModel(std::shared_ptr<ConsentSDK::Core> core) : core_(std::move(core)) {}
+
+void RichTextViewModel::setHtml(std::string text) {
+  conversion_ = LoadTask::start(
+      core_, weak_from_this(),
+      [text](ConsentSDK::Core&) -> Task<std::optional<AttributedText>> { co_return richTextFromHtml(text); },
+      [](RichTextViewModel& model, std::optional<AttributedText> converted) {
+        model.attributedString.set(std::move(converted));
+      });
+  // Observers may release the model, or set another text: its conversion has replaced this one by then.
+  const auto self = shared_from_this();
+  html.set(std::move(text));
+  if (attributedString.get()) attributedString.set(std::nullopt);
+}
+
+}  // namespace quillon

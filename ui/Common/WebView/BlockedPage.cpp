@@ -1,0 +1,92 @@
+#include "ui/Common/WebView/BlockedPage.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "core/Configuration/JsonWriter.h"
+#include "ui/Common/WebView/LinkAddress.h"
+#include "ui/Common/WebView/webview_blocked_page.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view headEnd = "</head";
+constexpr std::string_view extension = "html";
+constexpr std::string_view opening = "<script>var BLOCKED_URL=";
+constexpr std::string_view closing = ";</script>";
+
+bool equalButForCase(char left, char right) {
+  const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return small(left) == small(right);
+}
+
+std::size_t placeOfScript(std::string_view page) {
+  for (auto at = page.begin();; ++at) {
+    at = std::search(at, page.end(), headEnd.begin(), headEnd.end(), equalButForCase);
+    if (at == page.end()) return 0;
+    const auto next = static_cast<std::size_t>(at - page.begin()) + headEnd.size();
+    if (next < page.size() && std::string_view(">/ \t\r\n\f").contains(page[next])) return next - headEnd.size();
+  }
+}
+
+// A text of JSON is one of JavaScript. What could end the script element, or a line in older engines, is escaped too.
+std::string scriptText(std::string_view address) {
+  constexpr std::array<std::pair<std::string_view, std::string_view>, 6> escapes{{{"<", "\\u003c"},
+                                                                                  {">", "\\u003e"},
+                                                                                  {"&", "\\u0026"},
+                                                                                  {"\x7f", "\\u007f"},
+                                                                                  {"\u2028", "\\u2028"},
+                                                                                  {"\u2029", "\\u2029"}}};
+  std::string json;
+  json::writeText(json, address);
+  std::string result;
+  for (std::string_view rest = json; !rest.empty();) {
+    const auto escape = std::ranges::find_if(escapes, [rest](const auto& row) { return rest.starts_with(row.first); });
+    result += escape == escapes.end() ? rest.substr(0, 1) : escape->second;
+    rest.remove_prefix(escape == escapes.end() ? 1 : escape->first.size());
+  }
+  return result;
+}
+
+}  // namespace
+
+BlockedPage::BlockedPage(std::string_view page) {
+  const auto place = placeOfScript(page);
+  before_.append(page.substr(0, place)).append(opening);
+  after_.append(closing).append(page.substr(place));
+}
+
+BlockedPage BlockedPage::configured(const std::optional<std::string>& name, const HostApplication& host,
+                                    const UnitLog& log) {
+  if (!name) return BlockedPage(ownBlockedPage);
+  std::string_view plain = *name;
+  if (plain.ends_with(".html")) plain.remove_suffix(extension.size() + 1);
+  if (const auto page = host.resource(plain, extension)) return BlockedPage(*page);
+  log(LogLevel::warning, "WebView: " + escapedForLog(plain) + ".html not found in bundle", "showBlockedPage(for:)");
+  return BlockedPage(ownBlockedPage);
+}
+
+std::string BlockedPage::html(std::string_view address) const {
+  std::string shown(address.substr(0, longestLink));
+  if (address.size() > longestLink) shown += "…";
+  return before_ + scriptText(shown) + after_;
+}
+
+bool BlockedPage::isPage(std::string_view html) const {
+  if (html.size() < before_.size() + after_.size() || !html.starts_with(before_) || !html.ends_with(after_)) {
+    return false;
+  }
+  html = html.substr(before_.size(), html.size() - before_.size() - after_.size());
+  if (html.size() < 2 || html.front() != '"' || html.back() != '"' || html.contains('<')) return false;
+  html = html.substr(1, html.size() - 2);
+  // One text from end to end: every quotation mark, and the end, stand outside an escape.
+  bool isEscaped = false;
+  for (const char c : html) {
+    if (c == '"' && !isEscaped) return false;
+    isEscaped = c == '\\' && !isEscaped;
+  }
+  return !isEscaped;
+}
+
+}  // namespace quillon

@@ -1,0 +1,37 @@
+// The page that is shown in place of a refused one.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/Logger/UnitLog.h"
+#include "platform/HostApplication.h"
+
+namespace quillon {
+
+// Immutable after construction.
+class BlockedPage {
+ public:
+  // A page whose scripts find the refused address in the variable BLOCKED_URL, which is set in front of the first
+  // closing head tag; of a page without one, in front of everything.
+  explicit BlockedPage(std::string_view page);
+
+  // The host application's page of that name, with or without ".html"; ours when none is named or it is missing, which
+  // is logged.
+  static BlockedPage configured(const std::optional<std::string>& name, const HostApplication& host,
+                                const UnitLog& log);
+
+  // The page for an address, which may be any text. Longer ones than any that opens are cut; what is not UTF-8 becomes
+  // U+FFFD.
+  [[nodiscard]] std::string html(std::string_view address) const;
+
+  // Whether a text is the page for some address.
+  [[nodiscard]] bool isPage(std::string_view html) const;
+
+ private:
+  std::string before_;  // the address as a script's text
+  std::string after_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,116 @@
+#include "ui/Common/WebView/LinkAddress.h"
+
+#include <algorithm>
+#include <boost/url/parse.hpp>
+
+#include "core/Configuration/Utf8.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
+constexpr std::string_view decimalDigits = "0123456789";
+
+bool isBeyondAscii(char c) {
+  return (static_cast<unsigned char>(c) & 0x80) != 0;
+}
+
+bool isControl(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+}
+
+// The pieces of an address as they stand in it.
+struct Pieces {
+  boost::urls::scheme scheme = boost::urls::scheme::none;
+  bool hasUserName = false;
+  bool hasAuthority = false;
+  std::string_view host = {};
+  std::optional<std::string_view> port = std::nullopt;
+  std::string_view rest = {};  // path, query and fragment
+};
+
+// Nothing when the grammar does not take it. The grammar knows only ASCII: each byte beyond is judged as the letter "x"
+// would be, which stands for itself everywhere and keeps every position.
+std::optional<Pieces> piecesOf(std::string_view address) {
+  std::string ascii(address);
+  std::ranges::replace_if(ascii, isBeyondAscii, 'x');
+  const auto url = boost::urls::parse_uri_reference(ascii);
+  if (!url) return std::nullopt;
+  Pieces pieces{.scheme = url->scheme_id(), .hasUserName = url->has_userinfo(), .hasAuthority = url->has_authority()};
+  if (!pieces.hasAuthority) return pieces;
+
+  const auto host = url->encoded_host();
+  const auto begin = static_cast<std::size_t>(host.data() - ascii.data());
+  pieces.host = address.substr(begin, host.size());
+  pieces.rest = address.substr(begin + host.size());
+  if (url->has_port()) {
+    pieces.port = pieces.rest.substr(1, url->port().size());
+    pieces.rest.remove_prefix(1 + pieces.port->size());
+  }
+  // The parser lets letters follow the bracket of an IPv6 address.
+  if (!pieces.rest.empty() && !std::string_view("/?#").contains(pieces.rest.front())) return std::nullopt;
+  return pieces;
+}
+
+bool isSoundPort(std::string_view port) {
+  constexpr std::size_t mostDigits = 5;
+  if (port.empty() || port.size() > mostDigits || port.front() == '0') return false;
+  return port.find_first_not_of(decimalDigits) == std::string_view::npos && std::stoi(std::string(port)) <= 65535;
+}
+
+std::string percentEncoded(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    if (isBeyondAscii(c)) {
+      const auto byte = static_cast<unsigned char>(c);
+      result.append(1, '%').append(1, hexDigits[byte >> 4]).append(1, hexDigits[byte & 15]);
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string_view trimmed(std::string_view text) {
+  const auto first = std::min(text.find_first_not_of(' '), text.size());
+  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+}  // namespace
+
+std::expected<LinkAddress, LinkRefusal> parseLink(std::string_view address) {
+  const auto link = trimmed(address);
+  if (link.empty()) return std::unexpected(LinkRefusal::empty);
+  if (link.size() > longestLink) return std::unexpected(LinkRefusal::tooLong);
+  if (!isUtf8(link)) return std::unexpected(LinkRefusal::notUtf8);
+  if (std::ranges::any_of(link, isControl)) return std::unexpected(LinkRefusal::controlCharacter);
+  if (link.contains(' ')) return std::unexpected(LinkRefusal::space);
+  if (link.contains('\\')) return std::unexpected(LinkRefusal::backslash);
+
+  const auto pieces = piecesOf(link);
+  if (!pieces || pieces->scheme == boost::urls::scheme::none) return std::unexpected(LinkRefusal::incomplete);
+  const bool isSecure = pieces->scheme == boost::urls::scheme::https;
+  if (!isSecure && pieces->scheme != boost::urls::scheme::http) return std::unexpected(LinkRefusal::scheme);
+  if (!pieces->hasAuthority) return std::unexpected(LinkRefusal::noHost);
+  if (pieces->hasUserName) return std::unexpected(LinkRefusal::userName);
+  if (pieces->port && !isSoundPort(*pieces->port)) return std::unexpected(LinkRefusal::port);
+  auto host = linkHost(pieces->host);
+  if (!host) return std::unexpected(host.error());
+
+  std::string text = (isSecure ? "https://" : "http://") + host->text;
+  if (pieces->port) text.append(":").append(*pieces->port);
+  if (!pieces->rest.starts_with('/')) text += '/';
+  text += percentEncoded(pieces->rest);
+  if (text.size() > longestLink) return std::unexpected(LinkRefusal::tooLong);
+  return LinkAddress{.text = std::move(text), .host = *std::move(host)};
+}
+
+std::optional<LinkHost> hostIn(std::string_view reference) {
+  if (reference.size() > longestLink) return std::nullopt;
+  const auto pieces = piecesOf(reference);
+  if (!pieces) return std::nullopt;
+  auto host = linkHost(pieces->host);
+  return host ? std::optional(*std::move(host)) : std::nullopt;
+}
+
+}  // namespace quillon

@@ -1,0 +1,238 @@
+#include "ui/Common/WebView/WebViewModel.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "core/Configuration/ConfiguredTexts.h"
+#include "core/Configuration/Utf8.h"
+#include "ui/Common/WebView/LinkAddress.h"
+#include "ui/Common/WebView/WebViewUrlExtractor.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "Common/WebView/WebViewModel";
+constexpr const char* vendorDomains[] = {"quillon.example", "quillon-cdn.example"};
+constexpr const char* headingScript = "document.querySelector('h1').innerText";
+constexpr std::size_t longestTitle = 1024;
+constexpr std::size_t longestDataAddress = std::size_t{4} << 20;
+
+std::set<std::string> hostsOfLinks(const MainConfiguration& configuration) {
+  std::set<std::string> hosts;
+  forEachLink(configuration, NoPath(), [&hosts](NoPath, const std::string& address) {
+    if (auto link = parseLink(address)) hosts.insert(std::move(link->host.text));
+  });
+  forEachText(configuration, NoPath(), [&hosts](NoPath, const LocalizedText& text) {
+    for (const auto& [language, html] : text) hosts.merge(WebViewUrlExtractor().extractHosts(html));
+  });
+  return hosts;
+}
+
+std::string percentDecoded(std::string_view text) {
+  const auto digit = [](char c) {
+    return c >= '0' && c <= '9'   ? c - '0'
+           : c >= 'A' && c <= 'F' ? c - 'A' + 10
+           : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                                  : -1;
+  };
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const int high = text[i] == '%' && i + 2 < text.size() ? digit(text[i + 1]) : -1;
+    const int low = high < 0 ? -1 : digit(text[i + 2]);
+    result += low < 0 ? text[i] : static_cast<char>(high << 4 | low);
+    if (low >= 0) i += 2;
+  }
+  return result;
+}
+
+// What a page calls itself, in a length that a header can take.
+std::string asTitle(std::string_view text) {
+  std::string title;
+  while (!text.empty()) {
+    const std::size_t length = utf8Length(text);
+    if (title.size() + length > longestTitle) return title + "…";
+    title.append(text.substr(0, length));
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return title;
+}
+
+}  // namespace
+
+WebViewModel::WebViewModel(std::shared_ptr<ConsentSDK::Core> core, std::unique_ptr<WebSurface> surface)
+    : core_(std::move(core)), log_(core_->logger, sourceFile), webView_(std::move(surface)) {}
+
+std::shared_ptr<WebViewModel> WebViewModel::make(std::shared_ptr<ConsentSDK::Core> core,
+                                                 std::unique_ptr<WebSurface> surface) {
+  const std::shared_ptr<WebViewModel> model(new WebViewModel(std::move(core), std::move(surface)));
+  if (!model->webView_) return model;
+  model->webView_->attach(model, model->gate_);
+  const auto gather = [](ConsentSDK::Core& services) -> Task<std::set<std::string>> {
+    const auto configuration = services.cache.readCDNFile(true);
+    co_return configuration ? hostsOfLinks(*configuration) : std::set<std::string>();
+  };
+  model->cdnHostsTask_ =
+      LoadTask::start(model->core_, std::weak_ptr(model), gather, [](WebViewModel& self, std::set<std::string> hosts) {
+        self.cachedCdnHosts_ = std::move(hosts);
+        if (self.waiting_) self.loadURL(*std::exchange(self.waiting_, {}));
+      });
+  return model;
+}
+
+// The application's own entries come first, so that no configuration, however long, takes their place.
+std::shared_ptr<const LinkFilter> WebViewModel::allowedLinks() const {
+  std::vector<std::string> entries(std::begin(vendorDomains), std::end(vendorDomains));
+  if (const auto options = core_->currentOptions()) {
+    entries.insert(entries.end(), {options->appUrl, options->cdnUrl});
+    if (const auto& config = options->webviewConfig) {
+      entries.insert(entries.end(), config->allowedDomains.begin(), config->allowedDomains.end());
+    }
+  }
+  entries.insert(entries.end(), cachedCdnHosts_->begin(), cachedCdnHosts_->end());
+  return std::make_shared<const LinkFilter>(entries);
+}
+
+void WebViewModel::loadURL(std::string urlString) {
+  constexpr std::string_view function = "loadURL(urlString:)";
+  ++navigation_;
+  if (!webView_) {
+    log_(LogLevel::warning, "No browser is linked, the link is not opened: " + escapedForLog(urlString), function);
+    return;
+  }
+  if (!cachedCdnHosts_) {
+    waiting_ = std::move(urlString);
+    return;
+  }
+  filter_ = allowedLinks();
+  gate_->open(filter_);
+  if (const auto link = filter_->test(urlString)) {
+    log_(LogLevel::info, "WebView: Navigation Allowed: " + escapedForLog(*link), function);
+    open(*link);
+  } else {
+    log_(LogLevel::warning, "WebView: Initial URL blocked by filter: " + escapedForLog(urlString), function);
+    showBlockedPage(urlString);
+  }
+}
+
+void WebViewModel::open(const std::string& link) {
+  requested_ = link;
+  webView_->load(link);
+}
+
+void WebViewModel::showBlockedPage(std::string_view address) {
+  if (!blockedPage_) {
+    const auto options = core_->currentOptions();
+    const auto name = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
+    blockedPage_ = BlockedPage::configured(name, *core_->platform.host, log_);
+  }
+  isBlockedPageDue_ = true;
+  webView_->loadHtml(blockedPage_->html(address));
+}
+
+bool WebViewModel::isBlockedPage(std::string_view address) const {
+  if (!blockedPage_) return false;
+  if (isBlockedPageDue_ && address == "about:blank") return true;
+  // A page can make an address like that too; but then it is the same page, and what differs is only the address shown.
+  if (!address.starts_with("data:") || address.size() > longestDataAddress) return false;
+  const auto comma = address.find(',');
+  return comma != std::string_view::npos && blockedPage_->isPage(percentDecoded(address.substr(comma + 1)));
+}
+
+WebViewModel::Policy WebViewModel::decidePolicy(std::string_view address, Target target) {
+  if (target == Target::thisView && isBlockedPage(address)) return Policy::allow;
+  ++navigation_;
+  const auto link = filter_ ? filter_->test(address) : std::unexpected(LinkRefusal::notAllowed);
+  if (!link) {
+    log_(LogLevel::warning, "WebView: Navigation blocked by filter: " + escapedForLog(address),
+         "webView(_:decidePolicyFor:)");
+    later([refused = std::string(address)](WebViewModel& self) { self.showBlockedPage(refused); });
+    return Policy::cancel;
+  }
+  // The engine may write what it was given in a way of its own; asking it again would not change that.
+  if (target == Target::thisView && (*link == address || *link == requested_)) return Policy::allow;
+  later([link = *link](WebViewModel& self) { self.open(link); });
+  return Policy::cancel;
+}
+
+void WebViewModel::later(std::move_only_function<void(WebViewModel&)> act) {
+  core_->onMain([weak = weak_from_this(), navigation = navigation_, act = std::move(act)]() mutable {
+    const auto self = weak.lock();
+    if (self && self->navigation_ == navigation) act(*self);
+  });
+}
+
+// Observers of what is published below may begin another navigation. When they release the model, the surface that
+// reports still holds it.
+
+void WebViewModel::didStartProvisionalNavigation() {
+  isLoading.set(true);
+}
+
+void WebViewModel::didFinish() {
+  const auto navigation = navigation_;
+  isBlockedPageDue_ = false;
+  navigationEnded();
+  if (navigation == navigation_) takeTitle();
+}
+
+void WebViewModel::didFail(std::string_view error) {
+  if (!error.empty()) {
+    log_(LogLevel::error, "Navigation error: " + escapedForLog(error), "webView(_:didFail:withError:)");
+  }
+  navigationEnded();
+}
+
+void WebViewModel::didFailProvisionalNavigation(std::string_view error) {
+  if (!error.empty()) {
+    log_(LogLevel::error, "Provisional navigation error: " + escapedForLog(error),
+         "webView(_:didFailProvisionalNavigation:withError:)");
+  }
+  navigationEnded();
+}
+
+void WebViewModel::navigationEnded() {
+  const std::string address = webView_->address();
+  isBlockedPageShowing.set(blockedPage_ && !address.starts_with("http:") && !address.starts_with("https:"));
+  isLoading.set(false);
+}
+
+void WebViewModel::takeTitle() {
+  const bool isBlocked = isBlockedPageShowing.get();
+  if (const std::string title = webView_->title(); !isBlocked && !title.empty()) return pageTitle.set(asTitle(title));
+  webView_->runScript(headingScript,
+                      [weak = weak_from_this(), navigation = navigation_, isBlocked](const std::string& heading) {
+                        const auto self = weak.lock();
+                        if (!self || self->navigation_ != navigation) return;
+                        const WebSurface& page = *self->webView_;
+                        const std::string substitute = isBlocked ? page.title() : page.address();
+                        self->pageTitle.set(asTitle(heading.empty() ? substitute : heading));
+                      });
+}
+
+void WebViewModel::refresh() {
+  if (!webView_) return;
+  ++navigation_;
+  webView_->reload();
+}
+
+void WebViewModel::stop() {
+  waiting_.reset();
+  if (!webView_) return;
+  ++navigation_;
+  webView_->stop();
+}
+
+void WebViewModel::goBack() {
+  if (!webView_) return;
+  ++navigation_;
+  webView_->goBack();
+}
+
+void WebViewModel::goForward() {
+  if (!webView_) return;
+  ++navigation_;
+  webView_->goForward();
+}
+
+}  // namespace quillon

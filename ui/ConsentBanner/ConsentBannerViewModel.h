@@ -1,0 +1,65 @@
+// What every consent screen shows of the configuration, and what the banner's controls do.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "quillon/ConsentSDKResult.h"
+#include "quillon/MainConfiguration.h"
+#include "ui/Common/Images/ImageFromBase64.h"
+#include "ui/Common/LoadTask.h"
+#include "ui/Common/Published.h"
+#include "ui/ConsentBanner/ButtonsByComplianceType.h"
+#include "ui/ConsentBanner/Labels.h"
+
+namespace quillon {
+
+// For the main queue only. Lives as long as the screen that it is made for; each load is started once.
+class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBannerViewModel> {
+ public:
+  static std::shared_ptr<ConsentBannerViewModel> make(std::shared_ptr<ConsentSDK::Core> core);
+  explicit ConsentBannerViewModel(std::shared_ptr<ConsentSDK::Core> core);  // use make()
+
+  Published<std::optional<BannerConfig>> bannerConfig{std::nullopt};
+  Published<std::optional<GcmConfig>> gcmConfig{std::nullopt};
+  Published<ConsentSDKResult<BannerConfig>> bannerConfigResult{ConsentSDKResult<BannerConfig>::none()};
+  // A logo that is missing or cannot be read is a success without an image.
+  Published<ConsentSDKResult<std::optional<EncodedImage>>> companyLogoResult{
+      ConsentSDKResult<std::optional<EncodedImage>>::none()};
+  Published<ConsentSDKResult<std::optional<SettingsPrompt>>> settingsPromptResult{
+      ConsentSDKResult<std::optional<SettingsPrompt>>::none()};
+
+  void loadBannerConfig();
+  void loadCompanyLogo();
+  void loadSettingsPrompt();
+
+  // The banner is on screen: records the defaults where the configuration wants that at this point.
+  void appeared();
+  // Accept and reject record the answer; close, an answer that was not given, records the defaults. All three dismiss
+  // the banner without waiting for the store or the network. The others open a further screen.
+  void perform(BannerAction action);
+  // Opens a link of the configuration in the in-app web view.
+  void openLink(const std::string& link);
+
+  // Records the default of every purpose without a decision and the present state of every permission, and uploads
+  // them.
+  void recordDefaultExplicitConsents();
+
+  // A label in the current language, else in English.
+  std::string label(Label label) const;
+  // A configured text in the current language, else in English, else in the first one that it has; else empty.
+  std::string text(const std::optional<LocalizedText>& text) const;
+  // What stands on a button; never empty.
+  std::string text(BannerAction action) const;
+
+  const std::shared_ptr<ConsentSDK::Core>& core() const { return core_; }
+
+ private:
+  const std::shared_ptr<ConsentSDK::Core> core_;
+  std::optional<LoadTask> settingsPromptTask_;
+  std::optional<LoadTask> bannerConfigTask_;
+  std::optional<LoadTask> companyLogoTask_;
+};
+
+}  // namespace quillon

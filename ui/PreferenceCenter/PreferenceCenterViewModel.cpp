@@ -1,0 +1,174 @@
+#include "ui/PreferenceCenter/PreferenceCenterViewModel.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace quillon {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto voiceOverLifetime = 3500ms;
+// A screen reader first says what was tapped.
+constexpr auto explanationDelay = 1500ms;
+
+template <class Record>
+using ListResult = ConsentSDKResult<std::vector<Record>>;
+
+// A purpose of which the configuration says both that the user may opt out and that the device does not govern it.
+bool isSwitchable(const Purpose& purpose) {
+  return purpose.purposeId && purpose.disableOptOut == false && purpose.isATTMapped == false;
+}
+
+}  // namespace
+
+std::string_view rawValue(MyPreferences tab) noexcept {
+  return tab == MyPreferences::purposes ? "SDK Purposes" : "Permissions";
+}
+
+std::shared_ptr<PreferenceCenterViewModel> PreferenceCenterViewModel::make(
+    std::shared_ptr<ConsentBannerViewModel> banner) {
+  return std::make_shared<PreferenceCenterViewModel>(std::move(banner));
+}
+
+PreferenceCenterViewModel::PreferenceCenterViewModel(std::shared_ptr<ConsentBannerViewModel> banner)
+    : banner_(std::move(banner)) {}
+
+void PreferenceCenterViewModel::loadPurposes() {
+  purposeTask_ = LoadTask::start(
+      banner_->core(), weak_from_this(),
+      [](ConsentSDK::Core& core) -> Task<std::vector<Purpose>> {
+        const auto configuration = core.cache.readCDNFile(true);
+        co_return configuration ? core.purposes(configuration).purposesWithConsents() : std::vector<Purpose>();
+      },
+      [](PreferenceCenterViewModel& model, std::vector<Purpose> loaded) {
+        if (loaded.empty()) {
+          model.purposesResult.set(ListResult<Purpose>::failure({"Purposes are not available!"}));
+          return;
+        }
+        auto selected = model.selectedPurposes.get();
+        for (const Purpose& purpose : loaded) {
+          if (purpose.purposeId) selected[*purpose.purposeId] = purpose.consentStatus == ConsentStatus::granted;
+        }
+        model.purposes.set(loaded);
+        model.selectedPurposes.set(std::move(selected));
+        model.purposesResult.set(ListResult<Purpose>::success(std::move(loaded)));
+      });
+  purposesResult.set(ListResult<Purpose>::loading());
+}
+
+void PreferenceCenterViewModel::loadPermissions() {
+  permissionsTask_ = LoadTask::start(
+      banner_->core(), weak_from_this(),
+      [](ConsentSDK::Core& core) -> Task<std::vector<AppPermission>> {
+        const auto configuration = core.cache.readCDNFile(true);
+        co_return configuration ? core.permissions(configuration).permissionsWithConsents()
+                                : std::vector<AppPermission>();
+      },
+      [](PreferenceCenterViewModel& model, std::vector<AppPermission> loaded) {
+        if (loaded.empty()) {
+          model.permissionsResult.set(ListResult<AppPermission>::failure({"Permissions are not available!"}));
+          return;
+        }
+        model.permissions.set(loaded);
+        model.permissionsResult.set(ListResult<AppPermission>::success(std::move(loaded)));
+      });
+  permissionsResult.set(ListResult<AppPermission>::loading());
+}
+
+void PreferenceCenterViewModel::setAll(bool value) {
+  const auto self = shared_from_this();
+  auto selected = selectedPurposes.get();
+  for (const Purpose& purpose : purposes.get()) {
+    if (isSwitchable(purpose)) selected[*purpose.purposeId] = value;
+  }
+  selectedPurposes.set(std::move(selected));
+  voiceOverText.set(banner_->label(value ? Label::selectAllAnnouncement : Label::unselectAllAnnouncement));
+  voiceOverReset_ = publishAfter(voiceOverLifetime, &PreferenceCenterViewModel::voiceOverText, {});
+}
+
+bool PreferenceCenterViewModel::hasSwitchablePurposes() const {
+  return std::ranges::any_of(purposes.get(), isSwitchable);
+}
+
+bool PreferenceCenterViewModel::areAllSelected() const {
+  const auto& selected = selectedPurposes.get();
+  return std::ranges::all_of(purposes.get(), [&](const Purpose& purpose) {
+    if (!isSwitchable(purpose)) return true;
+    const auto choice = selected.find(*purpose.purposeId);
+    return choice != selected.end() && choice->second;
+  });
+}
+
+PurposeToggle PreferenceCenterViewModel::toggle(const Purpose& purpose) const {
+  PurposeToggle toggle{};
+  if (purpose.purposeId) {
+    const auto choice = selectedPurposes.get().find(*purpose.purposeId);
+    toggle.isOn = choice != selectedPurposes.get().end() && choice->second;
+  }
+  const bool isTracked = purpose.isATTMapped.value_or(false);
+  const bool isEssential = purpose.disableOptOut.value_or(false);
+  if (isEssential && !isTracked) toggle.isOn = true;
+  toggle.isEnabled = purpose.purposeId && !isTracked && !isEssential;
+  if (isTracked || isEssential) {
+    toggle.label = banner_->label(Label::alwaysActive);
+  } else {
+    toggle.label = banner_->label(toggle.isOn ? Label::accepted : Label::rejected);
+  }
+  if (toggle.isEnabled) toggle.hint = banner_->label(toggle.isOn ? Label::toggleHintWhenOn : Label::toggleHintWhenOff);
+  return toggle;
+}
+
+void PreferenceCenterViewModel::tapToggle(std::int64_t purposeId) {
+  const auto purpose = std::ranges::find(purposes.get(), purposeId, &Purpose::purposeId);
+  if (purpose == purposes.get().end()) return;
+  const PurposeToggle shown = toggle(*purpose);
+  if (shown.isEnabled) {
+    auto selected = selectedPurposes.get();
+    selected[purposeId] = !shown.isOn;
+    selectedPurposes.set(std::move(selected));
+    return;
+  }
+  const Label reason =
+      purpose->isATTMapped.value_or(false) ? Label::attManagedPurposeExplanation : Label::essentialPurposeExplanation;
+  explanation_ = publishAfter(explanationDelay, &PreferenceCenterViewModel::announcement, banner_->label(reason));
+}
+
+std::unique_ptr<Timer> PreferenceCenterViewModel::publishAfter(
+    std::chrono::milliseconds delay, Published<std::string> PreferenceCenterViewModel::* property, std::string text) {
+  const auto& core = banner_->core();
+  return core->platform.clock->after(
+      delay, [core = std::weak_ptr(core), model = weak_from_this(), property, text = std::move(text)] {
+        const auto alive = core.lock();
+        if (!alive) return;
+        alive->onMain([model, property, text] {
+          if (const auto shown = model.lock()) ((*shown).*property).set(text);
+        });
+      });
+}
+
+void PreferenceCenterViewModel::save() {
+  std::map<std::int64_t, bool> choices;
+  const auto& selected = selectedPurposes.get();
+  for (const Purpose& purpose : purposes.get()) {
+    if (!purpose.purposeId) continue;
+    const auto choice = selected.find(*purpose.purposeId);
+    if (choice != selected.end()) choices.insert(*choice);
+  }
+  const auto& core = banner_->core();
+  core->tasks->start([core, choices = std::move(choices)]() -> Task<void> { co_await core->savePreferences(choices); });
+  core->withScreens([](ScreenPresenter& screens) {
+    screens.dismissTopMost();
+    screens.dismissBanner();
+  });
+}
+
+void PreferenceCenterViewModel::close() {
+  banner_->core()->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+}
+
+void PreferenceCenterViewModel::tapPermission(const VantariKey& permission) {
+  banner_->core()->presentSettingPrompt(permission, ConsentSDK::Core::Offer::always);
+}
+
+}  // namespace quillon

@@ -1,0 +1,35 @@
+#include "ui/SettingsPrompt/SettingsPromptViewModel.h"
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+
+std::optional<SettingsPromptViewModel::Content> SettingsPromptViewModel::content() const {
+  const auto* result = banner_->settingsPromptResult.get().value();
+  if (!result || !*result) return std::nullopt;
+  const SettingsPrompt& prompt = **result;
+  return Content{banner_->text(prompt.promptHeading), banner_->text(prompt.promptMessage),
+                 banner_->text(prompt.settingsButtonText), banner_->text(prompt.notNowButtonText)};
+}
+
+void SettingsPromptViewModel::openSettings() {
+  banner_->core()->withScreens([](ScreenPresenter& screens) {
+    screens.openSystemSettings();
+    screens.dismissTopMost();
+  });
+}
+
+void SettingsPromptViewModel::notNow() {
+  banner_->core()->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+}
+
+void SettingsPromptViewModel::close() {
+  const auto& core = banner_->core();
+  core->tasks->start([core]() -> Task<void> {
+    core->store.set(key::hasShownSettingsPrompt, true);
+    co_return;
+  });
+  core->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+}
+
+}  // namespace quillon
