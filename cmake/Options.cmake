@@ -2,6 +2,13 @@
 option(QUILLON_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(QUILLON_BENCH "Build the benchmarks" OFF)
 option(QUILLON_FUZZ "Build the fuzzers: with Clang, and QUILLON_SANITIZE holding fuzzer-no-link" OFF)
+set(QUILLON_QTQUICK "AUTO" CACHE STRING "Build the screens for Qt Quick: ON, OFF, or AUTO, when Qt is found")
+set_property(CACHE QUILLON_QTQUICK PROPERTY STRINGS AUTO ON OFF)
+if(QUILLON_QTQUICK STREQUAL "AUTO")
+  set(QUILLON_QTQUICK_NEED QUIET)
+else()
+  set(QUILLON_QTQUICK_NEED REQUIRED)
+endif()
 set(QUILLON_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them (address,undefined or thread)")
 
 set(CMAKE_CXX_EXTENSIONS OFF)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# One run of the example application against a development server, then a second one from its cache. Succeeds only when
-# the server saw what both runs should have asked for.
+# One run of the plain example application against a development server, then a second one from its cache; succeeds only
+# when the server saw what both runs should have asked for. Then the news reader with its screens: for you to use where
+# there is a display, else by itself, leaving pictures in build/demo.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
@@ -52,6 +53,31 @@ seen=$(requests)
 echo "-- what the server was asked"
 echo "${seen:-(nothing)}"
 ! grep -q '/consent/mobile_banner/' <<<"$seen" || fail "the configuration was asked for although it is cached"
+
+echo
+echo "== news reader"
+reader=(build/bin/quillon-newsreader --server "$url" --data "$work/reader")
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  echo "answer the banner, look around, and close the window"
+  "${reader[@]}"
+else
+  pictures=build/demo
+  rm -rf "$pictures"
+  mkdir -p "$pictures" "$work/runtime"
+  chmod 700 "$work/runtime"
+  export QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software XDG_RUNTIME_DIR=$work/runtime
+  # The browser's sandbox does not work for the super-user; the tour opens nothing but a page of our own.
+  [ "$(id -u)" != 0 ] || export QTWEBENGINE_CHROMIUM_FLAGS="--no-sandbox --disable-gpu"
+  "${reader[@]}" --language en --tour "$pictures" || fail "the news reader did not get through its screens"
+  ls "$pictures"/*.png
+  build/bin/quillon-consent store --data-dir "$work/reader" get 2 | grep -qx '"granted"' ||
+    fail "what was switched on and saved is not granted"
+fi
+seen=$(requests)
+echo "-- what the server was asked"
+echo "$seen"
+[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || grep -q '^POST /vantari/.* 200$' <<<"$seen" ||
+  fail "the choices were not uploaded"
 
 kill "$server"
 wait "$server" || fail "the server did not end cleanly"

@@ -3,6 +3,7 @@
 
 #include "tools/host/HostCommand.h"
 #include "tools/link/LinkCommand.h"
+#include "tools/preview/PreviewCommand.h"
 #include "tools/richtext/RichTextCommand.h"
 #include "tools/serve/ServeCommand.h"
 #include "tools/store/StoreCommand.h"
@@ -15,6 +16,7 @@ int main(int argc, char** argv) {
   int exitCode = 0;
   quillon::tools::addHostCommand(app, exitCode);
   quillon::tools::addLinkCommand(app, exitCode);
+  quillon::tools::addPreviewCommand(app, exitCode);
   quillon::tools::addRichTextCommand(app, exitCode);
   quillon::tools::addServeCommand(app, exitCode);
   quillon::tools::addStoreCommand(app, exitCode);

@@ -152,6 +152,15 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"NoComplianceType",
              bannerWith(R"({"compliance_type": null})"),
              {"banner_config.categories.eu.compliance_type: is missing; notice-only applies"}},
+        Case{"ColoursThatCannotBeRead",
+             bannerWith(R"({"palette": {"button_background": "#1D3A5F", "button_text": "#FFFFFF",
+               "button_border": "#000000", "banner_background": "#FFFFFF", "banner_text": "#777777",
+               "banner_links": "#FFFF00", "preference_center_footer_background": "#FFFFFF",
+               "preference_center_footer_selector": "#FFFFFF"}})"),
+             {"banner_config.categories.eu.palette.banner_text: has a contrast of 4.4:1 on banner_background; text is "
+              "legible from 4.5:1 on",
+              "banner_config.categories.eu.palette.banner_links: has a contrast of 1.0:1 on banner_background; text is "
+              "legible from 4.5:1 on"}},
         Case{"LocationsAndNamesThatLeadNowhere",
              documentWith(R"({"banner_config": {
                "categories": {"eu": {"compliance_type": "opt-in"}},

@@ -19,6 +19,7 @@ constexpr Rule rules[] = {
     intervalsAreReadable,
     locationsLeadToBanners,
     namesLeadToBanners,
+    textsAreLegible,
     linksOpen,
     linksInTextsOpen,
     textsHaveAllLanguages,

@@ -27,6 +27,9 @@ void intervalsAreReadable(const MainConfiguration& configuration, const Report& 
 void locationsLeadToBanners(const MainConfiguration& configuration, const Report& report);
 void namesLeadToBanners(const MainConfiguration& configuration, const Report& report);
 
+// ColorRules.cpp
+void textsAreLegible(const MainConfiguration& configuration, const Report& report);
+
 // LinkRules.cpp
 void linksOpen(const MainConfiguration& configuration, const Report& report);
 void linksInTextsOpen(const MainConfiguration& configuration, const Report& report);

@@ -1,0 +1,39 @@
+/// @file
+/// The screens of the SDK in a Qt Quick application.
+#pragma once
+
+#include <optional>
+
+#include "quillon/LinuxPlatform.h"
+
+namespace quillon {
+
+/// How the screens adapt to the user's desktop.
+struct QtQuickOptions {
+  /// Dark surroundings. Default: as the application's palette is when a screen is shown.
+  std::optional<bool> isDark = std::nullopt;
+  /// Size of text, as a factor; 0.5 to 3 are honoured. Default: the screen's logical density over 96 dots per inch.
+  std::optional<double> textScale = std::nullopt;
+  /// Shows and hides screens without motion. Qt does not tell what the user asked the desktop for.
+  bool isMotionReduced = false;
+};
+
+/// What a Qt Quick application calls in place of configure(): the Qt main loop becomes the main queue of
+/// ConsentSDK::shared(), and its screens appear over the application's top-most window, or in a window of their own
+/// when it has none of Qt Quick. `postToMainQueue` of the options is not used.
+///
+/// Call it on the main thread, after the application object was made and before the first use of shared(). False when
+/// that comes too late: nothing changes then. Whatever the SDK still wants to do on the main queue once the application
+/// object is gone is dropped.
+///
+/// @code
+/// QGuiApplication application(argc, argv);
+/// quillon::configureQtQuick({.applicationId = "com.example.reader"});
+/// quillon::ConsentSDK::shared().setup(options);
+/// quillon::ConsentSDK::shared().isReady([](quillon::SDKStatus status) {
+///   if (status == quillon::SDKStatus::ready) quillon::ConsentSDK::shared().presentBanner();
+/// });
+/// @endcode
+bool configureQtQuick(LinuxOptions options = {}, QtQuickOptions screens = {});
+
+}  // namespace quillon

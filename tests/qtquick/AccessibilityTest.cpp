@@ -1,0 +1,82 @@
+// The tree that a screen reader meets.
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+
+#include "tests/qtquick/ScreenWorld.h"
+
+namespace quillon::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct Accessibility : testing::Test, ScreenWorld {
+  // The first node with that role and name below the top-most screen; null when there is none.
+  QAccessibleInterface* node(QAccessible::Role role, const std::string& name) const {
+    for (QQuickItem* item : itemsBelow(top())) {
+      auto* interface = item->isVisible() ? QAccessible::queryAccessibleInterface(item) : nullptr;
+      if (interface && interface->role() == role && interface->text(QAccessible::Name).toStdString() == name) {
+        return interface;
+      }
+    }
+    return nullptr;
+  }
+  std::string description(QAccessible::Role role, const std::string& name) const {
+    auto* found = node(role, name);
+    return found ? found->text(QAccessible::Description).toStdString() : "no such node";
+  }
+};
+
+TEST_F(Accessibility, TheBannerIsADialogWithAHeadingTextLinksAndButtons) {
+  bannerOf(document)["banner_heading"] = {{"en", "Heading"}};
+  bannerOf(document)["banner_text"] = {{"en", "Some <b>text</b> &amp; a <a href=\"https://a.example/\">link</a>"}};
+  start();
+  banner();
+  EXPECT_TRUE(node(QAccessible::Dialog, "Heading"));
+  EXPECT_TRUE(node(QAccessible::Heading, "Heading"));
+  EXPECT_TRUE(node(QAccessible::StaticText, "Some text & a link"));
+  EXPECT_TRUE(node(QAccessible::Link, "link"));
+  EXPECT_EQ(description(QAccessible::Button, "Accept"), "Double tap to activate");
+  EXPECT_EQ(description(QAccessible::Button, "Reject"), "Double tap to activate");
+  EXPECT_TRUE(node(QAccessible::Button, "Close"));
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(window->activeFocusItem())->role(), QAccessible::Dialog);
+}
+
+TEST_F(Accessibility, ASwitchTellsItsStateAndWhatATapDoes) {
+  start();
+  preferenceCenter();
+  EXPECT_TRUE(node(QAccessible::Heading, "Statistics"));
+  EXPECT_EQ(description(QAccessible::CheckBox, "Statistics"), "Rejected. Double tap to turn to accepted");
+  ASSERT_TRUE(node(QAccessible::CheckBox, "Statistics"));
+  EXPECT_FALSE(node(QAccessible::CheckBox, "Statistics")->state().checked);
+  for (const QString& action :
+       {QAccessibleActionInterface::toggleAction(), QAccessibleActionInterface::pressAction()}) {
+    ASSERT_TRUE(node(QAccessible::CheckBox, "Statistics"));
+    node(QAccessible::CheckBox, "Statistics")->actionInterface()->doAction(action);
+    settle();
+    EXPECT_EQ(node(QAccessible::CheckBox, "Statistics")->state().checked,
+              action == QAccessibleActionInterface::toggleAction());
+    EXPECT_EQ(control("Statistics")->property("isOn").toBool(), action == QAccessibleActionInterface::toggleAction());
+  }
+  EXPECT_EQ(description(QAccessible::CheckBox, "Security"), "Always Active. You cannot opt out from this Purpose.");
+  EXPECT_TRUE(node(QAccessible::CheckBox, "Security")->state().checked);
+  EXPECT_TRUE(description(QAccessible::CheckBox, "Advertising").starts_with("Always Active. You can't toggle"));
+  EXPECT_TRUE(node(QAccessible::PageTab, "SDK Purposes")->state().selected);
+  EXPECT_FALSE(node(QAccessible::PageTab, "Permissions")->state().selected);
+}
+
+TEST_F(Accessibility, WhatHappenedIsAddedToTheNameOfWhatWasUsed) {
+  start();
+  preferenceCenter();
+  use("Select All", Way::key);
+  EXPECT_TRUE(node(QAccessible::Button, "Unselect All. All applicable SDK Purposes are allowed."));
+  advance(3500ms);
+  EXPECT_TRUE(node(QAccessible::Button, "Unselect All"));
+  use("Security", Way::key);
+  advance(1500ms);
+  EXPECT_TRUE(node(QAccessible::CheckBox, "Security. You cannot opt out from this Purpose."));
+  EXPECT_TRUE(node(QAccessible::AlertMessage, "You cannot opt out from this Purpose."));
+}
+
+}  // namespace
+}  // namespace quillon::test

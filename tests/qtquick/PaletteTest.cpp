@@ -1,0 +1,53 @@
+#include "ui/qtquick/Palette.h"
+
+#include <gtest/gtest.h>
+
+namespace quillon::test {
+namespace {
+
+TEST(Palettes, EveryTextOfEveryBuiltInPaletteIsLegible) {
+  EXPECT_NEAR(contrast(Qt::black, Qt::white), 21, 0.01);
+  EXPECT_NEAR(contrast(QColor("#777777"), Qt::white), 4.48, 0.01);
+  ASSERT_GE(builtInPalettes().size(), 4U);
+  for (const auto& [name, light, dark] : builtInPalettes()) {
+    for (const bool isDark : {false, true}) {
+      const ScreenColors colors(isDark ? dark : light, isDark);
+      const auto texts = colors.texts();
+      for (std::size_t i = 0; i < texts.size(); ++i) {
+        EXPECT_GE(contrast(texts[i].first, texts[i].second), legible)
+            << name << (isDark ? " dark, text " : " light, text ") << i;
+      }
+      for (const QColor& part : {colors.switchOn, colors.switchOff, colors.focus}) {
+        EXPECT_GE(contrast(part, colors.card), 3) << name << ": " << part.name().toStdString();
+      }
+    }
+  }
+}
+
+TEST(Palettes, ConfiguredColoursAreTakenAsTheyAreAndMissingOnesFollowFromThem) {
+  const CustomColors colors{.buttonBackground = "#102030",
+                            .buttonText = "FFFFFF",
+                            .buttonBorder = "#000001",
+                            .bannerBackground = "#FFFFFF",
+                            .bannerText = "#000000",
+                            .bannerLinks = "#0000FF",
+                            .preferenceCenterFooterBackground = "#EEEEEE",
+                            .preferenceCenterFooterSelector = "#FFFF00"};
+  const Palette palette = paletteFor(colors, 2, true);
+  EXPECT_EQ(palette.buttonBackground, QColor("#102030"));
+  EXPECT_EQ(palette.togglePrimary, QColor("#102030"));
+  const ScreenColors screen(palette, true);
+  EXPECT_EQ(screen.buttonText, QColor("#ffffff"));
+  EXPECT_EQ(screen.plainButtonText, QColor("#102030")) << "white on white would be lost on a button without a fill";
+  EXPECT_GE(contrast(screen.selectorText, screen.selector), legible);
+}
+
+TEST(Palettes, ANumberThatIsNoneMeansTheFirst) {
+  for (const std::optional<std::int64_t> number : {std::optional<std::int64_t>(), {0}, {-1}, {99}, {1}}) {
+    EXPECT_EQ(paletteFor(std::nullopt, number, false).buttonBackground, builtInPalettes()[0].light.buttonBackground);
+  }
+  EXPECT_EQ(paletteFor(std::nullopt, 3, true).bannerBackground, builtInPalettes()[2].dark.bannerBackground);
+}
+
+}  // namespace
+}  // namespace quillon::test

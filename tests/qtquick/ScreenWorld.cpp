@@ -1,0 +1,162 @@
+#include "tests/qtquick/ScreenWorld.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QTest>
+#include <boost/json/serialize.hpp>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/linux/AsioExecutors.h"
+#include "ui/qtquick/MainQueue.h"
+
+namespace quillon::test {
+
+std::vector<QQuickItem*> itemsBelow(QQuickItem* item) {
+  std::vector<QQuickItem*> items{item};
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    for (QQuickItem* child : items[i]->childItems()) items.push_back(child);
+  }
+  return items;
+}
+
+ScreenWorld::ScreenWorld()
+    : presenter(QtScreenPresenter::make({.isDark = false, .textScale = 1, .isMotionReduced = true})),
+      window(std::make_unique<QQuickWindow>()) {
+  QAccessible::setActive(true);
+  bannerOf(document)["preference_center_link"] = {{"en", "Choose"}};
+  bannerOf(document)["should_show_settings_prompt"] = true;
+  document["is_sp_enabled"] = true;
+  document["settings_prompt"] = {{"prompt_heading", {{"en", "Change"}}},
+                                 {"prompt_message", {{"en", "In the settings"}}},
+                                 {"settings_button_text", {{"en", "Open"}}},
+                                 {"not_now_button_text", {{"en", "Later"}}},
+                                 {"permissions", {{"NSCameraUsageDescription", true}}}};
+  document["purposes"].as_array()[0].as_object()["disable_opt_out"] = false;
+  world.amend = [this](Platform& platform) {
+    platform.screens = presenter;
+    platform.executors =
+        std::make_shared<AsioExecutors>([](std::function<void()> job) { MainQueue::instance().post(std::move(job)); });
+  };
+  window->resize(400, 700);
+  hostControl = new QQuickItem(window->contentItem());
+  hostControl->setActiveFocusOnTab(true);
+  window->show();
+  window->requestActivate();
+  hostControl->forceActiveFocus();
+  EXPECT_TRUE(await([&] { return window->isActive(); }));
+}
+
+ScreenWorld::~ScreenWorld() {
+  if (world.sdk) settle();
+}
+
+void ScreenWorld::start() {
+  world.server.serve(boost::json::serialize(document));
+  auto options = world.options();
+  options.languageCode = language;
+  world.start(options);
+}
+
+bool ScreenWorld::await(const std::function<bool()>& condition) {
+  return QTest::qWaitFor(condition, 5000);
+}
+
+void ScreenWorld::settle() {
+  for (int quiet = 0; quiet < 2;) {
+    const auto settled = world.sdk->settled();
+    quiet = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready ? quiet + 1 : 0;
+    settled.wait();
+    for (int turn = 0; turn < 3; ++turn) QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+}
+
+void ScreenWorld::advance(std::chrono::milliseconds time) {
+  world.advance(time);
+  settle();
+}
+
+bool ScreenWorld::isShown() const {
+  return top() && top()->property("shown").toDouble() == 1;
+}
+
+void ScreenWorld::banner() {
+  world.store(key::isBannerPresent, false);
+  world.store(key::consentGivenType, std::string(givenType::noAction));
+  world.sdk->presentBanner();
+  screenWith("Reject");
+}
+
+void ScreenWorld::preferenceCenter() {
+  world.sdk->presentPreferenceCenter();
+  screenWith("Statistics");
+}
+
+void ScreenWorld::prompt() {
+  world.sdk->presentSettingPrompt(VantariKey::cameraUsageDescription);
+  screenWith("Later");
+}
+
+void ScreenWorld::screenWith(const std::string& text) {
+  ASSERT_TRUE(await([&] { return isShown() && control(text); })) << world.log();
+  settle();
+  // Its items lie where they belong once it was drawn.
+  top()->window()->grabWindow();
+}
+
+bool ScreenWorld::isGone() {
+  settle();
+  return await([&] { return !top(); });
+}
+
+QQuickItem* ScreenWorld::control(const std::string& text) const {
+  if (!top()) return nullptr;
+  for (QQuickItem* item : itemsBelow(top())) {
+    const bool isControl = item->metaObject()->indexOfSignal("clicked()") >= 0 && item->isVisible();
+    if (isControl && item->property("text").toString().toStdString() == text) return item;
+  }
+  return nullptr;
+}
+
+void ScreenWorld::use(const std::string& text, Way way) {
+  QQuickItem* item = control(text);
+  ASSERT_TRUE(item) << text;
+  tap(*item, way);
+}
+
+void ScreenWorld::tap(QQuickItem& item, Way way) {
+  QMetaObject::invokeMethod(top(), "reveal", Q_ARG(QVariant, QVariant::fromValue(&item)));
+  const QPoint middle = item.mapToScene(item.boundingRect().center()).toPoint();
+  switch (way) {
+    case Way::mouse:
+      QTest::mouseClick(item.window(), Qt::LeftButton, {}, middle);
+      break;
+    case Way::touch: {
+      static QPointingDevice* const screen = QTest::createTouchDevice();
+      QTest::touchEvent(item.window(), screen).press(0, middle);
+      QTest::touchEvent(item.window(), screen).release(0, middle);
+      break;
+    }
+    case Way::key: {
+      constexpr int mostControls = 60;
+      for (int i = 0; i < mostControls && !item.hasActiveFocus(); ++i) key(Qt::Key_Tab);
+      ASSERT_TRUE(item.hasActiveFocus()) << "the keyboard does not reach it";
+      key(Qt::Key_Space);
+      break;
+    }
+    case Way::assistive: {
+      auto* interface = QAccessible::queryAccessibleInterface(&item);
+      ASSERT_TRUE(interface && interface->actionInterface());
+      interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+      break;
+    }
+  }
+  settle();
+}
+
+void ScreenWorld::key(int key, Qt::KeyboardModifiers modifiers) {
+  QTest::keyClick(window.get(), static_cast<Qt::Key>(key), modifiers);
+}
+
+}  // namespace quillon::test

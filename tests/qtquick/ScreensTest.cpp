@@ -1,0 +1,250 @@
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/qtquick/ScreenWorld.h"
+
+namespace quillon::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct Screens : testing::Test, ScreenWorld {};
+
+TEST_F(Screens, EveryWayToAnswerTheBannerStoresTheAnswerAndReturnsTheFocus) {
+  start();
+  for (const Way way : {Way::mouse, Way::touch, Way::key, Way::assistive}) {
+    for (const bool accept : {false, true}) {
+      SCOPED_TRACE(testing::Message() << "way " << static_cast<int>(way) << (accept ? " accept" : " reject"));
+      banner();
+      EXPECT_FALSE(hostControl->hasActiveFocus());
+      use(accept ? "Accept" : "Reject", way);
+      EXPECT_TRUE(isGone());
+      EXPECT_EQ(status(1), accept ? "granted" : "declined");
+      EXPECT_EQ(status(2), "granted") << "essential";
+      EXPECT_EQ(world.stored().consentGivenType(), givenType::explicitly);
+      EXPECT_TRUE(hostControl->hasActiveFocus());
+    }
+  }
+}
+
+TEST(ScreensClosed, TheBannerRecordsTheDefaults) {
+  for (const bool byKey : {true, false}) {
+    ScreenWorld app;
+    app.start();
+    app.banner();
+    if (byKey) {
+      app.key(Qt::Key_Escape);
+    } else {
+      app.use("Close");
+    }
+    EXPECT_TRUE(app.isGone());
+    EXPECT_EQ(app.status(1), "declined");
+    EXPECT_EQ(app.world.stored().consentGivenType(), givenType::implicitly);
+  }
+}
+
+TEST_F(Screens, ABannerThatMustBeAnsweredDoesNotCloseBesideTheAnswers) {
+  bannerOf(document)["hide_close_button"] = true;
+  start();
+  banner();
+  key(Qt::Key_Escape);
+  key(Qt::Key_Return);
+  settle();
+  EXPECT_FALSE(control("Close"));
+  EXPECT_TRUE(top());
+  EXPECT_EQ(status(1), "none");
+}
+
+TEST_F(Screens, SavedChoicesCloseThePreferenceCentreAndTheBannerBelow) {
+  for (const Way way : {Way::mouse, Way::touch, Way::key, Way::assistive}) {
+    SCOPED_TRACE(static_cast<int>(way));
+    if (!world.sdk) start();
+    const std::string before = status(1);
+    banner();
+    use("Choose");
+    screenWith("Statistics");
+    use("Statistics", way);
+    EXPECT_EQ(status(1), before) << "nothing is stored before it is saved";
+    use("Save Changes", way);
+    EXPECT_TRUE(isGone());
+    EXPECT_EQ(status(1), before == "granted" ? "declined" : "granted");
+    EXPECT_TRUE(hostControl->hasActiveFocus());
+  }
+}
+
+TEST_F(Screens, ClosingThePreferenceCentreDiscardsTheChoicesAndShowsTheBannerAgain) {
+  start();
+  banner();
+  use("Choose");
+  screenWith("Statistics");
+  use("Statistics");
+  key(Qt::Key_Escape);
+  screenWith("Accept");
+  EXPECT_EQ(status(1), "none");
+  EXPECT_TRUE(top()->hasActiveFocus() || control("Choose")->hasActiveFocus());
+}
+
+TEST_F(Screens, SelectAllLeavesEssentialAndTrackedPurposesAlone) {
+  start();
+  preferenceCenter();
+  use("Select All");
+  EXPECT_TRUE(control("Statistics")->property("isOn").toBool());
+  EXPECT_TRUE(control("Security")->property("isOn").toBool());
+  EXPECT_FALSE(control("Advertising")->property("isOn").toBool());
+  EXPECT_FALSE(control("Select All"));
+  use("Unselect All");
+  EXPECT_FALSE(control("Statistics")->property("isOn").toBool());
+  EXPECT_TRUE(control("Security")->property("isOn").toBool());
+}
+
+TEST_F(Screens, ASwitchThatCannotBeSwitchedStaysAndIsExplainedLater) {
+  start();
+  preferenceCenter();
+  const auto hasMessage = [&](const QString& text) {
+    for (const QQuickItem* item : itemsBelow(top())) {
+      if (item->isVisible() && item->property("text").toString() == text) return true;
+    }
+    return false;
+  };
+  const QString message = "You cannot opt out from this Purpose.";
+  for (const Way way : {Way::mouse, Way::key, Way::assistive}) {
+    use("Security", way);
+    EXPECT_TRUE(control("Security")->property("isOn").toBool());
+  }
+  advance(1499ms);
+  EXPECT_FALSE(hasMessage(message));
+  advance(1ms);
+  EXPECT_TRUE(hasMessage(message));
+}
+
+TEST_F(Screens, ThePromptIsOfferedAgainUnlessItWasClosed) {
+  start();
+  prompt();
+  use("Later");
+  EXPECT_TRUE(isGone());
+  prompt();
+  use("Close", Way::key);
+  EXPECT_TRUE(isGone());
+  EXPECT_TRUE(world.stored().boolean(key::hasShownSettingsPrompt));
+  // From the list of permissions it is offered all the same.
+  preferenceCenter();
+  use("Permissions");
+  use("Update");
+  screenWith("Later");
+}
+
+TEST_F(Screens, ThePermissionsFollowTheDevice) {
+  start();
+  preferenceCenter();
+  use("Permissions");
+  const auto allowed = [&] {
+    int count = 0;
+    for (const QQuickItem* item : itemsBelow(top())) {
+      count += item->isVisible() && item->property("text").toString() == "Allowed" ? 1 : 0;
+    }
+    return count;
+  };
+  EXPECT_EQ(allowed(), 1);
+  world.permissions->set(VantariKey::contactsUsageDescription, 3);
+  // The user returns from the system settings.
+  Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
+  settle();
+  EXPECT_EQ(allowed(), 2);
+}
+
+TEST_F(Screens, TheKeyboardStaysInTheTopMostScreen) {
+  start();
+  banner();
+  use("Choose");
+  screenWith("Statistics");
+  for (const Qt::Key tab : {Qt::Key_Tab, Qt::Key_Backtab}) {
+    for (int i = 0; i < 30; ++i) {
+      key(tab);
+      const QQuickItem* focused = window->activeFocusItem();
+      ASSERT_TRUE(focused && top()->isAncestorOf(focused)) << i;
+    }
+  }
+}
+
+TEST_F(Screens, TheTextsMakeNoRequestAndTheirLinksOpenByKey) {
+  bannerOf(document)["banner_text"] = {
+      {"en", "<img src=\"" + world.server.url() +
+                 "spy.png\">See <a href=\"https://a.example/?q=<b>\">our <b>notice</b></a>."}};
+  start();
+  const auto before = world.server.seen("/spy.png").size();
+  banner();
+  EXPECT_EQ(world.server.seen("/spy.png").size(), before);
+  key(Qt::Key_Tab);
+  key(Qt::Key_Tab);
+  key(Qt::Key_Return);
+  settle();
+  EXPECT_NE(world.log().find("not opened: https://a.example/?q=<b>"), std::string::npos) << world.log();
+}
+
+TEST_F(Screens, ArabicIsMirrored) {
+  language = "ar";
+  start();
+  banner();
+  EXPECT_GT(control("Reject")->mapToScene({}).x(), control("Accept")->mapToScene({}).x());
+  EXPECT_EQ(control("Reject")->size(), control("Accept")->size());
+}
+
+TEST_F(Screens, OnASmallScreenWithLargeTextEveryControlCanBeReached) {
+  presenter = QtScreenPresenter::make({.isDark = true, .textScale = 2, .isMotionReduced = true});
+  window->resize(320, 568);
+  bannerOf(document)["accept"] = {{"en", "Alle Verarbeitungszwecke akzeptieren"}};
+  bannerOf(document)["privacy_notice_link"] = "https://a.example/";
+  start();
+  banner();
+  for (const char* text : {"Reject", "Alle Verarbeitungszwecke akzeptieren", "Choose", "Privacy Notice", "Close"}) {
+    QQuickItem* item = control(text);
+    ASSERT_TRUE(item) << text;
+    QMetaObject::invokeMethod(top(), "reveal", Q_ARG(QVariant, QVariant::fromValue(item)));
+    const QRectF place = item->mapRectToScene(item->boundingRect());
+    EXPECT_TRUE(QRectF(0, 0, 320, 568).contains(place)) << text << " at " << place.y();
+    EXPECT_GE(place.height(), 44) << text;
+    EXPECT_GE(place.width(), 44) << text;
+  }
+}
+
+TEST_F(Screens, AWindowThatGoesAwayTakesItsScreensAlong) {
+  start();
+  banner();
+  preferenceCenter();
+  window.reset();
+  EXPECT_TRUE(isGone());
+  // Without a window of its own the application gets one.
+  world.sdk->presentPreferenceCenter();
+  ASSERT_TRUE(await([&] { return top() && top()->window(); }));
+  const QPointer<QQuickWindow> given = top()->window();
+  presenter->dismissTopMost();
+  EXPECT_TRUE(await([&] { return !given; }));
+}
+
+TEST_F(Screens, NothingIsLeftAfterAHundredRounds) {
+  start();
+  banner();
+  presenter->dismissTopMost();
+  EXPECT_TRUE(isGone());
+  const auto items = window->contentItem()->childItems().size();
+  const auto holders = world.sdk->core().use_count();
+  for (int round = 0; round < 100; ++round) {
+    presenter->presentBanner(world.sdk->core());
+    // Some are dismissed before they are complete.
+    const bool waits = round % 3 != 0;
+    ASSERT_TRUE(await([&] { return top() && (!waits || top()->property("shown").toDouble() == 1); }));
+    presenter->dismissTopMost();
+    ASSERT_TRUE(isGone());
+  }
+  EXPECT_EQ(window->contentItem()->childItems().size(), items);
+  EXPECT_TRUE(await([&] {
+    settle();
+    return world.sdk->core().use_count() == holders;
+  })) << world.sdk->core().use_count() - holders
+      << " more";
+}
+
+}  // namespace
+}  // namespace quillon::test

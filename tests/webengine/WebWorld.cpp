@@ -1,0 +1,88 @@
+#include "tests/webengine/WebWorld.h"
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTest>
+#include <QTimer>
+
+#include "core/ConsentSDK/ConsentSDKCore.h"
+
+namespace quillon::test {
+
+WebWorld::WebWorld() {
+  webSurfaceFactory() = [this](QQmlEngine& engine) {
+    auto made = factory_(engine);
+    surface = made.get();
+    return made;
+  };
+  screens.start();
+}
+
+WebWorld::~WebWorld() {
+  webSurfaceFactory() = factory_;
+}
+
+bool WebWorld::await(const std::function<bool()>& condition) {
+  constexpr int limit = 10'000;
+  constexpr int pause = 5;
+  for (const QElapsedTimer begin =
+           [] {
+             QElapsedTimer timer;
+             timer.start();
+             return timer;
+           }();
+       !condition();) {
+    if (begin.hasExpired(limit)) return false;
+    QEventLoop loop;
+    QTimer::singleShot(pause, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
+  return true;
+}
+
+std::string WebWorld::filled(std::string text) const {
+  const std::pair<std::string_view, std::string> places[] = {
+      {"$REFUSED", "http://" + refused.authority()}, {"$HOST", refused.authority()}, {"$ALLOWED", allowed.url()}};
+  for (const auto& [name, value] : places) {
+    for (auto at = text.find(name); at != std::string::npos; at = text.find(name)) text.replace(at, name.size(), value);
+  }
+  return text;
+}
+
+void WebWorld::serve(const std::string& path, const std::string& body, httplib::Headers headers, int status) {
+  for (auto& [name, value] : headers) value = filled(value);
+  allowed.serve(path, filled(body), std::move(headers), status);
+}
+
+void WebWorld::open(const std::string& link) {
+  screens.world.sdk->core()->openLink(filled(link));
+  EXPECT_TRUE(await([&] { return surface && surface->item(); })) << link;
+}
+
+void WebWorld::shows(const std::string& expected) {
+  EXPECT_TRUE(await([&] { return title() == expected && !isLoading(); })) << title() << screens.world.log();
+}
+
+void WebWorld::paints() {
+  evaluate("requestAnimationFrame(() => requestAnimationFrame(() => window.isPainted = true))");
+  EXPECT_TRUE(await([&] { return evaluate("'' + window.isPainted") == "true"; }));
+}
+
+std::string WebWorld::evaluate(const std::string& script) {
+  std::optional<std::string> result;
+  surface->runScript(script, [&](std::string text) { result = std::move(text); });
+  EXPECT_TRUE(await([&] { return result.has_value(); }));
+  return result.value_or("");
+}
+
+void WebWorld::click() {
+  const QQuickItem& page = *surface->item();
+  QTest::mouseClick(page.window(), Qt::LeftButton, {}, page.mapToScene(page.boundingRect().center()).toPoint());
+}
+
+QVariant WebWorld::sheet(const char* property) const {
+  if (!screens.top()) return {};
+  return screens.top()->property("model").value<QObject*>()->property(property);
+}
+
+}  // namespace quillon::test

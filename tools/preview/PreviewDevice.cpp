@@ -1,0 +1,36 @@
+#include "tools/preview/PreviewDevice.h"
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "platform/linux/LinuxPlatform.h"
+#include "platform/memory/FixedLocale.h"
+#include "platform/memory/MemoryConsole.h"
+#include "platform/memory/MemoryFileSystem.h"
+#include "platform/memory/MemoryStore.h"
+#include "platform/memory/ScriptedHttpSession.h"
+#include "platform/memory/SettablePermissionSources.h"
+#include "platform/memory/StaticNetworkPath.h"
+#include "ui/qtquick/MainQueue.h"
+
+namespace quillon::tools {
+
+PreviewDevice::PreviewDevice(const std::filesystem::path& configuration, std::shared_ptr<ScreenPresenter> screens)
+    : platform_(linuxPlatform(
+          {.postToMainQueue = [](std::function<void()> job) { MainQueue::instance().post(std::move(job)); }})) {
+  std::ifstream file(configuration, std::ios::binary);
+  std::string document((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  platform_.http = std::make_shared<ScriptedHttpSession>([document](const HttpRequest& request) {
+    return HttpResponse{request.url, 200, {}, request.method == "GET" ? document : R"({"status":0})"};
+  });
+  platform_.console = std::make_shared<MemoryConsole>();
+  platform_.store = std::make_shared<MemoryStore>();
+  platform_.files = std::make_shared<MemoryFileSystem>("/preview");
+  platform_.network = std::make_shared<StaticNetworkPath>();
+  platform_.permissions = std::make_shared<SettablePermissionSources>();
+  platform_.locale = std::make_shared<FixedLocale>(std::vector<std::string>{"en"});
+  platform_.screens = std::move(screens);
+}
+
+}  // namespace quillon::tools

@@ -1,0 +1,170 @@
+// quillon-consent-preview: shows a screen of a configuration in a window, or writes its picture.
+#include <CLI/CLI.hpp>
+#include <QGuiApplication>
+#include <QImage>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <chrono>
+#include <functional>
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "tools/preview/PreviewDevice.h"
+#include "ui/qtquick/QtScreenPresenter.h"
+
+namespace quillon::tools {
+namespace {
+
+struct PreviewOptions {
+  std::string file;
+  std::string screen = "banner";
+  std::string language = "en";
+  std::string location;
+  std::string size = "390x844";
+  bool isDark = false;
+  double scale = 1;
+  std::string out;
+};
+
+void addOptions(CLI::App& app, PreviewOptions& options) {
+  app.add_option("file", options.file, "The configuration")->required()->check(CLI::ExistingFile);
+  app.add_option("--screen", options.screen, "The screen to show")
+      ->check(CLI::IsMember({"banner", "preferences", "permissions", "purpose", "prompt"}))
+      ->capture_default_str();
+  app.add_option("--language", options.language, "The user's language")->capture_default_str();
+  app.add_option("--location", options.location, "The user's location, such as DE or US#CA");
+  app.add_option("--size", options.size, "Of the window, as WIDTHxHEIGHT")->capture_default_str();
+  app.add_flag("--dark", options.isDark, "Dark surroundings");
+  app.add_option("--scale", options.scale, "Size of text, as a factor")
+      ->check(CLI::Range(0.5, 3.0))
+      ->capture_default_str();
+  app.add_option("--out", options.out, "Write a PNG picture instead of opening a window");
+}
+
+std::optional<QSize> sizeOf(const std::string& text) {
+  const auto parts = QString::fromStdString(text).split('x');
+  bool isWidth = false;
+  bool isHeight = false;
+  if (parts.size() != 2) return std::nullopt;
+  const QSize size(parts[0].toInt(&isWidth), parts[1].toInt(&isHeight));
+  constexpr int largest = 8192;
+  if (!isWidth || !isHeight || size.isEmpty() || size.width() > largest || size.height() > largest) return std::nullopt;
+  return size;
+}
+
+// Lets the main loop run until the condition holds. False when that takes too long.
+bool await(const std::function<bool()>& condition) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  }
+  return true;
+}
+
+class Preview {
+ public:
+  explicit Preview(const PreviewOptions& options)
+      : options_(options),
+        presenter_(QtScreenPresenter::make(
+            {.isDark = options.isDark, .textScale = options.scale, .isMotionReduced = !options.out.empty()})),
+        device_(options.file, presenter_),
+        sdk_(device_.platform()) {}
+
+  int run(QSize size) {
+    window_.resize(size);
+    window_.setColor(options_.isDark ? QColor("#26292e") : QColor("#d9dde2"));
+    window_.show();
+    sdk_.setup({.appUrl = "https://preview.example/",
+                .cdnUrl = "https://preview.example/",
+                .tenantId = "preview",
+                .appId = "preview",
+                .logLevel = LogLevel::error,
+                .languageCode = LanguageCode(options_.language),
+                .locationCode = options_.location.empty() ? std::nullopt : std::optional(options_.location)});
+    sdk_.settled().wait();
+    if (sdk_.getStatus() != SDKStatus::ready) {
+      std::cerr << "The file is no valid configuration; quillon-consent validate tells why.\n";
+      return 1;
+    }
+    present();
+    if (options_.out.empty()) return QGuiApplication::exec();
+    return write();
+  }
+
+ private:
+  void present() {
+    const auto core = sdk_.core();
+    if (options_.screen == "banner") presenter_->presentBanner(core);
+    if (options_.screen == "prompt") presenter_->presentSettingsPrompt(core, VantariKey::cameraUsageDescription);
+    const bool isPurpose = options_.screen == "purpose";
+    const bool isPermissions = options_.screen == "permissions";
+    if (options_.screen != "preferences" && !isPurpose && !isPermissions) return;
+    presenter_->presentPreferenceCenter(core);
+    await([&] { return isShown(); });
+    QObject* item = presenter_->topItem();
+    if (isPermissions && item) item->property("model").value<QObject*>()->setProperty("tab", 1);
+    if (isPurpose && item) {
+      settle();
+      QMetaObject::invokeMethod(item, "openFirstPurpose");
+    }
+  }
+
+  // Cards, texts and pictures come in the turns after the screen.
+  void settle() {
+    int quietTurns = 0;
+    await([&] {
+      const bool isQuiet = sdk_.settled().wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+      quietTurns = isQuiet ? quietTurns + 1 : 0;
+      return quietTurns > 20;
+    });
+  }
+
+  bool isShown() const {
+    const QQuickItem* item = presenter_->topItem();
+    return item && item->property("shown").toDouble() == 1;
+  }
+
+  int write() {
+    if (!await([&] { return isShown(); })) {
+      std::cerr << "The screen does not appear.\n";
+      return 1;
+    }
+    settle();
+    const QImage picture = window_.grabWindow();
+    if (picture.save(QString::fromStdString(options_.out), "PNG")) return 0;
+    std::cerr << "Cannot write " << options_.out << "\n";
+    return 1;
+  }
+
+  const PreviewOptions& options_;
+  const std::shared_ptr<QtScreenPresenter> presenter_;
+  PreviewDevice device_;
+  ConsentSDK sdk_;
+  QQuickWindow window_;
+};
+
+}  // namespace
+}  // namespace quillon::tools
+
+int main(int argc, char** argv) {
+  using namespace quillon::tools;
+  CLI::App app("Shows a screen of a consent configuration.", "quillon-consent preview");
+  PreviewOptions options;
+  addOptions(app, options);
+  CLI11_PARSE(app, argc, argv);
+  const auto size = sizeOf(options.size);
+  if (!size) {
+    std::cerr << "--size: expected WIDTHxHEIGHT in pixels\n";
+    return 1;
+  }
+  // A picture needs no display.
+  if (!options.out.empty()) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+  }
+  const QGuiApplication application(argc, argv);
+  return Preview(options).run(*size);
+}

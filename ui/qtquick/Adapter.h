@@ -1,0 +1,50 @@
+// What the adapters between a view model and its QML screen have in common.
+#pragma once
+
+#include <QMetaObject>
+#include <QObject>
+#include <utility>
+#include <vector>
+
+#include "ui/Common/Published.h"
+
+namespace quillon {
+
+// Follows view models. Their changes are announced before they are made, so the adapter reads the new state in a turn
+// of its own of the main loop, one for all changes until then.
+class Adapter : public QObject {
+  Q_OBJECT
+
+ public:
+  using QObject::QObject;
+
+ Q_SIGNALS:
+  void changed();
+
+ protected:
+  template <class Value>
+  void follow(Published<Value>& property) {
+    observations_.push_back(property.observe([this](const Value&) { scheduleRefresh(); }));
+  }
+
+  // Reads the view models anew; changed() follows.
+  virtual void refresh() {}
+
+ private:
+  void scheduleRefresh() {
+    if (std::exchange(isRefreshDue_, true)) return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          isRefreshDue_ = false;
+          refresh();
+          Q_EMIT changed();
+        },
+        Qt::QueuedConnection);
+  }
+
+  std::vector<Observation> observations_;
+  bool isRefreshDue_ = false;
+};
+
+}  // namespace quillon

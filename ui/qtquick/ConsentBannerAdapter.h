@@ -1,0 +1,85 @@
+// The banner's view model for QML.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+#include <QString>
+#include <QVariantList>
+#include <memory>
+
+#include "ui/ConsentBanner/ConsentBannerViewModel.h"
+#include "ui/qtquick/Adapter.h"
+#include "ui/qtquick/Picture.h"
+#include "ui/qtquick/RichTextAdapter.h"
+
+namespace quillon {
+
+// A control of the banner.
+struct BannerControl {
+  Q_GADGET
+  Q_PROPERTY(int action MEMBER action)
+  Q_PROPERTY(QString text MEMBER text)
+
+ public:
+  int action;
+  QString text;
+};
+
+class ConsentBannerAdapter : public Adapter {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("made for each screen")
+  Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
+  Q_PROPERTY(bool hasFailed READ hasFailed NOTIFY changed)
+  Q_PROPERTY(bool isCentered READ isCentered NOTIFY changed)
+  Q_PROPERTY(bool showsPoweredBy READ showsPoweredBy NOTIFY changed)
+  Q_PROPERTY(bool canClose READ canClose NOTIFY changed)
+  Q_PROPERTY(QString heading READ heading NOTIFY changed)
+  Q_PROPERTY(quillon::RichTextAdapter* text READ text CONSTANT)
+  Q_PROPERTY(quillon::PictureSource* logo READ logo CONSTANT)
+  Q_PROPERTY(QVariantList answers READ answers NOTIFY changed)
+  Q_PROPERTY(QVariantList links READ links NOTIFY changed)
+  Q_PROPERTY(QString closeLabel READ closeLabel NOTIFY changed)
+  Q_PROPERTY(QString logoLabel READ logoLabel NOTIFY changed)
+  Q_PROPERTY(QString activationHint READ activationHint NOTIFY changed)
+
+ public:
+  explicit ConsentBannerAdapter(std::shared_ptr<ConsentBannerViewModel> model, QObject* parent = nullptr);
+
+  const std::shared_ptr<ConsentBannerViewModel>& model() const { return model_; }
+
+  bool isLoading() const { return model_->bannerConfigResult.get().isLoading(); }
+  bool hasFailed() const { return model_->bannerConfigResult.get().error() != nullptr; }
+  bool isCentered() const { return config().bannerPosition == BannerPosition::center; }
+  bool showsPoweredBy() const { return config().showPoweredByQuillonLogo.value_or(false); }
+  bool canClose() const { return buttons().close; }
+  QString heading() const { return words(config().bannerHeading); }
+  RichTextAdapter* text() const { return text_; }
+  PictureSource* logo() const { return logo_; }
+  QVariantList answers() const { return controls(buttons().answers); }
+  QVariantList links() const { return controls(buttons().links); }
+  QString closeLabel() const { return label(Label::close); }
+  QString logoLabel() const { return label(Label::companyLogo); }
+  QString activationHint() const { return label(Label::activationHint); }
+
+  Q_INVOKABLE void perform(int action) { model_->perform(static_cast<BannerAction>(action)); }
+  Q_INVOKABLE void close() { model_->perform(BannerAction::close); }
+  Q_INVOKABLE void appeared() { model_->appeared(); }
+
+  QString label(Label label) const { return QString::fromStdString(model_->label(label)); }
+  QString words(const std::optional<LocalizedText>& text) const { return QString::fromStdString(model_->text(text)); }
+  const BannerConfig& config() const;
+
+ protected:
+  void refresh() override;
+
+ private:
+  BannerButtons buttons() const { return buttonsByComplianceType(config()); }
+  QVariantList controls(const std::vector<BannerAction>& actions) const;
+
+  const std::shared_ptr<ConsentBannerViewModel> model_;
+  RichTextAdapter* const text_;
+  PictureSource* const logo_;
+  std::optional<EncodedImage> shownLogo_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,139 @@
+#include "ui/qtquick/Palette.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quillon {
+namespace {
+
+QColor colorOf(const std::string& text) {
+  const auto [red, green, blue] = colorFromText(text);
+  return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
+}
+
+QColor mixed(const QColor& from, const QColor& to, double share) {
+  const auto between = [share](int first, int second) {
+    return static_cast<int>(std::lround(first + (second - first) * share));
+  };
+  return QColor(between(from.red(), to.red()), between(from.green(), to.green()), between(from.blue(), to.blue()));
+}
+
+// The first of the colours that is legible on the background, else the most legible one.
+QColor legibleOn(const QColor& background, const std::vector<QColor>& colors) {
+  const auto found =
+      std::ranges::find_if(colors, [&](const QColor& color) { return contrast(color, background) >= legible; });
+  if (found != colors.end()) return *found;
+  return *std::ranges::max_element(colors, {}, [&](const QColor& color) { return contrast(color, background); });
+}
+
+// What a built-in palette is made of; the rest is common to all.
+struct Tones {
+  const char* accent;
+  const char* onAccent;
+  const char* background;
+  const char* text;
+  const char* links;
+  const char* footer;
+};
+
+Palette light(const Tones& tones) {
+  return {tones.accent, tones.onAccent, tones.accent, tones.background, tones.text, tones.links,
+          tones.footer, tones.accent,   tones.accent, "#6b7480",        "#5c3b00",  "#fff4dc"};
+}
+
+Palette dark(const Tones& tones) {
+  return {tones.accent, tones.onAccent, tones.accent, tones.background, tones.text, tones.links,
+          tones.footer, tones.accent,   tones.accent, "#7d8793",        "#f6dfa9",  "#3a2e13"};
+}
+
+}  // namespace
+
+const std::vector<BuiltInPalette>& builtInPalettes() {
+  static const std::vector<BuiltInPalette> palettes{
+      {"Ink", light({"#1d3a5f", "#ffffff", "#ffffff", "#1c2530", "#0b5cad", "#f2f5f9"}),
+       dark({"#a5c8f2", "#0d1a2a", "#151a21", "#e9eef5", "#a5c8f2", "#1d242d"})},
+      {"Forest", light({"#1f5a3a", "#ffffff", "#ffffff", "#1b2620", "#17683f", "#f1f6f3"}),
+       dark({"#97d6ae", "#0b2115", "#141b17", "#e8f0eb", "#97d6ae", "#1c2620"})},
+      {"Plum", light({"#5a2c6d", "#ffffff", "#ffffff", "#261d2b", "#7b3697", "#f7f3f9"}),
+       dark({"#dcb8ee", "#2a1234", "#1b161e", "#f1eaf4", "#dcb8ee", "#262029"})},
+      {"Clay", light({"#8a3c1f", "#ffffff", "#fffdfb", "#2c211c", "#98411f", "#faf3ee"}),
+       dark({"#f3b79d", "#33130a", "#1e1815", "#f5ece7", "#f3b79d", "#2a221e"})},
+      {"Graphite", light({"#2b3038", "#ffffff", "#ffffff", "#1d2025", "#3a4d63", "#f3f4f6"}),
+       dark({"#dde1e7", "#14171b", "#17191c", "#eceef1", "#c6d4e4", "#202327"})}};
+  return palettes;
+}
+
+Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number, bool isDark) {
+  const auto& palettes = builtInPalettes();
+  const bool isKnown = number && *number >= 1 && *number <= std::ssize(palettes);
+  const BuiltInPalette& builtIn = palettes[isKnown ? static_cast<std::size_t>(*number - 1) : 0];
+  Palette palette = isDark ? builtIn.dark : builtIn.light;
+  if (!colors) return palette;
+  palette.buttonBackground = colorOf(colors->buttonBackground);
+  palette.buttonText = colorOf(colors->buttonText);
+  palette.buttonBorder = colorOf(colors->buttonBorder);
+  palette.bannerBackground = colorOf(colors->bannerBackground);
+  palette.bannerText = colorOf(colors->bannerText);
+  palette.bannerLinks = colorOf(colors->bannerLinks);
+  palette.footerBackground = colorOf(colors->preferenceCenterFooterBackground);
+  palette.footerSelector = colorOf(colors->preferenceCenterFooterSelector);
+  palette.togglePrimary = colors->togglePrimarycolor ? colorOf(*colors->togglePrimarycolor) : palette.buttonBackground;
+  palette.toggleSecondary = colors->toggleSecondarycolor ? colorOf(*colors->toggleSecondarycolor)
+                                                         : mixed(palette.bannerText, palette.bannerBackground, 0.4);
+  palette.disclaimerText =
+      colors->purposeDisclaimerTextColor ? colorOf(*colors->purposeDisclaimerTextColor) : palette.bannerText;
+  palette.disclaimerBackground = colors->purposeDisclaimerBackgroundColor
+                                     ? colorOf(*colors->purposeDisclaimerBackgroundColor)
+                                     : mixed(palette.bannerBackground, palette.bannerText, 0.08);
+  return palette;
+}
+
+double contrast(const QColor& first, const QColor& second) {
+  const auto plain = [](const QColor& color) { return Color{color.redF(), color.greenF(), color.blueF()}; };
+  return contrast(plain(first), plain(second));
+}
+
+ScreenColors::ScreenColors(const Palette& palette, bool isDark)
+    : background(palette.bannerBackground),
+      text(palette.bannerText),
+      link(palette.bannerLinks),
+      card(mixed(background, text, 0.04)),
+      hairline(mixed(background, text, 0.14)),
+      button(palette.buttonBackground),
+      buttonText(palette.buttonText),
+      buttonBorder(palette.buttonBorder),
+      footer(palette.footerBackground),
+      selector(palette.footerSelector),
+      switchOn(palette.togglePrimary),
+      switchOff(palette.toggleSecondary),
+      note(palette.disclaimerBackground),
+      noteText(palette.disclaimerText),
+      scrim(0, 0, 0, isDark ? 160 : 112) {
+  const QColor quiet = mixed(text, background, 0.28);
+  quietText = contrast(quiet, card) >= legible ? quiet : text;
+  linkHighlight = mixed(background, link, 0.16);
+  // Colours that were chosen to be text on a fill need not be legible without it.
+  plainButtonText = legibleOn(mixed(background, text, 0.1), {buttonText, button, buttonBorder, text});
+  plainButton = mixed(background, plainButtonText, 0.1);
+  footerText = legibleOn(footer, {text, background, Qt::black, Qt::white});
+  selectorText = legibleOn(selector, {background, text, Qt::black, Qt::white});
+  focus = legibleOn(background, {link, text});
+}
+
+std::vector<std::pair<QColor, QColor>> ScreenColors::texts() const {
+  return {{text, background},
+          {text, card},
+          {quietText, background},
+          {quietText, card},
+          {link, background},
+          {link, card},
+          {link, linkHighlight},
+          {buttonText, button},
+          {plainButtonText, background},
+          {plainButtonText, plainButton},
+          {footerText, footer},
+          {selectorText, selector},
+          {noteText, note}};
+}
+
+}  // namespace quillon

@@ -1,0 +1,60 @@
+// An image of the configuration, as an item.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+#include <QImage>
+#include <QQuickPaintedItem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "ui/Common/Images/ImageFromBase64.h"
+
+namespace quillon {
+
+// Loads an image in the background. For the main queue only.
+class PictureSource : public QObject {
+  Q_OBJECT
+  QML_ANONYMOUS
+  Q_PROPERTY(bool exists READ exists NOTIFY changed)
+
+ public:
+  using QObject::QObject;
+
+  // The function runs in the background. Of several loads only the last is shown.
+  void load(const std::shared_ptr<ConsentSDK::Core>& core,
+            std::function<std::optional<EncodedImage>(ConsentSDK::Core&)> source);
+
+  const QImage& image() const { return image_; }
+  bool exists() const { return !image_.isNull(); }
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  QImage image_;
+  int loads_ = 0;
+};
+
+// Shows a picture as large as fits, in the middle. A host's own Image would want an address.
+class Picture : public QQuickPaintedItem {
+  Q_OBJECT
+  QML_ELEMENT
+  Q_PROPERTY(quillon::PictureSource* source READ source WRITE setSource NOTIFY sourceChanged)
+
+ public:
+  explicit Picture(QQuickItem* parent = nullptr);
+
+  PictureSource* source() const { return source_; }
+  void setSource(PictureSource* source);
+  void paint(QPainter* painter) override;
+
+ Q_SIGNALS:
+  void sourceChanged();
+
+ private:
+  QPointer<PictureSource> source_;
+};
+
+}  // namespace quillon

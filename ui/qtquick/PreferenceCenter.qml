@@ -1,0 +1,158 @@
+import QtQuick
+import Quillon.Consent
+
+Sheet {
+    id: screen
+
+    required property PreferenceCenterAdapter model
+
+    readonly property bool isAtPurposes: model.tab === 0
+
+    function openFirstPurpose() {
+        cards.itemAt(0)?.item?.toggleDetails()
+    }
+
+    title: model.heading
+    isBottom: isNarrow
+    fillsHeight: true
+    widest: 640
+    isLoading: model.banner.isLoading
+    footerColor: Style.colors.footer
+    onCloseRequested: model.close()
+    onIsAtPurposesChanged: scrollBy(-1e6)
+
+    header: [
+        SheetHeader {
+            width: parent.width
+            banner: screen.model.banner
+            heading: screen.model.heading
+            onClosed: screen.closeRequested()
+        },
+        TabSelector {
+            width: parent.width
+            tabs: [screen.model.purposesTab, screen.model.permissionsTab]
+            current: screen.model.tab
+            visible: !screen.model.banner.hasFailed
+            onChosen: index => screen.model.tab = index
+        }
+    ]
+
+    Column {
+        width: parent.width
+        spacing: 12
+        visible: screen.isAtPurposes
+
+        RichTextView {
+            width: parent.width
+            content: screen.model.description
+        }
+        RichTextView {
+            width: parent.width
+            content: screen.model.guidance
+            font: Style.caption
+            color: Style.colors.quietText
+        }
+        Note {
+            width: parent.width
+            content: screen.model.consentModeNote
+        }
+        TextLink {
+            anchors.left: parent.left
+            height: 36
+            text: screen.model.selectAllLabel
+            hint: screen.model.banner.activationHint
+            width: Math.min(implicitWidth, parent.width)
+            visible: screen.model.hasSwitchablePurposes
+            onClicked: screen.model.switchAll()
+            Accessible.role: Accessible.Button
+            // A screen reader hears a message that belongs to what it is at.
+            Accessible.name: text + (screen.model.voiceOverText === "" ? "" : ". " + screen.model.voiceOverText)
+        }
+        Progress {
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: screen.model.arePurposesLoading && cards.count === 0
+        }
+        Repeater {
+            id: cards
+            model: screen.model.purposes
+
+            // Many cards at once would hold the host's loop.
+            Loader {
+                id: place
+
+                required property var modelData
+
+                width: parent.width
+                asynchronous: true
+                sourceComponent: PurposeCard {
+                    width: place.width
+                    purpose: place.modelData
+                    model: screen.model
+                    announcement: messageBar.text
+                }
+            }
+        }
+    }
+    Column {
+        width: parent.width
+        spacing: 12
+        visible: !screen.isAtPurposes
+
+        RichTextView {
+            width: parent.width
+            content: screen.model.permissionsDescription
+        }
+        RichTextView {
+            width: parent.width
+            content: screen.model.permissionsGuidance
+            font: Style.caption
+            color: Style.colors.quietText
+        }
+        Progress {
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: screen.model.arePermissionsLoading && rows.count === 0
+        }
+        Repeater {
+            id: rows
+            model: screen.model.permissions
+
+            PermissionRow {
+                required property var modelData
+
+                width: parent.width
+                permission: modelData
+                model: screen.model
+                beginsGroup: index === 0 || screen.model.permissions[index - 1].group !== modelData.group
+            }
+        }
+    }
+
+    footer: [
+        ConsentButton {
+            width: parent.width
+            text: screen.model.saveLabel
+            hint: screen.model.banner.activationHint
+            visible: !screen.model.banner.hasFailed
+            onClicked: screen.model.save()
+        },
+        PoweredBy {
+            width: parent.width
+            color: Style.colors.footerText
+            visible: screen.model.banner.showsPoweredBy
+        }
+    ]
+
+    Announcement {
+        id: messageBar
+        parent: screen
+        z: 1
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 96
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: Math.min(parent.width - 48, 520)
+    }
+    Connections {
+        target: screen.model
+        function onAnnounced(text) { messageBar.show(text) }
+    }
+}

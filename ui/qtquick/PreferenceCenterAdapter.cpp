@@ -1,0 +1,127 @@
+#include "ui/qtquick/PreferenceCenterAdapter.h"
+
+#include <QGuiApplication>
+#include <algorithm>
+
+namespace quillon {
+namespace {
+
+bool isSameButForStatus(AppPermission left, AppPermission right) {
+  left.consentStatus = right.consentStatus = std::nullopt;
+  return left == right;
+}
+
+}  // namespace
+
+PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCenterViewModel> model, QObject* parent)
+    : Adapter(parent),
+      model_(std::move(model)),
+      banner_(new ConsentBannerAdapter(model_->banner(), this)),
+      description_(new RichTextAdapter(model_->banner()->core(), this)),
+      guidance_(new RichTextAdapter(model_->banner()->core(), this)),
+      consentModeNote_(new RichTextAdapter(model_->banner()->core(), this)),
+      permissionsDescription_(new RichTextAdapter(model_->banner()->core(), this)),
+      permissionsGuidance_(new RichTextAdapter(model_->banner()->core(), this)) {
+  follow(model_->banner()->bannerConfigResult);
+  follow(model_->purposesResult);
+  follow(model_->permissionsResult);
+  follow(model_->selectedPurposes);
+  follow(model_->currentSegment);
+  follow(model_->voiceOverText);
+  announcement_ = model_->announcement.observe([this](const std::string& text) {
+    if (!text.empty()) Q_EMIT announced(QString::fromStdString(text));
+  });
+  // The user may come back from the system settings.
+  connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+    if (state == Qt::ApplicationActive) model_->loadPermissions();
+  });
+}
+
+QString PreferenceCenterAdapter::tabName(MyPreferences tab) const {
+  const BannerConfig& config = banner_->config();
+  const QString configured =
+      banner_->words(tab == MyPreferences::purposes ? config.sdkTabHeading : config.permissionsTabHeading);
+  if (!configured.isEmpty()) return configured;
+  const std::string_view name = rawValue(tab);
+  return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+}
+
+QString PreferenceCenterAdapter::hint(Label action) const {
+  return banner_->label(Label::hintPrefix) + " " + banner_->label(action);
+}
+
+void PreferenceCenterAdapter::tapPermission(int index) {
+  const auto& key = permissions_.at(static_cast<std::size_t>(index))->key;
+  if (key) model_->tapPermission(*key);
+}
+
+void PreferenceCenterAdapter::refresh() {
+  const auto& banner = *model_->banner();
+  const BannerConfig& config = banner_->config();
+  description_->setHtml(banner.text(config.preferenceCenterDescription));
+  guidance_->setHtml(banner.text(config.preferenceCenterGuidance));
+  permissionsDescription_->setHtml(banner.text(config.permissionsTabDescription));
+  permissionsGuidance_->setHtml(banner.text(config.permissionsTabGuidance));
+  const auto& consentMode = banner.gcmConfig.get();
+  const bool showsNote = consentMode && consentMode->showGcmDescription.value_or(false);
+  consentModeNote_->setHtml(showsNote ? banner.text(consentMode->gcmDescription) : "");
+  // The cards take their texts from the banner's configuration.
+  if (!model_->banner()->bannerConfig.get()) return;
+  refreshPurposes();
+  refreshPermissions();
+}
+
+// The cards stay as long as the list is the same: they have the focus, and are expanded.
+void PreferenceCenterAdapter::refreshPurposes() {
+  if (model_->purposes.get() == shownPurposes_) {
+    for (PurposeAdapter* purpose : purposes_) purpose->refresh();
+    return;
+  }
+  shownPurposes_ = model_->purposes.get();
+  const auto former = std::exchange(purposes_, {});
+  for (const Purpose& purpose : shownPurposes_) purposes_.push_back(new PurposeAdapter(purpose, model_, this));
+  Q_EMIT purposesChanged();
+  for (PurposeAdapter* purpose : former) purpose->deleteLater();
+}
+
+PermissionAdapter* PreferenceCenterAdapter::shownPermission(const AppPermission& permission) {
+  auto* shown = new PermissionAdapter(this);
+  shown->group = QString::fromStdString(permission.group.value_or(""));
+  shown->name = banner_->words(permission.nameMap);
+  if (shown->name.isEmpty()) shown->name = QString::fromStdString(permission.name.value_or(""));
+  shown->description = new RichTextAdapter(model_->banner()->core(), shown);
+  shown->description->setHtml(model_->banner()->text(permission.description));
+  shown->status = permission.consentStatus;
+  shown->key = permission.permissionId;
+  shown->canUpdate = permission.permissionId && permission.isSettingsPromptEnabled.value_or(false);
+  return shown;
+}
+
+void PreferenceCenterAdapter::refreshPermissions() {
+  const auto& loaded = model_->permissions.get();
+  if (!std::ranges::equal(loaded, shownPermissions_, isSameButForStatus)) {
+    const auto former = std::exchange(permissions_, {});
+    shownPermissions_ = loaded;
+    std::vector<std::optional<std::string>> groups;
+    for (const AppPermission& permission : loaded) {
+      if (std::ranges::find(groups, permission.group) == groups.end()) groups.push_back(permission.group);
+    }
+    for (const auto& group : groups) {
+      for (const AppPermission& permission : loaded) {
+        if (permission.group == group) permissions_.push_back(shownPermission(permission));
+      }
+    }
+    Q_EMIT permissionsChanged();
+    for (PermissionAdapter* permission : former) permission->deleteLater();
+    return;
+  }
+  shownPermissions_ = loaded;
+  for (PermissionAdapter* shown : permissions_) {
+    const auto now = std::ranges::find(loaded, shown->key, &AppPermission::permissionId);
+    if (now == loaded.end() || now->consentStatus == shown->status) continue;
+    shown->status = now->consentStatus;
+    Q_EMIT shown->changed();
+  }
+}
+
+}  // namespace quillon

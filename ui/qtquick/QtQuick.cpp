@@ -1,0 +1,18 @@
+#include "quillon/QtQuick.h"
+
+#include "platform/linux/LinuxPlatform.h"
+#include "ui/qtquick/MainQueue.h"
+#include "ui/qtquick/QtScreenPresenter.h"
+
+namespace quillon {
+
+bool configureQtQuick(LinuxOptions options, QtQuickOptions screens) {
+  MainQueue& queue = MainQueue::instance();
+  options.postToMainQueue = [&queue](std::function<void()> job) { queue.post(std::move(job)); };
+  const auto presenter = QtScreenPresenter::make(screens);
+  if (!configure(std::move(options), presenter)) return false;
+  queue.post([presenter] { presenter->prepare(); });
+  return true;
+}
+
+}  // namespace quillon

@@ -1,0 +1,275 @@
+#include "ui/qtquick/QtScreenPresenter.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QtPlugin>
+#include <algorithm>
+
+#include "core/Logger/UnitLog.h"
+#include "ui/PreferenceCenter/PreferenceCenterViewModel.h"
+#include "ui/SettingsPrompt/SettingsPromptViewModel.h"
+#include "ui/qtquick/Incubation.h"
+#include "ui/qtquick/MainQueue.h"
+#include "ui/qtquick/PreferenceCenterAdapter.h"
+#include "ui/qtquick/SettingsPromptAdapter.h"
+#include "ui/qtquick/WebViewAdapter.h"
+
+// Of the QML module, made by the build. In a static library they must be named to be linked.
+void qml_register_types_Quillon_Consent();
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "QtScreenPresenter";
+
+std::shared_ptr<ConsentBannerViewModel> loadedBanner(const ScreenPresenter::Core& core) {
+  auto model = ConsentBannerViewModel::make(core);
+  model->loadBannerConfig();
+  return model;
+}
+
+// The settings programs of the desktops, at the page of the applications where there is one.
+struct SettingsProgram {
+  const char* desktop;
+  const char* program;
+  QStringList arguments;
+};
+
+const std::vector<SettingsProgram>& settingsPrograms() {
+  static const std::vector<SettingsProgram> programs{{"GNOME", "gnome-control-center", {"applications"}},
+                                                     {"KDE", "systemsettings", {}},
+                                                     {"XFCE", "xfce4-settings-manager", {}},
+                                                     {"X-Cinnamon", "cinnamon-settings", {}},
+                                                     {"MATE", "mate-control-center", {}},
+                                                     {"LXQt", "lxqt-config", {}}};
+  return programs;
+}
+
+}  // namespace
+
+std::shared_ptr<QtScreenPresenter> QtScreenPresenter::make(QtQuickOptions options) {
+  // The last owner may be a task on another thread.
+  return {new QtScreenPresenter(options), [](QtScreenPresenter* presenter) { presenter->deleteLater(); }};
+}
+
+QtScreenPresenter::QtScreenPresenter(QtQuickOptions options) : options_(options) {
+  connect(&MainQueue::instance(), &MainQueue::ending, this, [this] { clear(); });
+}
+
+QtScreenPresenter::~QtScreenPresenter() {
+  clear();
+}
+
+// Everything that must not outlive the application object.
+void QtScreenPresenter::clear() {
+  for (Screen* screen : std::exchange(stack_, {})) delete screen;
+  ownWindow_.reset();
+  components_.clear();
+  engine_.reset();
+}
+
+void QtScreenPresenter::prepare() {
+  for (const ScreenKind kind : {ScreenKind::banner, ScreenKind::preferenceCenter, ScreenKind::settingsPrompt}) {
+    component(kind);
+  }
+}
+
+QQmlComponent& QtScreenPresenter::component(ScreenKind kind) {
+  if (!engine_) {
+    qml_register_types_Quillon_Consent();
+    engine_ = std::make_unique<QQmlEngine>();
+    engine_->addImportPath(":/qt/qml");
+    engine_->setIncubationController(new Incubation(engine_.get()));
+    engine_->setOutputWarningsToStandardError(true);
+  }
+  auto& component = components_[kind];
+  if (!component) {
+    const char* names[] = {"ConsentBanner", "PreferenceCenter", "SettingsPrompt", "WebViewSheet"};
+    const QString file = QString("qrc:/qt/qml/Quillon/Consent/%1.qml").arg(names[static_cast<int>(kind)]);
+    component = std::make_unique<QQmlComponent>(engine_.get(), QUrl(file), QQmlComponent::Asynchronous);
+  }
+  return *component;
+}
+
+bool QtScreenPresenter::isShown(ScreenKind kind, const Core& core) const {
+  return std::ranges::any_of(stack_,
+                             [&](const Screen* screen) { return screen->kind() == kind && screen->core() == core; });
+}
+
+void QtScreenPresenter::presentBanner(Core core) {
+  if (isShown(ScreenKind::banner, core)) return;
+  const auto model = loadedBanner(core);
+  model->loadCompanyLogo();
+  auto* adapter = new ConsentBannerAdapter(model);
+  present(std::make_unique<Screen>(ScreenKind::banner, std::move(core), adapter, adapter));
+}
+
+void QtScreenPresenter::presentPreferenceCenter(Core core) {
+  if (isShown(ScreenKind::preferenceCenter, core)) return;
+  const auto banner = loadedBanner(core);
+  banner->loadCompanyLogo();
+  const auto model = PreferenceCenterViewModel::make(banner);
+  model->loadPurposes();
+  model->loadPermissions();
+  auto* adapter = new PreferenceCenterAdapter(model);
+  present(std::make_unique<Screen>(ScreenKind::preferenceCenter, std::move(core), adapter, adapter->banner()));
+}
+
+void QtScreenPresenter::presentSettingsPrompt(Core core, const VantariKey& permission) {
+  if (isShown(ScreenKind::settingsPrompt, core)) return;
+  const auto banner = loadedBanner(core);
+  banner->loadSettingsPrompt();
+  auto* adapter = new SettingsPromptAdapter(std::make_unique<SettingsPromptViewModel>(banner, permission));
+  present(std::make_unique<Screen>(ScreenKind::settingsPrompt, std::move(core), adapter, adapter->banner()));
+}
+
+void QtScreenPresenter::presentWebView(Core core, const std::string& link) {
+  if (!webSurfaceFactory()) {
+    UnitLog(core->logger, sourceFile)(LogLevel::warning, "No web view is linked, not opened: " + escapedForLog(link),
+                                      "presentWebView()");
+    return;
+  }
+  for (const Screen* screen : stack_) {
+    if (screen->kind() != ScreenKind::webView || screen->core() != core) continue;
+    return static_cast<WebViewAdapter*>(screen->model())->open(link);
+  }
+  component(ScreenKind::webView);  // makes the QML engine
+  auto* adapter = new WebViewAdapter(loadedBanner(core), webSurfaceFactory()(*engine_), link);
+  present(std::make_unique<Screen>(ScreenKind::webView, std::move(core), adapter, adapter->banner()));
+}
+
+void QtScreenPresenter::present(std::unique_ptr<Screen> made) {
+  Screen* screen = made.release();
+  stack_.push_back(screen);
+  connect(screen, &Screen::created, this, [this, screen] { show(screen); });
+  connect(screen, &Screen::lostWindow, this, [this, screen] { dismiss(screen); });
+  connect(screen->banner(), &Adapter::changed, this, [this] { styleAfterTop(); });
+  QQmlComponent& component = this->component(screen->kind());
+  const auto create = [this, screen, &component] {
+    if (std::ranges::find(stack_, screen) == stack_.end()) return;
+    if (component.isError()) {
+      UnitLog(screen->core()->logger, sourceFile)(
+          LogLevel::error, "The screen cannot be made: " + escapedForLog(component.errorString().toStdString()),
+          "present()");
+      dismiss(screen);
+      return;
+    }
+    styleAfterTop();
+    screen->createFrom(component);
+  };
+  if (component.isLoading()) {
+    connect(&component, &QQmlComponent::statusChanged, screen, create, Qt::SingleShotConnection);
+  } else {
+    create();
+  }
+}
+
+void QtScreenPresenter::show(Screen* screen) {
+  QQuickWindow* window = hostWindow();
+  window->removeEventFilter(this);
+  window->installEventFilter(this);
+  const auto height = std::ranges::find(stack_, screen) - stack_.begin();
+  // Above whatever the host has.
+  constexpr double lowest = 1'000'000;
+  screen->item()->setZ(lowest + static_cast<double>(height));
+  screen->showIn(*window);
+}
+
+void QtScreenPresenter::styleAfterTop() {
+  if (stack_.empty() || !engine_) return;
+  // Another engine knows the type by another number.
+  auto* style = engine_->singletonInstance<Style*>(qmlTypeId("Quillon.Consent", 1, 0, "Style"));
+  const Screen* top = stack_.back();
+  if (!style) return;
+  style->setOptions(options_);
+  style->show(*top->core(), top->banner()->model()->bannerConfig.get());
+}
+
+void QtScreenPresenter::dismissTopMost() {
+  if (!stack_.empty()) dismiss(stack_.back());
+}
+
+void QtScreenPresenter::dismissBanner() {
+  const auto found = std::ranges::find(stack_, ScreenKind::banner, &Screen::kind);
+  if (found != stack_.end()) dismiss(*found);
+}
+
+void QtScreenPresenter::dismiss(Screen* screen) {
+  if (std::erase(stack_, screen) == 0) return;
+  for (Screen* above : stack_) {
+    if (screen->contains(above->formerFocus)) above->formerFocus = screen->formerFocus;
+  }
+  screen->disconnect(this);
+  connect(screen, &QObject::destroyed, this, [this] { closeOwnWindow(); });
+  screen->leave();
+  styleAfterTop();
+}
+
+QQuickWindow* QtScreenPresenter::hostWindow() {
+  for (const Screen* screen : stack_) {
+    if (screen->item() && screen->item()->window()) return screen->item()->window();
+  }
+  const auto isHost = [](const QWindow* window) {
+    return window && window->isVisible() && (window->type() == Qt::Window || window->type() == Qt::Dialog);
+  };
+  if (isHost(QGuiApplication::focusWindow())) {
+    if (auto* window = qobject_cast<QQuickWindow*>(QGuiApplication::focusWindow())) return window;
+  }
+  const auto windows = QGuiApplication::topLevelWindows();
+  for (auto window = windows.rbegin(); window != windows.rend(); ++window) {
+    auto* quick = qobject_cast<QQuickWindow*>(*window);
+    if (quick && isHost(quick)) return quick;
+  }
+  ownWindow_ = std::make_unique<QQuickWindow>();
+  ownWindow_->setTitle(QGuiApplication::applicationDisplayName());
+  ownWindow_->resize(480, 760);
+  connect(ownWindow_.get(), &QWindow::visibleChanged, this, [this](bool isVisible) {
+    while (!isVisible && !stack_.empty()) dismissTopMost();
+  });
+  ownWindow_->show();
+  ownWindow_->requestActivate();
+  return ownWindow_.get();
+}
+
+void QtScreenPresenter::closeOwnWindow() {
+  if (stack_.empty() && ownWindow_) ownWindow_.release()->deleteLater();
+}
+
+bool QtScreenPresenter::eventFilter(QObject* watched, QEvent* event) {
+  const auto* top = topItem();
+  if (event->type() != QEvent::KeyPress || !top || top->window() != watched) return false;
+  const auto* key = static_cast<QKeyEvent*>(event);
+  if (key->key() != Qt::Key_Tab && key->key() != Qt::Key_Backtab) return false;
+  if (top->property("keepsTabKey").toBool()) return false;
+  const bool isForward = key->key() == Qt::Key_Tab && !key->modifiers().testFlag(Qt::ShiftModifier);
+  QQuickItem* const begin = top->window()->activeFocusItem();
+  QQuickItem* next = begin ? begin : topItem();
+  // Once around the window at most; the host's controls are stepped over.
+  constexpr int mostItems = 10'000;
+  for (int i = 0; i < mostItems; ++i) {
+    next = next->nextItemInFocusChain(isForward);
+    if (!next || next == begin) return true;
+    if (stack_.back()->contains(next)) break;
+  }
+  if (stack_.back()->contains(next)) next->forceActiveFocus(isForward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+  return true;
+}
+
+void QtScreenPresenter::openSystemSettings() {
+  const QString desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
+  for (const bool isAnyWelcome : {false, true}) {
+    for (const auto& [name, program, arguments] : settingsPrograms()) {
+      if (!isAnyWelcome && !desktop.contains(name, Qt::CaseInsensitive)) continue;
+      const QString path = QStandardPaths::findExecutable(program);
+      if (!path.isEmpty() && QProcess::startDetached(path, arguments)) return;
+    }
+  }
+  if (stack_.empty()) return;
+  UnitLog(stack_.back()->core()->logger, sourceFile)(
+      LogLevel::warning, "This desktop has no settings program that we know, nothing is opened",
+      "openSystemSettings()");
+}
+
+}  // namespace quillon

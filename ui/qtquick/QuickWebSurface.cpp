@@ -1,0 +1,10 @@
+#include "ui/qtquick/QuickWebSurface.h"
+
+namespace quillon {
+
+WebSurfaceFactory& webSurfaceFactory() {
+  static WebSurfaceFactory factory;
+  return factory;
+}
+
+}  // namespace quillon

@@ -1,0 +1,51 @@
+// A configured HTML text for a Text element.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <string>
+
+#include "ui/Common/RichText/RichTextViewModel.h"
+#include "ui/qtquick/Adapter.h"
+
+namespace quillon {
+
+class RichTextAdapter : public Adapter {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("made for each text")
+  // Markup of our own making: it holds no address and no resource. Its links are called "0", "1" and so on, and are of
+  // the classes l0, l1 and so on.
+  Q_PROPERTY(QString markup READ markup NOTIFY changed)
+  Q_PROPERTY(QString plainText READ plainText NOTIFY changed)
+  // The words of each link.
+  Q_PROPERTY(QStringList links READ links NOTIFY changed)
+
+ public:
+  RichTextAdapter(std::shared_ptr<ConsentSDK::Core> core, QObject* parent);
+
+  void setHtml(const std::string& html);
+
+  const QString& markup() const { return markup_; }
+  const QString& plainText() const { return plainText_; }
+  const QStringList& links() const { return links_; }
+
+  // Opens a link in the in-app web view.
+  Q_INVOKABLE void open(int link) const;
+
+ protected:
+  void refresh() override;
+
+ private:
+  const std::shared_ptr<ConsentSDK::Core> core_;
+  const std::shared_ptr<RichTextViewModel> model_;
+  std::string html_;
+  QString markup_;
+  QString plainText_;
+  QStringList links_;
+  std::vector<std::string> addresses_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,60 @@
+// The settings prompt's view model for QML.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+#include <QString>
+#include <memory>
+
+#include "ui/SettingsPrompt/SettingsPromptViewModel.h"
+#include "ui/qtquick/ConsentBannerAdapter.h"
+
+namespace quillon {
+
+class SettingsPromptAdapter : public Adapter {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("made for each screen")
+  Q_PROPERTY(quillon::ConsentBannerAdapter* banner READ banner CONSTANT)
+  Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
+  Q_PROPERTY(bool hasFailed READ hasFailed NOTIFY changed)
+  Q_PROPERTY(QString heading READ heading NOTIFY changed)
+  Q_PROPERTY(quillon::RichTextAdapter* message READ message CONSTANT)
+  Q_PROPERTY(QString settingsButton READ settingsButton NOTIFY changed)
+  Q_PROPERTY(QString notNowButton READ notNowButton NOTIFY changed)
+
+ public:
+  explicit SettingsPromptAdapter(std::unique_ptr<SettingsPromptViewModel> model, QObject* parent = nullptr)
+      : Adapter(parent),
+        model_(std::move(model)),
+        banner_(new ConsentBannerAdapter(model_->banner(), this)),
+        message_(new RichTextAdapter(model_->banner()->core(), this)) {
+    follow(model_->banner()->settingsPromptResult);
+    follow(model_->banner()->bannerConfigResult);
+  }
+
+  ConsentBannerAdapter* banner() const { return banner_; }
+  bool isLoading() const { return model_->banner()->settingsPromptResult.get().isLoading(); }
+  bool hasFailed() const { return model_->banner()->settingsPromptResult.get().error() != nullptr; }
+  QString heading() const { return QString::fromStdString(content_.heading); }
+  RichTextAdapter* message() const { return message_; }
+  QString settingsButton() const { return QString::fromStdString(content_.settingsButton); }
+  QString notNowButton() const { return QString::fromStdString(content_.notNowButton); }
+
+  Q_INVOKABLE void openSettings() { model_->openSettings(); }
+  Q_INVOKABLE void notNow() { model_->notNow(); }
+  Q_INVOKABLE void close() { model_->close(); }
+
+ protected:
+  void refresh() override {
+    content_ = model_->content().value_or(SettingsPromptViewModel::Content{});
+    message_->setHtml(content_.message);
+  }
+
+ private:
+  const std::unique_ptr<SettingsPromptViewModel> model_;
+  ConsentBannerAdapter* const banner_;
+  RichTextAdapter* const message_;
+  SettingsPromptViewModel::Content content_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,73 @@
+import QtQuick
+import Quillon.Consent
+
+// The logo, the heading and the way out.
+Item {
+    id: header
+
+    required property ConsentBannerAdapter banner
+    property string heading
+    property bool canClose: true
+    property bool hasLogo: true
+    signal closed
+
+    readonly property bool showsLogo: hasLogo && banner.logo.exists
+    readonly property real longestWord: {
+        // A width is not measured anew by itself when the font changes.
+        if (metrics.font !== Style.heading)
+            return 0
+        const widths = heading.split(/\s+/).map(word => metrics.advanceWidth(word))
+        return Math.ceil(Math.max(0, ...widths)) + 1
+    }
+    readonly property real widthBeside: width - (showsLogo ? 52 : 0) - (canClose ? 48 : 0)
+    // A word that does not fit between the logo and the button has the whole width, and shrinks when that is not enough.
+    readonly property bool isStacked: longestWord > widthBeside && (canClose || showsLogo)
+    readonly property real fit: Math.min(1, (isStacked ? width : widthBeside) / longestWord)
+
+    implicitHeight: Math.max(canClose ? 44 : 0, showsLogo ? 40 : 0, words.implicitHeight + words.y)
+
+    FontMetrics {
+        id: metrics
+        font: Style.heading
+    }
+    Picture {
+        id: picture
+        anchors.left: parent.left
+        y: 2
+        width: 40
+        height: 40
+        source: header.banner.logo
+        visible: header.showsLogo
+        Accessible.role: Accessible.Graphic
+        Accessible.name: header.banner.logoLabel
+    }
+    Text {
+        id: words
+        anchors.left: parent.left
+        anchors.leftMargin: header.showsLogo && !header.isStacked ? 52 : 0
+        anchors.right: parent.right
+        anchors.rightMargin: header.canClose && !header.isStacked ? 48 : 0
+        // A heading of one line stands in the middle of the logo and the button.
+        y: header.isStacked ? 52 : header.canClose || header.showsLogo ? Math.max(0, (44 - implicitHeight) / 2) : 0
+        text: header.heading
+        textFormat: Text.PlainText
+        font.family: Style.heading.family
+        font.weight: Style.heading.weight
+        font.pixelSize: Math.max(Style.body.pixelSize, Math.floor(Style.heading.pixelSize * header.fit))
+        color: Style.colors.text
+        wrapMode: Text.Wrap
+        horizontalAlignment: Text.AlignLeft
+        visible: text !== ""
+        Accessible.role: Accessible.Heading
+        Accessible.name: text
+    }
+    IconButton {
+        id: button
+        anchors.right: parent.right
+        anchors.rightMargin: -4
+        text: header.banner.closeLabel
+        hint: header.banner.activationHint
+        visible: header.canClose
+        onClicked: header.closed()
+    }
+}

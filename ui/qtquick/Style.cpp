@@ -1,0 +1,87 @@
+#include "ui/qtquick/Style.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QLocale>
+#include <QPalette>
+#include <QScreen>
+#include <algorithm>
+
+namespace quillon {
+namespace {
+
+bool isDesktopDark() {
+  const QPalette palette = QGuiApplication::palette();
+  return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+// Desktops magnify text by a higher density, which fonts measured in points follow.
+double desktopTextScale() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  constexpr double ordinaryDensity = 96;
+  return screen ? screen->logicalDotsPerInchY() / ordinaryDensity : 1;
+}
+
+Style::ButtonShape shapeOf(const std::optional<BannerConfig>& banner) {
+  switch (banner ? banner->buttonShape.value_or(ButtonShape::rounded) : ButtonShape::rounded) {
+    case ButtonShape::square:
+      return Style::Square;
+    case ButtonShape::pill:
+      return Style::Pill;
+    case ButtonShape::outlined:
+      return Style::Outlined;
+    case ButtonShape::edgeless:
+      return Style::Edgeless;
+    case ButtonShape::rounded:
+      break;
+  }
+  return Style::Rounded;
+}
+
+}  // namespace
+
+Style::Style(QObject* parent) : QObject(parent), colors_(paletteFor(std::nullopt, std::nullopt, false), false) {}
+
+void Style::setOptions(const QtQuickOptions& options) {
+  options_ = options;
+}
+
+void Style::show(const ConsentSDK::Core& core, const std::optional<BannerConfig>& banner) {
+  const bool isDark = options_.isDark.value_or(isDesktopDark());
+  const auto number = banner ? banner->paletteTheme : std::nullopt;
+  colors_ = ScreenColors(paletteFor(core.theme.colors(), number, isDark), isDark);
+  fonts_ = core.theme.fonts();
+  constexpr double smallest = 0.5;
+  constexpr double largest = 3;
+  textScale_ = std::clamp(options_.textScale.value_or(desktopTextScale()), smallest, largest);
+  isMotionReduced_ = options_.isMotionReduced;
+  buttonShape_ = shapeOf(banner);
+  const QLocale language(QString::fromStdString(core.locale.currentLanguageCode()));
+  isMirrored_ = language.textDirection() == Qt::RightToLeft;
+  Q_EMIT changed();
+}
+
+QFont Style::font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight) const {
+  QFont font = QGuiApplication::font();
+  if (custom && !custom->name.empty()) font.setFamilies({QString::fromStdString(custom->name), font.family()});
+  if (custom && custom->size > 0) size = std::min(custom->size, 64.0);
+  if (custom) weight = std::clamp(custom->type, leastWeight, 1000);
+  font.setPixelSize(std::max(1, qRound(size * textScale_)));
+  font.setWeight(static_cast<QFont::Weight>(weight));
+  return font;
+}
+
+// What is large already grows less, or a long word would not fit on a small screen.
+QFont Style::heading() const {
+  QFont large = font(fonts_.heading, 20, QFont::DemiBold);
+  if (textScale_ > 1) large.setPixelSize(qRound(large.pixelSize() * (1 + (textScale_ - 1) * 0.6) / textScale_));
+  return large;
+}
+
+QFont Style::caption() const {
+  QFont small = body();
+  small.setPixelSize(std::max(1, qRound(small.pixelSize() * 13.0 / 15)));
+  return small;
+}
+
+}  // namespace quillon

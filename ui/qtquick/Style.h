@@ -1,0 +1,71 @@
+// How the screens look.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+#include <QFont>
+#include <QObject>
+#include <memory>
+
+#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "quillon/QtQuick.h"
+#include "ui/qtquick/Palette.h"
+
+namespace quillon {
+
+// One for all screens of an engine: that of the SDK whose screen was shown last.
+class Style : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_SINGLETON
+  Q_PROPERTY(quillon::ScreenColors colors READ colors NOTIFY changed)
+  Q_PROPERTY(QFont heading READ heading NOTIFY changed)
+  Q_PROPERTY(QFont subHeading READ subHeading NOTIFY changed)
+  Q_PROPERTY(QFont body READ body NOTIFY changed)
+  Q_PROPERTY(QFont label READ label NOTIFY changed)
+  Q_PROPERTY(QFont tab READ tab NOTIFY changed)
+  Q_PROPERTY(QFont caption READ caption NOTIFY changed)
+  // Lengths that grow with the text, as factor.
+  Q_PROPERTY(double textScale READ textScale NOTIFY changed)
+  Q_PROPERTY(ButtonShape buttonShape READ buttonShape NOTIFY changed)
+  Q_PROPERTY(bool isMirrored READ isMirrored NOTIFY changed)
+  // Of a transition, in milliseconds; 0 where no motion is wanted.
+  Q_PROPERTY(int duration READ duration NOTIFY changed)
+
+ public:
+  enum ButtonShape { Rounded, Square, Pill, Outlined, Edgeless };
+  Q_ENUM(ButtonShape)
+
+  explicit Style(QObject* parent = nullptr);
+
+  void setOptions(const QtQuickOptions& options);
+  // Takes over the SDK's fonts and colours, its language and what the banner configures.
+  void show(const ConsentSDK::Core& core, const std::optional<BannerConfig>& banner);
+
+  const ScreenColors& colors() const { return colors_; }
+  QFont heading() const;
+  QFont subHeading() const { return font(fonts_.subHeading, 16, QFont::DemiBold); }
+  QFont body() const { return font(fonts_.body, 15, QFont::Normal); }
+  QFont label() const { return font(fonts_.body, 15, QFont::DemiBold, QFont::DemiBold); }
+  QFont tab() const { return font(fonts_.headingLight, 15, QFont::DemiBold); }
+  QFont caption() const;
+  double textScale() const { return textScale_; }
+  ButtonShape buttonShape() const { return buttonShape_; }
+  bool isMirrored() const { return isMirrored_; }
+  int duration() const { return isMotionReduced_ ? 0 : 180; }
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  QFont font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight = 1) const;
+
+  QtQuickOptions options_;
+  Theme::Fonts fonts_;
+  ScreenColors colors_;
+  double textScale_ = 1;
+  ButtonShape buttonShape_ = Rounded;
+  bool isMirrored_ = false;
+  bool isMotionReduced_ = false;
+};
+
+}  // namespace quillon

@@ -1,0 +1,130 @@
+import QtQuick
+import Quillon.Consent
+
+// A page of the web: its title and host above, what moves through its history below.
+Sheet {
+    id: screen
+
+    required property WebViewAdapter model
+
+    // Within the page the Tab key goes from link to link; at its ends the page passes the focus on by itself.
+    readonly property bool keepsTabKey: place.activeFocus
+
+    title: model.title
+    isBottom: isNarrow
+    fillsHeight: true
+    widest: 960
+    onCloseRequested: model.close()
+    onShownChanged: if (shown === 1 && !isLeaving) model.appeared()
+
+    header: Item {
+        width: parent.width
+        implicitHeight: Math.max(44, words.implicitHeight)
+
+        Column {
+            id: words
+            anchors.left: parent.left
+            anchors.right: closeButton.left
+            anchors.rightMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+
+            Text {
+                width: parent.width
+                text: screen.model.title
+                textFormat: Text.PlainText
+                font: Style.subHeading
+                color: Style.colors.text
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                elide: Text.ElideRight
+                horizontalAlignment: Text.AlignLeft
+                Accessible.role: Accessible.Heading
+                Accessible.name: text
+            }
+            Text {
+                width: parent.width
+                text: screen.model.host
+                textFormat: Text.PlainText
+                font: Style.caption
+                color: Style.colors.quietText
+                // The end of a host tells whose it is.
+                elide: Text.ElideLeft
+                horizontalAlignment: Text.AlignLeft
+                visible: text !== ""
+            }
+        }
+        IconButton {
+            id: closeButton
+            anchors.right: parent.right
+            anchors.rightMargin: -4
+            text: screen.model.banner.closeLabel
+            hint: screen.model.banner.activationHint
+            onClicked: screen.closeRequested()
+        }
+    }
+
+    page: [
+        FocusScope {
+            id: place
+
+            readonly property Item content: screen.model.page
+
+            anchors.fill: parent
+            onContentChanged: {
+                if (!content)
+                    return
+                content.parent = place
+                content.anchors.fill = place
+                content.focus = true
+            }
+            // Keys that the page has no use for.
+            Keys.onEscapePressed: screen.closeRequested()
+        },
+        Rectangle {
+            width: parent.width * screen.model.progress
+            height: 2
+            anchors.left: parent.left
+            color: Style.colors.switchOn
+            visible: screen.model.isLoading
+            Accessible.role: Accessible.ProgressBar
+            Accessible.name: screen.model.title
+        }
+    ]
+
+    footer: [
+        Item {
+            width: parent.width
+            implicitHeight: 44
+
+            // In line with the text above.
+            Row {
+                anchors.left: parent.left
+                anchors.leftMargin: -4
+                spacing: 8
+
+                IconButton {
+                    shape: Style.isMirrored ? Icon.ChevronForward : Icon.ChevronBackward
+                    text: screen.model.backLabel
+                    hint: screen.model.banner.activationHint
+                    enabled: screen.model.canGoBack
+                    onClicked: screen.model.goBack()
+                }
+                IconButton {
+                    shape: Style.isMirrored ? Icon.ChevronBackward : Icon.ChevronForward
+                    text: screen.model.forwardLabel
+                    hint: screen.model.banner.activationHint
+                    enabled: screen.model.canGoForward
+                    onClicked: screen.model.goForward()
+                }
+            }
+            IconButton {
+                anchors.right: parent.right
+                anchors.rightMargin: -4
+                shape: Icon.Refresh
+                text: screen.model.refreshLabel
+                hint: screen.model.banner.activationHint
+                onClicked: screen.model.refreshPage()
+            }
+        }
+    ]
+}

@@ -1,0 +1,133 @@
+import QtQuick
+import QtWebEngine
+import Quillon.Consent
+import Quillon.Consent.WebEngine
+
+// A browser that pages get nothing from but to be shown: no window, dialog, file, permission or place to keep anything.
+WebEngineView {
+    id: view
+
+    required property WebEngineSurface surface
+
+    function evaluate(script, number) {
+        runJavaScript(script, WebEngineScript.ApplicationWorld, result => {
+            if (surface)
+                surface.scriptEnded(number, typeof result === "string" ? result : "")
+        })
+    }
+
+    zoomFactor: Style.textScale
+    profile: WebEngineProfile {
+        offTheRecord: true
+        httpCacheType: WebEngineProfile.MemoryHttpCache
+        persistentCookiesPolicy: WebEngineProfile.NoPersistentCookies
+        spellCheckEnabled: false
+        onDownloadRequested: download => download.cancel()
+    }
+    // What pages cannot see or say.
+    readonly property string shownMessage: "shown " + Math.random()
+
+    Component.onCompleted: userScripts.collection = [
+        {
+            // The engine takes the end of a refused navigation for that of the next one; this one is sure.
+            name: "shown",
+            sourceCode: "addEventListener('pageshow', () => console.info('" + shownMessage + "'))",
+            injectionPoint: WebEngineScript.DocumentCreation,
+            worldId: WebEngineScript.ApplicationWorld
+        },
+        {
+            // Connections of WebRTC pass by every filter.
+            name: "withheld",
+            sourceCode: "delete window.RTCPeerConnection; delete window.webkitRTCPeerConnection; delete window.WebTransport",
+            injectionPoint: WebEngineScript.DocumentCreation,
+            worldId: WebEngineScript.MainWorld,
+            runsOnSubFrames: true
+        }
+    ]
+    settings {
+        javascriptEnabled: true
+        javascriptCanOpenWindows: false
+        javascriptCanAccessClipboard: false
+        javascriptCanPaste: false
+        allowWindowActivationFromJavaScript: false
+        localContentCanAccessFileUrls: false
+        localContentCanAccessRemoteUrls: false
+        allowRunningInsecureContent: false
+        allowGeolocationOnInsecureOrigins: false
+        // Asked about, and refused, like any other address.
+        unknownUrlSchemePolicy: WebEngineSettings.AllowUnknownUrlSchemesFromUserInteraction
+        pluginsEnabled: false
+        pdfViewerEnabled: false
+        fullScreenSupportEnabled: false
+        screenCaptureEnabled: false
+        webRTCPublicInterfacesOnly: true
+        dnsPrefetchEnabled: false
+        hyperlinkAuditingEnabled: false
+        autoLoadIconsForPage: false
+        touchIconsEnabled: false
+        navigateOnDropEnabled: false
+        playbackRequiresUserGesture: true
+        // A navigation that fails leaves the page before it.
+        errorPageEnabled: false
+        focusOnNavigationEnabled: false
+    }
+
+    onUrlChanged: surface.changed()
+    onLoadProgressChanged: surface.changed()
+    onCanGoBackChanged: surface.changed()
+    onCanGoForwardChanged: surface.changed()
+
+    onNavigationRequested: request => {
+        if (surface.allowsNavigation(request.url, request.isMainFrame))
+            request.accept()
+        else
+            request.reject()
+    }
+    // Never opened: what may be shown is shown here.
+    onNewWindowRequested: request => surface.windowWanted(request.requestedUrl)
+    onLoadingChanged: info => {
+        const aborted = -3
+        if (info.status === WebEngineView.LoadStartedStatus)
+            surface.navigationStarted()
+        else if (info.status === WebEngineView.LoadSucceededStatus)
+            surface.navigationSucceeded()
+        else
+            surface.navigationFailed(info.status === WebEngineView.LoadStoppedStatus || info.errorCode === aborted ? "" : info.errorString)
+    }
+    onJavaScriptConsoleMessage: (level, message) => {
+        if (message === shownMessage)
+            surface.navigationSucceeded()
+    }
+    onRenderProcessTerminated: surface.pageFailed("The page's process has ended")
+
+    onFeaturePermissionRequested: (origin, feature) => grantFeaturePermission(origin, feature, false)
+    onQuotaRequested: request => request.reject()
+    onFileSystemAccessRequested: request => request.reject()
+    onRegisterProtocolHandlerRequested: request => request.reject()
+    onFullScreenRequested: request => request.reject()
+    onCertificateError: error => error.rejectCertificate()
+    onSelectClientCertificate: selection => selection.selectNone()
+    onAuthenticationDialogRequested: request => {
+        request.accepted = true
+        request.dialogReject()
+    }
+    onJavaScriptDialogRequested: request => {
+        request.accepted = true
+        // A page may not keep the user from leaving it.
+        if (request.type === JavaScriptDialogRequest.DialogTypeBeforeUnload)
+            request.dialogAccept()
+        else
+            request.dialogReject()
+    }
+    onColorDialogRequested: request => {
+        request.accepted = true
+        request.dialogReject()
+    }
+    onFileDialogRequested: request => {
+        request.accepted = true
+        request.dialogReject()
+    }
+    onContextMenuRequested: request => request.accepted = true
+    onTouchSelectionMenuRequested: request => request.accepted = true
+    onTooltipRequested: request => request.accepted = true
+}

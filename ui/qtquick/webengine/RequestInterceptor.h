@@ -1,0 +1,27 @@
+// Asks the link filter before a request leaves.
+#pragma once
+
+#include <QWebEngineUrlRequestInterceptor>
+#include <memory>
+
+#include "ui/Common/WebView/SubresourceGate.h"
+
+namespace quillon {
+
+// Sees every request of a profile, redirects included, those of pages, frames and workers. What the gate does not allow
+// is not made: so web sockets are refused altogether.
+class RequestInterceptor : public QWebEngineUrlRequestInterceptor {
+ public:
+  explicit RequestInterceptor(std::shared_ptr<const SubresourceGate> gate, QObject* parent)
+      : QWebEngineUrlRequestInterceptor(parent), gate_(std::move(gate)) {}
+
+  void interceptRequest(QWebEngineUrlRequestInfo& request) override {
+    if (!gate_->allowsSubresource(request.requestUrl().toEncoded().toStdString())) return request.block(true);
+    request.setHttpHeader("DNT", "1");
+  }
+
+ private:
+  const std::shared_ptr<const SubresourceGate> gate_;
+};
+
+}  // namespace quillon
