@@ -1,6 +1,6 @@
 #include "tests/webengine/WebWorld.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QTest>
 #include <QTimer>
@@ -22,17 +22,11 @@ WebWorld::~WebWorld() {
   webSurfaceFactory() = factory_;
 }
 
-bool WebWorld::await(const std::function<bool()>& condition) {
-  constexpr int limit = 10'000;
+bool WebWorld::await(const std::function<bool()>& condition, int limitMilliseconds) {
   constexpr int pause = 5;
-  for (const QElapsedTimer begin =
-           [] {
-             QElapsedTimer timer;
-             timer.start();
-             return timer;
-           }();
-       !condition();) {
-    if (begin.hasExpired(limit)) return false;
+  const QDeadlineTimer limit(limitMilliseconds);
+  while (!condition()) {
+    if (limit.hasExpired()) return false;
     QEventLoop loop;
     QTimer::singleShot(pause, &loop, &QEventLoop::quit);
     loop.exec();
@@ -69,10 +63,10 @@ void WebWorld::paints() {
 }
 
 std::string WebWorld::evaluate(const std::string& script) {
-  std::optional<std::string> result;
-  surface->runScript(script, [&](std::string text) { result = std::move(text); });
-  EXPECT_TRUE(await([&] { return result.has_value(); }));
-  return result.value_or("");
+  const auto result = std::make_shared<std::optional<std::string>>();
+  surface->runScript(script, [result](std::string text) { *result = std::move(text); });
+  await([&] { return result->has_value(); }, 1'000);
+  return result->value_or("");
 }
 
 void WebWorld::click() {

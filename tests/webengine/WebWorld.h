@@ -15,9 +15,9 @@ struct WebWorld : testing::Test {
   WebWorld();
   ~WebWorld() override;
 
-  // False when the condition does not come true within ten seconds. The engine works in many small turns of the main
+  // False when the condition does not come true in time. The engine works in many small turns of the main
   // loop, so that it has the loop to itself meanwhile.
-  bool await(const std::function<bool()>& condition);
+  bool await(const std::function<bool()>& condition, int limitMilliseconds = 10'000);
 
   // In texts, "$REFUSED" stands for the address of the server that must not be reached, "$HOST" for its host and port,
   // and "$ALLOWED" for the address of the other one.
@@ -29,7 +29,7 @@ struct WebWorld : testing::Test {
   void paints();
   // Waits until a page with that title is shown.
   void shows(const std::string& title);
-  // Evaluates a script in the page on screen.
+  // Evaluates a script in the page on screen. Empty also when the page goes away meanwhile.
   std::string evaluate(const std::string& script);
   // Clicks on the middle of the page.
   void click();
