@@ -388,6 +388,9 @@ json::object HostSession::preferences(const Object& request) {
 json::object HostSession::prompt(const Object& request) {
   const auto permission = argument<std::string>(request, "permission");
   const auto choice = optionalArgument<std::string>(request, "choose");
+  if (choice && *choice != "settings" && *choice != "notNow" && *choice != "close") {
+    throw RequestError("\"choose\" is none of settings, notNow and close");
+  }
   sdk_.presentSettingPrompt(VantariKey(permission));
   Object reply = done();
   onMain([](HostScreens&) {});

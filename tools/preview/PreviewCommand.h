@@ -1,7 +1,9 @@
 // quillon-consent preview: hands over to the program that has the screens.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace quillon::tools {
 
