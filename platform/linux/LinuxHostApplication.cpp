@@ -7,7 +7,6 @@
 #include <system_error>
 #include <utility>
 
-#include "core/Configuration/Utf8.h"
 #include "platform/linux/PosixFileSystem.h"
 
 namespace quillon {
@@ -79,9 +78,8 @@ std::optional<std::string> LinuxHostApplication::resource(std::string_view name,
   const std::string file = std::string(name) + '.' + std::string(extension);
   // A name that leads elsewhere, or ends early, is none.
   if (name.empty() || name.contains("..") || file.contains('/') || file.contains('\0')) return std::nullopt;
-  auto text = PosixFileSystem(resources_).read(resources_ / file, largestResource);
-  if (!text || !isUtf8(*text)) return std::nullopt;
-  return *std::move(text);
+  auto content = PosixFileSystem(resources_).read(resources_ / file, largestResource);
+  return content ? std::optional(*std::move(content)) : std::nullopt;
 }
 
 std::string LinuxHostApplication::localized(std::string_view key, std::string_view /*comment*/) const {

@@ -23,14 +23,13 @@ TEST(HostApplication, FindsItsResourcesByNameAndExtension) {
   }
 }
 
-TEST(HostApplication, ReadsNothingOutsideItsFolderAndNothingUnsound) {
+TEST(HostApplication, ReadsNothingOutsideItsFolderAndNothingHuge) {
   const test::TemporaryFolder outer;
   const auto folder = outer.path() / "resources";
   std::filesystem::create_directories(folder / "inner");
   for (const auto* name : {"secret.html", "resources/inner/page.html", "resources/.html"}) {
     setFileBytes(outer.path() / name, "text");
   }
-  setFileBytes(folder / "bytes.html", "\xff");
   setFileBytes(folder / "large.html", std::string((1 << 20) + 1, 'x'));
   setFileBytes(folder / "full.html", std::string(1 << 20, 'x'));
   std::filesystem::create_symlink(outer.path() / "secret.html", folder / "link.html");
@@ -38,7 +37,7 @@ TEST(HostApplication, ReadsNothingOutsideItsFolderAndNothingUnsound) {
   const auto host = linuxPlatform({.resourceDirectory = folder}).host;
   using namespace std::string_view_literals;
   for (const auto name : {"../secret"sv, "inner/page"sv, "inner/../full"sv, ""sv, ".."sv, "link"sv, "folder"sv,
-                          "bytes"sv, "large"sv, "full.html\0"sv}) {
+                          "large"sv, "full.html\0"sv}) {
     EXPECT_EQ(host->resource(name, "html"), std::nullopt) << name;
   }
   EXPECT_EQ(host->resource("full", "/../full.html"), std::nullopt);

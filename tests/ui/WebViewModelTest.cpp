@@ -340,17 +340,19 @@ TEST_F(WebView, LogsNavigationErrorsAndShowsNone) {
 }
 
 TEST_F(WebView, ShowsTheApplicationsBlockedPageOrSaysThatItIsMissing) {
-  resources = {{"mine.html", "<head></head>mine"}};
+  resources = {{"mine.html", "<head></head>mine"}, {"bytes.html", "<head></head>\xff"}};
   options.webviewConfig->blockedPageHTML = "mine.html";
   start();
   open("https://evil.example/");
   EXPECT_TRUE(shown().ends_with("%3C%2Fhead%3Emine"));
   EXPECT_TRUE(isBlocked());
-  options.webviewConfig->blockedPageHTML = "gone";
-  start();
-  open("https://evil.example/");
-  EXPECT_TRUE(shown().ends_with("%3C%2Fhtml%3E%0A"));
-  EXPECT_TRUE(logged("[WARNING]WebView: gone.html not found in bundle"));
+  for (const std::string name : {"gone", "bytes"}) {
+    options.webviewConfig->blockedPageHTML = name;
+    start();
+    open("https://evil.example/");
+    EXPECT_TRUE(shown().ends_with("%3C%2Fhtml%3E%0A")) << name;
+    EXPECT_TRUE(logged("[WARNING]WebView: " + name + ".html not found in bundle"));
+  }
 }
 
 TEST_F(WebView, LetsNetworkThreadsAskAboutSubresources) {

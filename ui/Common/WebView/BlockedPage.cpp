@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/Configuration/JsonWriter.h"
+#include "core/Configuration/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/webview_blocked_page.h"
 
@@ -62,8 +63,8 @@ BlockedPage BlockedPage::configured(const std::optional<std::string>& name, cons
   if (!name) return BlockedPage(ownBlockedPage);
   std::string_view plain = *name;
   if (plain.ends_with(".html")) plain.remove_suffix(extension.size() + 1);
-  if (const auto page = host.resource(plain, extension)) return BlockedPage(*page);
-  log(LogLevel::warning, "WebView: " + escapedForLog(plain) + ".html not found in bundle", "showBlockedPage(for:)");
+  if (const auto page = host.resource(plain, extension); page && isUtf8(*page)) return BlockedPage(*page);
+  log(LogLevel::warning, "WebView: " + escapedForLog(plain) + ".html not found in bundle", "configured");
   return BlockedPage(ownBlockedPage);
 }
 

@@ -17,8 +17,8 @@ class BlockedPage {
   // closing head tag; of a page without one, in front of everything.
   explicit BlockedPage(std::string_view page);
 
-  // The host application's page of that name, with or without ".html"; ours when none is named or it is missing, which
-  // is logged.
+  // The host application's page of that name, with or without ".html"; ours when none is named, or when it is missing
+  // or not UTF-8, which is logged. Reads a file.
   static BlockedPage configured(const std::optional<std::string>& name, const HostApplication& host,
                                 const UnitLog& log);
 

@@ -46,6 +46,20 @@ std::string percentDecoded(std::string_view text) {
   return result;
 }
 
+// What must be read before the first address can be judged.
+struct Gathered {
+  std::set<std::string> hosts;
+  BlockedPage blockedPage;
+};
+
+Gathered gather(ConsentSDK::Core& core) {
+  const auto configuration = core.cache.readCDNFile(true);
+  const auto options = core.currentOptions();
+  const auto page = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
+  return {configuration ? hostsOfLinks(*configuration) : std::set<std::string>(),
+          BlockedPage::configured(page, *core.platform.host, UnitLog(core.logger, sourceFile))};
+}
+
 // What a page calls itself, in a length that a header can take.
 std::string asTitle(std::string_view text) {
   std::string title;
@@ -68,13 +82,12 @@ std::shared_ptr<WebViewModel> WebViewModel::make(std::shared_ptr<ConsentSDK::Cor
   const std::shared_ptr<WebViewModel> model(new WebViewModel(std::move(core), std::move(surface)));
   if (!model->webView_) return model;
   model->webView_->attach(model, model->gate_);
-  const auto gather = [](ConsentSDK::Core& services) -> Task<std::set<std::string>> {
-    const auto configuration = services.cache.readCDNFile(true);
-    co_return configuration ? hostsOfLinks(*configuration) : std::set<std::string>();
-  };
-  model->cdnHostsTask_ =
-      LoadTask::start(model->core_, std::weak_ptr(model), gather, [](WebViewModel& self, std::set<std::string> hosts) {
-        self.cachedCdnHosts_ = std::move(hosts);
+  model->cdnHostsTask_ = LoadTask::start(
+      model->core_, std::weak_ptr(model),
+      [](ConsentSDK::Core& services) -> Task<Gathered> { co_return gather(services); },
+      [](WebViewModel& self, Gathered gathered) {
+        self.cachedCdnHosts_ = std::move(gathered.hosts);
+        self.blockedPage_ = std::move(gathered.blockedPage);
         if (self.waiting_) self.loadURL(*std::exchange(self.waiting_, {}));
       });
   return model;
@@ -121,17 +134,14 @@ void WebViewModel::open(const std::string& link) {
 }
 
 void WebViewModel::showBlockedPage(std::string_view address) {
-  if (!blockedPage_) {
-    const auto options = core_->currentOptions();
-    const auto name = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
-    blockedPage_ = BlockedPage::configured(name, *core_->platform.host, log_);
-  }
+  if (!blockedPage_) return;
+  hasShownBlockedPage_ = true;
   isBlockedPageDue_ = true;
   webView_->loadHtml(blockedPage_->html(address));
 }
 
 bool WebViewModel::isBlockedPage(std::string_view address) const {
-  if (!blockedPage_) return false;
+  if (!hasShownBlockedPage_) return false;
   if (isBlockedPageDue_ && address == "about:blank") return true;
   // A page can make an address like that too; but then it is the same page, and what differs is only the address shown.
   if (!address.starts_with("data:") || address.size() > longestDataAddress) return false;
@@ -193,7 +203,7 @@ void WebViewModel::didFailProvisionalNavigation(std::string_view error) {
 
 void WebViewModel::navigationEnded() {
   const std::string address = webView_->address();
-  isBlockedPageShowing.set(blockedPage_ && !address.starts_with("http:") && !address.starts_with("https:"));
+  isBlockedPageShowing.set(hasShownBlockedPage_ && !address.starts_with("http:") && !address.starts_with("https:"));
   isLoading.set(false);
 }
 

@@ -19,7 +19,8 @@ namespace quillon {
 
 // For the main queue only. Lives as long as the sheet that shows it and releases the browser with it. Besides the
 // application's allowed domains the hosts of its servers, of the vendor and of all links in the configuration are
-// allowed; the latter are gathered once, in the background, when the model is made.
+// allowed; the latter are gathered once, in the background, when the model is made, together with the page for refused
+// addresses.
 class WebViewModel : public WebNavigationDelegate, public std::enable_shared_from_this<WebViewModel> {
  public:
   // Without a browser every link opens nowhere, which is logged.
@@ -68,7 +69,8 @@ class WebViewModel : public WebNavigationDelegate, public std::enable_shared_fro
   std::optional<std::set<std::string>> cachedCdnHosts_;  // of the links in the configuration; nothing until known
   std::optional<std::string> waiting_;                   // the address to open then
   std::shared_ptr<const LinkFilter> filter_;             // of the address opened last; null until then
-  std::optional<BlockedPage> blockedPage_;               // made when it is first shown
+  std::optional<BlockedPage> blockedPage_;               // known together with the hosts
+  bool hasShownBlockedPage_ = false;                     // so that it is somewhere in the browser's history
   bool isBlockedPageDue_ = false;                        // it was given to the browser and has not arrived
   std::string requested_;                                // the address given to the browser last
   std::uint64_t navigation_ = 0;                         // number of the newest one
