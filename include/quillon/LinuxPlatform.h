@@ -10,6 +10,8 @@
 
 namespace quillon {
 
+struct Platform;
+
 /// How the SDK fits into a Linux application. Every member has a default that suits a plain program.
 struct LinuxOptions {
   /// Names the folder of the application's data, so that two applications never share a store, and the application in
@@ -29,6 +31,11 @@ struct LinuxOptions {
   /// Folder of the text files that ship with the application, such as the page of WebViewConfig::blockedPageHTML: plain
   /// files of at most 1 MiB in UTF-8. Links are not followed. Default: the folder of the executable.
   std::optional<std::filesystem::path> resourceDirectory = std::nullopt;
+  /// Replaces services of the platform by the application's own: another store, another source of permissions. Called
+  /// once, on the thread that uses ConsentSDK::shared() first, with every service in place; must not use the SDK. A
+  /// service that it sets to null stays as it was, and so do all when it throws. `Platform` and the interfaces of its
+  /// members are in "platform/Platform.h", which asks for C++23. Default: none.
+  std::function<void(Platform& platform)> replaceServices = {};
 };
 
 /// Sets the options of ConsentSDK::shared(). Call it before the first use of shared(); later calls change nothing and

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "platform/linux/AsioExecutors.h"
 #include "platform/linux/CurlHttpSession.h"
@@ -20,6 +21,7 @@
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StandardConsole.h"
 #include "platform/memory/FixedAppTracking.h"
+#include "platform/parts/Contained.h"
 #include "platform/parts/FunctionConsentSink.h"
 
 namespace quillon {
@@ -88,9 +90,35 @@ fs::path resourceDirectory(const LinuxOptions& options) {
   return options.resourceDirectory ? fs::absolute(*options.resourceDirectory, error) : fs::path();
 }
 
+// What the application makes of the platform. The SDK cannot do without most services, so none goes missing.
+Platform replaced(const Platform& ours, const std::function<void(Platform&)>& replaceServices) {
+  Platform theirs = ours;
+  bool failed = true;
+  contained([&] {
+    replaceServices(theirs);
+    failed = false;
+  });
+  if (failed) return ours;
+  const auto keep = [&](auto member) {
+    if (theirs.*member == nullptr) theirs.*member = ours.*member;
+  };
+  keep(&Platform::console);
+  keep(&Platform::clock);
+  keep(&Platform::executors);
+  keep(&Platform::files);
+  keep(&Platform::store);
+  keep(&Platform::http);
+  keep(&Platform::network);
+  keep(&Platform::locale);
+  keep(&Platform::tracking);
+  keep(&Platform::permissions);
+  keep(&Platform::host);
+  return theirs;
+}
+
 }  // namespace
 
-Platform linuxPlatform(const LinuxOptions& options) {
+Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresenter> screens) {
   const fs::path folder = dataDirectory(options);
   Platform platform;
   platform.console = std::make_shared<StandardConsole>();
@@ -106,7 +134,8 @@ Platform linuxPlatform(const LinuxOptions& options) {
   platform.host = std::make_shared<LinuxHostApplication>(resourceDirectory(options));
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);
   if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;
-  return platform;
+  platform.screens = std::move(screens);
+  return options.replaceServices ? replaced(platform, options.replaceServices) : platform;
 }
 
 }  // namespace quillon

@@ -25,9 +25,7 @@ Settings& settings() {
 Platform configuredPlatform() {
   const std::scoped_lock lock(settings().mutex);
   settings().taken = true;
-  Platform platform = linuxPlatform(settings().options);
-  platform.screens = settings().screens;
-  return platform;
+  return linuxPlatform(settings().options, settings().screens);
 }
 
 }  // namespace

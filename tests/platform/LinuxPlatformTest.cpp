@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/memory/FixedLocale.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
@@ -65,6 +66,21 @@ TEST_F(LinuxPlatformTest, TakesTheHomeFolderWhereTheDataFolderIsNotAbsolute) {
   }
   setenv("HOME", "relative", 1);
   EXPECT_TRUE(folder().is_absolute()) << "followed the working directory";
+}
+
+TEST_F(LinuxPlatformTest, AnApplicationReplacesServicesButTakesNoneAway) {
+  const auto languages = [](std::function<void(Platform&)> replaceServices) {
+    return linuxPlatform({.replaceServices = std::move(replaceServices)}).locale->preferredLanguages();
+  };
+  const std::vector<std::string> theirs{"fi"};
+  const auto replace = [&](Platform& platform) { platform.locale = std::make_shared<FixedLocale>(theirs); };
+  EXPECT_EQ(languages(replace), theirs);
+  EXPECT_EQ(languages([](Platform& platform) { platform.locale = nullptr; }), languages({}));
+  EXPECT_EQ(languages([&](Platform& platform) {
+              replace(platform);
+              throw 1;
+            }),
+            languages({}));
 }
 
 TEST_F(LinuxPlatformTest, DescribesTheSystemAndTheLibrary) {
