@@ -11,7 +11,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 int main(int argc, char** argv) {
   int count = 0;
   for (int i = 1; i < argc; ++i) {
-    for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
+    constexpr auto links = std::filesystem::directory_options::follow_directory_symlink;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(argv[i], links)) {
+      if (entry.is_directory()) continue;
       std::ifstream file(entry.path(), std::ios::binary);
       const std::string input(std::istreambuf_iterator<char>(file), {});
       std::printf("%s\n", entry.path().c_str());
