@@ -1,0 +1,108 @@
+/* A C application that asks for consent: it sets the SDK up, waits until it is ready, asks when the banner is due (here:
+ * a line of text, answered with yes) and tells what is allowed. usage: quillon-c-example SERVER DATA_FOLDER */
+#include <pthread.h>
+#include <stdio.h>
+#include <time.h>
+
+#include "quillon/consent.h"
+
+/* What the callbacks of the SDK tell the thread that waits here. */
+typedef struct {
+  pthread_mutex_t mutex;
+  pthread_cond_t changed;
+  int answers; /* how many came */
+  quillon_status status;
+  int32_t stored;
+} progress;
+
+static void answered(progress* p) {
+  ++p->answers;
+  pthread_cond_signal(&p->changed);
+  pthread_mutex_unlock(&p->mutex);
+}
+
+static void on_status(quillon_status status, void* context) {
+  progress* p = context;
+  pthread_mutex_lock(&p->mutex);
+  p->status = status;
+  answered(p);
+}
+
+static void on_stored(int32_t stored, void* context) {
+  progress* p = context;
+  pthread_mutex_lock(&p->mutex);
+  p->stored = stored;
+  answered(p);
+}
+
+static void on_banner(const quillon_banner* banner, void* context) {
+  progress* p = context;
+  if (banner) printf("%s\n[%s] [%s]\n", banner->heading, banner->accept, banner->reject);
+  pthread_mutex_lock(&p->mutex);
+  answered(p);
+}
+
+static void on_purposes(const quillon_purpose* const* purposes, size_t count, void* context) {
+  progress* p = context;
+  for (size_t i = 0; i < count; ++i) {
+    printf("%s: %s\n", purposes[i]->name, purposes[i]->consent == QUILLON_GRANTED ? "granted" : "not granted");
+  }
+  pthread_mutex_lock(&p->mutex);
+  answered(p);
+}
+
+static void on_signals(const quillon_signal* signals, size_t count, void* context) {
+  (void)context;
+  for (size_t i = 0; i < count; ++i) printf("signal %s=%s\n", signals[i].name, signals[i].value);
+}
+
+/* Waits for one more answer, at most 20 seconds. Not 0 when it came. */
+static int wait_for_answer(progress* p, int* seen) {
+  struct timespec limit;
+  int late = 0;
+  clock_gettime(CLOCK_REALTIME, &limit);
+  limit.tv_sec += 20;
+  pthread_mutex_lock(&p->mutex);
+  while (p->answers == *seen && !late) late = pthread_cond_timedwait(&p->changed, &p->mutex, &limit);
+  if (p->answers > *seen) ++*seen;
+  pthread_mutex_unlock(&p->mutex);
+  return !late;
+}
+
+int main(int argc, char** argv) {
+  static progress p = {.mutex = PTHREAD_MUTEX_INITIALIZER, .changed = PTHREAD_COND_INITIALIZER};
+  int seen = 0;
+  if (argc != 3) return 2;
+
+  quillon_platform platform = {.size = sizeof platform,
+                               .application_id = "news-reader",
+                               .data_directory = argv[2],
+                               .vendor_url = argv[1],
+                               .consent_sink = on_signals};
+  quillon_options options = {.size = sizeof options,
+                             .app_url = argv[1],
+                             .cdn_url = argv[1],
+                             .tenant_id = "demo-tenant",
+                             .app_id = "news-reader",
+                             .language_code = "de"};
+  if (!quillon_configure(&platform) || !quillon_setup(&options)) return 1;
+
+  quillon_is_ready(on_status, &p);
+  while (p.status != QUILLON_READY || seen < 1) {
+    if (!wait_for_answer(&p, &seen)) return 1;
+  }
+  quillon_remove_listeners();
+  quillon_settle(20000);
+  seen = p.answers;
+
+  if (quillon_is_banner_due()) {
+    quillon_get_banner(on_banner, &p);
+    if (!wait_for_answer(&p, &seen)) return 1;
+    quillon_accept_or_reject(1, on_stored, &p);
+    if (!wait_for_answer(&p, &seen) || !p.stored) return 1;
+  }
+  quillon_get_purposes(on_purposes, &p);
+  if (!wait_for_answer(&p, &seen)) return 1;
+  quillon_settle(20000);
+  return quillon_get_purpose(2) == QUILLON_GRANTED ? 0 : 1;
+}

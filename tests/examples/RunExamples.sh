@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Runs the examples in other languages against a development server, each from an empty folder, and holds them to what the
+# server received.
+# usage: RunExamples.sh SOURCE_FOLDER PROGRAM_FOLDER C_LIBRARY
+set -euo pipefail
+source=$1 programs=$2 library=$3
+work=$(mktemp -d)
+exec {log}< <(exec "$programs/quillon-consent" serve "$source/examples/configuration" --port 0 --db "$work/uploads.db")
+server=$!
+trap 'kill "$server" 2>/dev/null || true; rm -rf "$work"' EXIT
+read -r -t 20 -u "$log" line
+url=${line#listening on }
+
+runs=0
+run() {
+  local name=$1
+  shift
+  echo "== $name"
+  "$@" "$url" "$work/$name" | tee "$work/output"
+  grep -qE ':? granted$' "$work/output"
+  runs=$((runs + 1))
+}
+
+run c "$programs/quillon-c-example"
+grep -q '^signal ad_storage=' "$work/output"
+# A sanitizer's runtime would have to be loaded before Python's own program.
+if [ -z "${SANITIZED:-}" ]; then run python python3 "$source/examples/python/consent.py" "$library"; fi
+uploads=$("$programs/quillon-consent" serve --list --db "$work/uploads.db")
+[ "$(grep -c '"status":0,' <<<"$uploads")" = $runs ]
