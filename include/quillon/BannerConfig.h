@@ -130,7 +130,7 @@ struct ConsentBannerConfig {
 
 }  // namespace quillon
 
-/// Equal records hash equally.
+/// @cond equal records hash equally
 template <>
 struct std::hash<quillon::CustomColors> {
   std::size_t operator()(const quillon::CustomColors& record) const;
@@ -143,3 +143,4 @@ template <>
 struct std::hash<quillon::ConsentBannerConfig> {
   std::size_t operator()(const quillon::ConsentBannerConfig& record) const;
 };
+/// @endcond

@@ -136,7 +136,7 @@ struct MainConfiguration {
 
 }  // namespace quillon
 
-/// Equal records hash equally.
+/// @cond equal records hash equally
 template <>
 struct std::hash<quillon::SDK> {
   std::size_t operator()(const quillon::SDK& record) const;
@@ -169,3 +169,4 @@ template <>
 struct std::hash<quillon::MainConfiguration> {
   std::size_t operator()(const quillon::MainConfiguration& record) const;
 };
+/// @endcond

@@ -128,7 +128,8 @@ typedef struct quillon_banner {
  * success. */
 int32_t quillon_configure(const quillon_platform* platform);
 
-/** @name Set-up and readiness @{ */
+/** @name Set-up and readiness
+ * @{ */
 /** Starts loading in the background; may be called again. Not 0 when the options are complete. */
 int32_t quillon_setup(const quillon_options* options);
 quillon_status quillon_get_status(void);
@@ -142,7 +143,8 @@ char* quillon_sdk_version(void);
 void quillon_free(char* text);
 /** @} */
 
-/** @name Consents @{ */
+/** @name Consents
+ * @{ */
 /** Answers from memory. */
 quillon_consent quillon_get_purpose(int64_t purpose_id);
 quillon_consent quillon_get_permission(const char* key);
@@ -162,7 +164,8 @@ void quillon_get_consent_mode(void (*callback)(const quillon_signal* signals, si
 void quillon_remove_consents(void);
 /** @} */
 
-/** @name Banner @{ */
+/** @name Banner
+ * @{ */
 /** Not 0 when the banner must be shown now, which counts as showing it. */
 int32_t quillon_is_banner_due(void);
 /** The banner; null when there is none. */
@@ -172,14 +175,16 @@ void quillon_accept_or_reject(int32_t accept, void (*callback)(int32_t stored, v
 /** @} */
 
 /** @name Screens
- * Shown when the application links a user interface of the SDK; otherwise a warning is logged. @{ */
+ * Shown when the application links a user interface of the SDK; otherwise a warning is logged.
+ * @{ */
 void quillon_present_banner(void);
 void quillon_present_preference_center(void);
 void quillon_present_setting_prompt(const char* permission_key);
 void quillon_open_link(const char* link);
 /** @} */
 
-/** @name Upload and check @{ */
+/** @name Upload and check
+ * @{ */
 void quillon_upload_pending_consents(void (*callback)(int32_t uploaded, void* context), void* context);
 void quillon_check_consents(void (*callback)(void* context), void* context);
 /** @} */
