@@ -34,6 +34,40 @@ using SuiteEntries = std::unordered_map<std::string, PropertyValue, TransparentS
 // Keys to write, each with its new value or with nothing to remove it.
 using SuiteChanges = std::map<std::string, std::optional<PropertyValue>, std::less<>>;
 
+// Every suite has a journal: records in the order in which they were appended. What a record says never changes; only
+// its mark is set, once.
+struct JournalRecord {
+  std::int64_t number = 0;  // given by the suite, ascending
+  std::string text;
+  std::string mark;  // empty until the record is settled
+
+  bool operator==(const JournalRecord&) const = default;
+};
+
+// Beyond these the oldest records go, a few hundred at once, in the update that appends the newest.
+inline constexpr std::size_t maximumJournalRecords = 10'000;
+inline constexpr std::size_t journalRecordsDroppedAtOnce = 200;
+// Of one text, and of one mark.
+inline constexpr std::size_t maximumJournalTextBytes = 4096;
+
+struct JournalPage {
+  std::vector<JournalRecord> records;  // newest first
+  std::vector<std::int64_t> damaged;   // numbers of those in between that are not what was written
+};
+
+// What one update does: all of it or nothing. A suite's changes alone are an update, too.
+struct SuiteUpdate {
+  SuiteUpdate() = default;
+  SuiteUpdate(SuiteChanges keys) : changes(std::move(keys)) {}  // NOLINT(google-explicit-constructor): see above
+
+  SuiteChanges changes;
+  bool clearsJournal = false;  // before anything is appended
+  // Receives the records without a mark, newest first, and answers the mark of each in the same order; an empty or
+  // missing one leaves it as it is. May be called more than once; must not call back into the suite.
+  std::function<std::vector<std::string>(const std::vector<JournalRecord>& unsettled)> settle = {};
+  std::vector<std::string> appended = {};  // texts, in this order
+};
+
 // Thread-safe. Never throws.
 class KeyValueSuite {
  public:
@@ -43,14 +77,18 @@ class KeyValueSuite {
   // by another process at the latest 100 ms after it was committed.
   virtual std::shared_ptr<const SuiteEntries> snapshot() const = 0;
 
-  // Receives the newest committed content and returns what to change; called exactly once, with every other writer of
+  // Receives the newest committed content and returns what to do; called exactly once, with every other writer of
   // the suite, in this process or another, held off. Must not call back into the suite.
-  using Edit = std::function<SuiteChanges(const SuiteEntries& current)>;
+  using Edit = std::function<SuiteUpdate(const SuiteEntries& current)>;
 
-  // Applies all changes of the edit or none of them. On success they are durable when this returns; on failure (disk
+  // Does all of the edit's update or none of it. On success they are durable when this returns; on failure (disk
   // full, read-only, damaged, another writer that does not let go for two seconds) the suite is as it was and the
   // error says why.
   virtual std::expected<void, std::string> update(const Edit& edit) = 0;
+
+  // The records with a number below that one, at most so many; fewer, damaged ones included, are the last there are.
+  // May wait for the disk and for a commit of this process.
+  virtual std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const = 0;
 };
 
 // Thread-safe. Never throws.

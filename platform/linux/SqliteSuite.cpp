@@ -148,9 +148,9 @@ std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
 std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
   std::lock_guard turn(writersMutex_);
   std::unique_lock connection(connectionMutex_);
-  std::optional<SuiteChanges> changes;  // the edit is called once, however often they are applied
+  std::optional<SuiteUpdate> planned;  // the edit is called once, however often its update is tried
   for (int attempts = 1;; ++attempts) {
-    auto done = attempt(connection, afterPatience(), edit, changes);
+    auto done = attempt(connection, afterPatience(), edit, planned);
     if (done) return {};
     if (!done.error().mendable || attempts == maximumAttempts) return std::unexpected(std::move(done.error().text));
     if (auto mended = mend(done.error().text); !mended) return mended;
@@ -175,7 +175,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::begin(std::unique_lock<st
 
 std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<std::mutex>& connection,
                                                                Deadline deadline, const Edit& edit,
-                                                               std::optional<SuiteChanges>& changes) {
+                                                               std::optional<SuiteUpdate>& planned) {
   if (auto begun = begin(connection, deadline); !begun) return begun;
   Transaction transaction(*this);
   if (file_->moved()) return std::unexpected(Problem{"it was moved away", true});
@@ -184,17 +184,23 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   if (!sound_) return std::unexpected(Problem{"entries in it are damaged", true});
 
   const auto& current = *published_;  // only a holder of the connection publishes
-  if (!changes) changes = edit(current);
-  const auto rows = rowsToWrite(current, *changes);
+  if (!planned) planned = edit(current);
+  const auto rows = rowsToWrite(current, planned->changes);
   if (!rows) return std::unexpected(Problem{rows.error()});
-  if (rows->empty()) return {};
-  auto next = std::make_shared<const SuiteEntries>(applied(current, *changes));
+  const auto tooLong = [](const std::string& text) { return text.size() > maximumJournalTextBytes; };
+  if (std::ranges::any_of(planned->appended, tooLong)) return std::unexpected(Problem{"a journal record is too long"});
+  const bool writesJournal = planned->clearsJournal || planned->settle || !planned->appended.empty();
+  if (rows->empty() && !writesJournal) return {};
+  auto next = std::make_shared<const SuiteEntries>(applied(current, planned->changes));
   if (next->size() > maximumSuiteEntries) return std::unexpected(Problem{"the store has too many entries"});
 
   transaction.writing();
   for (const auto& [key, stored] : *rows) {
     const auto done = stored ? file_->put(key, *stored) : file_->remove(key);
     if (!done) return std::unexpected(problem(done.error()));
+  }
+  if (writesJournal) {
+    if (auto done = file_->writeJournal(*planned); !done) return std::unexpected(problem(done.error()));
   }
   if (auto done = file_->commit(afterPatience()); !done) return std::unexpected(problem(done.error()));
   transaction.committed();
@@ -204,6 +210,30 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   return {};
 }
 
+std::expected<JournalPage, std::string> SqliteSuite::journal(std::int64_t before, std::size_t count) const {
+  auto page = [&]() -> std::expected<JournalPage, std::string> {
+    try {
+      std::lock_guard connection(connectionMutex_);
+      if (!file_ || file_->moved()) {
+        auto opened = SuiteFile::open(path_, afterPatience());
+        if (!opened) return std::unexpected(opened.error().text);
+        adopt(std::move(*opened));
+      }
+      auto read = file_->readJournal(before, count, afterPatience());
+      if (!read) return std::unexpected(problem(read.error()).text);
+      for (const auto number : read->damaged) {
+        if (!damagedNoted_.insert(number).second) continue;
+        note("Store " + path_.string() + ": record " + std::to_string(number) + " of the journal is damaged");
+      }
+      return std::move(*read);
+    } catch (const std::exception& error) {
+      return std::unexpected(error.what());
+    }
+  }();
+  deliverNotes();
+  return page;
+}
+
 SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
   return {"store " + path_.string() + ": " + error.text, error.damage() || file_->moved()};
 }
@@ -211,10 +241,12 @@ SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
 // Leaves a healthy file open at the path, holding what was last known to be committed.
 std::expected<void, std::string> SqliteSuite::mend(const std::string& why) {
   const bool wasOpen = file_.has_value();
+  std::vector<JournalRecord> journal;
   if (wasOpen && file_->moved()) {
     // Other processes may have committed to the old file after we last looked.
     if (auto content = file_->read(); content && content->unreadable.empty()) publish(std::move(*content));
   }
+  if (wasOpen) journal = file_->salvageJournal();
   file_.reset();
 
   const auto folder = Folder::openLocked(path_.parent_path(), afterPatience());
@@ -228,10 +260,13 @@ std::expected<void, std::string> SqliteSuite::mend(const std::string& why) {
       return {};
     }
     if (!found && found.error().fault == SuiteFile::Fault::unavailable) return std::unexpected(found.error().text);
-    if (found) publish(std::move(found->content));
+    if (found) {
+      publish(std::move(found->content));
+      journal = found->file.salvageJournal();
+    }
   }
 
-  const auto aside = SuiteFile::create(path_, *published_, *folder);
+  const auto aside = SuiteFile::create(path_, *published_, journal, *folder);
   if (!aside) return std::unexpected(why + "; " + aside.error());
   const auto count = std::to_string(published_->size());
   if (!aside->empty()) {

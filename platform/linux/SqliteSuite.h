@@ -26,6 +26,7 @@ class SqliteSuite final : public KeyValueSuite {
 
   std::shared_ptr<const SuiteEntries> snapshot() const override;
   std::expected<void, std::string> update(const Edit& edit) override;
+  std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
 
  private:
   using Deadline = SuiteFile::Deadline;
@@ -52,7 +53,7 @@ class SqliteSuite final : public KeyValueSuite {
   Problem problem(const SqliteError& error) const;
   std::expected<void, Problem> begin(std::unique_lock<std::mutex>& connection, Deadline deadline);
   std::expected<void, Problem> attempt(std::unique_lock<std::mutex>& connection, Deadline deadline, const Edit& edit,
-                                       std::optional<SuiteChanges>& changes);
+                                       std::optional<SuiteUpdate>& planned);
   std::expected<void, std::string> mend(const std::string& why);
 
   const std::filesystem::path path_;
@@ -65,6 +66,7 @@ class SqliteSuite final : public KeyValueSuite {
   mutable std::optional<std::int64_t> version_;    // of the published content; nothing: read it again
   mutable bool sound_ = true;                      // no row of the file is unreadable
   mutable std::set<std::string> unreadableNoted_;  // each of them is reported once
+  mutable std::set<std::int64_t> damagedNoted_;    // of the journal, likewise
 
   mutable std::mutex publishedMutex_;  // held for the copy of one pointer
   mutable std::shared_ptr<const SuiteEntries> published_ = std::make_shared<SuiteEntries>();

@@ -20,7 +20,7 @@ constexpr std::uint64_t pageBytes = 4096;
 static_assert(maximumSuiteFileBytes == 16384 * pageBytes);
 
 // One tree, so that a small update writes few pages.
-constexpr std::string_view schema =
+constexpr std::string_view entriesSchema =
     "CREATE TABLE entries(key TEXT PRIMARY KEY, type TEXT, value TEXT, checksum INTEGER) WITHOUT ROWID";
 
 // Every connection: nothing but our own statements runs, removed values are overwritten, a full file is a full disk.
@@ -92,12 +92,12 @@ std::string printable(std::string_view key) {
   return text;
 }
 
-SqliteResult<> fill(SqliteDatabase& database, const SuiteEntries& entries) {
+SqliteResult<> fill(SqliteDatabase& database, const SuiteEntries& entries, const std::vector<JournalRecord>& records) {
   if (auto done = database.run(settings); !done) return done;
   // No journal file: nobody else knows the file yet, and when this fails it is thrown away.
   if (auto done = database.run("PRAGMA page_size=4096; PRAGMA journal_mode=MEMORY; BEGIN IMMEDIATE"); !done)
     return done;
-  if (auto done = database.run(std::string(schema).c_str()); !done) return done;
+  if (auto done = database.run(std::string(entriesSchema).c_str()); !done) return done;
   {
     auto put = database.prepare(putStatement);
     if (!put) return std::unexpected(put.error());
@@ -107,10 +107,18 @@ SqliteResult<> fill(SqliteDatabase& database, const SuiteEntries& entries) {
       if (auto done = putRow(*put, key, type, text); !done) return done;
     }
   }
+  if (auto done = database.run(std::string(SuiteJournal::schema).c_str()); !done) return done;
+  {
+    SuiteJournal journal;
+    for (const auto& record : records) {
+      if (auto done = journal.put(database, record); !done) return done;
+    }
+  }
   return database.run("COMMIT");
 }
 
-std::expected<void, std::string> makeFile(const std::filesystem::path& path, const SuiteEntries& entries) {
+std::expected<void, std::string> makeFile(const std::filesystem::path& path, const SuiteEntries& entries,
+                                          const std::vector<JournalRecord>& journal) {
   if (::unlink(path.c_str()) != 0 && errno != ENOENT) return std::unexpected(systemError("remove", path));
   // Made without opening it, with a mode that neither SQLite nor the umask has a say in.
   if (::mknod(path.c_str(), S_IFREG | 0600, 0) != 0 ||
@@ -119,7 +127,7 @@ std::expected<void, std::string> makeFile(const std::filesystem::path& path, con
   }
   auto database = SqliteDatabase::open(path);
   if (!database) return std::unexpected("open " + path.string() + ": " + database.error().text);
-  if (auto filled = fill(*database, entries); !filled) {
+  if (auto filled = fill(*database, entries, journal); !filled) {
     return std::unexpected("write " + path.string() + ": " + filled.error().text);
   }
   return {};
@@ -190,11 +198,19 @@ SqliteResult<SuiteFile::Opened> SuiteFile::tryOpen(const std::filesystem::path& 
   if (*journal != "truncate") return damaged("its journal mode is " + *journal);
   const auto check = database->ask("PRAGMA quick_check(1)");
   if (!check) return std::unexpected(check.error());
-  if (*check != "ok") return damaged(*check);
+  if (*check != "ok") {
+    // A journal that is damaged costs no consent: the entries are read, and the next update begins a new file.
+    const auto entriesCheck = database->ask("PRAGMA quick_check(entries)");
+    if (!entriesCheck) return std::unexpected(entriesCheck.error());
+    if (*entriesCheck != "ok") return damaged(*check);
+  }
   const auto objects = database->ask("SELECT group_concat(sql, ';') FROM sqlite_schema");
   if (!objects) return std::unexpected(objects.error());
   // Also of an empty file: each takes its place complete, so that one has lost its content.
-  if (*objects != schema) return damaged("it is not laid out as a store");
+  // The first stores had no journal.
+  if (*objects != entriesSchema && *objects != std::string(entriesSchema) + ";" + std::string(SuiteJournal::schema)) {
+    return damaged("it is not laid out as a store");
+  }
   // A changed format number in the header makes SQLite refuse writes, which is no want of permission.
   if (database->readOnly() && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0) {
     return damaged("its header allows no writing");
@@ -204,6 +220,7 @@ SqliteResult<SuiteFile::Opened> SuiteFile::tryOpen(const std::filesystem::path& 
   if (auto done = file.prepareStatements(); !done) return std::unexpected(done.error());
   auto content = file.read();
   if (!content) return std::unexpected(content.error());
+  if (*check != "ok") content->unreadable.push_back("the journal: " + *check);
   return Opened{std::move(file), std::move(*content)};
 }
 
@@ -223,9 +240,11 @@ SqliteResult<> SuiteFile::prepareStatements() {
 }
 
 std::expected<std::filesystem::path, std::string> SuiteFile::create(const std::filesystem::path& path,
-                                                                    const SuiteEntries& entries, const Folder& folder) {
+                                                                    const SuiteEntries& entries,
+                                                                    const std::vector<JournalRecord>& journal,
+                                                                    const Folder& folder) {
   const auto fresh = withSuffix(path, ".new");
-  if (auto made = makeFile(fresh, entries); !made) {
+  if (auto made = makeFile(fresh, entries, journal); !made) {
     ::unlink(fresh.c_str());
     return std::unexpected(made.error());
   }
@@ -313,11 +332,18 @@ SqliteResult<> SuiteFile::remove(std::string_view key) {
   return {};
 }
 
+SqliteResult<JournalPage> SuiteFile::readJournal(std::int64_t before, std::size_t count, Deadline deadline) {
+  return retryWhileBusy(deadline, [&] { return journal_.read(database_, before, count); });
+}
+
 SqliteResult<> SuiteFile::commit(Deadline deadline) {
-  return retryWhileBusy(deadline, [this] { return database_.run("COMMIT"); });
+  auto done = retryWhileBusy(deadline, [this] { return database_.run("COMMIT"); });
+  if (done) journal_.transactionEnded(true);
+  return done;
 }
 
 bool SuiteFile::rollback() {
+  journal_.transactionEnded(false);
   // SQLite has ended the transaction by itself after some errors.
   if (database_.inTransaction()) {
     if (const auto done = database_.run("ROLLBACK"); !done) return false;

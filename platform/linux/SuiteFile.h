@@ -13,6 +13,7 @@
 #include "platform/linux/Folder.h"
 #include "platform/linux/SqliteDatabase.h"
 #include "platform/linux/StoredValue.h"
+#include "platform/linux/SuiteJournal.h"
 
 namespace quillon {
 
@@ -45,11 +46,13 @@ class SuiteFile {
   // Opens and checks the file, waiting for a writer until the deadline.
   static std::expected<Opened, Failure> open(const std::filesystem::path& path, Deadline deadline);
 
-  // Makes a new file with these entries, complete and durable before it takes its place. What stands at that place is
-  // kept as "<path>.damaged-<UTC>-<n>", with its journal; the name is returned, empty when nothing stood there. The
-  // folder must be locked. On failure the place is as it was.
+  // Makes a new file with these entries and this journal, complete and durable before it takes its place. What stands
+  // at that place is kept as "<path>.damaged-<UTC>-<n>", with its journal; the name is returned, empty when nothing
+  // stood there. The folder must be locked. On failure the place is as it was.
   static std::expected<std::filesystem::path, std::string> create(const std::filesystem::path& path,
-                                                                  const SuiteEntries& entries, const Folder& folder);
+                                                                  const SuiteEntries& entries,
+                                                                  const std::vector<JournalRecord>& journal,
+                                                                  const Folder& folder);
 
   [[nodiscard]] SqliteResult<std::int64_t> version();
   // An error that is damage() when the rows are not a suite's.
@@ -63,6 +66,11 @@ class SuiteFile {
   [[nodiscard]] SqliteResult<> begin() { return database_.run("BEGIN IMMEDIATE"); }
   [[nodiscard]] SqliteResult<> put(std::string_view key, const StoredValue& value);
   [[nodiscard]] SqliteResult<> remove(std::string_view key);
+  [[nodiscard]] SqliteResult<> writeJournal(const SuiteUpdate& update) { return journal_.write(database_, update); }
+  // Waits for a writer until the deadline.
+  [[nodiscard]] SqliteResult<JournalPage> readJournal(std::int64_t before, std::size_t count, Deadline deadline);
+  // What can be had of the journal of a damaged file, oldest first.
+  [[nodiscard]] std::vector<JournalRecord> salvageJournal() { return journal_.salvage(database_); }
   // Waits until the deadline for readers to let go; begin() is tried once, for the caller has better things to do
   // between.
   [[nodiscard]] SqliteResult<> commit(Deadline deadline);
@@ -81,6 +89,7 @@ class SuiteFile {
   SqliteStatement select_;
   SqliteStatement put_;
   SqliteStatement remove_;
+  SuiteJournal journal_;
 };
 
 struct SuiteFile::Opened {

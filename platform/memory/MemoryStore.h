@@ -1,6 +1,7 @@
 // A store that forgets: for hosts without a file system, simulations and tests.
 #pragma once
 
+#include <deque>
 #include <map>
 #include <mutex>
 
@@ -8,14 +9,17 @@
 
 namespace quillon {
 
-// Lives in this process only. An update fails only when its edit throws or names the empty key.
+// Lives in this process only. An update fails only when its edit throws, names the empty key or appends a text that is
+// too long.
 class MemorySuite final : public KeyValueSuite {
  public:
   std::shared_ptr<const SuiteEntries> snapshot() const override;
   std::expected<void, std::string> update(const Edit& edit) override;
+  std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
 
  private:
-  std::mutex writersMutex_;  // one edit at a time; taken before snapshotMutex_
+  mutable std::mutex writersMutex_;  // one edit at a time; taken before snapshotMutex_; guards journal_
+  std::deque<JournalRecord> journal_;
   mutable std::mutex snapshotMutex_;
   std::shared_ptr<const SuiteEntries> snapshot_ = std::make_shared<SuiteEntries>();
 };

@@ -104,6 +104,63 @@ TYPED_TEST(KeyValueSuiteContract, AFailedEditChangesNothingAndSaysWhy) {
   EXPECT_TRUE(this->suite_->update(always({{"other", true}})));
 }
 
+SuiteUpdate appending(std::vector<std::string> texts, SuiteChanges changes = {}) {
+  SuiteUpdate update(std::move(changes));
+  update.appended = std::move(texts);
+  return update;
+}
+
+TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
+  const auto journal = [](KeyValueSuite& suite, std::int64_t before = 1'000'000, std::size_t count = 10) {
+    const auto page = suite.journal(before, count);
+    return page ? page->records : std::vector<JournalRecord>{{-1, page.error(), {}}};
+  };
+  EXPECT_TRUE(journal(*this->suite_).empty());
+  ASSERT_TRUE(this->suite_->update(
+      [](const SuiteEntries&) { return appending({"first", std::string("a\0b'\n\xff", 6)}, {{"key", true}}); }));
+  ASSERT_TRUE(this->suite_->update([](const SuiteEntries&) { return appending({"third"}); }));
+  EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}}));
+  const auto settleSecond = [](const SuiteEntries&) {
+    SuiteUpdate update;
+    update.settle = [](const std::vector<JournalRecord>& unsettled) {
+      EXPECT_EQ(unsettled.size(), 3u);
+      EXPECT_EQ(unsettled.front().text, "third");
+      return std::vector<std::string>{"", "sent"};
+    };
+    return update;
+  };
+  ASSERT_TRUE(this->suite_->update(settleSecond));
+  const std::vector<JournalRecord> expected{
+      {3, "third", ""}, {2, std::string("a\0b'\n\xff", 6), "sent"}, {1, "first", ""}};
+  EXPECT_EQ(journal(*this->suite_), expected);
+  EXPECT_EQ(journal(*this->world_.later.open("suite", {})), expected);
+  EXPECT_EQ(journal(*this->suite_, 3, 1), std::vector<JournalRecord>{expected[1]});
+
+  EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
+    return appending({"fine", std::string(maximumJournalTextBytes + 1, 'x')}, {{"other", true}});
+  }));
+  EXPECT_EQ(content(*this->suite_).size(), 1u);
+  EXPECT_EQ(journal(*this->suite_), expected);
+  ASSERT_TRUE(this->suite_->update([](const SuiteEntries&) {
+    SuiteUpdate update = appending({"afterwards"});
+    update.clearsJournal = true;
+    return update;
+  }));
+  EXPECT_EQ(journal(*this->suite_), (std::vector<JournalRecord>{{1, "afterwards", ""}}));
+}
+
+TYPED_TEST(KeyValueSuiteContract, JournalLosesItsOldestRecordsFirst) {
+  ASSERT_TRUE(this->suite_->update(
+      [](const SuiteEntries&) { return appending(std::vector<std::string>(maximumJournalRecords, "old")); }));
+  EXPECT_EQ(this->suite_->journal(2, 10)->records.size(), 1u) << "no record goes before there are too many";
+  ASSERT_TRUE(this->suite_->update([](const SuiteEntries&) { return appending({"new"}); }));
+  const auto all = this->suite_->journal(1'000'000, 1'000'000);
+  ASSERT_TRUE(all);
+  EXPECT_EQ(all->records.size(), maximumJournalRecords - journalRecordsDroppedAtOnce + 1);
+  EXPECT_EQ(all->records.front(), (JournalRecord{maximumJournalRecords + 1, "new", ""}));
+  EXPECT_EQ(all->records.back().number, static_cast<std::int64_t>(journalRecordsDroppedAtOnce) + 1);
+}
+
 TYPED_TEST(KeyValueSuiteContract, SuitesAreOneObjectANameAndIndependent) {
   EXPECT_EQ(this->world_.store.open("suite", {}), this->suite_);
   const auto other = this->world_.store.open("other", {});

@@ -1,0 +1,184 @@
+#include "platform/linux/SuiteJournal.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+
+#include "platform/linux/StoredValue.h"
+
+namespace quillon {
+
+namespace {
+
+std::int64_t checksum(std::int64_t number, std::string_view mark, std::string_view text) {
+  return storedChecksum(std::to_string(number), mark, text);
+}
+
+// Adds the row on which the statement stands, as a record or as a damaged one.
+void take(const SqliteStatement& row, JournalPage& page) {
+  const auto number = row.integer(0);
+  const auto mark = row.text(1);
+  const auto text = row.text(2);
+  const bool isSound = number && mark && text && text->size() <= maximumJournalTextBytes &&
+                       row.integer(3) == checksum(*number, *mark, *text);
+  if (isSound) {
+    page.records.push_back({*number, std::string(*text), std::string(*mark)});
+  } else {
+    page.damaged.push_back(number.value_or(0));
+  }
+}
+
+SqliteResult<> collect(SqliteStatement& statement, JournalPage& page) {
+  for (;;) {
+    const auto row = statement.step();
+    if (!row) return std::unexpected(row.error());
+    if (!*row) return {};
+    take(statement, page);
+  }
+}
+
+SqliteResult<> finish(SqliteStatement& statement) {
+  const auto done = statement.step();
+  if (!done) return std::unexpected(done.error());
+  return {};
+}
+
+}  // namespace
+
+SqliteResult<bool> SuiteJournal::prepare(SqliteDatabase& database, Missing missing) {
+  if (statements_) return true;
+  const auto known = database.ask("SELECT name FROM sqlite_schema WHERE name='journal'");
+  if (!known) return std::unexpected(known.error());
+  if (known->empty()) {
+    if (missing == Missing::leave) return false;
+    if (auto made = database.run(std::string(schema).c_str()); !made) return std::unexpected(made.error());
+    created_ = true;
+  }
+  Statements fresh;
+  struct Prepared {
+    SqliteStatement& statement;
+    std::string_view sql;
+  };
+  for (auto& [statement, sql] :
+       {Prepared{fresh.page,
+                 "SELECT number, mark, text, checksum FROM journal WHERE number<? ORDER BY number DESC LIMIT ?"},
+        Prepared{fresh.unsettled,
+                 "SELECT number, mark, text, checksum FROM journal WHERE mark='' ORDER BY number DESC"},
+        Prepared{fresh.newest, "SELECT (SELECT min(number) FROM journal), (SELECT max(number) FROM journal)"},
+        Prepared{fresh.put, "INSERT INTO journal VALUES(?, ?, ?, ?)"},
+        Prepared{fresh.mark, "UPDATE journal SET mark=?, checksum=? WHERE number=?"}}) {
+    auto prepared = database.prepare(sql);
+    if (!prepared) return std::unexpected(prepared.error());
+    statement = std::move(*prepared);
+  }
+  statements_.emplace(std::move(fresh));
+  return true;
+}
+
+void SuiteJournal::transactionEnded(bool committed) {
+  if (created_ && !committed) statements_.reset();
+  created_ = false;
+}
+
+SqliteResult<> SuiteJournal::write(SqliteDatabase& database, const SuiteUpdate& update) {
+  const auto missing = update.appended.empty() ? Missing::leave : Missing::create;
+  const auto prepared = prepare(database, missing);
+  if (!prepared) return std::unexpected(prepared.error());
+  if (!*prepared) return {};
+  if (update.clearsJournal) {
+    if (auto done = database.run("DELETE FROM journal"); !done) return done;
+  }
+  if (update.settle) {
+    if (auto done = settle(update); !done) return done;
+  }
+  return append(database, update.appended);
+}
+
+SqliteResult<> SuiteJournal::settle(const SuiteUpdate& update) {
+  JournalPage page;
+  if (auto done = collect(statements_->unsettled, page); !done) return done;
+  const auto marks = update.settle(page.records);
+  for (std::size_t i = 0; i < std::min(marks.size(), page.records.size()); ++i) {
+    if (marks[i].empty()) continue;
+    const auto& record = page.records[i];
+    statements_->mark.bind(0, marks[i]);
+    statements_->mark.bind(1, checksum(record.number, marks[i], record.text));
+    statements_->mark.bind(2, record.number);
+    if (auto done = finish(statements_->mark); !done) return done;
+  }
+  return {};
+}
+
+SqliteResult<> SuiteJournal::append(SqliteDatabase& database, const std::vector<std::string>& texts) {
+  for (const auto& text : texts) {
+    if (auto done = dropOldest(database); !done) return done;
+    const auto row = statements_->newest.step();
+    if (!row) return std::unexpected(row.error());
+    const std::int64_t newest = statements_->newest.integer(1).value_or(0);
+    statements_->newest.reset();
+    // No record of ours has such a number.
+    if (newest == std::numeric_limits<std::int64_t>::max()) {
+      return std::unexpected(SqliteError{SQLITE_CORRUPT, "the numbers of its journal are used up"});
+    }
+    if (auto done = put(database, {newest + 1, text, {}}); !done) return done;
+  }
+  return {};
+}
+
+SqliteResult<> SuiteJournal::put(SqliteDatabase& database, const JournalRecord& record) {
+  if (auto prepared = prepare(database, Missing::create); !prepared) return std::unexpected(prepared.error());
+  auto& statement = statements_->put;
+  statement.bind(0, record.number);
+  statement.bind(1, record.mark);
+  statement.bind(2, record.text);
+  statement.bind(3, checksum(record.number, record.mark, record.text));
+  auto done = finish(statement);
+  // The number was beyond all others; only a tree that is out of order can have it twice.
+  if (!done && (done.error().code & 0xff) == SQLITE_CONSTRAINT) done.error().code = SQLITE_CORRUPT;
+  return done;
+}
+
+SqliteResult<> SuiteJournal::dropOldest(SqliteDatabase& database) {
+  const auto row = statements_->newest.step();
+  if (!row) return std::unexpected(row.error());
+  const std::int64_t oldest = statements_->newest.integer(0).value_or(0);
+  const std::int64_t newest = statements_->newest.integer(1).value_or(0);
+  statements_->newest.reset();
+  constexpr auto most = static_cast<std::int64_t>(maximumJournalRecords);
+  if (oldest >= 0 && newest - oldest < most - 1) return {};
+  // Damaged numbers may lie far apart, so the rows are counted before any of them goes.
+  const auto count = database.ask("SELECT count(*) FROM journal");
+  if (!count) return std::unexpected(count.error());
+  if (std::stoll(*count) < most) return {};
+  return database.run(("DELETE FROM journal WHERE number IN (SELECT number FROM journal ORDER BY number LIMIT " +
+                       std::to_string(std::stoll(*count) - most + std::int64_t{journalRecordsDroppedAtOnce}) + ")")
+                          .c_str());
+}
+
+SqliteResult<JournalPage> SuiteJournal::read(SqliteDatabase& database, std::int64_t before, std::size_t count) {
+  JournalPage page;
+  const auto prepared = prepare(database, Missing::leave);
+  if (!prepared) return std::unexpected(prepared.error());
+  if (!*prepared) return page;
+  statements_->page.bind(0, before);
+  statements_->page.bind(1, static_cast<std::int64_t>(std::min(count, maximumJournalRecords)));
+  if (auto done = collect(statements_->page, page); !done) return std::unexpected(done.error());
+  return page;
+}
+
+std::vector<JournalRecord> SuiteJournal::salvage(SqliteDatabase& database) {
+  JournalPage page;
+  if (const auto prepared = prepare(database, Missing::leave); prepared && *prepared) {
+    statements_->page.bind(0, std::numeric_limits<std::int64_t>::max());
+    statements_->page.bind(1, static_cast<std::int64_t>(maximumJournalRecords));
+    // Where it ends early, what came before is what can be had.
+    if (const auto done = collect(statements_->page, page); !done) statements_->page.reset();
+  }
+  std::map<std::int64_t, JournalRecord> sound;
+  for (auto& record : page.records) sound.try_emplace(record.number, std::move(record));
+  std::vector<JournalRecord> records;
+  for (auto& [number, record] : sound) records.push_back(std::move(record));
+  return records;
+}
+
+}  // namespace quillon
