@@ -81,8 +81,8 @@ Task<bool> ConsentSDK::Core::apply(ConfigurationPointer configuration) {
       transaction.set(key::bannerInterval, banner->bannerReappearanceTime.value_or(std::string(defaultBannerInterval)));
     }
   });
-  const bool purposesChanged = purposes(configuration).checkPurposes().changed;
-  const bool permissionsChanged = permissions(configuration).checkPermissions();
+  const bool purposesChanged = purposes(configuration).checkPurposes(occasion(GivenType::noAction)).changed;
+  const bool permissionsChanged = permissions(configuration).checkPermissions(occasion(GivenType::noAction));
   consentMode.updateFirebaseConsent(*configuration, location);
   co_return purposesChanged || permissionsChanged;
 }

@@ -12,7 +12,8 @@ constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+Decisions";
 
 void ConsentSDK::Core::recordDefaults(ConfigurationPointer configuration) {
   const PurposeManager manager = purposes(std::move(configuration));
-  store.transact([&](StoreTransaction& transaction) { manager.recordDefaults(transaction, now()); });
+  store.transact(
+      [&](StoreTransaction& transaction) { manager.recordDefaults(transaction, occasion(GivenType::implicitly)); });
 }
 
 Task<bool> ConsentSDK::Core::record(Record write) {
@@ -24,17 +25,17 @@ Task<bool> ConsentSDK::Core::record(Record write) {
   }
   const PurposeManager manager = purposes(configuration);
   const auto statuses = permissions(configuration).liveStatuses();
-  const std::int64_t time = now();
+  Occasion present = occasion(GivenType::explicitly);
   const bool stored = store.transact([&](StoreTransaction& transaction) {
-    const std::string_view given = write(manager, transaction, time);
+    const GivenType given = present.givenType = write(manager, transaction, present);
     for (const auto& [permission, status] : statuses) {
       if (transaction.consent(permission.rawValue()) == status) continue;
-      PermissionManager::setConsent(transaction, permission, status, given, time);
+      PermissionManager::setConsent(transaction, permission, status, DecisionCause::device, present);
     }
     // Also an application without purposes has been answered, and so has one whose purposes all stay as they were.
     const bool isExplicit = transaction.consentGivenType() == givenType::explicitly;
-    if (given == givenType::explicitly || (given == givenType::implicitly && !isExplicit)) {
-      transaction.set(key::consentGivenType, std::string(given));
+    if (given == GivenType::explicitly || (given == GivenType::implicitly && !isExplicit)) {
+      transaction.set(key::consentGivenType, std::string(rawValue(given)));
     }
   });
   if (!stored) co_return false;
@@ -44,28 +45,28 @@ Task<bool> ConsentSDK::Core::record(Record write) {
 }
 
 Task<bool> ConsentSDK::Core::acceptOrReject(bool accept) {
-  return record([accept](const PurposeManager& manager, StoreTransaction& transaction, std::int64_t time) {
-    for (const auto& [id, status] : manager.answer(accept, transaction)) {
-      PurposeManager::setConsent(transaction, id, status, givenType::explicitly, time);
+  return record([accept](const PurposeManager& manager, StoreTransaction& transaction, const Occasion& occasion) {
+    for (const auto& resolution : manager.answer(accept, transaction)) {
+      PurposeManager::setConsent(transaction, resolution, occasion);
     }
-    return givenType::explicitly;
+    return GivenType::explicitly;
   });
 }
 
 Task<bool> ConsentSDK::Core::savePreferences(std::map<std::int64_t, bool> selectedPurposes) {
   return record([selected = std::move(selectedPurposes)](const PurposeManager& manager, StoreTransaction& transaction,
-                                                         std::int64_t time) {
-    for (const auto& [id, status] : manager.choices(selected, transaction)) {
-      if (transaction.consent(PurposeKey(id)) == status) continue;
-      PurposeManager::setConsent(transaction, id, status, givenType::explicitly, time);
+                                                         const Occasion& occasion) {
+    for (const auto& resolution : manager.choices(selected, transaction)) {
+      if (transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status) continue;
+      PurposeManager::setConsent(transaction, resolution, occasion);
     }
-    return givenType::explicitly;
+    return GivenType::explicitly;
   });
 }
 
 Task<bool> ConsentSDK::Core::recordDefaultExplicitConsents() {
-  return record([](const PurposeManager& manager, StoreTransaction& transaction, std::int64_t time) {
-    return manager.recordDefaults(transaction, time);
+  return record([](const PurposeManager& manager, StoreTransaction& transaction, const Occasion& occasion) {
+    return manager.recordDefaults(transaction, occasion);
   });
 }
 

@@ -61,7 +61,8 @@ void ConsentSDK::Core::startPermissionObservation() {
     const auto core = weak.lock();
     if (!core) return;
     core->tasks->start([core]() -> Task<void> {
-      if (core->permissions(core->cache.readCDNFile(true)).checkPermissions()) core->scheduleUpload();
+      auto permissions = core->permissions(core->cache.readCDNFile(true));
+      if (permissions.checkPermissions(core->occasion(GivenType::noAction))) core->scheduleUpload();
       co_return;
     });
   });

@@ -101,6 +101,14 @@ Task<bool> ConsentSDK::Core::uploadConsents(std::string url, PostConsentsRequest
     std::erase_if(permissionsLeft, [&](const std::string& name) {
       return std::ranges::find(permissionsThen, name) != permissionsThen.end() && unchanged(name, then, transaction);
     });
+    transaction.settle([request, purposesLeft, permissionsLeft](const std::vector<JournalRecord>& unsettled) {
+      return outcomesOf(unsettled, request, [&](const Decision& decision) {
+        const auto& id = decision.purposeId;
+        const auto& permission = decision.permission;
+        return (id && std::ranges::find(purposesLeft, *id) != purposesLeft.end()) ||
+               (permission && std::ranges::find(permissionsLeft, permission->rawValue()) != permissionsLeft.end());
+      });
+    });
     transaction.set(key::pendingPurposesList, std::move(purposesLeft));
     transaction.set(key::pendingPermissionsList, std::move(permissionsLeft));
   });

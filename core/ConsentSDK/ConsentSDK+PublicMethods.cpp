@@ -1,85 +1,9 @@
 // The operations that hosts call once set-up has run.
+#include "core/ConsentSDK/Asynchronous.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
-namespace {
-
-// The promise behind a future of the public interface: kept with an empty result when the work behind it is dropped.
-template <class T>
-class Promise {
- public:
-  std::future<T> future() { return promise_.get_future(); }
-
-  void keep(T value) {
-    promise_.set_value(std::move(value));
-    kept_ = true;
-  }
-
-  ~Promise() {
-    if (!kept_) promise_.set_value(T());
-  }
-
- private:
-  std::promise<T> promise_;
-  bool kept_ = false;
-};
-
-template <>
-class Promise<void> {
- public:
-  std::future<void> future() { return promise_.get_future(); }
-  ~Promise() { promise_.set_value(); }
-
- private:
-  std::promise<void> promise_;
-};
-
-template <class T>
-struct Asynchronous {
-  // Starts the work, a function that returns a Task<T>, and answers on the main queue.
-  template <class Core, class Work>
-  static void callback(const std::shared_ptr<Core>& core, std::function<void(T)> answer, Work work) {
-    core->tasks->start([core, answer = std::move(answer), work = std::move(work)]() mutable -> Task<void> {
-      T value = co_await work();
-      if (answer)
-        core->onMain([answer = std::move(answer), value = std::move(value)]() mutable { answer(std::move(value)); });
-    });
-  }
-
-  template <class Core, class Work>
-  static std::future<T> future(const std::shared_ptr<Core>& core, Work work) {
-    auto promise = std::make_shared<Promise<T>>();
-    auto future = promise->future();
-    core->tasks->start([core, promise = std::move(promise), work = std::move(work)]() mutable -> Task<void> {
-      promise->keep(co_await work());
-    });
-    return future;
-  }
-};
-
-template <>
-struct Asynchronous<void> {
-  template <class Core, class Work>
-  static void callback(const std::shared_ptr<Core>& core, std::function<void()> done, Work work) {
-    core->tasks->start([core, done = std::move(done), work = std::move(work)]() mutable -> Task<void> {
-      co_await work();
-      if (done) core->onMain([done = std::move(done)] { done(); });
-    });
-  }
-
-  template <class Core, class Work>
-  static std::future<void> future(const std::shared_ptr<Core>& core, Work work) {
-    auto promise = std::make_shared<Promise<void>>();
-    auto future = promise->future();
-    core->tasks->start(
-        [core, promise = std::move(promise), work = std::move(work)]() mutable -> Task<void> { co_await work(); });
-    return future;
-  }
-};
-
-}  // namespace
-
 ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {
   const auto entries = core_->store.snapshot();
   const StoredValues stored(*entries);
@@ -97,8 +21,9 @@ ConsentStatus ConsentSDK::get(const VantariKey& vantariKey) const {
 
 bool ConsentSDK::set(const Purpose& purpose, ConsentStatus consent) {
   if (!purpose.purposeId) return false;
+  const Occasion occasion = core_->occasion(GivenType::explicitly);
   const bool stored = core_->store.transact([&](StoreTransaction& transaction) {
-    PurposeManager::setConsent(transaction, *purpose.purposeId, consent, givenType::explicitly, core_->now());
+    PurposeManager::setConsent(transaction, {*purpose.purposeId, consent, DecisionCause::user}, occasion);
   });
   if (!stored) return false;
   core_->scheduleUpload();
@@ -111,8 +36,9 @@ bool ConsentSDK::set(const Purpose& purpose, ConsentStatus consent) {
 
 bool ConsentSDK::set(const AppPermission& permission, ConsentStatus consent) {
   if (!permission.permissionId || key::isReserved(permission.permissionId->rawValue())) return false;
+  const Occasion occasion = core_->occasion(GivenType::explicitly);
   return core_->store.transact([&](StoreTransaction& transaction) {
-    PermissionManager::setConsent(transaction, *permission.permissionId, consent, givenType::explicitly, core_->now());
+    PermissionManager::setConsent(transaction, *permission.permissionId, consent, DecisionCause::user, occasion);
   });
 }
 

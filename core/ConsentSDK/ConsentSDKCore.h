@@ -86,6 +86,7 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
     return PermissionManager(platform, store, logger, std::move(configuration));
   }
   std::int64_t now() const { return wholeSeconds(platform.clock->now()); }
+  Occasion occasion(GivenType given) const { return {given, now(), locale.currentLanguageCode()}; }
 
   // Runs a job of the host's on the main queue, contained, unless the SDK is gone by then.
   void onMain(Job job);
@@ -132,7 +133,7 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   Task<bool> apply(ConfigurationPointer configuration);
   Task<ConfigurationPointer> download(ConfigurationPointer probe);
   // Writes the decisions on purposes and answers how they were given.
-  using Record = std::function<std::string_view(const PurposeManager&, StoreTransaction&, std::int64_t time)>;
+  using Record = std::function<GivenType(const PurposeManager&, StoreTransaction&, const Occasion&)>;
   Task<bool> record(Record write);
   void present(std::string_view operation, std::function<void(ScreenPresenter&)> show);
   Task<bool> offersSettingsPrompt(VantariKey permission, Offer offer);

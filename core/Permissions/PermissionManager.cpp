@@ -27,6 +27,21 @@ std::optional<ConsentStatus> answerAtOnce(const Platform& platform, const Vantar
   }
 }
 
+// The status, the wait for its upload and the record of it.
+void store(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status, DecisionCause cause,
+           const Occasion& occasion) {
+  const std::string& name = permission.rawValue();
+  transaction.record({.time = occasion.time,
+                      .permission = permission,
+                      .from = transaction.consent(name),
+                      .to = status,
+                      .cause = cause,
+                      .givenType = occasion.givenType,
+                      .language = occasion.language});
+  transaction.addPendingPermission(name);
+  transaction.set(name, std::string(rawValue(status)));
+}
+
 std::string listText(const std::vector<std::string>& keys) {
   std::string text = "[";
   for (const auto& entry : keys) {
@@ -75,7 +90,7 @@ std::vector<std::pair<VantariKey, ConsentStatus>> PermissionManager::liveStatuse
   return statuses;
 }
 
-bool PermissionManager::checkPermissions() {
+bool PermissionManager::checkPermissions(const Occasion& occasion) {
   const UnitLog log(logger_, sourceFile);
   log(LogLevel::info, "Permissions consent checks executed.", "checkPermissions()");
   const auto statuses = liveStatuses();
@@ -84,8 +99,7 @@ bool PermissionManager::checkPermissions() {
     for (const auto& [permission, status] : statuses) {
       const std::string& name = permission.rawValue();
       if (transaction.consent(name) == status) continue;
-      transaction.set(name, std::string(rawValue(status)));
-      transaction.addPendingPermission(name);
+      store(transaction, permission, status, DecisionCause::device, occasion);
       changed.push_back(name);
     }
   });
@@ -116,15 +130,15 @@ std::vector<PermissionConsent> PermissionManager::pendingConsents(const StoredVa
 }
 
 void PermissionManager::setConsent(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status,
-                                   std::string_view givenType, std::int64_t now) {
-  const std::string& name = permission.rawValue();
-  if (transaction.consent(name) != status) {
+                                   DecisionCause cause, const Occasion& occasion) {
+  if (transaction.consent(permission.rawValue()) != status) {
     transaction.set(key::arePermissionsChanged, true);
-    transaction.set(key::permissionsChangeTimestamp, now);
+    transaction.set(key::permissionsChangeTimestamp, occasion.time);
   }
-  if (givenType != givenType::noAction) transaction.set(key::consentGivenType, std::string(givenType));
-  transaction.addPendingPermission(name);
-  transaction.set(name, std::string(rawValue(status)));
+  if (occasion.givenType != GivenType::noAction) {
+    transaction.set(key::consentGivenType, std::string(rawValue(occasion.givenType)));
+  }
+  store(transaction, permission, status, cause, occasion);
 }
 
 }  // namespace quillon

@@ -30,7 +30,7 @@ class PermissionManager {
   std::optional<ConsentStatus> knownConsent(const VantariKey& permission) const;
 
   // Stores what changed on the device since the last check and marks it for upload. True when anything did.
-  bool checkPermissions();
+  bool checkPermissions(const Occasion& occasion);
 
   // Every configured permission with a key, in display order, with what the device says now.
   std::vector<std::pair<VantariKey, ConsentStatus>> liveStatuses() const;
@@ -46,7 +46,7 @@ class PermissionManager {
 
   // Writes one state and everything that belongs to it.
   static void setConsent(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status,
-                         std::string_view givenType, std::int64_t now);
+                         DecisionCause cause, const Occasion& occasion);
 
  private:
   const std::vector<AppPermission>& permissions() const;

@@ -51,7 +51,7 @@ ConsentStatus PurposeManager::currentStatus(std::int64_t purposeId, const Stored
   return isATTMapped(purposeId) ? adjusted(status, decision.has_value(), tracking) : status;
 }
 
-PurposeManager::Check PurposeManager::checkPurposes() {
+PurposeManager::Check PurposeManager::checkPurposes(const Occasion& occasion) {
   const UnitLog log(logger_, sourceFile);
   log(LogLevel::info, "Purposes consent checks executed", "checkPurposes()");
 
@@ -59,7 +59,6 @@ PurposeManager::Check PurposeManager::checkPurposes() {
   bool changed = StoredValues(*platform_.store->standardDefaults()->snapshot()).boolean(key::arePurposesChanged);
   std::vector<std::int64_t> changedIds;
   const bool tracking = trackingAuthorized();
-  const std::int64_t now = wholeSeconds(platform_.clock->now());
   store_.transact([&](StoreTransaction& transaction) {
     for (const Purpose& purpose : purposes()) {
       if (!purpose.purposeId) continue;
@@ -69,8 +68,8 @@ PurposeManager::Check PurposeManager::checkPurposes() {
       const ConsentStatus before = decision.value_or(transaction.complianceDefault());
       const ConsentStatus status = currentStatus(id, transaction, tracking);
       if (isATTMapped(id) && status != before) {
-        // The device decided, not the user: how the consents were given stays as it is.
-        setConsent(transaction, id, status, givenType::noAction, now);
+        // The device decided, not the user: the occasion says so, and how the consents were given stays as it is.
+        setConsent(transaction, {id, status, DecisionCause::trackingStatus}, occasion);
         changedIds.push_back(id);
       }
     }
@@ -99,37 +98,41 @@ std::vector<Purpose> PurposeManager::purposesWithConsents() const {
   return result;
 }
 
-ConsentStatus PurposeManager::decided(std::int64_t purposeId, bool granted, const StoredValues& stored,
-                                      bool tracking) const {
-  if (isATTMapped(purposeId)) return currentStatus(purposeId, stored, tracking);
-  return granted ? ConsentStatus::granted : ConsentStatus::declined;
+PurposeManager::Resolution PurposeManager::decided(std::int64_t purposeId, bool granted, DecisionCause cause,
+                                                   const StoredValues& stored, bool tracking) const {
+  if (isATTMapped(purposeId)) {
+    return {purposeId, currentStatus(purposeId, stored, tracking), DecisionCause::trackingStatus};
+  }
+  return {purposeId, granted ? ConsentStatus::granted : ConsentStatus::declined, cause};
 }
 
-PurposeManager::Decisions PurposeManager::answer(bool accept, const StoredValues& stored) const {
+PurposeManager::Resolutions PurposeManager::answer(bool accept, const StoredValues& stored) const {
   const bool tracking = trackingAuthorized();
-  Decisions decisions;
+  Resolutions resolutions;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId) continue;
-    const bool granted = accept || purpose.disableOptOut.value_or(false);
-    decisions.emplace_back(*purpose.purposeId, decided(*purpose.purposeId, granted, stored, tracking));
+    const bool essential = purpose.disableOptOut.value_or(false);
+    const auto cause = essential && !accept ? DecisionCause::essential : DecisionCause::user;
+    resolutions.push_back(decided(*purpose.purposeId, accept || essential, cause, stored, tracking));
   }
-  return decisions;
+  return resolutions;
 }
 
-PurposeManager::Decisions PurposeManager::choices(const std::map<std::int64_t, bool>& selected,
-                                                  const StoredValues& stored) const {
+PurposeManager::Resolutions PurposeManager::choices(const std::map<std::int64_t, bool>& selected,
+                                                    const StoredValues& stored) const {
   const bool tracking = trackingAuthorized();
-  Decisions decisions;
+  Resolutions resolutions;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId) continue;
     const auto choice = selected.find(*purpose.purposeId);
     if (choice == selected.end()) continue;
     // The user cannot choose about an essential purpose: it gets its default unless a decision stands.
     const bool undecided = !stored.consent(PurposeKey(*purpose.purposeId));
-    const bool granted = choice->second || (undecided && purpose.disableOptOut.value_or(false));
-    decisions.emplace_back(*purpose.purposeId, decided(*purpose.purposeId, granted, stored, tracking));
+    const bool essential = !choice->second && undecided && purpose.disableOptOut.value_or(false);
+    const auto cause = essential ? DecisionCause::essential : DecisionCause::user;
+    resolutions.push_back(decided(*purpose.purposeId, choice->second || essential, cause, stored, tracking));
   }
-  return decisions;
+  return resolutions;
 }
 
 bool PurposeManager::hasDecisions(const StoredValues& stored) const {
@@ -138,17 +141,18 @@ bool PurposeManager::hasDecisions(const StoredValues& stored) const {
   });
 }
 
-std::string_view PurposeManager::recordDefaults(StoreTransaction& transaction, std::int64_t now) const {
+GivenType PurposeManager::recordDefaults(StoreTransaction& transaction, Occasion occasion) const {
   const bool awaitsAnswer = transaction.consentGivenType() == givenType::noAction && hasDecisions(transaction);
-  const std::string_view given = awaitsAnswer ? givenType::noAction : givenType::implicitly;
+  occasion.givenType = awaitsAnswer ? GivenType::noAction : GivenType::implicitly;
   const bool tracking = trackingAuthorized();
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId || transaction.consent(PurposeKey(*purpose.purposeId))) continue;
-    const bool essential = purpose.disableOptOut.value_or(false) && !isATTMapped(*purpose.purposeId);
-    const auto status = essential ? ConsentStatus::granted : currentStatus(*purpose.purposeId, transaction, tracking);
-    setConsent(transaction, *purpose.purposeId, status, given, now);
+    const bool essential = purpose.disableOptOut.value_or(false);
+    const bool granted = essential || transaction.complianceDefault() == ConsentStatus::granted;
+    const auto cause = essential ? DecisionCause::essential : DecisionCause::byDefault;
+    setConsent(transaction, decided(*purpose.purposeId, granted, cause, transaction, tracking), occasion);
   }
-  return given;
+  return occasion.givenType;
 }
 
 std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& stored) const {
@@ -163,16 +167,25 @@ std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& 
   return consents;
 }
 
-void PurposeManager::setConsent(StoreTransaction& transaction, std::int64_t purposeId, ConsentStatus status,
-                                std::string_view givenType, std::int64_t now) {
-  const PurposeKey purposeKey(purposeId);
-  if (transaction.consent(purposeKey) != status) {
+void PurposeManager::setConsent(StoreTransaction& transaction, const Resolution& resolution, const Occasion& occasion) {
+  const PurposeKey purposeKey(resolution.purposeId);
+  const auto before = transaction.consent(purposeKey);
+  transaction.record({.time = occasion.time,
+                      .purposeId = resolution.purposeId,
+                      .from = before,
+                      .to = resolution.status,
+                      .cause = resolution.cause,
+                      .givenType = occasion.givenType,
+                      .language = occasion.language});
+  if (before != resolution.status) {
     transaction.set(key::arePurposesChanged, true);
-    transaction.set(key::purposesChangeTimestamp, now);
+    transaction.set(key::purposesChangeTimestamp, occasion.time);
   }
-  if (givenType != givenType::noAction) transaction.set(key::consentGivenType, std::string(givenType));
-  transaction.addPendingPurpose(purposeId);
-  transaction.set(purposeKey, std::string(rawValue(status)));
+  if (occasion.givenType != GivenType::noAction) {
+    transaction.set(key::consentGivenType, std::string(rawValue(occasion.givenType)));
+  }
+  transaction.addPendingPurpose(resolution.purposeId);
+  transaction.set(purposeKey, std::string(rawValue(resolution.status)));
 }
 
 }  // namespace quillon

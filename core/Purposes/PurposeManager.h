@@ -29,31 +29,36 @@ class PurposeManager {
       : platform_(platform), store_(store), logger_(logger), configuration_(std::move(configuration)) {}
 
   // Brings the purposes that are bound to app tracking in line with its status, and tells what is still to be uploaded.
-  Check checkPurposes();
+  Check checkPurposes(const Occasion& occasion);
 
   // The purposes in display order, each with its present consent and, when app tracking governs it, marked so.
   std::vector<Purpose> purposesWithConsents() const;
 
+  struct Resolution {
+    std::int64_t purposeId;
+    ConsentStatus status;
+    DecisionCause cause;
+  };
+  using Resolutions = std::vector<Resolution>;
+
   // What an answer to the banner means for each purpose: all granted or all declined, but essential purposes are
   // granted and those bound to app tracking follow its status.
-  using Decisions = std::vector<std::pair<std::int64_t, ConsentStatus>>;
-  Decisions answer(bool accept, const StoredValues& stored) const;
+  Resolutions answer(bool accept, const StoredValues& stored) const;
 
   // What the choices made in the preference centre mean: granted where true, else declined; purposes bound to app
   // tracking follow its status, which may have changed since they were shown. Purposes without a choice are left out.
-  Decisions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
+  Resolutions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
 
   // Gives every purpose without a decision its default: what app tracking says, granted when essential, else what the
   // compliance type implies. Answers the given type that goes with it: implicit, or none while a re-consent is being
   // waited for, which defaults must not answer.
-  std::string_view recordDefaults(StoreTransaction& transaction, std::int64_t now) const;
+  GivenType recordDefaults(StoreTransaction& transaction, Occasion occasion) const;
 
   // The pending consents as the upload carries them, read from one content of the store.
   std::vector<PurposeConsent> pendingConsents(const StoredValues& stored) const;
 
   // Writes one decision and everything that belongs to it.
-  static void setConsent(StoreTransaction& transaction, std::int64_t purposeId, ConsentStatus status,
-                         std::string_view givenType, std::int64_t now);
+  static void setConsent(StoreTransaction& transaction, const Resolution& resolution, const Occasion& occasion);
 
  private:
   const std::vector<Purpose>& purposes() const;
@@ -62,8 +67,9 @@ class PurposeManager {
   bool hasDecisions(const StoredValues& stored) const;
   // The present status: the decision or the default, then what app tracking makes of it.
   ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const;
-  // The status after a decision of the user's, which tracking may overrule.
-  ConsentStatus decided(std::int64_t purposeId, bool granted, const StoredValues& stored, bool tracking) const;
+  // What comes of a decision of that cause, which tracking may overrule.
+  Resolution decided(std::int64_t purposeId, bool granted, DecisionCause cause, const StoredValues& stored,
+                     bool tracking) const;
   bool trackingAuthorized() const;
 
   const Platform& platform_;

@@ -13,6 +13,7 @@
 
 #include "quillon/ConsentSDKOptions.h"
 #include "quillon/ConsentStatus.h"
+#include "quillon/DecisionHistory.h"
 #include "quillon/GoogleConsentType.h"
 #include "quillon/MainConfiguration.h"
 #include "quillon/PostConsentsRequest.h"
@@ -112,7 +113,20 @@ class ConsentSDK {
   void getGCMConsents(std::function<void(std::map<GoogleConsentType, ConsentStatus>)> callback);
   [[nodiscard]] std::future<std::map<GoogleConsentType, ConsentStatus>> getGCMConsents();
 
-  /// Deletes every stored value: decisions, identity, token. The cached configuration stays.
+  /// The decisions that were made, newest first: @p count of them (1 to 10,000), older than the entry numbered
+  /// @p before when that is given. Kept are the last 10,000 (at times 200 fewer): every choice, recorded default and
+  /// change of the device's, each written in the same transaction as its consent. Nothing is kept of set() calls that
+  /// failed. A damaged entry is left out and counted. Empty when the store cannot be read.
+  ///
+  /// @code
+  /// auto page = sdk.getHistory(50).get();
+  /// while (page.before) page = sdk.getHistory(50, page.before).get();
+  /// @endcode
+  void getHistory(std::size_t count, std::optional<std::int64_t> before, std::function<void(HistoryPage)> callback);
+  [[nodiscard]] std::future<HistoryPage> getHistory(std::size_t count = 100,
+                                                    std::optional<std::int64_t> before = std::nullopt);
+
+  /// Deletes every stored value: decisions and their history, identity, token. The cached configuration stays.
   void removeConsents();
   /// @}
 

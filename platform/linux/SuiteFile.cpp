@@ -221,6 +221,8 @@ SqliteResult<SuiteFile::Opened> SuiteFile::tryOpen(const std::filesystem::path& 
   auto content = file.read();
   if (!content) return std::unexpected(content.error());
   if (*check != "ok") content->unreadable.push_back("the journal: " + *check);
+  // SQLite reads zeros where the last page is cut, and its check is content with some of them.
+  if (file.truncated()) content->unreadable.emplace_back("the end of the file");
   return Opened{std::move(file), std::move(*content)};
 }
 

@@ -86,6 +86,34 @@ TEST_F(Store, ShowsWhatARunningHostHasDecided) {
   EXPECT_EQ(store({"get", "X_AUTH_TOKEN"}), "\"***\"\n");
 }
 
+TEST_F(Store, HandsOutWhatIsKeptOfThePerson) {
+  const auto host = readyHost();
+  ask(*host, R"({"op":"set","purposeId":1,"consent":"granted"})");
+  ask(*host, R"({"op":"set","purposeId":1,"consent":"withdrawn"})");
+  ask(*host, R"({"op":"upload"})");
+  const std::string last =
+      R"({"number":4,"time":1700000000,"purpose_id":1,"from":"granted","to":"withdrawn","cause":"user",)"
+      R"("given_type":"CONSENT_EXPLICIT","configuration_version":5,"compliance_type":"opt-in","language":"en",)"
+      R"("upload":"uploaded"})";
+  const auto history = store({"history"});
+  EXPECT_TRUE(history.ends_with(last + "\n")) << history;
+  EXPECT_EQ(std::ranges::count(history, '\n'), 4);
+
+  auto person = json::parse(store({"export"})).as_object();
+  EXPECT_EQ(person.at("decisions").as_array().size(), 4u);
+  EXPECT_EQ(json::serialize(person.at("decisions").at(3)), last);
+  EXPECT_EQ(person.at("subject_id").as_string().size(), 36u);
+  person.erase("subject_id");
+  person.erase("decisions");
+  EXPECT_EQ(json::serialize(person),
+            R"({"given_type":"CONSENT_EXPLICIT","compliance_type":"opt-in","configuration_version":5,)"
+            R"("purposes":{"1":"withdrawn"},"permissions":{"NSCameraUsageDescription":"not_determined",)"
+            R"("NSContactsUsageDescription":"not_determined"},"damaged_decisions":0})");
+  EXPECT_EQ(store({"reset"}), "");
+  EXPECT_EQ(store({"history"}), "");
+  EXPECT_EQ(status, 0);
+}
+
 TEST_F(Store, TellsThatAKeyIsAbsent) {
   const auto host = readyHost();
   EXPECT_EQ(store({"get", "99"}), "");
@@ -109,7 +137,7 @@ TEST_F(Store, ResetsUnderARunningHost) {
 TEST_F(Store, MakesNoStoreByLookingForOne) {
   for (const bool folderThere : {false, true}) {
     if (folderThere) std::filesystem::create_directory(data());
-    for (const auto& operation : {std::vector<std::string>{"dump"}, {"get", "1"}, {"reset"}}) {
+    for (const auto& operation : {std::vector<std::string>{"dump"}, {"get", "1"}, {"history"}, {"export"}, {"reset"}}) {
       EXPECT_EQ(store(operation), "");
       EXPECT_EQ(status, 1);
       EXPECT_EQ(error, "quillon-consent store: " + data() + " holds no store\n");

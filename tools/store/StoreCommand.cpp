@@ -6,12 +6,17 @@
 #include <expected>
 #include <filesystem>
 #include <iostream>
+#include <limits>
 #include <memory>
+#include <ranges>
 #include <string>
 
+#include "core/History/DecisionHistory.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Persistance/UserDefaults/StoredValues.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/SuiteFile.h"
+#include "tools/HistoryJson.h"
 #include "tools/HostApplicationId.h"
 #include "tools/SuiteJson.h"
 
@@ -48,7 +53,7 @@ std::expected<std::filesystem::path, std::string> storeFile(const Platform& plat
 }
 
 // Opens the file itself: the store would set a damaged one aside and begin a new one, which is no way of looking at it.
-std::expected<SuiteEntries, std::string> read(const StoreOptions& options) {
+std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) {
   const auto file = storeFile(platformOver(options));
   if (!file) return std::unexpected(file.error());
   auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + patience);
@@ -56,6 +61,13 @@ std::expected<SuiteEntries, std::string> read(const StoreOptions& options) {
   for (const auto& damaged : opened->content.unreadable) {
     std::cerr << "quillon-consent store: a damaged entry is left out: " << damaged << '\n';
   }
+  return std::move(*opened);
+}
+
+// With the token masked.
+std::expected<SuiteEntries, std::string> read(const StoreOptions& options) {
+  auto opened = open(options);
+  if (!opened) return std::unexpected(opened.error());
   auto entries = std::move(opened->content.entries);
   if (const auto token = entries.find(key::xAuthToken); token != entries.end()) token->second = std::string("***");
   return entries;
@@ -79,6 +91,53 @@ std::expected<void, std::string> get(const StoreOptions& options) {
   return entry != entries->end() ? print(toJson(entry->second)) : std::unexpected("no value under " + options.key);
 }
 
+std::expected<HistoryPage, std::string> historyIn(SuiteFile& file) {
+  const auto journal = file.readJournal(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords,
+                                        std::chrono::steady_clock::now() + patience);
+  if (!journal) return std::unexpected(journal.error().text);
+  auto history = historyOf(*journal, maximumJournalRecords);
+  if (history.damaged > 0) {
+    std::cerr << "quillon-consent store: damaged entries of the history are left out: " << history.damaged << '\n';
+  }
+  return history;
+}
+
+// One decision a line, oldest first.
+std::expected<void, std::string> history(const StoreOptions& options) {
+  auto opened = open(options);
+  if (!opened) return std::unexpected(opened.error());
+  const auto history = historyIn(opened->file);
+  if (!history) return std::unexpected(history.error());
+  for (const HistoryEntry& entry : history->entries | std::views::reverse) {
+    if (auto printed = print(toJson(entry)); !printed) return printed;
+  }
+  return {};
+}
+
+// All that is kept of the person, but for the token, which is the application's.
+std::expected<void, std::string> exportPerson(const StoreOptions& options) {
+  auto opened = open(options);
+  if (!opened) return std::unexpected(opened.error());
+  const auto history = historyIn(opened->file);
+  if (!history) return std::unexpected(history.error());
+  const StoredValues stored(opened->content.entries);
+  SuiteEntries purposes;
+  SuiteEntries permissions;
+  for (const auto& [key, value] : opened->content.entries) {
+    if (stored.consent(key)) (key::isPurpose(key) ? purposes : permissions).emplace(key, value);
+  }
+  boost::json::array decisions;
+  for (const HistoryEntry& entry : history->entries | std::views::reverse) decisions.push_back(toJson(entry));
+  return print(boost::json::object{{"subject_id", stored.string(key::subjectId, {})},
+                                   {"given_type", stored.consentGivenType()},
+                                   {"compliance_type", rawValue(stored.complianceType())},
+                                   {"configuration_version", stored.integer(key::configurationVersion, 0)},
+                                   {"purposes", toJson(purposes)},
+                                   {"permissions", toJson(permissions)},
+                                   {"damaged_decisions", history->damaged},
+                                   {"decisions", std::move(decisions)}});
+}
+
 std::expected<void, std::string> reset(const StoreOptions& options) {
   const Platform platform = platformOver(options);
   if (const auto file = storeFile(platform); !file) return std::unexpected(file.error());
@@ -86,9 +145,10 @@ std::expected<void, std::string> reset(const StoreOptions& options) {
       key::suiteName, [](const std::string& damage) { std::cerr << "quillon-consent store: " << damage << '\n'; });
   if (!suite) return std::unexpected("the store cannot be opened");
   return suite->update([](const SuiteEntries& current) {
-    SuiteChanges changes;
-    for (const auto& [key, value] : current) changes.emplace(key, std::nullopt);
-    return changes;
+    SuiteUpdate update;
+    for (const auto& [key, value] : current) update.changes.emplace(key, std::nullopt);
+    update.clearsJournal = true;
+    return update;
   });
 }
 
@@ -115,7 +175,9 @@ void addStoreCommand(CLI::App& app, int& exitCode) {
   };
   add("dump", "Print everything as one JSON object, dates as seconds since 1970", dump);
   add("get", "Print one value as JSON", get)->add_option("KEY", options->key, "Its key")->required();
-  add("reset", "Remove every value", reset);
+  add("history", "Print the decisions as JSON, one a line, oldest first", history);
+  add("export", "Print what is kept of the person as one JSON object, decisions included", exportPerson);
+  add("reset", "Remove every value and the history", reset);
 }
 
 }  // namespace quillon::tools

@@ -67,10 +67,17 @@ inline constexpr std::array all{arePurposesChanged,
                                 currentLocation,
                                 currentLocationTimestamp};
 
-// Whether a configured permission may not be stored under this name, because it is one of ours or reads as a purpose.
+// Whether a name reads as the identifier of a purpose.
+[[nodiscard]] constexpr bool isPurpose(std::string_view name) noexcept {
+  return name.find_first_not_of("-0123456789") == std::string_view::npos;
+}
+
+inline constexpr std::size_t longestPermission = 256;
+
+// Whether a configured permission may not be stored under this name, because it is one of ours, reads as a purpose or
+// is longer than any key of a permission.
 [[nodiscard]] constexpr bool isReserved(std::string_view name) noexcept {
-  const bool isNumber = name.find_first_not_of("-0123456789") == std::string_view::npos;
-  return isNumber || std::ranges::find(all, name) != all.end();
+  return isPurpose(name) || name.size() > longestPermission || std::ranges::find(all, name) != all.end();
 }
 
 }  // namespace quillon::key

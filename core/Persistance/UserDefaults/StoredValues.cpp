@@ -82,6 +82,19 @@ void StoreTransaction::remove(std::string_view key) {
   changes_.insert_or_assign(std::string(key), std::nullopt);
 }
 
+void StoreTransaction::record(Decision decision) {
+  decision.configurationVersion = integer(key::configurationVersion, 0);
+  decision.complianceType = complianceType();
+  decisions_.push_back(std::move(decision));
+}
+
+SuiteUpdate StoreTransaction::take() {
+  SuiteUpdate update(std::move(changes_));
+  update.settle = std::move(settle_);
+  for (const Decision& decision : decisions_) update.appended.push_back(journalText(decision));
+  return update;
+}
+
 void StoreTransaction::addPendingPurpose(std::int64_t purposeId) {
   auto list = pendingPurposes();
   if (std::ranges::find(list, purposeId) != list.end()) return;

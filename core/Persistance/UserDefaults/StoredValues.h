@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/History/DecisionHistory.h"
 #include "platform/KeyValueSuite.h"
 #include "quillon/BannerConfig.h"
 #include "quillon/ConsentStatus.h"
@@ -70,11 +71,19 @@ class StoreTransaction : public StoredValues {
   void addPendingPurpose(std::int64_t purposeId);
   void addPendingPermission(const std::string& permission);
 
-  // What was changed; the transaction is empty afterwards.
-  SuiteChanges take() { return std::move(changes_); }
+  // Keeps a decision in the history, with the configuration's version and the compliance type that are stored.
+  void record(Decision decision);
+  const std::vector<Decision>& decisions() const { return decisions_; }
+  // Settles records of the history; see SuiteUpdate.
+  void settle(decltype(SuiteUpdate::settle) outcomes) { settle_ = std::move(outcomes); }
+
+  // What there is to do; the transaction is empty afterwards, but for its decisions.
+  SuiteUpdate take();
 
  private:
   SuiteChanges changes_;
+  std::vector<Decision> decisions_;
+  decltype(SuiteUpdate::settle) settle_;
 };
 
 }  // namespace quillon

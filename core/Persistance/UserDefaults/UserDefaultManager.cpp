@@ -17,8 +17,8 @@ struct UserDefaultManager::ReportLink {
   SDKLogger* logger;  // null once the manager is gone
 };
 
-UserDefaultManager::UserDefaultManager(const Platform& platform, SDKLogger& logger)
-    : platform_(platform), logger_(logger), reports_(new ReportLink{{}, &logger}) {}
+UserDefaultManager::UserDefaultManager(const Platform& platform, SDKLogger& logger, Decided decided)
+    : platform_(platform), logger_(logger), decided_(std::move(decided)), reports_(new ReportLink{{}, &logger}) {}
 
 UserDefaultManager::~UserDefaultManager() {
   const std::scoped_lock lock(reports_->mutex);
@@ -44,11 +44,14 @@ KeyValueSuite& UserDefaultManager::suite() const {
 }
 
 bool UserDefaultManager::transact(const std::function<void(StoreTransaction&)>& edit) {
+  std::vector<Decision> decisions;
   const auto outcome = suite().update([&](const SuiteEntries& current) {
     StoreTransaction transaction(current);
     edit(transaction);
+    decisions = transaction.decisions();
     return transaction.take();
   });
+  if (outcome && decided_ && !decisions.empty()) decided_(std::move(decisions));
   if (!outcome) {
     logger_.log("Failed to store: " + outcome.error(), LogLevel::error, "transact", sourceFile, __LINE__);
   }
@@ -91,11 +94,19 @@ std::string UserDefaultManager::getSubjectId() {
   return subject;
 }
 
+HistoryPage UserDefaultManager::history(std::int64_t before, std::size_t count) const {
+  const auto page = suite().journal(before, count);
+  if (page) return historyOf(*page, count);
+  logger_.log("Failed to read the history: " + page.error(), LogLevel::error, "history", sourceFile, __LINE__);
+  return {};
+}
+
 bool UserDefaultManager::removeAllConsents() {
   const auto outcome = suite().update([](const SuiteEntries& current) {
-    SuiteChanges changes;
-    for (const auto& [key, value] : current) changes.emplace(key, std::nullopt);
-    return changes;
+    SuiteUpdate update;
+    for (const auto& [key, value] : current) update.changes.emplace(key, std::nullopt);
+    update.clearsJournal = true;
+    return update;
   });
   if (outcome) {
     logger_.log("Successfully removed all consents", LogLevel::info, "removeAllConsents()", sourceFile, __LINE__);

@@ -17,8 +17,11 @@ namespace quillon {
 // Thread-safe and without state of its own. A suite that cannot be opened stops the process at the first use.
 class UserDefaultManager {
  public:
-  // Both must outlive it; neither is used before the first operation.
-  UserDefaultManager(const Platform& platform, SDKLogger& logger);
+  using Decided = std::function<void(std::vector<Decision>)>;
+
+  // Both must outlive it; neither is used before the first operation. `decided` is told of the decisions of every
+  // transaction that was stored, on its thread.
+  UserDefaultManager(const Platform& platform, SDKLogger& logger, Decided decided = {});
   ~UserDefaultManager();
 
   // One consistent content of the suite.
@@ -39,7 +42,10 @@ class UserDefaultManager {
   // The stored identifier of the consenting subject; a new random one is stored when there is none.
   std::string getSubjectId();
 
-  // Empties the suite: every key goes.
+  // The decisions with a number below that one, at most so many. A failure is logged and gives an empty page.
+  HistoryPage history(std::int64_t before, std::size_t count) const;
+
+  // Empties the suite: every key goes, and the history of decisions.
   bool removeAllConsents();
 
  private:
@@ -50,6 +56,7 @@ class UserDefaultManager {
 
   const Platform& platform_;
   SDKLogger& logger_;
+  const Decided decided_;
   std::shared_ptr<ReportLink> reports_;
   mutable std::once_flag opened_;
   mutable std::shared_ptr<KeyValueSuite> suite_;

@@ -1,0 +1,126 @@
+// What is kept of every decision.
+#include <gtest/gtest.h>
+
+#include <boost/json/serialize.hpp>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+using namespace std::chrono_literals;
+using enum ConsentStatus;
+
+Purpose purpose(std::int64_t id) {
+  Purpose result;
+  result.purposeId = id;
+  return result;
+}
+
+struct History : testing::Test {
+  // "number subject from>to cause upload", oldest first.
+  std::vector<std::string> listed() {
+    std::vector<std::string> lines;
+    for (const auto& [number, decision, upload] : world.sdk->getHistory(1000).get().entries) {
+      const std::string subject = decision.purposeId ? std::to_string(*decision.purposeId)
+                                                     : decision.permission.value().rawValue().substr(2, 6);
+      const std::string from(decision.from ? rawValue(*decision.from) : "");
+      std::string line = std::to_string(number) + " " + subject + " " + from + ">" + std::string(rawValue(decision.to));
+      line.append(" ").append(rawValue(decision.cause)).append(" ").append(rawValue(upload));
+      lines.insert(lines.begin(), line);
+    }
+    return lines;
+  }
+
+  World world;
+};
+
+using Lines = std::vector<std::string>;
+
+TEST_F(History, TellsEveryKindOfDecisionWithItsCircumstances) {
+  world.tracking = TrackingAuthorization::denied;
+  world.start();
+  EXPECT_EQ(listed(), (Lines{"1 Camera >granted device pending", "2 Contac >declined device pending"}));
+  world.sdk->checkConsents().wait();
+  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  world.tracking = TrackingAuthorization::authorized;
+  world.sdk->checkConsents().wait();
+  world.advance(1s);
+  ASSERT_TRUE(world.sdk->acceptOrReject(false).get());
+  EXPECT_EQ(listed(),
+            (Lines{"1 Camera >granted device uploaded", "2 Contac >declined device uploaded",
+                   "3 1 >declined default uploaded", "4 2 >granted essential uploaded",
+                   "5 3 >declined tracking_status uploaded", "6 1 declined>granted user uploaded",
+                   "7 3 declined>granted tracking_status uploaded", "8 1 granted>declined user uploaded",
+                   "9 2 granted>granted essential uploaded", "10 3 granted>granted tracking_status uploaded"}));
+  const auto last = world.sdk->getHistory(3).get();
+  EXPECT_EQ(last.entries.front().decision, (Decision{.time = startSeconds + 1,
+                                                     .purposeId = 3,
+                                                     .from = granted,
+                                                     .to = granted,
+                                                     .cause = DecisionCause::trackingStatus,
+                                                     .givenType = GivenType::explicitly,
+                                                     .configurationVersion = 5,
+                                                     .complianceType = ComplianceType::optIn,
+                                                     .language = "en"}));
+  EXPECT_EQ(last.before, 8);
+  const auto earlier = world.sdk->getHistory(100, last.before).get();
+  EXPECT_EQ(earlier.entries.size(), 7u);
+  EXPECT_EQ(earlier.entries.front().decision.givenType, GivenType::noAction) << "the device decided, not the user";
+  EXPECT_EQ(earlier.entries.at(3).decision.givenType, GivenType::implicitly);
+  EXPECT_FALSE(earlier.before);
+
+  world.restart();
+  EXPECT_EQ(listed().size(), 10u) << "it outlives the process";
+  HistoryPage called;
+  world.sdk->getHistory(1, 3, [&](HistoryPage page) { called = std::move(page); });
+  world.settle();
+  EXPECT_EQ(called.entries.at(0).number, 2);
+  world.sdk->removeConsents();
+  EXPECT_EQ(listed(), Lines());
+}
+
+TEST_F(History, FollowsTheUploads) {
+  world.server.onUpload(json(R"({"status":1,"message":"busy"})"));
+  world.start();
+  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  ASSERT_TRUE(world.sdk->set(purpose(1), declined));
+  ASSERT_TRUE(world.sdk->set(purpose(77), granted));
+  EXPECT_FALSE(world.sdk->uploadPendingConsents().get());
+  EXPECT_EQ(listed().back(), "5 77 >granted user pending");
+
+  std::promise<void> arrived, released;
+  world.server.onUpload([&, release = released.get_future().share()](const auto& request, auto& response) {
+    arrived.set_value();
+    release.wait();
+    json(R"({"status":0,"message":"saved"})")(request, response);
+  });
+  auto upload = world.sdk->uploadPendingConsents();
+  arrived.get_future().wait();
+  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  released.set_value();
+  upload.wait();
+  EXPECT_EQ(listed(), (Lines{"1 Camera >granted device uploaded", "2 Contac >declined device uploaded",
+                             "3 1 >granted user superseded", "4 1 granted>declined user uploaded",
+                             "5 77 >granted user dropped", "6 1 declined>granted user pending"}));
+}
+
+TEST_F(History, HoldsNoDecisionThatWasNotStoredAndNoTextOfAnyLength) {
+  auto options = world.options();
+  options.languageCode = LanguageCode(std::string(300, 'x'));
+  auto document = validConfiguration();
+  document["permissions"].as_array().emplace_back(boost::json::object{{"permission_id", std::string(10'000, 'p')}});
+  world.server.serve(boost::json::serialize(document));
+  world.start(options);
+  EXPECT_EQ(listed().size(), 2u);
+  EXPECT_EQ(world.sdk->getHistory(1).get().entries.at(0).decision.language, std::string(64, 'x'));
+  AppPermission longName;
+  longName.permissionId = VantariKey(std::string(10'000, 'p'));
+  EXPECT_FALSE(world.sdk->set(longName, granted));
+  EXPECT_FALSE(world.sdk->set(Purpose(), granted));
+  EXPECT_EQ(listed().size(), 2u);
+}
+
+}  // namespace
+}  // namespace quillon::test
