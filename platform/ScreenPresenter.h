@@ -16,7 +16,7 @@ class ScreenPresenter {
 
   using Core = std::shared_ptr<ConsentSDK::Core>;  // what the screen is about; kept as long as the screen lives
 
-  // Each shows a screen over the application's top-most one.
+  // Each shows a screen over the application's top-most one. While the user sees it, it holds what Core::shown() gave.
   virtual void presentBanner(Core core) = 0;
   virtual void presentPreferenceCenter(Core core) = 0;
   virtual void presentSettingsPrompt(Core core, const VantariKey& permission) = 0;

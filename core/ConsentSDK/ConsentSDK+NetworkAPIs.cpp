@@ -79,7 +79,9 @@ Task<bool> ConsentSDK::Core::uploadConsents(std::string url, PostConsentsRequest
 
   if (!response) {
     store.set(key::uploadConsentRequestPending, true);
-    log(LogLevel::error, description(response.error()), function);
+    const std::string problem = description(response.error());
+    log(LogLevel::error, problem, function);
+    uploadListeners.tell({false, std::nullopt, problem, now()});
     startRecurringCheck();
     co_return false;
   }
@@ -113,6 +115,7 @@ Task<bool> ConsentSDK::Core::uploadConsents(std::string url, PostConsentsRequest
     transaction.set(key::pendingPermissionsList, std::move(permissionsLeft));
   });
   log(pending ? LogLevel::error : LogLevel::info, escapedForLog(response->message), function);
+  uploadListeners.tell({accepted, response->status, response->message, now()});
   if (accepted) startRecurringCheck();
   co_return accepted;
 }

@@ -14,10 +14,13 @@ constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK";
 
 ConsentSDK::Core::Core(Platform services)
     : platform(std::move(services)),
-      store(platform, logger),
+      store(platform, logger, [this](std::vector<Decision> decisions) { return announce(std::move(decisions)); }),
       logger(platform, store),
       locale(platform),
       sdkListener([this](Job job) { onMain(std::move(job)); }),
+      consentListeners([this](Job job) { onMain(std::move(job)); }),
+      screenListeners([this](Job job) { onMain(std::move(job)); }),
+      uploadListeners([this](Job job) { onMain(std::move(job)); }),
       cache(platform, store, logger, locale),
       networkManager(platform, store, logger, stop.get_token()),
       consentMode(platform, store, logger),

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "core/ConsentSDK/ConfigurationCache.h"
+#include "core/ConsentSDK/Listeners.h"
 #include "core/ConsentSDK/LocaleUtils.h"
 #include "core/ConsentSDK/SDKListener.h"
 #include "core/ConsentSDK/Theme.h"
@@ -91,6 +92,13 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   // Runs a job of the host's on the main queue, contained, unless the SDK is gone by then.
   void onMain(Job job);
 
+  // ConsentSDK+Listeners
+  // Takes the changes among the decisions up for the host's listeners; the job delivers them.
+  Job announce(std::vector<Decision> decisions);
+  // For whoever shows a screen of this instance: tells the host's listeners now that it is shown, and that it is gone
+  // when what is returned goes.
+  [[nodiscard]] std::shared_ptr<void> shown(ScreenKind screen);
+
   // ConsentSDK+Screens
   // Each shows a screen, on the main queue; without a user interface only a warning is logged.
   void presentBanner();
@@ -119,6 +127,9 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   SDKLogger logger;
   LocaleUtils locale;
   SDKListener sdkListener;
+  Listeners<Decision> consentListeners;
+  Listeners<ScreenEvent> screenListeners;
+  Listeners<UploadEvent> uploadListeners;
   ConfigurationCache cache;
   std::stop_source stop;
   ConsentNetworkManager networkManager;

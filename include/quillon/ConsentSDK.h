@@ -15,6 +15,7 @@
 #include "quillon/ConsentStatus.h"
 #include "quillon/DecisionHistory.h"
 #include "quillon/GoogleConsentType.h"
+#include "quillon/Listeners.h"
 #include "quillon/MainConfiguration.h"
 #include "quillon/PostConsentsRequest.h"
 #include "quillon/SDKStatus.h"
@@ -128,6 +129,30 @@ class ConsentSDK {
 
   /// Deletes every stored value: decisions and their history, identity, token. The cached configuration stays.
   void removeConsents();
+  /// @}
+
+  /// @name Listeners
+  /// Several of each kind may listen at once, each until its handle is dropped; Listening says on which thread and how
+  /// often they are called.
+  ///
+  /// @code
+  /// auto listening = sdk.listenToConsents([&](const quillon::Decision& change) {
+  ///   if (change.purposeId == statistics && change.to != quillon::ConsentStatus::granted) stopCounting();
+  /// });
+  /// @endcode
+  /// @{
+
+  /// Calls with every decision of this instance that changed what is stored: the purpose or permission, the status
+  /// before (nothing when there was none) and after, how it was given and when. Not called for removeConsents(), which
+  /// is the application's own doing, nor for what another process of the application decided: get() answers with that
+  /// at the latest 100 ms after it was stored.
+  Listening listenToConsents(std::function<void(const Decision& change)> listener);
+
+  /// Calls when a screen of the SDK is shown, and when it is gone.
+  Listening listenToScreens(std::function<void(const ScreenEvent& event)> listener);
+
+  /// Calls with the outcome of every upload that was tried.
+  Listening listenToUploads(std::function<void(const UploadEvent& event)> listener);
   /// @}
 
   /// @name Banner

@@ -103,8 +103,8 @@ TEST_F(Store, HandsOutWhatIsKeptOfThePerson) {
   EXPECT_EQ(person.at("decisions").as_array().size(), 4u);
   EXPECT_EQ(json::serialize(person.at("decisions").at(3)), last);
   EXPECT_EQ(person.at("subject_id").as_string().size(), 36u);
-  person.erase("subject_id");
-  person.erase("decisions");
+  person.stable_erase("subject_id");
+  person.stable_erase("decisions");
   EXPECT_EQ(json::serialize(person),
             R"({"given_type":"CONSENT_EXPLICIT","compliance_type":"opt-in","configuration_version":5,)"
             R"("purposes":{"1":"withdrawn"},"permissions":{"NSCameraUsageDescription":"not_determined",)"

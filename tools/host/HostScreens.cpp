@@ -29,6 +29,14 @@ std::shared_ptr<ConsentBannerViewModel> loadedBanner(ScreenPresenter::Core core)
   return model;
 }
 
+// The model of a screen, which counts as shown while somebody holds it.
+template <class Model>
+std::shared_ptr<Model> shown(std::shared_ptr<Model> model, std::shared_ptr<void> notice) {
+  const auto both =
+      std::make_shared<std::pair<std::shared_ptr<void>, std::shared_ptr<Model>>>(std::move(notice), model);
+  return {both, model.get()};
+}
+
 class Browser : public WebSurface {
  public:
   explicit Browser(std::shared_ptr<BrowserContent> content) : content_(std::move(content)) {}
@@ -77,22 +85,25 @@ std::optional<BannerAction> bannerAction(std::string_view name) {
 }
 
 void HostScreens::presentBanner(Core core) {
-  banner = loadedBanner(std::move(core));
+  banner = shown(loadedBanner(core), core->shown(ScreenKind::banner));
 }
 
 void HostScreens::presentPreferenceCenter(Core core) {
-  preferenceCenter = PreferenceCenterViewModel::make(loadedBanner(std::move(core)));
+  preferenceCenter =
+      shown(PreferenceCenterViewModel::make(loadedBanner(core)), core->shown(ScreenKind::preferenceCenter));
   preferenceCenter->loadPurposes();
   preferenceCenter->loadPermissions();
 }
 
 void HostScreens::presentSettingsPrompt(Core core, const VantariKey& permission) {
-  settingsPrompt = std::make_shared<SettingsPromptViewModel>(loadedBanner(std::move(core)), permission);
+  settingsPrompt = shown(std::make_shared<SettingsPromptViewModel>(loadedBanner(core), permission),
+                         core->shown(ScreenKind::settingsPrompt));
 }
 
 void HostScreens::presentWebView(Core core, const std::string& link) {
   browserContent = std::make_shared<BrowserContent>();
-  webView = WebViewModel::make(std::move(core), std::make_unique<Browser>(browserContent));
+  webView =
+      shown(WebViewModel::make(core, std::make_unique<Browser>(browserContent)), core->shown(ScreenKind::webView));
   webView->loadURL(link);
 }
 

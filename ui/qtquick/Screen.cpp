@@ -43,9 +43,11 @@ void Screen::showIn(QQuickWindow& window) {
     if (!now) Q_EMIT lostWindow();
   });
   QMetaObject::invokeMethod(item_, "enter");
+  shown_ = core_->shown(kind_);
 }
 
 void Screen::leave() {
+  shown_.reset();
   if (!item_ || !item_->window() || !item_->window()->isVisible()) {
     deleteLater();
     return;

@@ -14,9 +14,6 @@
 
 namespace quillon {
 
-// What the screen shows: its QML type.
-enum class ScreenKind { banner, preferenceCenter, settingsPrompt, webView };
-
 // For the main queue only. The item is made bit by bit, so that the host's loop is not held.
 class Screen : public QObject, private QQmlIncubator {
   Q_OBJECT
@@ -57,6 +54,7 @@ class Screen : public QObject, private QQmlIncubator {
   QObject* const model_;
   ConsentBannerAdapter* const banner_;
   QPointer<QQuickItem> item_;
+  std::shared_ptr<void> shown_;  // while the user sees it
 };
 
 }  // namespace quillon

@@ -45,13 +45,18 @@ KeyValueSuite& UserDefaultManager::suite() const {
 
 bool UserDefaultManager::transact(const std::function<void(StoreTransaction&)>& edit) {
   std::vector<Decision> decisions;
-  const auto outcome = suite().update([&](const SuiteEntries& current) {
+  Job tell;
+  auto& suite = this->suite();
+  std::unique_lock turn(turn_);
+  const auto outcome = suite.update([&](const SuiteEntries& current) {
     StoreTransaction transaction(current);
     edit(transaction);
     decisions = transaction.decisions();
     return transaction.take();
   });
-  if (outcome && decided_ && !decisions.empty()) decided_(std::move(decisions));
+  if (outcome && decided_ && !decisions.empty()) tell = decided_(std::move(decisions));
+  turn.unlock();
+  if (tell) tell();
   if (!outcome) {
     logger_.log("Failed to store: " + outcome.error(), LogLevel::error, "transact", sourceFile, __LINE__);
   }

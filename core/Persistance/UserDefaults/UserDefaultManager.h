@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "core/Persistance/UserDefaults/StoredValues.h"
+#include "platform/Job.h"
 #include "platform/Platform.h"
 #include "quillon/SDKLogger.h"
 
@@ -17,10 +18,11 @@ namespace quillon {
 // Thread-safe and without state of its own. A suite that cannot be opened stops the process at the first use.
 class UserDefaultManager {
  public:
-  using Decided = std::function<void(std::vector<Decision>)>;
+  // Told of the decisions of a transaction that was stored, in the order of the transactions and with a lock held; what
+  // calls others is handed back as a job, which is run without.
+  using Decided = std::function<Job(std::vector<Decision>)>;
 
-  // Both must outlive it; neither is used before the first operation. `decided` is told of the decisions of every
-  // transaction that was stored, on its thread.
+  // Both must outlive it; neither is used before the first operation.
   UserDefaultManager(const Platform& platform, SDKLogger& logger, Decided decided = {});
   ~UserDefaultManager();
 
@@ -57,6 +59,7 @@ class UserDefaultManager {
   const Platform& platform_;
   SDKLogger& logger_;
   const Decided decided_;
+  std::mutex turn_;  // held from the beginning of a transaction until its decisions are told
   std::shared_ptr<ReportLink> reports_;
   mutable std::once_flag opened_;
   mutable std::shared_ptr<KeyValueSuite> suite_;

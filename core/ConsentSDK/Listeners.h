@@ -1,0 +1,98 @@
+// Those who listen to one kind of event.
+#pragma once
+
+#include <atomic>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "platform/Executors.h"
+#include "quillon/Listeners.h"
+
+namespace quillon {
+
+// Thread-safe. Lives as long as what `onMain` lets through.
+template <class Event>
+class Listeners {
+ public:
+  using Call = std::function<void(const Event&)>;
+
+  explicit Listeners(std::function<void(Job)> onMain) : onMain_(std::move(onMain)) {}
+
+  Listening add(Call call) {
+    if (!call) return {};
+    const auto listener = std::make_shared<Listener>(std::move(call));
+    {
+      const std::scoped_lock lock(mutex_);
+      listeners_.push_back(listener);
+    }
+    return Listening([listener] { listener->end(); });
+  }
+
+  void tell(Event event) { queue(std::move(event))(); }
+
+  // Takes the event up in order; the job that is handed back delivers it, and calls what may be the host's.
+  Job queue(Event event) {
+    std::size_t calls = 0;
+    const auto shared = std::make_shared<const Event>(std::move(event));
+    {
+      const std::scoped_lock lock(mutex_);
+      std::erase_if(listeners_, [](const auto& listener) { return listener->hasEnded(); });
+      for (const auto& listener : listeners_) reports_.push_back({listener, shared});
+      calls = listeners_.size();
+    }
+    return [this, calls] {
+      // One job for each call, so that one that throws keeps no other from being made.
+      for (std::size_t i = 0; i < calls; ++i) onMain_([this] { deliverNext(); });
+    };
+  }
+
+ private:
+  class Listener {
+   public:
+    explicit Listener(Call call) : call_(std::make_shared<const Call>(std::move(call))) {}
+
+    void tell(const Event& event) {
+      const std::scoped_lock lock(mutex_);
+      if (ended_) return;
+      const auto call = call_;  // outlives an end from within
+      (*call)(event);
+    }
+    void end() {
+      ended_ = true;
+      // Waits for a call on another thread. What the listener holds goes with it.
+      const std::scoped_lock lock(mutex_);
+      call_.reset();
+    }
+    bool hasEnded() const { return ended_; }
+
+   private:
+    std::recursive_mutex mutex_;  // held during a call, which may end its own listener
+    std::atomic<bool> ended_ = false;
+    std::shared_ptr<const Call> call_;
+  };
+  struct Report {
+    std::shared_ptr<Listener> listener;
+    std::shared_ptr<const Event> event;
+  };
+
+  void deliverNext() {
+    Report report;
+    {
+      const std::scoped_lock lock(mutex_);
+      report = std::move(reports_.front());
+      reports_.pop_front();
+    }
+    report.listener->tell(*report.event);
+  }
+
+  const std::function<void(Job)> onMain_;
+  std::mutex mutex_;  // guards the members below; never held while a listener is called
+  std::vector<std::shared_ptr<Listener>> listeners_;
+  std::deque<Report> reports_;  // on their way to the main queue
+};
+
+}  // namespace quillon
