@@ -19,7 +19,7 @@ class HostApplication {
   // The application's own translation of a message; the key itself where there is none.
   virtual std::string localized(std::string_view key, std::string_view comment) const = 0;
   // A text file that ships with the application, by its plain name ("blocked") and extension ("html"). Nothing when
-  // there is none or it exceeds 1 MiB. Reads a file: not for a queue that must not wait for the disk.
+  // there is none or it exceeds 32 MiB. Reads a file: not for a queue that must not wait for the disk.
   virtual std::optional<std::string> resource(std::string_view name, std::string_view extension) const = 0;
   // The device in words, as it is sent with uploads.
   virtual std::string deviceDescription() const = 0;

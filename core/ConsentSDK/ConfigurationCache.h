@@ -1,10 +1,11 @@
-// The one copy of the configuration on disk, and its decoded form in memory.
+// The one copy of the configuration on disk, its decoded form in memory, and the one that ships with the application.
 #pragma once
 
 #include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "core/ConsentSDK/LocaleUtils.h"
@@ -31,6 +32,15 @@ class ConfigurationCache {
   // isCache: a silent probe, which logs no failure.
   ConfigurationPointer readCDNFile(bool isCache);
 
+  // The configuration that ships with the application, once set-up has named it: in the user's language, else the
+  // common one. Null when there is none, when it cannot be read (which is logged once), and when a newer one was
+  // applied before.
+  ConfigurationPointer bundled();
+  void setBundled(std::optional<std::string> resource);
+
+  // The configuration in force: the cached one, else the bundled one.
+  ConfigurationPointer current();
+
   // Writes the file, keeping the earlier one as a backup until the new one is safe, and remembers when, where and in
   // which language. On failure the earlier file is back in place.
   void saveCDNToFile(const MainConfiguration& config, std::string_view fileName);
@@ -39,6 +49,7 @@ class ConfigurationCache {
   void reset();
 
  private:
+  ConfigurationPointer readBundled(std::string_view resource) const;
   void removeCDNFile(FileSystem& files, const std::filesystem::path& file);
 
   const Platform& platform_;
@@ -49,6 +60,11 @@ class ConfigurationCache {
   std::mutex mutex_;  // held during file operations; guards the members below
   std::optional<FileStamp> stamp_;
   ConfigurationPointer decoded_;
+
+  std::mutex bundledMutex_;  // held while the resource is read; guards the members below
+  std::optional<std::string> bundledResource_;
+  bool isBundledRead_ = false;
+  ConfigurationPointer bundled_;
 };
 
 }  // namespace quillon

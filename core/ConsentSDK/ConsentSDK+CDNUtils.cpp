@@ -26,6 +26,7 @@ Task<ConsentSDK::Core::Loaded> ConsentSDK::Core::getCDNFile() {
     sdkListener.setReady(SDKStatus::fetching);
     configuration = co_await download(std::move(configuration));
   }
+  if (!configuration) configuration = cache.bundled();
   Loaded loaded{configuration};
   if (configuration) loaded.changed = co_await apply(configuration);
   sdkListener.setReady(configuration ? SDKStatus::ready : SDKStatus::unavailable);

@@ -17,7 +17,7 @@ void ConsentSDK::Core::recordDefaults(ConfigurationPointer configuration) {
 }
 
 Task<bool> ConsentSDK::Core::record(Record write) {
-  const ConfigurationPointer configuration = cache.readCDNFile(true);
+  const ConfigurationPointer configuration = cache.current();
   if (!configuration) {
     UnitLog(logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
                                 "record");

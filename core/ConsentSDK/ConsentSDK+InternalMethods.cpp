@@ -61,7 +61,7 @@ void ConsentSDK::Core::startPermissionObservation() {
     const auto core = weak.lock();
     if (!core) return;
     core->tasks->start([core]() -> Task<void> {
-      auto permissions = core->permissions(core->cache.readCDNFile(true));
+      auto permissions = core->permissions(core->cache.current());
       if (permissions.checkPermissions(core->occasion(GivenType::noAction))) core->scheduleUpload();
       co_return;
     });
@@ -77,7 +77,7 @@ std::optional<std::string> ConsentSDK::Core::knownLocation() const {
 }
 
 void ConsentSDK::Core::refreshConsentMode() {
-  if (const auto configuration = cache.readCDNFile(true)) {
+  if (const auto configuration = cache.current()) {
     consentMode.updateFirebaseConsent(*configuration, knownLocation());
   }
 }
@@ -185,7 +185,7 @@ Task<bool> ConsentSDK::Core::uploadPendingConsents() {
       stored.pendingPermissions().empty()) {
     co_return true;
   }
-  const ConfigurationPointer configuration = cache.readCDNFile(true);
+  const ConfigurationPointer configuration = cache.current();
   if (!configuration) co_return false;
   co_return co_await uploadConsents(options->appUrl, uploadRequest(*options, stored, configuration), sent);
 }

@@ -12,7 +12,7 @@ ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {
 }
 
 ConsentStatus ConsentSDK::get(const VantariKey& vantariKey) const {
-  const PermissionManager permissions = core_->permissions(core_->cache.readCDNFile(true));
+  const PermissionManager permissions = core_->permissions(core_->cache.current());
   if (permissions.lists(vantariKey)) {
     if (const auto known = permissions.knownConsent(vantariKey)) return *known;
   }
@@ -48,7 +48,7 @@ namespace {
 template <class Core>
 auto purposeConsents(const std::shared_ptr<Core>& core) {
   return [core]() -> Task<std::vector<Purpose>> {
-    const auto configuration = core->cache.readCDNFile(true);
+    const auto configuration = core->cache.current();
     co_return configuration ? core->purposes(configuration).purposesWithConsents() : std::vector<Purpose>();
   };
 }
@@ -56,7 +56,7 @@ auto purposeConsents(const std::shared_ptr<Core>& core) {
 template <class Core>
 auto permissionConsents(const std::shared_ptr<Core>& core) {
   return [core]() -> Task<std::vector<AppPermission>> {
-    co_return core->permissions(core->cache.readCDNFile(true)).permissionsWithConsents();
+    co_return core->permissions(core->cache.current()).permissionsWithConsents();
   };
 }
 
@@ -64,7 +64,7 @@ template <class Core>
 auto bannerConfig(const std::shared_ptr<Core>& core, std::optional<MainConfiguration> given) {
   return [core, given = std::move(given)]() mutable -> Task<std::optional<BannerConfig>> {
     ConfigurationPointer configuration =
-        given ? std::make_shared<const MainConfiguration>(std::move(*given)) : core->cache.readCDNFile(true);
+        given ? std::make_shared<const MainConfiguration>(std::move(*given)) : core->cache.current();
     co_return co_await core->bannerFor(std::move(configuration));
   };
 }
@@ -81,7 +81,7 @@ auto upload(const std::shared_ptr<Core>& core, std::string url, PostConsentsRequ
 template <class Part, class Core>
 auto partOfConfiguration(const std::shared_ptr<Core>& core, std::optional<Part> MainConfiguration::* part) {
   return [core, part]() -> Task<std::optional<Part>> {
-    const auto configuration = core->cache.readCDNFile(true);
+    const auto configuration = core->cache.current();
     co_return configuration ? (*configuration).*part : std::nullopt;
   };
 }
@@ -92,7 +92,7 @@ template <class Core>
 auto consentModeSignals(const std::shared_ptr<Core>& core) {
   return [core]() -> Task<Signals> {
     Signals signals;
-    const auto configuration = core->cache.readCDNFile(true);
+    const auto configuration = core->cache.current();
     if (!configuration || !configuration->gcmConfig) co_return signals;
     const auto location = co_await core->locationFor(*configuration);
     const auto* mapping = consentModeMapping(*configuration->gcmConfig, location);
@@ -107,7 +107,7 @@ auto consentModeSignals(const std::shared_ptr<Core>& core) {
 template <class Core>
 auto liveConsent(const std::shared_ptr<Core>& core, VantariKey permission) {
   return [core, permission = std::move(permission)]() -> Task<ConsentStatus> {
-    const auto permissions = core->permissions(core->cache.readCDNFile(true));
+    const auto permissions = core->permissions(core->cache.current());
     co_return permissions.lists(permission) ? permissions.getConsentByPermission(permission)
                                             : ConsentStatus::notDetermined;
   };

@@ -53,7 +53,7 @@ void ConsentSDK::Core::openLink(std::string link) {
 }
 
 Task<bool> ConsentSDK::Core::offersSettingsPrompt(VantariKey permission, Offer offer) {
-  const ConfigurationPointer configuration = cache.readCDNFile(true);
+  const ConfigurationPointer configuration = cache.current();
   const auto banner = co_await bannerFor(configuration);
   const auto entries = store.snapshot();
   const StoredValues stored(*entries);

@@ -82,6 +82,8 @@ void ConsentSDK::Core::setup(ConsentSDKOptions newOptions) {
   logger.setLogLevel(newOptions.logLevel);
   locale.setCurrentLanguageCode(newOptions.languageCode ? newOptions.languageCode->text() : std::string());
 
+  cache.setBundled(newOptions.bundledConfiguration);
+
   const auto cachedLanguage = StoredValues(*store.snapshot()).string(key::languageCode);
   const bool languageChanged = cachedLanguage && *cachedLanguage != locale.currentLanguageCode();
   const bool draftToLive = lastMode == Mode::draft && newOptions.mode == Mode::live;

@@ -97,6 +97,11 @@ struct ConsentSDKOptions {
   std::optional<std::string> locationCode = std::nullopt;
   /// The in-app web view; without one only the configured links' own hosts are allowed.
   std::optional<WebViewConfig> webviewConfig = std::nullopt;
+  /// Name of a configuration document that ships with the application, with or without ".json": a resource of the
+  /// application, checked as strictly as a download and at most 32 MiB large. "NAME_LANGUAGE.json" is preferred to
+  /// "NAME.json", so "consent" finds "consent_de.json" for users who read German. It serves until the first download
+  /// succeeds, and never again once a newer version was in force; a broken one is logged and ignored.
+  std::optional<std::string> bundledConfiguration = std::nullopt;
   /// The channel. Follows from testingMode; change it only to override that rule.
   Mode mode = testingMode ? Mode::draft : Mode::live;
 

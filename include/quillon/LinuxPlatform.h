@@ -28,8 +28,9 @@ struct LinuxOptions {
   /// Hands the consent-mode signals to the application's analytics library, by name ("ad_storage"), each "granted" or
   /// "denied". Called from a thread of the SDK's, after every change. Default: none.
   std::function<void(const std::map<std::string, std::string>& values)> consentSink = {};
-  /// Folder of the text files that ship with the application, such as the page of WebViewConfig::blockedPageHTML: plain
-  /// files of at most 1 MiB in UTF-8. Links are not followed. Default: the folder of the executable.
+  /// Folder of the text files that ship with the application, such as the page of WebViewConfig::blockedPageHTML, at
+  /// most 1 MiB, and ConsentSDKOptions::bundledConfiguration, at most 32 MiB: plain files in UTF-8. Links are not
+  /// followed. Default: the folder of the executable.
   std::optional<std::filesystem::path> resourceDirectory = std::nullopt;
   /// Replaces services of the platform by the application's own: another store, another source of permissions. Called
   /// once, on the thread that uses ConsentSDK::shared() first, with every service in place; must not use the SDK. A

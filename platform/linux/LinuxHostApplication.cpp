@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t longestLine = 4096;
 constexpr int mostLines = 100;
 constexpr std::size_t longestName = 96;
-constexpr std::size_t largestResource = std::size_t{1} << 20;
+constexpr std::size_t largestResource = std::size_t{32} << 20;
 
 // The text without quotes and escapes, printable and bounded.
 std::string plain(std::string_view text) {

@@ -30,7 +30,8 @@ TEST(HostApplication, ReadsNothingOutsideItsFolderAndNothingHuge) {
   for (const auto* name : {"secret.html", "resources/inner/page.html", "resources/.html"}) {
     setFileBytes(outer.path() / name, "text");
   }
-  setFileBytes(folder / "large.html", std::string((1 << 20) + 1, 'x'));
+  setFileBytes(folder / "large.html", "x");
+  std::filesystem::resize_file(folder / "large.html", (32 << 20) + 1);
   setFileBytes(folder / "full.html", std::string(1 << 20, 'x'));
   std::filesystem::create_symlink(outer.path() / "secret.html", folder / "link.html");
   std::filesystem::create_directory(folder / "folder.html");

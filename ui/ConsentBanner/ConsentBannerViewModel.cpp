@@ -29,7 +29,7 @@ void ConsentBannerViewModel::loadBannerConfig() {
   bannerConfigTask_ = LoadTask::start(
       core_, weak_from_this(),
       [](ConsentSDK::Core& core) -> Task<LoadedBanner> {
-        const auto configuration = core.cache.readCDNFile(true);
+        const auto configuration = core.cache.current();
         LoadedBanner loaded;
         loaded.banner = co_await core.bannerFor(configuration);
         if (configuration) loaded.gcm = configuration->gcmConfig;
@@ -52,7 +52,7 @@ void ConsentBannerViewModel::loadCompanyLogo() {
   companyLogoTask_ = LoadTask::start(
       core_, weak_from_this(),
       [](ConsentSDK::Core& core) -> Task<std::optional<EncodedImage>> {
-        const auto configuration = core.cache.readCDNFile(true);
+        const auto configuration = core.cache.current();
         const auto banner = co_await core.bannerFor(configuration);
         std::optional<std::string> logo;
         if (banner) logo = banner->companyLogo;
@@ -69,7 +69,7 @@ void ConsentBannerViewModel::loadSettingsPrompt() {
   settingsPromptTask_ = LoadTask::start(
       core_, weak_from_this(),
       [](ConsentSDK::Core& core) -> Task<std::optional<SettingsPrompt>> {
-        const auto configuration = core.cache.readCDNFile(true);
+        const auto configuration = core.cache.current();
         co_return configuration ? configuration->settingPrompt : std::nullopt;
       },
       [](ConsentBannerViewModel& model, std::optional<SettingsPrompt> prompt) {

@@ -38,7 +38,7 @@ void PreferenceCenterViewModel::loadPurposes() {
   purposeTask_ = LoadTask::start(
       banner_->core(), weak_from_this(),
       [](ConsentSDK::Core& core) -> Task<std::vector<Purpose>> {
-        const auto configuration = core.cache.readCDNFile(true);
+        const auto configuration = core.cache.current();
         co_return configuration ? core.purposes(configuration).purposesWithConsents() : std::vector<Purpose>();
       },
       [](PreferenceCenterViewModel& model, std::vector<Purpose> loaded) {
@@ -61,7 +61,7 @@ void PreferenceCenterViewModel::loadPermissions() {
   permissionsTask_ = LoadTask::start(
       banner_->core(), weak_from_this(),
       [](ConsentSDK::Core& core) -> Task<std::vector<AppPermission>> {
-        const auto configuration = core.cache.readCDNFile(true);
+        const auto configuration = core.cache.current();
         co_return configuration ? core.permissions(configuration).permissionsWithConsents()
                                 : std::vector<AppPermission>();
       },

@@ -6,6 +6,7 @@
 
 #include "core/ConsentSDK/BannerSelection.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/FixedHostApplication.h"
 #include "tests/support/FailingFileSystem.h"
 #include "tests/support/World.h"
 
@@ -173,6 +174,67 @@ TEST(Configuration, ReconsentAsksAgainForANewerVersionOnly) {
   EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_NO_ACTION");
   EXPECT_EQ(world.sdk->get(1), ConsentStatus::granted) << "what was decided stands until it is answered anew";
   EXPECT_TRUE(world.sdk->isBannerDue());
+}
+
+// A host whose application carries these documents, and a server that has none yet.
+struct Bundled : testing::Test {
+  Bundled() {
+    world.amend = [this](Platform& platform) {
+      platform.host = std::make_shared<FixedHostApplication>(FixedHostApplication::Description{.resources = resources});
+    };
+    world.server.onConfiguration(json("{}", 503));
+    options.bundledConfiguration = "consent.json";
+  }
+  std::int64_t version() { return world.stored().integer(key::configurationVersion, 0); }
+
+  World world;
+  ConsentSDKOptions options = world.options();
+  FixedHostApplication::Texts resources{{"consent.json", versioned(5)}};
+};
+
+TEST_F(Bundled, ServesUntilTheFirstDownload) {
+  world.start(options);
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
+  EXPECT_EQ(world.sdk->getPurposeConsents().get().size(), 3u);
+  EXPECT_TRUE(world.sdk->isBannerDue());
+  EXPECT_TRUE(world.sdk->acceptOrReject(true).get());
+  EXPECT_FALSE(std::filesystem::exists(world.file())) << "it is no download";
+  world.restart();
+  world.start(options);
+  EXPECT_EQ(world.server.seen(configurationPath).size(), 2u) << "every start asks for the newest";
+  EXPECT_FALSE(world.sdk->isBannerDue());
+
+  world.server.serve(versioned(6));
+  world.sdk->checkConsents().wait();
+  EXPECT_EQ(version(), 6);
+  EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION") << "re-consent";
+  world.sdk->acceptOrReject(true).wait();
+  world.server.onConfiguration(json("{}", 503));
+  std::filesystem::remove(world.file());
+  world.start(options);
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::unavailable) << "the older one never comes back";
+  EXPECT_TRUE(world.sdk->getPurposeConsents().get().empty());
+  EXPECT_EQ(version(), 6);
+  EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_EXPLICIT");
+}
+
+TEST_F(Bundled, IsCheckedLikeADownload) {
+  auto german = validConfiguration();
+  german["version"] = 7;
+  resources = {{"consent_de.json", boost::json::serialize(german)}, {"consent.json", R"({"version":"8"})"}};
+  world.start(options);
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::unavailable);
+  EXPECT_NE(world.log().find("The bundled configuration is ignored: consent.json: version: expected an integer"),
+            std::string::npos)
+      << world.log();
+  options.languageCode = "de";
+  world.start(options);
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
+  EXPECT_EQ(version(), 7);
+  options.bundledConfiguration = "../absent";
+  world.start(options);
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::unavailable);
+  EXPECT_NE(world.log().find("[ERROR]The bundled configuration is missing: ../absent.json"), std::string::npos);
 }
 
 TEST(Cache, UnreadableFileIsReplacedSilently) {

@@ -12,6 +12,7 @@
 namespace quillon {
 namespace {
 
+constexpr std::size_t largestPage = std::size_t{1} << 20;
 constexpr std::string_view headEnd = "</head";
 constexpr std::string_view extension = "html";
 constexpr std::string_view opening = "<script>var BLOCKED_URL=";
@@ -63,7 +64,9 @@ BlockedPage BlockedPage::configured(const std::optional<std::string>& name, cons
   if (!name) return BlockedPage(ownBlockedPage);
   std::string_view plain = *name;
   if (plain.ends_with(".html")) plain.remove_suffix(extension.size() + 1);
-  if (const auto page = host.resource(plain, extension); page && isUtf8(*page)) return BlockedPage(*page);
+  if (const auto page = host.resource(plain, extension); page && page->size() <= largestPage && isUtf8(*page)) {
+    return BlockedPage(*page);
+  }
   log(LogLevel::warning, "WebView: " + escapedForLog(plain) + ".html not found in bundle", "configured");
   return BlockedPage(ownBlockedPage);
 }

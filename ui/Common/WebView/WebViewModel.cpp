@@ -53,7 +53,7 @@ struct Gathered {
 };
 
 Gathered gather(ConsentSDK::Core& core) {
-  const auto configuration = core.cache.readCDNFile(true);
+  const auto configuration = core.cache.current();
   const auto options = core.currentOptions();
   const auto page = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
   return {configuration ? hostsOfLinks(*configuration) : std::set<std::string>(),
