@@ -1,5 +1,6 @@
 // The check cycle, the location, the banner's turn and the upload.
 #include "core/ConsentSDK/BannerSelection.h"
+#include "core/ConsentSDK/BannerTurn.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/ConsentSDK/SDKVersion.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -119,23 +120,11 @@ Task<std::optional<BannerConfig>> ConsentSDK::Core::bannerFor(ConfigurationPoint
 bool ConsentSDK::Core::isBannerDue() {
   bool due = false;
   store.transact([&](StoreTransaction& transaction) {
-    const std::int64_t seconds = now();
-    const std::int64_t shown = transaction.integer(key::bannerShownDate, seconds);
-    const bool isPresent = transaction.boolean(key::isBannerPresent);
-    std::string given = transaction.consentGivenType();
-    if (given == givenType::implicitly && shown != seconds) {
-      // Who has seen the banner before and said nothing has agreed to the defaults.
-      given = givenType::explicitly;
-      transaction.set(key::consentGivenType, given);
-    }
-    const auto interval = transaction.string(key::bannerInterval, defaultBannerInterval);
-    const WallTime shownDate{std::chrono::seconds(shown)};
-    const WallTime dueDate =
-        platform.clock->addMonths(shownDate, bannerIntervalMonths(interval).value_or(defaultBannerMonths));
-    const bool elapsed = dueDate <= WallTime(std::chrono::seconds(seconds));
-    if (isPresent || (!elapsed && given == givenType::explicitly)) return;
+    const BannerTurn turn = bannerTurn(transaction, *platform.clock);
+    if (turn.promotesDefaults) transaction.set(key::consentGivenType, std::string(givenType::explicitly));
+    if (!turn.isDue()) return;
     transaction.set(key::isBannerPresent, true);
-    transaction.set(key::bannerShownDate, seconds);
+    transaction.set(key::bannerShownDate, now());
     due = true;
   });
   return due;

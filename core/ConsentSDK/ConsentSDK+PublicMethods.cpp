@@ -6,9 +6,7 @@
 namespace quillon {
 ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {
   const auto entries = core_->store.snapshot();
-  const StoredValues stored(*entries);
-  const auto decision = stored.consent(PurposeKey(purposeId));
-  return decision ? *decision : stored.complianceDefault();
+  return StoredValues(*entries).consentOrDefault(PurposeKey(purposeId));
 }
 
 ConsentStatus ConsentSDK::get(const VantariKey& vantariKey) const {

@@ -73,6 +73,8 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   void startPermissionObservation();
   Task<void> consentCheck();
   bool isBannerDue();
+  // Why it is, or is not; changes nothing.
+  BannerExplanation explainBanner();
   // Uploads what is pending. True when nothing is pending afterwards.
   Task<bool> uploadPendingConsents();
   // Hands the signals that follow from the present consents to the host's analytics library.

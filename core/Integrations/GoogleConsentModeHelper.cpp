@@ -47,7 +47,7 @@ const DefaultMapping* consentModeMapping(const GcmConfig& configuration, const s
 ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored) {
   const auto isGranted = [&](const std::optional<std::vector<std::int64_t>>& purposes) {
     return purposes && !purposes->empty() && std::ranges::all_of(*purposes, [&](std::int64_t id) {
-             return stored.consent(PurposeKey(id)).value_or(stored.complianceDefault()) == ConsentStatus::granted;
+             return stored.consentOrDefault(PurposeKey(id)) == ConsentStatus::granted;
            });
   };
   return {{GoogleConsentType::analyticsStorage, isGranted(mapping.analyticsStorage)},

@@ -161,7 +161,7 @@ std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& 
   std::vector<PurposeConsent> consents;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId || std::ranges::find(pending, *purpose.purposeId) == pending.end()) continue;
-    const auto status = stored.consent(PurposeKey(*purpose.purposeId)).value_or(stored.complianceDefault());
+    const auto status = stored.consentOrDefault(PurposeKey(*purpose.purposeId));
     consents.push_back({*purpose.purposeId, status, changeTime, purpose.disableOptOut.value_or(false)});
   }
   return consents;

@@ -49,6 +49,9 @@ class PurposeManager {
   // tracking follow its status, which may have changed since they were shown. Purposes without a choice are left out.
   Resolutions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
 
+  // Whether anything is stored for a purpose that app tracking does not govern.
+  bool hasDecisions(const StoredValues& stored) const;
+
   // Gives every purpose without a decision its default: what app tracking says, granted when essential, else what the
   // compliance type implies. Answers the given type that goes with it: implicit, or none while a re-consent is being
   // waited for, which defaults must not answer.
@@ -63,8 +66,6 @@ class PurposeManager {
  private:
   const std::vector<Purpose>& purposes() const;
   bool isATTMapped(std::int64_t purposeId) const;
-  // Whether anything is stored for a purpose that app tracking does not govern.
-  bool hasDecisions(const StoredValues& stored) const;
   // The present status: the decision or the default, then what app tracking makes of it.
   ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const;
   // What comes of a decision of that cause, which tracking may overrule.

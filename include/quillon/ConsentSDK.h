@@ -14,6 +14,7 @@
 #include "quillon/ConsentSDKOptions.h"
 #include "quillon/ConsentStatus.h"
 #include "quillon/DecisionHistory.h"
+#include "quillon/Explanations.h"
 #include "quillon/GoogleConsentType.h"
 #include "quillon/Listeners.h"
 #include "quillon/MainConfiguration.h"
@@ -127,6 +128,10 @@ class ConsentSDK {
   [[nodiscard]] std::future<HistoryPage> getHistory(std::size_t count = 100,
                                                     std::optional<std::int64_t> before = std::nullopt);
 
+  /// Why get() answers for a purpose what it does: who decided, and when.
+  void explain(std::int64_t purposeId, std::function<void(ConsentExplanation)> callback);
+  [[nodiscard]] std::future<ConsentExplanation> explain(std::int64_t purposeId);
+
   /// Deletes every stored value: decisions and their history, identity, token. The cached configuration stays.
   void removeConsents();
   /// @}
@@ -167,6 +172,9 @@ class ConsentSDK {
 
   /// Whether the banner must be shown now. A positive answer counts as showing it: ask only when about to show it.
   [[nodiscard]] bool isBannerDue();
+
+  /// What isBannerDue() would answer now, and why. Changes nothing, so it may be asked at any time.
+  [[nodiscard]] BannerExplanation explainBanner() const;
 
   /// Records the user's answer to the banner for every purpose at once and uploads it. True when it was stored; a
   /// failed upload stays pending and is retried.

@@ -38,6 +38,9 @@ class StoredValues {
   std::optional<PropertyDate> date(std::string_view key) const;
 
   std::optional<ConsentStatus> consent(std::string_view key) const;
+  ConsentStatus consentOrDefault(std::string_view purpose) const {
+    return consent(purpose).value_or(complianceDefault());
+  }
   // The status that a purpose has without a decision: declined under opt-in, else granted.
   ConsentStatus complianceDefault() const;
   ComplianceType complianceType() const;

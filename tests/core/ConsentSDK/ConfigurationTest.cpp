@@ -386,6 +386,7 @@ struct DueCase {
   bool present;
   bool due;
   std::string givenTypeAfter;
+  BannerReason reason;
 };
 
 class BannerDue : public testing::TestWithParam<DueCase> {};
@@ -400,6 +401,11 @@ TEST_P(BannerDue, FollowsTheStoredAnswer) {
     shown = wholeSeconds(world.clock->addMonths(world.clock->now(), -*example.shownMonthsAgo));
     world.store(key::bannerShownDate, *shown);
   }
+  const auto before = *world.snapshot();
+  const auto explanation = world.sdk->explainBanner();
+  EXPECT_EQ(explanation.isDue, example.due);
+  EXPECT_EQ(explanation.reason, example.reason) << explanation.text;
+  EXPECT_EQ(*world.snapshot(), before) << "asking changes nothing";
   EXPECT_EQ(world.sdk->isBannerDue(), example.due);
   EXPECT_EQ(world.text(key::consentGivenType), example.givenTypeAfter);
   EXPECT_EQ(world.stored().boolean(key::isBannerPresent), example.due || example.present);
@@ -407,18 +413,26 @@ TEST_P(BannerDue, FollowsTheStoredAnswer) {
   EXPECT_FALSE(world.sdk->isBannerDue()) << "it is on screen now, or was not due before";
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Store, BannerDue,
-    testing::Values(DueCase{"NeverShown", std::nullopt, "CONSENT_NO_ACTION", false, true, "CONSENT_NO_ACTION"},
-                    DueCase{"AnsweredElevenMonthsAgo", 11, "CONSENT_EXPLICIT", false, false, "CONSENT_EXPLICIT"},
-                    DueCase{"AnsweredTwelveMonthsAgo", 12, "CONSENT_EXPLICIT", false, true, "CONSENT_EXPLICIT"},
-                    DueCase{"OnScreen", std::nullopt, "CONSENT_NO_ACTION", true, false, "CONSENT_NO_ACTION"},
-                    DueCase{"OnScreenAndElapsed", 13, "CONSENT_EXPLICIT", true, false, "CONSENT_EXPLICIT"},
-                    DueCase{"ReconsentRequired", 1, "CONSENT_NO_ACTION", false, true, "CONSENT_NO_ACTION"},
-                    DueCase{"ImplicitNeverShown", std::nullopt, "CONSENT_IMPLICIT", false, true, "CONSENT_IMPLICIT"},
-                    DueCase{"ImplicitShownBefore", 1, "CONSENT_IMPLICIT", false, false, "CONSENT_EXPLICIT"},
-                    DueCase{"ImplicitShownLongAgo", 13, "CONSENT_IMPLICIT", false, true, "CONSENT_EXPLICIT"}),
-    [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Store, BannerDue,
+                         testing::Values(DueCase{"NeverShown", std::nullopt, "CONSENT_NO_ACTION", false, true,
+                                                 "CONSENT_NO_ACTION", BannerReason::neverShown},
+                                         DueCase{"AnsweredElevenMonthsAgo", 11, "CONSENT_EXPLICIT", false, false,
+                                                 "CONSENT_EXPLICIT", BannerReason::answered},
+                                         DueCase{"AnsweredTwelveMonthsAgo", 12, "CONSENT_EXPLICIT", false, true,
+                                                 "CONSENT_EXPLICIT", BannerReason::intervalOver},
+                                         DueCase{"OnScreen", std::nullopt, "CONSENT_NO_ACTION", true, false,
+                                                 "CONSENT_NO_ACTION", BannerReason::onScreen},
+                                         DueCase{"OnScreenAndElapsed", 13, "CONSENT_EXPLICIT", true, false,
+                                                 "CONSENT_EXPLICIT", BannerReason::onScreen},
+                                         DueCase{"ShownAndNotAnswered", 1, "CONSENT_NO_ACTION", false, true,
+                                                 "CONSENT_NO_ACTION", BannerReason::unanswered},
+                                         DueCase{"ImplicitNeverShown", std::nullopt, "CONSENT_IMPLICIT", false, true,
+                                                 "CONSENT_IMPLICIT", BannerReason::neverShown},
+                                         DueCase{"ImplicitShownBefore", 1, "CONSENT_IMPLICIT", false, false,
+                                                 "CONSENT_EXPLICIT", BannerReason::answered},
+                                         DueCase{"ImplicitShownLongAgo", 13, "CONSENT_IMPLICIT", false, true,
+                                                 "CONSENT_EXPLICIT", BannerReason::intervalOver}),
+                         [](const auto& test) { return test.param.name; });
 
 }  // namespace
 }  // namespace quillon::test

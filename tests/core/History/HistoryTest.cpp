@@ -81,6 +81,39 @@ TEST_F(History, TellsEveryKindOfDecisionWithItsCircumstances) {
   EXPECT_EQ(listed(), Lines());
 }
 
+TEST_F(History, ExplainsWhyAConsentIsWhatItIs) {
+  world.tracking = TrackingAuthorization::denied;
+  world.start();
+  const auto why = [&](std::int64_t id) {
+    const auto explanation = world.sdk->explain(id).get();
+    EXPECT_EQ(explanation.status, world.sdk->get(id));
+    return explanation;
+  };
+  EXPECT_EQ(why(1),
+            (ConsentExplanation{declined, DecisionCause::byDefault, std::nullopt,
+                                "Nothing was decided: declined is the default of the compliance type opt-in."}));
+  world.sdk->checkConsents().wait();
+  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  world.sdk->checkConsents().wait();
+  EXPECT_EQ(why(1), (ConsentExplanation{granted, DecisionCause::user, startSeconds,
+                                        "The user decided it: granted on 2023-11-14."}));
+  EXPECT_EQ(why(2).text, "The purpose is essential: granted on 2023-11-14.");
+  EXPECT_EQ(why(3).text, "It follows the tracking status of the device: declined on 2023-11-14.");
+  world.store("4", std::string("withdrawn"));
+  world.store("1", std::string("declined"));
+  for (const std::int64_t id : {1, 4}) {
+    EXPECT_EQ(why(id).cause, std::nullopt) << "the history tells of no such decision";
+    EXPECT_EQ(why(id).time, std::nullopt);
+  }
+
+  EXPECT_EQ(world.sdk->explainBanner().text, "The banner is not due: it is answered until 2024-11-14.");
+  world.store(key::consentGivenType, std::string("CONSENT_NO_ACTION"));
+  world.store(key::bannerShownDate, startSeconds);
+  EXPECT_EQ(world.sdk->explainBanner(),
+            (BannerExplanation{true, BannerReason::reconsent, std::nullopt, 5,
+                               "The banner is due: version 5 of the configuration asks for the consents again."}));
+}
+
 TEST_F(History, FollowsTheUploads) {
   world.server.onUpload(json(R"({"status":1,"message":"busy"})"));
   world.start();

@@ -1,0 +1,21 @@
+// When it is the banner's turn: the one rule by which it is shown, and explained.
+#pragma once
+
+#include "core/Persistance/UserDefaults/StoredValues.h"
+#include "platform/Clock.h"
+#include "quillon/Explanations.h"
+
+namespace quillon {
+
+struct BannerTurn {
+  BannerReason reason;   // but for reconsent, which is a way of being unanswered
+  std::int64_t expires;  // whole seconds since 1970
+  // Who has seen the banner before and said nothing has agreed to the defaults: they count as explicit from now on.
+  bool promotesDefaults;
+
+  bool isDue() const { return reason != BannerReason::onScreen && reason != BannerReason::answered; }
+};
+
+[[nodiscard]] BannerTurn bannerTurn(const StoredValues& stored, const Clock& clock);
+
+}  // namespace quillon
