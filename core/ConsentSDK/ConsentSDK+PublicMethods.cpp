@@ -1,6 +1,8 @@
 // The operations that hosts call once set-up has run.
 #include "core/ConsentSDK/Asynchronous.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/ConsentSDK/LocalizedTexts.h"
+#include "core/Integrations/ConsentScript.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
@@ -99,6 +101,37 @@ auto consentModeSignals(const std::shared_ptr<Core>& core) {
       signals.emplace(type, granted ? ConsentStatus::granted : ConsentStatus::declined);
     }
     co_return signals;
+  };
+}
+
+template <class Core>
+auto scriptForPages(const std::shared_ptr<Core>& core) {
+  return [core]() -> Task<std::string> {
+    PageConsents consents;
+    const auto configuration = core->cache.current();
+    if (!configuration) co_return consentScript(consents, std::nullopt);
+    const std::string language = core->locale.currentLanguageCode();
+    for (const Purpose& purpose : core->purposes(configuration).purposesWithConsents()) {
+      if (!purpose.purposeId) continue;
+      consents.purposes.push_back({*purpose.purposeId, textIn(language, purpose.purposeName.value_or(LocalizedText())),
+                                   purpose.consentStatus.value_or(ConsentStatus::notDetermined)});
+    }
+    for (const auto& [permission, status] : core->permissions(configuration).liveStatuses()) {
+      consents.permissions.push_back({permission, status});
+    }
+    if (!configuration->isGcmEnabled.value_or(false) || !configuration->gcmConfig) {
+      co_return consentScript(consents, std::nullopt);
+    }
+    const auto location = co_await core->locationFor(*configuration);
+    const auto* mapping = consentModeMapping(*configuration->gcmConfig, location);
+    if (!mapping) co_return consentScript(consents, std::nullopt);
+    const auto entries = core->store.snapshot();
+    const StoredValues stored(*entries);
+    const SuiteEntries undecided{
+        {std::string(key::currentComplianceType), std::string(rawValue(stored.complianceType()))}};
+    std::optional<PageSignals> signals;
+    signals.emplace(consentMap(*mapping, StoredValues(undecided)), consentMap(*mapping, stored));
+    co_return consentScript(consents, signals);
   };
 }
 
@@ -206,6 +239,14 @@ void ConsentSDK::getGCMConsents(std::function<void(Signals)> callback) {
 
 std::future<std::map<GoogleConsentType, ConsentStatus>> ConsentSDK::getGCMConsents() {
   return Asynchronous<Signals>::future(core_, consentModeSignals(core_));
+}
+
+void ConsentSDK::consentScript(std::function<void(std::string)> callback) {
+  Asynchronous<std::string>::callback(core_, std::move(callback), scriptForPages(core_));
+}
+
+std::future<std::string> ConsentSDK::consentScript() {
+  return Asynchronous<std::string>::future(core_, scriptForPages(core_));
 }
 
 void ConsentSDK::checkConsentBy(VantariKey permissionId, std::function<void(ConsentStatus)> callback) {

@@ -115,6 +115,18 @@ class ConsentSDK {
   void getGCMConsents(std::function<void(std::map<GoogleConsentType, ConsentStatus>)> callback);
   [[nodiscard]] std::future<std::map<GoogleConsentType, ConsentStatus>> getGCMConsents();
 
+  /// A script that hands the present consents to a page in the application's own web view: `window.quillonConsents`
+  /// holds the purposes (id, name, status) and permissions (permission, status), and where the configuration drives
+  /// consent mode, `gtag('consent', 'default' | 'update', …)` is called with the four signals, before any decision and
+  /// now. Run it before the page's own scripts, and again after a change. It is safe inside a script element, whatever
+  /// the configured texts hold. Empty when the SDK is destroyed first.
+  ///
+  /// @code
+  /// sdk.consentScript([view](std::string script) { view->addScriptAtDocumentStart(std::move(script)); });
+  /// @endcode
+  void consentScript(std::function<void(std::string)> callback);
+  [[nodiscard]] std::future<std::string> consentScript();
+
   /// The decisions that were made, newest first: @p count of them (1 to 10,000), older than the entry numbered
   /// @p before when that is given. Kept are the last 10,000 (at times 200 fewer): every choice, recorded default and
   /// change of the device's, each written in the same transaction as its consent. Nothing is kept of set() calls that

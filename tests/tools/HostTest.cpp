@@ -56,7 +56,15 @@ TEST_F(Host, TakesOneRunFromSetUpToUpload) {
   EXPECT_EQ(server.seen().front().path, "/consent/mobile_banner/t1/a1/live/config_de.json");
   EXPECT_EQ(ask(R"({"op":"status"})"),
             Object({{"ok", true}, {"status", "ready"}, {"rawValue", 0}, {"message", "SDK CDN is ready to use!"}}));
+  EXPECT_EQ(ask(R"({"op":"listen"})").at("events"), boost::json::array());
+  EXPECT_EQ(ask(R"({"op":"explain"})").at("reason"), "never_shown");
   EXPECT_EQ(ask(R"({"op":"bannerDue"})"), Object({{"ok", true}, {"due", true}}));
+  EXPECT_EQ(ask(R"({"op":"explain"})"), Object({{"ok", true},
+                                                {"due", false},
+                                                {"reason", "on_screen"},
+                                                {"expires", nullptr},
+                                                {"version", nullptr},
+                                                {"text", "The banner is not due: it is on screen."}}));
   EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "declined");
   EXPECT_EQ(ask(R"({"op":"accept"})"), Object({{"ok", true}, {"stored", true}}));
   EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "granted");
@@ -67,6 +75,17 @@ TEST_F(Host, TakesOneRunFromSetUpToUpload) {
   EXPECT_EQ(ask(R"({"op":"purposes"})").at("purposes").at(0).at("consent_status"), "withdrawn");
   EXPECT_EQ(ask(R"({"op":"bannerConfig"})").at("bannerConfig").at("compliance_type"), "opt-in");
   EXPECT_EQ(ask(R"({"op":"store"})").at("store").at("1"), "withdrawn");
+  EXPECT_EQ(ask(R"({"op":"explain","purposeId":1})").at("text"), "The user decided it: withdrawn on 2023-11-14.");
+  EXPECT_EQ(boost::json::serialize(ask(R"({"op":"history","count":1})")),
+            R"({"ok":true,"history":[{"number":7,"time":1700000000,"purpose_id":1,"from":"granted","to":"withdrawn",)"
+            R"("cause":"user","given_type":"CONSENT_EXPLICIT","configuration_version":5,"compliance_type":"opt-in",)"
+            R"("language":"de","upload":"uploaded"}],"damaged":0,"before":7})");
+  const auto events = ask(R"({"op":"listen"})").at("events").as_array();
+  EXPECT_EQ(events.size(), 5u) << boost::json::serialize(events);
+  EXPECT_EQ(events.at(0).at("event"), "consent");
+  EXPECT_EQ(boost::json::serialize(events.back()),
+            R"({"event":"upload","accepted":true,"status":0,"message":"saved","time":1700000001})");
+  EXPECT_EQ(ask(R"({"op":"consentScript"})").at("script").as_string().find("window.quillonConsents="), 0u);
   EXPECT_EQ(ask(R"({"op":"check"})"), Object({{"ok", true}}));
   EXPECT_EQ(ask(R"({"op":"upload"})").at("uploaded"), true);
   EXPECT_EQ(ask(R"({"op":"network","status":"unsatisfied"})").at("ok"), true);
@@ -90,6 +109,7 @@ TEST_F(Host, ShowsItsScreensInWords) {
   setUp();
   ask(R"({"op":"waitReady"})");
 
+  ask(R"({"op":"listen"})");
   const auto shown = ask(R"({"op":"banner","ifDue":true})").at("banner");
   EXPECT_EQ(shown.at("bannerConfig").at("state"), "success");
   EXPECT_EQ(shown.at("buttons").at(0).at("text"), "Reject");
@@ -111,6 +131,16 @@ TEST_F(Host, ShowsItsScreensInWords) {
 
   EXPECT_EQ(ask(R"({"op":"openLink","link":"HTTPS://help.example/a"})").at("loaded"), "https://help.example/a");
   EXPECT_EQ(ask(R"({"op":"openLink","link":"https://other.example/"})").at("isBlockedPageShowing"), true);
+
+  std::string screens;
+  for (const auto& event : ask(R"({"op":"listen"})").at("events").as_array()) {
+    if (event.as_object().contains("screen")) {
+      screens.append(event.at("event").as_string()).append(" ").append(event.at("screen").as_string()).append("\n");
+    }
+  }
+  EXPECT_EQ(screens,
+            "shown banner\nshown preferenceCenter\ndismissed preferenceCenter\ndismissed banner\nshown settingsPrompt\n"
+            "dismissed settingsPrompt\nshown webView\ndismissed webView\nshown webView\ndismissed webView\n");
 }
 
 TEST_F(Host, ExplainsWhatItDoesNotUnderstandAndGoesOn) {

@@ -17,7 +17,7 @@ standard error. Every answer carries "ok"; a line that is unknown or malformed i
 
   {"op":"setup","appUrl":U,"cdnUrl":U,"tenantId":T,"appId":A}   further keys: testingMode, logLevel ("DEBUG", "INFO",
                      "WARNING", "ERROR"), consentsCheckInterval (seconds), subjectId, languageCode, locationCode,
-                     webviewConfig {"allowedDomains":[...],"blockedPageHTML":...}
+                     webviewConfig {"allowedDomains":[...],"blockedPageHTML":...}, bundledConfiguration
   {"op":"waitReady","timeout":S}   waits until loading is over, at most S seconds (10): status as below
   {"op":"status"}                  "status": "ready", "unavailable" or "fetching"; "rawValue" 0, 1 or 2; "message"
   {"op":"bannerDue"}               "due"; a positive answer counts as showing the banner
@@ -53,6 +53,12 @@ standard error. Every answer carries "ok"; a line that is unknown or malformed i
                      "notNow" or "close" leaves it
   {"op":"openLink","link":L}       opens a link in the web view: "loaded", the address given to the browser, or null and
                      "isBlockedPageShowing"
+  {"op":"history"}                 "history": the decisions, newest first, at most "count" (100), older than entry "before";
+                     "damaged": how many are left out; "before" of the page that follows, or null
+  {"op":"explain"}                 why the banner is due or not: "due", "reason", "expires", "version", "text"; with
+                     "purposeId":N why a consent is what it is: "consent", "cause", "time", "text"
+  {"op":"listen"}                  begins to listen; "events": changed consents, screens and uploads since the last call
+  {"op":"consentScript"}           "script": the consents for a page in the application's own web view
   {"op":"quit"}                    ends the host; so does the end of the input
 )";
 

@@ -10,6 +10,7 @@
 
 #include "core/Configuration/Codec.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tools/HistoryJson.h"
 #include "tools/SuiteJson.h"
 #include "tools/host/Arguments.h"
 
@@ -95,6 +96,10 @@ const HostSession::Entry HostSession::entries[] = {
     {"preferences", &HostSession::preferences},
     {"prompt", &HostSession::prompt},
     {"openLink", &HostSession::openLink},
+    {"history", &HostSession::history},
+    {"explain", &HostSession::explain},
+    {"listen", &HostSession::listen},
+    {"consentScript", &HostSession::consentScript},
     {"quit", &HostSession::quit},
 };
 
@@ -148,6 +153,7 @@ json::object HostSession::setup(const Object& request) {
         optionalArgument<std::vector<std::string>>(*webView, "allowedDomains").value_or(std::vector<std::string>()),
         optionalArgument<std::string>(*webView, "blockedPageHTML")};
   }
+  options.bundledConfiguration = optionalArgument<std::string>(request, "bundledConfiguration");
   sdk_.setup(std::move(options));
   return done();
 }
@@ -419,6 +425,50 @@ json::object HostSession::openLink(const Object& request) {
     screens.webView.reset();
   });
   return reply;
+}
+
+json::object HostSession::history(const Object& request) {
+  const auto count = optionalArgument<std::int64_t>(request, "count").value_or(100);
+  if (count < 1) throw RequestError("\"count\" is not positive");
+  const HistoryPage page =
+      sdk_.getHistory(static_cast<std::size_t>(count), optionalArgument<std::int64_t>(request, "before")).get();
+  json::array decisions;
+  for (const HistoryEntry& entry : page.entries) decisions.push_back(toJson(entry));
+  return {{"ok", true},
+          {"history", std::move(decisions)},
+          {"damaged", page.damaged},
+          {"before", page.before ? json::value(*page.before) : json::value()}};
+}
+
+json::object HostSession::explain(const Object& request) {
+  const auto timeOrNull = [](const std::optional<std::int64_t>& time) {
+    return time ? json::value(*time) : json::value();
+  };
+  if (const auto purposeId = optionalArgument<std::int64_t>(request, "purposeId")) {
+    const ConsentExplanation consent = sdk_.explain(*purposeId).get();
+    return {{"ok", true},
+            {"consent", rawValue(consent.status)},
+            {"cause", consent.cause ? json::value(rawValue(*consent.cause)) : json::value()},
+            {"time", timeOrNull(consent.time)},
+            {"text", consent.text}};
+  }
+  const BannerExplanation banner = sdk_.explainBanner();
+  return {{"ok", true},
+          {"due", banner.isDue},
+          {"reason", rawValue(banner.reason)},
+          {"expires", timeOrNull(banner.expires)},
+          {"version", timeOrNull(banner.version)},
+          {"text", banner.text}};
+}
+
+json::object HostSession::listen(const Object&) {
+  events_.listenTo(sdk_);
+  onMain([](HostScreens&) {});
+  return {{"ok", true}, {"events", events_.take()}};
+}
+
+json::object HostSession::consentScript(const Object&) {
+  return {{"ok", true}, {"script", sdk_.consentScript().get()}};
 }
 
 json::object HostSession::quit(const Object&) {

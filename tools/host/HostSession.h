@@ -8,6 +8,7 @@
 
 #include "quillon/ConsentSDK.h"
 #include "tools/host/HostDevice.h"
+#include "tools/host/HostEvents.h"
 
 namespace quillon::tools {
 
@@ -57,6 +58,10 @@ class HostSession {
   Object preferences(const Object& request);
   Object prompt(const Object& request);
   Object openLink(const Object& request);
+  Object history(const Object& request);
+  Object explain(const Object& request);
+  Object listen(const Object& request);
+  Object consentScript(const Object& request);
   Object quit(const Object& request);
 
   // Runs the function on the main queue, where screens live, and waits until all that it started is over.
@@ -64,6 +69,7 @@ class HostSession {
 
   HostDevice& device_;
   ConsentSDK sdk_;
+  HostEvents events_;
   bool quitting_ = false;
 };
 

@@ -1,17 +1,12 @@
 #include "tools/validate/ValidateCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <expected>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
-#include "core/Configuration/Codec.h"
+#include "tools/ConfigurationFile.h"
 #include "tools/validate/Lint.h"
 
 namespace quillon::tools {
@@ -21,30 +16,6 @@ constexpr const char* footer = R"(
 Each file gets one line on standard output: "FILE: ok", or "FILE: PATH: WHAT" with the first error. The exit status is 0
 when all files are fine, else 1. With --lint, what would disappoint a user follows a file that is fine, one line each:
 "FILE: warning: PATH: WHAT"; warnings do not change the exit status.)";
-
-constexpr std::size_t largestDocument = std::size_t{32} << 20;
-
-// The whole file, or so much of a larger one that decoding refuses it.
-std::expected<std::string, std::string> contentOf(const std::string& path) {
-  const auto failure = [] { return std::unexpected(std::generic_category().message(errno)); };
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
-  if (!file) return failure();
-  std::string content;
-  for (char chunk[65536]; content.size() <= largestDocument;) {
-    const auto wanted = std::min(sizeof chunk, largestDocument + 1 - content.size());
-    const auto count = std::fread(chunk, 1, wanted, file.get());
-    content.append(chunk, count);
-    if (count == wanted) continue;
-    if (std::ferror(file.get())) return failure();
-    break;
-  }
-  return content;
-}
-
-std::expected<MainConfiguration, std::string> configurationOf(const std::string& path) {
-  const auto content = contentOf(path);
-  return content ? decode<MainConfiguration>(*content) : std::unexpected("cannot be read: " + content.error());
-}
 
 // Whether the file is fine.
 bool validate(const std::string& path, bool withLint) {

@@ -129,5 +129,38 @@ TEST_F(ConsentMode, IsLeftAloneUnlessItIsDriven) {
   EXPECT_TRUE(world.sdk->getGCMConsents().get().empty());
 }
 
+TEST_F(ConsentMode, ReachesThePagesOfTheHostInAScriptThatNothingBreaksOutOf) {
+  auto document = validConfiguration();
+  document["is_gcm_enabled"] = true;
+  document["gcm_config"] = {{"default_mapping", {{"analytics_storage", {1}}, {"ad_storage", {1, 3}}}}};
+  document["purposes"].at(0).at("purpose_name") = {
+      {"en", "</script><script>alert('1')//\"\\\u2028\u2029]]><!--\n&__proto__"}};
+  configure(document);
+  start();
+  ASSERT_TRUE(world.sdk->acceptOrReject(true).get());
+  EXPECT_EQ(
+      world.sdk->consentScript().get(),
+      R"(window.quillonConsents={"purposes":[{"id":1,"name":"\u003c/script\u003e\u003cscript\u003ealert('1')//\"\\)"
+      R"(\u2028\u2029]]\u003e\u003c!--\n\u0026__proto__","status":"granted"},{"id":2,"name":"Security","status":"granted"},)"
+      R"({"id":3,"name":"Advertising","status":"declined"}],)"
+      R"("permissions":[{"permission":"NSCameraUsageDescription","status":"granted"},)"
+      R"({"permission":"NSContactsUsageDescription","status":"declined"}]};)"
+      "\nwindow.dataLayer=window.dataLayer||[];\n"
+      "window.gtag=window.gtag||function(){window.dataLayer.push(arguments);};\n"
+      R"(window.gtag('consent','default',{"ad_personalization":"denied","ad_storage":"denied","ad_user_data":"denied",)"
+      R"("analytics_storage":"denied"});)"
+      "\n"
+      R"(window.gtag('consent','update',{"ad_personalization":"denied","ad_storage":"denied","ad_user_data":"denied",)"
+      R"("analytics_storage":"granted"});)"
+      "\n");
+  configure(validConfiguration());
+  world.advance(std::chrono::hours(2));
+  start();
+  EXPECT_EQ(world.sdk->consentScript().get().find("gtag"), std::string::npos) << "no consent mode is configured";
+  World fresh;
+  fresh.restart();
+  EXPECT_EQ(fresh.sdk->consentScript().get(), "window.quillonConsents={\"purposes\":[],\"permissions\":[]};\n");
+}
+
 }  // namespace
 }  // namespace quillon::test

@@ -1,10 +1,10 @@
 #include "ui/Common/WebView/BlockedPage.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "core/Configuration/JsonWriter.h"
+#include "core/Configuration/ScriptText.h"
 #include "core/Configuration/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/webview_blocked_page.h"
@@ -32,25 +32,6 @@ std::size_t placeOfScript(std::string_view page) {
   }
 }
 
-// A text of JSON is one of JavaScript. What could end the script element, or a line in older engines, is escaped too.
-std::string scriptText(std::string_view address) {
-  constexpr std::array<std::pair<std::string_view, std::string_view>, 6> escapes{{{"<", "\\u003c"},
-                                                                                  {">", "\\u003e"},
-                                                                                  {"&", "\\u0026"},
-                                                                                  {"\x7f", "\\u007f"},
-                                                                                  {"\u2028", "\\u2028"},
-                                                                                  {"\u2029", "\\u2029"}}};
-  std::string json;
-  json::writeText(json, address);
-  std::string result;
-  for (std::string_view rest = json; !rest.empty();) {
-    const auto escape = std::ranges::find_if(escapes, [rest](const auto& row) { return rest.starts_with(row.first); });
-    result += escape == escapes.end() ? rest.substr(0, 1) : escape->second;
-    rest.remove_prefix(escape == escapes.end() ? 1 : escape->first.size());
-  }
-  return result;
-}
-
 }  // namespace
 
 BlockedPage::BlockedPage(std::string_view page) {
@@ -74,7 +55,9 @@ BlockedPage BlockedPage::configured(const std::optional<std::string>& name, cons
 std::string BlockedPage::html(std::string_view address) const {
   std::string shown(address.substr(0, longestLink));
   if (address.size() > longestLink) shown += "…";
-  return before_ + scriptText(shown) + after_;
+  std::string json;
+  json::writeText(json, shown);
+  return before_ + scriptText(json) + after_;
 }
 
 bool BlockedPage::isPage(std::string_view html) const {
