@@ -133,7 +133,8 @@ TEST_F(Host, ShowsItsScreensInWords) {
   EXPECT_EQ(ask(R"({"op":"openLink","link":"https://other.example/"})").at("isBlockedPageShowing"), true);
 
   std::string screens;
-  for (const auto& event : ask(R"({"op":"listen"})").at("events").as_array()) {
+  const auto heard = ask(R"({"op":"listen"})");
+  for (const auto& event : heard.at("events").as_array()) {
     if (event.as_object().contains("screen")) {
       screens.append(event.at("event").as_string()).append(" ").append(event.at("screen").as_string()).append("\n");
     }

@@ -96,6 +96,7 @@ void HostScreens::presentPreferenceCenter(Core core) {
 }
 
 void HostScreens::presentSettingsPrompt(Core core, const VantariKey& permission) {
+  if (settingsPrompt) return;
   settingsPrompt = shown(std::make_shared<SettingsPromptViewModel>(loadedBanner(core), permission),
                          core->shown(ScreenKind::settingsPrompt));
 }
