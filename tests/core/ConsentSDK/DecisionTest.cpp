@@ -264,20 +264,6 @@ TEST(Upload, OfTheHostsOwnRequestSettlesThePending) {
   EXPECT_NE(world.log().find("Invalid URL error ocurred.\n::"), std::string::npos);
 }
 
-TEST(Check, RecordsDefaultsWithoutTouchingDecisions) {
-  World world;
-  world.start();
-  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
-  world.sdk->checkConsents().wait();
-  EXPECT_EQ(world.text("1"), "granted");
-  EXPECT_EQ(world.text("2"), "granted") << "essential";
-  EXPECT_EQ(world.text("3"), "declined");
-  ASSERT_EQ(world.uploads().size(), 1u);
-  EXPECT_TRUE(world.stored().pendingPurposes().empty());
-  world.sdk->checkConsents().wait();
-  EXPECT_EQ(world.uploads().size(), 1u) << "nothing changed, nothing is sent";
-}
-
 TEST(Check, DoesNotAnswerAReconsent) {
   World world;
   world.start();

@@ -46,6 +46,9 @@ TEST_F(History, TellsEveryKindOfDecisionWithItsCircumstances) {
   ASSERT_TRUE(world.sdk->set(purpose(1), granted));
   world.tracking = TrackingAuthorization::authorized;
   world.sdk->checkConsents().wait();
+  EXPECT_EQ(world.uploads().size(), 2u);
+  world.sdk->checkConsents().wait();
+  EXPECT_EQ(world.uploads().size(), 2u) << "nothing changed, nothing is sent";
   world.advance(1s);
   ASSERT_TRUE(world.sdk->acceptOrReject(false).get());
   EXPECT_EQ(listed(),
