@@ -97,7 +97,7 @@ std::shared_ptr<SqliteSuite> SqliteSuite::open(std::filesystem::path file, KeyVa
     } else if (opened.error().fault == SuiteFile::Fault::unavailable) {
       ready = std::unexpected(opened.error().text);
     } else {
-      ready = suite->mend(opened.error().text);
+      ready = suite->mend({opened.error().text});
     }
   }
   if (!ready) suite->note("Store " + suite->path_.string() + " cannot be opened: " + ready.error());
@@ -153,7 +153,7 @@ std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
     auto done = attempt(connection, afterPatience(), edit, planned);
     if (done) return {};
     if (!done.error().mendable || attempts == maximumAttempts) return std::unexpected(std::move(done.error().text));
-    if (auto mended = mend(done.error().text); !mended) return mended;
+    if (auto mended = mend(done.error()); !mended) return mended;
   }
 }
 
@@ -200,7 +200,11 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
     if (!done) return std::unexpected(problem(done.error()));
   }
   if (writesJournal) {
-    if (auto done = file_->writeJournal(*planned); !done) return std::unexpected(problem(done.error()));
+    if (auto done = file_->writeJournal(*planned); !done) {
+      Problem found = problem(done.error());
+      found.beginsAnew = done.error().damage();
+      return std::unexpected(std::move(found));
+    }
   }
   if (auto done = file_->commit(afterPatience()); !done) return std::unexpected(problem(done.error()));
   transaction.committed();
@@ -239,7 +243,7 @@ SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
 }
 
 // Leaves a healthy file open at the path, holding what was last known to be committed.
-std::expected<void, std::string> SqliteSuite::mend(const std::string& why) {
+std::expected<void, std::string> SqliteSuite::mend(const Problem& why) {
   const bool wasOpen = file_.has_value();
   std::vector<JournalRecord> journal;
   if (wasOpen && file_->moved()) {
@@ -253,7 +257,7 @@ std::expected<void, std::string> SqliteSuite::mend(const std::string& why) {
   if (!folder) return std::unexpected(folder.error());
   {
     auto found = SuiteFile::open(path_, afterPatience());
-    if (found && found->content.unreadable.empty()) {
+    if (found && found->content.unreadable.empty() && !why.beginsAnew) {
       // Another process was faster, or somebody restored a copy. What stands there counts as it is: adding our keys to
       // it could bring back what has been erased from it since.
       adopt(std::move(*found));
@@ -267,10 +271,10 @@ std::expected<void, std::string> SqliteSuite::mend(const std::string& why) {
   }
 
   const auto aside = SuiteFile::create(path_, *published_, journal, *folder);
-  if (!aside) return std::unexpected(why + "; " + aside.error());
+  if (!aside) return std::unexpected(why.text + "; " + aside.error());
   const auto count = std::to_string(published_->size());
   if (!aside->empty()) {
-    note("Store " + path_.string() + " was damaged (" + why + ") and is kept as " + aside->string() +
+    note("Store " + path_.string() + " was damaged (" + why.text + ") and is kept as " + aside->string() +
          "; a new one was begun with the " + count + " entries known");
   } else if (wasOpen) {
     note("Store " + path_.string() + " had disappeared; it was written again with the " + count + " entries known");

@@ -34,6 +34,8 @@ class SqliteSuite final : public KeyValueSuite {
     std::string text;
     // Mending the file and trying again can help.
     bool mendable = false;
+    // The file opens and reads well, and yet it cannot be kept.
+    bool beginsAnew = false;
   };
   class Transaction;
 
@@ -54,7 +56,7 @@ class SqliteSuite final : public KeyValueSuite {
   std::expected<void, Problem> begin(std::unique_lock<std::mutex>& connection, Deadline deadline);
   std::expected<void, Problem> attempt(std::unique_lock<std::mutex>& connection, Deadline deadline, const Edit& edit,
                                        std::optional<SuiteUpdate>& planned);
-  std::expected<void, std::string> mend(const std::string& why);
+  std::expected<void, std::string> mend(const Problem& why);
 
   const std::filesystem::path path_;
   const KeyValueStore::Report report_;

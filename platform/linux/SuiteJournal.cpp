@@ -64,7 +64,10 @@ SqliteResult<bool> SuiteJournal::prepare(SqliteDatabase& database, Missing missi
                  "SELECT number, mark, text, checksum FROM journal WHERE number<? ORDER BY number DESC LIMIT ?"},
         Prepared{fresh.unsettled,
                  "SELECT number, mark, text, checksum FROM journal WHERE mark='' ORDER BY number DESC"},
-        Prepared{fresh.newest, "SELECT (SELECT min(number) FROM journal), (SELECT max(number) FROM journal)"},
+        // Numbers beyond are none of ours.
+        Prepared{fresh.range,
+                 "SELECT (SELECT min(number) FROM journal), "
+                 "(SELECT max(number) FROM journal WHERE number<4611686018427387904)"},
         Prepared{fresh.put, "INSERT INTO journal VALUES(?, ?, ?, ?)"},
         Prepared{fresh.mark, "UPDATE journal SET mark=?, checksum=? WHERE number=?"}}) {
     auto prepared = database.prepare(sql);
@@ -110,17 +113,14 @@ SqliteResult<> SuiteJournal::settle(const SuiteUpdate& update) {
 }
 
 SqliteResult<> SuiteJournal::append(SqliteDatabase& database, const std::vector<std::string>& texts) {
+  auto present = range();
   for (const auto& text : texts) {
-    if (auto done = dropOldest(database); !done) return done;
-    const auto row = statements_->newest.step();
-    if (!row) return std::unexpected(row.error());
-    const std::int64_t newest = statements_->newest.integer(1).value_or(0);
-    statements_->newest.reset();
-    // No record of ours has such a number.
-    if (newest == std::numeric_limits<std::int64_t>::max()) {
-      return std::unexpected(SqliteError{SQLITE_CORRUPT, "the numbers of its journal are used up"});
+    if (present && present->mayBeFull()) {
+      if (auto done = dropOldest(database); !done) return done;
+      present = range();
     }
-    if (auto done = put(database, {newest + 1, text, {}}); !done) return done;
+    if (!present) return std::unexpected(present.error());
+    if (auto done = put(database, {++present->newest, text, {}}); !done) return done;
   }
   return {};
 }
@@ -138,20 +138,26 @@ SqliteResult<> SuiteJournal::put(SqliteDatabase& database, const JournalRecord& 
   return done;
 }
 
-SqliteResult<> SuiteJournal::dropOldest(SqliteDatabase& database) {
-  const auto row = statements_->newest.step();
+SqliteResult<SuiteJournal::Range> SuiteJournal::range() {
+  const auto row = statements_->range.step();
   if (!row) return std::unexpected(row.error());
-  const std::int64_t oldest = statements_->newest.integer(0).value_or(0);
-  const std::int64_t newest = statements_->newest.integer(1).value_or(0);
-  statements_->newest.reset();
-  constexpr auto most = static_cast<std::int64_t>(maximumJournalRecords);
-  if (oldest >= 0 && newest - oldest < most - 1) return {};
+  const Range range{statements_->range.integer(0).value_or(1), statements_->range.integer(1).value_or(0)};
+  statements_->range.reset();
+  return range;
+}
+
+bool SuiteJournal::Range::mayBeFull() const {
+  return oldest < 0 || newest - oldest >= static_cast<std::int64_t>(maximumJournalRecords) - 1;
+}
+
+SqliteResult<> SuiteJournal::dropOldest(SqliteDatabase& database) {
   // Damaged numbers may lie far apart, so the rows are counted before any of them goes.
-  const auto count = database.ask("SELECT count(*) FROM journal");
-  if (!count) return std::unexpected(count.error());
-  if (std::stoll(*count) < most) return {};
+  const auto counted = database.ask("SELECT count(*) FROM journal");
+  if (!counted) return std::unexpected(counted.error());
+  const std::int64_t excess = std::stoll(*counted) - static_cast<std::int64_t>(maximumJournalRecords);
+  if (excess < 0) return {};
   return database.run(("DELETE FROM journal WHERE number IN (SELECT number FROM journal ORDER BY number LIMIT " +
-                       std::to_string(std::stoll(*count) - most + std::int64_t{journalRecordsDroppedAtOnce}) + ")")
+                       std::to_string(excess + static_cast<std::int64_t>(journalRecordsDroppedAtOnce)) + ")")
                           .c_str());
 }
 

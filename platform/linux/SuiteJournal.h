@@ -35,16 +35,23 @@ class SuiteJournal {
 
  private:
   enum class Missing { create, leave };
+  // Of the numbers of its records.
+  struct Range {
+    std::int64_t oldest;
+    std::int64_t newest;
+    bool mayBeFull() const;
+  };
   // False when there is no table.
   [[nodiscard]] SqliteResult<bool> prepare(SqliteDatabase& database, Missing missing);
   [[nodiscard]] SqliteResult<> settle(const SuiteUpdate& update);
   [[nodiscard]] SqliteResult<> append(SqliteDatabase& database, const std::vector<std::string>& texts);
+  [[nodiscard]] SqliteResult<Range> range();
   [[nodiscard]] SqliteResult<> dropOldest(SqliteDatabase& database);
 
   struct Statements {
     SqliteStatement page;
     SqliteStatement unsettled;
-    SqliteStatement newest;
+    SqliteStatement range;
     SqliteStatement put;
     SqliteStatement mark;
   };

@@ -72,6 +72,12 @@ TEST_F(SuiteJournalTest, DamagedRecordsAreReportedAndNeverInvented) {
   }
   ASSERT_TRUE(record({"f"})) << "the decision counts all the same";
   EXPECT_EQ(listed(), "10:f 1:a 9! 5! 3! 2! ");
+  EXPECT_EQ(shell("UPDATE journal SET number=9223372036854775807 WHERE number=9"), "");
+  ASSERT_TRUE(record({"g"})) << "numbers never run out";
+  EXPECT_EQ(shell("UPDATE journal SET number=4611686018427387904 WHERE number=5"), "");
+  EXPECT_EQ(shell("UPDATE journal SET number=4611686018427387903 WHERE number=3"), "");
+  ASSERT_TRUE(record({"h"})) << "a journal that takes no more is begun anew with what is sound in it";
+  EXPECT_EQ(listed(), "12:h 11:g 10:f 1:a ");
 }
 
 TEST_F(SuiteJournalTest, OutlivesADamagedEntryAndCostsNoEntryWhenItIsDamagedItself) {
