@@ -1,0 +1,9 @@
+#include "tests/faults/Areas.h"
+
+namespace quillon::test {
+
+std::vector<Row> hostRows() {
+  return {};
+}
+
+}  // namespace quillon::test
