@@ -91,7 +91,13 @@ std::shared_ptr<SqliteSuite> SqliteSuite::open(std::filesystem::path file, KeyVa
   std::expected<void, std::string> ready;
   {
     std::lock_guard connection(suite->connectionMutex_);
-    auto opened = SuiteFile::open(suite->path_, afterPatience());
+    const auto deadline = afterPatience();
+    auto opened = SuiteFile::open(suite->path_, deadline);
+    // The application depends on it, so an error that passes is worth another look.
+    for (int attempts = 1; !opened && opened.error().fault == SuiteFile::Fault::unavailable; ++attempts) {
+      if (attempts == maximumAttempts) break;
+      opened = SuiteFile::open(suite->path_, deadline);
+    }
     if (opened) {
       suite->adopt(std::move(*opened));
     } else if (opened.error().fault == SuiteFile::Fault::unavailable) {

@@ -11,6 +11,7 @@ namespace quillon::test {
 
 std::vector<Row> fileRows();
 std::vector<Row> storeRows();
+std::vector<Row> sweepRows();
 std::vector<Row> processRows();
 std::vector<Row> hostRows();
 std::vector<Row> clockRows();
@@ -21,7 +22,8 @@ struct Area {
 };
 
 inline constexpr Area areas[] = {
-    {"Files", fileRows}, {"Store", storeRows}, {"Process", processRows}, {"Host", hostRows}, {"Clock", clockRows},
+    {"Files", fileRows},      {"Store", storeRows}, {"Sweep", sweepRows},
+    {"Process", processRows}, {"Host", hostRows},   {"Clock", clockRows},
 };
 
 }  // namespace quillon::test

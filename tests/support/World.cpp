@@ -47,8 +47,9 @@ boost::json::object& bannerOf(boost::json::object& configuration) {
   return configuration["banner_config"].as_object()["categories"].as_object()["eu"].as_object();
 }
 
-World::World()
-    : clock(std::make_shared<VirtualClock>(WallTime(std::chrono::seconds(startSeconds)))),
+World::World(std::optional<std::filesystem::path> installed)
+    : data(installed.value_or(folder.path() / "data")),
+      clock(std::make_shared<VirtualClock>(WallTime(std::chrono::seconds(startSeconds)))),
       console(std::make_shared<MemoryConsole>()),
       network(std::make_shared<StaticNetworkPath>()),
       permissions(std::make_shared<SettablePermissionSources>()) {
@@ -70,8 +71,7 @@ ConsentSDKOptions World::options() const {
 void World::restart() {
   held_.reset();
   sdk.reset();
-  platform =
-      linuxPlatform({.applicationId = "test", .dataDirectory = folder.path() / "data", .vendorUrl = server.url()});
+  platform = linuxPlatform({.applicationId = "test", .dataDirectory = data, .vendorUrl = server.url()});
   platform.console = console;
   platform.clock = clock;
   platform.network = network;

@@ -29,7 +29,9 @@ inline constexpr std::int64_t startSeconds = 1'700'000'000;
 
 class World {
  public:
-  World();
+  World() : World(std::nullopt) {}
+  // Over data that outlives it, as an installed application has.
+  explicit World(std::optional<std::filesystem::path> installed);
 
   // Options that lead to the server, in English, at location DE.
   ConsentSDKOptions options() const;
@@ -53,8 +55,8 @@ class World {
   // Runs the function on the main queue and waits for it.
   void onMain(const std::function<void()>& function);
 
-  std::filesystem::path file() const { return folder.path() / "data" / "quillon-sdk-cdn.json"; }
-  std::filesystem::path backup() const { return folder.path() / "data" / "quillon-sdk-cdn-backup.json"; }
+  std::filesystem::path file() const { return data / "quillon-sdk-cdn.json"; }
+  std::filesystem::path backup() const { return data / "quillon-sdk-cdn-backup.json"; }
 
   // The bodies of the uploads that the server has seen, parsed.
   std::vector<boost::json::object> uploads() const;
@@ -62,6 +64,7 @@ class World {
   std::string log() const;
 
   TemporaryFolder folder;
+  const std::filesystem::path data;
   ConsentServer server;
   std::shared_ptr<VirtualClock> clock;
   std::shared_ptr<MemoryConsole> console;

@@ -1,0 +1,215 @@
+// A fault at every single system call in turn, while the SDK saves something: afterwards the next process finds all
+// that was acknowledged, and either the old or the new of what was not.
+#include <boost/json.hpp>
+#include <sstream>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/faults/Areas.h"
+#include "tests/faults/SystemCalls.h"
+#include "tests/platform/ChildProcess.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+// What a process said, line by line.
+struct Said {
+  explicit Said(std::string text) : raw(std::move(text)) {
+    std::istringstream lines(raw);
+    for (std::string line; std::getline(lines, line);) {
+      if (line == "prepared") prepared = true;
+      if (line == "struck") struck = true;
+      if (line == "done") done = true;
+      if (line.starts_with("! ")) acknowledged = line.substr(2);
+      if (line.find("[ERROR]") != std::string::npos) errors += line + "\n";
+      if (line == " [ended with wait status " + std::to_string(SIGKILL) + "]") killed = true;
+      if (line == " [ended with wait status " + std::to_string(SIGABRT) + "]") gaveUp = true;
+    }
+  }
+  std::string raw;
+  std::string acknowledged;
+  std::string errors;
+  bool prepared = false;
+  bool struck = false;
+  bool done = false;
+  bool killed = false;
+  bool gaveUp = false;  // the fatal error of a store that cannot be opened
+};
+
+// A part of a run of an application, whose acknowledgements it says aloud.
+struct Work {
+  // Puts what it needs in place, without faults.
+  void (*prepare)(World&);
+  // Done under faults; says what has been acknowledged, word by word.
+  void (*perform)(World&, const std::function<void(std::string_view)>& acknowledge);
+  // Compares what the next process finds with what was acknowledged.
+  void (*check)(Trial&, World&, const Said& said, const std::string& where);
+  bool opens = false;  // the store, which may be given up
+};
+
+boost::json::object version(int number) {
+  auto document = validConfiguration();
+  document["version"] = number;
+  return document;
+}
+
+bool isPending(World& world) {
+  const auto pending = world.stored().pendingPurposes();
+  return std::ranges::find(pending, 1) != pending.end();
+}
+
+constexpr Work savingAConfiguration{
+    .prepare = [](World& world) { world.store(key::cdnCachedTimestamp, std::int64_t{1}); },
+    .perform =
+        [](World& world, const auto&) {
+          world.server.serve(boost::json::serialize(version(6)));
+          world.start();
+        },
+    .check =
+        [](Trial& trial, World& world, const Said&, const std::string& where) {
+          world.start();
+          trial.expect(world.sdk->getStatus() == SDKStatus::ready, where + ": no configuration can be read");
+          trial.expect(world.sdk->getPurposeConsents().get().size() == 3, where + ": the configuration lacks purposes");
+          trial.expect(world.text("1") == "granted", where + ": an earlier decision is gone");
+        },
+};
+
+constexpr Work opening{
+    .prepare = [](World& world) { world.sdk.reset(); },
+    .perform = [](World& world, const auto&) { world.start(); },
+    .check =
+        [](Trial& trial, World& world, const Said&, const std::string& where) {
+          for (const auto* key : {"1", "2"}) {
+            trial.expect(world.text(key) == "granted", where + ": an earlier decision is gone");
+          }
+        },
+    .opens = true,
+};
+
+constexpr Work decision{
+    .prepare = [](World& world) { world.start(); },
+    .perform =
+        [](World& world, const auto& acknowledge) {
+          if (world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn)) acknowledge("withdrawn");
+        },
+    .check =
+        [](Trial& trial, World& world, const Said& said, const std::string& where) {
+          const auto now = world.text("1");
+          trial.expect(now == "withdrawn" || (said.acknowledged.empty() && now == "granted"),
+                       where + ": acknowledged \"" + said.acknowledged + "\", found " + now.value_or("nothing"));
+          trial.expect(!said.acknowledged.empty() || said.killed || !said.errors.empty(),
+                       where + ": refused in silence");
+          trial.expect(now != "withdrawn" || isPending(world), where + ": the decision would never be uploaded");
+          trial.expect(world.text("2") == "granted", where + ": an earlier decision is gone");
+        },
+};
+
+constexpr Work clearingThePending{
+    .prepare =
+        [](World& world) {
+          world.start();
+          world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn);
+        },
+    .perform =
+        [](World& world, const auto& acknowledge) {
+          world.start();
+          world.server.onUpload([&](const auto& request, auto& response) {
+            acknowledge("received");
+            json(R"({"status":0,"message":"saved"})")(request, response);
+          });
+          (void)world.sdk->uploadPendingConsents().get();
+        },
+    .check =
+        [](Trial& trial, World& world, const Said& said, const std::string& where) {
+          trial.expect(world.text("1") == "withdrawn", where + ": the decision is gone");
+          trial.expect(isPending(world) || !said.acknowledged.empty(), where + ": forgotten without an upload");
+        },
+};
+
+Said underFault(const std::filesystem::path& data, const Work& work, Effect effect, int number) {
+  ChildProcess process([&](const ChildProcess::Say& say) {
+    World world(data);
+    world.start();
+    if (!world.sdk->acceptOrReject(true).get()) return say("not prepared");
+    work.prepare(world);
+    if (!work.opens) {
+      world.restart();
+      world.snapshot();
+    }
+    say("prepared\n");
+    breakCalls(data, effect, number);
+    work.perform(world, [&](std::string_view word) { say("! " + std::string(word) + "\n"); });
+    const bool struck = mendCalls();
+    say(world.log() + (struck ? "\nstruck\n" : "\ndone\n"));
+  });
+  return Said(process.finish());
+}
+
+constexpr const char* allAcknowledged = "all that was acknowledged";
+
+// Every call in turn, or every fifth, until the work no longer makes one of that number.
+Seen sweep(Trial& trial, const Work& work, Effect effect) {
+  Seen seen{.status = "ready", .log = {}, .stored = {}};
+  int points = 0;
+  int gaveUp = 0;
+  for (int number = 1; trial.failures().size() < 5; number += trial.rounds(1, 5), ++points) {
+    const TemporaryFolder place(TemporaryFolder::fastParent());
+    const auto data = place.path() / "data";
+    const std::string where = "call " + std::to_string(number);
+    const auto begin = std::chrono::steady_clock::now();
+    const Said said = underFault(data, work, effect, number);
+    trial.expect(std::chrono::steady_clock::now() - begin < std::chrono::seconds(10), where + " hung");
+    const bool ended = said.done || (effect == Effect::kill ? said.killed : said.struck || (work.opens && said.gaveUp));
+    if (!trial.expect(said.prepared && ended, where + ": " + said.raw)) break;
+    seen.log += said.errors;
+    if (said.gaveUp) ++gaveUp;
+    World next(data);
+    work.check(trial, next, said, where);
+    if (said.done) break;
+  }
+  trial.expect(points > 1, "hardly a call was made");
+  seen.stored = gaveUp == 0 ? allAcknowledged : "the process was stopped " + std::to_string(gaveUp) + " times";
+  return seen;
+}
+
+}  // namespace
+
+std::vector<Row> sweepRows() {
+  struct Case {
+    std::string_view name;
+    std::string_view fault;
+    const Work& work;
+    Effect effect;
+    std::string log;
+  };
+  const Case cases[] = {
+      {"open-kill", "killed at each call while it starts", opening, Effect::kill, ""},
+      {"open-eio", "EIO at each call while it starts", opening, Effect::failing, "cannot be read any more"},
+      {"open-eintr", "EINTR at each call while it starts", opening, Effect::interrupted, "cannot be read any more"},
+      {"save-kill", "killed at each call of saving a configuration", savingAConfiguration, Effect::kill, ""},
+      {"save-eio", "EIO at each call of it", savingAConfiguration, Effect::failing, "Error saving CDN"},
+      {"save-full", "the disk full from each call of it on", savingAConfiguration, Effect::full, "Error saving CDN"},
+      {"save-eintr", "EINTR at each call of it", savingAConfiguration, Effect::interrupted, "Failed to store"},
+      {"save-short", "each write of it cut in half", savingAConfiguration, Effect::shortened, ""},
+      {"decide-kill", "killed at each call of storing a decision", decision, Effect::kill, ""},
+      {"decide-eio", "EIO at each call of it", decision, Effect::failing, "Failed to store"},
+      {"decide-full", "the disk full from each call of it on", decision, Effect::full, "Failed to store"},
+      {"decide-eintr", "EINTR at each call of it", decision, Effect::interrupted, "Failed to store"},
+      {"decide-short", "each write of it cut in half", decision, Effect::shortened, ""},
+      {"upload-kill", "killed at each call of an upload", clearingThePending, Effect::kill, ""},
+      {"upload-eio", "EIO at each call of it", clearingThePending, Effect::failing, "Failed to store"},
+      {"upload-full", "the disk full from each call of it on", clearingThePending, Effect::full, "Failed to store"},
+      {"upload-short", "each write of it cut in half", clearingThePending, Effect::shortened, ""},
+  };
+  std::vector<Row> rows;
+  for (const auto& [name, fault, work, effect, log] : cases) {
+    rows.push_back({.name = name,
+                    .fault = fault,
+                    .sees = {"ready", log, allAcknowledged},
+                    .run = [&work = work, effect = effect](Trial& trial) { return sweep(trial, work, effect); },
+                    .limit = std::chrono::seconds(120)});
+  }
+  return rows;
+}
+
+}  // namespace quillon::test

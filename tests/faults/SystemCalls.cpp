@@ -1,0 +1,213 @@
+#include "tests/faults/SystemCalls.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+namespace quillon::test {
+namespace {
+
+enum class Call { looks, needsRoom, writes };
+
+// What a call that is struck does instead of its work.
+enum class Instead { nothing, fail, half };
+
+std::atomic<bool> armed{false};
+std::atomic<int> counted{0};
+std::atomic<bool> struck{false};
+// Set before `armed`, and not changed while it is.
+char folderPath[PATH_MAX];
+std::size_t folderLength = 0;
+Effect current{};
+int currentNumber = 0;
+
+// No library call that could come back here, or allocate.
+bool inFolder(const char* path) {
+  return path != nullptr && std::strncmp(path, folderPath, folderLength) == 0;
+}
+
+bool inFolder(int descriptor) {
+  char link[64];
+  char target[PATH_MAX];
+  std::snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor);
+  const long length = ::syscall(SYS_readlinkat, AT_FDCWD, link, target, sizeof target - 1);
+  if (length <= 0) return false;
+  target[length] = '\0';
+  return inFolder(target);
+}
+
+bool concerns(Effect effect, Call call) {
+  if (effect == Effect::full) return call != Call::looks;
+  return effect != Effect::shortened || call == Call::writes;
+}
+
+template <class Where>
+Instead strike(Call call, Where where) {
+  if (!armed.load(std::memory_order_acquire) || !concerns(current, call)) return Instead::nothing;
+  const int before = errno;
+  const bool ours = inFolder(where);
+  errno = before;
+  if (!ours) return Instead::nothing;
+  const int number = ++counted;
+  if (current == Effect::full ? number < currentNumber : number != currentNumber) return Instead::nothing;
+  struck = true;
+  switch (current) {
+    case Effect::kill:
+      ::syscall(SYS_kill, ::getpid(), SIGKILL);
+      break;
+    case Effect::failing:
+      errno = EIO;
+      return Instead::fail;
+    case Effect::full:
+      errno = ENOSPC;
+      return Instead::fail;
+    case Effect::interrupted:
+      errno = EINTR;
+      return Instead::fail;
+    case Effect::shortened:
+      return Instead::half;
+  }
+  return Instead::nothing;
+}
+
+template <class Where, class... Arguments>
+int passOn(Call kind, Where where, long call, Arguments... arguments) {
+  if (strike(kind, where) == Instead::fail) return -1;
+  return static_cast<int>(::syscall(call, arguments...));
+}
+
+}  // namespace
+
+void breakCalls(const std::filesystem::path& folder, Effect effect, int number) {
+  folderLength = folder.string().copy(folderPath, sizeof folderPath - 1);
+  current = effect;
+  currentNumber = number;
+  counted = 0;
+  struck = false;
+  armed.store(true, std::memory_order_release);
+}
+
+bool mendCalls() {
+  armed = false;
+  return struck;
+}
+
+}  // namespace quillon::test
+
+// These stand before the C library's for the whole process, SQLite included. What is not in the folder goes straight on
+// to the system.
+extern "C" {
+
+using quillon::test::Call;
+using quillon::test::Instead;
+using quillon::test::passOn;
+using quillon::test::strike;
+
+static mode_t modeOf(int flags, va_list rest) {
+  return (flags & (O_CREAT | __O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(rest, unsigned)) : mode_t{0};
+}
+
+static int openAt(const char* path, int flags, mode_t mode) {
+  const auto kind = (flags & O_CREAT) != 0 ? Call::needsRoom : Call::looks;
+  return passOn(kind, path, SYS_openat, AT_FDCWD, path, flags, mode);
+}
+int open(const char* path, int flags, ...) {
+  va_list rest;
+  va_start(rest, flags);
+  const mode_t mode = modeOf(flags, rest);
+  va_end(rest);
+  return openAt(path, flags, mode);
+}
+int open64(const char* path, int flags, ...) {
+  va_list rest;
+  va_start(rest, flags);
+  const mode_t mode = modeOf(flags, rest);
+  va_end(rest);
+  return openAt(path, flags | O_LARGEFILE, mode);
+}
+int mkdir(const char* path, mode_t mode) noexcept {
+  return passOn(Call::needsRoom, path, SYS_mkdirat, AT_FDCWD, path, mode);
+}
+int mknod(const char* path, mode_t mode, dev_t device) noexcept {
+  return passOn(Call::needsRoom, path, SYS_mknodat, AT_FDCWD, path, mode, device);
+}
+
+ssize_t write(int file, const void* bytes, size_t count) {
+  const Instead instead = strike(Call::writes, file);
+  if (instead == Instead::fail) return -1;
+  return ::syscall(SYS_write, file, bytes, instead == Instead::half ? (count + 1) / 2 : count);
+}
+ssize_t pwrite64(int file, const void* bytes, size_t count, off64_t offset) {
+  const Instead instead = strike(Call::writes, file);
+  if (instead == Instead::fail) return -1;
+  return ::syscall(SYS_pwrite64, file, bytes, instead == Instead::half ? (count + 1) / 2 : count, offset);
+}
+int fsync(int file) {
+  return passOn(Call::needsRoom, file, SYS_fsync, file);
+}
+int fdatasync(int file) {
+  return passOn(Call::needsRoom, file, SYS_fdatasync, file);
+}
+int rename(const char* from, const char* to) noexcept {
+  return passOn(Call::needsRoom, from, SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);
+}
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
+  return passOn(Call::needsRoom, from, SYS_renameat2, fromFolder, from, toFolder, to, flags);
+}
+
+ssize_t read(int file, void* bytes, size_t count) {
+  return passOn(Call::looks, file, SYS_read, file, bytes, count);
+}
+ssize_t pread64(int file, void* bytes, size_t count, off64_t offset) {
+  return passOn(Call::looks, file, SYS_pread64, file, bytes, count, offset);
+}
+int ftruncate64(int file, off64_t length) noexcept {
+  return passOn(Call::looks, file, SYS_ftruncate, file, length);
+}
+int unlink(const char* path) noexcept {
+  return passOn(Call::looks, path, SYS_unlinkat, AT_FDCWD, path, 0);
+}
+int fchmod(int file, mode_t mode) noexcept {
+  return passOn(Call::looks, file, SYS_fchmod, file, mode);
+}
+int fchmodat(int folder, const char* path, mode_t mode, int) noexcept {
+  return passOn(Call::looks, path, SYS_fchmodat, folder, path, mode);
+}
+int flock(int file, int operation) noexcept {
+  return passOn(Call::looks, file, SYS_flock, file, operation);
+}
+int fcntl64(int file, int command, ...) {
+  va_list rest;
+  va_start(rest, command);
+  void* argument = va_arg(rest, void*);
+  va_end(rest);
+  return passOn(Call::looks, file, SYS_fcntl, file, command, argument);
+}
+int lstat(const char* path, struct stat* status) noexcept {
+  return passOn(Call::looks, path, SYS_newfstatat, AT_FDCWD, path, status, AT_SYMLINK_NOFOLLOW);
+}
+int lstat64(const char* path, struct stat64* status) noexcept {
+  return passOn(Call::looks, path, SYS_newfstatat, AT_FDCWD, path, status, AT_SYMLINK_NOFOLLOW);
+}
+int stat64(const char* path, struct stat64* status) noexcept {
+  return passOn(Call::looks, path, SYS_newfstatat, AT_FDCWD, path, status, 0);
+}
+int fstat(int file, struct stat* status) noexcept {
+  return passOn(Call::looks, file, SYS_newfstatat, file, "", status, AT_EMPTY_PATH);
+}
+int fstat64(int file, struct stat64* status) noexcept {
+  return passOn(Call::looks, file, SYS_newfstatat, file, "", status, AT_EMPTY_PATH);
+}
+
+}  // extern "C"
