@@ -31,6 +31,10 @@ struct TransparentStringHash {
 // The content of a suite at one moment.
 using SuiteEntries = std::unordered_map<std::string, PropertyValue, TransparentStringHash, std::equal_to<>>;
 
+// A snapshot holds true under this key when something that had been written was lost to damage, and what it was can no
+// longer be told. It stays until it is removed.
+inline constexpr std::string_view lostEntriesKey = "LOST_ENTRIES";
+
 // Keys to write, each with its new value or with nothing to remove it.
 using SuiteChanges = std::map<std::string, std::optional<PropertyValue>, std::less<>>;
 

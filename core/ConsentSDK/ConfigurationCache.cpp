@@ -1,5 +1,7 @@
 #include "core/ConsentSDK/ConfigurationCache.h"
+
 #include "core/Configuration/Codec.h"
+#include "core/ConsentSDK/DocumentSeal.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
@@ -42,7 +44,11 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
 
   std::string error;
   const auto bytes = platform_.files->read(file, maximumFileBytes);
-  if (bytes) {
+  if (!bytes) {
+    error = bytes.error();
+  } else if (!sealIsIntact(*bytes)) {
+    error = "The file is damaged";
+  } else {
     auto configuration = decode<MainConfiguration>(*bytes);
     if (configuration) {
       stamp_ = stamp;
@@ -50,8 +56,6 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
       return decoded_;
     }
     error = configuration.error();
-  } else {
-    error = bytes.error();
   }
   if (!isCache) {
     UnitLog(logger_, sourceFile)(LogLevel::error, "Error reading or decoding CDN: " + error, "readCDNFile(isCache:)");
@@ -122,7 +126,7 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
     }
   }
 
-  if (const auto written = files.write(target, encode(config)); !written) {
+  if (const auto written = files.write(target, sealed(encode(config))); !written) {
     log(LogLevel::error, "Error saving CDN: " + written.error(), function);
     if (!files.stamp(backup)) return;
     if (const auto restored = files.move(backup, target); restored) {

@@ -21,7 +21,8 @@ bool isNotModified(const RequestFailure& failure) {
 Task<ConsentSDK::Core::Loaded> ConsentSDK::Core::getCDNFile() {
   ConfigurationPointer configuration = cache.readCDNFile(true);
   const std::int64_t timestamp = configuration ? store.getInt64(key::cdnCachedTimestamp, now()) : 0;
-  const bool isFresh = configuration && timestamp != 0 && now() - timestamp < staleSeconds;
+  // Nothing was saved in the future: a clock that was put back says nothing about the age.
+  const bool isFresh = configuration && timestamp != 0 && timestamp <= now() && timestamp > now() - staleSeconds;
   if (!isFresh) {
     sdkListener.setReady(SDKStatus::fetching);
     configuration = co_await download(std::move(configuration));

@@ -32,6 +32,7 @@ Task<bool> ConsentSDK::Core::record(Record write) {
       if (transaction.consent(permission.rawValue()) == status) continue;
       PermissionManager::setConsent(transaction, permission, status, DecisionCause::device, present);
     }
+    if (given == GivenType::explicitly) transaction.remove(key::lostEntries);
     // Also an application without purposes has been answered, and so has one whose purposes all stay as they were.
     const bool isExplicit = transaction.consentGivenType() == givenType::explicitly;
     if (given == GivenType::explicitly || (given == GivenType::implicitly && !isExplicit)) {

@@ -122,6 +122,10 @@ bool ConsentSDK::Core::isBannerDue() {
   store.transact([&](StoreTransaction& transaction) {
     const BannerTurn turn = bannerTurn(transaction, *platform.clock);
     if (turn.promotesDefaults) transaction.set(key::consentGivenType, std::string(givenType::explicitly));
+    if (transaction.integer(key::bannerShownDate, now()) > now()) {
+      // The clock was put back since. Counted from now, the interval passes at some time.
+      transaction.set(key::bannerShownDate, now());
+    }
     if (!turn.isDue()) return;
     transaction.set(key::isBannerPresent, true);
     transaction.set(key::bannerShownDate, now());

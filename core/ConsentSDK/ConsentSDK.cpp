@@ -55,16 +55,19 @@ void ConsentSDK::Core::close() {
 void ConsentSDK::Core::onMain(Job job) {
   platform.executors->main()->post([weak = weak_from_this(), job = std::move(job)]() mutable {
     const auto core = weak.lock();
-    if (!core || core->stop.stop_requested()) return;
-    const UnitLog log(core->logger, sourceFile);
-    try {
-      job();
-    } catch (const std::exception& exception) {
-      log(LogLevel::error, "A callback of the host threw: " + escapedForLog(exception.what()), "callback");
-    } catch (...) {
-      log(LogLevel::error, "A callback of the host threw", "callback");
-    }
+    if (core && !core->stop.stop_requested()) core->callHost(job);
   });
+}
+
+void ConsentSDK::Core::callHost(Job& job) {
+  const UnitLog log(logger, sourceFile);
+  try {
+    job();
+  } catch (const std::exception& exception) {
+    log(LogLevel::error, "A callback of the host threw: " + escapedForLog(exception.what()), "callback");
+  } catch (...) {
+    log(LogLevel::error, "A callback of the host threw", "callback");
+  }
 }
 
 std::optional<ConsentSDKOptions> ConsentSDK::Core::currentOptions() const {
@@ -121,7 +124,9 @@ SDKStatus ConsentSDK::getStatus() const {
 }
 
 void ConsentSDK::isReady(std::function<void(SDKStatus)> callback) {
-  if (callback) core_->sdkListener.observe(std::move(callback));
+  if (!callback) return;
+  Job firstReport([core = core_, &callback] { core->sdkListener.observe(std::move(callback)); });
+  core_->callHost(firstReport);
 }
 
 void ConsentSDK::removeListeners() {

@@ -93,6 +93,8 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
 
   // Runs a job of the host's on the main queue, contained, unless the SDK is gone by then.
   void onMain(Job job);
+  // Calls the host; what it throws ends in the log.
+  void callHost(Job& job);
 
   // ConsentSDK+Listeners
   // Takes the changes among the decisions up for the host's listeners; the job delivers them.

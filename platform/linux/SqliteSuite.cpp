@@ -273,6 +273,8 @@ std::expected<void, std::string> SqliteSuite::mend(const Problem& why) {
     if (found) {
       publish(std::move(found->content));
       journal = found->file.salvageJournal();
+    } else if (found.error().fault == SuiteFile::Fault::damaged && !known_) {
+      publish(std::make_shared<const SuiteEntries>(SuiteEntries{{std::string(lostEntriesKey), true}}));
     }
   }
 
@@ -308,6 +310,7 @@ SqliteResult<> SqliteSuite::refresh() const {
 
 void SqliteSuite::publish(SuiteContent content) const {
   version_ = content.version;
+  known_ = true;
   sound_ = content.unreadable.empty();
   publish(std::make_shared<const SuiteEntries>(std::move(content.entries)));
 

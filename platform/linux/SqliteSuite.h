@@ -66,6 +66,7 @@ class SqliteSuite final : public KeyValueSuite {
   mutable std::mutex connectionMutex_;
   mutable std::optional<SuiteFile> file_;          // nothing after an error that spoilt the connection
   mutable std::optional<std::int64_t> version_;    // of the published content; nothing: read it again
+  mutable bool known_ = false;                     // content has been read at some time
   mutable bool sound_ = true;                      // no row of the file is unreadable
   mutable std::set<std::string> unreadableNoted_;  // each of them is reported once
   mutable std::set<std::int64_t> damagedNoted_;    // of the journal, likewise

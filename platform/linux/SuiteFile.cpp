@@ -222,7 +222,7 @@ SqliteResult<SuiteFile::Opened> SuiteFile::tryOpen(const std::filesystem::path& 
   if (!content) return std::unexpected(content.error());
   if (*check != "ok") content->unreadable.push_back("the journal: " + *check);
   // SQLite reads zeros where the last page is cut, and its check is content with some of them.
-  if (file.truncated()) content->unreadable.emplace_back("the end of the file");
+  if (file.truncated()) content->lose("the end of the file");
   return Opened{std::move(file), std::move(*content)};
 }
 
@@ -306,7 +306,7 @@ SqliteResult<SuiteContent> SuiteFile::read() {
       const auto key = select_.text(0).value_or("");
       // One key twice: which of them is the newer cannot be told.
       if (const auto twin = content.entries.find(key); twin != content.entries.end()) content.entries.erase(twin);
-      content.unreadable.push_back(printable(key));
+      content.lose(printable(key));
       continue;
     }
     previous = verified->key;

@@ -30,6 +30,12 @@ struct SuiteContent {
   std::vector<std::string> unreadable;
   // Of the connection that read it: changes when another connection has committed.
   std::int64_t version = 0;
+
+  // Adds to what is unreadable something that may have held entries.
+  void lose(std::string what) {
+    unreadable.push_back(std::move(what));
+    entries.insert_or_assign(std::string(lostEntriesKey), true);
+  }
 };
 
 // An open and healthy file. Not thread-safe. Must not be used across a fork.

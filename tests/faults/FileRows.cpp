@@ -1,42 +1,159 @@
-// The cached configuration and the files it goes through.
+// The cached configuration, and the folder that it lies in.
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <boost/json.hpp>
+#include <random>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "tests/faults/Areas.h"
-#include "tests/support/FailingFileSystem.h"
+#include "tests/faults/Damage.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
 namespace {
 
-// A newer configuration comes while the named change to the files fails.
-Seen newConfigurationWhileFailing(Trial&, std::string_view change) {
+std::string versioned(int version) {
+  auto document = validConfiguration();
+  document["version"] = version;
+  return boost::json::serialize(document);
+}
+
+// Any damage, while the server cannot help: the file counts as what it was, or not at all.
+Seen damagedConfiguration(Trial& trial) {
   World world;
   world.start();
-  world.restart();
-  auto newer = validConfiguration();
-  newer["version"] = 6;
-  world.server.serve(boost::json::serialize(newer));
-  world.store(key::cdnCachedTimestamp, std::int64_t{0});
-  world.amend = [&](Platform& platform) {
-    platform.files = std::make_shared<FailingFileSystem>(
-        platform.files, [change](std::string_view attempted) { return attempted == change; });
-  };
-  world.restart();
+  const auto bytes = fileBytes(world.file());
+  const auto banner = world.sdk->getBannerConfig().get();
+  world.server.onConfiguration(json("{}", 500));
+  for (const auto& damage : damages(bytes.size(), trial)) {
+    setFileBytes(world.file(), damage.done(bytes));
+    world.start();
+    const bool ready = world.sdk->getStatus() == SDKStatus::ready;
+    trial.expect(!ready || world.sdk->getBannerConfig().get() == banner,
+                 damage.name + ": a changed configuration is used");
+    trial.expect(world.text(key::currentComplianceType) == "opt-in" && world.sdk->get(1) == ConsentStatus::declined,
+                 damage.name + ": reads as a consent");
+  }
+  setFileBytes(world.file(), bytes.substr(0, bytes.size() / 2));
   world.start();
-  return {.status = world.sdk->getStatus() == SDKStatus::ready ? "ready" : "unavailable",
-          .log = world.log(),
-          .stored = "version " + std::to_string(world.stored().integer(key::configurationVersion, 0))};
+  return seen(world, "nothing granted");
+}
+
+// Something else stands in the file's place.
+Seen inPlaceOfTheFile(Trial&, const std::function<void(const std::filesystem::path&)>& put) {
+  World world;
+  world.start();
+  std::filesystem::remove(world.file());
+  put(world.file());
+  world.start();
+  return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
+}
+
+// On a small disk of its own, full to the last block.
+Seen fullDisk(Trial& trial) {
+  const TemporaryFolder place;
+  if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      ::mount("none", place.path().c_str(), "tmpfs", 0, "size=256k") != 0) {
+    throw std::runtime_error("may not mount a small disk: needs the rights of root");
+  }
+  Seen result;
+  {
+    World world(place.path() / "data");
+    world.start();
+    trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused before the disk was full");
+    const auto filler = place.path() / "filler";
+    const int file = ::open(filler.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const std::string block(4096, 'x');
+    while (::write(file, block.data(), block.size()) > 0) {
+    }
+    ::close(file);
+    const std::string longSubject(20'000, 's');
+    auto options = world.options();
+    options.subjectId = longSubject;
+    world.server.serve(versioned(6));
+    world.clock->jump(std::chrono::hours(2));
+    world.start(options);
+    trial.expect(world.text(key::subjectId) != longSubject, "stored where there is no room");
+    trial.expect(world.log().find("[ERROR]Failed to store: ") != std::string::npos, "a failed write is not logged");
+    result = seen(world, "1=" + world.text("1").value_or("nothing"));
+    std::filesystem::remove(filler);
+    trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused after room was made");
+    trial.expect(world.text("1") == "withdrawn", "not stored after room was made");
+  }
+  ::umount(place.path().c_str());
+  return result;
+}
+
+// Nothing in the folder may be written: it belongs to another user, or is mounted so.
+Seen readOnlyFolder(Trial& trial) {
+  World world;
+  world.start();
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused at first");
+  world.settle();
+  world.sdk.reset();
+  world.platform = {};
+  for (const auto& path : {world.folder.path(), world.data}) {
+    if (::geteuid() == 0 && ::chown(path.c_str(), 65534, 65534) != 0) throw std::runtime_error("no other owner");
+  }
+  for (const auto& entry : std::filesystem::directory_iterator(world.data)) {
+    if (::geteuid() == 0 && ::chown(entry.path().c_str(), 65534, 65534) != 0)
+      throw std::runtime_error("no other owner");
+    ::chmod(entry.path().c_str(), 0400);
+  }
+  ::chmod(world.data.c_str(), 0500);
+  if (::geteuid() == 0 && ::setuid(65534) != 0) throw std::runtime_error("no other user");
+  world.server.serve(versioned(6));
+  world.restart();
+  world.clock->jump(std::chrono::hours(2));
+  world.start();
+  trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "acknowledged where nothing can be stored");
+  Seen result = seen(world, "1=" + world.text("1").value_or("nothing"));
+  ::chmod(world.data.c_str(), 0700);
+  return result;
 }
 
 }  // namespace
 
 std::vector<Row> fileRows() {
   return {
-      {"write",
-       "a newer configuration cannot be written",
-       {"ready", "Error saving CDN", "version 5"},
-       [](Trial& trial) { return newConfigurationWhileFailing(trial, "write"); }},
+      {"cache-damage",
+       "the cached configuration cut at every length, each byte changed, zeroed in places; no server",
+       {"unavailable", "Failed to fetch CDN File", "nothing granted"},
+       damagedConfiguration},
+      {"cache-folder",
+       "a folder in place of the cached configuration",
+       {"unavailable", "Error saving CDN", "version 5"},
+       [](Trial& trial) {
+         return inPlaceOfTheFile(trial, [](const auto& path) { std::filesystem::create_directory(path); });
+       }},
+      {"cache-pipe",
+       "a pipe in its place",
+       {"ready", "", "version 5"},
+       [](Trial& trial) { return inPlaceOfTheFile(trial, [](const auto& path) { ::mkfifo(path.c_str(), 0600); }); }},
+      {"cache-link",
+       "a link to a device in its place",
+       {"ready", "", "version 5"},
+       [](Trial& trial) {
+         return inPlaceOfTheFile(trial, [](const auto& path) { std::filesystem::create_symlink("/dev/zero", path); });
+       }},
+      {"cache-huge",
+       "a file of 5 GB in its place",
+       {"ready", "", "version 5"},
+       [](Trial& trial) {
+         return inPlaceOfTheFile(trial, [](const auto& path) {
+           setFileBytes(path, "{");
+           std::filesystem::resize_file(path, std::uintmax_t{5} << 30);
+         });
+       }},
+      {"disk-full", "the disk is full, and later has room again", {"ready", "Error saving CDN", "1=granted"}, fullDisk},
+      {"read-only",
+       "the folder and its files may only be read",
+       {"ready", "Error saving CDN", "1=granted"},
+       readOnlyFolder},
   };
 }
 

@@ -1,9 +1,185 @@
+// The durable store.
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <boost/json.hpp>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "tests/faults/Areas.h"
+#include "tests/faults/Damage.h"
+#include "tests/platform/ChildProcess.h"
+#include "tests/support/World.h"
 
 namespace quillon::test {
+namespace {
+
+std::filesystem::path storeOf(const World& world) {
+  return world.data / "quillon-cmp-sdk.sqlite";
+}
+
+// A store in which 1 was withdrawn, 2 granted and 3 declined, under a law whose default is a consent, and then damaged
+// in any way: only 2 may ever read as granted, whatever else is lost, and the store goes on.
+Seen damagedStore(Trial& trial) {
+  const TemporaryFolder place(TemporaryFolder::fastParent());
+  const auto data = place.path() / "data";
+  std::string bytes;
+  {
+    World world(data);
+    world.store(key::currentComplianceType, std::string("opt-out"));
+    world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn);
+    world.sdk->set({.purposeId = 2}, ConsentStatus::granted);
+    world.sdk->set({.purposeId = 3}, ConsentStatus::declined);
+    bytes = fileBytes(storeOf(world));
+  }
+  Seen last;
+  std::string log;
+  for (const auto& damage : damages(bytes.size(), trial)) {
+    std::filesystem::remove_all(data);
+    std::filesystem::create_directory(data);
+    World world(data);
+    setFileBytes(storeOf(world), damage.done(bytes));
+    world.restart();
+    for (const int purpose : {1, 3}) {
+      trial.expect(world.sdk->get(purpose) != ConsentStatus::granted,
+                   damage.name + ": " + std::to_string(purpose) + " reads as a consent");
+    }
+    if (!trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn),
+                      damage.name + ": cannot be written") ||
+        trial.failures().size() > 5) {
+      break;
+    }
+    world.settle();
+    last = seen(world, "1=" + world.text("1").value_or("nothing"));
+    log += last.log;
+  }
+  last.log = log;
+  return last;
+}
+
+// The user answers the banner after the loss: from then on the default of the law holds again.
+Seen answerAfterALoss(Trial& trial) {
+  World world;
+  auto document = validConfiguration();
+  bannerOf(document)["compliance_type"] = "opt-out";
+  world.server.serve(boost::json::serialize(document));
+  world.start();
+  trial.expect(world.sdk->get(99) == ConsentStatus::granted, "under opt-out an undecided purpose is not granted");
+  world.sdk->acceptOrReject(false).get();
+  world.sdk.reset();
+  world.platform = {};
+  setFileBytes(storeOf(world), "rubbish");
+  world.start();
+  trial.expect(world.sdk->get(1) == ConsentStatus::declined, "a lost refusal reads as a consent");
+  trial.expect(world.sdk->isBannerDue(), "the user is not asked again");
+  world.sdk->checkConsents().get();
+  trial.expect(world.sdk->get(1) == ConsentStatus::declined, "a default was recorded as a consent");
+  world.settle();
+  Seen result = seen(world, {});
+  world.sdk->acceptOrReject(true).get();
+  trial.expect(world.sdk->get(99) == ConsentStatus::granted, "the answer did not bring back the default");
+  result.stored = "1=" + world.text("1").value_or("nothing");
+  return result;
+}
+
+// Something that is no store stands in its place: the one error that stops the application.
+Seen inPlaceOfTheStore(Trial& trial, const std::function<void(const std::filesystem::path&)>& put) {
+  const TemporaryFolder place;
+  const auto data = place.path() / "data";
+  std::filesystem::create_directory(data);
+  put(data / "quillon-cmp-sdk.sqlite");
+  ChildProcess process([&](const auto&) {
+    ::dup2(1, 2);
+    World world(data);
+    world.start();
+  });
+  const auto said = process.finish();
+  trial.expect(said == " [ended with wait status 6]", "it ended otherwise: " + said);
+  return {.status = "stopped", .log = {}, .stored = {}};
+}
+
+// Values of types that the keys never had, as another version might leave them.
+Seen wrongTypes(Trial& trial) {
+  const PropertyValue values[] = {true,
+                                  std::int64_t{1},
+                                  std::numeric_limits<std::int64_t>::min(),
+                                  std::numeric_limits<std::int64_t>::max(),
+                                  std::string("granted"),
+                                  PropertyDate(std::chrono::milliseconds(5)),
+                                  std::vector<std::int64_t>{1},
+                                  std::vector<std::string>{"granted"}};
+  Seen last;
+  for (const auto& value : values) {
+    World world;
+    for (const auto& key : key::all) world.store(key, value);
+    for (const auto* key : {"1", "2", "3", "NSCameraUsageDescription"}) {
+      if (!std::holds_alternative<std::string>(value)) world.store(key, value);
+    }
+    world.store("OF_A_LATER_VERSION", std::string("kept"));
+    world.start();
+    trial.expect(world.sdk->get(1) == ConsentStatus::declined, "a value of another type reads as a consent");
+    trial.expect(world.sdk->isBannerDue() || !std::holds_alternative<std::string>(value), "the user is never asked");
+    world.sdk->checkConsents().get();
+    trial.expect(world.sdk->acceptOrReject(false).get(), "no answer can be stored any more");
+    world.settle();
+    trial.expect(world.uploads().size() > 0, "nothing is uploaded any more");
+    trial.expect(world.text("OF_A_LATER_VERSION") == "kept", "a key of a later version is gone");
+    last = seen(world, "1=" + world.text("1").value_or("nothing"));
+  }
+  return last;
+}
+
+// SQLite gets no more memory than so much above what it has.
+Seen withoutMemory(Trial& trial) {
+  World world;
+  world.start();
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused at first");
+  int refused = 0;
+  auto current = ConsentStatus::granted;
+  for (int spare = 0; spare < 40'000; spare += trial.rounds(500, 5000)) {
+    const auto next = current == ConsentStatus::granted ? ConsentStatus::withDrawn : ConsentStatus::granted;
+    sqlite3_hard_heap_limit64(sqlite3_memory_used() + spare + 1);
+    const bool stored = world.sdk->set({.purposeId = 1}, next);
+    sqlite3_hard_heap_limit64(0);
+    refused += stored ? 0 : 1;
+    if (stored) current = next;
+    trial.expect(world.sdk->get(1) == current, "the store holds something else than acknowledged");
+  }
+  trial.expect(refused > 0, "memory was never short");
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused with memory again");
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+}  // namespace
 
 std::vector<Row> storeRows() {
-  return {};
+  return {
+      {"store-damage",
+       "the store cut at every length, each byte changed, zeroed in places, 200 times several bits",
+       {"unavailable", "damaged", "1=withdrawn"},
+       damagedStore,
+       std::chrono::seconds(600)},
+      {"store-lost",
+       "the store overwritten, and the banner answered anew",
+       {"ready", "damaged", "1=granted"},
+       answerAfterALoss},
+      {"store-folder",
+       "a folder in place of the store",
+       {"stopped", "", ""},
+       [](Trial& trial) {
+         return inPlaceOfTheStore(trial, [](const auto& path) { std::filesystem::create_directory(path); });
+       }},
+      {"store-link",
+       "a link in its place",
+       {"stopped", "", ""},
+       [](Trial& trial) {
+         return inPlaceOfTheStore(trial, [](const auto& path) { std::filesystem::create_symlink("other", path); });
+       }},
+      {"store-types", "each key holds a value of each wrong type", {"ready", "", "1=declined"}, wrongTypes},
+      {"store-memory",
+       "SQLite runs out of memory at every point of a decision",
+       {"ready", "Failed to store", "1=withdrawn"},
+       withoutMemory},
+  };
 }
 
 }  // namespace quillon::test

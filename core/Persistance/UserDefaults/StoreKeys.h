@@ -5,6 +5,8 @@
 #include <array>
 #include <string_view>
 
+#include "platform/KeyValueSuite.h"
+
 namespace quillon::key {
 
 inline constexpr std::string_view suiteName = "quillon-cmp-sdk";
@@ -37,6 +39,8 @@ inline constexpr std::string_view etag = "Etag";
 inline constexpr std::string_view currentCountryCode = "curr_countryCode";
 inline constexpr std::string_view currentLocation = "curr_location";
 inline constexpr std::string_view currentLocationTimestamp = "curr_location_timestamp";
+// True after the store was damaged, until the user has answered anew.
+inline constexpr std::string_view lostEntries = lostEntriesKey;
 
 // Every name above that is the SDK's own.
 inline constexpr std::array all{arePurposesChanged,
@@ -65,7 +69,8 @@ inline constexpr std::array all{arePurposesChanged,
                                 etag,
                                 currentCountryCode,
                                 currentLocation,
-                                currentLocationTimestamp};
+                                currentLocationTimestamp,
+                                lostEntries};
 
 // Whether a name reads as the identifier of a purpose.
 [[nodiscard]] constexpr bool isPurpose(std::string_view name) noexcept {

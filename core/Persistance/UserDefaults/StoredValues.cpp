@@ -57,7 +57,8 @@ ComplianceType StoredValues::complianceType() const {
 }
 
 ConsentStatus StoredValues::complianceDefault() const {
-  return complianceType() == ComplianceType::optIn ? ConsentStatus::declined : ConsentStatus::granted;
+  const bool asks = complianceType() == ComplianceType::optIn || boolean(key::lostEntries);
+  return asks ? ConsentStatus::declined : ConsentStatus::granted;
 }
 
 std::string StoredValues::consentGivenType() const {

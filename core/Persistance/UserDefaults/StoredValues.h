@@ -41,7 +41,8 @@ class StoredValues {
   ConsentStatus consentOrDefault(std::string_view purpose) const {
     return consent(purpose).value_or(complianceDefault());
   }
-  // The status that a purpose has without a decision: declined under opt-in, else granted.
+  // The status that a purpose has without a decision: declined under opt-in, else granted. Declined also after a loss,
+  // which may have been that of a refusal.
   ConsentStatus complianceDefault() const;
   ComplianceType complianceType() const;
   // How the present consents came about; "CONSENT_NO_ACTION" when nothing was given yet.

@@ -1,0 +1,34 @@
+#include "core/ConsentSDK/DocumentSeal.h"
+
+#include <boost/crc.hpp>
+
+namespace quillon {
+namespace {
+
+constexpr std::size_t bits = 32;
+// No single changed bit makes one of them of the other.
+constexpr char zero = ' ';
+constexpr char one = '\t';
+
+std::string sealOf(std::string_view document) {
+  boost::crc_32_type crc;
+  crc.process_bytes(document.data(), document.size());
+  std::string seal = "\n";
+  for (std::size_t bit = 0; bit < bits; ++bit) seal += (crc.checksum() >> bit & 1) != 0 ? one : zero;
+  return seal;
+}
+
+}  // namespace
+
+std::string sealed(std::string document) {
+  return document + sealOf(document);
+}
+
+bool sealIsIntact(std::string_view bytes) {
+  const auto end = bytes.find_last_not_of(" \t\r\n") + 1;
+  // Less white space is not a seal, or one that was cut off behind a whole document.
+  if (bytes.size() - end <= bits) return true;
+  return bytes.substr(end) == sealOf(bytes.substr(0, end));
+}
+
+}  // namespace quillon
