@@ -20,6 +20,8 @@ class FileDescriptor {
   }
 
   [[nodiscard]] int get() const { return descriptor_; }
+  // Leaves it open, for somebody else to close.
+  int release() { return std::exchange(descriptor_, -1); }
   explicit operator bool() const { return descriptor_ >= 0; }
 
  private:

@@ -13,6 +13,7 @@
 #include "platform/linux/AsioExecutors.h"
 #include "platform/linux/CurlHttpSession.h"
 #include "platform/linux/EnvironmentLocale.h"
+#include "platform/linux/FileCalls.h"
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxHostApplication.h"
 #include "platform/linux/NetlinkPathMonitor.h"
@@ -116,9 +117,20 @@ Platform replaced(const Platform& ours, const std::function<void(Platform&)>& re
   return theirs;
 }
 
+// A process started without standard input, output or error would give their numbers to our files and connections, and
+// what the application prints would go there.
+void occupyStandardDescriptors() {
+  for (;;) {
+    auto nowhere = openFile("/dev/null", O_RDWR);
+    if (!nowhere || nowhere.get() > STDERR_FILENO) return;
+    (void)nowhere.release();
+  }
+}
+
 }  // namespace
 
 Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresenter> screens) {
+  occupyStandardDescriptors();
   const fs::path folder = dataDirectory(options);
   Platform platform;
   platform.console = std::make_shared<StandardConsole>();

@@ -7,6 +7,7 @@
 
 #include "platform/linux/FileCalls.h"
 #include "platform/linux/Folder.h"
+#include "platform/linux/HeldWriteSignals.h"
 
 namespace quillon {
 
@@ -114,6 +115,7 @@ FileSystem::Result<std::string> PosixFileSystem::read(const std::filesystem::pat
 }
 
 FileSystem::Result<void> PosixFileSystem::write(const std::filesystem::path& file, std::string_view bytes) {
+  const HeldWriteSignals held;
   const auto folder = Folder::openLocked(file.parent_path(), std::chrono::steady_clock::now() + turnLimit);
   if (!folder) return std::unexpected(folder.error());
 

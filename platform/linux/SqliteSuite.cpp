@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/linux/Folder.h"
+#include "platform/linux/HeldWriteSignals.h"
 #include "platform/parts/Contained.h"
 
 namespace quillon {
@@ -90,6 +91,7 @@ std::shared_ptr<SqliteSuite> SqliteSuite::open(std::filesystem::path file, KeyVa
   const std::shared_ptr<SqliteSuite> suite(new SqliteSuite(std::move(file), std::move(report)));
   std::expected<void, std::string> ready;
   {
+    const HeldWriteSignals held;
     std::lock_guard connection(suite->connectionMutex_);
     const auto deadline = afterPatience();
     auto opened = SuiteFile::open(suite->path_, deadline);
@@ -139,6 +141,7 @@ void SqliteSuite::probe() const {
 
 std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
   auto done = [&]() -> std::expected<void, std::string> {
+    const HeldWriteSignals held;
     try {
       return updateInTurn(edit);
     } catch (const std::exception& error) {

@@ -2,12 +2,14 @@
 
 #include <cstdio>
 
+#include "platform/linux/HeldWriteSignals.h"
 #include "platform/parts/FatalError.h"
 
 namespace quillon {
 
 // The stream's own lock, so that a block does not mix with what the host prints either.
 void StandardConsole::write(std::string_view block) {
+  const HeldWriteSignals held;
   flockfile(stdout);
   fwrite_unlocked(block.data(), 1, block.size(), stdout);
   putc_unlocked('\n', stdout);

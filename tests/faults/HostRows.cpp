@@ -1,9 +1,132 @@
+// What the host's own code does in its callbacks.
+#include <future>
+
+#include "platform/parts/FunctionConsentSink.h"
+#include "quillon/SDKLogger.h"
 #include "tests/faults/Areas.h"
+#include "tests/faults/Damage.h"
+#include "tests/support/World.h"
 
 namespace quillon::test {
+namespace {
+
+[[noreturn]] void fail() {
+  throw std::runtime_error("host\nfault");
+}
+
+// Every callback that a host can give throws.
+Seen callbacksThatThrow(Trial& trial) {
+  World world;
+  auto document = validConfiguration();
+  document["gcm_config"] = {{"DE", {{"ad_storage", {1}}}}};
+  world.server.serve(boost::json::serialize(document));
+  world.amend = [](Platform& platform) {
+    platform.consentSink = std::make_shared<FunctionConsentSink>([](const auto&) { fail(); });
+  };
+  world.restart();
+  world.sdk->isReady([](SDKStatus) { fail(); });
+  world.start();
+  auto& sdk = *world.sdk;
+  sdk.getPurposeConsents([](const auto&) { fail(); });
+  sdk.getPermissionConsents([](const auto&) { fail(); });
+  sdk.checkConsentBy(VantariKey::cameraUsageDescription, [](ConsentStatus) { throw 7; });
+  sdk.getGCMConsents([](const auto&) { fail(); });
+  sdk.getBannerConfig(std::nullopt, [](const auto&) { fail(); });
+  sdk.getSettingsPrompt([](const auto&) { fail(); });
+  sdk.getGCMConfig([](const auto&) { fail(); });
+  sdk.checkConsents([] { fail(); });
+  sdk.acceptOrReject(true, [](bool) { fail(); });
+  sdk.uploadPendingConsents([](bool) { fail(); });
+  world.settle();
+  trial.expect(sdk.uploadPendingConsents().get(), "uploads no longer work");
+  trial.expect(world.log().find("A callback of the host threw: host\\nfault") != std::string::npos,
+               "what was thrown is not in the log");
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+// Callbacks use the facade they were called by, on the main queue, and wait there for answers.
+Seen callbacksThatCallBack(Trial& trial) {
+  World world;
+  std::promise<void> done;
+  world.restart();
+  world.sdk->isReady([&](SDKStatus status) {
+    if (status != SDKStatus::ready) return;
+    world.sdk->removeListeners();
+    world.sdk->isReady([](SDKStatus) {});
+    world.sdk->set({.purposeId = 1}, ConsentStatus::granted);
+    trial.expect(world.sdk->getPurposeConsents().get().size() == 3, "no answer within a callback");
+    trial.expect(world.sdk->acceptOrReject(true).get(), "no answer stored within a callback");
+    world.sdk->setup(world.options());
+    world.sdk->logger().log("within a callback", LogLevel::info, "fault", "HostRows", __LINE__);
+    world.sdk->checkConsents([&] {
+      world.sdk->removeListeners();
+      done.set_value();
+    });
+  });
+  world.start();
+  trial.expect(done.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready,
+               "no callback any more");
+  world.settle();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+// The SDK is destroyed by its own callback.
+Seen callbackThatDestroys(Trial& trial) {
+  World world;
+  std::promise<void> done;
+  world.restart();
+  world.sdk->setup(world.options());
+  world.sdk->settled().wait();
+  world.sdk->acceptOrReject(true, [&](bool) {
+    world.sdk.reset();
+    done.set_value();
+  });
+  trial.expect(done.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready,
+               "no callback any more");
+  world.restart();
+  world.start();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+// A host whose main queue loses every job, or refuses them: nothing that does not need it waits for it.
+Seen mainQueueThatLoses(Trial& trial) {
+  World world;
+  class Losing : public Executors {
+   public:
+    explicit Losing(std::shared_ptr<Executors> real) : real_(std::move(real)) {}
+    std::shared_ptr<Executor> main() override { return std::make_shared<Nowhere>(); }
+    std::shared_ptr<Executor> background() override { return real_->background(); }
+    std::shared_ptr<Executor> serial(std::string label) override { return real_->serial(std::move(label)); }
+
+   private:
+    struct Nowhere : Executor {
+      void post(Job) override {}
+    };
+    std::shared_ptr<Executors> real_;
+  };
+  world.amend = [](Platform& platform) { platform.executors = std::make_shared<Losing>(platform.executors); };
+  world.start();
+  world.sdk->checkConsents([&] { trial.expect(false, "called where there is no queue"); });
+  trial.expect(world.sdk->acceptOrReject(true).get(), "a decision waits for the main queue");
+  world.sdk->settled().wait();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+}  // namespace
 
 std::vector<Row> hostRows() {
-  return {};
+  return {
+      {"callbacks-throw",
+       "every callback throws",
+       {"ready", "A callback of the host threw", "1=granted"},
+       callbacksThatThrow},
+      {"callbacks-call-back",
+       "callbacks call the facade, wait in it and unregister themselves",
+       {"ready", "", "1=granted"},
+       callbacksThatCallBack},
+      {"callback-destroys", "a callback destroys the SDK", {"ready", "", "1=granted"}, callbackThatDestroys},
+      {"main-queue-loses", "the host's main queue loses every job", {"ready", "", "1=granted"}, mainQueueThatLoses},
+  };
 }
 
 }  // namespace quillon::test

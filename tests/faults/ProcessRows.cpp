@@ -1,9 +1,368 @@
+// What becomes of the process that the SDK lives in, and what it shares with others.
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <boost/json.hpp>
+#include <cstdio>
+#include <thread>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/linux/StandardConsole.h"
+#include "quillon/LinuxPlatform.h"
 #include "tests/faults/Areas.h"
+#include "tests/faults/Damage.h"
+#include "tests/platform/ChildProcess.h"
+#include "tests/support/World.h"
+#include "tests/tools/ToolProcess.h"
 
 namespace quillon::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Forks, and ends the child by the front door after the work. Nothing: it did not end in time and was killed.
+std::optional<int> leave(const std::function<void()>& work, std::chrono::milliseconds limit = 10s) {
+  const pid_t process = ::fork();
+  if (process < 0) throw std::runtime_error("no process");
+  if (process == 0) {
+    work();
+    std::exit(0);
+  }
+  const int ended = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
+  pollfd waiting{.fd = ended, .events = POLLIN, .revents = 0};
+  const bool inTime = ::poll(&waiting, 1, static_cast<int>(limit.count())) > 0;
+  ::close(ended);
+  if (!inTime) ::kill(process, SIGKILL);
+  int status = 0;
+  while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
+  }
+  return inTime ? std::optional(status) : std::nullopt;
+}
+
+std::string text(const std::optional<int>& status) {
+  return status ? "wait status " + std::to_string(*status) : "hung";
+}
+
+// The application's one instance, as a program has it, that is never taken down by hand.
+ConsentSDK& sharedInstance(const std::filesystem::path& data, const ConsentServer& server) {
+  configure({.applicationId = "test", .dataDirectory = data, .vendorUrl = server.url()});
+  auto& sdk = ConsentSDK::shared();
+  sdk.setup({.appUrl = server.url(), .cdnUrl = server.url(), .tenantId = "t1", .appId = "a1", .locationCode = "DE"});
+  return sdk;
+}
+
+// main() returns while the SDK loads, stores and uploads, against a server that never answers.
+Seen leavingMain(Trial& trial) {
+  World world;
+  world.start();
+  world.sdk.reset();
+  world.platform = {};
+  int round = 0;
+  // What has the process begun when it leaves?
+  const std::function<void(ConsentSDK&)> moments[] = {
+      [](ConsentSDK&) {},
+      [](ConsentSDK& sdk) { sdk.settled().wait_for(5ms); },
+      [](ConsentSDK& sdk) { sdk.set({.purposeId = 1}, ConsentStatus::granted); },
+      [](ConsentSDK& sdk) { (void)sdk.acceptOrReject(true); },
+      [](ConsentSDK& sdk) { sdk.checkConsents([] {}); },
+      [](ConsentSDK& sdk) { std::thread([&sdk] { sdk.checkConsents().wait(); }).detach(); },
+  };
+  for (const auto& moment : moments) {
+    for (const bool stalls : {false, true}) {
+      const auto status = leave([&] {
+        ConsentServer server;
+        std::promise<void> never;
+        if (stalls) {
+          // Nobody ever accepts what comes here.
+          const int silent = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+          sockaddr_in address{
+              .sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+          socklen_t size = sizeof address;
+          ::bind(silent, reinterpret_cast<sockaddr*>(&address), size);
+          ::listen(silent, 1);
+          ::getsockname(silent, reinterpret_cast<sockaddr*>(&address), &size);
+          const std::string url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
+          configure({.applicationId = "test", .dataDirectory = world.data, .vendorUrl = url});
+          ConsentSDK::shared().setup({.appUrl = url, .cdnUrl = url, .tenantId = "t1", .appId = "a1"});
+          moment(ConsentSDK::shared());
+          std::exit(0);
+        }
+        moment(sharedInstance(world.data, server));
+        std::exit(0);
+      });
+      trial.expect(status == 0, "moment " + std::to_string(round++) + ": " + text(status));
+    }
+  }
+  world.start();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+// The host forks while the SDK is at work; the children leave, and the SDK goes on.
+Seen fork(Trial& trial) {
+  World world;
+  auto& sdk = sharedInstance(world.data, world.server);
+  for (int round = 0; round < trial.rounds(100, 10); ++round) {
+    if (round % 2 == 0) sdk.checkConsents([] {});
+    const auto status = leave([] {});
+    if (!trial.expect(status == 0, "child " + std::to_string(round) + ": " + text(status))) break;
+  }
+  sdk.settled().wait();
+  trial.expect(sdk.getStatus() == SDKStatus::ready, "the parent is not ready");
+  trial.expect(sdk.set({.purposeId = 1}, ConsentStatus::granted), "the parent cannot store");
+  trial.expect(sdk.uploadPendingConsents().get(), "the parent cannot upload");
+  world.restart();
+  return {.status = "ready", .log = world.log(), .stored = "1=" + world.text("1").value_or("nothing")};
+}
+
+// Three descriptors are free that the world takes for standard input, output and error.
+Seen closedDescriptors(Trial& trial) {
+  World world;
+  const int error = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 10);
+  for (const int descriptor : {0, 1, 2}) ::close(descriptor);
+  {
+    std::atomic<bool> over = false;
+    const auto isOurs = [](int descriptor) {
+      std::error_code none;
+      return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none) != "/dev/null";
+    };
+    world.amend = [](Platform& platform) { platform.console = std::make_shared<StandardConsole>(); };
+    world.restart();
+    for (const int descriptor : {0, 1, 2}) {
+      trial.expect(!isOurs(descriptor),
+                   "descriptor " + std::to_string(descriptor) + " is a file or connection of ours");
+    }
+    std::jthread printing([&] {
+      while (!over) {
+        std::printf("the application prints\n");
+        std::fflush(stdout);
+      }
+    });
+    for (int round = 0; round < trial.rounds(50, 10); ++round) {
+      world.start();
+      world.clock->jump(2h);
+      trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "a decision cannot be stored");
+      trial.expect(world.sdk->getStatus() == SDKStatus::ready, "not ready");
+      trial.expect(fileBytes(world.file()).find("prints") == std::string::npos, "what was printed is in our file");
+    }
+    over = true;
+  }
+  ::dup2(error, STDERR_FILENO);
+  world.amend = nullptr;
+  world.restart();
+  world.start();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+// Files may not grow beyond a limit, and the signal that says so ends a process that does not expect it.
+Seen fileSizeLimit(Trial& trial) {
+  World world;
+  world.start();
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused at first");
+  auto newer = validConfiguration();
+  newer["version"] = 6;
+  world.server.serve(boost::json::serialize(newer));
+  world.clock->jump(2h);
+  rlimit limit{};
+  ::getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit none{.rlim_cur = 100, .rlim_max = limit.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &none);
+  trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "acknowledged without being stored");
+  world.start();
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  Seen result = seen(world, "1=" + world.text("1").value_or("nothing"));
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused without a limit");
+  // A signal of the host's own is not swallowed.
+  ::signal(SIGXFSZ, SIG_DFL);
+  trial.expect(leave([] { ::raise(SIGXFSZ); }) != 0, "the signal no longer does what the host wants");
+  return result;
+}
+
+// Peers hang up in the middle, and standard output is a pipe that nobody reads.
+Seen brokenPipes(Trial& trial) {
+  int ends[2];
+  if (::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+  ::close(ends[0]);
+  const int output = ::dup(STDOUT_FILENO);
+  ::dup2(ends[1], STDOUT_FILENO);
+  World world;
+  ::signal(SIGPIPE, SIG_DFL);  // the server has changed it
+  world.start();
+  const int closing = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+  socklen_t size = sizeof address;
+  ::bind(closing, reinterpret_cast<sockaddr*>(&address), size);
+  ::listen(closing, 8);
+  ::getsockname(closing, reinterpret_cast<sockaddr*>(&address), &size);
+  std::jthread hangingUp([closing] {
+    const linger reset{.l_onoff = 1, .l_linger = 0};
+    for (int peer = 0; (peer = ::accept(closing, nullptr, nullptr)) >= 0; ::close(peer)) {
+      char byte = 0;
+      (void)::recv(peer, &byte, 1, 0);
+      ::setsockopt(peer, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+    }
+  });
+  auto options = world.options();
+  options.appUrl = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
+  world.start(options);
+  world.sdk->set({.purposeId = 1}, ConsentStatus::granted);
+  for (int round = 0; round < trial.rounds(50, 5); ++round) {
+    trial.expect(!world.sdk->uploadPendingConsents().get(), "an upload succeeded without an answer");
+  }
+  StandardConsole().write("to nobody");
+  ::dup2(output, STDOUT_FILENO);
+  ::shutdown(closing, SHUT_RDWR);
+  const auto pending = world.stored().pendingPurposes();
+  return seen(world, "1=" + world.text("1").value_or("nothing") + (pending.empty() ? "" : ", pending"));
+}
+
+// The process may open no more files.
+Seen noDescriptors(Trial& trial) {
+  World world;
+  world.start();
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused at first");
+  world.settle();
+  rlimit limit{};
+  ::getrlimit(RLIMIT_NOFILE, &limit);
+  const rlimit none{.rlim_cur = 3, .rlim_max = limit.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  const bool stored = world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn);
+  trial.expect(world.sdk->get(1) == (stored ? ConsentStatus::withDrawn : ConsentStatus::granted),
+               "something else than acknowledged");
+  world.clock->jump(2h);
+  world.start();
+  trial.expect(!world.sdk->uploadPendingConsents().get(), "an upload without a connection");
+  ::setrlimit(RLIMIT_NOFILE, &limit);
+  Seen result = seen(world, {});
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::declined), "refused with descriptors again");
+  trial.expect(world.sdk->uploadPendingConsents().get(), "no upload with descriptors again");
+  result.stored = "1=" + world.text("1").value_or("nothing");
+  return result;
+}
+
+// Two processes of one application decide at once, each about a purpose of its own.
+Seen twoProcesses(Trial& trial) {
+  const TemporaryFolder place;
+  const auto data = place.path() / "data";
+  const int rounds = trial.rounds(100, 20);
+  const auto deciding = [&](std::int64_t purpose) {
+    return [&, purpose](const ChildProcess::Say& say) {
+      World world(data);
+      world.start();
+      for (int round = 0; round < rounds; ++round) {
+        const auto consent = round % 2 == 0 ? ConsentStatus::granted : ConsentStatus::withDrawn;
+        if (!world.sdk->set({.purposeId = purpose}, consent) || world.sdk->get(purpose) != consent) {
+          return say("round " + std::to_string(round) + " failed\n" + world.log());
+        }
+      }
+    };
+  };
+  {
+    ChildProcess one(deciding(1)), two(deciding(2));
+    for (auto* process : {&one, &two}) {
+      const auto said = process->finish();
+      trial.expect(said.empty(), said);
+    }
+  }
+  World world(data);
+  world.start();
+  trial.expect(world.stored().pendingPurposes().size() >= 2, "a pending decision was overwritten");
+  return seen(world, "1=" + world.text("1").value_or("nothing") + " 2=" + world.text("2").value_or("nothing"));
+}
+
+// A host that a test drives.
+class Host {
+ public:
+  Host(const std::filesystem::path& data, const ConsentServer& server)
+      : tool_({"host", "--data-dir", data, "--vendor-url", server.url()}, data.parent_path() / "errors") {
+    tell(R"({"op":"setup","tenantId":"t1","appId":"a1","locationCode":"DE","appUrl":")" + server.url() +
+         R"(","cdnUrl":")" + server.url() + "\"}");
+    tell(R"({"op":"waitReady"})");
+    hear();
+    hear();
+  }
+  void tell(const std::string& line) { tool_.writeLine(line); }
+  boost::json::object hear() { return boost::json::parse(tool_.readLine().value_or("{}")).as_object(); }
+  boost::json::object ask(const std::string& line) {
+    tell(line);
+    return hear();
+  }
+  void kill() {
+    tool_.sendSignal(SIGKILL);
+    tool_.wait();
+  }
+
+ private:
+  ToolProcess tool_;
+};
+
+Seen killedWithTheBanner(Trial& trial) {
+  const TemporaryFolder place;
+  ConsentServer server;
+  server.serve(boost::json::serialize(validConfiguration()));
+  for (int round = 0; round < trial.rounds(10, 2); ++round) {
+    Host host(place.path() / "data", server);
+    const auto shown = host.ask(R"({"op":"banner","ifDue":true})");
+    trial.expect(shown.contains("banner"), "the banner is not due again: " + boost::json::serialize(shown));
+    for (const int purpose : {1, 2, 3}) {
+      const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(purpose) + "}");
+      trial.expect(answer.contains("consent") && answer.at("consent") == "declined",
+                   "unanswered, but " + boost::json::serialize(answer));
+    }
+    host.kill();
+  }
+  World world(place.path() / "data");
+  world.start();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
+}  // namespace
 
 std::vector<Row> processRows() {
-  return {};
+  return {
+      {"leave-main",
+       "main returns at six moments of a run, the server silent or not",
+       {"ready", "", "1=granted"},
+       leavingMain,
+       120s},
+      {"fork",
+       "the host forks while the SDK is at work, and the children exit",
+       {"ready", "", "1=granted"},
+       fork,
+       120s},
+      {"descriptors-closed",
+       "descriptors 0 to 2 are closed, and the application prints",
+       {"ready", "", "1=granted"},
+       closedDescriptors},
+      {"file-size-limit",
+       "files may not grow, SIGXFSZ at its default",
+       {"ready", "Failed to store", "1=granted"},
+       fileSizeLimit},
+      {"broken-pipes",
+       "peers hang up, nobody reads the output, SIGPIPE at its default",
+       {"ready", "Connection reset by peer", "1=granted, pending"},
+       brokenPipes},
+      {"descriptors-none",
+       "no more files can be opened, and later they can",
+       {"ready", "Failed", "1=declined"},
+       noDescriptors},
+      {"two-processes",
+       "two processes of one application decide at once",
+       {"ready", "", "1=withdrawn 2=withdrawn"},
+       twoProcesses,
+       60s},
+      {"kill-banner",
+       "killed while the banner shows, again and again",
+       {"ready", "", "1=nothing"},
+       killedWithTheBanner,
+       60s},
+  };
 }
 
 }  // namespace quillon::test
