@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "bench/NewProcess.h"
-#include "bench/Ratio.h"
+#include "bench/Expectation.h"
 
 namespace quillon::bench {
 namespace {
@@ -38,14 +38,14 @@ class Medians : public benchmark::ConsoleReporter {
 
 bool holdsLimits(const Medians& medians) {
   bool holds = true;
-  std::printf("\n%-66s %8s %8s\n", "Comparison of medians", "ratio", "limit");
-  for (const Ratio& ratio : ratios()) {
-    const auto measured = medians.at(ratio.measured);
-    const auto reference = medians.at(ratio.reference);
+  std::printf("\n%-72s %9s %8s\n", "Expectation, of medians", "measured", "limit");
+  for (const Expectation& expectation : expectations()) {
+    const auto measured = medians.at(expectation.measured);
+    const auto reference = expectation.reference ? medians.at(*expectation.reference) : 1.0;
     if (!measured || !reference) continue;  // not among the benchmarks that were asked for
     const double value = *measured / *reference;
-    const bool within = value <= ratio.limit;
-    std::printf("%-66s %8.3f %8.3f%s\n", ratio.claim.c_str(), value, ratio.limit, within ? "" : "  OVER");
+    const bool within = value <= expectation.limit;
+    std::printf("%-72s %9.3f %8.3f%s\n", expectation.claim.c_str(), value, expectation.limit, within ? "" : "  OVER");
     holds = holds && within;
   }
   return holds;

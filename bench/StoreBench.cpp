@@ -1,153 +1,113 @@
-// What a consent costs to read and to record, beside bare SQLite on the same disk in the same journal mode.
+// What a consent costs to read and to record, beside other stores on the same disk.
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
 
-#include <memory>
-#include <stdexcept>
-#include <string>
+#include <map>
 
 #include "bench/AllocationCount.h"
-#include "bench/Ratio.h"
-#include "bench/TemporaryFolder.h"
-#include "platform/linux/LinuxPlatform.h"
-#include "platform/memory/MemoryConsole.h"
-#include "platform/memory/VirtualClock.h"
-#include "quillon/ConsentSDK.h"
+#include "bench/Device.h"
+#include "bench/Expectation.h"
+#include "bench/OtherStores.h"
+#include "core/ConsentSDK/ConsentSDKCore.h"
 
 namespace quillon::bench {
 namespace {
 
-constexpr int storedKeys = 300;
-
-Purpose purpose(std::int64_t id) {
-  Purpose result;
-  result.purposeId = id;
-  return result;
-}
-
-// An SDK whose clock stands still, so that nothing but the call under measurement happens.
-struct Application {
-  Application() {
-    Platform platform = linuxPlatform({.applicationId = "bench", .dataDirectory = folder.path() / "data"});
-    platform.clock = std::make_shared<VirtualClock>(WallTime(std::chrono::seconds(1'700'000'000)));
-    platform.console = std::make_shared<MemoryConsole>();
-    sdk = std::make_unique<ConsentSDK>(std::move(platform));
-    for (int id = 1; id <= storedKeys; ++id) sdk->set(purpose(id), ConsentStatus::granted);
-  }
-  TemporaryFolder folder;
-  std::unique_ptr<ConsentSDK> sdk;
-};
-
-// Of about the length of what the SDK keeps of a decision.
-const std::string recordText(240, 'x');
-
-// A table of as many keys as the SDK's store holds, and one of records.
-struct Sqlite {
-  Sqlite() {
-    check(sqlite3_open((folder.path() / "bare.sqlite").c_str(), &database));
-    run("PRAGMA journal_mode=TRUNCATE; PRAGMA synchronous=FULL;"
-        "CREATE TABLE entries(key TEXT PRIMARY KEY, value TEXT) WITHOUT ROWID;"
-        "CREATE TABLE records(number INTEGER PRIMARY KEY, text TEXT); BEGIN");
-    append = prepare("INSERT INTO records(text) VALUES(?1)");
-    insert = prepare("INSERT INTO entries VALUES(?1, ?2) ON CONFLICT(key) DO UPDATE SET value = ?2");
-    for (int id = 1; id <= storedKeys; ++id) write(id, "granted");
-    run("COMMIT");
-    select = prepare("SELECT value FROM entries WHERE key = ?1");
-  }
-  ~Sqlite() {
-    sqlite3_finalize(insert);
-    sqlite3_finalize(select);
-    sqlite3_finalize(append);
-    sqlite3_close(database);
-  }
-
-  void run(const char* statement) { check(sqlite3_exec(database, statement, nullptr, nullptr, nullptr)); }
-  void write(int id, const char* value) {
-    const std::string key = std::to_string(id);
-    sqlite3_bind_text(insert, 1, key.data(), static_cast<int>(key.size()), SQLITE_STATIC);
-    sqlite3_bind_text(insert, 2, value, -1, SQLITE_STATIC);
-    if (sqlite3_step(insert) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database));
-    sqlite3_reset(insert);
-  }
-  void record() {
-    sqlite3_bind_text(append, 1, recordText.data(), static_cast<int>(recordText.size()), SQLITE_STATIC);
-    if (sqlite3_step(append) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database));
-    sqlite3_reset(append);
-  }
-  bool isGranted(int id) {
-    const std::string key = std::to_string(id);
-    sqlite3_bind_text(select, 1, key.data(), static_cast<int>(key.size()), SQLITE_STATIC);
-    const bool granted = sqlite3_step(select) == SQLITE_ROW &&
-                         std::string_view(reinterpret_cast<const char*>(sqlite3_column_text(select, 0))) == "granted";
-    sqlite3_reset(select);
-    return granted;
-  }
-
-  sqlite3_stmt* prepare(const char* text) {
-    sqlite3_stmt* statement = nullptr;
-    check(sqlite3_prepare_v2(database, text, -1, &statement, nullptr));
-    return statement;
-  }
-  void check(int code) const {
-    if (code != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(database));
-  }
-
-  TemporaryFolder folder;
-  sqlite3* database = nullptr;
-  sqlite3_stmt* insert = nullptr;
-  sqlite3_stmt* select = nullptr;
-  sqlite3_stmt* append = nullptr;
-};
+constexpr int manyChanges = 100;
 
 void readConsent(benchmark::State& state) {
-  const Application application;
+  Device device(configurationWithPurposes(kStoredKeys));
+  device.decide(kStoredKeys);
   std::int64_t id = 0;
+  benchmark::DoNotOptimize(device.sdk().get(1));  // opens the store
   const AllocationCount count;
-  for (auto _ : state) benchmark::DoNotOptimize(application.sdk->get(++id % storedKeys + 1));
+  for (auto _ : state) benchmark::DoNotOptimize(device.sdk().get(++id % kStoredKeys + 1));
   state.counters["allocated"] = static_cast<double>(count.peak());
 }
 
-void readSqlite(benchmark::State& state) {
-  Sqlite sqlite;
+template <class Store>
+void readOther(benchmark::State& state) {
+  Store store;
   int id = 0;
-  for (auto _ : state) benchmark::DoNotOptimize(sqlite.isGranted(++id % storedKeys + 1));
+  for (auto _ : state) benchmark::DoNotOptimize(store.isGranted(++id % kStoredKeys + 1));
 }
 
 void recordDecision(benchmark::State& state) {
-  const Application application;
+  Device device(configurationWithPurposes(kStoredKeys));
+  device.decide(kStoredKeys);
   bool granted = true;
   for (auto _ : state) {
     granted = !granted;
-    if (!application.sdk->set(purpose(7), granted ? ConsentStatus::granted : ConsentStatus::declined)) {
+    if (!device.sdk().set(purpose(7), granted ? ConsentStatus::granted : ConsentStatus::declined)) {
       state.SkipWithError("not stored");
     }
   }
 }
 
-void commitSqlite(benchmark::State& state) {
-  Sqlite sqlite;
+// Saving in the preference centre, from the choices to what the user is told.
+void saveChoices(benchmark::State& state) {
+  Device device(configurationWithPurposes(kStoredKeys));
+  device.setUp();
+  device.decide(kStoredKeys);
   bool granted = true;
   for (auto _ : state) {
     granted = !granted;
-    sqlite.run("BEGIN IMMEDIATE");
-    sqlite.write(7, granted ? "granted" : "declined");
-    sqlite.record();
-    sqlite.run("COMMIT");
+    std::map<std::int64_t, bool> choices;
+    for (int id = 1; id <= manyChanges; ++id) choices.emplace(id, granted);
+    device.core().tasks->start([&]() -> Task<void> {
+      if (!co_await device.core().savePreferences(std::move(choices))) state.SkipWithError("not stored");
+    });
+    device.sdk().settled().wait();
   }
 }
 
-BENCHMARK(readConsent)->Name("read/sdk")->Repetitions(9);
-BENCHMARK(readSqlite)->Name("read/sqlite select")->Repetitions(9);
-BENCHMARK(recordDecision)->Name("decision/sdk")->Repetitions(9)->UseRealTime();
-BENCHMARK(commitSqlite)->Name("decision/sqlite commit")->Repetitions(9)->UseRealTime();
+template <int keys>
+void commitSqlite(benchmark::State& state) {
+  BareSqlite sqlite;
+  bool granted = true;
+  for (auto _ : state) {
+    granted = !granted;
+    sqlite.commit(keys, granted ? "granted" : "declined");
+  }
+}
+
+void reads(benchmark::internal::Benchmark* benchmark) {
+  benchmark->Repetitions(9)->ReportAggregatesOnly();
+}
+void writes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->Repetitions(15)->ReportAggregatesOnly()->UseRealTime()->MinTime(0.2)->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK(readConsent)->Name("read/sdk")->Apply(reads);
+BENCHMARK(readOther<BareSqlite>)->Name("read/sqlite select")->Apply(reads);
+BENCHMARK(readOther<Lmdb>)->Name("read/lmdb get")->Apply(reads);
+BENCHMARK(recordDecision)->Name("decision/sdk")->Apply(writes);
+BENCHMARK(saveChoices)->Name("decision/sdk saves 100")->Apply(writes);
+BENCHMARK(commitSqlite<1>)->Name("decision/sqlite commit")->Apply(writes);
+BENCHMARK(commitSqlite<manyChanges>)->Name("decision/sqlite commit of 100")->Apply(writes);
+
+Figure processorTime(const char* benchmark) {
+  return {benchmark, std::string(kProcessorTime)};
+}
 
 const bool registered =
-    expectRatio(
-        {"read of one consent: SDK vs a prepared SQLite SELECT", {"read/sdk"}, {"read/sqlite select"}, 1.0 / 30}) &&
-    expectRatio({"durable decision: SDK vs one bare SQLite commit of as many rows",
-                 {"decision/sdk"},
-                 {"decision/sqlite commit"},
-                 1.15});
+    expectAtMost({"read of one consent, nanoseconds", processorTime("read/sdk"), {}, 60}) &&
+    expectAtMost({"read of one consent, bytes allocated", {"read/sdk", "allocated"}, {}, 0}) &&
+    expectAtMost({"read of one consent, against a prepared SQLite SELECT", processorTime("read/sdk"),
+                  processorTime("read/sqlite select"), 1.0 / 30}) &&
+    expectAtMost({"read of one consent, against LMDB", processorTime("read/sdk"), processorTime("read/lmdb get"),
+                  1.0 / 3}) &&
+    expectAtMost({"durable decision, against one bare SQLite commit of as many rows",
+                  {"decision/sdk"},
+                  Figure{"decision/sqlite commit"},
+                  1.15}) &&
+    expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of one",
+                  {"decision/sdk saves 100"},
+                  Figure{"decision/sqlite commit"},
+                  3}) &&
+    expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of 100",
+                  {"decision/sdk saves 100"},
+                  Figure{"decision/sqlite commit of 100"},
+                  3});
 
 }  // namespace
 }  // namespace quillon::bench

@@ -1,0 +1,77 @@
+#include "bench/Device.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "core/Configuration/Codec.h"
+#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "platform/memory/MemoryConsole.h"
+#include "platform/memory/ScriptedHttpSession.h"
+#include "platform/memory/StaticNetworkPath.h"
+#include "platform/memory/VirtualClock.h"
+
+namespace quillon::bench {
+
+Device::Device(std::string configuration)
+    : Device(std::move(configuration), std::make_shared<VirtualClock>(WallTime(std::chrono::seconds(1'700'000'000)))) {}
+
+Device::Device(std::string configuration, std::shared_ptr<Clock> clock)
+    : configuration_(std::move(configuration)), clock_(std::move(clock)) {
+  launch();
+}
+
+void Device::launch() {
+  sdk_.reset();
+  Platform platform = linuxPlatform({.applicationId = "bench", .dataDirectory = folder_->path() / "data"});
+  platform.console = std::make_shared<MemoryConsole>();
+  platform.network = std::make_shared<StaticNetworkPath>();
+  if (clock_) platform.clock = clock_;
+  platform.http = std::make_shared<ScriptedHttpSession>([this](const HttpRequest& request) {
+    const bool isUpload = request.body.has_value();
+    return HttpResponse{request.url, isUpload ? 503 : 200, {}, isUpload ? std::string() : configuration_};
+  });
+  sdk_ = std::make_unique<ConsentSDK>(std::move(platform));
+}
+
+void Device::setUp() {
+  sdk_->setup(options());
+  sdk_->settled().wait();
+  if (sdk_->getStatus() != SDKStatus::ready) throw std::runtime_error("the SDK is not ready");
+}
+
+void Device::decide(int purposes) {
+  const bool stored = core().store.transact([&](StoreTransaction& transaction) {
+    for (int id = 1; id <= purposes; ++id) {
+      transaction.set(PurposeKey(id), std::string(rawValue(ConsentStatus::granted)));
+    }
+  });
+  if (!stored) throw std::runtime_error("the decisions were not stored");
+}
+
+ConsentSDKOptions Device::options() {
+  return {.appUrl = "http://app/", .cdnUrl = "http://cdn/", .tenantId = "t", .appId = "a", .locationCode = "DE"};
+}
+
+Purpose purpose(std::int64_t id) {
+  Purpose result;
+  result.purposeId = id;
+  return result;
+}
+
+std::string configurationWithPurposes(int count) {
+  BannerConfig banner;
+  banner.complianceType = ComplianceType::optIn;
+  MainConfiguration configuration;
+  configuration.version = 1;
+  configuration.bannerConfig.emplace();
+  configuration.bannerConfig->categories["default"] = banner;
+  configuration.purposes.emplace();
+  for (int id = 1; id <= count; ++id) {
+    Purpose& added = configuration.purposes->emplace_back(purpose(id));
+    added.purposeName = LocalizedText{{"en", "Purpose " + std::to_string(id)}};
+  }
+  return encode(configuration);
+}
+
+}  // namespace quillon::bench
