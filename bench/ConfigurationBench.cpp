@@ -8,9 +8,9 @@
 
 #include "bench/AllocationCount.h"
 #include "bench/ConfigurationDocument.h"
+#include "bench/Expectation.h"
 #include "bench/NewProcess.h"
 #include "bench/OtherLibraries.h"
-#include "bench/Expectation.h"
 #include "core/Configuration/Codec.h"
 
 namespace quillon::bench {
@@ -101,21 +101,21 @@ Figure processorTime(std::string benchmark) {
 }
 
 const bool comparisons = expectAtMost({"decode a configuration, against simdjson On-Demand",
-                                      processorTime("decode/quillon"), processorTime("decode/simdjson"), 2.0}) &&
+                                       processorTime("decode/quillon"), processorTime("decode/simdjson"), 2.0}) &&
                          expectAtMost({"decode a configuration, against RapidJSON's tree",
-                                      processorTime("decode/quillon"), processorTime("decode/rapidjson"), 1.0}) &&
+                                       processorTime("decode/quillon"), processorTime("decode/rapidjson"), 1.0}) &&
                          expectAtMost({"decode a configuration, against nlohmann's tree",
-                                      processorTime("decode/quillon"), processorTime("decode/nlohmann"), 0.25}) &&
+                                       processorTime("decode/quillon"), processorTime("decode/nlohmann"), 0.25}) &&
                          expectAtMost({"first decode in a new process, against simdjson",
-                                      {"first decode/quillon"},
-                                      Figure{"first decode/simdjson"},
-                                      1.15}) &&
+                                       {"first decode/quillon"},
+                                       Figure{"first decode/simdjson"},
+                                       1.15}) &&
                          expectAtMost({"peak memory of decoding, against the records kept",
-                                      {"decode/memory", "peak"},
-                                      Figure{"decode/memory", "kept"},
-                                      1.6}) &&
+                                       {"decode/memory", "peak"},
+                                       Figure{"decode/memory", "kept"},
+                                       1.6}) &&
                          expectAtMost({"encode a configuration, against RapidJSON's Writer",
-                                      processorTime("encode/quillon"), processorTime("encode/rapidjson"), 2.0});
+                                       processorTime("encode/quillon"), processorTime("encode/rapidjson"), 2.0});
 
 }  // namespace
 }  // namespace quillon::bench

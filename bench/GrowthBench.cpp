@@ -15,7 +15,9 @@ enum class Operation { check, save, list };
 
 void run(Device& device, Operation operation, int purposes, bool granted) {
   switch (operation) {
-    case Operation::check: device.sdk().checkConsents().get(); break;
+    case Operation::check:
+      device.sdk().checkConsents().get();
+      break;
     case Operation::save: {
       std::map<std::int64_t, bool> choices;
       for (int id = 1; id <= purposes; ++id) choices.emplace(id, granted);
@@ -23,7 +25,9 @@ void run(Device& device, Operation operation, int purposes, bool granted) {
       device.sdk().settled().wait();
       break;
     }
-    case Operation::list: benchmark::DoNotOptimize(device.sdk().getPurposeConsents().get()); break;
+    case Operation::list:
+      benchmark::DoNotOptimize(device.sdk().getPurposeConsents().get());
+      break;
   }
 }
 
@@ -52,7 +56,9 @@ const bool registered = [] {
   for (const auto& [name, operation] : operations) {
     for (const int purposes : {10, 30, 100, 300, 1000, 3000, 10'000}) {
       add("growth/" + std::string(name) + " by purposes/" + std::to_string(purposes),
-          [operation = operation, purposes](benchmark::State& state) { measure(state, operation, purposes, purposes); });
+          [operation = operation, purposes](benchmark::State& state) {
+            measure(state, operation, purposes, purposes);
+          });
     }
     // The store takes at most 100,000 keys.
     for (const int decisions : {1, 10, 100, 1000, 10'000, 90'000}) {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "bench/NewProcess.h"
 #include "bench/Expectation.h"
+#include "bench/NewProcess.h"
 
 namespace quillon::bench {
 namespace {

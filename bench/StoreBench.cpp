@@ -89,25 +89,24 @@ Figure processorTime(const char* benchmark) {
   return {benchmark, std::string(kProcessorTime)};
 }
 
-const bool registered =
-    expectAtMost({"read of one consent, nanoseconds", processorTime("read/sdk"), {}, 60}) &&
-    expectAtMost({"read of one consent, bytes allocated", {"read/sdk", "allocated"}, {}, 0}) &&
-    expectAtMost({"read of one consent, against a prepared SQLite SELECT", processorTime("read/sdk"),
-                  processorTime("read/sqlite select"), 1.0 / 30}) &&
-    expectAtMost({"read of one consent, against LMDB", processorTime("read/sdk"), processorTime("read/lmdb get"),
-                  1.0 / 3}) &&
-    expectAtMost({"durable decision, against one bare SQLite commit of as many rows",
-                  {"decision/sdk"},
-                  Figure{"decision/sqlite commit"},
-                  1.15}) &&
-    expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of one",
-                  {"decision/sdk saves 100"},
-                  Figure{"decision/sqlite commit"},
-                  3}) &&
-    expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of 100",
-                  {"decision/sdk saves 100"},
-                  Figure{"decision/sqlite commit of 100"},
-                  3});
+const bool registered = expectAtMost({"read of one consent, nanoseconds", processorTime("read/sdk"), {}, 60}) &&
+                        expectAtMost({"read of one consent, bytes allocated", {"read/sdk", "allocated"}, {}, 0}) &&
+                        expectAtMost({"read of one consent, against a prepared SQLite SELECT",
+                                      processorTime("read/sdk"), processorTime("read/sqlite select"), 1.0 / 30}) &&
+                        expectAtMost({"read of one consent, against LMDB", processorTime("read/sdk"),
+                                      processorTime("read/lmdb get"), 1.0 / 3}) &&
+                        expectAtMost({"durable decision, against one bare SQLite commit of as many rows",
+                                      {"decision/sdk"},
+                                      Figure{"decision/sqlite commit"},
+                                      1.15}) &&
+                        expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of one",
+                                      {"decision/sdk saves 100"},
+                                      Figure{"decision/sqlite commit"},
+                                      3}) &&
+                        expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of 100",
+                                      {"decision/sdk saves 100"},
+                                      Figure{"decision/sqlite commit of 100"},
+                                      3});
 
 }  // namespace
 }  // namespace quillon::bench

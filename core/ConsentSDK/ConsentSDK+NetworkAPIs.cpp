@@ -1,5 +1,6 @@
 // Downloads and uploads.
 #include <algorithm>
+#include <unordered_set>
 
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Logger/UnitLog.h"
@@ -94,9 +95,10 @@ Task<bool> ConsentSDK::Core::uploadConsents(std::string url, PostConsentsRequest
     // A decision made while the upload was under way stays pending: the server has the earlier one.
     const StoredValues then(*sent);
     auto purposesLeft = transaction.pendingPurposes();
-    const auto purposesThen = then.pendingPurposes();
+    const auto listThen = then.pendingPurposes();
+    const std::unordered_set<std::int64_t> purposesThen(listThen.begin(), listThen.end());
     std::erase_if(purposesLeft, [&](std::int64_t id) {
-      return std::ranges::find(purposesThen, id) != purposesThen.end() && unchanged(PurposeKey(id), then, transaction);
+      return purposesThen.contains(id) && unchanged(PurposeKey(id), then, transaction);
     });
     auto permissionsLeft = transaction.pendingPermissions();
     const auto permissionsThen = then.pendingPermissions();

@@ -30,15 +30,16 @@ std::string listText(const std::vector<std::int64_t>& numbers) {
 
 }  // namespace
 
+PurposeManager::PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
+                               std::shared_ptr<const MainConfiguration> configuration)
+    : platform_(platform), store_(store), logger_(logger), configuration_(std::move(configuration)) {
+  if (!configuration_ || !configuration_->isATTEnabled.value_or(false) || !configuration_->attConfig) return;
+  if (const auto& bound = configuration_->attConfig->purposeIds) attMapped_.insert(bound->begin(), bound->end());
+}
+
 const std::vector<Purpose>& PurposeManager::purposes() const {
   static const std::vector<Purpose> none;
   return configuration_->purposes ? *configuration_->purposes : none;
-}
-
-bool PurposeManager::isATTMapped(std::int64_t purposeId) const {
-  if (!configuration_->isATTEnabled.value_or(false) || !configuration_->attConfig) return false;
-  const auto& bound = configuration_->attConfig->purposeIds;
-  return bound && std::ranges::find(*bound, purposeId) != bound->end();
 }
 
 bool PurposeManager::trackingAuthorized() const {
@@ -156,11 +157,12 @@ GivenType PurposeManager::recordDefaults(StoreTransaction& transaction, Occasion
 }
 
 std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& stored) const {
-  const auto pending = stored.pendingPurposes();
+  const auto list = stored.pendingPurposes();
+  const std::unordered_set<std::int64_t> pending(list.begin(), list.end());
   const std::int64_t changeTime = stored.integer(key::purposesChangeTimestamp, wholeSeconds(platform_.clock->now()));
   std::vector<PurposeConsent> consents;
   for (const Purpose& purpose : purposes()) {
-    if (!purpose.purposeId || std::ranges::find(pending, *purpose.purposeId) == pending.end()) continue;
+    if (!purpose.purposeId || !pending.contains(*purpose.purposeId)) continue;
     const auto status = stored.consentOrDefault(PurposeKey(*purpose.purposeId));
     consents.push_back({*purpose.purposeId, status, changeTime, purpose.disableOptOut.value_or(false)});
   }

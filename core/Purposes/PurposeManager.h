@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -25,8 +26,7 @@ class PurposeManager {
 
   // Platform, store and logger must outlive it.
   PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
-                 std::shared_ptr<const MainConfiguration> configuration)
-      : platform_(platform), store_(store), logger_(logger), configuration_(std::move(configuration)) {}
+                 std::shared_ptr<const MainConfiguration> configuration);
 
   // Brings the purposes that are bound to app tracking in line with its status, and tells what is still to be uploaded.
   Check checkPurposes(const Occasion& occasion);
@@ -65,7 +65,7 @@ class PurposeManager {
 
  private:
   const std::vector<Purpose>& purposes() const;
-  bool isATTMapped(std::int64_t purposeId) const;
+  bool isATTMapped(std::int64_t purposeId) const { return attMapped_.contains(purposeId); }
   // The present status: the decision or the default, then what app tracking makes of it.
   ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const;
   // What comes of a decision of that cause, which tracking may overrule.
@@ -77,6 +77,7 @@ class PurposeManager {
   UserDefaultManager& store_;
   SDKLogger& logger_;
   const std::shared_ptr<const MainConfiguration> configuration_;
+  std::unordered_set<std::int64_t> attMapped_;  // the purposes that app tracking governs
 };
 
 }  // namespace quillon

@@ -17,6 +17,7 @@ constexpr std::chrono::milliseconds longestDelay = std::chrono::years(50);
 }  // namespace
 
 struct TimerQueue::Entry {
+  Time due;  // guarded by the state's mutex
   std::optional<Time> period;
   Job job;
   CallGate gate;
@@ -34,7 +35,9 @@ class TimerQueue::Handle : public Timer {
   ~Handle() override {
     entry_->gate.close();
     const std::lock_guard lock(state_->mutex);
-    std::erase_if(state_->entries, [this](const auto& item) { return item.second == entry_; });
+    auto [at, end] = state_->entries.equal_range(entry_->due);
+    at = std::find_if(at, end, [this](const auto& item) { return item.second == entry_; });
+    if (at != end) state_->entries.erase(at);
   }
 
  private:
@@ -58,7 +61,8 @@ std::unique_ptr<Timer> TimerQueue::add(Time now, std::chrono::milliseconds delay
   entry->job = std::move(job);
   auto handle = std::make_unique<Handle>(state_, entry);
   const std::lock_guard lock(state_->mutex);
-  state_->entries.emplace(now + wait, entry);
+  entry->due = now + wait;
+  state_->entries.emplace(entry->due, entry);
   return handle;
 }
 
@@ -77,7 +81,8 @@ bool TimerQueue::runNext(Time now) {
     auto node = state_->entries.extract(first);
     entry = node.mapped();
     if (entry->period) {
-      node.key() += *entry->period;  // counted from the due time, so that lateness does not add up
+      entry->due += *entry->period;  // counted from the due time, so that lateness does not add up
+      node.key() = entry->due;
       state_->entries.insert(std::move(node));
     }
   }

@@ -76,10 +76,12 @@ std::vector<std::string> StoredValues::pendingPermissions() const {
 }
 
 void StoreTransaction::set(std::string_view key, PropertyValue value) {
+  if (key == key::pendingPurposesList) pendingPurposes_.reset();
   changes_.insert_or_assign(std::string(key), std::move(value));
 }
 
 void StoreTransaction::remove(std::string_view key) {
+  if (key == key::pendingPurposesList) pendingPurposes_.reset();
   changes_.insert_or_assign(std::string(key), std::nullopt);
 }
 
@@ -97,10 +99,14 @@ SuiteUpdate StoreTransaction::take() {
 }
 
 void StoreTransaction::addPendingPurpose(std::int64_t purposeId) {
-  auto list = pendingPurposes();
-  if (std::ranges::find(list, purposeId) != list.end()) return;
-  list.push_back(purposeId);
-  set(key::pendingPurposesList, std::move(list));
+  if (!pendingPurposes_) {
+    auto list = pendingPurposes();
+    std::unordered_set<std::int64_t> known(list.begin(), list.end());
+    set(key::pendingPurposesList, std::move(list));
+    pendingPurposes_ = std::move(known);
+  }
+  if (!pendingPurposes_->insert(purposeId).second) return;
+  std::get<std::vector<std::int64_t>>(*changes_.find(key::pendingPurposesList)->second).push_back(purposeId);
 }
 
 void StoreTransaction::addPendingPermission(const std::string& permission) {

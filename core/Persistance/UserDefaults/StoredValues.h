@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "core/History/DecisionHistory.h"
@@ -88,6 +89,9 @@ class StoreTransaction : public StoredValues {
   SuiteChanges changes_;
   std::vector<Decision> decisions_;
   decltype(SuiteUpdate::settle) settle_;
+  // What the pending list among the changes holds, once something was added to it: saving thousands of purposes must
+  // not search the list for each.
+  std::optional<std::unordered_set<std::int64_t>> pendingPurposes_;
 };
 
 }  // namespace quillon

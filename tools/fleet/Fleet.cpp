@@ -1,0 +1,94 @@
+#include "tools/fleet/Fleet.h"
+
+#include <algorithm>
+#include <fstream>
+#include <utility>
+
+#include "platform/linux/CurlHttpSession.h"
+#include "platform/memory/FixedAppTracking.h"
+#include "platform/memory/FixedHostApplication.h"
+#include "platform/memory/FixedLocale.h"
+#include "platform/memory/NoPermissionSources.h"
+#include "platform/parts/FatalError.h"
+
+namespace quillon::tools {
+namespace {
+
+constexpr WallTime kStart{std::chrono::seconds(1'700'000'000)};
+
+// Ten thousand devices without a network would fill a disk with what they say about it.
+class SilentConsole : public Console {
+ public:
+  void write(std::string_view /*block*/) override {}
+  [[noreturn]] void fatal(std::string_view message, std::string_view file) override { abortWithMessage(message, file); }
+};
+
+}  // namespace
+
+Fleet::Fleet(FleetPlan plan)
+    : plan_(std::move(plan)),
+      clock_(std::make_shared<VirtualClock>(kStart)),
+      network_(std::make_shared<FleetNetwork>(std::make_shared<CurlHttpSession>(), clock_)) {
+  Platform shared;
+  shared.console = std::make_shared<SilentConsole>();
+  shared.clock = clock_;
+  shared.executors = executors_;
+  shared.http = network_;
+  shared.network = path_;
+  shared.locale = std::make_shared<FixedLocale>(std::vector<std::string>{"de-DE"});
+  shared.tracking = std::make_shared<FixedAppTracking>();
+  shared.permissions = std::make_shared<NoPermissionSources>();
+  shared.host = std::make_shared<FixedHostApplication>();
+  shared.vendorUrl = plan_.options.appUrl;
+  for (int number = 0; number < plan_.devices; ++number) {
+    devices_.push_back(std::make_unique<FleetDevice>(static_cast<std::uint32_t>(number), shared, plan_.options));
+  }
+}
+
+void Fleet::run() {
+  std::vector<FleetDevice::Event> events;
+  for (const auto& device : devices_) {
+    std::ranges::move(device->plan(plan_.startsWithin, plan_.duration, plan_.changes), std::back_inserter(events));
+  }
+  if (plan_.outage.count() > 0) {
+    events.push_back({plan_.outageAt, [this] { beginOutage(); }});
+    events.push_back({plan_.outageAt + plan_.outage, [this] { endOutage(); }});
+  }
+  std::ranges::stable_sort(events, {}, &FleetDevice::Event::at);
+
+  std::chrono::seconds now{0};
+  for (const FleetDevice::Event& event : events) {
+    for (; now < event.at; ++now) pass(std::chrono::seconds(1));
+    event.run();
+    if (&event == &events.back() || (&event + 1)->at != now) settle();
+  }
+  const auto end = plan_.duration + 2 * std::chrono::seconds(plan_.options.consentsCheckInterval.count());
+  for (; now < end; ++now) pass(std::chrono::seconds(1));
+}
+
+void Fleet::beginOutage() {
+  if (plan_.outageFile.empty()) {
+    network_->setCut(true);
+  } else {
+    std::ofstream(plan_.outageFile).put('\n');
+  }
+  if (plan_.outageOf == FleetPlan::OutageOf::network) path_->set(NetworkStatus::unsatisfied);
+}
+
+void Fleet::endOutage() {
+  network_->setCut(false);
+  if (!plan_.outageFile.empty()) std::filesystem::remove(plan_.outageFile);
+  if (plan_.outageOf == FleetPlan::OutageOf::network) path_->set(NetworkStatus::satisfied);
+}
+
+void Fleet::pass(std::chrono::seconds time) {
+  clock_->advance(time);
+  settle();
+}
+
+void Fleet::settle() {
+  do executors_->runUntilIdle();
+  while (network_->waitForAnswer());
+}
+
+}  // namespace quillon::tools

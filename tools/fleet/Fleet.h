@@ -1,0 +1,63 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/memory/ManualExecutors.h"
+#include "platform/memory/StaticNetworkPath.h"
+#include "platform/memory/VirtualClock.h"
+#include "tools/fleet/FleetDevice.h"
+#include "tools/fleet/FleetNetwork.h"
+
+namespace quillon::tools {
+
+struct FleetPlan {
+  int devices = 1000;
+  std::chrono::seconds duration = std::chrono::hours(24);
+  std::chrono::seconds startsWithin = std::chrono::minutes(30);
+  int changes = 2;  // of one purpose, a device
+  ConsentSDKOptions options;
+
+  // A time without servers; none when it lasts no time.
+  std::chrono::seconds outageAt = std::chrono::hours(8);
+  std::chrono::seconds outage = std::chrono::seconds(0);
+  // servers: the way is good, but nobody answers. network: each device sees its network go and come back, all of them
+  // at the same moment.
+  enum class OutageOf { servers, network } outageOf = OutageOf::servers;
+  // Exists while the outage lasts, for servers that refuse meanwhile. Empty: requests end unanswered on their way.
+  std::filesystem::path outageFile;
+};
+
+// Many devices in one process on one virtual clock, against real servers. One thread runs all of them.
+class Fleet {
+ public:
+  explicit Fleet(FleetPlan plan);
+
+  // Runs the plan, and then until what is pending has had the time to be uploaded.
+  void run();
+
+  const FleetPlan& plan() const { return plan_; }
+  std::map<std::int64_t, Traffic> traffic() const { return network_->traffic(); }
+  const std::vector<std::unique_ptr<FleetDevice>>& devices() const { return devices_; }
+
+ private:
+  void beginOutage();
+  void endOutage();
+  // Lets a second pass, and all that it began come to its end.
+  void pass(std::chrono::seconds time);
+  void settle();
+
+  const FleetPlan plan_;
+  std::shared_ptr<VirtualClock> clock_;
+  std::shared_ptr<ManualExecutors> executors_ = std::make_shared<ManualExecutors>();
+  std::shared_ptr<StaticNetworkPath> path_ = std::make_shared<StaticNetworkPath>();
+  std::shared_ptr<FleetNetwork> network_;
+  std::vector<std::unique_ptr<FleetDevice>> devices_;
+};
+
+}  // namespace quillon::tools

@@ -1,0 +1,163 @@
+#include "tools/fleet/FleetCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "tools/fleet/Accounting.h"
+#include "tools/fleet/Fleet.h"
+
+namespace quillon::tools {
+namespace {
+
+constexpr auto kDescription =
+    R"(Simulates many devices in this process, on a virtual clock, against real servers, and reports what they asked for.
+
+Each device starts the application within the first half hour and keeps it open. Its user answers the banner in the five
+minutes after that, and later changes single purposes. The servers must be empty of earlier uploads. With --uploads the
+file in which `serve --db` keeps the uploads is read at the end, and every decision is accounted for; the exit status is
+1 when one is missing, different, repeated or unknown. tools/fleet/run.sh starts the servers and this command.)";
+
+struct FleetOptions {
+  FleetPlan plan;
+  std::string uploads;
+  std::string seconds;
+  double hours = 24;
+  double outageHours = 0;
+  double outageAt = 8;
+  long interval = 1800;
+};
+
+std::chrono::seconds inSeconds(double hours) {
+  return std::chrono::round<std::chrono::seconds>(std::chrono::duration<double, std::ratio<3600>>(hours));
+}
+
+void print(const char* what, const Traffic& traffic, double deviceDays) {
+  std::printf("%-26s", what);
+  for (std::size_t kind = 0; kind < traffic.requests.size(); ++kind) {
+    std::printf(" %10lld", static_cast<long long>(traffic.requests[kind]));
+  }
+  std::printf(" %10lld %12.2f %10.0f %10.0f\n", static_cast<long long>(traffic.failed),
+              static_cast<double>(traffic.total()) / deviceDays, static_cast<double>(traffic.bodyBytesUp) / deviceDays,
+              static_cast<double>(traffic.bodyBytesDown) / deviceDays);
+}
+
+// Traffic of part of the time, and its busiest second.
+void printPart(const char* what, const std::map<std::int64_t, Traffic>& traffic, std::chrono::seconds from,
+               std::chrono::seconds to, int devices) {
+  Traffic sum;
+  std::int64_t peak = 0;
+  std::int64_t peakAt = 0;
+  for (auto entry = traffic.lower_bound(from.count()); entry != traffic.end() && entry->first < to.count(); ++entry) {
+    sum += entry->second;
+    if (entry->second.total() > peak) std::tie(peak, peakAt) = std::pair(entry->second.total(), entry->first);
+  }
+  const auto length = static_cast<double>((to - from).count());
+  print(what, sum, devices * length / 86'400);
+  std::printf("%-26s mean %.2f requests a second, busiest second %lld, at %.2f h\n", "",
+              static_cast<double>(sum.total()) / length, static_cast<long long>(peak),
+              static_cast<double>(peakAt) / 3600);
+}
+
+void report(const Fleet& fleet) {
+  const FleetPlan& plan = fleet.plan();
+  const auto traffic = fleet.traffic();
+  const auto warm = plan.startsWithin + std::chrono::hours(1);
+  std::printf("%-26s %10s %10s %10s %10s %12s %10s %10s\n", "", "config", "location", "upload", "failed", "req/dev/day",
+              "up B/d/d", "down B/d/d");
+  printPart("all", traffic, std::chrono::seconds(0), plan.duration, plan.devices);
+  printPart("starting", traffic, std::chrono::seconds(0), std::min(warm, plan.duration), plan.devices);
+  if (plan.outage.count() == 0) {
+    if (warm < plan.duration) printPart("running", traffic, warm, plan.duration, plan.devices);
+    return;
+  }
+  const auto end = plan.outageAt + plan.outage;
+  const auto recovered = end + std::chrono::seconds(plan.options.consentsCheckInterval.count());
+  if (warm < plan.outageAt) printPart("running", traffic, warm, plan.outageAt, plan.devices);
+  printPart("outage", traffic, plan.outageAt, end, plan.devices);
+  printPart("recovery, one interval", traffic, end, recovered, plan.devices);
+  if (recovered < plan.duration) printPart("after it", traffic, recovered, plan.duration, plan.devices);
+}
+
+bool writeSeconds(const Fleet& fleet, const std::string& file) {
+  std::ofstream out(file);
+  out << "second,configuration,location,upload,failed\n";
+  for (const auto& [second, traffic] : fleet.traffic()) {
+    out << second << ',' << traffic.requests[Traffic::configuration] << ',' << traffic.requests[Traffic::location]
+        << ',' << traffic.requests[Traffic::upload] << ',' << traffic.failed << '\n';
+  }
+  return out.flush().good();
+}
+
+int fail(const std::string& message) {
+  std::fprintf(stderr, "quillon-consent fleet: %s\n", message.c_str());
+  return 1;
+}
+
+int run(FleetOptions options) {
+  FleetPlan& plan = options.plan;
+  plan.duration = inSeconds(options.hours);
+  plan.outage = inSeconds(options.outageHours);
+  plan.outageAt = inSeconds(options.outageAt);
+  plan.options.consentsCheckInterval = options.interval;
+  if (plan.outage.count() > 0 && plan.outageAt + plan.outage > plan.duration) return fail("the outage has no end");
+
+  Fleet fleet(plan);
+  fleet.run();
+  report(fleet);
+  if (!options.seconds.empty() && !writeSeconds(fleet, options.seconds)) return fail(options.seconds + ": not written");
+  if (options.uploads.empty()) return 0;
+
+  const auto store = UploadStore::open(options.uploads, UploadStore::Access::readOnly);
+  if (!store) return fail(store.error());
+  const auto accounting = account(fleet, **store);
+  if (!accounting) return fail(accounting.error());
+  std::printf(
+      "decisions %lld, uploads %lld; purposes decided %lld, of them missing %lld, different %lld; repeated %lld, "
+      "unknown %lld, not as chosen %lld\n",
+      static_cast<long long>(accounting->decisions), static_cast<long long>(accounting->uploads),
+      static_cast<long long>(accounting->purposes), static_cast<long long>(accounting->missing),
+      static_cast<long long>(accounting->different), static_cast<long long>(accounting->repeated),
+      static_cast<long long>(accounting->unknown), static_cast<long long>(accounting->contradictions));
+  return accounting->isComplete() ? 0 : fail("not every decision is accounted for");
+}
+
+}  // namespace
+
+void addFleetCommand(CLI::App& app, int& exitCode) {
+  auto* const command = app.add_subcommand("fleet", "Simulates many devices against real servers");
+  command->footer(kDescription);
+  const auto options = std::make_shared<FleetOptions>();
+  FleetPlan& plan = options->plan;
+  command->add_option("--devices", plan.devices, "How many")->check(CLI::Range(1, 1'000'000))->capture_default_str();
+  command->add_option("--hours", options->hours, "Simulated time")
+      ->check(CLI::Range(0.1, 24.0 * 366))
+      ->capture_default_str();
+  command->add_option("--cdn", plan.options.cdnUrl, "Address of the configurations, ending in /")->required();
+  command->add_option("--app", plan.options.appUrl, "Address that takes locations and uploads, ending in /")
+      ->required();
+  command->add_option("--tenant", plan.options.tenantId, "Tenant of the configuration")->required();
+  command->add_option("--app-id", plan.options.appId, "Application of the configuration")->required();
+  command->add_option("--interval", options->interval, "Seconds between the checks of a device")->capture_default_str();
+  command->add_option("--changes", plan.changes, "How often a user changes one purpose later")
+      ->check(CLI::Range(0, 1000))
+      ->capture_default_str();
+  command->add_option("--outage", options->outageHours, "Hours without servers")->check(CLI::Range(0.0, 24.0 * 366));
+  command->add_option("--outage-at", options->outageAt, "The hour at which that begins")->capture_default_str();
+  command->add_option(
+      "--outage-file", plan.outageFile,
+      "File that exists while the outage lasts, for servers that refuse meanwhile; without it, requests "
+      "end on their way");
+  command->add_option("--outage-of", plan.outageOf, "Who sees it: servers, or every device's network, at once")
+      ->transform(CLI::CheckedTransformer(std::map<std::string, FleetPlan::OutageOf>{
+          {"servers", FleetPlan::OutageOf::servers}, {"network", FleetPlan::OutageOf::network}}));
+  command->add_option("--uploads", options->uploads, "File of the server's uploads, to account for every decision");
+  command->add_option("--seconds", options->seconds, "CSV file to write, with the requests of each simulated second");
+  command->callback([options, &exitCode] { exitCode = run(*options); });
+}
+
+}  // namespace quillon::tools
