@@ -18,6 +18,7 @@ finish() {
 }
 trap finish EXIT
 
+: >"$work/serve.log"
 "$tool" serve "$site" --port 0 --db "$work/uploads.db" >"$work/serve.log" &
 started+=($!)
 serve=$!

@@ -1,0 +1,73 @@
+// A small fleet against real servers: four hours of twenty devices, one hour of it without servers.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolProcess.h"
+
+namespace quillon::test {
+namespace {
+
+const std::vector<std::string> fourHours{"--devices", "20", "--hours", "4", "--outage", "1", "--outage-at", "2"};
+constexpr std::string_view nothingWrong = "missing 0, different 0; repeated 0, unknown 0, not as chosen 0";
+
+// The part of the report that accounts for the decisions.
+std::string accountOf(const std::string& report) {
+  const auto begin = report.find("decisions ");
+  return begin == std::string::npos ? "none in: " + report : report.substr(begin, report.find('\n', begin) - begin);
+}
+
+class FleetTest : public testing::Test {
+ protected:
+  struct Outcome {
+    std::optional<int> status;
+    std::string account;
+  };
+
+  // Against the development server alone; what it writes about so few requests fits into the pipe unread.
+  Outcome runAgainstServe(const std::string& outageOf) {
+    const std::string database = folder_.path() / "uploads.db";
+    ToolProcess server({"serve", QUILLON_SAMPLE_SITE, "--port", "0", "--db", database});
+    const std::string url = server.readLine().value_or("").substr(std::string("listening on ").size());
+    std::vector<std::string> arguments{"fleet",    "--cdn",       url,        "--app",       url,
+                                       "--tenant", "demo-tenant", "--app-id", "news-reader", "--outage-of",
+                                       outageOf,   "--uploads",   database};
+    arguments.insert(arguments.end(), fourHours.begin(), fourHours.end());
+    ToolProcess fleet(arguments);
+    std::string report;
+    for (const auto& line : fleet.readLines()) report += line + "\n";
+    return {fleet.wait(), accountOf(report)};
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(FleetTest, EveryDecisionReachesTheServerOnceAfterAnOutage) {
+  const Outcome first = runAgainstServe("network");
+  EXPECT_EQ(first.status, 0);
+  EXPECT_NE(first.account.find(nothingWrong), std::string::npos) << first.account;
+  EXPECT_TRUE(first.account.starts_with("decisions 160, ")) << first.account;
+
+  // The same devices decide the same at the same times: the server now has it twice, and the account must say so.
+  const Outcome second = runAgainstServe("servers");
+  EXPECT_EQ(second.status, 1);
+  EXPECT_EQ(second.account.find("repeated 0"), std::string::npos) << second.account;
+}
+
+TEST_F(FleetTest, EveryDecisionPassesAWebServerThatRefusesForAnHour) {
+  if (std::system("command -v nginx >/dev/null") != 0) GTEST_SKIP() << "nginx is not installed";
+  const auto report = folder_.path() / "report";
+  std::string command = QUILLON_FLEET_SCRIPT " " QUILLON_CONSENT " " QUILLON_SAMPLE_SITE " demo-tenant news-reader";
+  for (const auto& argument : fourHours) command += " " + argument;
+  EXPECT_EQ(std::system((command + " >" + report.string()).c_str()), 0);
+  const std::string account = accountOf(fileBytes(report));
+  EXPECT_NE(account.find(nothingWrong), std::string::npos) << account;
+  EXPECT_NE(fileBytes(report).find(" 503: "), std::string::npos) << fileBytes(report);
+}
+
+}  // namespace
+}  // namespace quillon::test
