@@ -58,7 +58,8 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
     error = configuration.error();
   }
   if (!isCache) {
-    UnitLog(logger_, sourceFile)(LogLevel::error, "Error reading or decoding CDN: " + error, "readCDNFile(isCache:)");
+    UnitLog(logger_, sourceFile)(LogLevel::error, "Error reading or decoding CDN: " + escapedForLog(error),
+                                 "readCDNFile(isCache:)");
   }
   return nullptr;
 }
@@ -111,7 +112,8 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
   if (!folder) return;
   const std::scoped_lock lock(mutex_);
   if (const auto made = files.createDirectories(*folder); !made) {
-    log(LogLevel::error, "Error creating Application Support directory for Quillon Consent SDK: " + made.error(),
+    log(LogLevel::error,
+        "Error creating Application Support directory for Quillon Consent SDK: " + escapedForLog(made.error()),
         function);
     return;
   }
@@ -120,19 +122,19 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
   const auto backup = *folder / backupName;
   if (files.stamp(target)) {
     if (const auto moved = files.move(target, backup); moved) {
-      log(LogLevel::info, "Backup created: " + backup.string(), function);
+      log(LogLevel::info, "Backup created: " + escapedForLog(backup.string()), function);
     } else {
-      log(LogLevel::error, "Error creating backup: " + moved.error(), function);
+      log(LogLevel::error, "Error creating backup: " + escapedForLog(moved.error()), function);
     }
   }
 
   if (const auto written = files.write(target, sealed(encode(config))); !written) {
-    log(LogLevel::error, "Error saving CDN: " + written.error(), function);
+    log(LogLevel::error, "Error saving CDN: " + escapedForLog(written.error()), function);
     if (!files.stamp(backup)) return;
     if (const auto restored = files.move(backup, target); restored) {
-      log(LogLevel::info, "Backup restored to original: " + target.string(), function);
+      log(LogLevel::info, "Backup restored to original: " + escapedForLog(target.string()), function);
     } else {
-      log(LogLevel::error, "Error restoring backup: " + restored.error(), function);
+      log(LogLevel::error, "Error restoring backup: " + escapedForLog(restored.error()), function);
     }
     return;
   }
@@ -148,7 +150,7 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
       transaction.remove(key::cdnEtag);
     }
   });
-  log(LogLevel::info, "CDN saved at: " + target.string(), function);
+  log(LogLevel::info, "CDN saved at: " + escapedForLog(target.string()), function);
 }
 
 void ConfigurationCache::reset() {
@@ -163,9 +165,9 @@ void ConfigurationCache::reset() {
 void ConfigurationCache::removeCDNFile(FileSystem& files, const std::filesystem::path& file) {
   const UnitLog log(logger_, sourceFile);
   if (const auto removed = files.remove(file); removed) {
-    log(LogLevel::info, "Existing file removed: " + file.string(), "removeCDNFile(_:_:)");
+    log(LogLevel::info, "Existing file removed: " + escapedForLog(file.string()), "removeCDNFile(_:_:)");
   } else {
-    log(LogLevel::error, "Error removing existing file: " + removed.error(), "removeCDNFile(_:_:)");
+    log(LogLevel::error, "Error removing existing file: " + escapedForLog(removed.error()), "removeCDNFile(_:_:)");
   }
 }
 

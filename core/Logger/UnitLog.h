@@ -2,9 +2,9 @@
 #pragma once
 
 #include <source_location>
-#include <string>
 #include <string_view>
 
+#include "core/Logger/LogText.h"
 #include "quillon/SDKLogger.h"
 
 namespace quillon {
@@ -23,9 +23,5 @@ class UnitLog {
   SDKLogger& logger_;
   std::string_view unit_;
 };
-
-// A value from outside as it may stand in a log line: control characters and line breaks become escapes such as \n, and
-// what exceeds 64 KiB is cut and counted.
-[[nodiscard]] std::string escapedForLog(std::string_view value);
 
 }  // namespace quillon

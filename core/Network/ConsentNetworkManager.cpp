@@ -34,6 +34,20 @@ Task<Answer> exchangeOver(HttpSession& session, HttpRequest request, std::stop_t
       std::move(initiate), boost::asio::use_awaitable, std::move(request), std::move(stop));
 }
 
+// An error page, or a message, may repeat the token that the request carried. From here on it is nowhere in the answer.
+void maskEcho(HttpResponse& response, const HttpRequest& request) {
+  const auto token = request.headers.find("X-Auth-Token");
+  if (token == request.headers.end() || token->second.empty()) return;
+  const auto mask = [&secret = token->second](std::string& text) {
+    constexpr std::string_view stars = "***";
+    for (auto at = text.find(secret); at != std::string::npos; at = text.find(secret, at + stars.size())) {
+      text.replace(at, secret.size(), stars);
+    }
+  };
+  mask(response.body);
+  for (auto& [name, value] : response.headers) mask(value);
+}
+
 }  // namespace
 
 Task<std::expected<ConsentNetworkManager::Exchange, RequestFailure>> ConsentNetworkManager::send(HttpRequest request) {
@@ -42,6 +56,7 @@ Task<std::expected<ConsentNetworkManager::Exchange, RequestFailure>> ConsentNetw
   if (!answer) co_return std::unexpected(RequestFailure(std::move(answer.error())));
 
   HttpResponse& response = *answer;
+  maskEcho(response, sent);
   const int status = response.status.value_or(notHttp);
   if (status >= 200 && status <= 299) {
     const auto tag = response.headers.find("Etag");

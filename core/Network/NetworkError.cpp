@@ -1,19 +1,21 @@
 #include "core/Network/NetworkError.h"
 
+#include "core/Logger/LogText.h"
+
 namespace quillon {
 
 std::string NetworkError::description() const {
   switch (kind) {
     case Case::invalidPath:
-      return "Invalid Patherror ocurred (" + message;
+      return "Invalid Patherror ocurred (" + escapedForLog(message);
     case Case::badUrl:
-      return "Bad URL error ocurred\n" + message;
+      return "Bad URL error ocurred\n" + escapedForLog(message);
     case Case::invalidStatusCode:
       return "Failed with Status (" + std::to_string(code) + ")";
     case Case::decodingError:
-      return "Failed while Decoding Response.\n" + message;
+      return "Failed while Decoding Response.\n" + escapedForLog(message);
     case Case::invalidURL:
-      return "Invalid URL error ocurred.\n" + message;
+      return "Invalid URL error ocurred.\n" + escapedForLog(message);
     case Case::response:
     case Case::keyMapping:
     case Case::cdnNotModified:
@@ -44,7 +46,7 @@ std::string NetworkError::localizedDescription(const HostApplication& host) cons
 
 std::string description(const RequestFailure& failure) {
   if (const auto* error = std::get_if<NetworkError>(&failure)) return error->description();
-  return std::get<TransportError>(failure).description;
+  return escapedForLog(std::get<TransportError>(failure).description);
 }
 
 }  // namespace quillon

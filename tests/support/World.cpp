@@ -71,17 +71,22 @@ ConsentSDKOptions World::options() const {
 void World::restart() {
   held_.reset();
   sdk.reset();
-  platform = linuxPlatform({.applicationId = "test", .dataDirectory = data, .vendorUrl = server.url()});
-  platform.console = console;
-  platform.clock = clock;
-  platform.network = network;
-  platform.permissions = permissions;
-  platform.locale = std::make_shared<FixedLocale>(std::vector<std::string>{"en-GB"});
-  platform.tracking = std::make_shared<WorldTracking>(tracking);
-  platform.host = std::make_shared<FixedHostApplication>(
-      FixedHostApplication::Description{.componentVersions = {{"org.quillon.consent.core", "1.2.3"}}});
-  if (amend) amend(platform);
+  platform = process();
   sdk = std::make_unique<ConsentSDK>(platform);
+}
+
+Platform World::process() {
+  Platform services = linuxPlatform({.applicationId = "test", .dataDirectory = data, .vendorUrl = server.url()});
+  services.console = console;
+  services.clock = clock;
+  services.network = network;
+  services.permissions = permissions;
+  services.locale = std::make_shared<FixedLocale>(std::vector<std::string>{"en-GB"});
+  services.tracking = std::make_shared<WorldTracking>(tracking);
+  services.host = std::make_shared<FixedHostApplication>(
+      FixedHostApplication::Description{.componentVersions = {{"org.quillon.consent.core", "1.2.3"}}});
+  if (amend) amend(services);
+  return services;
 }
 
 void World::start(ConsentSDKOptions chosen) {

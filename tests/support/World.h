@@ -41,6 +41,8 @@ class World {
   void start(ConsentSDKOptions chosen);
   // Ends the process, as it were, and begins another one over the same disk.
   void restart();
+  // The services that one process gets.
+  Platform process();
 
   std::shared_ptr<const SuiteEntries> snapshot();
   StoredValues stored();

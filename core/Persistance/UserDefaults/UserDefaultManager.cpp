@@ -3,6 +3,7 @@
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
+#include "core/Logger/LogText.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
@@ -31,7 +32,7 @@ KeyValueSuite& UserDefaultManager::suite() const {
     auto report = [background = platform_.executors->background(), link = reports_](std::string message) {
       background->post([link, message = std::move(message)] {
         const std::scoped_lock lock(link->mutex);
-        if (link->logger) link->logger->log(message, LogLevel::error, "suite", sourceFile, __LINE__);
+        if (link->logger) link->logger->log(escapedForLog(message), LogLevel::error, "suite", sourceFile, __LINE__);
       });
     };
     suite_ = platform_.store->open(key::suiteName, std::move(report));
@@ -58,7 +59,8 @@ bool UserDefaultManager::transact(const std::function<void(StoreTransaction&)>& 
   turn.unlock();
   if (tell) tell();
   if (!outcome) {
-    logger_.log("Failed to store: " + outcome.error(), LogLevel::error, "transact", sourceFile, __LINE__);
+    logger_.log("Failed to store: " + escapedForLog(outcome.error()), LogLevel::error, "transact", sourceFile,
+                __LINE__);
   }
   return outcome.has_value();
 }
@@ -118,8 +120,8 @@ bool UserDefaultManager::removeAllConsents() {
     // At threshold debug that very line named a subject and so made a new one.
     remove(key::subjectId);
   } else {
-    logger_.log("Failed to remove all consents: " + outcome.error(), LogLevel::error, "removeAllConsents()", sourceFile,
-                __LINE__);
+    logger_.log("Failed to remove all consents: " + escapedForLog(outcome.error()), LogLevel::error,
+                "removeAllConsents()", sourceFile, __LINE__);
   }
   return outcome.has_value();
 }

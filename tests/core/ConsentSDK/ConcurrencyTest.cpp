@@ -123,44 +123,5 @@ TEST(Concurrency, NoDecisionIsDroppedBetweenUploads) {
   EXPECT_TRUE(world.stored().pendingPermissions().empty());
 }
 
-TEST(Concurrency, SetUpsAndRemovalsMayOverlapEverything) {
-  World world;
-  world.restart();
-  std::vector<std::jthread> threads;
-  for (unsigned seed = 0; seed < 4; ++seed) {
-    threads.emplace_back([&world, seed] {
-      std::mt19937 random(seed);
-      for (int i = 0; i < 15; ++i) {
-        switch (random() % 7) {
-          case 0:
-            world.sdk->setup(world.options());
-            break;
-          case 1:
-            world.sdk->removeConsents();
-            break;
-          case 2:
-            world.sdk->acceptOrReject(random() % 2 == 0, [](bool) {});
-            break;
-          case 3:
-            world.sdk->isReady([](SDKStatus) {});
-            break;
-          case 4:
-            world.sdk->removeListeners();
-            break;
-          case 5:
-            std::ignore = world.sdk->isBannerDue();
-            break;
-          default:
-            world.sdk->getPurposeConsents([](auto) {});
-        }
-      }
-    });
-  }
-  threads.clear();
-  world.sdk->settled().wait();
-  world.start();
-  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
-}
-
 }  // namespace
 }  // namespace quillon::test

@@ -1,0 +1,86 @@
+#include "core/Logger/LogText.h"
+
+#include "core/Configuration/Utf8.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::size_t maximumBytes = 64 << 10;
+constexpr std::string_view hexDigits = "0123456789abcdef";
+
+constexpr bool isBetween(unsigned code, unsigned first, unsigned last) {
+  return code >= first && code <= last;
+}
+
+// The code point of a character of two or three bytes; longer ones are never escaped.
+unsigned codeOf(std::string_view character) {
+  const auto bits = [&](std::size_t i, unsigned mask) { return static_cast<unsigned char>(character[i]) & mask; };
+  if (character.size() == 2) return bits(0, 0x1f) << 6 | bits(1, 0x3f);
+  return bits(0, 0x0f) << 12 | bits(1, 0x3f) << 6 | bits(2, 0x3f);
+}
+
+// Control characters above ASCII, line and paragraph separators, and the marks that turn the order of writing.
+bool isTreacherous(unsigned code) {
+  return isBetween(code, 0x80, 0x9f) || code == 0x61c || isBetween(code, 0x200e, 0x200f) ||
+         isBetween(code, 0x2028, 0x202e) || isBetween(code, 0x2066, 0x2069);
+}
+
+void appendByte(std::string& text, char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  text.append("\\x").append(1, hexDigits[byte >> 4]).append(1, hexDigits[byte & 15]);
+}
+
+void appendCode(std::string& text, unsigned code) {
+  text += "\\u";
+  for (int shift = 12; shift >= 0; shift -= 4) text += hexDigits[code >> shift & 15];
+}
+
+enum class LineBreaks { escaped, kept };
+
+std::string escaped(std::string_view value, LineBreaks lineBreaks) {
+  std::string text;
+  text.reserve(value.size());
+  for (std::size_t length = 0; !value.empty(); value.remove_prefix(length)) {
+    length = utf8Length(value);
+    const char c = value.front();
+    if (length > 1) {
+      const std::string_view character = value.substr(0, length);
+      const unsigned code = length < 4 ? codeOf(character) : 0;
+      if (isTreacherous(code)) {
+        appendCode(text, code);
+      } else {
+        text += character;
+      }
+    } else if (length == 0) {
+      appendByte(text, c);
+      length = 1;
+    } else if (lineBreaks == LineBreaks::kept && (c == '\n' || c == '\t')) {
+      text += c;
+    } else if (c == '\n') {
+      text += "\\n";
+    } else if (c == '\r') {
+      text += "\\r";
+    } else if (c == '\t') {
+      text += "\\t";
+    } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
+      appendByte(text, c);
+    } else {
+      text += c;
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string escapedForLog(std::string_view value) {
+  std::string text = escaped(value.substr(0, maximumBytes), LineBreaks::escaped);
+  if (value.size() > maximumBytes) text += "… (" + std::to_string(value.size()) + " bytes)";
+  return text;
+}
+
+std::string printableForLog(std::string_view message) {
+  return escaped(message, LineBreaks::kept);
+}
+
+}  // namespace quillon

@@ -1,0 +1,305 @@
+// Every operation of the SDK, called by many threads at random while the device, the network and further instances
+// change around them.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <boost/json.hpp>
+#include <chrono>
+#include <cstdlib>
+#include <random>
+#include <regex>
+#include <thread>
+#include <tuple>
+#include <utility>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "quillon/LinuxPlatform.h"
+#include "quillon/SDKLogger.h"
+#include "tests/support/NotingPresenter.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::string_view token = "secret-token";
+constexpr int threadCount = 32;
+
+// A few seconds find what is common; QUILLON_STRESS_SECONDS asks for more.
+std::chrono::seconds duration() {
+#ifdef __SANITIZE_THREAD__
+  constexpr auto usual = 4s;
+#else
+  constexpr auto usual = 1s;
+#endif
+  const char* wanted = std::getenv("QUILLON_STRESS_SECONDS");
+  return wanted == nullptr ? usual : std::chrono::seconds(std::atoi(wanted));
+}
+
+// Knows nothing but that the token has no place in a log; a minute of blocks would be too much to keep.
+class WatchfulConsole : public Console {
+ public:
+  void write(std::string_view block) override {
+    if (block.find(token) != std::string_view::npos) ADD_FAILURE() << "logged the token: " << block;
+  }
+  void fatal(std::string_view message, std::string_view /*file*/) override {
+    ADD_FAILURE() << message;
+    std::abort();
+  }
+};
+
+// One of the threads: what it calls with, and what it waits for.
+class Caller {
+ public:
+  Caller(World& world, unsigned seed) : world_(world), random_(seed) {}
+  Caller(const Caller&) = delete;
+  Caller& operator=(const Caller&) = delete;
+
+  World& world() { return world_; }
+  std::uint32_t below(std::uint32_t bound) { return random_() % bound; }
+  bool chance() { return below(2) == 0; }
+
+  Purpose purpose() {
+    Purpose purpose;
+    purpose.purposeId = 1 + below(4);  // the last is none of the configuration's
+    return purpose;
+  }
+  VantariKey permission() {
+    return chance() ? VantariKey(VantariKey::cameraUsageDescription) : VantariKey("com.example.other");
+  }
+  ConsentStatus status() { return chance() ? ConsentStatus::granted : ConsentStatus::declined; }
+  std::optional<MainConfiguration> configuration() {
+    return chance() ? std::nullopt : std::optional<MainConfiguration>(MainConfiguration{});
+  }
+  ConsentSDKOptions options() {
+    ConsentSDKOptions options = world_.options();
+    options.testingMode = below(4) == 0;
+    options.mode = chance() ? Mode::live : Mode::draft;
+    options.logLevel = chance() ? LogLevel::debug : LogLevel::error;
+    if (chance()) options.languageCode = chance() ? "de" : "en";
+    if (chance()) options.locationCode.reset();
+    if (chance()) options.subjectId.reset();
+    return options;
+  }
+
+  // A callback of any operation. It is waited for, be it that it is called or that it is dropped uncalled.
+  auto callback() {
+    auto called = std::make_shared<Called>();
+    waited_ = called->promise.get_future();
+    return [called](const auto&...) {
+      EXPECT_FALSE(called->once.test_and_set()) << "called twice";
+      called->promise.set_value();
+    };
+  }
+  template <class Result>
+  void wait(std::future<Result> result) {
+    ASSERT_EQ(result.wait_for(60s), std::future_status::ready) << "hangs";
+    EXPECT_NO_THROW(std::ignore = (result.get(), 0));
+  }
+  void waitForCallback() {
+    if (!waited_.valid()) return;
+    ASSERT_EQ(waited_.wait_for(60s), std::future_status::ready) << "neither called nor dropped";
+    waited_ = {};
+  }
+
+ private:
+  struct Called {
+    std::promise<void> promise;
+    std::atomic_flag once;
+  };
+
+  World& world_;
+  std::mt19937 random_;
+  std::future<void> waited_;
+};
+
+struct Operation {
+  std::string_view name;  // as it is declared
+  void (*call)(ConsentSDK& sdk, Caller& caller);
+};
+
+void callAnything(ConsentSDK& sdk, Caller& caller);
+
+// One line for each declaration of the public header, overloads included.
+constexpr Operation operations[] = {
+    {"shared", [](ConsentSDK&, Caller&) { std::ignore = ConsentSDK::shared().getStatus(); }},
+    {"ConsentSDK",
+     [](ConsentSDK&, Caller& caller) {
+       ConsentSDK another(caller.world().process());
+       another.setup(caller.options());
+       caller.wait(another.settled());
+     }},
+    {"~ConsentSDK",
+     [](ConsentSDK&, Caller& caller) {
+       auto another = std::make_unique<ConsentSDK>(caller.world().process());
+       another->setup(caller.options());
+       for (int i = 0; i < 3; ++i) callAnything(*another, caller);
+       another->acceptOrReject(caller.chance(), caller.callback());
+       another.reset();
+     }},
+    {"setup", [](ConsentSDK& sdk, Caller& caller) { sdk.setup(caller.options()); }},
+    {"getStatus", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.getStatus(); }},
+    {"isReady", [](ConsentSDK& sdk, Caller&) { sdk.isReady([](SDKStatus) {}); }},
+    {"removeListeners", [](ConsentSDK& sdk, Caller&) { sdk.removeListeners(); }},
+    {"sdkVersion", [](ConsentSDK& sdk, Caller&) { EXPECT_EQ(sdk.sdkVersion(), "1.2.3"); }},
+    {"logger",
+     [](ConsentSDK& sdk, Caller& caller) {
+       sdk.logger().setLogLevel(caller.chance() ? LogLevel::debug : LogLevel::error);
+       sdk.logger().log("said by the host", LogLevel::warning, "logger", "test", 1);
+     }},
+    {"get", [](ConsentSDK& sdk, Caller& caller) { std::ignore = sdk.get(*caller.purpose().purposeId); }},
+    {"get", [](ConsentSDK& sdk, Caller& caller) { std::ignore = sdk.get(caller.permission()); }},
+    {"set", [](ConsentSDK& sdk, Caller& caller) { EXPECT_TRUE(sdk.set(caller.purpose(), caller.status())); }},
+    {"set",
+     [](ConsentSDK& sdk, Caller& caller) {
+       AppPermission permission;
+       permission.permissionId = caller.permission();
+       EXPECT_TRUE(sdk.set(permission, caller.status()));
+     }},
+    {"getPurposeConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.getPurposeConsents(caller.callback()); }},
+    {"getPurposeConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getPurposeConsents()); }},
+    {"getPermissionConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.getPermissionConsents(caller.callback()); }},
+    {"getPermissionConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getPermissionConsents()); }},
+    {"checkConsentBy",
+     [](ConsentSDK& sdk, Caller& caller) { sdk.checkConsentBy(caller.permission(), caller.callback()); }},
+    {"checkConsentBy", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.checkConsentBy(caller.permission())); }},
+    {"getGCMConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.getGCMConsents(caller.callback()); }},
+    {"getGCMConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getGCMConsents()); }},
+    {"removeConsents", [](ConsentSDK& sdk, Caller&) { sdk.removeConsents(); }},
+    {"getBannerConfig",
+     [](ConsentSDK& sdk, Caller& caller) { sdk.getBannerConfig(caller.configuration(), caller.callback()); }},
+    {"getBannerConfig",
+     [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getBannerConfig(caller.configuration())); }},
+    {"isBannerDue", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.isBannerDue(); }},
+    {"acceptOrReject", [](ConsentSDK& sdk, Caller& caller) { sdk.acceptOrReject(caller.chance(), caller.callback()); }},
+    {"acceptOrReject", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.acceptOrReject(caller.chance())); }},
+    {"getSettingsPrompt", [](ConsentSDK& sdk, Caller& caller) { sdk.getSettingsPrompt(caller.callback()); }},
+    {"getSettingsPrompt", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getSettingsPrompt()); }},
+    {"getGCMConfig", [](ConsentSDK& sdk, Caller& caller) { sdk.getGCMConfig(caller.callback()); }},
+    {"getGCMConfig", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getGCMConfig()); }},
+    {"presentBanner", [](ConsentSDK& sdk, Caller&) { sdk.presentBanner(); }},
+    {"presentPreferenceCenter", [](ConsentSDK& sdk, Caller&) { sdk.presentPreferenceCenter(); }},
+    {"presentSettingPrompt", [](ConsentSDK& sdk, Caller& caller) { sdk.presentSettingPrompt(caller.permission()); }},
+    {"openLink", [](ConsentSDK& sdk, Caller&) { sdk.openLink("https://a.example/"); }},
+    {"registerFonts", [](ConsentSDK& sdk, Caller&) { sdk.registerFonts(CustomFont{}, {}, {}, {}); }},
+    {"registerColors", [](ConsentSDK& sdk, Caller&) { sdk.registerColors({}); }},
+    {"uploadConsents",
+     [](ConsentSDK& sdk, Caller& caller) { sdk.uploadConsents(caller.world().server.url(), {}, caller.callback()); }},
+    {"uploadConsents",
+     [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.uploadConsents(caller.world().server.url(), {})); }},
+    {"uploadPendingConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.uploadPendingConsents(caller.callback()); }},
+    {"uploadPendingConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.uploadPendingConsents()); }},
+    {"checkConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.checkConsents(caller.callback()); }},
+    {"checkConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.checkConsents()); }},
+    // Ready only once nobody calls any more.
+    {"settled", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.settled(); }},
+    {"core", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.core(); }},
+};
+
+void callAnything(ConsentSDK& sdk, Caller& caller) {
+  constexpr std::uint32_t withoutInstances = 3;
+  operations[withoutInstances + caller.below(std::size(operations) - withoutInstances)].call(sdk, caller);
+}
+
+// What the header declares within the class, in the order of the names.
+std::multiset<std::string> declaredOperations() {
+  std::string text = fileBytes(std::string(QUILLON_PUBLIC_HEADERS) + "/ConsentSDK.h");
+  text = std::regex_replace(text, std::regex("//[^\n]*"), "");
+  const auto begin = text.find("class ConsentSDK {");
+  const auto end = text.find("private:", begin);
+  EXPECT_NE(end, std::string::npos);
+  text = text.substr(begin, end - begin);
+  std::multiset<std::string> names;
+  static const std::regex declaration(R"((~?\w+)\()");
+  for (std::size_t from = text.find("public:"), to = 0; (to = text.find(';', from)) != std::string::npos;
+       from = to + 1) {
+    const std::string statement = text.substr(from, to - from);
+    std::smatch match;
+    const bool absent = statement.find("= delete") != std::string::npos;
+    if (!absent && std::regex_search(statement, match, declaration)) names.insert(match[1]);
+  }
+  return names;
+}
+
+TEST(PublicOperations, AreAllInTheTable) {
+  std::multiset<std::string> listed;
+  for (const Operation& operation : operations) listed.emplace(operation.name);
+  EXPECT_EQ(listed, declaredOperations());
+}
+
+void changeSurroundings(Caller& caller) {
+  World& world = caller.world();
+  switch (caller.below(3)) {
+    case 0:
+      world.network->set(caller.chance() ? NetworkStatus::satisfied : NetworkStatus::unsatisfied);
+      break;
+    case 1:
+      world.permissions->set(VantariKey::cameraUsageDescription, static_cast<int>(caller.below(4)));
+      break;
+    default:
+      world.clock->advance(std::chrono::seconds(1 + caller.below(120)));
+  }
+}
+
+// Declared first, since the shared instance is used to the end of the process.
+const TemporaryFolder& sharedFolder() {
+  static const TemporaryFolder folder;
+  return folder;
+}
+
+TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
+  configure({.applicationId = "test", .dataDirectory = sharedFolder().path() / "shared"});
+  World world;
+  world.amend = [presenter = std::make_shared<NotingPresenter>()](Platform& platform) {
+    platform.console = std::make_shared<WatchfulConsole>();
+    platform.screens = presenter;
+  };
+  std::atomic<int> requests = 0;
+  const auto third = [&requests](ConsentServer::Handler rest) {
+    return [&requests, rest = std::move(rest)](const auto& request, auto& response) {
+      if (requests++ % 3 == 0) return json("got " + request.get_header_value("X-Auth-Token"), 503)(request, response);
+      rest(request, response);
+    };
+  };
+  world.server.onConfiguration(third(json(boost::json::serialize(validConfiguration()))));
+  world.server.onUpload(third(json(R"({"status":0,"message":"saved"})")));
+  world.start();
+
+  std::atomic<std::uint64_t> calls = 0;
+  {
+    const auto end = Clock::now() + duration();
+    std::vector<std::jthread> threads;
+    for (unsigned seed = 0; seed < threadCount; ++seed) {
+      threads.emplace_back([&, seed] {
+        Caller caller(world, seed);
+        for (; Clock::now() < end && !testing::Test::HasFailure(); ++calls) {
+          if (caller.below(8) == 0) changeSurroundings(caller);
+          const auto& operation = operations[caller.below(std::size(operations))];
+          SCOPED_TRACE(std::string(operation.name));
+          operation.call(*world.sdk, caller);
+          caller.waitForCallback();
+        }
+      });
+    }
+  }
+  RecordProperty("calls", std::to_string(calls));
+
+  // After all that it works as on the first day.
+  world.settle();
+  world.server.serve(boost::json::serialize(validConfiguration()));
+  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  world.start();
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
+  EXPECT_TRUE(world.sdk->acceptOrReject(true).get());
+  EXPECT_EQ(world.sdk->get(1), ConsentStatus::granted);
+  EXPECT_TRUE(world.sdk->uploadPendingConsents().get());
+  const StoredValues stored = world.stored();
+  EXPECT_TRUE(stored.pendingPurposes().empty());
+  EXPECT_TRUE(stored.pendingPermissions().empty());
+  EXPECT_EQ(stored.consentGivenType(), givenType::explicitly);
+}
+
+}  // namespace
+}  // namespace quillon::test
