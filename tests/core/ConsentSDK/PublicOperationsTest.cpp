@@ -84,6 +84,9 @@ class Caller {
     return options;
   }
 
+  // Ends the listening of before.
+  void hold(Listening listening) { listening_ = std::move(listening); }
+
   // A callback of any operation. It is waited for, be it that it is called or that it is dropped uncalled.
   auto callback() {
     auto called = std::make_shared<Called>();
@@ -113,6 +116,7 @@ class Caller {
   World& world_;
   std::mt19937 random_;
   std::future<void> waited_;
+  Listening listening_;
 };
 
 struct Operation {
@@ -179,6 +183,19 @@ constexpr Operation operations[] = {
     {"getSettingsPrompt", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getSettingsPrompt()); }},
     {"getGCMConfig", [](ConsentSDK& sdk, Caller& caller) { sdk.getGCMConfig(caller.callback()); }},
     {"getGCMConfig", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getGCMConfig()); }},
+    {"consentScript", [](ConsentSDK& sdk, Caller& caller) { sdk.consentScript(caller.callback()); }},
+    {"consentScript", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.consentScript()); }},
+    {"getHistory", [](ConsentSDK& sdk, Caller& caller) { sdk.getHistory(20, std::nullopt, caller.callback()); }},
+    {"getHistory", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getHistory(20, 1 + caller.below(500))); }},
+    {"explain", [](ConsentSDK& sdk, Caller& caller) { sdk.explain(*caller.purpose().purposeId, caller.callback()); }},
+    {"explain", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.explain(*caller.purpose().purposeId)); }},
+    {"listenToConsents",
+     [](ConsentSDK& sdk, Caller& caller) { caller.hold(sdk.listenToConsents([](const Decision&) {})); }},
+    {"listenToScreens",
+     [](ConsentSDK& sdk, Caller& caller) { caller.hold(sdk.listenToScreens([](const ScreenEvent&) {})); }},
+    {"listenToUploads",
+     [](ConsentSDK& sdk, Caller& caller) { caller.hold(sdk.listenToUploads([](const UploadEvent&) {})); }},
+    {"explainBanner", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.explainBanner(); }},
     {"presentBanner", [](ConsentSDK& sdk, Caller&) { sdk.presentBanner(); }},
     {"presentPreferenceCenter", [](ConsentSDK& sdk, Caller&) { sdk.presentPreferenceCenter(); }},
     {"presentSettingPrompt", [](ConsentSDK& sdk, Caller& caller) { sdk.presentSettingPrompt(caller.permission()); }},

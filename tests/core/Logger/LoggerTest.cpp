@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <boost/json.hpp>
+#include <sstream>
+
+#include "core/Logger/LogText.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "quillon/SDKLogger.h"
 #include "tests/support/World.h"
@@ -51,6 +55,65 @@ TEST_F(Logger, PassesWhatIsAtOrAboveItsThreshold) {
       EXPECT_EQ(blocks(threshold, level).empty(), level < threshold) << rawValue(threshold) << rawValue(level);
     }
   }
+}
+
+TEST(LogText, HoldsNothingThatATerminalObeysOrThatMisleadsTheReader) {
+  struct Row {
+    std::string_view value, escaped;
+  };
+  for (const auto& [value, escaped] : {
+           Row{"Grüße, 你好 👋🏽", "Grüße, 你好 👋🏽"},
+           {std::string_view("a\0b\x1b[2J\x7f", 8), R"(a\x00b\x1b[2J\x7f)"},
+           {"one\r\n\ttwo", R"(one\r\n\ttwo)"},
+           {"\u009b1m\u0085\u00a0", "\\u009b1m\\u0085\u00a0"},
+           {"a\u202eb\u2066c\u200fd\u061c", R"(a\u202eb\u2066c\u200fd\u061c)"},
+           {"\u2028\u2029\u2027", "\\u2028\\u2029\u2027"},
+           {"\x9b\xff\xc3(\xed\xa0\x80\xf0\x9f", R"(\x9b\xff\xc3(\xed\xa0\x80\xf0\x9f)"},
+       }) {
+    EXPECT_EQ(escapedForLog(value), escaped);
+    EXPECT_EQ(escapedForLog(escaped), escaped) << "twice is once";
+  }
+  EXPECT_EQ(printableForLog("one\r\n\ttwo\x1b"), "one\\r\n\ttwo\\x1b");
+  EXPECT_TRUE(escapedForLog(std::string(70'000, 'x')).ends_with("xx… (70000 bytes)"));
+}
+
+// What each of those who are not the SDK says, as an attacker would.
+TEST(LogText, NobodyOutsideForgesALine) {
+  World world;
+  const auto evil = [](const std::string& origin) {
+    return "\n2023-11-14 22:13:20.000 [ERROR]" + origin + "\r\x1b[2J\u009b1m\u202e\u2028";
+  };
+  auto options = world.options();
+  options.logLevel = LogLevel::debug;
+  options.subjectId = evil("subject");
+  world.start(options);
+  world.sdk->isReady([&](SDKStatus status) {
+    if (status == SDKStatus::fetching) throw std::runtime_error(evil("exception"));
+  });
+  world.server.onUpload(json(boost::json::serialize(boost::json::object{{"status", 1}, {"message", evil("answer")}})));
+  EXPECT_TRUE(world.sdk->acceptOrReject(true).get());
+  for (const auto& [body, status] :
+       {std::pair{evil("error page"), 500},
+        {R"({"purposes": [{"member": 1, "member": 2}]})", 200},
+        {"{" + boost::json::serialize(boost::json::string(evil("key"))) + ":{\"a\":tru}}", 200}}) {
+    world.server.onConfiguration(json(body, status));
+    world.advance(std::chrono::hours(2));
+    world.start(options);
+    world.settle();
+  }
+  options.tenantId = evil("tenant");
+  world.advance(std::chrono::hours(2));
+  world.start(options);
+
+  const std::string log = world.log();
+  for (const char* origin : {"subject", "exception", "answer", "error page", "key", "tenant"}) {
+    EXPECT_NE(log.find("[ERROR]" + std::string(origin) + "\\r\\x1b[2J\\u009b1m\\u202e\\u2028"), std::string::npos)
+        << origin;
+  }
+  EXPECT_EQ(log, printableForLog(log));
+  std::istringstream lines(log);
+  for (std::string line; std::getline(lines, line);)
+    EXPECT_FALSE(line.starts_with("2023-11-14 22:13:20.000 [ERROR]")) << line;
 }
 
 }  // namespace

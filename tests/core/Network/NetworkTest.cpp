@@ -84,6 +84,61 @@ TEST_F(Requests, NeedAnAddress) {
             (NetworkError{Case::invalidURL, "http://h/consent/mobile_banner/a b\r\nX: y/a1/live/config.json"}));
 }
 
+// Configuration, location and uploads come from servers of their own; each answers with whatever it was told.
+TEST(AccessToken, GoesToTheApplicationServerAloneAndIntoNoLog) {
+  World world;
+  ConsentServer application, other;
+  auto document = validConfiguration();
+  document["banner_config"].as_object()["categories"].as_object()["us"] = {{"compliance_type", "opt-out"}};
+  document["banner_config"].as_object()["locations"].as_object()["US"] = "us";
+  world.server.serve(boost::json::serialize(document));
+  auto options = world.options();
+  options.appUrl = application.url();
+  options.locationCode.reset();
+  options.logLevel = LogLevel::debug;
+  world.start(options);
+  EXPECT_EQ(world.server.seen(locationPath).size(), 1u);
+
+  const auto echo = [](const httplib::Request& request) {
+    return "you are " + request.get_header_value("X-Auth-Token");
+  };
+  const ConsentServer::Handler answers[] = {
+      [&](const auto&, auto& response) {
+        response.set_redirect(other.url() + "vantari/v1/consent/mobile/singleupload", 307);
+      },
+      [&](const auto& request, auto& response) {
+        response.set_header("X-Debug", echo(request));
+        json(echo(request), 500)(request, response);
+      },
+      [&](const auto& request, auto& response) { json(echo(request))(request, response); },
+      [&](const auto& request, auto& response) {
+        json(R"({"status":1,"message":")" + echo(request) + "\"}")(request, response);
+      },
+  };
+  std::string said;
+  const auto listening = world.sdk->listenToUploads([&](const UploadEvent& event) { said += event.message; });
+  for (const auto& answer : answers) {
+    application.onUpload(answer);
+    EXPECT_TRUE(world.sdk->acceptOrReject(true).get());
+  }
+  world.server.onConfiguration(json(boost::json::serialize(document) + "x", 200));
+  world.clock->advance(std::chrono::hours(2));
+  world.start(options);
+  world.settle();
+
+  for (const auto* server : {&world.server, &application, &other}) {
+    for (const auto& request : server->seen()) {
+      const bool carries = request.headers.contains("X-Auth-Token");
+      EXPECT_EQ(carries, server == &application) << request.path;
+      EXPECT_EQ((request.path + request.body).find("secret-token"), std::string::npos);
+    }
+  }
+  EXPECT_GE(application.seen(uploadPath).size(), std::size(answers));
+  EXPECT_NE(world.log().find("you are ***"), std::string::npos);
+  EXPECT_EQ((world.log() + said).find("secret-token"), std::string::npos);
+  EXPECT_NE(said.find("you are ***"), std::string::npos);
+}
+
 TEST(ExchangeTexts, HaveOneFormWithTheTokenMasked) {
   HttpRequest request;
   request.url = "http://h/p";
