@@ -76,13 +76,21 @@ fs::path userDataDirectory() {
 }
 
 // Empty when the user has no home.
-fs::path dataDirectory(const LinuxOptions& options) {
+fs::path namedDataDirectory(const LinuxOptions& options) {
   if (options.dataDirectory) {
     std::error_code error;
     return fs::absolute(*options.dataDirectory, error);
   }
   const fs::path parent = userDataDirectory();
   return parent.empty() ? parent : parent / applicationFolder(options);
+}
+
+// Where links lead that the user has laid: the services themselves follow none.
+fs::path dataDirectory(const LinuxOptions& options) {
+  fs::path named = namedDataDirectory(options);
+  std::error_code error;
+  fs::path real = fs::weakly_canonical(named, error);
+  return error ? named : real;
 }
 
 // Empty for the default.

@@ -1,7 +1,11 @@
 #include "platform/linux/SqliteStore.h"
 
+#include <sys/stat.h>
+
 #include <system_error>
 
+#include "platform/linux/FileCalls.h"
+#include "platform/linux/Ownership.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteSuite.h"
 #include "platform/memory/MemoryStore.h"
@@ -19,7 +23,8 @@ bool isFileName(std::string_view name) {
 }
 
 // SQLite is told to follow no link anywhere in a path, but the way to the folder is the user's to arrange.
-std::expected<std::filesystem::path, std::string> readyFolder(const std::filesystem::path& folder) {
+std::expected<std::filesystem::path, std::string> readyFolder(const std::filesystem::path& folder,
+                                                              const KeyValueStore::Report& report) {
   std::error_code error;
   if (!std::filesystem::is_directory(folder, error)) {
     PosixFileSystem files{{}};
@@ -27,6 +32,15 @@ std::expected<std::filesystem::path, std::string> readyFolder(const std::filesys
   }
   auto canonical = std::filesystem::canonical(folder, error);
   if (error) return std::unexpected("open folder " + folder.string() + ": " + error.message());
+  struct stat status{};
+  if (::stat(canonical.c_str(), &status) != 0) return std::unexpected(systemError("open folder", canonical));
+  if (!isTrustedOwner(status.st_uid)) {
+    return std::unexpected("open folder " + canonical.string() + ": it belongs to another user");
+  }
+  // Not refused: some file systems know no modes and show everything as open to all.
+  if ((status.st_mode & S_IWOTH) != 0 && report) {
+    report("Every user may write to " + canonical.string() + " and so remove the consents in it");
+  }
   return canonical;
 }
 
@@ -43,7 +57,7 @@ std::shared_ptr<KeyValueSuite> SqliteStore::open(std::string_view name, Report r
   }
   // Without the lock, for the report may want the log and the log the store. Two threads may both get here; the first
   // to come back gives the suite that both use.
-  const auto folder = readyFolder(folder_);
+  const auto folder = readyFolder(folder_, report);
   if (!folder) {
     if (report) report(folder.error());
     return nullptr;

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "platform/linux/FileCalls.h"
+#include "platform/linux/Ownership.h"
 
 namespace quillon {
 
@@ -173,6 +174,9 @@ std::expected<SuiteFile::Opened, SuiteFile::Failure> SuiteFile::open(const std::
     return std::unexpected(Failure{errno == ENOENT ? Fault::missing : Fault::unavailable, systemError("open", path)});
   }
   if (!S_ISREG(status.st_mode)) return std::unexpected(Failure{Fault::unavailable, systemError("open", path, EINVAL)});
+  if (!isTrustedOwner(status.st_uid)) {
+    return std::unexpected(Failure{Fault::unavailable, "open " + path.string() + ": it belongs to another user"});
+  }
   if (static_cast<std::uint64_t>(status.st_size) > maximumSuiteFileBytes) {
     return std::unexpected(Failure{Fault::damaged, "it is larger than a store can be"});
   }

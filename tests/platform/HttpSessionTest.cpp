@@ -513,7 +513,14 @@ TEST_F(CurlHttpSessionTest, ServesManyExchangesAtTheSameTime) {
 // An https server that vouches for itself; it redirects to http.
 class SecureServer {
  public:
-  SecureServer() {
+  struct Certificate {
+    std::string host = "127.0.0.1";
+    std::chrono::seconds validFrom = -1h;  // counted from now
+    std::chrono::seconds validUntil = 1h;
+  };
+
+  SecureServer() : SecureServer(Certificate()) {}
+  explicit SecureServer(const Certificate& certificate) : certificate_(sign(certificate, key_.get())) {
     server_.Get("/", [this](const httplib::Request&, httplib::Response&) { asked_ = true; });
     server_.Get("/downgrade", [](const httplib::Request&, httplib::Response& response) {
       response.set_redirect("http://127.0.0.1:9/");
@@ -529,24 +536,24 @@ class SecureServer {
 
   std::string url(const std::string& path) const { return "https://127.0.0.1:" + std::to_string(port_) + path; }
   bool asked() const { return asked_; }
-  void writeCertificate(const std::string& file) const {
-    const std::unique_ptr<FILE, decltype(&fclose)> out(fopen(file.c_str(), "w"), &fclose);
+  void appendCertificate(const std::string& file) const {
+    const std::unique_ptr<FILE, decltype(&fclose)> out(fopen(file.c_str(), "a"), &fclose);
     PEM_write_X509(out.get(), certificate_.get());
   }
 
  private:
   using Key = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
-  using Certificate = std::unique_ptr<X509, decltype(&X509_free)>;
+  using Signed = std::unique_ptr<X509, decltype(&X509_free)>;
 
-  static Certificate sign(EVP_PKEY* key) {
+  static Signed sign(const Certificate& description, EVP_PKEY* key) {
     X509* certificate = X509_new();
     X509_set_version(certificate, 2);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), 1);
-    X509_gmtime_adj(X509_getm_notBefore(certificate), -3600);
-    X509_gmtime_adj(X509_getm_notAfter(certificate), 3600);
+    X509_gmtime_adj(X509_getm_notBefore(certificate), description.validFrom.count());
+    X509_gmtime_adj(X509_getm_notAfter(certificate), description.validUntil.count());
     X509_set_pubkey(certificate, key);
     X509_NAME* name = X509_get_subject_name(certificate);
-    const std::string host = "127.0.0.1";
+    const std::string& host = description.host;
     X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>(host.data()),
                                static_cast<int>(host.size()), -1, 0);
     X509_set_issuer_name(certificate, name);
@@ -555,7 +562,7 @@ class SecureServer {
   }
 
   Key key_{EVP_EC_gen("P-256"), &EVP_PKEY_free};
-  Certificate certificate_ = sign(key_.get());
+  Signed certificate_;
   httplib::SSLServer server_{certificate_.get(), key_.get()};
   std::atomic<bool> asked_ = false;
   int port_ = 0;
@@ -577,11 +584,14 @@ bool replaceFile(const char* file, const std::string& by) {
   return mount(by.c_str(), file, nullptr, MS_BIND, nullptr) == 0;
 }
 
-TEST_F(CurlHttpSessionTest, FollowsNoRedirectFromATrustedServerToPlainHttp) {
+TEST_F(CurlHttpSessionTest, BelievesATrustedCertificateOnlyOfItsHostAndInItsTimeAndFollowsItToNoPlainHttp) {
   const test::TemporaryFolder temporary;
   const std::string folder = temporary.path();
   const SecureServer secure;
-  secure.writeCertificate(folder + "/trusted.pem");
+  const SecureServer expired({.validFrom = -2h, .validUntil = -1h});
+  const SecureServer early({.validFrom = 1h, .validUntil = 2h});
+  const SecureServer other({.host = "other.example"});
+  for (const auto* server : {&secure, &expired, &early, &other}) server->appendCertificate(folder + "/trusted.pem");
   bool made = false;
   std::thread([&] {
     made = enterOwnMounts() && replaceFile("/etc/ssl/certs/ca-certificates.crt", folder + "/trusted.pem");
@@ -590,7 +600,10 @@ TEST_F(CurlHttpSessionTest, FollowsNoRedirectFromATrustedServerToPlainHttp) {
     const auto trusted = get(secure.url("/"));
     EXPECT_TRUE(trusted) << trusted.error().description;
     expectError(get(secure.url("/downgrade")), Kind::refused, "from https to http");
-    expectError(get("https://localhost" + secure.url("/").substr(sizeof("https://127.0.0.1") - 1)), Kind::refused);
+    expectError(get(expired.url("/")), Kind::refused, "expired");
+    expectError(get(early.url("/")), Kind::refused, "not yet valid");
+    expectError(get(other.url("/")), Kind::refused, "does not match");
+    EXPECT_FALSE(expired.asked() || early.asked() || other.asked());
   }).join();
   if (!made) GTEST_SKIP() << "this system lets the test replace no trusted certificates (needs root)";
 }

@@ -51,6 +51,17 @@ TEST_F(LinuxPlatformTest, GivesEveryApplicationAFolderOfItsOwnInsideTheUsersData
   EXPECT_EQ(folder({.dataDirectory = data_.path() / "elsewhere"}), data_.path() / "elsewhere");
 }
 
+TEST_F(LinuxPlatformTest, ADataFolderBehindALinkServesStoreAndFilesAlike) {
+  const auto elsewhere = data_.path() / "another disk";
+  std::filesystem::create_directory(elsewhere);
+  std::filesystem::create_directory_symlink(elsewhere, data_.path() / "platform_tests");
+  const Platform platform = linuxPlatform({});
+  EXPECT_EQ(platform.files->applicationSupportDirectory(), elsewhere);
+  EXPECT_TRUE(platform.files->createDirectories(elsewhere) && platform.files->write(elsewhere / "file", "x"));
+  EXPECT_TRUE(platform.store->open("suite", {}));
+  EXPECT_TRUE(std::filesystem::exists(elsewhere / "suite.sqlite"));
+}
+
 TEST_F(LinuxPlatformTest, NoIdentifierLeadsOutOfTheUsersData) {
   for (const std::string& id :
        std::vector<std::string>{".", "..", "../../etc", "/etc", "a/b", "a\nb", std::string(5000, 'x')}) {

@@ -140,6 +140,58 @@ TEST_F(SqliteSuiteTest, RefusesWhatIsNoFileOfItsOwn) {
   EXPECT_TRUE(SqliteStore(temporary_.path() / "link").open("other", {})) << "the way to the folder may hold links";
 }
 
+// In a folder that others may write to, as /tmp is, and with what they may have put there before.
+TEST_F(SqliteSuiteTest, BelievesNothingThatBelongsToAnotherUser) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the administrator can act as several users";
+  constexpr uid_t user = 65534, attacker = 12345;
+  ASSERT_TRUE(put(*open(), "1", std::string("granted")));
+  ASSERT_EQ(::chmod(temporary_.path().c_str(), 0711), 0);
+  const auto plant = [&](const std::filesystem::path& file) {
+    std::filesystem::copy_file(file_, file);
+    EXPECT_EQ(::chmod(file.c_str(), 0666), 0);
+    EXPECT_EQ(::chown(file.c_str(), attacker, attacker), 0);
+  };
+  struct Row {
+    std::string name;
+    uid_t owner;
+    std::function<void(const std::filesystem::path& folder)> prepare;
+    std::string outcome;
+  };
+  for (const Row& row : {
+           Row{"nothing", 0, [](const auto&) {}, "opened"},
+           {"folder", attacker, [](const auto&) {}, "refused: open folder FOLDER: it belongs to another user"},
+           {"file", 0, [&](const auto& folder) { plant(folder / "s.sqlite"); },
+            "refused: open FOLDER/s.sqlite: it belongs to another user"},
+           {"link", 0, [&](const auto& folder) { std::filesystem::create_symlink(file_, folder / "s.sqlite"); },
+            "refused: open FOLDER/s.sqlite: Invalid argument"},
+           {"unfinished", 0, [&](const auto& folder) { plant(folder / "s.sqlite.new"); },
+            "refused: remove FOLDER/s.sqlite.new: Operation not permitted"},
+       }) {
+    const auto folder = temporary_.path() / row.name;
+    std::filesystem::create_directory(folder);
+    ASSERT_EQ(::chown(folder.c_str(), row.owner, row.owner), 0);
+    ASSERT_EQ(::chmod(folder.c_str(), 01777), 0);
+    row.prepare(folder);
+    test::ChildProcess child([&](const auto& say) {
+      if (::setuid(user) != 0) return say("not permitted");
+      std::string reports;
+      const bool opened = SqliteStore(folder).open("s", [&](const std::string& text) { reports += text; }) != nullptr;
+      say((opened ? "opened: " : "refused: ") + reports);
+    });
+    std::string said = child.finish();
+    for (auto at = said.find(folder); at != std::string::npos; at = said.find(folder)) {
+      said.replace(at, folder.string().size(), "FOLDER");
+    }
+    const std::string warning = "Every user may write to FOLDER and so remove the consents in it";
+    if (const auto at = said.find(warning); at != std::string::npos) {
+      said.erase(at, warning.size());
+    } else {
+      EXPECT_EQ(row.owner, attacker) << "no warning";
+    }
+    EXPECT_TRUE(said.starts_with(row.outcome)) << said;
+  }
+}
+
 TEST_F(SqliteSuiteTest, RefusesOversizedValuesAndCommitsNothingForNoChange) {
   const auto suite = open();
   ASSERT_TRUE(put(*suite, "key", std::string(maximumEntryBytes - 3, 'x')));
