@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Holds the pages to what they say: every C++ and C sample compiles, every link leads somewhere.
+# Holds the pages to what they say: every C++ and C sample compiles, every link leads somewhere, every test named exists.
 # usage: CheckDocs.sh SOURCE_FOLDER WORK_FOLDER CXX
 #
 # A sample that includes nothing is a piece of an application that has included the SDK. One that includes the platform's
@@ -48,5 +48,16 @@ for sample in "$work"/*; do
   samples=$((samples + 1))
   compile "$sample" || fail "$(head -1 "$sample")"
 done
-echo "$samples samples, $links links, $failures failures"
-[ $samples -gt 0 ] && [ $links -gt 0 ] && [ $failures = 0 ]
+# The threat model names the tests that show what it says.
+claims=0
+while read -r suite test; do
+  claims=$((claims + 1))
+  grep -rqE "TEST(_[FP])?\($suite,\s*$test\)" tests || fail "docs/security.md: there is no test $suite.$test"
+done < <(grep -oP '`\K[A-Z]\w+\.[A-Z]\w+(?=`)' docs/security.md | tr . ' ')
+while read -r row; do
+  claims=$((claims + 1))
+  grep -rq "\"$row\"" tests/faults || fail "docs/security.md: there is no row $row"
+done < <(grep -oP '`faults \K[a-z-]+(?=`)' docs/security.md)
+
+echo "$samples samples, $links links, $claims tests named, $failures failures"
+[ $samples -gt 0 ] && [ $links -gt 0 ] && [ $claims -gt 0 ] && [ $failures = 0 ]

@@ -80,9 +80,7 @@ TEST(LogText, HoldsNothingThatATerminalObeysOrThatMisleadsTheReader) {
 // What each of those who are not the SDK says, as an attacker would.
 TEST(LogText, NobodyOutsideForgesALine) {
   World world;
-  const auto evil = [](const std::string& origin) {
-    return "\n2023-11-14 22:13:20.000 [ERROR]" + origin + "\r\x1b[2J\u009b1m\u202e\u2028";
-  };
+  const auto evil = [](const std::string& origin) { return "\nforged by " + origin + "\r\x1b[2J\u009b1m\u202e\u2028"; };
   auto options = world.options();
   options.logLevel = LogLevel::debug;
   options.subjectId = evil("subject");
@@ -94,8 +92,7 @@ TEST(LogText, NobodyOutsideForgesALine) {
   EXPECT_TRUE(world.sdk->acceptOrReject(true).get());
   for (const auto& [body, status] :
        {std::pair{evil("error page"), 500},
-        {R"({"purposes": [{"member": 1, "member": 2}]})", 200},
-        {"{" + boost::json::serialize(boost::json::string(evil("key"))) + ":{\"a\":tru}}", 200}}) {
+        {boost::json::serialize(boost::json::object{{"banner_config", {{"categories", {{evil("key"), 5}}}}}}), 200}}) {
     world.server.onConfiguration(json(body, status));
     world.advance(std::chrono::hours(2));
     world.start(options);
@@ -107,13 +104,12 @@ TEST(LogText, NobodyOutsideForgesALine) {
 
   const std::string log = world.log();
   for (const char* origin : {"subject", "exception", "answer", "error page", "key", "tenant"}) {
-    EXPECT_NE(log.find("[ERROR]" + std::string(origin) + "\\r\\x1b[2J\\u009b1m\\u202e\\u2028"), std::string::npos)
+    EXPECT_NE(log.find("\\nforged by " + std::string(origin) + "\\r\\x1b[2J\\u009b1m\\u202e\\u2028"), std::string::npos)
         << origin;
   }
   EXPECT_EQ(log, printableForLog(log));
   std::istringstream lines(log);
-  for (std::string line; std::getline(lines, line);)
-    EXPECT_FALSE(line.starts_with("2023-11-14 22:13:20.000 [ERROR]")) << line;
+  for (std::string line; std::getline(lines, line);) EXPECT_FALSE(line.starts_with("forged")) << line;
 }
 
 }  // namespace
