@@ -88,6 +88,7 @@ Task<std::optional<std::string>> ConsentSDK::Core::locationFor(const MainConfigu
   if (options && options->locationCode && !options->locationCode->empty()) co_return options->locationCode;
   if (!dependsOnLocation(configuration)) co_return std::nullopt;
 
+  const auto turn = co_await locationLookups.enter();
   const auto entries = store.snapshot();
   const StoredValues stored(*entries);
   auto remembered = stored.string(key::currentLocation);

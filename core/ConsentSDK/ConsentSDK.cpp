@@ -24,7 +24,8 @@ ConsentSDK::Core::Core(Platform services)
       cache(platform, store, logger, locale),
       networkManager(platform, store, logger, stop.get_token()),
       consentMode(platform, store, logger),
-      uploads(platform.executors->background()) {}
+      uploads(platform.executors->background()),
+      locationLookups(platform.executors->background()) {}
 
 std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
   auto core = std::make_shared<Core>(std::move(platform));

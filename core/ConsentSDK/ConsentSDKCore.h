@@ -141,6 +141,7 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   Theme theme;
   std::optional<TaskGroup> tasks;  // set by make()
   TaskQueue uploads;               // Overtaking one another they would leave an earlier decision on the server.
+  TaskQueue locationLookups;       // Who comes second finds the answer to the first.
 
  private:
   Task<std::expected<MainConfiguration, RequestFailure>> requestConfiguration(const ConsentSDKOptions& options,

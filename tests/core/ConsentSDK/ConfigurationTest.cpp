@@ -325,9 +325,10 @@ TEST(Location, IsAskedForWhenItMattersAndRememberedForAnHour) {
   document["banner_config"].as_object()["categories"].as_object()["us"] = {{"compliance_type", "opt-out"}};
   document["banner_config"].as_object()["locations"].as_object()["US#CA"] = "us";
   world.server.serve(boost::json::serialize(document));
-  world.server.onLocation(json(R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},
+  const auto location = json(R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},
     "CountryISOCode":{"de":"US","en":"XX"},"Language":{},"Location":{},"RegisteredCountry":{},"State":{},
-    "StateISOCode":{"en":"CA"}}})"));
+    "StateISOCode":{"en":"CA"}}})");
+  world.server.onLocation(location);
   ConsentSDKOptions options = world.options();
   options.locationCode.reset();
   options.languageCode = "de";
@@ -347,6 +348,18 @@ TEST(Location, IsAskedForWhenItMattersAndRememberedForAnHour) {
   world.start(options);
   EXPECT_EQ(world.text(key::currentComplianceType), "opt-in");
   EXPECT_EQ(world.server.seen(locationPath).size(), 2u);
+
+  World another;
+  another.server.serve(boost::json::serialize(document));
+  another.server.onLocation(location);
+  options = another.options();
+  another.start(options);
+  options.locationCode.reset();
+  another.sdk->setup(options);
+  const auto banner = another.sdk->getBannerConfig(), again = another.sdk->getBannerConfig();
+  banner.wait();
+  again.wait();
+  EXPECT_EQ(another.server.seen(locationPath).size(), 1u) << "who comes second waits for the answer to the first";
 }
 
 TEST(Banner, IntervalTextIsReadStrictly) {
