@@ -15,6 +15,8 @@ std::vector<Row> sweepRows();
 std::vector<Row> processRows();
 std::vector<Row> hostRows();
 std::vector<Row> clockRows();
+std::vector<Row> networkRows();
+std::vector<Row> busRows();
 
 struct Area {
   std::string_view name;
@@ -22,8 +24,8 @@ struct Area {
 };
 
 inline constexpr Area areas[] = {
-    {"Files", fileRows},      {"Store", storeRows}, {"Sweep", sweepRows},
-    {"Process", processRows}, {"Host", hostRows},   {"Clock", clockRows},
+    {"Files", fileRows}, {"Store", storeRows}, {"Sweep", sweepRows},     {"Process", processRows},
+    {"Host", hostRows},  {"Clock", clockRows}, {"Network", networkRows}, {"Bus", busRows},
 };
 
 }  // namespace quillon::test

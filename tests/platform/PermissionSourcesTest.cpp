@@ -1,7 +1,5 @@
 // The permission statuses of a device: the packaged permission store and services of the test's own on private buses.
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 
 #include <atomic>
 #include <chrono>
@@ -13,6 +11,7 @@
 #include "platform/linux/PermissionSources/ApplicationIdentity.h"
 #include "platform/linux/PermissionSources/LinuxPermissionSources.h"
 #include "platform/linux/PermissionSources/NfcSource.h"
+#include "tests/platform/FalseBus.h"
 #include "tests/platform/PrivateBus.h"
 #include "tests/platform/Signal.h"
 
@@ -21,6 +20,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using test::BusPeer;
+using test::FalseBus;
 using test::PrivateBus;
 using Key = VantariKey;
 using Value = PermissionSources::Value;
@@ -299,45 +299,6 @@ TEST_F(FalseStoreTest, WithoutAStoreNothingIsDetermined) {
       EXPECT_EQ(text(device.platformValue(key)), "0") << session << " " << key.rawValue();
   }
 }
-
-// Listens where a bus would, says its text to everybody who connects, and then nothing.
-class FalseBus {
- public:
-  explicit FalseBus(std::string greeting)
-      : greeting_(std::move(greeting)), listener_(::socket(AF_UNIX, SOCK_STREAM, 0)) {
-    sockaddr_un name{};
-    name.sun_family = AF_UNIX;
-    path().copy(name.sun_path, sizeof name.sun_path - 1);
-    if (::bind(listener_, reinterpret_cast<sockaddr*>(&name), sizeof name) != 0 || ::listen(listener_, 8) != 0) {
-      throw std::runtime_error("no socket");
-    }
-    thread_ = std::thread([this] {
-      for (int peer = ::accept(listener_, nullptr, nullptr); peer >= 0; peer = ::accept(listener_, nullptr, nullptr)) {
-        ::send(peer, greeting_.data(), greeting_.size(), MSG_NOSIGNAL);
-        peers_.push_back(peer);
-      }
-    });
-  }
-  FalseBus(const FalseBus&) = delete;
-  FalseBus& operator=(const FalseBus&) = delete;
-  ~FalseBus() {
-    ::shutdown(listener_, SHUT_RDWR);
-    thread_.join();
-    for (const int peer : peers_) ::close(peer);
-    ::close(listener_);
-  }
-
-  std::string address() const { return "unix:path=" + path(); }
-
- private:
-  std::string path() const { return folder_.path() / "socket"; }
-
-  const test::TemporaryFolder folder_;
-  const std::string greeting_;
-  const int listener_;
-  std::vector<int> peers_;
-  std::thread thread_;
-};
 
 class Stopwatch {
  public:

@@ -268,7 +268,9 @@ const TemporaryFolder& sharedFolder() {
 
 TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
   configure({.applicationId = "test", .dataDirectory = sharedFolder().path() / "shared"});
-  World world;
+  // In memory: a minute of commits would else be a minute of waiting for the disk.
+  const TemporaryFolder memory(TemporaryFolder::fastParent());
+  World world(memory.path() / "data");
   world.amend = [presenter = std::make_shared<NotingPresenter>()](Platform& platform) {
     platform.console = std::make_shared<WatchfulConsole>();
     platform.screens = presenter;

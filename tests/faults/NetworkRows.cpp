@@ -1,0 +1,330 @@
+// Servers, and the way to them.
+#include <sched.h>
+#include <stdlib.h>
+#include <sys/mount.h>
+#include <zlib.h>
+
+#include <memory>
+#include <utility>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/faults/Areas.h"
+#include "tests/support/RawServer.h"
+#include "tests/support/World.h"
+
+namespace quillon::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Stopwatch = std::chrono::steady_clock;
+
+constexpr auto shortLimit = 1s;
+constexpr auto stallLimit = 20s;  // connecting may take less
+constexpr auto wholeLimit = 60s;
+
+// The real session, with less time for each exchange.
+class HurriedHttpSession : public HttpSession {
+ public:
+  explicit HurriedHttpSession(std::shared_ptr<HttpSession> real) : real_(std::move(real)) {}
+  void send(HttpRequest request, std::stop_token stop, Completion completion) override {
+    request.timeout = shortLimit;
+    real_->send(std::move(request), std::move(stop), std::move(completion));
+  }
+
+ private:
+  const std::shared_ptr<HttpSession> real_;
+};
+
+void expectWithin(Trial& trial, Stopwatch::time_point begin, std::chrono::seconds limit, const std::string& what) {
+  trial.expect(Stopwatch::now() - begin < limit + 5s,
+               what + " takes longer than " + std::to_string(limit.count()) + " s");
+}
+
+// A first start and a later one while every server is replaced by the one at the address, an answer to the banner, and
+// the same device again once all is well. `limit` is that of one exchange.
+Seen whileServersAre(Trial& trial, const std::string& address, std::chrono::seconds limit = stallLimit) {
+  const auto hurry = [&](World& world) {
+    if (!trial.isShort()) return;
+    limit = std::min(limit, std::chrono::seconds(shortLimit));
+    world.amend = [](Platform& platform) { platform.http = std::make_shared<HurriedHttpSession>(platform.http); };
+  };
+  const auto troubled = [&](const World& world) {
+    auto options = world.options();
+    options.cdnUrl = options.appUrl = address;
+    return options;
+  };
+  World fresh;
+  hurry(fresh);
+  fresh.restart();
+  fresh.sdk->setup(troubled(fresh));
+
+  World world;
+  hurry(world);
+  world.start();
+  world.clock->jump(2h);
+  const auto begin = Stopwatch::now();
+  world.start(troubled(world));
+  expectWithin(trial, begin, limit, "a start");
+  const auto status = world.sdk->getStatus();
+  trial.expect(world.sdk->acceptOrReject(true).get(), "the answer is not acknowledged");
+  expectWithin(trial, begin, 2 * limit, "an upload");
+  Seen seen{.status = status == SDKStatus::ready ? "ready" : "unavailable",
+            .log = world.log(),
+            .stored = "1=" + world.text("1").value_or("nothing") +
+                      (world.stored().pendingPurposes().empty() ? "" : ", to be uploaded")};
+  fresh.sdk->settled().wait();
+  trial.expect(fresh.sdk->getStatus() == SDKStatus::unavailable, "a first start has a configuration from nowhere");
+
+  world.start();
+  trial.expect(world.sdk->uploadPendingConsents().get(), "the upload does not follow");
+  trial.expect(!world.uploads().empty() && world.uploads().back().at("purpose_consents").as_array().size() == 3,
+               "the upload that follows is not whole");
+  return seen;
+}
+
+Seen whileServersSay(Trial& trial, const std::string& text) {
+  const RawServer server([&](int connection) { RawServer::say(connection, text); });
+  return whileServersAre(trial, server.url());
+}
+
+Seen whileServersStallAfter(Trial& trial, const std::string& text) {
+  const RawServer server([&](int connection) {
+    RawServer::say(connection, text);
+    RawServer::fallSilent(connection);
+  });
+  return whileServersAre(trial, server.url());
+}
+
+Seen whileServersRepeat(Trial& trial, const std::string& begin, const std::string& part) {
+  const RawServer server([&](int connection) {
+    RawServer::say(connection, begin);
+    while (RawServer::say(connection, part)) {
+    }
+  });
+  return whileServersAre(trial, server.url(), wholeLimit);
+}
+
+// A port that nobody listens on.
+std::string deserted() {
+  return RawServer([](int) {}).url();
+}
+
+// Takes no connection: its queue is full.
+class FullListener {
+ public:
+  FullListener() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    if (::bind(listener_, reinterpret_cast<sockaddr*>(&address), size) != 0 || ::listen(listener_, 0) != 0) {
+      throw std::runtime_error("no listener");
+    }
+    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
+    port_ = ntohs(address.sin_port);
+    for (int& waiting : waiting_) {
+      waiting = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+      ::connect(waiting, reinterpret_cast<sockaddr*>(&address), size);
+    }
+  }
+  FullListener(const FullListener&) = delete;
+  FullListener& operator=(const FullListener&) = delete;
+  ~FullListener() {
+    for (const int waiting : waiting_) ::close(waiting);
+    ::close(listener_);
+  }
+  std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
+
+ private:
+  const int listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
+  int port_ = 0;
+  int waiting_[3]{};
+};
+
+std::string gzip(const std::string& text) {
+  z_stream stream{};
+  constexpr int gzipFormat = 16;
+  if (deflateInit2(&stream, 9, Z_DEFLATED, gzipFormat + MAX_WBITS, 9, Z_DEFAULT_STRATEGY) != Z_OK) std::abort();
+  std::string result(deflateBound(&stream, text.size()), '\0');
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+  stream.avail_in = static_cast<uInt>(text.size());
+  stream.next_out = reinterpret_cast<Bytef*>(result.data());
+  stream.avail_out = static_cast<uInt>(result.size());
+  if (deflate(&stream, Z_FINISH) != Z_STREAM_END) std::abort();
+  result.resize(stream.total_out);
+  deflateEnd(&stream);
+  return result;
+}
+
+Seen bomb(Trial& trial) {
+  const std::string body = gzip(std::string(std::size_t{64} << 20, ' '));
+  return whileServersSay(trial, "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: " +
+                                    std::to_string(body.size()) + "\r\n\r\n" + body);
+}
+
+std::string redirect(const std::string& to) {
+  return "HTTP/1.1 302 Found\r\nLocation: " + to + "\r\nContent-Length: 0\r\n\r\n";
+}
+
+// A configuration may lie elsewhere; decisions and the token go where the application said, or nowhere.
+Seen redirectElsewhere(Trial& trial) {
+  World world;
+  ConsentServer elsewhere;
+  elsewhere.serve(boost::json::serialize(validConfiguration()));
+  const auto send = [&](const httplib::Request& request, httplib::Response& response) {
+    response.set_redirect(elsewhere.url().substr(0, elsewhere.url().size() - 1) + request.path, 307);
+  };
+  world.server.onConfiguration(send);
+  world.server.onUpload(send);
+  world.start();
+  trial.expect(world.sdk->acceptOrReject(true).get(), "the answer is not acknowledged");
+  trial.expect(!elsewhere.seen(configurationPath).empty(), "the configuration's redirect is not followed");
+  trial.expect(elsewhere.seen(uploadPath).empty(), "decisions went elsewhere");
+  return {.status = world.sdk->getStatus() == SDKStatus::ready ? "ready" : "unavailable",
+          .log = world.log(),
+          .stored = "1=" + world.text("1").value_or("nothing") +
+                    (world.stored().pendingPurposes().empty() ? "" : ", to be uploaded")};
+}
+
+// The proxy of the environment is asked for everything but the machine itself, and refuses.
+Seen refusingProxy(Trial& trial) {
+  const RawServer proxy([](int connection) {
+    RawServer::say(connection, "HTTP/1.1 407 Proxy Authentication Required\r\nContent-Length: 0\r\n\r\n");
+  });
+  ::unsetenv("no_proxy");
+  ::unsetenv("NO_PROXY");
+  ::setenv("http_proxy", ("http://user:pass-word@" + proxy.url("").substr(7)).c_str(), 1);
+  Seen seen = whileServersAre(trial, "http://cdn.quillon.example/");
+  trial.expect(seen.log.find("pass-word") == std::string::npos, "the proxy's password is logged");
+  return seen;
+}
+
+// In a network of its own, whose name server takes every question and answers none.
+Seen deadNameServer(Trial& trial) {
+  const TemporaryFolder folder;
+  setFileBytes(folder.path() / "resolv.conf", "nameserver 127.0.0.1\noptions timeout:20 attempts:3\n");
+  setFileBytes(folder.path() / "nsswitch.conf", "hosts: dns\n");
+  const auto replace = [&](const std::string& name) {
+    return ::mount((folder.path() / name).c_str(), ("/etc/" + name).c_str(), nullptr, MS_BIND, nullptr) == 0;
+  };
+  if (::unshare(CLONE_NEWNS | CLONE_NEWNET) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      std::system("ip link set lo up >/dev/null 2>&1") != 0 || !replace("resolv.conf") || !replace("nsswitch.conf")) {
+    throw std::runtime_error("may not make a network: needs the rights of root");
+  }
+  const int nameServer = ::socket(AF_INET, SOCK_DGRAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(53);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (::bind(nameServer, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    throw std::runtime_error("no name server");
+  }
+  Seen seen = whileServersAre(trial, "http://cdn.quillon.example/");
+
+  World leaving;
+  leaving.restart();
+  auto options = leaving.options();
+  options.cdnUrl = "http://cdn.quillon.example/";
+  leaving.sdk->setup(options);
+  char question[512];
+  trial.expect(::recv(nameServer, question, sizeof question, 0) > 0, "the name server was not asked");
+  const auto begin = Stopwatch::now();
+  leaving.sdk.reset();
+  leaving.platform = {};
+  trial.expect(Stopwatch::now() - begin < 2s, "leaving waits for the name server");
+  ::close(nameServer);
+  return seen;
+}
+
+// The server stalls at one try and at the next, and takes the third.
+Seen twoStalls(Trial& trial) {
+  World world;
+  std::atomic<int> tries = 0;
+  const RawServer server([&](int connection) {
+    if (++tries <= 2) return RawServer::fallSilent(connection);
+    const std::string answer = R"({"status":0,"message":"saved"})";
+    RawServer::say(connection,
+                   "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(answer.size()) + "\r\n\r\n" + answer);
+  });
+  if (trial.isShort()) {
+    world.amend = [](Platform& platform) { platform.http = std::make_shared<HurriedHttpSession>(platform.http); };
+  }
+  auto options = world.options();
+  options.appUrl = server.url();
+  world.start(options);
+  trial.expect(world.sdk->acceptOrReject(true).get(), "the answer is not acknowledged");
+  trial.expect(!world.stored().pendingPurposes().empty(), "counts as uploaded after one stall");
+  trial.expect(!world.sdk->uploadPendingConsents().get(), "counts as uploaded after two stalls");
+  trial.expect(world.sdk->uploadPendingConsents().get(), "not uploaded in the end");
+  return {.status = world.sdk->getStatus() == SDKStatus::ready ? "ready" : "unavailable",
+          .log = world.log(),
+          .stored = world.stored().pendingPurposes().empty() ? "nothing to upload" : "still to be uploaded"};
+}
+
+// A row whose servers are of no use: the cached configuration serves on, and the answer waits for better days.
+Row useless(std::string_view name, std::string_view fault, std::string log, std::function<Seen(Trial&)> run) {
+  return {name, fault, {"ready", std::move(log), "1=granted, to be uploaded"}, std::move(run), 150s};
+}
+
+}  // namespace
+
+std::vector<Row> networkRows() {
+  return {
+      useless("refused", "the servers refuse the connection", "Could not connect to 127.0.0.1 port",
+              [](Trial& trial) { return whileServersAre(trial, deserted()); }),
+      useless("stall-connect", "the servers take no connection", "imed out",
+              [](Trial& trial) {
+                const FullListener full;
+                return whileServersAre(trial, full.url());
+              }),
+      useless("stall-tls", "the servers fall silent before the encryption is agreed on", "timeout",
+              [](Trial& trial) {
+                // Its first reads are of a client's hello, which never ends in an empty line.
+                const RawServer server(RawServer::fallSilent);
+                return whileServersAre(trial, "https" + server.url().substr(4));
+              }),
+      useless("stall-answer", "the servers fall silent before their answer", "Operation t",
+              [](Trial& trial) { return whileServersStallAfter(trial, ""); }),
+      useless("stall-headers", "the servers fall silent within the headers", "Operation t",
+              [](Trial& trial) { return whileServersStallAfter(trial, "HTTP/1.1 200 OK\r\nContent-"); }),
+      useless("stall-body", "the servers fall silent after half the body", "Operation t",
+              [](Trial& trial) {
+                return whileServersStallAfter(trial, "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"version\": 7");
+              }),
+      useless("half-body", "the servers hang up after half the body", "transfer closed with",
+              [](Trial& trial) {
+                return whileServersSay(trial, "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"version\": 7");
+              }),
+      useless("half-chunk", "the servers hang up before the last chunk", "transfer closed with",
+              [](Trial& trial) {
+                return whileServersSay(trial, "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n");
+              }),
+      useless("no-http", "the servers speak another protocol", "HTTP/0.9",
+              [](Trial& trial) { return whileServersSay(trial, "SSH-2.0-OpenSSH_9.2\r\n"); }),
+      useless("hang-up", "the servers hang up without a word", "Empty reply",
+              [](Trial& trial) { return whileServersSay(trial, ""); }),
+      useless("gigabyte", "the servers send a gigabyte that was not announced", "larger than allowed",
+              [](Trial& trial) {
+                return whileServersRepeat(trial, "HTTP/1.1 200 OK\r\n\r\n", std::string(std::size_t{1} << 16, ' '));
+              }),
+      useless("headers", "the servers send headers without end", "larger than allowed",
+              [](Trial& trial) {
+                return whileServersRepeat(trial, "HTTP/1.1 200 OK\r\n", "X-More: " + std::string(1000, 'x') + "\r\n");
+              }),
+      useless("bomb", "the servers send 64 KB that unfold to 64 MB", "larger than allowed", bomb),
+      useless("redirects", "the servers redirect without end", "redirected more than 5 times",
+              [](Trial& trial) { return whileServersSay(trial, redirect("/again")); }),
+      useless("redirect-file", "the servers redirect to a file of the device", "redirect was not followed",
+              [](Trial& trial) { return whileServersSay(trial, redirect("file:///etc/passwd")); }),
+      useless("elsewhere", "the servers redirect to another one", "Failed with Status (307)", redirectElsewhere),
+      useless("proxy", "the proxy of the environment refuses", "Failed with Status (407)", refusingProxy),
+      useless("name-server", "the name server never answers", "imed out", deadNameServer),
+      {"two-stalls",
+       "the application server stalls twice in a row",
+       {"ready", "Operation t", "nothing to upload"},
+       twoStalls,
+       100s},
+  };
+}
+
+}  // namespace quillon::test
