@@ -1,5 +1,5 @@
 // How the cost of a check, a save and a list grows with the purposes of the configuration and with the decisions that
-// are stored. `bench/growth.sh` draws it.
+// are stored. `bench/growth.py` draws it.
 #include <benchmark/benchmark.h>
 
 #include <map>

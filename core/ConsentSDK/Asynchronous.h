@@ -42,8 +42,10 @@ class Promise<void> {
 
 template <class T>
 struct Asynchronous {
-  // Starts the work, a function that returns a Task<T>, and answers on the main queue.
-  template <class Core, class Work>
+  using Work = std::move_only_function<Task<T>()>;
+
+  // Starts the work and answers on the main queue.
+  template <class Core>
   static void callback(const std::shared_ptr<Core>& core, std::function<void(T)> answer, Work work) {
     core->tasks->start([core, answer = std::move(answer), work = std::move(work)]() mutable -> Task<void> {
       T value = co_await work();
@@ -52,7 +54,7 @@ struct Asynchronous {
     });
   }
 
-  template <class Core, class Work>
+  template <class Core>
   static std::future<T> future(const std::shared_ptr<Core>& core, Work work) {
     auto promise = std::make_shared<Promise<T>>();
     auto future = promise->future();
@@ -65,7 +67,9 @@ struct Asynchronous {
 
 template <>
 struct Asynchronous<void> {
-  template <class Core, class Work>
+  using Work = std::move_only_function<Task<void>()>;
+
+  template <class Core>
   static void callback(const std::shared_ptr<Core>& core, std::function<void()> done, Work work) {
     core->tasks->start([core, done = std::move(done), work = std::move(work)]() mutable -> Task<void> {
       co_await work();
@@ -73,7 +77,7 @@ struct Asynchronous<void> {
     });
   }
 
-  template <class Core, class Work>
+  template <class Core>
   static std::future<void> future(const std::shared_ptr<Core>& core, Work work) {
     auto promise = std::make_shared<Promise<void>>();
     auto future = promise->future();

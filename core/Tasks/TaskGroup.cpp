@@ -1,6 +1,10 @@
 #include "core/Tasks/TaskGroup.h"
 
+#include <boost/asio/co_spawn.hpp>
 #include <exception>
+#include <mutex>
+#include <utility>
+#include <vector>
 
 namespace quillon {
 
@@ -12,16 +16,35 @@ struct TaskGroup::State {
   std::vector<std::promise<void>> waiting;
 };
 
+// Held by a task for as long as it is under way, also when it is dropped without having been finished.
+class TaskGroup::Ticket {
+ public:
+  explicit Ticket(std::shared_ptr<State> state) : state_(std::move(state)) {}
+  ~Ticket();
+  Ticket(const Ticket&) = delete;
+  Ticket& operator=(const Ticket&) = delete;
+  void report(const std::exception_ptr& error) const;
+
+ private:
+  std::shared_ptr<State> state_;
+};
+
 TaskGroup::TaskGroup(std::shared_ptr<Executor> executor, std::function<void(const char*)> onException)
     : executor_(std::move(executor)), state_(std::make_shared<State>()) {
   state_->onException = std::move(onException);
 }
 
-std::shared_ptr<TaskGroup::Ticket> TaskGroup::enter() {
-  const std::scoped_lock lock(state_->mutex);
-  if (state_->closed) return nullptr;
-  ++state_->underWay;
-  return std::make_shared<Ticket>(state_);
+void TaskGroup::start(std::move_only_function<Task<void>()> makeTask) {
+  std::shared_ptr<Ticket> ticket;
+  {
+    const std::scoped_lock lock(state_->mutex);
+    if (state_->closed) return;
+    ++state_->underWay;
+    ticket = std::make_shared<Ticket>(state_);
+  }
+  boost::asio::co_spawn(executor_, std::move(makeTask), [ticket = std::move(ticket)](const std::exception_ptr& error) {
+    if (error) ticket->report(error);
+  });
 }
 
 TaskGroup::Ticket::~Ticket() {

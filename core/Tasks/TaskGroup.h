@@ -1,12 +1,9 @@
 // The tasks that one owner has under way.
 #pragma once
 
-#include <boost/asio/co_spawn.hpp>
 #include <functional>
 #include <future>
 #include <memory>
-#include <mutex>
-#include <vector>
 
 #include "core/Tasks/Task.h"
 
@@ -19,16 +16,8 @@ class TaskGroup {
   TaskGroup(std::shared_ptr<Executor> executor, std::function<void(const char*)> onException);
 
   // Starts what the function returns; the function and all that it captured live until the task is over. Does nothing
-  // once the group is closed.
-  template <class Function>
-  void start(Function makeTask) {
-    auto ticket = enter();
-    if (!ticket) return;
-    boost::asio::co_spawn(executor_, std::move(makeTask),
-                          [ticket = std::move(ticket)](const std::exception_ptr& error) {
-                            if (error) ticket->report(error);
-                          });
-  }
+  // once the group is closed. One type of function for all tasks: what Asio makes of each would be most of the library.
+  void start(std::move_only_function<Task<void>()> makeTask);
 
   // Becomes ready as soon as no task is under way.
   std::future<void> settled();
@@ -38,20 +27,7 @@ class TaskGroup {
 
  private:
   struct State;
-  // Held by a task for as long as it is under way, also when it is dropped without having been finished.
-  class Ticket {
-   public:
-    explicit Ticket(std::shared_ptr<State> state) : state_(std::move(state)) {}
-    ~Ticket();
-    Ticket(const Ticket&) = delete;
-    Ticket& operator=(const Ticket&) = delete;
-    void report(const std::exception_ptr& error) const;
-
-   private:
-    std::shared_ptr<State> state_;
-  };
-
-  std::shared_ptr<Ticket> enter();
+  class Ticket;
 
   TaskExecutor executor_;
   std::shared_ptr<State> state_;

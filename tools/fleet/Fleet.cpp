@@ -56,14 +56,13 @@ void Fleet::run() {
   }
   std::ranges::stable_sort(events, {}, &FleetDevice::Event::at);
 
-  std::chrono::seconds now{0};
-  for (const FleetDevice::Event& event : events) {
-    for (; now < event.at; ++now) pass(std::chrono::seconds(1));
-    event.run();
-    if (&event == &events.back() || (&event + 1)->at != now) settle();
-  }
   const auto end = plan_.duration + 2 * std::chrono::seconds(plan_.options.consentsCheckInterval.count());
-  for (; now < end; ++now) pass(std::chrono::seconds(1));
+  auto event = events.begin();
+  for (std::chrono::seconds now{0}; now < end; now += plan_.step) {
+    for (; event != events.end() && event->at < now + plan_.step; ++event) event->run();
+    clock_->advance(plan_.step);
+    settle();
+  }
 }
 
 void Fleet::beginOutage() {
@@ -79,11 +78,6 @@ void Fleet::endOutage() {
   network_->setCut(false);
   if (!plan_.outageFile.empty()) std::filesystem::remove(plan_.outageFile);
   if (plan_.outageOf == FleetPlan::OutageOf::network) path_->set(NetworkStatus::satisfied);
-}
-
-void Fleet::pass(std::chrono::seconds time) {
-  clock_->advance(time);
-  settle();
 }
 
 void Fleet::settle() {

@@ -21,6 +21,9 @@ struct FleetPlan {
   std::chrono::seconds duration = std::chrono::hours(24);
   std::chrono::seconds startsWithin = std::chrono::minutes(30);
   int changes = 2;  // of one purpose, a device
+  // What falls into one step happens at its end, all at the same time: longer steps are coarser and quicker. At most a
+  // minute, by which a user's acts are apart.
+  std::chrono::seconds step = std::chrono::seconds(1);
   ConsentSDKOptions options;
 
   // A time without servers; none when it lasts no time.
@@ -48,8 +51,7 @@ class Fleet {
  private:
   void beginOutage();
   void endOutage();
-  // Lets a second pass, and all that it began come to its end.
-  void pass(std::chrono::seconds time);
+  // Lets all that has begun come to its end.
   void settle();
 
   const FleetPlan plan_;

@@ -30,6 +30,7 @@ struct FleetOptions {
   double outageHours = 0;
   double outageAt = 8;
   long interval = 1800;
+  long step = 1;
 };
 
 std::chrono::seconds inSeconds(double hours) {
@@ -46,9 +47,9 @@ void print(const char* what, const Traffic& traffic, double deviceDays) {
               static_cast<double>(traffic.bodyBytesDown) / deviceDays);
 }
 
-// Traffic of part of the time, and its busiest second.
+// Traffic of part of the time, and its busiest step.
 void printPart(const char* what, const std::map<std::int64_t, Traffic>& traffic, std::chrono::seconds from,
-               std::chrono::seconds to, int devices) {
+               std::chrono::seconds to, const FleetPlan& plan) {
   Traffic sum;
   std::int64_t peak = 0;
   std::int64_t peakAt = 0;
@@ -57,10 +58,11 @@ void printPart(const char* what, const std::map<std::int64_t, Traffic>& traffic,
     if (entry->second.total() > peak) std::tie(peak, peakAt) = std::pair(entry->second.total(), entry->first);
   }
   const auto length = static_cast<double>((to - from).count());
-  print(what, sum, devices * length / 86'400);
-  std::printf("%-26s mean %.2f requests a second, busiest second %lld, at %.2f h\n", "",
-              static_cast<double>(sum.total()) / length, static_cast<long long>(peak),
-              static_cast<double>(peakAt) / 3600);
+  const auto step = plan.step;
+  print(what, sum, plan.devices * length / 86'400);
+  std::printf("%-26s mean %.2f requests a second; in the busiest %lld s %.2f, at %.2f h\n", "",
+              static_cast<double>(sum.total()) / length, static_cast<long long>(step.count()),
+              static_cast<double>(peak) / static_cast<double>(step.count()), static_cast<double>(peakAt) / 3600);
 }
 
 void report(const Fleet& fleet) {
@@ -69,18 +71,18 @@ void report(const Fleet& fleet) {
   const auto warm = plan.startsWithin + std::chrono::hours(1);
   std::printf("%-26s %10s %10s %10s %10s %12s %10s %10s\n", "", "config", "location", "upload", "failed", "req/dev/day",
               "up B/d/d", "down B/d/d");
-  printPart("all", traffic, std::chrono::seconds(0), plan.duration, plan.devices);
-  printPart("starting", traffic, std::chrono::seconds(0), std::min(warm, plan.duration), plan.devices);
+  printPart("all", traffic, std::chrono::seconds(0), plan.duration, plan);
+  printPart("starting", traffic, std::chrono::seconds(0), std::min(warm, plan.duration), plan);
   if (plan.outage.count() == 0) {
-    if (warm < plan.duration) printPart("running", traffic, warm, plan.duration, plan.devices);
+    if (warm < plan.duration) printPart("running", traffic, warm, plan.duration, plan);
     return;
   }
   const auto end = plan.outageAt + plan.outage;
   const auto recovered = end + std::chrono::seconds(plan.options.consentsCheckInterval.count());
-  if (warm < plan.outageAt) printPart("running", traffic, warm, plan.outageAt, plan.devices);
-  printPart("outage", traffic, plan.outageAt, end, plan.devices);
-  printPart("recovery, one interval", traffic, end, recovered, plan.devices);
-  if (recovered < plan.duration) printPart("after it", traffic, recovered, plan.duration, plan.devices);
+  if (warm < plan.outageAt) printPart("running", traffic, warm, plan.outageAt, plan);
+  printPart("outage", traffic, plan.outageAt, end, plan);
+  printPart("recovery, one interval", traffic, end, recovered, plan);
+  if (recovered < plan.duration) printPart("after it", traffic, recovered, plan.duration, plan);
 }
 
 bool writeSeconds(const Fleet& fleet, const std::string& file) {
@@ -101,6 +103,7 @@ int fail(const std::string& message) {
 int run(FleetOptions options) {
   FleetPlan& plan = options.plan;
   plan.duration = inSeconds(options.hours);
+  plan.step = std::chrono::seconds(options.step);
   plan.outage = inSeconds(options.outageHours);
   plan.outageAt = inSeconds(options.outageAt);
   plan.options.consentsCheckInterval = options.interval;
@@ -143,6 +146,9 @@ void addFleetCommand(CLI::App& app, int& exitCode) {
   command->add_option("--tenant", plan.options.tenantId, "Tenant of the configuration")->required();
   command->add_option("--app-id", plan.options.appId, "Application of the configuration")->required();
   command->add_option("--interval", options->interval, "Seconds between the checks of a device")->capture_default_str();
+  command->add_option("--step", options->step, "Seconds that are simulated at once: more is coarser and quicker")
+      ->check(CLI::Range(1, 60))
+      ->capture_default_str();
   command->add_option("--changes", plan.changes, "How often a user changes one purpose later")
       ->check(CLI::Range(0, 1000))
       ->capture_default_str();

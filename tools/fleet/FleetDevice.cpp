@@ -10,6 +10,8 @@ namespace {
 
 constexpr double kAccepting = 0.6;  // of those who answer the banner
 constexpr std::chrono::minutes kAnswersWithin{5};
+// Between two acts of a user, so that each finds the one before it done.
+constexpr std::chrono::minutes kPause{1};
 
 Platform withOwnStorage(Platform platform) {
   platform.files = std::make_shared<MemoryFileSystem>("/data");
@@ -30,12 +32,12 @@ std::vector<FleetDevice::Event> FleetDevice::plan(std::chrono::seconds startsWit
     return std::chrono::seconds(std::uniform_int_distribution<std::int64_t>(from.count(), to.count())(random_));
   };
   const auto start = within(std::chrono::seconds(0), startsWithin - std::chrono::seconds(1));
-  const auto answered = start + within(std::chrono::seconds(5), kAnswersWithin);
+  const auto answered = start + within(kPause, kAnswersWithin);
   std::vector<Event> events;
   events.push_back({start, [this] { sdk_.setup(options_); }});
   events.push_back({answered, [this] { answer(); }});
   for (int change = 0; change < changes; ++change) {
-    events.push_back({within(answered + std::chrono::seconds(1), duration), [this] { changeMind(); }});
+    events.push_back({within(answered + kPause, duration), [this] { changeMind(); }});
   }
   return events;
 }

@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# What the SDK adds to a host application: size, memory, wake-ups while idle, and the system calls that the thread that
+# sets it up makes for it.
+#   bench/footprint/footprint.sh BUILD-FOLDER [SECONDS OF IDLENESS]
+set -euo pipefail
+bin=$1/bin seconds=${2:-60}
+site=$(dirname "$(readlink -f "$0")")/../../examples/configuration
+work=$(mktemp -d)
+trap 'kill $server; wait; rm -rf "$work"' EXIT
+: >"$work/log"
+"$bin/quillon-consent" serve "$site" --port 0 >"$work/log" &
+server=$!
+until url=$(sed -n 's/^listening on //p' "$work/log") && [ -n "$url" ]; do sleep 0.1; done
+
+size() { stat -c %s "$bin/$1"; }
+echo "size: $(($(size quillon-footprint) - $(size quillon-footprint-bare))) bytes added"
+
+"$bin/quillon-footprint" 0 "$work/data" "$url" >/dev/null # downloads
+read -r bare _ < <("$bin/quillon-footprint-bare" 1)
+read -r with wakes < <("$bin/quillon-footprint" "$seconds" "$work/data" "$url")
+echo "memory: $((with - bare)) KiB added (private; $bare without, $with with)"
+echo "wake-ups of its threads in $seconds idle seconds: $wakes"
+
+strace -f -o "$work/trace" "$bin/quillon-footprint" 0 "$work/data" "$url" >/dev/null
+echo "system calls of the thread that calls setup, while it does:"
+awk '$2 ~ /^getppid/ { ++mark; thread = $1; next }
+  mark == 1 && $1 == thread { sub(/\(.*/, "", $2); if ($2 != "<...") ++count[$2] }
+  END { for (call in count) print count[call], call }' "$work/trace" | sort -rn | sed 's/^/  /'
