@@ -1,9 +1,11 @@
 // quillon-consent-preview: shows a screen of a configuration in a window, or writes its picture.
 #include <CLI/CLI.hpp>
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QImage>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QTimer>
 #include <chrono>
 #include <functional>
 #include <iostream>
@@ -12,7 +14,11 @@
 
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "tools/preview/PreviewDevice.h"
+#include "tools/preview/StandInPage.h"
 #include "ui/qtquick/QtScreenPresenter.h"
+#ifdef WITH_WEB_VIEW
+#include "quillon/QtWebEngine.h"
+#endif
 
 namespace quillon::tools {
 namespace {
@@ -26,12 +32,23 @@ struct PreviewOptions {
   bool isDark = false;
   double scale = 1;
   std::string out;
+
+  bool isWebView() const { return screen == "web" || screen == "blocked"; }
 };
+
+// The browser must be known before the application object is made.
+bool startWebView() {
+#ifdef WITH_WEB_VIEW
+  return initializeQtWebEngine();
+#else
+  return false;
+#endif
+}
 
 void addOptions(CLI::App& app, PreviewOptions& options) {
   app.add_option("file", options.file, "The configuration")->required()->check(CLI::ExistingFile);
   app.add_option("--screen", options.screen, "The screen to show")
-      ->check(CLI::IsMember({"banner", "preferences", "permissions", "purpose", "prompt"}))
+      ->check(CLI::IsMember({"banner", "preferences", "permissions", "purpose", "prompt", "web", "blocked"}))
       ->capture_default_str();
   app.add_option("--language", options.language, "The user's language")->capture_default_str();
   app.add_option("--location", options.location, "The user's location, such as DE or US#CA");
@@ -77,7 +94,9 @@ class Preview {
     window_.resize(size);
     window_.setColor(options_.isDark ? QColor("#26292e") : QColor("#d9dde2"));
     window_.show();
-    sdk_.setup({.appUrl = "https://preview.example/",
+    if (options_.screen == "web") page_.emplace();
+    // Pages of the application's own server may be shown.
+    sdk_.setup({.appUrl = page_ ? page_->address() : "https://preview.example/",
                 .cdnUrl = "https://preview.example/",
                 .tenantId = "preview",
                 .appId = "preview",
@@ -98,6 +117,8 @@ class Preview {
   void present() {
     const auto core = sdk_.core();
     if (options_.screen == "banner") presenter_->presentBanner(core);
+    if (options_.screen == "web") presenter_->presentWebView(core, page_->address());
+    if (options_.screen == "blocked") presenter_->presentWebView(core, "https://elsewhere.example/offer?id=42");
     if (options_.screen == "prompt") presenter_->presentSettingsPrompt(core, VantariKey::cameraUsageDescription);
     const bool isPurpose = options_.screen == "purpose";
     const bool isPermissions = options_.screen == "permissions";
@@ -127,19 +148,43 @@ class Preview {
     return item && item->property("shown").toDouble() == 1;
   }
 
+  // A browser paints some time after a page has come: once two pictures in a row are the same, it has.
+  QImage pictureOfPage() {
+    const auto* model = presenter_->topItem()->property("model").value<QObject*>();
+    const auto isLoading = [model] { return model->property("isLoading").toBool(); };
+    const auto hasPage = [model] { return model->property("page").value<QQuickItem*>() != nullptr; };
+    if (!await([&] { return hasPage() && isLoading(); }) || !await([&] { return !isLoading(); })) return {};
+    QImage last;
+    bool isAtRest = false;
+    while (!isAtRest) {
+      QEventLoop loop;
+      QTimer::singleShot(std::chrono::milliseconds(300), &loop, &QEventLoop::quit);
+      loop.exec();
+      const QImage now = window_.grabWindow();
+      isAtRest = now == last;
+      last = now;
+    }
+    return last;
+  }
+
   int write() {
     if (!await([&] { return isShown(); })) {
       std::cerr << "The screen does not appear.\n";
       return 1;
     }
     settle();
-    const QImage picture = window_.grabWindow();
+    const QImage picture = options_.isWebView() ? pictureOfPage() : window_.grabWindow();
+    if (picture.isNull()) {
+      std::cerr << "The page does not appear.\n";
+      return 1;
+    }
     if (picture.save(QString::fromStdString(options_.out), "PNG")) return 0;
     std::cerr << "Cannot write " << options_.out << "\n";
     return 1;
   }
 
   const PreviewOptions& options_;
+  std::optional<StandInPage> page_;
   const std::shared_ptr<QtScreenPresenter> presenter_;
   PreviewDevice device_;
   ConsentSDK sdk_;
@@ -164,6 +209,10 @@ int main(int argc, char** argv) {
   if (!options.out.empty()) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
+  }
+  if (options.isWebView() && !startWebView()) {
+    std::cerr << "There is no web view: the screens were built without Qt WebEngine.\n";
+    return 1;
   }
   const QGuiApplication application(argc, argv);
   return Preview(options).run(*size);
