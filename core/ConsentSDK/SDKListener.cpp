@@ -1,5 +1,7 @@
 #include "core/ConsentSDK/SDKListener.h"
 
+#include <utility>
+
 namespace quillon {
 
 SDKStatus SDKListener::isReady() const {
@@ -8,14 +10,23 @@ SDKStatus SDKListener::isReady() const {
 }
 
 void SDKListener::setReady(SDKStatus status) {
+  std::vector<std::weak_ptr<Callback>> followers;
+  bool isReportDue = false;
   {
     const std::scoped_lock lock(mutex_);
-    status_ = status;
-    if (!observer_ || reported_ == status) return;
-    reported_ = status;
-    reports_.push_back({observer_, status});
+    if (std::exchange(status_, status) != status) followers = followers_;
+    isReportDue = observer_ && reported_ != status;
+    if (isReportDue) {
+      reported_ = status;
+      reports_.push_back({observer_, status});
+    }
   }
-  onMain_([this] { deliverNext(); });
+  if (isReportDue) onMain_([this] { deliverNext(); });
+  for (auto& follower : followers) {
+    onMain_([follower = std::move(follower), status] {
+      if (const auto callback = follower.lock()) (*callback)(status);
+    });
+  }
 }
 
 // One call for each report, so that reports keep the order of the changes whoever's call comes first.
@@ -41,6 +52,14 @@ void SDKListener::observe(Callback callback) {
     present = status_;
   }
   observer->callback(present);
+}
+
+std::shared_ptr<void> SDKListener::follow(Callback callback) {
+  auto follower = std::make_shared<Callback>(std::move(callback));
+  const std::scoped_lock lock(mutex_);
+  std::erase_if(followers_, [](const auto& earlier) { return earlier.expired(); });
+  followers_.push_back(follower);
+  return follower;
 }
 
 void SDKListener::removeObserver() {

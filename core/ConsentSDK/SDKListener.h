@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include "platform/Executors.h"
 #include "quillon/SDKStatus.h"
@@ -26,6 +27,10 @@ class SDKListener {
   void observe(Callback callback);
   void removeObserver();
 
+  // For what must follow besides the observer: calls back on the main queue with every change from now on, until the
+  // handle is dropped there.
+  [[nodiscard]] std::shared_ptr<void> follow(Callback callback);
+
  private:
   struct Observer {
     Callback callback;
@@ -42,6 +47,7 @@ class SDKListener {
   SDKStatus status_ = SDKStatus::unavailable;
   SDKStatus reported_ = SDKStatus::unavailable;
   std::shared_ptr<Observer> observer_;
+  std::vector<std::weak_ptr<Callback>> followers_;
   std::deque<Report> reports_;  // on their way to the main queue
 };
 

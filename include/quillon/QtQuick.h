@@ -4,7 +4,10 @@
 
 #include <optional>
 
+#include "quillon/ConsentSDK.h"
 #include "quillon/LinuxPlatform.h"
+
+class QQmlEngine;
 
 namespace quillon {
 
@@ -35,5 +38,23 @@ struct QtQuickOptions {
 /// });
 /// @endcode
 bool configureQtQuick(LinuxOptions options = {}, QtQuickOptions screens = {});
+
+/// Lets the pages of @p engine place the screens in layouts of their own: after `import Quillon.Consent` there are
+/// `ConsentBanner`, `PreferenceCenter` and `SettingsPrompt`, the last with the property `permission`. They show
+/// @p sdk, one for each engine, whose main queue must be the Qt main loop.
+///
+/// An element shows that it is loading until the SDK has a configuration, and a failure with a way to try again. It
+/// sends `done()` where a screen of the SDK's own would go away: answered, saved or closed. What becomes of it then is
+/// up to the page; the decision itself is recorded by the SDK. Its implicit height is that of all it shows; given less,
+/// it scrolls.
+///
+/// Call it on the main thread, once for an engine and before its first page is loaded. The SDK outlives the engine.
+///
+/// @code
+/// QQmlApplicationEngine pages;
+/// quillon::addConsentElements(pages);
+/// pages.load(QUrl("qrc:/Main.qml"));
+/// @endcode
+void addConsentElements(QQmlEngine& engine, ConsentSDK& sdk = ConsentSDK::shared(), QtQuickOptions screens = {});
 
 }  // namespace quillon

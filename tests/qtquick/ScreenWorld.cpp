@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractEventDispatcher>
 #include <QAccessible>
+#include <QEventLoop>
 #include <QTest>
+#include <QTimer>
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -59,7 +62,15 @@ void ScreenWorld::start() {
 }
 
 bool ScreenWorld::await(const std::function<bool()>& condition) {
-  return QTest::qWaitFor(condition, 5000);
+  if (condition()) return true;
+  constexpr int limitMilliseconds = 5000;
+  QEventLoop loop;
+  QTimer::singleShot(limitMilliseconds, &loop, [&loop] { loop.exit(1); });
+  // Looked at when the loop has done all there was, and would sleep until something comes.
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &loop, [&] {
+    if (condition()) loop.quit();
+  });
+  return loop.exec() == 0;
 }
 
 void ScreenWorld::settle() {

@@ -19,11 +19,13 @@ struct LoadedBanner {
 
 }  // namespace
 
-std::shared_ptr<ConsentBannerViewModel> ConsentBannerViewModel::make(std::shared_ptr<ConsentSDK::Core> core) {
-  return std::make_shared<ConsentBannerViewModel>(std::move(core));
+std::shared_ptr<ConsentBannerViewModel> ConsentBannerViewModel::make(std::shared_ptr<ConsentSDK::Core> core,
+                                                                     std::function<void()> leave) {
+  return std::make_shared<ConsentBannerViewModel>(std::move(core), std::move(leave));
 }
 
-ConsentBannerViewModel::ConsentBannerViewModel(std::shared_ptr<ConsentSDK::Core> core) : core_(std::move(core)) {}
+ConsentBannerViewModel::ConsentBannerViewModel(std::shared_ptr<ConsentSDK::Core> core, std::function<void()> leave)
+    : core_(std::move(core)), leave_(std::move(leave)) {}
 
 void ConsentBannerViewModel::loadBannerConfig() {
   bannerConfigTask_ = LoadTask::start(
@@ -95,11 +97,11 @@ void ConsentBannerViewModel::perform(BannerAction action) {
       core_->tasks->start([core = core_, accept = action == BannerAction::accept]() -> Task<void> {
         co_await core->acceptOrReject(accept);
       });
-      core_->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+      leave();
       break;
     case BannerAction::close:
       recordDefaultExplicitConsents();
-      core_->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+      leave();
       break;
     case BannerAction::openPreferenceCenter:
       core_->presentPreferenceCenter();
@@ -111,6 +113,11 @@ void ConsentBannerViewModel::perform(BannerAction action) {
       link(&BannerConfig::dsrPortalLink);
       break;
   }
+}
+
+void ConsentBannerViewModel::leave() const {
+  if (leave_) return leave_();
+  core_->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
 }
 
 void ConsentBannerViewModel::openLink(const std::string& link) {

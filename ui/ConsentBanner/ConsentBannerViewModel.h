@@ -1,6 +1,7 @@
 // What every consent screen shows of the configuration, and what the banner's controls do.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,11 +16,14 @@
 
 namespace quillon {
 
-// For the main queue only. Lives as long as the screen that it is made for; each load is started once.
+// For the main queue only. Lives as long as the screen that it is made for. A load may be started anew, above all after
+// a failure.
 class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBannerViewModel> {
  public:
-  static std::shared_ptr<ConsentBannerViewModel> make(std::shared_ptr<ConsentSDK::Core> core);
-  explicit ConsentBannerViewModel(std::shared_ptr<ConsentSDK::Core> core);  // use make()
+  // The function takes the screen away once the user is done with it; without one the top-most screen is dismissed.
+  static std::shared_ptr<ConsentBannerViewModel> make(std::shared_ptr<ConsentSDK::Core> core,
+                                                      std::function<void()> leave = {});
+  ConsentBannerViewModel(std::shared_ptr<ConsentSDK::Core> core, std::function<void()> leave);  // use make()
 
   Published<std::optional<BannerConfig>> bannerConfig{std::nullopt};
   Published<std::optional<GcmConfig>> gcmConfig{std::nullopt};
@@ -39,6 +43,8 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   // Accept and reject record the answer; close, an answer that was not given, records the defaults. All three dismiss
   // the banner without waiting for the store or the network. The others open a further screen.
   void perform(BannerAction action);
+  // Takes the screen away.
+  void leave() const;
   // Opens a link of the configuration in the in-app web view.
   void openLink(const std::string& link);
 
@@ -57,6 +63,7 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
 
  private:
   const std::shared_ptr<ConsentSDK::Core> core_;
+  const std::function<void()> leave_;
   std::optional<LoadTask> settingsPromptTask_;
   std::optional<LoadTask> bannerConfigTask_;
   std::optional<LoadTask> companyLogoTask_;

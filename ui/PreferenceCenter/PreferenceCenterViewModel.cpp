@@ -157,14 +157,12 @@ void PreferenceCenterViewModel::save() {
   }
   const auto& core = banner_->core();
   core->tasks->start([core, choices = std::move(choices)]() -> Task<void> { co_await core->savePreferences(choices); });
-  core->withScreens([](ScreenPresenter& screens) {
-    screens.dismissTopMost();
-    screens.dismissBanner();
-  });
+  banner_->leave();
+  core->withScreens([](ScreenPresenter& screens) { screens.dismissBanner(); });
 }
 
 void PreferenceCenterViewModel::close() {
-  banner_->core()->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+  banner_->leave();
 }
 
 void PreferenceCenterViewModel::tapPermission(const VantariKey& permission) {

@@ -13,14 +13,12 @@ std::optional<SettingsPromptViewModel::Content> SettingsPromptViewModel::content
 }
 
 void SettingsPromptViewModel::openSettings() {
-  banner_->core()->withScreens([](ScreenPresenter& screens) {
-    screens.openSystemSettings();
-    screens.dismissTopMost();
-  });
+  banner_->core()->withScreens([](ScreenPresenter& screens) { screens.openSystemSettings(); });
+  banner_->leave();
 }
 
 void SettingsPromptViewModel::notNow() {
-  banner_->core()->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+  banner_->leave();
 }
 
 void SettingsPromptViewModel::close() {
@@ -29,7 +27,7 @@ void SettingsPromptViewModel::close() {
     core->store.set(key::hasShownSettingsPrompt, true);
     co_return;
   });
-  core->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+  banner_->leave();
 }
 
 }  // namespace quillon

@@ -3,12 +3,20 @@
 
 #include <QMetaObject>
 #include <QObject>
+#include <QString>
 #include <utility>
 #include <vector>
 
+#include "quillon/ConsentSDKResult.h"
 #include "ui/Common/Published.h"
 
 namespace quillon {
+
+// What went wrong; empty when nothing has.
+template <class Value>
+QString messageOf(const ConsentSDKResult<Value>& result) {
+  return result.error() ? QString::fromStdString(result.error()->localizedDescription()) : QString();
+}
 
 // Follows view models. Their changes are announced before they are made, so the adapter reads the new state in a turn
 // of its own of the main loop, one for all changes until then.

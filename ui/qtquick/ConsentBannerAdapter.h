@@ -30,6 +30,8 @@ class ConsentBannerAdapter : public Adapter {
   QML_UNCREATABLE("made for each screen")
   Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
   Q_PROPERTY(bool hasFailed READ hasFailed NOTIFY changed)
+  // In words; empty when it has not.
+  Q_PROPERTY(QString failure READ failure NOTIFY changed)
   Q_PROPERTY(bool isCentered READ isCentered NOTIFY changed)
   Q_PROPERTY(bool showsPoweredBy READ showsPoweredBy NOTIFY changed)
   Q_PROPERTY(bool canClose READ canClose NOTIFY changed)
@@ -40,6 +42,7 @@ class ConsentBannerAdapter : public Adapter {
   Q_PROPERTY(QVariantList links READ links NOTIFY changed)
   Q_PROPERTY(QString closeLabel READ closeLabel NOTIFY changed)
   Q_PROPERTY(QString logoLabel READ logoLabel NOTIFY changed)
+  Q_PROPERTY(QString refreshLabel READ refreshLabel NOTIFY changed)
   Q_PROPERTY(QString activationHint READ activationHint NOTIFY changed)
 
  public:
@@ -47,8 +50,10 @@ class ConsentBannerAdapter : public Adapter {
 
   const std::shared_ptr<ConsentBannerViewModel>& model() const { return model_; }
 
-  bool isLoading() const { return model_->bannerConfigResult.get().isLoading(); }
+  bool isLoading() const { return !isLoaded() && !hasFailed(); }
+  bool isLoaded() const { return model_->bannerConfigResult.get().value() != nullptr; }
   bool hasFailed() const { return model_->bannerConfigResult.get().error() != nullptr; }
+  QString failure() const { return messageOf(model_->bannerConfigResult.get()); }
   bool isCentered() const { return config().bannerPosition == BannerPosition::center; }
   bool showsPoweredBy() const { return config().showPoweredByQuillonLogo.value_or(false); }
   bool canClose() const { return buttons().close; }
@@ -59,8 +64,14 @@ class ConsentBannerAdapter : public Adapter {
   QVariantList links() const { return controls(buttons().links); }
   QString closeLabel() const { return label(Label::close); }
   QString logoLabel() const { return label(Label::companyLogo); }
+  QString refreshLabel() const { return label(Label::webViewRefresh); }
   QString activationHint() const { return label(Label::activationHint); }
 
+  // Loads what the screen shows, or tries it again.
+  Q_INVOKABLE void load() {
+    model_->loadBannerConfig();
+    model_->loadCompanyLogo();
+  }
   Q_INVOKABLE void perform(int action) { model_->perform(static_cast<BannerAction>(action)); }
   Q_INVOKABLE void close() { model_->perform(BannerAction::close); }
   Q_INVOKABLE void appeared() { model_->appeared(); }

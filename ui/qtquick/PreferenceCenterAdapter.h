@@ -54,6 +54,8 @@ class PreferenceCenterAdapter : public Adapter {
   Q_PROPERTY(quillon::RichTextAdapter* permissionsGuidance MEMBER permissionsGuidance_ CONSTANT)
   Q_PROPERTY(QList<QObject*> purposes READ purposes NOTIFY purposesChanged)
   Q_PROPERTY(bool arePurposesLoading READ arePurposesLoading NOTIFY changed)
+  Q_PROPERTY(QString purposesFailure READ purposesFailure NOTIFY changed)
+  Q_PROPERTY(QString permissionsFailure READ permissionsFailure NOTIFY changed)
   Q_PROPERTY(bool hasSwitchablePurposes READ hasSwitchablePurposes NOTIFY changed)
   Q_PROPERTY(bool areAllSelected READ areAllSelected NOTIFY changed)
   Q_PROPERTY(QString selectAllLabel READ selectAllLabel NOTIFY changed)
@@ -82,6 +84,8 @@ class PreferenceCenterAdapter : public Adapter {
   void setTab(int tab) { model_->currentSegment.set(static_cast<MyPreferences>(tab)); }
   QList<QObject*> purposes() const { return {purposes_.begin(), purposes_.end()}; }
   bool arePurposesLoading() const { return model_->purposesResult.get().isLoading(); }
+  QString purposesFailure() const { return messageOf(model_->purposesResult.get()); }
+  QString permissionsFailure() const { return messageOf(model_->permissionsResult.get()); }
   bool hasSwitchablePurposes() const { return model_->hasSwitchablePurposes(); }
   bool areAllSelected() const { return model_->areAllSelected(); }
   QString selectAllLabel() const { return banner_->label(areAllSelected() ? Label::unselectAll : Label::selectAll); }
@@ -99,6 +103,12 @@ class PreferenceCenterAdapter : public Adapter {
   QString expandHint() const { return hint(Label::expandHint); }
   QString collapseHint() const { return hint(Label::collapseHint); }
 
+  // Loads what the screen shows, or tries it again.
+  Q_INVOKABLE void load() {
+    banner_->load();
+    model_->loadPurposes();
+    model_->loadPermissions();
+  }
   Q_INVOKABLE void switchAll() { model_->setAll(!areAllSelected()); }
   Q_INVOKABLE void tapPermission(int index);
   Q_INVOKABLE void save() { model_->save(); }

@@ -2,6 +2,8 @@
 
 #include "platform/linux/LinuxPlatform.h"
 #include "ui/qtquick/MainQueue.h"
+#include "ui/qtquick/Module.h"
+#include "ui/qtquick/PlacedScreen.h"
 #include "ui/qtquick/QtScreenPresenter.h"
 
 namespace quillon {
@@ -13,6 +15,12 @@ bool configureQtQuick(LinuxOptions options, QtQuickOptions screens) {
   if (!configure(std::move(options), presenter)) return false;
   queue.post([presenter] { presenter->prepare(); });
   return true;
+}
+
+void addConsentElements(QQmlEngine& engine, ConsentSDK& sdk, QtQuickOptions screens) {
+  addModule(engine);
+  // Owned by the engine.
+  new PageSdk(sdk.core(), screens, engine);
 }
 
 }  // namespace quillon

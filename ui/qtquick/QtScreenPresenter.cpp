@@ -12,23 +12,15 @@
 #include "ui/SettingsPrompt/SettingsPromptViewModel.h"
 #include "ui/qtquick/Incubation.h"
 #include "ui/qtquick/MainQueue.h"
+#include "ui/qtquick/Module.h"
 #include "ui/qtquick/PreferenceCenterAdapter.h"
 #include "ui/qtquick/SettingsPromptAdapter.h"
 #include "ui/qtquick/WebViewAdapter.h"
-
-// Of the QML module, made by the build. In a static library they must be named to be linked.
-void qml_register_types_Quillon_Consent();
 
 namespace quillon {
 namespace {
 
 constexpr std::string_view sourceFile = "QtScreenPresenter";
-
-std::shared_ptr<ConsentBannerViewModel> loadedBanner(const ScreenPresenter::Core& core) {
-  auto model = ConsentBannerViewModel::make(core);
-  model->loadBannerConfig();
-  return model;
-}
 
 // The settings programs of the desktops, at the page of the applications where there is one.
 struct SettingsProgram {
@@ -78,15 +70,14 @@ void QtScreenPresenter::prepare() {
 
 QQmlComponent& QtScreenPresenter::component(ScreenKind kind) {
   if (!engine_) {
-    qml_register_types_Quillon_Consent();
     engine_ = std::make_unique<QQmlEngine>();
-    engine_->addImportPath(":/qt/qml");
+    addModule(*engine_);
     engine_->setIncubationController(new Incubation(engine_.get()));
     engine_->setOutputWarningsToStandardError(true);
   }
   auto& component = components_[kind];
   if (!component) {
-    const char* names[] = {"ConsentBanner", "PreferenceCenter", "SettingsPrompt", "WebViewSheet"};
+    const char* names[] = {"BannerSheet", "PreferenceSheet", "PromptSheet", "WebViewSheet"};
     const QString file = QString("qrc:/qt/qml/Quillon/Consent/%1.qml").arg(names[static_cast<int>(kind)]);
     component = std::make_unique<QQmlComponent>(engine_.get(), QUrl(file), QQmlComponent::Asynchronous);
   }
@@ -100,28 +91,23 @@ bool QtScreenPresenter::isShown(ScreenKind kind, const Core& core) const {
 
 void QtScreenPresenter::presentBanner(Core core) {
   if (isShown(ScreenKind::banner, core)) return;
-  const auto model = loadedBanner(core);
-  model->loadCompanyLogo();
-  auto* adapter = new ConsentBannerAdapter(model);
+  auto* adapter = new ConsentBannerAdapter(ConsentBannerViewModel::make(core));
+  adapter->load();
   present(std::make_unique<Screen>(ScreenKind::banner, std::move(core), adapter, adapter));
 }
 
 void QtScreenPresenter::presentPreferenceCenter(Core core) {
   if (isShown(ScreenKind::preferenceCenter, core)) return;
-  const auto banner = loadedBanner(core);
-  banner->loadCompanyLogo();
-  const auto model = PreferenceCenterViewModel::make(banner);
-  model->loadPurposes();
-  model->loadPermissions();
-  auto* adapter = new PreferenceCenterAdapter(model);
+  auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(ConsentBannerViewModel::make(core)));
+  adapter->load();
   present(std::make_unique<Screen>(ScreenKind::preferenceCenter, std::move(core), adapter, adapter->banner()));
 }
 
 void QtScreenPresenter::presentSettingsPrompt(Core core, const VantariKey& permission) {
   if (isShown(ScreenKind::settingsPrompt, core)) return;
-  const auto banner = loadedBanner(core);
-  banner->loadSettingsPrompt();
-  auto* adapter = new SettingsPromptAdapter(std::make_unique<SettingsPromptViewModel>(banner, permission));
+  auto* adapter = new SettingsPromptAdapter(
+      std::make_unique<SettingsPromptViewModel>(ConsentBannerViewModel::make(core), permission));
+  adapter->load();
   present(std::make_unique<Screen>(ScreenKind::settingsPrompt, std::move(core), adapter, adapter->banner()));
 }
 
@@ -136,7 +122,9 @@ void QtScreenPresenter::presentWebView(Core core, const std::string& link) {
     return static_cast<WebViewAdapter*>(screen->model())->open(link);
   }
   component(ScreenKind::webView);  // makes the QML engine
-  auto* adapter = new WebViewAdapter(loadedBanner(core), webSurfaceFactory()(*engine_), link);
+  const auto banner = ConsentBannerViewModel::make(core);
+  banner->loadBannerConfig();
+  auto* adapter = new WebViewAdapter(banner, webSurfaceFactory()(*engine_), link);
   present(std::make_unique<Screen>(ScreenKind::webView, std::move(core), adapter, adapter->banner()));
 }
 
@@ -179,12 +167,8 @@ void QtScreenPresenter::show(Screen* screen) {
 
 void QtScreenPresenter::styleAfterTop() {
   if (stack_.empty() || !engine_) return;
-  // Another engine knows the type by another number.
-  auto* style = engine_->singletonInstance<Style*>(qmlTypeId("Quillon.Consent", 1, 0, "Style"));
   const Screen* top = stack_.back();
-  if (!style) return;
-  style->setOptions(options_);
-  style->show(*top->core(), top->banner()->model()->bannerConfig.get());
+  Style::of(*engine_).show(options_, *top->core(), top->banner()->model()->bannerConfig.get());
 }
 
 void QtScreenPresenter::dismissTopMost() {
@@ -194,6 +178,7 @@ void QtScreenPresenter::dismissTopMost() {
 void QtScreenPresenter::dismissBanner() {
   const auto found = std::ranges::find(stack_, ScreenKind::banner, &Screen::kind);
   if (found != stack_.end()) dismiss(*found);
+  Q_EMIT bannerDismissed();
 }
 
 void QtScreenPresenter::dismiss(Screen* screen) {

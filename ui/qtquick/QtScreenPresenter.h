@@ -37,6 +37,10 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   // The item of the top-most screen; null when there is none or it is still being made.
   QQuickItem* topItem() const { return stack_.empty() ? nullptr : stack_.back()->item(); }
 
+ Q_SIGNALS:
+  // It has been answered elsewhere, whether it was shown or not.
+  void bannerDismissed();
+
  protected:
   // Keeps the Tab key within the top-most screen.
   bool eventFilter(QObject* watched, QEvent* event) override;

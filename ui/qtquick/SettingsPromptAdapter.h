@@ -17,6 +17,7 @@ class SettingsPromptAdapter : public Adapter {
   Q_PROPERTY(quillon::ConsentBannerAdapter* banner READ banner CONSTANT)
   Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
   Q_PROPERTY(bool hasFailed READ hasFailed NOTIFY changed)
+  Q_PROPERTY(QString failure READ failure NOTIFY changed)
   Q_PROPERTY(QString heading READ heading NOTIFY changed)
   Q_PROPERTY(quillon::RichTextAdapter* message READ message CONSTANT)
   Q_PROPERTY(QString settingsButton READ settingsButton NOTIFY changed)
@@ -33,13 +34,19 @@ class SettingsPromptAdapter : public Adapter {
   }
 
   ConsentBannerAdapter* banner() const { return banner_; }
-  bool isLoading() const { return model_->banner()->settingsPromptResult.get().isLoading(); }
+  bool isLoading() const { return !hasFailed() && !model_->banner()->settingsPromptResult.get().value(); }
   bool hasFailed() const { return model_->banner()->settingsPromptResult.get().error() != nullptr; }
+  QString failure() const { return messageOf(model_->banner()->settingsPromptResult.get()); }
   QString heading() const { return QString::fromStdString(content_.heading); }
   RichTextAdapter* message() const { return message_; }
   QString settingsButton() const { return QString::fromStdString(content_.settingsButton); }
   QString notNowButton() const { return QString::fromStdString(content_.notNowButton); }
 
+  // Loads what the screen shows, or tries it again.
+  Q_INVOKABLE void load() {
+    model_->banner()->loadBannerConfig();
+    model_->banner()->loadSettingsPrompt();
+  }
   Q_INVOKABLE void openSettings() { model_->openSettings(); }
   Q_INVOKABLE void notNow() { model_->notNow(); }
   Q_INVOKABLE void close() { model_->close(); }

@@ -2,12 +2,13 @@ import QtQuick
 import QtQuick.Templates as T
 import Quillon.Consent
 
-// The modal surface of every screen: a sheet at the bottom or a card in the middle, with a header and a footer that stay
-// while the body scrolls, as long as there is room for that.
+// The surface of every screen, with a header and a footer that stay while the body scrolls, as long as there is room for
+// that. Modal, it is a sheet at the bottom or a card in the middle of the window; else a part of the page around it.
 FocusScope {
     id: sheet
 
     property string title
+    property bool isModal: true
     property bool isBottom: false
     property bool fillsHeight: false
     property real widest: 480
@@ -23,14 +24,16 @@ FocusScope {
     signal gone
 
     readonly property bool isNarrow: width < 600
-    readonly property bool isFloating: !isBottom || !isNarrow
+    readonly property bool isFloating: !isModal || !isBottom || !isNarrow
     readonly property int margin: isNarrow ? 16 : 24
     readonly property int inset: width < 360 ? 16 : isNarrow ? 20 : 24
-    readonly property real tallest: height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16))
+    readonly property real tallest: !isModal ? height : height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16))
     readonly property bool hasPage: pagePlace.children.length > 0
     // Header and footer that take most of the height scroll along.
     readonly property bool scrollsWhole: !hasPage && headerColumn.implicitHeight + footerPanel.implicitHeight > tallest * 0.6
-    property real shown: 0
+    property real shown: isModal ? 0 : 1
+    // With what it is about.
+    readonly property bool isOnScreen: shown === 1 && visible && !isLoading && !isLeaving
     property bool isLeaving: false
 
     function enter() {
@@ -50,6 +53,12 @@ FocusScope {
         else
             shown = 0
     }
+    // What is part of a page leaves the key to it.
+    function leaveByKey(event) {
+        event.accepted = isModal
+        if (isModal && canClose)
+            closeRequested()
+    }
     function reveal(item) {
         const place = item.mapToItem(content, 0, 0)
         const above = 16
@@ -62,7 +71,9 @@ FocusScope {
         flick.contentY = Math.max(0, Math.min(flick.contentHeight - flick.height, flick.contentY + distance))
     }
 
-    anchors.fill: parent
+    implicitWidth: 360
+    implicitHeight: isLoading ? 200 : panel.contentHeight
+    anchors.fill: isModal ? parent : undefined
     LayoutMirroring.enabled: Style.isMirrored
     LayoutMirroring.childrenInherit: true
     onIsLoadingChanged: appearWhenReady()
@@ -72,8 +83,8 @@ FocusScope {
         NumberAnimation { duration: Style.duration; easing.type: Easing.OutCubic }
     }
 
-    Keys.onEscapePressed: if (canClose) closeRequested()
-    Keys.onBackPressed: if (canClose) closeRequested()
+    Keys.onEscapePressed: event => leaveByKey(event)
+    Keys.onBackPressed: event => leaveByKey(event)
     Keys.onUpPressed: scrollBy(-48)
     Keys.onDownPressed: scrollBy(48)
     Keys.onPressed: event => {
@@ -95,12 +106,14 @@ FocusScope {
         anchors.fill: parent
         color: Style.colors.scrim
         opacity: sheet.shown
+        visible: sheet.isModal
     }
     // Nothing passes to the host below. A tap beside the sheet answers nothing.
     MouseArea {
         anchors.fill: parent
         hoverEnabled: true
         acceptedButtons: Qt.AllButtons
+        enabled: sheet.isModal
         onWheel: wheel => wheel.accepted = true
     }
     // A soft edge against what lies below.
@@ -117,7 +130,7 @@ FocusScope {
             border.width: 2
             border.color: Qt.rgba(0, 0, 0, 0.1 - index * 0.03)
             opacity: panel.opacity
-            visible: sheet.isFloating
+            visible: sheet.isModal && sheet.isFloating
         }
     }
 
@@ -126,19 +139,19 @@ FocusScope {
 
         readonly property real contentHeight: headerColumn.implicitHeight + bodyColumn.implicitHeight + footerPanel.implicitHeight + 4
 
-        width: sheet.isFloating ? Math.min(sheet.widest, sheet.width - 2 * sheet.margin) : sheet.width
-        height: sheet.isLoading ? Math.min(sheet.tallest, 200) : sheet.fillsHeight ? Math.min(sheet.tallest, sheet.isNarrow ? sheet.tallest : 820) : Math.min(sheet.tallest, contentHeight)
+        width: !sheet.isModal ? sheet.width : sheet.isFloating ? Math.min(sheet.widest, sheet.width - 2 * sheet.margin) : sheet.width
+        height: !sheet.isModal ? sheet.height : sheet.isLoading ? Math.min(sheet.tallest, 200) : sheet.fillsHeight ? Math.min(sheet.tallest, sheet.isNarrow ? sheet.tallest : 820) : Math.min(sheet.tallest, contentHeight)
         x: (sheet.width - width) / 2
-        y: (sheet.isFloating && !sheet.isBottom ? (sheet.height - height) / 2 : sheet.height - height - (sheet.isFloating ? sheet.margin : 0)) + (1 - sheet.shown) * 32
+        y: !sheet.isModal ? 0 : (sheet.isFloating && !sheet.isBottom ? (sheet.height - height) / 2 : sheet.height - height - (sheet.isFloating ? sheet.margin : 0)) + (1 - sheet.shown) * 32
         radius: 20
         color: Style.colors.background
         border.width: sheet.isFloating ? 1 : 0
         border.color: Style.colors.hairline
         opacity: sheet.shown
 
-        Accessible.role: Accessible.Dialog
+        Accessible.role: sheet.isModal ? Accessible.Dialog : Accessible.Grouping
         Accessible.name: sheet.title
-        Accessible.focusable: true
+        Accessible.focusable: sheet.isModal
 
         // A sheet at the bottom runs out of the window with its lower corners.
         Rectangle {

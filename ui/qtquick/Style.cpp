@@ -42,19 +42,21 @@ Style::ButtonShape shapeOf(const std::optional<BannerConfig>& banner) {
 
 Style::Style(QObject* parent) : QObject(parent), colors_(paletteFor(std::nullopt, std::nullopt, false), false) {}
 
-void Style::setOptions(const QtQuickOptions& options) {
-  options_ = options;
+Style& Style::of(QQmlEngine& engine) {
+  // Another engine knows the type by another number.
+  return *engine.singletonInstance<Style*>(qmlTypeId("Quillon.Consent", 1, 0, "Style"));
 }
 
-void Style::show(const ConsentSDK::Core& core, const std::optional<BannerConfig>& banner) {
-  const bool isDark = options_.isDark.value_or(isDesktopDark());
+void Style::show(const QtQuickOptions& options, const ConsentSDK::Core& core,
+                 const std::optional<BannerConfig>& banner) {
+  const bool isDark = options.isDark.value_or(isDesktopDark());
   const auto number = banner ? banner->paletteTheme : std::nullopt;
   colors_ = ScreenColors(paletteFor(core.theme.colors(), number, isDark), isDark);
   fonts_ = core.theme.fonts();
   constexpr double smallest = 0.5;
   constexpr double largest = 3;
-  textScale_ = std::clamp(options_.textScale.value_or(desktopTextScale()), smallest, largest);
-  isMotionReduced_ = options_.isMotionReduced;
+  textScale_ = std::clamp(options.textScale.value_or(desktopTextScale()), smallest, largest);
+  isMotionReduced_ = options.isMotionReduced;
   buttonShape_ = shapeOf(banner);
   const QLocale language(QString::fromStdString(core.locale.currentLanguageCode()));
   isMirrored_ = language.textDirection() == Qt::RightToLeft;

@@ -4,6 +4,7 @@
 #include <QtQml/qqmlregistration.h>
 #include <QFont>
 #include <QObject>
+#include <QQmlEngine>
 #include <memory>
 
 #include "core/ConsentSDK/ConsentSDKCore.h"
@@ -37,9 +38,11 @@ class Style : public QObject {
 
   explicit Style(QObject* parent = nullptr);
 
-  void setOptions(const QtQuickOptions& options);
+  // That of an engine which has the module.
+  static Style& of(QQmlEngine& engine);
+
   // Takes over the SDK's fonts and colours, its language and what the banner configures.
-  void show(const ConsentSDK::Core& core, const std::optional<BannerConfig>& banner);
+  void show(const QtQuickOptions& options, const ConsentSDK::Core& core, const std::optional<BannerConfig>& banner);
 
   const ScreenColors& colors() const { return colors_; }
   QFont heading() const;
@@ -59,7 +62,6 @@ class Style : public QObject {
  private:
   QFont font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight = 1) const;
 
-  QtQuickOptions options_;
   Theme::Fonts fonts_;
   ScreenColors colors_;
   double textScale_ = 1;

@@ -38,7 +38,7 @@ void WebViewAdapter::open(std::string link) {
 
 void WebViewAdapter::close() {
   model_->stop();
-  banner_->model()->core()->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+  banner_->model()->leave();
 }
 
 }  // namespace quillon

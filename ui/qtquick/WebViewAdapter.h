@@ -25,7 +25,6 @@ class WebViewAdapter : public Adapter {
   Q_PROPERTY(bool canGoForward READ canGoForward NOTIFY changed)
   Q_PROPERTY(QString backLabel READ backLabel NOTIFY changed)
   Q_PROPERTY(QString forwardLabel READ forwardLabel NOTIFY changed)
-  Q_PROPERTY(QString refreshLabel READ refreshLabel NOTIFY changed)
   Q_PROPERTY(QQuickItem* page READ page NOTIFY changed)
 
  public:
@@ -43,7 +42,6 @@ class WebViewAdapter : public Adapter {
   bool canGoForward() const { return model_->canGoForward(); }
   QString backLabel() const { return banner_->label(Label::webViewBack); }
   QString forwardLabel() const { return banner_->label(Label::webViewForward); }
-  QString refreshLabel() const { return banner_->label(Label::webViewRefresh); }
   QQuickItem* page() const { return surface_.item(); }
 
   // The sheet is on screen; the browser starts only now, since that takes a while.

@@ -121,7 +121,7 @@ Sheet {
                 anchors.right: parent.right
                 anchors.rightMargin: -4
                 shape: Icon.Refresh
-                text: screen.model.refreshLabel
+                text: screen.model.banner.refreshLabel
                 hint: screen.model.banner.activationHint
                 onClicked: screen.model.refreshPage()
             }

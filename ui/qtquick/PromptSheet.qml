@@ -23,6 +23,12 @@ Sheet {
         width: parent.width
         content: screen.model.message
     }
+    Failure {
+        width: parent.width
+        banner: screen.model.banner
+        text: screen.model.failure
+        onRetried: screen.model.load()
+    }
 
     footer: AnswerRow {
         width: parent.width

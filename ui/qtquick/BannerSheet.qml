@@ -12,7 +12,7 @@ Sheet {
     isLoading: model.isLoading
     canClose: model.canClose || model.hasFailed
     onCloseRequested: model.close()
-    onShownChanged: if (shown === 1 && !isLeaving) model.appeared()
+    onIsOnScreenChanged: if (isOnScreen) model.appeared()
 
     header: SheetHeader {
         width: parent.width
@@ -26,11 +26,17 @@ Sheet {
         width: parent.width
         content: screen.model.text
     }
+    Failure {
+        width: parent.width
+        banner: screen.model
+        text: screen.model.failure
+        onRetried: screen.model.load()
+    }
 
     footer: [
         AnswerRow {
             width: parent.width
-            answers: screen.model.answers
+            answers: screen.model.hasFailed ? [] : screen.model.answers
             hint: screen.model.activationHint
             visible: answers.length > 0
             onChosen: action => screen.model.perform(action)

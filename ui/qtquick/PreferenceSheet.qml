@@ -17,6 +17,7 @@ Sheet {
     fillsHeight: true
     widest: 640
     isLoading: model.banner.isLoading
+    canClose: isModal
     footerColor: Style.colors.footer
     onCloseRequested: model.close()
     onIsAtPurposesChanged: scrollBy(-1e6)
@@ -26,6 +27,7 @@ Sheet {
             width: parent.width
             banner: screen.model.banner
             heading: screen.model.heading
+            canClose: screen.canClose
             onClosed: screen.closeRequested()
         },
         TabSelector {
@@ -37,10 +39,16 @@ Sheet {
         }
     ]
 
+    Failure {
+        width: parent.width
+        banner: screen.model.banner
+        text: screen.model.banner.failure
+        onRetried: screen.model.load()
+    }
     Column {
         width: parent.width
         spacing: 12
-        visible: screen.isAtPurposes
+        visible: screen.isAtPurposes && !screen.model.banner.hasFailed
 
         RichTextView {
             width: parent.width
@@ -72,6 +80,12 @@ Sheet {
             anchors.horizontalCenter: parent.horizontalCenter
             visible: screen.model.arePurposesLoading && cards.count === 0
         }
+        Failure {
+            width: parent.width
+            banner: screen.model.banner
+            text: screen.model.purposesFailure
+            onRetried: screen.model.load()
+        }
         Repeater {
             id: cards
             model: screen.model.purposes
@@ -82,7 +96,7 @@ Sheet {
 
                 required property var modelData
 
-                width: parent.width
+                width: parent?.width ?? 0
                 asynchronous: true
                 sourceComponent: PurposeCard {
                     width: place.width
@@ -96,7 +110,7 @@ Sheet {
     Column {
         width: parent.width
         spacing: 12
-        visible: !screen.isAtPurposes
+        visible: !screen.isAtPurposes && !screen.model.banner.hasFailed
 
         RichTextView {
             width: parent.width
@@ -112,6 +126,12 @@ Sheet {
             anchors.horizontalCenter: parent.horizontalCenter
             visible: screen.model.arePermissionsLoading && rows.count === 0
         }
+        Failure {
+            width: parent.width
+            banner: screen.model.banner
+            text: screen.model.permissionsFailure
+            onRetried: screen.model.load()
+        }
         Repeater {
             id: rows
             model: screen.model.permissions
@@ -119,7 +139,7 @@ Sheet {
             PermissionRow {
                 required property var modelData
 
-                width: parent.width
+                width: parent?.width ?? 0
                 permission: modelData
                 model: screen.model
                 beginsGroup: index === 0 || screen.model.permissions[index - 1].group !== modelData.group

@@ -1,0 +1,105 @@
+// Screens that a page of the application's own places.
+#include <gtest/gtest.h>
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <boost/json/serialize.hpp>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "quillon/QtQuick.h"
+#include "tests/qtquick/ScreenWorld.h"
+
+namespace quillon::test {
+namespace {
+
+struct PlacedScreens : testing::Test, ScreenWorld {
+  ~PlacedScreens() override { page.reset(); }
+
+  // A page with that element in a column; before the SDK is set up.
+  void place(const std::string& element, const std::string& properties = "") {
+    world.restart();
+    engine = std::make_unique<QQmlEngine>();
+    addConsentElements(*engine, *world.sdk, {.isDark = false, .textScale = 1, .isMotionReduced = true});
+    QQmlComponent component(engine.get());
+    component.setData(
+        QByteArray::fromStdString("import QtQuick; import Quillon.Consent\n"
+                                  "Column { width: 400; property int dones: 0\n" +
+                                  element + "{ width: parent.width; onDone: parent.dones += 1; " + properties + " } }"),
+        {});
+    page.reset(qobject_cast<QQuickItem*>(component.create()));
+    ASSERT_TRUE(page) << component.errorString().toStdString();
+    page->setParentItem(window->contentItem());
+  }
+  QQuickItem* find(const std::string& text) const {
+    for (QQuickItem* item : itemsBelow(page.get())) {
+      if (item->isVisible() && item->property("text").toString().toStdString() == text) return item;
+    }
+    return nullptr;
+  }
+  bool shows(const std::string& text) {
+    return await([&] { return find(text) != nullptr; });
+  }
+  void press(const std::string& text) {
+    ASSERT_TRUE(shows(text));
+    window->grabWindow();
+    tap(*find(text), Way::assistive);
+  }
+  int dones() const { return page->property("dones").toInt(); }
+
+  std::unique_ptr<QQmlEngine> engine;
+  std::unique_ptr<QQuickItem> page;
+};
+
+TEST_F(PlacedScreens, TheBannerWaitsForTheConfigurationAndIsDoneOnceAnswered) {
+  place("ConsentBanner");
+  start();
+  ASSERT_TRUE(shows("Accept")) << world.log();
+  EXPECT_GE(page->height(), find("Accept")->mapToItem(page.get(), {0, find("Accept")->height()}).y());
+  press("Choose");
+  screenWith("Save Changes");
+  use("Save Changes");
+  EXPECT_TRUE(isGone());
+  EXPECT_EQ(dones(), 1) << "answered by way of the preference centre";
+  preferenceCenter();
+  press("Accept");
+  EXPECT_EQ(dones(), 2);
+  EXPECT_EQ(status(1), "granted");
+  EXPECT_EQ(world.stored().consentGivenType(), givenType::explicitly);
+  EXPECT_TRUE(top()) << "a screen that lies over the page is none of its business";
+}
+
+TEST_F(PlacedScreens, ThePreferenceCentreSavesAndStays) {
+  place("PreferenceCenter");
+  start();
+  ASSERT_TRUE(shows("Statistics"));
+  EXPECT_FALSE(find("Close"));
+  press("Select All");
+  press("Save Changes");
+  EXPECT_EQ(dones(), 1);
+  EXPECT_EQ(status(1), "granted");
+  EXPECT_TRUE(shows("Unselect All"));
+}
+
+TEST_F(PlacedScreens, ThePromptIsAboutThePermissionThatThePageNames) {
+  place("SettingsPrompt", "permission: 'NSCameraUsageDescription'");
+  start();
+  EXPECT_TRUE(shows("Later"));
+}
+
+TEST_F(PlacedScreens, AFailureIsToldAndCanBeTriedAgain) {
+  const auto banner = document["banner_config"];
+  document.erase("banner_config");
+  place("ConsentBanner");
+  start();
+  EXPECT_TRUE(shows("Failed to Load Banner Configuration"));
+  EXPECT_FALSE(find("Accept"));
+  document["banner_config"] = banner;
+  world.server.serve(boost::json::serialize(document));
+  world.advance(std::chrono::hours(2));
+  world.start();
+  press("Refresh");
+  EXPECT_TRUE(shows("Accept"));
+}
+
+}  // namespace
+}  // namespace quillon::test

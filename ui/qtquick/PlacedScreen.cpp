@@ -1,0 +1,84 @@
+#include "ui/qtquick/PlacedScreen.h"
+
+#include <QPointer>
+#include <QQmlComponent>
+#include <QQmlInfo>
+
+#include "ui/qtquick/PreferenceCenterAdapter.h"
+#include "ui/qtquick/QtScreenPresenter.h"
+#include "ui/qtquick/SettingsPromptAdapter.h"
+
+namespace quillon {
+
+void PlacedScreen::componentComplete() {
+  QQuickItem::componentComplete();
+  const auto* sdk = qmlEngine(this)->findChild<PageSdk*>(QString(), Qt::FindDirectChildrenOnly);
+  if (!sdk) {
+    qmlWarning(this) << "quillon::addConsentElements was not called for the engine";
+    return;
+  }
+  const auto leave = [self = QPointer(this)] {
+    if (self) self->sayDone();
+  };
+  const Model model = makeModel(ConsentBannerViewModel::make(sdk->core, leave));
+  feed(*sdk, model);
+  show(model);
+  // The preference centre that a banner opens answers it, too.
+  const auto* screens = dynamic_cast<QtScreenPresenter*>(sdk->core->platform.screens.get());
+  if (screens && model.adapter == model.banner) {
+    connect(screens, &QtScreenPresenter::bannerDismissed, this, &PlacedScreen::sayDone);
+  }
+}
+
+void PlacedScreen::feed(const PageSdk& sdk, const Model& model) {
+  const auto restyle = [this, &sdk, banner = model.banner] {
+    Style::of(*qmlEngine(this)).show(sdk.options, *sdk.core, banner->model()->bannerConfig.get());
+  };
+  connect(model.banner, &Adapter::changed, this, restyle);
+  restyle();
+  const auto loadUnlessFetching = [banner = model.banner, load = model.load](SDKStatus status) {
+    if (status != SDKStatus::fetching && !banner->isLoaded()) load();
+  };
+  readiness_ = sdk.core->sdkListener.follow(loadUnlessFetching);
+  loadUnlessFetching(sdk.core->sdkListener.isReady());
+}
+
+void PlacedScreen::show(const Model& model) {
+  QQmlComponent component(qmlEngine(this), QUrl(QString("qrc:/qt/qml/Quillon/Consent/%1.qml").arg(sheet())));
+  screen_ = qobject_cast<QQuickItem*>(
+      component.createWithInitialProperties({{"model", QVariant::fromValue(model.adapter)}, {"isModal", false}}));
+  if (!screen_) {
+    qmlWarning(this) << component.errorString();
+    return;
+  }
+  screen_->setParent(this);
+  screen_->setParentItem(this);
+  const auto followSize = [this] { setImplicitSize(screen_->implicitWidth(), screen_->implicitHeight()); };
+  connect(screen_, &QQuickItem::implicitWidthChanged, this, followSize);
+  connect(screen_, &QQuickItem::implicitHeightChanged, this, followSize);
+  screen_->setSize(size());
+  followSize();
+}
+
+void PlacedScreen::geometryChange(const QRectF& now, const QRectF& before) {
+  QQuickItem::geometryChange(now, before);
+  if (screen_) screen_->setSize(now.size());
+}
+
+PlacedScreen::Model PlacedBanner::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
+  auto* adapter = new ConsentBannerAdapter(std::move(banner), this);
+  return {adapter, adapter, [adapter] { adapter->load(); }};
+}
+
+PlacedScreen::Model PlacedPreferenceCenter::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
+  auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(std::move(banner)), this);
+  return {adapter, adapter->banner(), [adapter] { adapter->load(); }};
+}
+
+PlacedScreen::Model PlacedSettingsPrompt::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
+  auto* adapter = new SettingsPromptAdapter(
+      std::make_unique<SettingsPromptViewModel>(std::move(banner), VantariKey(permission_.toStdString())), this);
+  return {adapter, adapter->banner(), [adapter] { adapter->load(); }};
+}
+
+}  // namespace quillon
