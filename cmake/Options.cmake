@@ -11,6 +11,8 @@ else()
 endif()
 set(QUILLON_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them (address,undefined or thread)")
 
+option(QUILLON_INSTALL "Install the SDK along with what builds it" ${PROJECT_IS_TOP_LEVEL})
+
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
@@ -19,6 +21,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 # newer compiler never breaks an application that builds us along.
 function(quillon_target name)
   target_compile_features(${name} PRIVATE cxx_std_23)
+  # Nobody replaces a function of ours at load time; without this the compiler keeps calls open for it.
+  target_compile_options(${name} PRIVATE -fno-semantic-interposition)
   target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
   if(PROJECT_IS_TOP_LEVEL)
     target_compile_options(${name} PRIVATE -Werror)

@@ -31,6 +31,7 @@ std::expected<void, std::string> MemorySuite::update(const Edit& edit) {
     std::lock_guard turn(writersMutex_);
     auto entries = *snapshot();
     SuiteUpdate update = edit(entries);
+    if (isFull_ && isFull_()) return std::unexpected("the disk is full");
     for (auto& [key, value] : update.changes) {
       if (key.empty()) return std::unexpected("a key is empty");
       if (value) {
@@ -73,7 +74,7 @@ std::expected<JournalPage, std::string> MemorySuite::journal(std::int64_t before
 std::shared_ptr<KeyValueSuite> MemoryStore::open(std::string_view name, Report) {
   std::lock_guard lock(mutex_);
   auto& suite = suites_[std::string(name)];
-  if (!suite) suite = std::make_shared<MemorySuite>();
+  if (!suite) suite = std::make_shared<MemorySuite>(isFull_);
   return suite;
 }
 

@@ -5,7 +5,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "tests/support/NotingPresenter.h"
+#include "platform/memory/NotingPresenter.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {

@@ -203,13 +203,20 @@ QQuickWindow* QtScreenPresenter::hostWindow() {
     if (auto* window = qobject_cast<QQuickWindow*>(QGuiApplication::focusWindow())) return window;
   }
   const auto windows = QGuiApplication::topLevelWindows();
+  QWindow* other = nullptr;  // of another toolkit
   for (auto window = windows.rbegin(); window != windows.rend(); ++window) {
-    auto* quick = qobject_cast<QQuickWindow*>(*window);
-    if (quick && isHost(quick)) return quick;
+    if (!isHost(*window)) continue;
+    if (auto* quick = qobject_cast<QQuickWindow*>(*window)) return quick;
+    if (!other || *window == QGuiApplication::focusWindow()) other = *window;
   }
   ownWindow_ = std::make_unique<QQuickWindow>();
   ownWindow_->setTitle(QGuiApplication::applicationDisplayName());
   ownWindow_->resize(480, 760);
+  if (other) {
+    ownWindow_->setTransientParent(other);
+    ownWindow_->setModality(Qt::WindowModal);
+    ownWindow_->setGeometry(other->geometry());
+  }
   connect(ownWindow_.get(), &QWindow::visibleChanged, this, [this](bool isVisible) {
     while (!isVisible && !stack_.empty()) dismissTopMost();
   });

@@ -6,8 +6,8 @@
 
 #include "core/ConsentSDK/BannerSelection.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/FailingFileSystem.h"
 #include "platform/memory/FixedHostApplication.h"
-#include "tests/support/FailingFileSystem.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {

@@ -8,8 +8,9 @@
 
 #include "platform/ScreenPresenter.h"
 
-namespace quillon::test {
+namespace quillon {
 
+// Thread-safe.
 class NotingPresenter : public ScreenPresenter {
  public:
   void presentBanner(Core /*core*/) override { note("banner"); }
@@ -37,4 +38,4 @@ class NotingPresenter : public ScreenPresenter {
   std::vector<std::string> noted_;
 };
 
-}  // namespace quillon::test
+}  // namespace quillon

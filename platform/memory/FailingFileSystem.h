@@ -8,7 +8,7 @@
 
 #include "platform/FileSystem.h"
 
-namespace quillon::test {
+namespace quillon {
 
 // Passes everything on to another file system, unless `fault` says for a change, by its name ("write", "move",
 // "remove", "createDirectories"), that it must fail. Thread-safe when the fault is.
@@ -44,4 +44,4 @@ class FailingFileSystem : public FileSystem {
   const std::function<bool(std::string_view)> fault_;
 };
 
-}  // namespace quillon::test
+}  // namespace quillon

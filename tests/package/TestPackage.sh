@@ -1,0 +1,128 @@
+#!/usr/bin/env bash
+# Installs the build into an empty prefix and lives from there alone: every example is built as an application of its own
+# and run against the installed development server.
+# usage: TestPackage.sh SOURCE_FOLDER BUILD_FOLDER WORK_FOLDER CXX shared|static
+set -euo pipefail
+source=$1 build=$2 work=$3 cxx=$4 flavour=$5
+rm -rf "$work"
+mkdir -p "$work"
+prefix=$work/prefix
+
+fail() {
+  echo "FAILED: $*" >&2
+  exit 1
+}
+
+quietly() {
+  local begin=$SECONDS
+  "$@" >"$work/log" 2>&1 || { cat "$work/log"; fail "$*"; }
+  echo "$((SECONDS - begin)) s: ${*:1:6}"
+}
+
+quietly cmake --install "$build" --prefix "$prefix"
+lib=$(dirname "$(find "$prefix" -name 'libquillon-core.*' -print -quit)")
+screens=no
+[ ! -e "$lib/cmake/QuillonConsent/QuillonConsent-qtquick.cmake" ] || screens=yes
+
+# What the shared libraries show is what the list says, and they need nothing that their component does not stand for.
+exports() {
+  local library
+  for library in "$lib"/libquillon-*.so; do
+    nm -DC --defined-only "$library" | grep -vE '_PRIVATE$| A ' |
+      sed -E "s|^[0-9a-f]+ . ||; s|@@QUILLON_[0-9.]+$||; s|^|$(basename "$library" .so): |"
+  done | sort -u
+}
+if [ "$flavour" = shared ]; then
+  exports >"$work/exports.txt"
+  [ "$screens" = no ] || diff -u "$source/tests/package/exports.txt" "$work/exports.txt" ||
+    fail "the exported functions changed: if that is meant, copy $work/exports.txt over tests/package/exports.txt"
+  for library in core linux consent-c testing; do
+    ! readelf -d "$lib/libquillon-$library.so" | grep NEEDED | grep -iE 'boost|qt|gumbo|re2|idn2' ||
+      fail "libquillon-$library needs what it has no use for"
+  done
+  ! readelf -d "$lib/libquillon-core.so" | grep NEEDED | grep -vE 'libstdc|libgcc|libc\.|libm\.|ld-linux|sanit|san\.' ||
+    fail "libquillon-core needs more than the standard library"
+  size=0
+  for library in core linux; do
+    strip --strip-unneeded -o "$work/stripped" "$lib/libquillon-$library.so"
+    size=$((size + $(stat -c %s "$work/stripped")))
+  done
+  echo "core and Linux services: $size bytes stripped, Boost included"
+fi
+
+# The examples away from their repository, as somebody's own project. First without anything of Qt, with both compilers.
+cp -r "$source/examples" "$work/examples"
+build_examples() {
+  local compiler=$1 folder=$2
+  shift 2
+  quietly cmake -G Ninja -S "$work/examples" -B "$folder" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
+    -DCMAKE_BUILD_TYPE=Debug "$@"
+  quietly cmake --build "$folder"
+}
+build_examples "$cxx" "$work/plain" -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON -DQUILLON_EXAMPLES=headless
+if [ "$flavour" = shared ]; then
+  build_examples clang++-19 "$work/clang" -DQUILLON_EXAMPLES=headless
+  [ "$screens" = no ] || build_examples "$cxx" "$work/screens"
+  export PKG_CONFIG_PATH=$lib/pkgconfig LD_LIBRARY_PATH=$lib
+  # shellcheck disable=SC2046
+  quietly "$cxx" -std=c++20 "$source/examples/analytics/main.cpp" -o "$work/by-pkg-config" \
+    $(pkg-config --cflags --libs quillon-consent)
+  # shellcheck disable=SC2046
+  quietly gcc -std=c11 "$source/examples/c/main.c" -o "$work/by-pkg-config-c" $(pkg-config --cflags --libs quillon-consent-c)
+fi
+
+# They run, each with a folder of its own.
+exec {log}< <(exec "$prefix/bin/quillon-consent" serve "$source/examples/configuration" --port 0 --db "$work/uploads.db")
+server=$!
+trap 'kill "$server" 2>/dev/null || true' EXIT
+read -r -t 20 -u "$log" line || fail "the development server did not start"
+url=${line#listening on }
+cat <&"$log" >"$work/requests" &
+run() { quietly timeout 60 "$@"; }
+for folder in plain clang; do
+  [ -d "$work/$folder" ] || continue
+  run "$work/$folder/quillon-host-test"
+  run "$work/$folder/quillon-analytics-example" "$url" "$work/data-$folder-analytics"
+  run "$work/$folder/quillon-c-example" "$url" "$work/data-$folder-c"
+  run "$work/$folder/quillon-plain-host" --app-url "$url" --cdn-url "$url" --vendor-url "$url" --language de \
+    --data-dir "$work/data-$folder"
+done
+if [ "$flavour" = shared ]; then
+  run "$work/by-pkg-config" "$url" "$work/data-pkg-config"
+  run "$work/by-pkg-config-c" "$url" "$work/data-pkg-config-c"
+  unset LD_LIBRARY_PATH
+  run python3 "$source/examples/python/consent.py" "$lib/libquillon-consent-c.so" "$url" "$work/data-python"
+fi
+if [ -d "$work/screens" ]; then
+  mkdir -m 700 "$work/runtime"
+  mkdir "$work/pictures"
+  export QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software XDG_RUNTIME_DIR=$work/runtime
+  run "$work/screens/quillon-widgets-example" "$url" "$work/data-widgets" --check
+  # The browser's sandbox does not work for the super-user; the tour opens nothing but a page of our own.
+  [ "$(id -u)" != 0 ] || export QTWEBENGINE_CHROMIUM_FLAGS="--no-sandbox --disable-gpu"
+  run "$work/screens/quillon-newsreader" --server "$url" --data "$work/data-newsreader" --language en --tour "$work/pictures"
+fi
+kill "$server"
+
+# An application builds the SDK along: it sees include/ and nothing else, and its compiler's warnings stop nothing.
+quietly cmake -G Ninja -S "$source/tests/package/embedding" -B "$work/embedding" -DQUILLON_SOURCE="$source" \
+  -DQUILLON_QTQUICK=OFF -DCMAKE_CXX_COMPILER="$cxx"
+quietly cmake --build "$work/embedding" --target CMakeFiles/application.dir/application.cpp.o
+! grep -q -e -Werror "$work/embedding/compile_commands.json" || fail "warnings are errors for those who build the SDK along"
+! ninja -C "$work/embedding" -t targets all | grep -qE 'quillon-consent:|_tests' ||
+  fail "those who build the SDK along build its tools and tests"
+
+if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
+  (cd "$work" && quietly cpack --config "$build/CPackConfig.cmake" -B "$work/packages")
+  for package in "$work"/packages/*.deb; do
+    echo "$(basename "$package") needs: $(dpkg-deb -f "$package" Depends)"
+  done
+  runtime=$(dpkg-deb -f "$work"/packages/libquillon-consent0*.deb Depends)
+  [[ $runtime == *libcurl4* && $runtime != *qt6* && $runtime != *boost* ]] || fail "dependencies of the runtime package"
+  for file in libquillon-consent0*:libquillon-linux.so libquillon-consent-dev*:include/quillon/consent.h \
+    qml6-module-quillon-consent_*:libquillon-qtquick.so quillon-consent-tools*:bin/quillon-consent; do
+    # shellcheck disable=SC2086
+    dpkg-deb -c "$work"/packages/${file%%:*}.deb | grep -qF "${file#*:}" || fail "$file is not packaged"
+  done
+fi
+echo "the package works"
