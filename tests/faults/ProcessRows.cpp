@@ -9,8 +9,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <boost/json.hpp>
 #include <cstdio>
+#include <map>
+#include <mutex>
+#include <random>
+#include <set>
 #include <thread>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -322,6 +327,102 @@ Seen killedWithTheBanner(Trial& trial) {
   return seen(world, "1=" + world.text("1").value_or("nothing"));
 }
 
+// What the server recorded last for each purpose: what it answered with status 0.
+class Records {
+ public:
+  void add(const std::string& body) {
+    const auto upload = boost::json::parse(body);
+    const std::scoped_lock lock(mutex_);
+    for (const auto& consent : upload.at("purpose_consents").as_array()) {
+      latest_[static_cast<int>(consent.at("purpose_id").as_int64())] = consent.at("consent_status").as_string().c_str();
+    }
+  }
+  std::map<int, std::string> latest() const {
+    const std::scoped_lock lock(mutex_);
+    return latest_;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::map<int, std::string> latest_;
+};
+
+// A host is killed again and again in the middle of decisions and uploads, against a server that fails every other
+// time.
+Seen killedAtAnyMoment(Trial& trial) {
+  const TemporaryFolder place;
+  ConsentServer server;
+  Records records;
+  std::atomic<int> requests = 0;
+  std::atomic<bool> failing = true;
+  auto document = validConfiguration();
+  document["is_att_enabled"] = false;
+  server.serve(boost::json::serialize(document));
+  server.onUpload([&](const auto& request, auto& response) {
+    if (failing && ++requests % 2 == 0) {
+      response.status = 500;
+      return;
+    }
+    records.add(request.body);
+    json(R"({"status":0,"message":"saved"})")(request, response);
+  });
+
+  std::mt19937 random(20261124);
+  const std::array<std::string, 3> statuses{"granted", "declined", "withdrawn"};
+  // What each purpose may hold: the decision acknowledged last, and those sent after it whose answer was never read.
+  std::map<int, std::set<std::string>> possible;
+  for (int round = 0; round < trial.rounds(200, 15) && trial.failures().empty(); ++round) {
+    Host host(place.path() / "data", server);
+    for (auto& [id, values] : possible) {
+      const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(id) + "}");
+      const std::string found = answer.contains("consent") ? answer.at("consent").as_string().c_str() : "nothing";
+      trial.expect(values.contains(found), "round " + std::to_string(round) + ", " + std::to_string(id) + "=" + found);
+      values = {found};
+    }
+    std::vector<std::pair<int, std::string>> sent;
+    const auto lines = 1 + random() % 6;
+    for (unsigned i = 0; i < lines; ++i) {
+      const int id = 1 + static_cast<int>(random() % 3);
+      const std::string& status = statuses[random() % statuses.size()];
+      sent.emplace_back(id, status);
+      host.tell(R"({"op":"set","purposeId":)" + std::to_string(id) + R"(,"consent":")" + status + "\"}");
+      if (random() % 2 == 0) {
+        sent.emplace_back(0, "");
+        host.tell(R"({"op":"upload"})");
+      }
+    }
+    // Killed in the middle: some answers are read, the rest never is.
+    const auto acknowledged = random() % (sent.size() + 1);
+    for (std::size_t i = 0; i < sent.size(); ++i) {
+      const auto& [id, status] = sent[i];
+      if (i < acknowledged) {
+        const auto answer = host.hear();
+        if (id != 0 && answer.contains("stored") && answer.at("stored") == true) possible[id] = {status};
+      } else if (id != 0) {
+        // An unread decision may or may not have been made; before the first one a purpose holds its default.
+        if (possible[id].empty()) possible[id].insert("declined");
+        possible[id].insert(status);
+      }
+    }
+    host.kill();
+  }
+
+  failing = false;
+  Host host(place.path() / "data", server);
+  const auto uploaded = host.ask(R"({"op":"upload"})");
+  trial.expect(uploaded.contains("uploaded") && uploaded.at("uploaded") == true, "the rest cannot be uploaded");
+  const auto latest = records.latest();
+  for (const auto& [id, values] : possible) {
+    const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(id) + "}");
+    const std::string stored = answer.at("consent").as_string().c_str();
+    trial.expect(values.contains(stored), std::to_string(id) + "=" + stored + " was not acknowledged last");
+    const auto there = latest.find(id);
+    trial.expect((there == latest.end() ? "declined" : there->second) == stored, std::to_string(id) + " differs there");
+  }
+  const auto status = host.ask(R"({"op":"status"})");
+  return {.status = status.at("status").as_string().c_str(), .log = {}, .stored = "all that was acknowledged"};
+}
+
 }  // namespace
 
 std::vector<Row> processRows() {
@@ -357,6 +458,11 @@ std::vector<Row> processRows() {
        {"ready", "", "1=withdrawn 2=withdrawn"},
        twoProcesses,
        60s},
+      {"kill",
+       "killed at any moment, 200 times, while the server fails every other upload",
+       {"ready", "", "all that was acknowledged"},
+       killedAtAnyMoment,
+       300s},
       {"kill-banner",
        "killed while the banner shows, again and again",
        {"ready", "", "1=nothing"},

@@ -23,6 +23,7 @@ Seen damagedStore(Trial& trial) {
   const TemporaryFolder place(TemporaryFolder::fastParent());
   const auto data = place.path() / "data";
   std::string bytes;
+  SuiteEntries written;
   {
     World world(data);
     world.store(key::currentComplianceType, std::string("opt-out"));
@@ -30,6 +31,7 @@ Seen damagedStore(Trial& trial) {
     world.sdk->set({.purposeId = 2}, ConsentStatus::granted);
     world.sdk->set({.purposeId = 3}, ConsentStatus::declined);
     bytes = fileBytes(storeOf(world));
+    written = *world.snapshot();
   }
   Seen last;
   std::string log;

@@ -87,26 +87,6 @@ TEST_F(PosixFiles, AFailedWriteKeepsTheOldBytesAndLeavesNothingBehind) {
   EXPECT_EQ(names(), std::vector<std::string>{"file.json"});
 }
 
-TEST_F(PosixFiles, WhatAKilledWriterLeftIsOldOrNewAndGoesWithTheNextWrite) {
-  const std::string one(200'000, '1'), two(200'000, '2');
-  for (int round = 0; round < 20; ++round) {
-    test::ChildProcess child([&](const auto& say) {
-      for (;;) {
-        if (!files_.write(file_, one) || !files_.write(file_, two)) return;
-        say(".");
-      }
-    });
-    ASSERT_FALSE(child.hear().empty());
-    for (int spin = 0; spin < round * 20'000; ++spin) std::atomic_signal_fence(std::memory_order_seq_cst);
-    child.kill();
-    const auto bytes = files_.read(file_, 1'000'000);
-    ASSERT_TRUE(bytes);
-    EXPECT_TRUE(*bytes == one || *bytes == two) << "round " << round << ", " << bytes->size() << " bytes";
-  }
-  ASSERT_TRUE(files_.write(file_, "end"));
-  EXPECT_EQ(names(), std::vector<std::string>{"file.json"});
-}
-
 TEST_F(PosixFiles, WritersInThreadsAndProcessesNeverMix) {
   const auto write = [&](char letter) {
     for (int i = 0; i < 30; ++i) {

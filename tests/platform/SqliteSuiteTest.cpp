@@ -2,23 +2,18 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <charconv>
 #include <functional>
 #include <latch>
 #include <limits>
-#include <random>
 #include <thread>
 
 #include "platform/linux/SqliteDatabase.h"
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StoredValue.h"
-#include "tests/platform/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
@@ -26,19 +21,11 @@ namespace quillon {
 namespace {
 
 using namespace std::chrono_literals;
-using test::ChildProcess;
 using test::fileBytes;
 using test::setFileBytes;
 
 std::expected<void, std::string> put(KeyValueSuite& suite, const std::string& key, PropertyValue value) {
   return suite.update([&](const SuiteEntries&) { return SuiteChanges{{key, value}}; });
-}
-
-std::expected<void, std::string> increment(KeyValueSuite& suite, const std::string& key) {
-  return suite.update([&](const SuiteEntries& current) {
-    const auto found = current.find(key);
-    return SuiteChanges{{key, found == current.end() ? 1 : std::get<std::int64_t>(found->second) + 1}};
-  });
 }
 
 // "key=text key=text", sorted, for texts that read well in a failure.
@@ -318,119 +305,6 @@ TEST_F(SqliteSuiteTest, AForeignReaderDelaysACommitButDoesNotFailIt) {
   }
 }
 
-TEST_F(SqliteSuiteTest, ProcessesAndThreadsLoseNoUpdate) {
-  constexpr int rounds = 100;
-  const auto work = [&](KeyValueSuite& suite) -> std::string {
-    for (int i = 0; i < rounds; ++i) {
-      if (const auto done = increment(suite, "count"); !done) return done.error();
-    }
-    return {};
-  };
-  const auto child = [&](const ChildProcess::Say& say) { say(work(*open())); };
-  ChildProcess one(child), two(child);
-  const auto suite = open();
-  {
-    std::jthread three([&] { EXPECT_EQ(work(*suite), ""); });
-    std::jthread four([&] { EXPECT_EQ(work(*suite), ""); });
-  }
-  EXPECT_EQ(one.finish(), "");
-  EXPECT_EQ(two.finish(), "");
-  EXPECT_EQ(listed(*open()), "count=" + std::to_string(4 * rounds));
-  EXPECT_TRUE(reports_.empty());
-}
-
-TEST_F(SqliteSuiteTest, AKilledWriterLeavesEveryAcknowledgedUpdate) {
-  std::mt19937 random(1);
-  std::int64_t stored = 0;
-  for (int round = 0; round < 30; ++round) {
-    ChildProcess child([&](const ChildProcess::Say& say) {
-      const auto suite = open();
-      for (;;) {
-        if (!increment(*suite, "count")) return;
-        say(std::to_string(std::get<std::int64_t>(suite->snapshot()->at("count"))) + "\n");
-      }
-    });
-    std::string heard = child.hear();
-    const auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 5000);
-    while (std::chrono::steady_clock::now() < until) heard += child.hear();
-    child.kill();
-    for (auto rest = child.hear(); !rest.empty(); rest = child.hear()) heard += rest;
-
-    ASSERT_TRUE(heard.ends_with('\n'));
-    const auto last = heard.rfind('\n', heard.size() - 2);
-    const auto acknowledged = std::stoll(heard.substr(last == std::string::npos ? 0 : last + 1));
-    const auto suite = open();
-    ASSERT_TRUE(suite);
-    const auto now = std::get<std::int64_t>(suite->snapshot()->at("count"));
-    EXPECT_GE(acknowledged, stored);
-    EXPECT_TRUE(now == acknowledged || now == acknowledged + 1) << now << " after " << acknowledged;
-    stored = now;
-  }
-  EXPECT_TRUE(reports_.empty());
-}
-
-TEST_F(SqliteSuiteTest, AFullDiskFailsTheUpdateAndTheSameSuiteWritesAgainLater) {
-  ChildProcess child([&](const ChildProcess::Say& say) {
-    std::filesystem::create_directory(folder_);
-    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        ::mount("none", folder_.c_str(), "tmpfs", 0, "size=256k") != 0) {
-      return say("not permitted");
-    }
-    const auto suite = open();
-    if (!suite || !put(*suite, "key", std::string("old"))) return say("no start");
-    const auto filler = folder_ / "filler";
-    const int fd = ::open(filler.c_str(), O_WRONLY | O_CREAT, 0600);
-    const std::string block(4096, 'x');
-    while (::write(fd, block.data(), block.size()) > 0) {
-    }
-    const auto full = put(*suite, "key", std::string(20'000, 'n'));
-    say((full ? "written" : full.error().substr(full.error().rfind(": "))) + ", " + listed(*suite));
-    say(", reopened " + listed(*open()));
-    ::close(fd);
-    std::filesystem::remove(filler);
-    say(put(*suite, "key", std::string("new")) ? ", written" : ", failed");
-    say(", " + listed(*suite) + ", reopened " + listed(*open()));
-    for (const auto& report : reports_) say(report);
-  });
-  const auto said = child.finish();
-  if (said == "not permitted") GTEST_SKIP() << "cannot mount a small file system here";
-  EXPECT_EQ(said, ": database or disk is full, key=old, reopened key=old, written, key=new, reopened key=new");
-}
-
-TEST_F(SqliteSuiteTest, ReadsOnWhereItMayNotWrite) {
-  ASSERT_TRUE(put(*open(), "key", std::string("old")));
-  const auto attempt = [&](mode_t folderMode, mode_t fileMode) {
-    std::filesystem::remove(folder_ / "s.sqlite-journal");
-    for (const auto& path : {temporary_.path(), folder_, file_}) {
-      if (::geteuid() == 0) {
-        EXPECT_EQ(::chown(path.c_str(), 65534, 65534), 0);
-      }
-    }
-    EXPECT_EQ(::chmod(file_.c_str(), fileMode), 0);
-    EXPECT_EQ(::chmod(folder_.c_str(), folderMode), 0);
-    return ChildProcess([&](const ChildProcess::Say& say) {
-             if (::geteuid() == 0 && ::setuid(65534) != 0) return say("no other user");
-             const auto suite = open();
-             if (!suite) return say("null");
-             const auto done = put(*suite, "key", std::string("new"));
-             say(listed(*suite) + (done ? ", written" : ", refused"));
-           })
-        .finish();
-  };
-  EXPECT_EQ(attempt(0500, 0400), "key=old, refused");
-  EXPECT_EQ(attempt(0500, 0600), "key=old, refused") << "no journal can be made";
-  EXPECT_EQ(attempt(0700, 0400), "key=old, refused");
-  EXPECT_EQ(attempt(0700, 0000), "null");
-  EXPECT_EQ(attempt(0700, 0600), "key=new, written");
-  std::filesystem::remove(file_);
-  ASSERT_EQ(::chmod(folder_.c_str(), 0500), 0);
-  EXPECT_EQ(ChildProcess([&](const ChildProcess::Say& say) {
-              if (::geteuid() == 0 && ::setuid(65534) != 0) return say("no other user");
-              say(open() ? "opened" : "null");
-            }).finish(),
-            "null");
-}
-
 TEST_F(SqliteSuiteTest, ADamagedFileIsKeptAsideAndANewOneBegun) {
   struct Case {
     const char* name;
@@ -664,82 +538,6 @@ TEST_F(SqliteSuiteTest, ATextThatIsNotOneOfItsTypeIsNoValue) {
       {"integers", "[9223372036854775808]"},
   };
   for (const auto& [type, text] : rows) EXPECT_FALSE(fromStored(type, text)) << type << " " << text;
-}
-
-namespace {
-
-// A store of some size, as bytes, and what it holds.
-struct Sample {
-  std::string bytes;
-  SuiteEntries entries;
-};
-
-Sample sample(const std::filesystem::path& folder, int count) {
-  const auto suite = SqliteStore(folder).open("s", {});
-  EXPECT_TRUE(suite->update([&](const SuiteEntries&) {
-    SuiteChanges changes;
-    for (int i = 0; i < count; ++i) {
-      changes[std::to_string(i)] = std::string(i % 2 != 0 ? "granted" : "declined");
-      changes["PERMISSION_" + std::to_string(i)] = std::vector<std::int64_t>{i, i + 1};
-    }
-    SuiteUpdate update(std::move(changes));
-    for (int i = 1; i <= count; ++i) update.appended.push_back("record " + std::to_string(i));
-    return update;
-  }));
-  return {fileBytes(folder / "s.sqlite"), *suite->snapshot()};
-}
-
-// The file may hold less than was written, but nothing else; and it can be written again.
-void expectNothingInvented(const std::filesystem::path& folder, const std::string& bytes, const SuiteEntries& written) {
-  std::filesystem::remove_all(folder);
-  std::filesystem::create_directory(folder);
-  setFileBytes(folder / "s.sqlite", bytes);
-  SuiteEntries found;
-  {
-    const auto suite = SqliteStore(folder).open("s", {});
-    ASSERT_TRUE(suite);
-    found = *suite->snapshot();
-    for (const auto& [key, value] : found) {
-      const auto original = written.find(key);
-      ASSERT_TRUE(original != written.end() && original->second == value) << key << "=" << toStored(value).text;
-    }
-    if (const auto journal = suite->journal(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords)) {
-      for (const auto& [number, text, mark] : journal->records) {
-        ASSERT_EQ(text + mark, "record " + std::to_string(number));
-      }
-    }
-    const auto done = put(*suite, "0", std::string("withdrawn"));
-    ASSERT_TRUE(done) << done.error();
-  }
-  found.insert_or_assign("0", std::string("withdrawn"));
-  const auto again = SqliteStore(folder).open("s", {});
-  ASSERT_TRUE(again);
-  EXPECT_EQ(*again->snapshot(), found);
-}
-
-}  // namespace
-
-TEST_F(SqliteSuiteTest, FlippedBitsNeverMakeAValueThatWasNotWritten) {
-  const auto [bytes, entries] = sample(folder_, 100);
-  for (unsigned seed = 0; seed < 600; ++seed) {
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
-    auto damaged = bytes;
-    // The first hundred bytes are the header, where a flip does most: they get their share.
-    const std::size_t range = seed % 3 == 0 ? 100 : damaged.size();
-    for (unsigned flips = 1 + seed % 4; flips > 0; --flips) damaged[random() % range] ^= 1 << random() % 8;
-    ASSERT_NO_FATAL_FAILURE(expectNothingInvented(temporary_.path() / "damaged", damaged, entries));
-  }
-}
-
-TEST_F(SqliteSuiteTest, AFileCutAnywhereNeverMakesAValueThatWasNotWritten) {
-  const auto [bytes, entries] = sample(folder_, 5);
-  ASSERT_EQ(bytes.size(), 12288u);
-  // Every length near the borders of a page, and some between.
-  for (std::size_t length = 0; length <= bytes.size(); length += (length + 64) % 4096 < 128 ? 1 : 5) {
-    SCOPED_TRACE(length);
-    ASSERT_NO_FATAL_FAILURE(expectNothingInvented(temporary_.path() / "cut", bytes.substr(0, length), entries));
-  }
 }
 
 }  // namespace quillon

@@ -209,18 +209,50 @@ TEST_F(Screens, OnASmallScreenWithLargeTextEveryControlCanBeReached) {
   }
 }
 
-TEST_F(Screens, AWindowThatGoesAwayTakesItsScreensAlong) {
+TEST_F(Screens, AWindowThatGoesAwayAtAnyMomentTakesItsScreensAlong) {
   start();
-  banner();
-  preferenceCenter();
-  window.reset();
-  EXPECT_TRUE(isGone());
-  // Without a window of its own the application gets one.
-  world.sdk->presentPreferenceCenter();
-  ASSERT_TRUE(await([&] { return top() && top()->window(); }));
-  const QPointer<QQuickWindow> given = top()->window();
-  presenter->dismissTopMost();
-  EXPECT_TRUE(await([&] { return !given; }));
+  const std::pair<const char*, std::function<void()>> moments[] = {
+      {"fetched",
+       [&] {
+         window.reset();
+         world.sdk->presentPreferenceCenter();
+       }},
+      {"asked for",
+       [&] {
+         world.sdk->presentPreferenceCenter();
+         window.reset();
+       }},
+      {"being made",
+       [&] {
+         presenter->presentBanner(world.sdk->core());
+         window.reset();
+       }},
+      {"shown",
+       [&] {
+         banner();
+         preferenceCenter();
+         window.reset();
+       }},
+      {"dismissed",
+       [&] {
+         banner();
+         presenter->dismissTopMost();
+         window.reset();
+       }},
+  };
+  for (const auto& [moment, goAway] : moments) {
+    SCOPED_TRACE(moment);
+    window = std::make_unique<QQuickWindow>();
+    window->show();
+    goAway();
+    settle();
+    // Without a window of its own the application is given one, which leaves with its screen.
+    const QPointer<QQuickWindow> given = top() ? top()->window() : nullptr;
+    if (given) presenter->dismissTopMost();
+    EXPECT_TRUE(isGone());
+    EXPECT_TRUE(await([&] { return !given; }));
+    EXPECT_NE(status(1), "granted");
+  }
 }
 
 TEST_F(Screens, NothingIsLeftAfterAHundredRounds) {

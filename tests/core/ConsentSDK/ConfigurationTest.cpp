@@ -267,34 +267,6 @@ TEST(Cache, FailedSaveKeepsTheEarlierFile) {
   EXPECT_NE(world.log().find("Backup restored to original: " + world.file().string()), std::string::npos);
 }
 
-// The process ends between two file operations of a save: all of them fail from the n-th on, and so does the store.
-TEST(Cache, EndOfTheProcessAtAnyPointOfASaveLeavesAConfiguration) {
-  for (int survived = 0; survived < 4; ++survived) {
-    World world;
-    world.server.serve(versioned(5), "\"v5\"");
-    world.start();
-    world.server.serve(versioned(6), "\"v6\"");
-    std::atomic<int> left = survived;
-    world.amend = [&](Platform& platform) {
-      platform.files =
-          std::make_shared<FailingFileSystem>(platform.files, [&](std::string_view) { return left-- <= 0; });
-    };
-    world.advance(2h);
-    world.restart();
-    world.start();
-
-    world.amend = nullptr;
-    world.restart();
-    world.server.onConfiguration(json("{}", 500));
-    world.start();
-    EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready) << "offline, after " << survived;
-    world.server.serve(versioned(6), "\"v6\"");
-    world.advance(2h);
-    world.start();
-    EXPECT_EQ(world.stored().integer(key::configurationVersion, 0), 6) << "online, after " << survived;
-  }
-}
-
 TEST(Banner, IsSelectedByLocation) {
   MainConfiguration configuration;
   const auto named = [](std::string name) {
