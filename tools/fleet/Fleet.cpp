@@ -1,6 +1,5 @@
 #include "tools/fleet/Fleet.h"
 
-#include <algorithm>
 #include <fstream>
 #include <utility>
 
@@ -46,20 +45,21 @@ Fleet::Fleet(FleetPlan plan)
 }
 
 void Fleet::run() {
-  std::vector<FleetDevice::Event> events;
+  std::multimap<std::chrono::seconds, std::function<void()>> events;
   for (const auto& device : devices_) {
-    std::ranges::move(device->plan(plan_.startsWithin, plan_.duration, plan_.changes), std::back_inserter(events));
+    for (FleetDevice::Event& event : device->plan(plan_.startsWithin, plan_.duration, plan_.changes)) {
+      events.emplace(event.at, std::move(event.run));
+    }
   }
   if (plan_.outage.count() > 0) {
-    events.push_back({plan_.outageAt, [this] { beginOutage(); }});
-    events.push_back({plan_.outageAt + plan_.outage, [this] { endOutage(); }});
+    events.emplace(plan_.outageAt, [this] { beginOutage(); });
+    events.emplace(plan_.outageAt + plan_.outage, [this] { endOutage(); });
   }
-  std::ranges::stable_sort(events, {}, &FleetDevice::Event::at);
 
   const auto end = plan_.duration + 2 * std::chrono::seconds(plan_.options.consentsCheckInterval.count());
   auto event = events.begin();
   for (std::chrono::seconds now{0}; now < end; now += plan_.step) {
-    for (; event != events.end() && event->at < now + plan_.step; ++event) event->run();
+    for (; event != events.end() && event->first < now + plan_.step; ++event) event->second();
     clock_->advance(plan_.step);
     settle();
   }
