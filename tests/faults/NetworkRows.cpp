@@ -277,7 +277,7 @@ std::vector<Row> networkRows() {
                 const FullListener full;
                 return whileServersAre(trial, full.url());
               }),
-      useless("stall-tls", "the servers fall silent before the encryption is agreed on", "timeout",
+      useless("stall-tls", "the servers fall silent before the encryption is agreed on", "onnection tim",
               [](Trial& trial) {
                 // Its first reads are of a client's hello, which never ends in an empty line.
                 const RawServer server(RawServer::fallSilent);
