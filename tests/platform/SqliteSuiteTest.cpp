@@ -14,6 +14,7 @@
 #include "platform/linux/SqliteDatabase.h"
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StoredValue.h"
+#include "tests/platform/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {

@@ -15,7 +15,7 @@
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "quillon/LinuxPlatform.h"
 #include "quillon/SDKLogger.h"
-#include "tests/support/NotingPresenter.h"
+#include "platform/memory/NotingPresenter.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
