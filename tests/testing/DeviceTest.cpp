@@ -20,6 +20,7 @@ constexpr const char* configuration = R"({
                    "lax": {"compliance_type": "opt-out", "banner_reappearance_time": "12 month"}},
     "names_map": {}, "locations": {"default": "strict", "US#CA": "lax"}
   },
+  "is_gcm_enabled": true,
   "gcm_config": {"default_mapping": {"analytics_storage": [1], "ad_storage": [], "ad_user_data": [],
                                      "ad_personalization": []}}
 })";
