@@ -347,17 +347,6 @@ TEST_F(PermissionSourcesTest, LeavingDoesNotWaitForASilentBus) {
   EXPECT_LT(watch.elapsed(), 2s);
 }
 
-TEST_F(PermissionSourcesTest, ASilentServiceCostsTwoSecondsAndNoMore) {
-  const PrivateBus bus(PrivateBus::Services::none);
-  const BusPeer store(bus.address(), "org.freedesktop.impl.portal.PermissionStore", {});
-  const BusPeer bluez(bus.address(), "org.bluez", {{"GetManagedObjects", "(@a{oa{sa{sv}}} {},)"}});
-  const auto device = sources(bus.address(), bus.address());
-  const Stopwatch watch;
-  for (const Key& key : storeKeys) EXPECT_FALSE(device.platformValue(key)) << key.rawValue();
-  EXPECT_LT(watch.elapsed(), 4s);
-  EXPECT_EQ(text(device.platformValue(Key::bluetoothAlwaysUsageDescription)), text(noSource));
-}
-
 // Services of the system that the test speaks for.
 class SystemBusTest : public PermissionSourcesTest {
  protected:

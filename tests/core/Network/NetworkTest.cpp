@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <boost/json.hpp>
+
 #include "core/Network/EndPoints.h"
 #include "core/Network/ExchangeText.h"
 #include "core/Network/NetworkError.h"
