@@ -1,5 +1,6 @@
 /* A C application that asks for consent: it sets the SDK up, waits until it is ready, asks when the banner is due (here:
  * a line of text, answered with yes) and tells what is allowed. usage: quillon-c-example SERVER DATA_FOLDER */
+#define _POSIX_C_SOURCE 200809L
 #include <pthread.h>
 #include <stdio.h>
 #include <time.h>

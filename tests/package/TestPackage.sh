@@ -28,8 +28,8 @@ screens=no
 exports() {
   local library
   for library in "$lib"/libquillon-*.so; do
-    nm -DC --defined-only "$library" | grep -vE '_PRIVATE$| A ' |
-      sed -E "s|^[0-9a-f]+ . ||; s|@@QUILLON_[0-9.]+$||; s|^|$(basename "$library" .so): |"
+    nm -DC --defined-only "$library" |
+      sed -E "/_PRIVATE$| A /d; s|^[0-9a-f]+ . ||; s|@@QUILLON_[0-9.]+$||; s|^|$(basename "$library" .so): |"
   done | LC_ALL=C sort -u
 }
 if [ "$flavour" = shared ]; then
@@ -124,7 +124,7 @@ if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
   for file in libquillon-consent0*:libquillon-linux.so libquillon-consent-dev*:include/quillon/consent.h \
     qml6-module-quillon-consent_*:libquillon-qtquick.so quillon-consent-tools*:bin/quillon-consent; do
     # shellcheck disable=SC2086
-    dpkg-deb -c "$work"/packages/${file%%:*}.deb | grep -qF "${file#*:}" || fail "$file is not packaged"
+    dpkg-deb -c "$work"/packages/${file%%:*}.deb >"$work/content" && grep -qF "${file#*:}" "$work/content" || fail "$file is not packaged"
   done
 fi
 echo "the package works"
