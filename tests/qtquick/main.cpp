@@ -1,6 +1,7 @@
 // The screens are tested without a display, on the loop of a real application.
 #include <gtest/gtest.h>
 
+#include <QFont>
 #include <QGuiApplication>
 
 int main(int argc, char** argv) {
@@ -8,5 +9,7 @@ int main(int argc, char** argv) {
   qputenv("QT_QUICK_BACKEND", "software");
   testing::InitGoogleTest(&argc, argv);
   const QGuiApplication application(argc, argv);
+  // The same everywhere, for the pictures.
+  QGuiApplication::setFont(QFont("Noto Sans"));
   return RUN_ALL_TESTS();
 }

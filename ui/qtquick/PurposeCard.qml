@@ -35,27 +35,27 @@ Rectangle {
         spacing: 12
 
         Item {
+            id: top
+
+            // A long word has the whole width.
+            readonly property bool isStacked: button.visible && name.longestWord > width - button.width - 12
+
             width: parent.width
-            implicitHeight: Math.max(names.height, button.visible ? button.height : 0)
+            implicitHeight: isStacked ? names.height + 4 + button.height : Math.max(names.height, button.visible ? button.height : 0)
 
             Column {
                 id: names
                 anchors.left: parent.left
-                anchors.right: button.visible ? button.left : parent.right
-                anchors.rightMargin: button.visible ? 12 : 0
-                anchors.verticalCenter: parent.verticalCenter
+                anchors.right: parent.right
+                anchors.rightMargin: button.visible && !top.isStacked ? button.width + 10 : 0
+                y: top.isStacked ? 0 : (parent.height - height) / 2
                 spacing: 4
 
-                Text {
+                FittedText {
+                    id: name
                     width: parent.width
                     text: card.purpose.name
-                    textFormat: Text.PlainText
-                    font: Style.subHeading
-                    color: Style.colors.text
-                    wrapMode: Text.Wrap
-                    horizontalAlignment: Text.AlignLeft
-                    Accessible.role: Accessible.Heading
-                    Accessible.name: text
+                    wanted: Style.subHeading
                 }
                 Text {
                     width: parent.width
@@ -71,7 +71,7 @@ Rectangle {
                 id: button
                 anchors.right: parent.right
                 anchors.rightMargin: -2
-                anchors.verticalCenter: parent.verticalCenter
+                y: top.isStacked ? names.height + 4 : (parent.height - height) / 2
                 text: card.purpose.name
                 isOn: card.purpose.isOn
                 isSwitchable: card.purpose.isSwitchable

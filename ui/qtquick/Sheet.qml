@@ -29,8 +29,9 @@ FocusScope {
     readonly property int inset: width < 360 ? 16 : isNarrow ? 20 : 24
     readonly property real tallest: !isModal ? height : height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16))
     readonly property bool hasPage: pagePlace.children.length > 0
-    // Header and footer that take most of the height scroll along.
-    readonly property bool scrollsWhole: !hasPage && headerColumn.implicitHeight + footerPanel.implicitHeight > tallest * 0.6
+    // A header and a footer that would take most of the height scroll along; the footer stays as long as it alone does not.
+    readonly property bool scrollsHeader: !hasPage && headerColumn.implicitHeight + footerPanel.implicitHeight > tallest * 0.6
+    readonly property bool scrollsFooter: scrollsHeader && footerPanel.implicitHeight > tallest * 0.4
     property real shown: isModal ? 0 : 1
     // With what it is about.
     readonly property bool isOnScreen: shown === 1 && visible && !isLoading && !isLeaving
@@ -164,7 +165,7 @@ FocusScope {
         Item {
             id: headerFixed
             width: parent.width
-            height: sheet.scrollsWhole ? 0 : headerColumn.implicitHeight
+            height: sheet.scrollsHeader ? 0 : headerColumn.implicitHeight
         }
         Flickable {
             id: flick
@@ -203,7 +204,7 @@ FocusScope {
                 id: content
                 width: flick.width
                 // Without anything to scroll the footer would hang in the air.
-                Item { id: headerPlace; width: parent.width; height: sheet.scrollsWhole ? headerColumn.implicitHeight : 0 }
+                Item { id: headerPlace; width: parent.width; height: sheet.scrollsHeader ? headerColumn.implicitHeight : 0 }
                 Column {
                     id: bodyColumn
                     x: sheet.inset
@@ -212,7 +213,7 @@ FocusScope {
                     topPadding: 8
                     bottomPadding: 16
                 }
-                Item { id: footerPlace; width: parent.width; height: sheet.scrollsWhole ? footerPanel.implicitHeight : 0 }
+                Item { id: footerPlace; width: parent.width; height: sheet.scrollsFooter ? footerPanel.implicitHeight : 0 }
             }
         }
         Item {
@@ -226,19 +227,19 @@ FocusScope {
             height: 1
             y: headerFixed.height
             color: Style.colors.hairline
-            visible: !sheet.scrollsWhole && (sheet.hasPage || flick.contentY > 0)
+            visible: !sheet.scrollsHeader && (sheet.hasPage || flick.contentY > 0)
         }
         Item {
             id: footerFixed
             anchors.bottom: parent.bottom
             width: parent.width
-            height: sheet.scrollsWhole || sheet.isLoading ? 0 : footerPanel.implicitHeight
+            height: sheet.scrollsFooter || sheet.isLoading ? 0 : footerPanel.implicitHeight
             visible: height > 0
         }
 
         Column {
             id: headerColumn
-            parent: sheet.scrollsWhole ? headerPlace : headerFixed
+            parent: sheet.scrollsHeader ? headerPlace : headerFixed
             x: sheet.inset
             width: parent.width - 2 * sheet.inset
             topPadding: sheet.inset
@@ -250,7 +251,7 @@ FocusScope {
 
             readonly property bool hasOwnColor: !Qt.colorEqual(sheet.footerColor, Style.colors.background)
 
-            parent: sheet.scrollsWhole ? footerPlace : footerFixed
+            parent: sheet.scrollsFooter ? footerPlace : footerFixed
             width: parent.width
             height: implicitHeight
             implicitHeight: footerColumn.implicitHeight
@@ -267,7 +268,7 @@ FocusScope {
                 width: parent.width
                 height: 1
                 color: Style.colors.hairline
-                visible: !sheet.scrollsWhole && (footerPanel.hasOwnColor || sheet.hasPage || flick.contentHeight - flick.height - flick.contentY > 1)
+                visible: !sheet.scrollsFooter && (footerPanel.hasOwnColor || sheet.hasPage || flick.contentHeight - flick.height - flick.contentY > 1)
             }
             Column {
                 id: footerColumn

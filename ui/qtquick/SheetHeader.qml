@@ -12,24 +12,12 @@ Item {
     signal closed
 
     readonly property bool showsLogo: hasLogo && banner.logo.exists
-    readonly property real longestWord: {
-        // A width is not measured anew by itself when the font changes.
-        if (metrics.font !== Style.heading)
-            return 0
-        const widths = heading.split(/\s+/).map(word => metrics.advanceWidth(word))
-        return Math.ceil(Math.max(0, ...widths)) + 1
-    }
     readonly property real widthBeside: width - (showsLogo ? 52 : 0) - (canClose ? 48 : 0)
     // A word that does not fit between the logo and the button has the whole width, and shrinks when that is not enough.
-    readonly property bool isStacked: longestWord > widthBeside && (canClose || showsLogo)
-    readonly property real fit: Math.min(1, (isStacked ? width : widthBeside) / longestWord)
+    readonly property bool isStacked: words.longestWord > widthBeside && (canClose || showsLogo)
 
     implicitHeight: Math.max(canClose ? 44 : 0, showsLogo ? 40 : 0, words.implicitHeight + words.y)
 
-    FontMetrics {
-        id: metrics
-        font: Style.heading
-    }
     Picture {
         id: picture
         anchors.left: parent.left
@@ -41,7 +29,7 @@ Item {
         Accessible.role: Accessible.Graphic
         Accessible.name: header.banner.logoLabel
     }
-    Text {
+    FittedText {
         id: words
         anchors.left: parent.left
         anchors.leftMargin: header.showsLogo && !header.isStacked ? 52 : 0
@@ -50,16 +38,8 @@ Item {
         // A heading of one line stands in the middle of the logo and the button.
         y: header.isStacked ? 52 : header.canClose || header.showsLogo ? Math.max(0, (44 - implicitHeight) / 2) : 0
         text: header.heading
-        textFormat: Text.PlainText
-        font.family: Style.heading.family
-        font.weight: Style.heading.weight
-        font.pixelSize: Math.max(Style.body.pixelSize, Math.floor(Style.heading.pixelSize * header.fit))
-        color: Style.colors.text
-        wrapMode: Text.Wrap
-        horizontalAlignment: Text.AlignLeft
+        wanted: Style.heading
         visible: text !== ""
-        Accessible.role: Accessible.Heading
-        Accessible.name: text
     }
     IconButton {
         id: button

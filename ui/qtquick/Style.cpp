@@ -1,5 +1,6 @@
 #include "ui/qtquick/Style.h"
 
+#include <QEvent>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QLocale>
@@ -40,7 +41,24 @@ Style::ButtonShape shapeOf(const std::optional<BannerConfig>& banner) {
 
 }  // namespace
 
-Style::Style(QObject* parent) : QObject(parent), colors_(paletteFor(std::nullopt, std::nullopt, false), false) {}
+Style::Style(QObject* parent) : QObject(parent) {
+  recolour();
+  qGuiApp->installEventFilter(this);
+}
+
+void Style::recolour() {
+  const bool isDark = isDark_.value_or(isDesktopDark());
+  colors_ = ScreenColors(paletteFor(customColors_, paletteNumber_, isDark), isDark);
+}
+
+// The desktop may turn dark while a screen is shown.
+bool Style::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ApplicationPaletteChange && !isDark_) {
+    recolour();
+    Q_EMIT changed();
+  }
+  return QObject::eventFilter(watched, event);
+}
 
 Style& Style::of(QQmlEngine& engine) {
   // Another engine knows the type by another number.
@@ -49,9 +67,10 @@ Style& Style::of(QQmlEngine& engine) {
 
 void Style::show(const QtQuickOptions& options, const ConsentSDK::Core& core,
                  const std::optional<BannerConfig>& banner) {
-  const bool isDark = options.isDark.value_or(isDesktopDark());
-  const auto number = banner ? banner->paletteTheme : std::nullopt;
-  colors_ = ScreenColors(paletteFor(core.theme.colors(), number, isDark), isDark);
+  isDark_ = options.isDark;
+  customColors_ = core.theme.colors();
+  paletteNumber_ = banner ? banner->paletteTheme : std::nullopt;
+  recolour();
   fonts_ = core.theme.fonts();
   constexpr double smallest = 0.5;
   constexpr double largest = 3;

@@ -60,9 +60,14 @@ class Style : public QObject {
   void changed();
 
  private:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void recolour();
   QFont font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight = 1) const;
 
   Theme::Fonts fonts_;
+  std::optional<bool> isDark_;  // the surroundings as the host wants them; nothing when they follow the desktop
+  std::optional<CustomColors> customColors_;
+  std::optional<std::int64_t> paletteNumber_;
   ScreenColors colors_;
   double textScale_ = 1;
   ButtonShape buttonShape_ = Rounded;
