@@ -21,8 +21,8 @@ class BareSqlite {
 
   /// By a prepared statement.
   bool isGranted(int key);
-  /// One transaction, durable when it returns, that changes the keys from 1 to `count` and appends a record for each, as
-  /// long as what the SDK keeps of a decision in its history.
+  /// One transaction, durable when it returns, that changes the keys from 1 to `count` and appends a record for each,
+  /// as long as what the SDK keeps of a decision in its history.
   void commit(int count, const char* value);
 
  private:

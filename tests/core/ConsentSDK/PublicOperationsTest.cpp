@@ -13,9 +13,9 @@
 #include <utility>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/NotingPresenter.h"
 #include "quillon/LinuxPlatform.h"
 #include "quillon/SDKLogger.h"
-#include "platform/memory/NotingPresenter.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
