@@ -103,7 +103,7 @@ class Device {
   /// @{
 
   /// What the device says about a permission from now on. False when no answer of it means that: then nothing changes.
-  /// @param status withDrawn is never what a device says
+  /// A device never says `withDrawn`.
   bool setPermission(const VantariKey& permission, ConsentStatus status);
   /// The languages of the device, best first, for the next launch. Default: "en".
   void setLanguages(std::vector<std::string> languages);
