@@ -1,4 +1,6 @@
 // The process-wide instance. It lives here so that an application gets the services of the platform library it links.
+#include <unistd.h>
+
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -28,6 +30,20 @@ Platform configuredPlatform() {
   return linuxPlatform(settings().options, settings().screens);
 }
 
+// Ends with the process that made it. A forked child has none of its threads, and not even their stacks: when the child
+// exits there is nothing to wait for, and looking for it would crash.
+struct SharedInstance {
+  std::unique_ptr<ConsentSDK> sdk = std::make_unique<ConsentSDK>(configuredPlatform());
+  pid_t owner = ::getpid();
+
+  SharedInstance() = default;
+  SharedInstance(const SharedInstance&) = delete;
+  SharedInstance& operator=(const SharedInstance&) = delete;
+  ~SharedInstance() {
+    if (::getpid() != owner) (void)sdk.release();
+  }
+};
+
 }  // namespace
 
 bool configure(LinuxOptions options) {
@@ -43,8 +59,8 @@ bool configure(LinuxOptions options, std::shared_ptr<ScreenPresenter> screens) {
 }
 
 ConsentSDK& ConsentSDK::shared() {
-  static ConsentSDK instance(configuredPlatform());
-  return instance;
+  static const SharedInstance instance;
+  return *instance.sdk;
 }
 
 SDKLogger& SDKLogger::shared() {

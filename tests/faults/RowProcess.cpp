@@ -104,7 +104,7 @@ Outcome carryOut(const Row& row, bool isShort) {
   while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
   }
   if (inTime && status != 0) {
-    outcome.failures.push_back("died with wait status " + std::to_string(status) + ": " + fileBytes(errors));
+    outcome.failures.push_back("died with wait status " + std::to_string(status));
   }
   if (const auto parsed = text.empty() ? boost::json::value() : boost::json::parse(text); parsed.is_object()) {
     outcome.seen = {.status = parsed.at("status").as_string().c_str(),
@@ -112,6 +112,8 @@ Outcome carryOut(const Row& row, bool isShort) {
                     .stored = parsed.at("stored").as_string().c_str()};
     for (const auto& failure : parsed.at("failures").as_array()) outcome.failures.emplace_back(failure.as_string());
   }
+  // What its own children reported, too.
+  if (const auto said = fileBytes(errors); !outcome.passed() && !said.empty()) outcome.failures.push_back(said);
   return outcome;
 }
 

@@ -18,7 +18,7 @@
 namespace quillon::test {
 namespace {
 
-enum class Call { looks, needsRoom, writes };
+enum class Call { looks, opens, creates, needsRoom, writes };
 
 // What a call that is struck does instead of its work.
 enum class Instead { nothing, fail, half };
@@ -48,7 +48,8 @@ bool inFolder(int descriptor) {
 }
 
 bool concerns(Effect effect, Call call) {
-  if (effect == Effect::full) return call != Call::looks;
+  if (effect == Effect::full) return call != Call::looks && call != Call::opens;
+  if (effect == Effect::noDescriptors) return call == Call::opens || call == Call::creates;
   return effect != Effect::shortened || call == Call::writes;
 }
 
@@ -60,7 +61,8 @@ Instead strike(Call call, Where where) {
   errno = before;
   if (!ours) return Instead::nothing;
   const int number = ++counted;
-  if (current == Effect::full ? number < currentNumber : number != currentNumber) return Instead::nothing;
+  const bool goesOn = current == Effect::full || current == Effect::noDescriptors;
+  if (goesOn ? number < currentNumber : number != currentNumber) return Instead::nothing;
   struck = true;
   switch (current) {
     case Effect::kill:
@@ -71,6 +73,9 @@ Instead strike(Call call, Where where) {
       return Instead::fail;
     case Effect::full:
       errno = ENOSPC;
+      return Instead::fail;
+    case Effect::noDescriptors:
+      errno = EMFILE;
       return Instead::fail;
     case Effect::interrupted:
       errno = EINTR;
@@ -119,7 +124,7 @@ static mode_t modeOf(int flags, va_list rest) {
 }
 
 static int openAt(const char* path, int flags, mode_t mode) {
-  const auto kind = (flags & O_CREAT) != 0 ? Call::needsRoom : Call::looks;
+  const auto kind = (flags & O_CREAT) != 0 ? Call::creates : Call::opens;
   return passOn(kind, path, SYS_openat, AT_FDCWD, path, flags, mode);
 }
 int open(const char* path, int flags, ...) {
