@@ -281,7 +281,7 @@ TEST_F(Screens, AWindowThatGoesAwayAtAnyMomentTakesItsScreensAlong) {
     settle();
     // Without a window of its own the application is given one, which leaves with its screen.
     if (std::string_view(moment) == "fetched") {
-      ASSERT_TRUE(await([&] { return top() != nullptr; }));
+      ASSERT_TRUE(await([&] { return top() && top()->window(); }));
     }
     const QPointer<QQuickWindow> given = top() ? top()->window() : nullptr;
     if (given) presenter->dismissTopMost();
