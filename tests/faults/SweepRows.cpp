@@ -218,7 +218,7 @@ std::vector<Row> sweepRows() {
     rows.push_back({.name = name,
                     .fault = fault,
                     .sees = {"ready", log, allAcknowledged},
-                    .run = [&work = work, effect = effect](Trial& trial) { return sweep(trial, work, effect); },
+                    .run = [&swept = work, struck = effect](Trial& trial) { return sweep(trial, swept, struck); },
                     .limit = std::chrono::seconds(120)});
   }
   return rows;
