@@ -108,12 +108,14 @@ std::string inUsersLanguage(const std::optional<LocalizedText>& texts) {
 template <class Record>
 std::vector<const Record*> addresses(const std::vector<Record>& records) {
   std::vector<const Record*> all;
+  all.reserve(records.size());
   for (const Record& record : records) all.push_back(&record);
   return all;
 }
 
 std::vector<quillon_signal> signalsOf(const std::map<std::string, std::string>& values) {
   std::vector<quillon_signal> signals;
+  signals.reserve(values.size());
   for (const auto& [name, value] : values) signals.push_back({name.c_str(), value.c_str()});
   return signals;
 }
@@ -265,6 +267,7 @@ void quillon_get_purposes(void (*callback)(const quillon_purpose* const* purpose
     if (callback == nullptr) return;
     sdk().getPurposeConsents([=](const std::vector<Purpose>& purposes) {
       std::vector<std::pair<std::string, std::string>> texts;
+      texts.reserve(purposes.size());
       for (const Purpose& purpose : purposes) {
         texts.emplace_back(inUsersLanguage(purpose.purposeName), inUsersLanguage(purpose.purposeDescription));
       }
@@ -291,6 +294,7 @@ void quillon_get_permissions(void (*callback)(const quillon_permission* const* p
     if (callback == nullptr) return;
     sdk().getPermissionConsents([=](const std::vector<AppPermission>& permissions) {
       std::vector<std::pair<std::string, std::string>> texts;
+      texts.reserve(permissions.size());
       for (const AppPermission& permission : permissions) {
         const std::string name = inUsersLanguage(permission.nameMap);
         texts.emplace_back(name.empty() ? permission.name.value_or("") : name, inUsersLanguage(permission.description));

@@ -21,7 +21,8 @@ std::string sealOf(std::string_view document) {
 }  // namespace
 
 std::string sealed(std::string document) {
-  return document + sealOf(document);
+  document += sealOf(document);
+  return document;
 }
 
 bool sealIsIntact(std::string_view bytes) {

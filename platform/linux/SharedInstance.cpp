@@ -33,14 +33,14 @@ Platform configuredPlatform() {
 // Ends with the process that made it. A forked child has none of its threads, and not even their stacks: when the child
 // exits there is nothing to wait for, and looking for it would crash.
 struct SharedInstance {
-  std::unique_ptr<ConsentSDK> sdk = std::make_unique<ConsentSDK>(configuredPlatform());
+  ConsentSDK* sdk = new ConsentSDK(configuredPlatform());
   pid_t owner = ::getpid();
 
   SharedInstance() = default;
   SharedInstance(const SharedInstance&) = delete;
   SharedInstance& operator=(const SharedInstance&) = delete;
   ~SharedInstance() {
-    if (::getpid() != owner) (void)sdk.release();
+    if (::getpid() == owner) delete sdk;
   }
 };
 

@@ -183,6 +183,7 @@ std::vector<JournalRecord> SuiteJournal::salvage(SqliteDatabase& database) {
   std::map<std::int64_t, JournalRecord> sound;
   for (auto& record : page.records) sound.try_emplace(record.number, std::move(record));
   std::vector<JournalRecord> records;
+  records.reserve(sound.size());
   for (auto& [number, record] : sound) records.push_back(std::move(record));
   return records;
 }
