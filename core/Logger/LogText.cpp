@@ -37,6 +37,26 @@ void appendCode(std::string& text, unsigned code) {
 
 enum class LineBreaks { escaped, kept };
 
+bool isControl(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+}
+
+void appendControl(std::string& text, char c) {
+  switch (c) {
+    case '\n':
+      text += "\\n";
+      break;
+    case '\r':
+      text += "\\r";
+      break;
+    case '\t':
+      text += "\\t";
+      break;
+    default:
+      appendByte(text, c);
+  }
+}
+
 std::string escaped(std::string_view value, LineBreaks lineBreaks) {
   std::string text;
   text.reserve(value.size());
@@ -54,16 +74,8 @@ std::string escaped(std::string_view value, LineBreaks lineBreaks) {
     } else if (length == 0) {
       appendByte(text, c);
       length = 1;
-    } else if (lineBreaks == LineBreaks::kept && (c == '\n' || c == '\t')) {
-      text += c;
-    } else if (c == '\n') {
-      text += "\\n";
-    } else if (c == '\r') {
-      text += "\\r";
-    } else if (c == '\t') {
-      text += "\\t";
-    } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
-      appendByte(text, c);
+    } else if (isControl(c) && (lineBreaks == LineBreaks::escaped || (c != '\n' && c != '\t'))) {
+      appendControl(text, c);
     } else {
       text += c;
     }
