@@ -40,7 +40,8 @@ class StoredValues {
 
   std::optional<ConsentStatus> consent(std::string_view key) const;
   ConsentStatus consentOrDefault(std::string_view purpose) const {
-    return consent(purpose).value_or(complianceDefault());
+    const auto decision = consent(purpose);  // the default costs as much again, and is seldom asked for
+    return decision ? *decision : complianceDefault();
   }
   // The status that a purpose has without a decision: declined under opt-in, else granted. Declined also after a loss,
   // which may have been that of a refusal.
