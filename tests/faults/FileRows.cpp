@@ -58,7 +58,7 @@ Seen fullDisk(Trial& trial) {
   const TemporaryFolder place;
   if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
       ::mount("none", place.path().c_str(), "tmpfs", 0, "size=256k") != 0) {
-    throw std::runtime_error("may not mount a small disk: needs the rights of root");
+    throw LeftOut("a small disk needs the rights of root, outside of a changed root");
   }
   Seen result;
   {

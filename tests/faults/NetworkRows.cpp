@@ -1,10 +1,13 @@
 // Servers, and the way to them.
+#include <net/if.h>
 #include <sched.h>
 #include <stdlib.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <zlib.h>
 
 #include <boost/json.hpp>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -200,6 +203,17 @@ Seen refusingProxy(Trial& trial) {
   return result;
 }
 
+// A new network has its own loopback, which is down.
+bool bringLoopbackUp() {
+  const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  ifreq loopback{};
+  std::strcpy(loopback.ifr_name, "lo");
+  loopback.ifr_flags = IFF_UP;
+  const bool isUp = ::ioctl(socket, SIOCSIFFLAGS, &loopback) == 0;
+  ::close(socket);
+  return isUp;
+}
+
 // In a network of its own, whose name server takes every question and answers none.
 Seen deadNameServer(Trial& trial) {
   const TemporaryFolder folder;
@@ -209,8 +223,8 @@ Seen deadNameServer(Trial& trial) {
     return ::mount((folder.path() / name).c_str(), ("/etc/" + name).c_str(), nullptr, MS_BIND, nullptr) == 0;
   };
   if (::unshare(CLONE_NEWNS | CLONE_NEWNET) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-      std::system("ip link set lo up >/dev/null 2>&1") != 0 || !replace("resolv.conf") || !replace("nsswitch.conf")) {
-    throw std::runtime_error("may not make a network: needs the rights of root");
+      !bringLoopbackUp() || !replace("resolv.conf") || !replace("nsswitch.conf")) {
+    throw LeftOut("a network of its own needs the rights of root, outside of a changed root");
   }
   const int nameServer = ::socket(AF_INET, SOCK_DGRAM, 0);
   sockaddr_in address{};

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,11 @@ class Trial {
  private:
   const bool isShort_;
   std::vector<std::string> failures_;
+};
+
+// Thrown by a row when this machine does not let it do its harm: the row is left out, and the table says why.
+struct LeftOut : std::runtime_error {
+  using std::runtime_error::runtime_error;
 };
 
 struct Row {

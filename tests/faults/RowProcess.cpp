@@ -41,6 +41,7 @@ void compare(Trial& trial, std::string_view what, const std::string& wanted, con
 boost::json::value report(const Row& row, bool isShort) {
   Trial trial(isShort);
   Seen seen;
+  std::string leftOut;
   try {
     seen = row.run(trial);
     compare(trial, "the status", row.sees.status, seen.status);
@@ -48,12 +49,15 @@ boost::json::value report(const Row& row, bool isShort) {
     seen.log = errorLine(seen.log, row.sees.log);
     trial.expect(row.sees.log.empty() ? seen.log.empty() : seen.log.find(row.sees.log) != std::string::npos,
                  "the log says \"" + seen.log + "\", not \"" + row.sees.log + "\"");
+  } catch (const LeftOut& why) {
+    leftOut = why.what();
   } catch (const std::exception& error) {
     trial.expect(false, std::string("the row broke off: ") + error.what());
   }
   return {{"status", seen.status},
           {"log", seen.log},
           {"stored", seen.stored},
+          {"left out", leftOut},
           {"failures", boost::json::value_from(trial.failures())}};
 }
 
@@ -110,6 +114,7 @@ Outcome carryOut(const Row& row, bool isShort) {
     outcome.seen = {.status = parsed.at("status").as_string().c_str(),
                     .log = parsed.at("log").as_string().c_str(),
                     .stored = parsed.at("stored").as_string().c_str()};
+    outcome.leftOut = parsed.at("left out").as_string().c_str();
     for (const auto& failure : parsed.at("failures").as_array()) outcome.failures.emplace_back(failure.as_string());
   }
   // What its own children reported, too.

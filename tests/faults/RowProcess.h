@@ -12,6 +12,7 @@ namespace quillon::test {
 struct Outcome {
   Seen seen;  // the log as the error line that the row is about
   std::vector<std::string> failures;
+  std::string leftOut;  // why the row was not carried out; empty when it was
   std::chrono::milliseconds duration{};
 
   bool passed() const { return failures.empty(); }

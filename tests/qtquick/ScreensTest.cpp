@@ -284,7 +284,7 @@ TEST_F(Screens, AWindowThatGoesAwayAtAnyMomentTakesItsScreensAlong) {
       ASSERT_TRUE(await([&] { return top() && top()->window(); }));
     }
     const QPointer<QQuickWindow> given = top() ? top()->window() : nullptr;
-    if (given) presenter->dismissTopMost();
+    presenter->dismissTopMost();  // on a busy machine it may still be being made
     EXPECT_TRUE(isGone());
     EXPECT_TRUE(await([&] { return !given; }));
     EXPECT_NE(status(1), "granted");
