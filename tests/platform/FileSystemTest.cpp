@@ -5,11 +5,14 @@
 
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/memory/MemoryFileSystem.h"
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 
 namespace {
+
+using test::contains;
 
 struct OnDisk {
   test::TemporaryFolder temporary;
@@ -46,7 +49,7 @@ TYPED_TEST(FileSystemContract, NamesTheApplicationSupportDirectoryOrNone) {
 TYPED_TEST(FileSystemContract, AFileNeedsItsFolder) {
   const auto written = this->files_.write(this->file_, "bytes");
   ASSERT_FALSE(written);
-  EXPECT_NE(written.error().find("No such file or directory"), std::string::npos) << written.error();
+  EXPECT_TRUE(contains(written.error(), "No such file or directory"));
   ASSERT_TRUE(this->files_.createDirectories(this->world_.folder));
   EXPECT_TRUE(this->files_.createDirectories(this->world_.folder / ""));
   EXPECT_TRUE(this->files_.write(this->file_, "bytes"));

@@ -9,6 +9,7 @@
 
 #include "platform/linux/SqliteStore.h"
 #include "platform/memory/MemoryStore.h"
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
@@ -16,6 +17,7 @@ namespace quillon {
 namespace {
 
 using namespace std::chrono_literals;
+using test::contains;
 
 // A second store shows what a later process finds, where there is such a thing.
 struct OnDisk {
@@ -97,7 +99,7 @@ TYPED_TEST(KeyValueSuiteContract, AFailedEditChangesNothingAndSaysWhy) {
   const auto thrown =
       this->suite_->update([](const SuiteEntries&) -> SuiteChanges { throw std::runtime_error("changed my mind"); });
   ASSERT_FALSE(thrown);
-  EXPECT_NE(thrown.error().find("changed my mind"), std::string::npos);
+  EXPECT_TRUE(contains(thrown.error(), "changed my mind"));
   EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) -> SuiteChanges { throw 1; }));
   EXPECT_FALSE(this->suite_->update(always({{"", true}, {"other", true}}))) << "a key is empty";
   EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}}));

@@ -8,10 +8,13 @@
 
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/memory/FixedLocale.h"
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 namespace {
+
+using test::contains;
 
 class LinuxPlatformTest : public testing::Test {
  protected:
@@ -99,7 +102,7 @@ TEST_F(LinuxPlatformTest, DescribesTheSystemAndTheLibrary) {
   EXPECT_TRUE(host->componentVersion("org.quillon.consent.core"));
   EXPECT_FALSE(host->componentVersion("org.example.other"));
   EXPECT_EQ(host->localized("Unexpected Error", "comment"), "Unexpected Error");
-  EXPECT_NE(host->deviceDescription().find("Linux "), std::string::npos);
+  EXPECT_TRUE(contains(host->deviceDescription(), "Linux "));
 }
 
 TEST_F(LinuxPlatformTest, WritesBlocksToStandardOutputAndAFatalErrorToStandardError) {

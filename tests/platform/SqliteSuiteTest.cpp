@@ -15,6 +15,7 @@
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StoredValue.h"
 #include "tests/platform/ChildProcess.h"
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
@@ -22,6 +23,7 @@ namespace quillon {
 namespace {
 
 using namespace std::chrono_literals;
+using test::contains;
 using test::fileBytes;
 using test::setFileBytes;
 
@@ -210,9 +212,9 @@ TEST_F(SqliteSuiteTest, NeverGrowsIntoAFileThatItWouldRefuse) {
 TEST_F(SqliteSuiteTest, ErasedTextLeavesTheFile) {
   const auto suite = open();
   ASSERT_TRUE(put(*suite, "SUBJECT_ID", std::string("0F0F-unmistakable")));
-  ASSERT_NE(fileBytes(file_).find("unmistakable"), std::string::npos);
+  ASSERT_TRUE(contains(fileBytes(file_), "unmistakable"));
   ASSERT_TRUE(suite->update([](const SuiteEntries&) { return SuiteChanges{{"SUBJECT_ID", std::nullopt}}; }));
-  EXPECT_EQ(fileBytes(file_).find("unmistakable"), std::string::npos);
+  EXPECT_FALSE(contains(fileBytes(file_), "unmistakable"));
 }
 
 TEST_F(SqliteSuiteTest, AFailedEditHoldsNobodyUp) {
@@ -274,7 +276,7 @@ TEST_F(SqliteSuiteTest, AForeignWriterDelaysNoReaderAndFailsAnUpdateAfterTwoSeco
   over = true;
   reader.join();
   ASSERT_FALSE(done);
-  EXPECT_NE(done.error().find("locked"), std::string::npos) << done.error();
+  EXPECT_TRUE(contains(done.error(), "locked"));
   EXPECT_GE(lasted, 2s);
   EXPECT_LT(lasted, 4s);
   EXPECT_LT(slowest, 1s);
@@ -350,7 +352,7 @@ TEST_F(SqliteSuiteTest, ADamagedFileIsKeptAsideAndANewOneBegun) {
     ASSERT_EQ(keptAside().size(), 1u);
     EXPECT_EQ(std::filesystem::file_size(keptAside().front()), size);
     ASSERT_EQ(reports_.size(), 1u);
-    EXPECT_NE(reports_.front().find(keptAside().front()), std::string::npos) << reports_.front();
+    EXPECT_TRUE(contains(reports_.front(), keptAside().front().string()));
     EXPECT_TRUE(put(*suite, "key", std::string("new")));
     EXPECT_EQ(listed(*open()), "LOST_ENTRIES=true key=new");
     EXPECT_EQ(reports_.size(), 1u);
@@ -478,8 +480,8 @@ TEST_F(SqliteSuiteTest, TwoUsersOfADamagedFileEndUpInOneNewFile) {
       std::jthread second([&] { write(*two, "two"); });
     }
     const auto end = listed(*open());
-    EXPECT_NE(end.find("one=true"), std::string::npos) << end;
-    EXPECT_NE(end.find("two=true"), std::string::npos) << end;
+    EXPECT_TRUE(contains(end, "one=true"));
+    EXPECT_TRUE(contains(end, "two=true"));
     EXPECT_EQ(keptAside().size(), 1u);
   }
 }

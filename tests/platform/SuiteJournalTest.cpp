@@ -3,10 +3,13 @@
 
 #include "platform/linux/SqliteDatabase.h"
 #include "platform/linux/SqliteStore.h"
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 namespace {
+
+using test::contains;
 
 class SuiteJournalTest : public testing::Test {
  protected:
@@ -68,7 +71,7 @@ TEST_F(SuiteJournalTest, DamagedRecordsAreReportedAndNeverInvented) {
   }
   EXPECT_EQ(listed(), "1:a 9! 5! 3! 2! ");
   for (const char* number : {"2", "3", "5", "9"}) {
-    EXPECT_NE(reports_.find(std::string("record ") + number + " of the journal is damaged"), std::string::npos);
+    EXPECT_TRUE(contains(reports_, std::string("record ") + number + " of the journal is damaged"));
   }
   ASSERT_TRUE(record({"f"})) << "the decision counts all the same";
   EXPECT_EQ(listed(), "10:f 1:a 9! 5! 3! 2! ");
@@ -85,7 +88,7 @@ TEST_F(SuiteJournalTest, OutlivesADamagedEntryAndCostsNoEntryWhenItIsDamagedItse
   EXPECT_EQ(shell("INSERT INTO entries VALUES('13', 'string', 'granted', 0)"), "");
   ASSERT_TRUE(record({"c"}));
   EXPECT_EQ(listed(), "3:c 2:b 1:a ") << "taken over into the new file";
-  EXPECT_NE(reports_.find("a new one was begun"), std::string::npos);
+  EXPECT_TRUE(contains(reports_, "a new one was begun"));
 
   // The page of the journal becomes one of no kind.
   const auto page = std::stoul(shell("SELECT rootpage FROM sqlite_schema WHERE name='journal'"));
@@ -94,7 +97,7 @@ TEST_F(SuiteJournalTest, OutlivesADamagedEntryAndCostsNoEntryWhenItIsDamagedItse
   test::setFileBytes(file_, bytes);
   reports_.clear();
   EXPECT_EQ(std::get<std::string>(open()->snapshot()->at("last")), "c");
-  EXPECT_NE(reports_.find("the journal"), std::string::npos) << reports_;
+  EXPECT_TRUE(contains(reports_, "the journal"));
   ASSERT_TRUE(record({"d"}));
   EXPECT_EQ(listed(), "1:d ");
   EXPECT_EQ(std::get<std::string>(open()->snapshot()->at("last")), "d");

@@ -12,8 +12,7 @@ ConsentServer::Handler json(std::string body, int status) {
   };
 }
 
-ConsentServer::ConsentServer()
-    : configuration_(json("{}", 404)), location_(json("{}", 404)), upload_(json(R"({"status":0,"message":"saved"})")) {
+ConsentServer::ConsentServer() : configuration_(json("{}", 404)), location_(json("{}", 404)), upload_(json(saved)) {
   const auto route = [this](Handler& place) {
     return [this, &place](const httplib::Request& request, httplib::Response& response) {
       answer(place, request, response);

@@ -3,7 +3,10 @@
 
 #include <httplib.h>
 
+#include <atomic>
+#include <boost/json/serialize.hpp>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -37,6 +40,7 @@ class ConsentServer {
 
   // Serves this document for every configuration request, with an entity tag when one is given.
   void serve(std::string document, std::string tag = {});
+  void serve(const boost::json::object& document) { serve(boost::json::serialize(document)); }
 
   std::vector<Seen> seen() const;
   // The requests whose path contains the text.
@@ -64,5 +68,32 @@ inline constexpr std::string_view locationPath = "geo/location";
 inline constexpr std::string_view uploadPath = "singleupload";
 
 ConsentServer::Handler json(std::string body, int status = 200);
+
+// The answer to an upload that counts.
+inline constexpr const char* saved = R"({"status":0,"message":"saved"})";
+
+// Uploads arrive, and are accepted once they are released.
+class HeldUploads {
+ public:
+  explicit HeldUploads(ConsentServer& server) {
+    server.onUpload([flags = flags_](const auto& request, auto& response) {
+      flags->arrived.test_and_set();
+      flags->arrived.notify_all();
+      flags->released.wait(false);
+      json(saved)(request, response);
+    });
+  }
+  void waitForOne() const { flags_->arrived.wait(false); }
+  void release() const {
+    flags_->released.test_and_set();
+    flags_->released.notify_all();
+  }
+
+ private:
+  struct Flags {
+    std::atomic_flag arrived, released;
+  };
+  std::shared_ptr<Flags> flags_ = std::make_shared<Flags>();
+};
 
 }  // namespace quillon::test

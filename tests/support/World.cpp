@@ -53,7 +53,7 @@ World::World(std::optional<std::filesystem::path> installed)
       console(std::make_shared<MemoryConsole>()),
       network(std::make_shared<StaticNetworkPath>()),
       permissions(std::make_shared<SettablePermissionSources>()) {
-  server.serve(boost::json::serialize(validConfiguration()));
+  server.serve(validConfiguration());
   permissions->set(VantariKey::cameraUsageDescription, 3);
   permissions->set(VantariKey::contactsUsageDescription, 2);
 }
@@ -93,6 +93,11 @@ void World::start(ConsentSDKOptions chosen) {
   if (!sdk) restart();
   sdk->setup(std::move(chosen));
   sdk->settled().wait();
+}
+
+void World::startLater(ConsentSDKOptions chosen) {
+  if (sdk) advance(std::chrono::hours(2));
+  start(std::move(chosen));
 }
 
 std::shared_ptr<const SuiteEntries> World::snapshot() {

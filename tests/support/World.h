@@ -39,6 +39,9 @@ class World {
   // Sets the SDK up and waits until loading is over.
   void start() { start(options()); }
   void start(ConsentSDKOptions chosen);
+  // The same when the cached configuration has become too old to serve unasked.
+  void startLater() { startLater(options()); }
+  void startLater(ConsentSDKOptions chosen);
   // Ends the process, as it were, and begins another one over the same disk.
   void restart();
   // The services that one process gets.

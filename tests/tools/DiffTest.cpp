@@ -2,6 +2,7 @@
 
 #include <boost/json.hpp>
 
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/World.h"
 #include "tests/tools/ToolProcess.h"
@@ -80,7 +81,7 @@ TEST_F(Diff, TellsWhatIsMaterialAndWhoIsAskedAgain) {
 TEST_F(Diff, RefusesWhatIsNoConfiguration) {
   EXPECT_EQ(lines([](json::object& document) { document["version"] = "six"; }), Lines());
   EXPECT_EQ(status, 1);
-  EXPECT_NE(fileBytes(folder.path() / "errors").find("new.json: version: expected an integer"), std::string::npos);
+  EXPECT_TRUE(contains(fileBytes(folder.path() / "errors"), "new.json: version: expected an integer"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolProcess.h"
 
@@ -49,13 +50,13 @@ class FleetTest : public testing::Test {
 TEST_F(FleetTest, EveryDecisionReachesTheServerOnceAfterAnOutage) {
   const Outcome first = runAgainstServe("network");
   EXPECT_EQ(first.status, 0);
-  EXPECT_NE(first.account.find(nothingWrong), std::string::npos) << first.account;
+  EXPECT_TRUE(contains(first.account, nothingWrong));
   EXPECT_TRUE(first.account.starts_with("decisions 160, ")) << first.account;
 
   // The same devices decide the same at the same times: the server now has it twice, and the account must say so.
   const Outcome second = runAgainstServe("servers");
   EXPECT_EQ(second.status, 1);
-  EXPECT_EQ(second.account.find("repeated 0"), std::string::npos) << second.account;
+  EXPECT_FALSE(contains(second.account, "repeated 0"));
 }
 
 TEST_F(FleetTest, EveryDecisionPassesAWebServerThatRefusesForAnHour) {
@@ -65,8 +66,8 @@ TEST_F(FleetTest, EveryDecisionPassesAWebServerThatRefusesForAnHour) {
   for (const auto& argument : fourHours) command += " " + argument;
   EXPECT_EQ(std::system((command + " >" + report.string()).c_str()), 0);
   const std::string account = accountOf(fileBytes(report));
-  EXPECT_NE(account.find(nothingWrong), std::string::npos) << account;
-  EXPECT_NE(fileBytes(report).find(" 503: "), std::string::npos) << fileBytes(report);
+  EXPECT_TRUE(contains(account, nothingWrong));
+  EXPECT_TRUE(contains(fileBytes(report), " 503: "));
 }
 
 }  // namespace

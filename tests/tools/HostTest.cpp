@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tests/support/ConsentServer.h"
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/World.h"
 #include "tests/tools/ToolProcess.h"
@@ -16,7 +17,7 @@ namespace quillon::test {
 namespace {
 
 struct Host : testing::Test {
-  Host() { server.serve(boost::json::serialize(validConfiguration())); }
+  Host() { server.serve(validConfiguration()); }
 
   void start(std::vector<std::string> options = {}) {
     std::vector<std::string> arguments{"host", "--data-dir", data(), "--vendor-url", server.url()};
@@ -93,7 +94,7 @@ TEST_F(Host, TakesOneRunFromSetUpToUpload) {
   EXPECT_EQ(ask(R"({"op":"store"})").at("store"), Object());
   EXPECT_EQ(ask(R"({"op":"quit"})").at("ok"), true);
   EXPECT_EQ(host->wait(), 0);
-  EXPECT_NE(fileBytes(errors()).find("[INFO]Successfully removed all consents"), std::string::npos);
+  EXPECT_TRUE(contains(fileBytes(errors()), "[INFO]Successfully removed all consents"));
 }
 
 TEST_F(Host, ShowsItsScreensInWords) {
@@ -104,7 +105,7 @@ TEST_F(Host, ShowsItsScreensInWords) {
   auto& banner = bannerOf(document);
   banner["should_show_settings_prompt"] = true;
   banner["banner_text"] = {{"en", R"(See <a href="https://help.example/">help</a>)"}};
-  server.serve(boost::json::serialize(document));
+  server.serve(document);
   start({"--languages", "en", "--network", "satisfied"});
   setUp();
   ask(R"({"op":"waitReady"})");
@@ -172,8 +173,7 @@ TEST_F(Host, KeepsADecisionWhenItIsKilledAtOnce) {
   setUp();
   ask(R"({"op":"waitReady"})");
   EXPECT_EQ(ask(R"({"op":"upload"})").at("uploaded"), true);
-  EXPECT_NE(server.seen(uploadPath).back().body.find(R"("purpose_id":1,"consent_status":"granted")"),
-            std::string::npos);
+  EXPECT_TRUE(contains(server.seen(uploadPath).back().body, R"("purpose_id":1,"consent_status":"granted")"));
 }
 
 TEST_F(Host, StopsWithTheFixedTextWhenItsStoreCannotBeOpened) {
@@ -181,8 +181,7 @@ TEST_F(Host, StopsWithTheFixedTextWhenItsStoreCannotBeOpened) {
   start();
   host->writeLine(R"({"op":"get","purposeId":1})");
   EXPECT_EQ(host->wait(), -SIGABRT);
-  EXPECT_NE(fileBytes(errors()).find("Could not create or access UserDefaults suite: quillon-cmp-sdk"),
-            std::string::npos);
+  EXPECT_TRUE(contains(fileBytes(errors()), "Could not create or access UserDefaults suite: quillon-cmp-sdk"));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/ConsentServer.h"
+#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/World.h"
 #include "tests/tools/ToolProcess.h"
@@ -19,7 +20,7 @@ namespace {
 namespace json = boost::json;
 
 struct Store : testing::Test {
-  Store() { server.serve(json::serialize(validConfiguration())); }
+  Store() { server.serve(validConfiguration()); }
 
   std::string data() const { return folder.path() / "data"; }
   std::string errors() const { return folder.path() / "errors"; }
@@ -153,7 +154,7 @@ TEST_F(Store, LeavesADamagedStoreAsItIsUnlessItIsReset) {
   setFileBytes(file, garbage);
   EXPECT_EQ(store({"dump"}), "");
   EXPECT_EQ(status, 1);
-  EXPECT_NE(error.find(file.string()), std::string::npos) << error;
+  EXPECT_TRUE(contains(error, file.string()));
   EXPECT_EQ(fileBytes(file), garbage);
 
   EXPECT_EQ(store({"reset"}), "");

@@ -15,42 +15,31 @@ namespace {
 
 // A clock on which the first single timer fires before the thread that asked for it goes on, as when that thread is
 // held up for longer than the delay.
-class StallingClock : public Clock {
+class StallingClock : public VirtualClock {
  public:
-  StallingClock(std::shared_ptr<Clock> real, std::function<void()> meanwhile)
-      : real_(std::move(real)), meanwhile_(std::move(meanwhile)) {}
+  StallingClock(WallTime start, std::function<void()> meanwhile)
+      : VirtualClock(start), meanwhile_(std::move(meanwhile)) {}
 
-  WallTime now() const override { return real_->now(); }
-  WallTime addMonths(WallTime time, std::int64_t months) const override { return real_->addMonths(time, months); }
-  std::string localText(WallTime time) const override { return real_->localText(time); }
-  std::unique_ptr<Timer> every(std::chrono::milliseconds period, Job job) override {
-    return real_->every(period, std::move(job));
-  }
   std::unique_ptr<Timer> after(std::chrono::milliseconds delay, Job job) override {
-    if (std::exchange(stalled_, true)) return real_->after(delay, std::move(job));
+    if (std::exchange(stalled_, true)) return VirtualClock::after(delay, std::move(job));
     job();
     meanwhile_();
     return std::make_unique<Timer>();
   }
 
  private:
-  const std::shared_ptr<Clock> real_;
   const std::function<void()> meanwhile_;
   bool stalled_ = false;
 };
 
 TEST(Concurrency, StalledDecisionDoesNotCancelTheUploadOfALaterOne) {
   World world;
-  Purpose purpose;
-  purpose.purposeId = 1;
-  world.amend = [&](Platform& platform) {
-    platform.clock = std::make_shared<StallingClock>(platform.clock, [&] {
-      world.sdk->settled().wait();  // the first upload
-      EXPECT_TRUE(world.sdk->set(purpose, ConsentStatus::granted));
-    });
-  };
+  world.clock = std::make_shared<StallingClock>(world.clock->now(), [&] {
+    world.sdk->settled().wait();  // the first upload
+    EXPECT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::granted));
+  });
   world.start();
-  EXPECT_TRUE(world.sdk->set(purpose, ConsentStatus::declined));
+  EXPECT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::declined));
   world.advance(std::chrono::seconds(1));
   EXPECT_TRUE(world.stored().pendingPurposes().empty());
   EXPECT_EQ(world.uploads().size(), 2u);
@@ -73,11 +62,11 @@ TEST(Concurrency, NoDecisionIsDroppedBetweenUploads) {
     for (const auto& consent : body.at("purpose_consents").as_array()) {
       recorded[consent.at("purpose_id").as_int64()] = consent.at("consent_status").as_string().c_str();
     }
-    json(R"({"status":0,"message":"saved"})")(request, response);
+    json(saved)(request, response);
   });
   auto document = validConfiguration();
   document["is_att_enabled"] = false;
-  world.server.serve(boost::json::serialize(document));
+  world.server.serve(document);
   world.start();
 
   std::vector<std::jthread> threads;
@@ -85,9 +74,9 @@ TEST(Concurrency, NoDecisionIsDroppedBetweenUploads) {
     threads.emplace_back([&world, seed] {
       std::mt19937 random(seed);
       for (int i = 0; i < 40; ++i) {
-        Purpose purpose;
-        purpose.purposeId = 1 + static_cast<std::int64_t>(random() % 3);
-        EXPECT_TRUE(world.sdk->set(purpose, random() % 2 == 0 ? ConsentStatus::granted : ConsentStatus::declined));
+        const auto id = 1 + static_cast<std::int64_t>(random() % 3);
+        EXPECT_TRUE(
+            world.sdk->set({.purposeId = id}, random() % 2 == 0 ? ConsentStatus::granted : ConsentStatus::declined));
         switch (random() % 6) {
           case 0:
             world.sdk->uploadPendingConsents().wait();
@@ -105,7 +94,7 @@ TEST(Concurrency, NoDecisionIsDroppedBetweenUploads) {
             world.clock->advance(std::chrono::seconds(1));
             break;
           default:
-            std::ignore = world.sdk->get(*purpose.purposeId);
+            std::ignore = world.sdk->get(id);
         }
       }
     });

@@ -4,6 +4,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -11,12 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using enum ConsentStatus;
-
-Purpose purpose(std::int64_t id) {
-  Purpose result;
-  result.purposeId = id;
-  return result;
-}
 
 // The status that an upload carries for a purpose, "" when it does not list it.
 std::string uploaded(const boost::json::object& upload, std::int64_t id) {
@@ -41,58 +36,49 @@ TEST(Defaults, FollowTheComplianceType) {
   }
 }
 
-struct Answer {
-  const char* name;
-  bool accept;
-  TrackingAuthorization tracking;
-  ConsentStatus statistics, essential, tracked;
-};
-
-class BannerAnswer : public testing::TestWithParam<Answer> {};
-
-TEST_P(BannerAnswer, IsStoredAsOneAndUploaded) {
-  World world;
-  world.tracking = GetParam().tracking;
-  world.start();
-  ASSERT_TRUE(world.sdk->acceptOrReject(GetParam().accept).get());
-  EXPECT_EQ(world.sdk->get(1), GetParam().statistics);
-  EXPECT_EQ(world.sdk->get(2), GetParam().essential);
-  EXPECT_EQ(world.sdk->get(3), GetParam().tracked);
-  EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_EXPLICIT");
-  EXPECT_TRUE(world.stored().pendingPurposes().empty());
-  EXPECT_TRUE(world.stored().pendingPermissions().empty());
-
-  ASSERT_EQ(world.uploads().size(), 1u);
-  auto upload = world.uploads().front();
-  EXPECT_EQ(uploaded(upload, 1), rawValue(GetParam().statistics));
-  EXPECT_EQ(uploaded(upload, 2), rawValue(GetParam().essential));
-  EXPECT_EQ(uploaded(upload, 3), rawValue(GetParam().tracked));
-  EXPECT_EQ(upload.at("purpose_consents").at(1).at("is_essential"), true);
-  EXPECT_EQ(boost::json::serialize(upload.at("permissions")),
-            R"([{"permission":"NSCameraUsageDescription","consent_status":"granted","timestamp":1700000000},)"
-            R"({"permission":"NSContactsUsageDescription","consent_status":"declined","timestamp":1700000000}])");
-  upload.erase("purpose_consents");
-  upload.erase("permissions");
-  EXPECT_EQ(upload, boost::json::object({{"uuid", "SUBJECT"},
-                                         {"app_uuid", "a1"},
-                                         {"device", "Test device"},
-                                         {"implicit_consent", false},
-                                         {"version", 5},
-                                         {"is_test_mode", false},
-                                         {"ad_id", "AD-ID"},
-                                         {"platform", "ios"},
-                                         {"banner_info", "opt-in"},
-                                         {"sdk_version", "1.2.3"}}));
-  EXPECT_EQ(world.server.seen(uploadPath).front().headers.find("X-Auth-Token")->second, "secret-token");
+TEST(Answer, IsStoredAsOneAndUploaded) {
+  using enum TrackingAuthorization;
+  struct Case {
+    bool accept;
+    TrackingAuthorization tracking;
+    ConsentStatus statistics, essential, tracked;
+  };
+  for (const Case& example :
+       {Case{true, authorized, granted, granted, granted}, Case{true, denied, granted, granted, declined},
+        Case{false, notDetermined, declined, granted, declined}, Case{false, authorized, declined, granted, granted}}) {
+    World world;
+    world.tracking = example.tracking;
+    world.start();
+    ASSERT_TRUE(world.sdk->acceptOrReject(example.accept).get());
+    EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_EXPLICIT");
+    EXPECT_TRUE(world.stored().pendingPurposes().empty());
+    EXPECT_TRUE(world.stored().pendingPermissions().empty());
+    ASSERT_EQ(world.uploads().size(), 1u);
+    auto upload = world.uploads().front();
+    std::int64_t id = 0;
+    for (const auto expected : {example.statistics, example.essential, example.tracked}) {
+      EXPECT_EQ(world.sdk->get(++id), expected) << id;
+      EXPECT_EQ(uploaded(upload, id), rawValue(expected)) << id;
+    }
+    EXPECT_EQ(upload.at("purpose_consents").at(1).at("is_essential"), true);
+    EXPECT_EQ(boost::json::serialize(upload.at("permissions")),
+              R"([{"permission":"NSCameraUsageDescription","consent_status":"granted","timestamp":1700000000},)"
+              R"({"permission":"NSContactsUsageDescription","consent_status":"declined","timestamp":1700000000}])");
+    upload.erase("purpose_consents");
+    upload.erase("permissions");
+    EXPECT_EQ(upload, boost::json::object({{"uuid", "SUBJECT"},
+                                           {"app_uuid", "a1"},
+                                           {"device", "Test device"},
+                                           {"implicit_consent", false},
+                                           {"version", 5},
+                                           {"is_test_mode", false},
+                                           {"ad_id", "AD-ID"},
+                                           {"platform", "ios"},
+                                           {"banner_info", "opt-in"},
+                                           {"sdk_version", "1.2.3"}}));
+    EXPECT_EQ(world.server.seen(uploadPath).front().headers.find("X-Auth-Token")->second, "secret-token");
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Everything, BannerAnswer,
-    testing::Values(Answer{"Accept", true, TrackingAuthorization::authorized, granted, granted, granted},
-                    Answer{"AcceptWithoutTracking", true, TrackingAuthorization::denied, granted, granted, declined},
-                    Answer{"Reject", false, TrackingAuthorization::notDetermined, declined, granted, declined},
-                    Answer{"RejectWithTracking", false, TrackingAuthorization::authorized, declined, granted, granted}),
-    [](const auto& test) { return test.param.name; });
 
 TEST(Answer, NeedsAConfiguration) {
   World world;
@@ -140,12 +126,12 @@ TEST(Tracking, GovernsThePurposesBoundToIt) {
 TEST(Decision, ChangesTheTimestampOnlyWithTheStatus) {
   World world;
   world.start();
-  EXPECT_TRUE(world.sdk->set(purpose(1), granted));
+  EXPECT_TRUE(world.sdk->set({.purposeId = 1}, granted));
   EXPECT_EQ(world.stored().integer(key::purposesChangeTimestamp, 0), startSeconds);
   world.advance(10s);
-  EXPECT_TRUE(world.sdk->set(purpose(1), granted));
+  EXPECT_TRUE(world.sdk->set({.purposeId = 1}, granted));
   EXPECT_EQ(world.stored().integer(key::purposesChangeTimestamp, 0), startSeconds);
-  EXPECT_TRUE(world.sdk->set(purpose(1), declined));
+  EXPECT_TRUE(world.sdk->set({.purposeId = 1}, declined));
   EXPECT_EQ(world.stored().integer(key::purposesChangeTimestamp, 0), startSeconds + 10);
   EXPECT_TRUE(world.stored().boolean(key::arePurposesChanged));
   EXPECT_FALSE(world.sdk->set(Purpose(), granted)) << "a purpose without an identifier";
@@ -154,57 +140,52 @@ TEST(Decision, ChangesTheTimestampOnlyWithTheStatus) {
 TEST(Decision, FiftyInARowMakeOneUpload) {
   World world;
   world.start();
-  for (int i = 0; i < 50; ++i) ASSERT_TRUE(world.sdk->set(purpose(1 + i % 3), i < 25 ? granted : declined));
+  for (int i = 0; i < 50; ++i) ASSERT_TRUE(world.sdk->set({.purposeId = 1 + i % 3}, i < 25 ? granted : declined));
   EXPECT_EQ(world.stored().pendingPurposes().size(), 3u);
   world.advance(999ms);
   EXPECT_TRUE(world.uploads().empty());
   world.advance(1ms);
   ASSERT_EQ(world.uploads().size(), 1u);
   EXPECT_EQ(uploaded(world.uploads().front(), 1), "declined");
-  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
   world.advance(1s);
   ASSERT_EQ(world.uploads().size(), 2u);
   EXPECT_EQ(uploaded(world.uploads().back(), 1), "granted");
   EXPECT_EQ(uploaded(world.uploads().back(), 2), "") << "only what is pending is sent";
 }
 
-struct Reply {
-  const char* name;
-  ConsentServer::Handler handler;
-  bool flagged, kept, retried;
-  std::string logged;
-};
+TEST(UploadReply, DecidesWhatStaysPending) {
+  struct Case {
+    std::string body;
+    int status;
+    bool flagged, kept, retried;
+    std::string logged;
+  };
+  for (const Case& reply :
+       {Case{R"({"status":0,"message":"saved\nwell"})", 200, false, false, false, "[INFO]saved\\nwell"},
+        Case{R"({"status":1,"message":"busy"})", 200, true, true, false, "[ERROR]busy"},
+        Case{R"({"status":2,"message":"odd"})", 200, false, true, false, "[INFO]odd"},
+        Case{"{}", 500, true, true, true, "[ERROR]Failed with Status (500)"},
+        Case{"[]", 200, true, true, true, "Failed to Decode GenericResponse : "}}) {
+    SCOPED_TRACE(reply.logged);
+    World world;
+    world.server.onUpload(json(reply.body, reply.status));
+    world.start();
+    EXPECT_TRUE(world.sdk->acceptOrReject(true).get()) << "stored, whatever the server says";
+    EXPECT_EQ(world.stored().boolean(key::uploadConsentRequestPending), reply.flagged);
+    EXPECT_EQ(world.stored().pendingPurposes().size(), reply.kept ? 3u : 0u);
+    EXPECT_EQ(world.stored().pendingPermissions().size(), reply.kept ? 2u : 0u);
+    EXPECT_TRUE(contains(world.log(), reply.logged));
+    EXPECT_FALSE(contains(world.log(), "secret-token"));
 
-class UploadReply : public testing::TestWithParam<Reply> {};
-
-TEST_P(UploadReply, DecidesWhatStaysPending) {
-  World world;
-  world.server.onUpload(GetParam().handler);
-  world.start();
-  EXPECT_TRUE(world.sdk->acceptOrReject(true).get()) << "stored, whatever the server says";
-  EXPECT_EQ(world.stored().boolean(key::uploadConsentRequestPending), GetParam().flagged);
-  EXPECT_EQ(world.stored().pendingPurposes().size(), GetParam().kept ? 3u : 0u);
-  EXPECT_EQ(world.stored().pendingPermissions().size(), GetParam().kept ? 2u : 0u);
-  EXPECT_NE(world.log().find(GetParam().logged), std::string::npos) << world.log();
-  EXPECT_EQ(world.log().find("secret-token"), std::string::npos);
-
-  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
-  world.advance(61 * 30s);  // past one period of the recurring check
-  EXPECT_EQ(world.uploads().size(), GetParam().retried ? 2u : 1u);
-  EXPECT_TRUE(world.sdk->uploadPendingConsents().get());
-  EXPECT_TRUE(world.stored().pendingPurposes().empty());
-  EXPECT_FALSE(world.stored().boolean(key::uploadConsentRequestPending));
+    world.server.onUpload(json(saved));
+    world.advance(61 * 30s);  // past one period of the recurring check
+    EXPECT_EQ(world.uploads().size(), reply.retried ? 2u : 1u);
+    EXPECT_TRUE(world.sdk->uploadPendingConsents().get());
+    EXPECT_TRUE(world.stored().pendingPurposes().empty());
+    EXPECT_FALSE(world.stored().boolean(key::uploadConsentRequestPending));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Server, UploadReply,
-    testing::Values(Reply{"Accepted", json(R"({"status":0,"message":"saved\nwell"})"), false, false, false,
-                          "[INFO]saved\\nwell"},
-                    Reply{"Failed", json(R"({"status":1,"message":"busy"})"), true, true, false, "[ERROR]busy"},
-                    Reply{"AnotherStatus", json(R"({"status":2,"message":"odd"})"), false, true, false, "[INFO]odd"},
-                    Reply{"ServerError", json("{}", 500), true, true, true, "[ERROR]Failed with Status (500)"},
-                    Reply{"Nonsense", json("[]"), true, true, true, "Failed to Decode GenericResponse : "}),
-    [](const auto& test) { return test.param.name; });
 
 TEST(Upload, WithoutANetworkKeepsEverything) {
   World world;
@@ -226,23 +207,17 @@ TEST(Upload, WithoutANetworkKeepsEverything) {
 TEST(Upload, DecisionMadeMeanwhileStaysPending) {
   World world;
   world.start();
-  std::promise<void> arrived, released;
-  world.server.onUpload([&, release = released.get_future().share()](const auto& request, auto& response) {
-    arrived.set_value();
-    release.wait();
-    json(R"({"status":0,"message":"saved"})")(request, response);
-  });
-  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
-  ASSERT_TRUE(world.sdk->set(purpose(2), granted));
-  auto upload = world.sdk->uploadPendingConsents();
-  arrived.get_future().wait();
-  ASSERT_TRUE(world.sdk->set(purpose(1), declined));
-  ASSERT_TRUE(world.sdk->set(purpose(3), granted));
-  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  HeldUploads held(world.server);
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 2}, granted));
+  auto first = world.sdk->uploadPendingConsents();
+  held.waitForOne();
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 3}, granted));
   auto second = world.sdk->uploadPendingConsents();
   EXPECT_EQ(world.uploads().size(), 1u) << "uploads do not overtake one another";
-  released.set_value();
-  upload.wait();
+  held.release();
+  first.wait();
   EXPECT_TRUE(second.get());
   ASSERT_EQ(world.uploads().size(), 2u);
   EXPECT_EQ(uploaded(world.uploads().back(), 1), "declined");
@@ -254,14 +229,14 @@ TEST(Upload, DecisionMadeMeanwhileStaysPending) {
 TEST(Upload, OfTheHostsOwnRequestSettlesThePending) {
   World world;
   world.start();
-  world.sdk->set(purpose(1), granted);
+  world.sdk->set({.purposeId = 1}, granted);
   PostConsentsRequest request;
   request.uuid = "x";
   world.sdk->uploadConsents(world.server.url(), request).wait();
   EXPECT_TRUE(world.stored().pendingPurposes().empty());
   world.sdk->uploadConsents("::", request).wait();
   EXPECT_TRUE(world.stored().boolean(key::uploadConsentRequestPending));
-  EXPECT_NE(world.log().find("Invalid URL error ocurred.\n::"), std::string::npos);
+  EXPECT_TRUE(contains(world.log(), "Invalid URL error ocurred.\n::"));
 }
 
 TEST(Check, DoesNotAnswerAReconsent) {
@@ -272,7 +247,7 @@ TEST(Check, DoesNotAnswerAReconsent) {
   auto newer = validConfiguration();
   newer["version"] = 6;
   newer["purposes"].as_array().emplace_back(boost::json::object({{"purpose_id", 4}}));
-  world.server.serve(boost::json::serialize(newer));
+  world.server.serve(newer);
   world.advance(2h);
   world.sdk->checkConsents().wait();
   EXPECT_EQ(world.text("4"), "declined");
@@ -299,7 +274,7 @@ TEST(Check, RunsOncePeriodicallyAfterAnAnswerAndOnReconnection) {
   EXPECT_EQ(world.uploads().size(), 4u);
 
   world.network->set(NetworkStatus::unsatisfied);
-  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  world.server.onUpload(json(saved));
   world.network->set(NetworkStatus::satisfied);
   ASSERT_TRUE(world.server.waitFor(uploadPath, 5)) << "the pending upload follows by itself";
   world.sdk->settled().wait();
@@ -309,16 +284,12 @@ TEST(Check, RunsOncePeriodicallyAfterAnAnswerAndOnReconnection) {
 TEST(Leaving, WithAnUploadUnderWayLosesNothing) {
   World world;
   world.start();
-  std::promise<void> arrived, released;
-  world.server.onUpload([&, release = released.get_future().share()](const auto&, auto&) {
-    arrived.set_value();
-    release.wait();
-  });
+  HeldUploads held(world.server);
   auto answer = world.sdk->acceptOrReject(true);
-  arrived.get_future().wait();
+  held.waitForOne();
   world.sdk.reset();
   answer.wait();
-  released.set_value();
+  held.release();
   world.restart();
   EXPECT_EQ(world.sdk->get(1), granted);
   EXPECT_EQ(world.stored().pendingPurposes().size(), 3u);

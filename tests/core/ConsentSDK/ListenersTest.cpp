@@ -5,6 +5,7 @@
 
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -12,12 +13,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using enum ConsentStatus;
-
-Purpose purpose(std::int64_t id) {
-  Purpose result;
-  result.purposeId = id;
-  return result;
-}
 
 std::string words(const Decision& change) {
   const auto text = [](ConsentStatus status) { return std::string(rawValue(status)); };
@@ -37,8 +32,8 @@ TEST(Listeners, AreToldOfEveryChangeOfAConsentInOrderOnTheMainQueue) {
     throw std::runtime_error("a listener's own affair");
   });
   auto two = world.sdk->listenToConsents([&](const Decision& change) { second.push_back(words(change)); });
-  world.sdk->set(purpose(1), granted);
-  world.sdk->set(purpose(1), granted);
+  world.sdk->set({.purposeId = 1}, granted);
+  world.sdk->set({.purposeId = 1}, granted);
   world.sdk->acceptOrReject(false).wait();
   world.permissions->set(VantariKey::cameraUsageDescription, 2);
   world.settle();
@@ -47,7 +42,7 @@ TEST(Listeners, AreToldOfEveryChangeOfAConsentInOrderOnTheMainQueue) {
   EXPECT_EQ(second, first);
   EXPECT_EQ(called, main);
   two.end();
-  world.sdk->set(purpose(1), granted);
+  world.sdk->set({.purposeId = 1}, granted);
   world.settle();
   EXPECT_EQ(first.size(), second.size() + 1);
 }
@@ -69,8 +64,8 @@ TEST(Listeners, AreNotCalledAnyMoreOnceTheHandleIsGone) {
   });
   entered.get_future().wait();
   auto onTheWay = world.sdk->listenToConsents([&](const Decision&) { calls += 100; });
-  world.sdk->set(purpose(1), granted);
-  world.sdk->set(purpose(1), declined);
+  world.sdk->set({.purposeId = 1}, granted);
+  world.sdk->set({.purposeId = 1}, declined);
   onTheWay = Listening();
   released.set_value();
   world.settle();
@@ -92,7 +87,7 @@ TEST(Listeners, DroppedOnAnotherThreadWaitForTheCallThatIsUnderWay) {
     while (!mayEnd) std::this_thread::yield();
     isOver = true;
   });
-  world.sdk->set(purpose(1), granted);
+  world.sdk->set({.purposeId = 1}, granted);
   entered.get_future().wait();
   std::jthread releases([&] { mayEnd = true; });
   listening.end();
@@ -110,7 +105,7 @@ TEST(Listeners, HearOfUploadsAndScreens) {
   world.sdk->acceptOrReject(true).wait();
   world.server.onUpload(json("{}", 500));
   world.sdk->uploadPendingConsents().wait();
-  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  world.server.onUpload(json(saved));
   world.sdk->uploadPendingConsents().wait();
   auto shown = world.sdk->core()->shown(ScreenKind::banner);
   world.advance(5s);
@@ -141,7 +136,7 @@ TEST(BeforeSetUp, EverythingIsAnsweredFromTheStore) {
       {"settings prompt", [&] { return !sdk.getSettingsPrompt().get(); }},
       {"consent mode", [&] { return !sdk.getGCMConfig().get() && sdk.getGCMConsents().get().empty(); }},
       {"history", [&] { return sdk.getHistory().get().entries.size() == 5; }},
-      {"set", [&] { return sdk.set(purpose(3), declined); }},
+      {"set", [&] { return sdk.set({.purposeId = 3}, declined); }},
       {"answer", [&] { return sdk.acceptOrReject(false).get() && sdk.get(1) == declined; }},
       {"check", [&] { return sdk.checkConsents().wait_for(10s) == std::future_status::ready; }},
       {"upload", [&] { return !sdk.uploadPendingConsents().get(); }},
@@ -152,7 +147,7 @@ TEST(BeforeSetUp, EverythingIsAnsweredFromTheStore) {
     std::jthread([&] { onAThread = isRight(); }).join();
     EXPECT_TRUE(onAThread) << name;
   }
-  EXPECT_EQ(world.log().find("[ERROR]"), std::string::npos) << world.log();
+  EXPECT_FALSE(contains(world.log(), "[ERROR]"));
 }
 
 }  // namespace

@@ -61,11 +61,7 @@ class Caller {
   std::uint32_t below(std::uint32_t bound) { return random_() % bound; }
   bool chance() { return below(2) == 0; }
 
-  Purpose purpose() {
-    Purpose purpose;
-    purpose.purposeId = 1 + below(4);  // the last is none of the configuration's
-    return purpose;
-  }
+  std::int64_t purpose() { return 1 + below(4); }  // the last is none of the configuration's
   VantariKey permission() {
     return chance() ? VantariKey(VantariKey::cameraUsageDescription) : VantariKey("com.example.other");
   }
@@ -128,91 +124,82 @@ void callAnything(ConsentSDK& sdk, Caller& caller);
 
 // One line for each declaration of the public header, overloads included.
 constexpr Operation operations[] = {
-    {"shared", [](ConsentSDK&, Caller&) { std::ignore = ConsentSDK::shared().getStatus(); }},
+    {"shared", [](auto&, auto&) { std::ignore = ConsentSDK::shared().getStatus(); }},
     {"ConsentSDK",
-     [](ConsentSDK&, Caller& caller) {
+     [](auto&, auto& caller) {
        ConsentSDK another(caller.world().process());
        another.setup(caller.options());
        caller.wait(another.settled());
      }},
     {"~ConsentSDK",
-     [](ConsentSDK&, Caller& caller) {
+     [](auto&, auto& caller) {
        auto another = std::make_unique<ConsentSDK>(caller.world().process());
        another->setup(caller.options());
        for (int i = 0; i < 3; ++i) callAnything(*another, caller);
        another->acceptOrReject(caller.chance(), caller.callback());
        another.reset();
      }},
-    {"setup", [](ConsentSDK& sdk, Caller& caller) { sdk.setup(caller.options()); }},
-    {"getStatus", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.getStatus(); }},
-    {"isReady", [](ConsentSDK& sdk, Caller&) { sdk.isReady([](SDKStatus) {}); }},
-    {"removeListeners", [](ConsentSDK& sdk, Caller&) { sdk.removeListeners(); }},
-    {"sdkVersion", [](ConsentSDK& sdk, Caller&) { EXPECT_EQ(sdk.sdkVersion(), "1.2.3"); }},
+    {"setup", [](auto& sdk, auto& caller) { sdk.setup(caller.options()); }},
+    {"getStatus", [](auto& sdk, auto&) { std::ignore = sdk.getStatus(); }},
+    {"isReady", [](auto& sdk, auto&) { sdk.isReady([](SDKStatus) {}); }},
+    {"removeListeners", [](auto& sdk, auto&) { sdk.removeListeners(); }},
+    {"sdkVersion", [](auto& sdk, auto&) { EXPECT_EQ(sdk.sdkVersion(), "1.2.3"); }},
     {"logger",
-     [](ConsentSDK& sdk, Caller& caller) {
+     [](auto& sdk, auto& caller) {
        sdk.logger().setLogLevel(caller.chance() ? LogLevel::debug : LogLevel::error);
        sdk.logger().log("said by the host", LogLevel::warning, "logger", "test", 1);
      }},
-    {"get", [](ConsentSDK& sdk, Caller& caller) { std::ignore = sdk.get(*caller.purpose().purposeId); }},
-    {"get", [](ConsentSDK& sdk, Caller& caller) { std::ignore = sdk.get(caller.permission()); }},
-    {"set", [](ConsentSDK& sdk, Caller& caller) { EXPECT_TRUE(sdk.set(caller.purpose(), caller.status())); }},
+    {"get", [](auto& sdk, auto& caller) { std::ignore = sdk.get(caller.purpose()); }},
+    {"get", [](auto& sdk, auto& caller) { std::ignore = sdk.get(caller.permission()); }},
+    {"set", [](auto& sdk, auto& caller) { EXPECT_TRUE(sdk.set({.purposeId = caller.purpose()}, caller.status())); }},
     {"set",
-     [](ConsentSDK& sdk, Caller& caller) {
-       AppPermission permission;
-       permission.permissionId = caller.permission();
-       EXPECT_TRUE(sdk.set(permission, caller.status()));
-     }},
-    {"getPurposeConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.getPurposeConsents(caller.callback()); }},
-    {"getPurposeConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getPurposeConsents()); }},
-    {"getPermissionConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.getPermissionConsents(caller.callback()); }},
-    {"getPermissionConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getPermissionConsents()); }},
-    {"checkConsentBy",
-     [](ConsentSDK& sdk, Caller& caller) { sdk.checkConsentBy(caller.permission(), caller.callback()); }},
-    {"checkConsentBy", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.checkConsentBy(caller.permission())); }},
-    {"getGCMConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.getGCMConsents(caller.callback()); }},
-    {"getGCMConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getGCMConsents()); }},
-    {"removeConsents", [](ConsentSDK& sdk, Caller&) { sdk.removeConsents(); }},
+     [](auto& sdk, auto& caller) { EXPECT_TRUE(sdk.set({.permissionId = caller.permission()}, caller.status())); }},
+    {"getPurposeConsents", [](auto& sdk, auto& caller) { sdk.getPurposeConsents(caller.callback()); }},
+    {"getPurposeConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.getPurposeConsents()); }},
+    {"getPermissionConsents", [](auto& sdk, auto& caller) { sdk.getPermissionConsents(caller.callback()); }},
+    {"getPermissionConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.getPermissionConsents()); }},
+    {"checkConsentBy", [](auto& sdk, auto& caller) { sdk.checkConsentBy(caller.permission(), caller.callback()); }},
+    {"checkConsentBy", [](auto& sdk, auto& caller) { caller.wait(sdk.checkConsentBy(caller.permission())); }},
+    {"getGCMConsents", [](auto& sdk, auto& caller) { sdk.getGCMConsents(caller.callback()); }},
+    {"getGCMConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.getGCMConsents()); }},
+    {"removeConsents", [](auto& sdk, auto&) { sdk.removeConsents(); }},
     {"getBannerConfig",
-     [](ConsentSDK& sdk, Caller& caller) { sdk.getBannerConfig(caller.configuration(), caller.callback()); }},
-    {"getBannerConfig",
-     [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getBannerConfig(caller.configuration())); }},
-    {"isBannerDue", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.isBannerDue(); }},
-    {"acceptOrReject", [](ConsentSDK& sdk, Caller& caller) { sdk.acceptOrReject(caller.chance(), caller.callback()); }},
-    {"acceptOrReject", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.acceptOrReject(caller.chance())); }},
-    {"getSettingsPrompt", [](ConsentSDK& sdk, Caller& caller) { sdk.getSettingsPrompt(caller.callback()); }},
-    {"getSettingsPrompt", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getSettingsPrompt()); }},
-    {"getGCMConfig", [](ConsentSDK& sdk, Caller& caller) { sdk.getGCMConfig(caller.callback()); }},
-    {"getGCMConfig", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getGCMConfig()); }},
-    {"consentScript", [](ConsentSDK& sdk, Caller& caller) { sdk.consentScript(caller.callback()); }},
-    {"consentScript", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.consentScript()); }},
-    {"getHistory", [](ConsentSDK& sdk, Caller& caller) { sdk.getHistory(20, std::nullopt, caller.callback()); }},
-    {"getHistory", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.getHistory(20, 1 + caller.below(500))); }},
-    {"explain", [](ConsentSDK& sdk, Caller& caller) { sdk.explain(*caller.purpose().purposeId, caller.callback()); }},
-    {"explain", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.explain(*caller.purpose().purposeId)); }},
-    {"listenToConsents",
-     [](ConsentSDK& sdk, Caller& caller) { caller.hold(sdk.listenToConsents([](const Decision&) {})); }},
-    {"listenToScreens",
-     [](ConsentSDK& sdk, Caller& caller) { caller.hold(sdk.listenToScreens([](const ScreenEvent&) {})); }},
-    {"listenToUploads",
-     [](ConsentSDK& sdk, Caller& caller) { caller.hold(sdk.listenToUploads([](const UploadEvent&) {})); }},
-    {"explainBanner", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.explainBanner(); }},
-    {"presentBanner", [](ConsentSDK& sdk, Caller&) { sdk.presentBanner(); }},
-    {"presentPreferenceCenter", [](ConsentSDK& sdk, Caller&) { sdk.presentPreferenceCenter(); }},
-    {"presentSettingPrompt", [](ConsentSDK& sdk, Caller& caller) { sdk.presentSettingPrompt(caller.permission()); }},
-    {"openLink", [](ConsentSDK& sdk, Caller&) { sdk.openLink("https://a.example/"); }},
-    {"registerFonts", [](ConsentSDK& sdk, Caller&) { sdk.registerFonts(CustomFont{}, {}, {}, {}); }},
-    {"registerColors", [](ConsentSDK& sdk, Caller&) { sdk.registerColors({}); }},
+     [](auto& sdk, auto& caller) { sdk.getBannerConfig(caller.configuration(), caller.callback()); }},
+    {"getBannerConfig", [](auto& sdk, auto& caller) { caller.wait(sdk.getBannerConfig(caller.configuration())); }},
+    {"isBannerDue", [](auto& sdk, auto&) { std::ignore = sdk.isBannerDue(); }},
+    {"acceptOrReject", [](auto& sdk, auto& caller) { sdk.acceptOrReject(caller.chance(), caller.callback()); }},
+    {"acceptOrReject", [](auto& sdk, auto& caller) { caller.wait(sdk.acceptOrReject(caller.chance())); }},
+    {"getSettingsPrompt", [](auto& sdk, auto& caller) { sdk.getSettingsPrompt(caller.callback()); }},
+    {"getSettingsPrompt", [](auto& sdk, auto& caller) { caller.wait(sdk.getSettingsPrompt()); }},
+    {"getGCMConfig", [](auto& sdk, auto& caller) { sdk.getGCMConfig(caller.callback()); }},
+    {"getGCMConfig", [](auto& sdk, auto& caller) { caller.wait(sdk.getGCMConfig()); }},
+    {"consentScript", [](auto& sdk, auto& caller) { sdk.consentScript(caller.callback()); }},
+    {"consentScript", [](auto& sdk, auto& caller) { caller.wait(sdk.consentScript()); }},
+    {"getHistory", [](auto& sdk, auto& caller) { sdk.getHistory(20, std::nullopt, caller.callback()); }},
+    {"getHistory", [](auto& sdk, auto& caller) { caller.wait(sdk.getHistory(20, 1 + caller.below(500))); }},
+    {"explain", [](auto& sdk, auto& caller) { sdk.explain(caller.purpose(), caller.callback()); }},
+    {"explain", [](auto& sdk, auto& caller) { caller.wait(sdk.explain(caller.purpose())); }},
+    {"listenToConsents", [](auto& sdk, auto& caller) { caller.hold(sdk.listenToConsents([](const Decision&) {})); }},
+    {"listenToScreens", [](auto& sdk, auto& caller) { caller.hold(sdk.listenToScreens([](const ScreenEvent&) {})); }},
+    {"listenToUploads", [](auto& sdk, auto& caller) { caller.hold(sdk.listenToUploads([](const UploadEvent&) {})); }},
+    {"explainBanner", [](auto& sdk, auto&) { std::ignore = sdk.explainBanner(); }},
+    {"presentBanner", [](auto& sdk, auto&) { sdk.presentBanner(); }},
+    {"presentPreferenceCenter", [](auto& sdk, auto&) { sdk.presentPreferenceCenter(); }},
+    {"presentSettingPrompt", [](auto& sdk, auto& caller) { sdk.presentSettingPrompt(caller.permission()); }},
+    {"openLink", [](auto& sdk, auto&) { sdk.openLink("https://a.example/"); }},
+    {"registerFonts", [](auto& sdk, auto&) { sdk.registerFonts(CustomFont{}, {}, {}, {}); }},
+    {"registerColors", [](auto& sdk, auto&) { sdk.registerColors({}); }},
     {"uploadConsents",
-     [](ConsentSDK& sdk, Caller& caller) { sdk.uploadConsents(caller.world().server.url(), {}, caller.callback()); }},
+     [](auto& sdk, auto& caller) { sdk.uploadConsents(caller.world().server.url(), {}, caller.callback()); }},
     {"uploadConsents",
-     [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.uploadConsents(caller.world().server.url(), {})); }},
-    {"uploadPendingConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.uploadPendingConsents(caller.callback()); }},
-    {"uploadPendingConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.uploadPendingConsents()); }},
-    {"checkConsents", [](ConsentSDK& sdk, Caller& caller) { sdk.checkConsents(caller.callback()); }},
-    {"checkConsents", [](ConsentSDK& sdk, Caller& caller) { caller.wait(sdk.checkConsents()); }},
+     [](auto& sdk, auto& caller) { caller.wait(sdk.uploadConsents(caller.world().server.url(), {})); }},
+    {"uploadPendingConsents", [](auto& sdk, auto& caller) { sdk.uploadPendingConsents(caller.callback()); }},
+    {"uploadPendingConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.uploadPendingConsents()); }},
+    {"checkConsents", [](auto& sdk, auto& caller) { sdk.checkConsents(caller.callback()); }},
+    {"checkConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.checkConsents()); }},
     // Ready only once nobody calls any more.
-    {"settled", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.settled(); }},
-    {"core", [](ConsentSDK& sdk, Caller&) { std::ignore = sdk.core(); }},
+    {"settled", [](auto& sdk, auto&) { std::ignore = sdk.settled(); }},
+    {"core", [](auto& sdk, auto&) { std::ignore = sdk.core(); }},
 };
 
 void callAnything(ConsentSDK& sdk, Caller& caller) {
@@ -283,7 +270,7 @@ TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
     };
   };
   world.server.onConfiguration(third(json(boost::json::serialize(validConfiguration()))));
-  world.server.onUpload(third(json(R"({"status":0,"message":"saved"})")));
+  world.server.onUpload(third(json(saved)));
   world.start();
 
   std::atomic<std::uint64_t> calls = 0;
@@ -307,8 +294,8 @@ TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
 
   // After all that it works as on the first day.
   world.settle();
-  world.server.serve(boost::json::serialize(validConfiguration()));
-  world.server.onUpload(json(R"({"status":0,"message":"saved"})"));
+  world.server.serve(validConfiguration());
+  world.server.onUpload(json(saved));
   world.start();
   EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
   EXPECT_TRUE(world.sdk->acceptOrReject(true).get());

@@ -4,6 +4,7 @@
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/memory/NotingPresenter.h"
+#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -37,7 +38,7 @@ TEST_F(Screens, WithoutAUserInterfaceConsumeNothing) {
   world.sdk->presentBanner();
   world.sdk->openLink("https://example.org/");
   world.sdk->settled().wait();
-  EXPECT_NE(world.log().find("[WARNING]No user interface is linked, nothing is shown"), std::string::npos);
+  EXPECT_TRUE(contains(world.log(), "[WARNING]No user interface is linked, nothing is shown"));
   EXPECT_TRUE(world.sdk->isBannerDue());
 }
 
@@ -47,9 +48,8 @@ TEST_F(Screens, SettingsPromptIsOfferedByTheConfigurationUntilItWasClosed) {
   document["settings_prompt"] = {
       {"permissions", {{"NSCameraUsageDescription", true}, {"NSContactsUsageDescription", false}}}};
   const auto publish = [&] {
-    world.server.serve(boost::json::serialize(document));
-    world.advance(std::chrono::hours(2));
-    world.start();
+    world.server.serve(document);
+    world.startLater();
   };
   world.start();
   publish();

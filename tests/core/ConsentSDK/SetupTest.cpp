@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <condition_variable>
-
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -20,44 +19,36 @@ TEST(Options, NormaliseWhatTheHostGives) {
   EXPECT_FALSE(sdkStatus(3));
 }
 
-struct ResetCase {
-  const char* name;
-  std::string lastMode;
-  bool testingMode;
-  std::string cachedLanguage;
-  bool resets;
-};
+TEST(Setup, ResetsTheCacheByTheRules) {
+  struct Case {
+    std::string lastMode;
+    bool testingMode;
+    std::string cachedLanguage;
+    bool resets;
+  };
+  for (const Case& example :
+       {Case{"live", false, "en", false}, Case{"live", false, "de", true}, Case{"draft", true, "en", true},
+        Case{"draft", false, "en", true}, Case{"nonsense", false, "en", false}}) {
+    SCOPED_TRACE(example.lastMode + " " + example.cachedLanguage);
+    World world;
+    world.server.serve(R"({"name":"first"})", "\"tag\"");
+    world.start();
+    world.store(key::lastModeUsed, example.lastMode);
+    world.store(key::languageCode, example.cachedLanguage);
+    ASSERT_TRUE(std::filesystem::exists(world.file()));
+    world.server.onConfiguration(json("{}", 500));
 
-class CacheReset : public testing::TestWithParam<ResetCase> {};
-
-TEST_P(CacheReset, FollowsTheRules) {
-  World world;
-  world.server.serve(R"({"name":"first"})", "\"tag\"");
-  world.start();
-  world.store(key::lastModeUsed, GetParam().lastMode);
-  world.store(key::languageCode, GetParam().cachedLanguage);
-  ASSERT_TRUE(std::filesystem::exists(world.file()));
-  world.server.onConfiguration(json("{}", 500));
-
-  world.restart();
-  ConsentSDKOptions options = world.options();
-  options.testingMode = GetParam().testingMode;
-  options.mode = GetParam().testingMode ? Mode::draft : Mode::live;
-  world.start(options);
-
-  EXPECT_EQ(std::filesystem::exists(world.file()), !GetParam().resets);
-  EXPECT_EQ(world.text(key::etag).has_value(), !GetParam().resets);
-  EXPECT_EQ(world.sdk->getStatus(), GetParam().resets ? SDKStatus::unavailable : SDKStatus::ready);
-  EXPECT_EQ(world.text(key::lastModeUsed), GetParam().testingMode ? "draft" : "live");
+    world.restart();
+    ConsentSDKOptions options = world.options();
+    options.testingMode = example.testingMode;
+    options.mode = example.testingMode ? Mode::draft : Mode::live;
+    world.start(options);
+    EXPECT_EQ(std::filesystem::exists(world.file()), !example.resets);
+    EXPECT_EQ(world.text(key::etag).has_value(), !example.resets);
+    EXPECT_EQ(world.sdk->getStatus(), example.resets ? SDKStatus::unavailable : SDKStatus::ready);
+    EXPECT_EQ(world.text(key::lastModeUsed), example.testingMode ? "draft" : "live");
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Setup, CacheReset,
-                         testing::Values(ResetCase{"SameModeAndLanguage", "live", false, "en", false},
-                                         ResetCase{"AnotherLanguage", "live", false, "de", true},
-                                         ResetCase{"TestingMode", "draft", true, "en", true},
-                                         ResetCase{"DraftToLive", "draft", false, "en", true},
-                                         ResetCase{"UnknownLastMode", "nonsense", false, "en", false}),
-                         [](const auto& test) { return test.param.name; });
 
 TEST(Setup, KeepsOneSubjectUntilItIsRemoved) {
   World world;
@@ -91,71 +82,50 @@ TEST(Setup, AnswersNothingPresentAtEverySetUp) {
   EXPECT_FALSE(world.stored().boolean(key::isBannerPresent));
 }
 
-// Collects reports of isReady, which come from the main queue.
-class Reports {
- public:
-  std::function<void(SDKStatus)> callback() {
-    return [this](SDKStatus status) {
-      const std::scoped_lock lock(mutex_);
-      reports_.push_back(status);
-      changed_.notify_all();
-    };
-  }
-  std::vector<SDKStatus> waitFor(std::size_t count) {
-    std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, std::chrono::seconds(10), [&] { return reports_.size() >= count; });
-    return reports_;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::vector<SDKStatus> reports_;
-};
-
 TEST(Readiness, ReportsEachDistinctStatusOnceToTheLastObserver) {
   using enum SDKStatus;
-  Reports first, second;  // outlive the SDK
+  using Reports = std::vector<SDKStatus>;
+  Reports first, second, third;  // on the main queue
+  const auto into = [](Reports& reports) { return [&](SDKStatus status) { reports.push_back(status); }; };
   World world;
   world.restart();
-  world.sdk->isReady(first.callback());
-  world.sdk->isReady(second.callback());
+  world.sdk->isReady(into(first));
+  world.drainMainQueue();
+  world.sdk->isReady(into(second));
   world.start();
-  EXPECT_EQ(second.waitFor(3), (std::vector{unavailable, fetching, ready}));
-  EXPECT_EQ(first.waitFor(1), std::vector{unavailable}) << "a replaced observer hears nothing more";
-
   world.start();  // from the cache: still ready, nothing to report
-  world.advance(std::chrono::hours(2));
+  world.settle();
+  EXPECT_EQ(second, (Reports{unavailable, fetching, ready}));
+  EXPECT_EQ(first, Reports{unavailable}) << "a replaced observer hears nothing more";
   world.server.onConfiguration(json("{}", 500));
-  world.start();  // an old cache is tried anew and then used
-  EXPECT_EQ(second.waitFor(5), (std::vector{unavailable, fetching, ready, fetching, ready}));
+  world.startLater();  // an old cache is tried anew and then used
+  world.settle();
+  EXPECT_EQ(second, (Reports{unavailable, fetching, ready, fetching, ready}));
 
   world.sdk->removeListeners();
-  world.advance(std::chrono::hours(2));
-  world.start();
-  Reports third;
-  world.sdk->isReady(third.callback());
-  EXPECT_EQ(third.waitFor(1), std::vector{ready}) << "the first report always comes";
-  EXPECT_EQ(second.waitFor(5).size(), 5u);
+  world.startLater();
+  world.sdk->isReady(into(third));
+  world.settle();
+  EXPECT_EQ(third, Reports{ready}) << "the first report always comes";
+  EXPECT_EQ(second.size(), 5u);
   world.sdk->removeListeners();
 }
 
 TEST(Readiness, CallbackMayThrowAndCallBackIntoTheSDK) {
-  std::promise<void> called;
+  bool called = false;
   World world;
   world.restart();
   world.sdk->isReady([&](SDKStatus status) {
     if (status != SDKStatus::ready) return;
     world.sdk->isReady([](SDKStatus) {});
     world.sdk->setup(world.options());
-    called.set_value();
+    called = true;
     throw std::runtime_error("host\nfault");
   });
   world.start();
-  ASSERT_EQ(called.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
-  world.sdk->settled().wait();
-  world.drainMainQueue();
-  EXPECT_NE(world.log().find("A callback of the host threw: host\\nfault"), std::string::npos) << world.log();
+  world.settle();
+  EXPECT_TRUE(called);
+  EXPECT_TRUE(contains(world.log(), "A callback of the host threw: host\\nfault"));
 }
 
 }  // namespace

@@ -12,12 +12,6 @@ namespace {
 using namespace std::chrono_literals;
 using enum ConsentStatus;
 
-Purpose purpose(std::int64_t id) {
-  Purpose result;
-  result.purposeId = id;
-  return result;
-}
-
 struct History : testing::Test {
   // "number subject from>to cause upload", oldest first.
   std::vector<std::string> listed() {
@@ -43,7 +37,7 @@ TEST_F(History, TellsEveryKindOfDecisionWithItsCircumstances) {
   world.start();
   EXPECT_EQ(listed(), (Lines{"1 Camera >granted device pending", "2 Contac >declined device pending"}));
   world.sdk->checkConsents().wait();
-  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
   world.tracking = TrackingAuthorization::authorized;
   world.sdk->checkConsents().wait();
   EXPECT_EQ(world.uploads().size(), 2u);
@@ -96,7 +90,7 @@ TEST_F(History, ExplainsWhyAConsentIsWhatItIs) {
             (ConsentExplanation{declined, DecisionCause::byDefault, std::nullopt,
                                 "Nothing was decided: declined is the default of the compliance type opt-in."}));
   world.sdk->checkConsents().wait();
-  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
   world.sdk->checkConsents().wait();
   EXPECT_EQ(why(1), (ConsentExplanation{granted, DecisionCause::user, startSeconds,
                                         "The user decided it: granted on 2023-11-14."}));
@@ -120,22 +114,17 @@ TEST_F(History, ExplainsWhyAConsentIsWhatItIs) {
 TEST_F(History, FollowsTheUploads) {
   world.server.onUpload(json(R"({"status":1,"message":"busy"})"));
   world.start();
-  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
-  ASSERT_TRUE(world.sdk->set(purpose(1), declined));
-  ASSERT_TRUE(world.sdk->set(purpose(77), granted));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
+  ASSERT_TRUE(world.sdk->set({.purposeId = 77}, granted));
   EXPECT_FALSE(world.sdk->uploadPendingConsents().get());
   EXPECT_EQ(listed().back(), "5 77 >granted user pending");
 
-  std::promise<void> arrived, released;
-  world.server.onUpload([&, release = released.get_future().share()](const auto& request, auto& response) {
-    arrived.set_value();
-    release.wait();
-    json(R"({"status":0,"message":"saved"})")(request, response);
-  });
+  HeldUploads held(world.server);
   auto upload = world.sdk->uploadPendingConsents();
-  arrived.get_future().wait();
-  ASSERT_TRUE(world.sdk->set(purpose(1), granted));
-  released.set_value();
+  held.waitForOne();
+  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
+  held.release();
   upload.wait();
   EXPECT_EQ(listed(), (Lines{"1 Camera >granted device uploaded", "2 Contac >declined device uploaded",
                              "3 1 >granted user superseded", "4 1 granted>declined user uploaded",
@@ -147,7 +136,7 @@ TEST_F(History, HoldsNoDecisionThatWasNotStoredAndNoTextOfAnyLength) {
   options.languageCode = LanguageCode(std::string(300, 'x'));
   auto document = validConfiguration();
   document["permissions"].as_array().emplace_back(boost::json::object{{"permission_id", std::string(10'000, 'p')}});
-  world.server.serve(boost::json::serialize(document));
+  world.server.serve(document);
   world.start(options);
   EXPECT_EQ(listed().size(), 2u);
   EXPECT_EQ(world.sdk->getHistory(1).get().entries.at(0).decision.language, std::string(64, 'x'));

@@ -6,6 +6,7 @@
 #include "core/Integrations/GoogleConsentModeHelper.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/parts/FunctionConsentSink.h"
+#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -49,7 +50,7 @@ class ConsentMode : public testing::Test {
     world.amend = [this](Platform& platform) { platform.consentSink = sink; };
   }
 
-  void configure(const boost::json::object& document) { world.server.serve(boost::json::serialize(document)); }
+  void configure(const boost::json::object& document) { world.server.serve(document); }
   void start() {
     ConsentSDKOptions options = world.options();
     options.logLevel = LogLevel::debug;
@@ -156,7 +157,7 @@ TEST_F(ConsentMode, ReachesThePagesOfTheHostInAScriptThatNothingBreaksOutOf) {
   configure(validConfiguration());
   world.advance(std::chrono::hours(2));
   start();
-  EXPECT_EQ(world.sdk->consentScript().get().find("gtag"), std::string::npos) << "no consent mode is configured";
+  EXPECT_FALSE(contains(world.sdk->consentScript().get(), "gtag")) << "no consent mode is configured";
   World fresh;
   fresh.restart();
   EXPECT_EQ(fresh.sdk->consentScript().get(), "window.quillonConsents={\"purposes\":[],\"permissions\":[]};\n");

@@ -4,6 +4,7 @@
 
 #include "core/Permissions/PermissionTranslation.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -63,9 +64,8 @@ TEST(Permissions, FollowTheDevice) {
   EXPECT_EQ(world.text("NSContactsUsageDescription"), "declined");
   EXPECT_EQ(world.stored().pendingPermissions().size(), 2u);
   EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION");
-  EXPECT_NE(
-      world.log().find(R"([INFO]Changed Permissions: ["NSCameraUsageDescription", "NSContactsUsageDescription"])"),
-      std::string::npos);
+  EXPECT_TRUE(contains(world.log(),
+                       R"([INFO]Changed Permissions: ["NSCameraUsageDescription", "NSContactsUsageDescription"])"));
 
   world.permissions->set(VantariKey::cameraUsageDescription, 1);
   EXPECT_EQ(world.sdk->get(VantariKey::cameraUsageDescription), declined) << "at once";
@@ -77,8 +77,8 @@ TEST(Permissions, FollowTheDevice) {
   world.permissions->set(VantariKey::cameraUsageDescription, std::unexpected("the bus\nis gone"));
   world.sdk->settled().wait();
   EXPECT_EQ(world.text("NSCameraUsageDescription"), "not_determined");
-  EXPECT_NE(world.log().find("[ERROR]Something went wrong while fetching the permission status: the bus\\nis gone"),
-            std::string::npos);
+  EXPECT_TRUE(
+      contains(world.log(), "[ERROR]Something went wrong while fetching the permission status: the bus\\nis gone"));
   EXPECT_EQ(world.sdk->get(VantariKey::cameraUsageDescription), notDetermined) << "unknown now, as stored";
   EXPECT_EQ(world.sdk->checkConsentBy(VantariKey::contactsUsageDescription).get(), declined);
   EXPECT_EQ(world.sdk->checkConsentBy(VantariKey::microphoneUsageDescription).get(), notDetermined);
@@ -95,7 +95,7 @@ TEST(Permissions, CannotTakeTheNamesOfOtherValues) {
   World world;
   auto document = validConfiguration();
   document["permissions"] = {{{"permission_id", "SUBJECT_ID"}}, {{"permission_id", "1"}}, {{"permission_id", ""}}};
-  world.server.serve(boost::json::serialize(document));
+  world.server.serve(document);
   world.start();
   world.sdk->acceptOrReject(true).wait();
   EXPECT_EQ(world.text(key::subjectId), "SUBJECT");
