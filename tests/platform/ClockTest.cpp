@@ -10,6 +10,7 @@
 
 #include "platform/linux/LinuxClock.h"
 #include "platform/memory/VirtualClock.h"
+#include "tests/platform/Environment.h"
 #include "tests/platform/Signal.h"
 
 namespace quillon {
@@ -26,20 +27,10 @@ WallTime utc(int year, unsigned month, unsigned day, std::chrono::milliseconds t
 // Sets the device's time zone for one test.
 class DeviceZone {
  public:
-  explicit DeviceZone(const char* name) {
-    if (const char* before = getenv("TZ")) before_ = before;
-    setenv("TZ", name, 1);
-  }
-  ~DeviceZone() {
-    if (before_) {
-      setenv("TZ", before_->c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-  }
+  explicit DeviceZone(const char* name) { setenv("TZ", name, 1); }
 
  private:
-  std::optional<std::string> before_;
+  const test::Environment environment_{"TZ"};
 };
 
 struct Kind {

@@ -2,12 +2,12 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/memory/FixedLocale.h"
+#include "tests/platform/Environment.h"
 #include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -19,21 +19,8 @@ using test::contains;
 class LinuxPlatformTest : public testing::Test {
  protected:
   LinuxPlatformTest() {
-    for (const char* name : {"XDG_DATA_HOME", "HOME", "FLATPAK_ID"}) {
-      const char* value = getenv(name);
-      before_.emplace_back(name, value == nullptr ? std::nullopt : std::optional<std::string>(value));
-      unsetenv(name);
-    }
+    for (const char* name : {"HOME", "FLATPAK_ID"}) unsetenv(name);
     setenv("XDG_DATA_HOME", data_.path().c_str(), 1);
-  }
-  ~LinuxPlatformTest() override {
-    for (const auto& [name, value] : before_) {
-      if (value) {
-        setenv(name, value->c_str(), 1);
-      } else {
-        unsetenv(name);
-      }
-    }
   }
 
   static std::filesystem::path folder(const LinuxOptions& options = {}) {
@@ -41,9 +28,7 @@ class LinuxPlatformTest : public testing::Test {
   }
 
   const test::TemporaryFolder data_;
-
- private:
-  std::vector<std::pair<const char*, std::optional<std::string>>> before_;
+  const test::Environment environment_{"XDG_DATA_HOME", "HOME", "FLATPAK_ID"};
 };
 
 TEST_F(LinuxPlatformTest, GivesEveryApplicationAFolderOfItsOwnInsideTheUsersData) {

@@ -11,6 +11,7 @@
 #include "platform/linux/PermissionSources/ApplicationIdentity.h"
 #include "platform/linux/PermissionSources/LinuxPermissionSources.h"
 #include "platform/linux/PermissionSources/NfcSource.h"
+#include "tests/platform/Environment.h"
 #include "tests/platform/FalseBus.h"
 #include "tests/platform/PrivateBus.h"
 #include "tests/platform/Signal.h"
@@ -47,22 +48,7 @@ std::string text(Value value) {
 
 class PermissionSourcesTest : public testing::Test {
  protected:
-  PermissionSourcesTest() {
-    for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "FLATPAK_ID"}) {
-      const char* value = getenv(name);
-      before_.emplace_back(name, value == nullptr ? std::nullopt : std::optional<std::string>(value));
-    }
-    unsetenv("FLATPAK_ID");
-  }
-  ~PermissionSourcesTest() override {
-    for (const auto& [name, value] : before_) {
-      if (value) {
-        setenv(name, value->c_str(), 1);
-      } else {
-        unsetenv(name);
-      }
-    }
-  }
+  PermissionSourcesTest() { unsetenv("FLATPAK_ID"); }
 
   void SetUp() override {
     if (!PrivateBus::installed()) GTEST_SKIP() << "dbus-daemon or gdbus is not installed";
@@ -80,7 +66,7 @@ class PermissionSourcesTest : public testing::Test {
   }
 
  private:
-  std::vector<std::pair<const char*, std::optional<std::string>>> before_;
+  const test::Environment environment_{"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "FLATPAK_ID"};
 };
 
 // With the store as it is packaged.

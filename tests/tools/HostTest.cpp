@@ -161,21 +161,6 @@ TEST_F(Host, ExplainsWhatItDoesNotUnderstandAndGoesOn) {
   EXPECT_EQ(ask(R"({"op":"status"})").at("status"), "unavailable");
 }
 
-TEST_F(Host, KeepsADecisionWhenItIsKilledAtOnce) {
-  start();
-  setUp();
-  ask(R"({"op":"waitReady"})");
-  ask(R"({"op":"set","purposeId":1,"consent":"granted"})");
-  host->sendSignal(SIGKILL);
-  host->wait();
-  start();
-  EXPECT_EQ(ask(R"({"op":"get","purposeId":1})").at("consent"), "granted");
-  setUp();
-  ask(R"({"op":"waitReady"})");
-  EXPECT_EQ(ask(R"({"op":"upload"})").at("uploaded"), true);
-  EXPECT_TRUE(contains(server.seen(uploadPath).back().body, R"("purpose_id":1,"consent_status":"granted")"));
-}
-
 TEST_F(Host, StopsWithTheFixedTextWhenItsStoreCannotBeOpened) {
   setFileBytes(data(), "a file where the folder should be");
   start();
