@@ -54,11 +54,15 @@ SqliteResult<bool> SqliteStatement::step() {
   return result;
 }
 
-std::optional<std::string_view> SqliteStatement::text(int column) const {
-  if (sqlite3_column_type(statement_.get(), column) != SQLITE_TEXT) return std::nullopt;
+SqliteResult<std::string_view> SqliteStatement::asText(int column) const {
   const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
-  if (data == nullptr) return std::nullopt;
+  if (data == nullptr) return failed(nullptr, SQLITE_NOMEM);
   return std::string_view(data, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)));
+}
+
+SqliteResult<std::optional<std::string_view>> SqliteStatement::text(int column) const {
+  if (sqlite3_column_type(statement_.get(), column) != SQLITE_TEXT) return std::nullopt;
+  return asText(column);
 }
 
 std::optional<std::int64_t> SqliteStatement::integer(int column) const {
@@ -99,9 +103,10 @@ SqliteResult<std::string> SqliteDatabase::ask(std::string_view sql) {
   if (!statement) return std::unexpected(statement.error());
   const auto row = statement->step();
   if (!row) return std::unexpected(row.error());
-  if (!*row) return std::string();
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement->statement_.get(), 0));
-  return std::string(text != nullptr ? text : "");
+  if (!*row || sqlite3_column_type(statement->statement_.get(), 0) == SQLITE_NULL) return std::string();
+  const auto text = statement->asText(0);
+  if (!text) return std::unexpected(text.error());
+  return std::string(*text);
 }
 
 bool SqliteDatabase::moved() const noexcept {

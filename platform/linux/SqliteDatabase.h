@@ -38,8 +38,9 @@ class SqliteStatement {
   // Ends a run early: until then the connection keeps its lock.
   void reset() noexcept { sqlite3_reset(statement_.get()); }
 
-  // Nothing when the row holds another type. Valid until the next step or reset.
-  [[nodiscard]] std::optional<std::string_view> text(int column) const;
+  // Nothing when the row holds another type. Valid until the next step or reset. An error, which says nothing about the
+  // row, when there is no memory to read it in.
+  [[nodiscard]] SqliteResult<std::optional<std::string_view>> text(int column) const;
   [[nodiscard]] std::optional<std::int64_t> integer(int column) const;
 
  private:
@@ -47,6 +48,9 @@ class SqliteStatement {
   struct Finalize {
     void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
   };
+
+  // As text, whatever the type; not for NULL.
+  [[nodiscard]] SqliteResult<std::string_view> asText(int column) const;
 
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
   int bindError_ = SQLITE_OK;

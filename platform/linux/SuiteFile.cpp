@@ -76,15 +76,18 @@ struct Row {
 };
 
 // Nothing when the row is not what was written.
-std::optional<Row> verifiedRow(const SqliteStatement& statement) {
-  const auto key = statement.text(0);
-  const auto type = statement.text(1);
-  const auto text = statement.text(2);
-  const auto checksum = statement.integer(3);
-  if (!key || !type || !text || !checksum) return std::nullopt;
-  if (key->size() + text->size() > maximumEntryBytes) return std::nullopt;
-  if (*checksum != storedChecksum(*key, *type, *text)) return std::nullopt;
-  return Row{*key, *type, *text};
+SqliteResult<std::optional<Row>> verifiedRow(const SqliteStatement& statement) {
+  std::array<std::string_view, 3> texts;
+  for (int column = 0; auto& text : texts) {
+    const auto read = statement.text(column++);
+    if (!read) return std::unexpected(read.error());
+    if (!*read) return std::nullopt;
+    text = **read;
+  }
+  const auto [key, type, text] = texts;
+  if (key.size() + text.size() > maximumEntryBytes) return std::nullopt;
+  if (statement.integer(3) != storedChecksum(key, type, text)) return std::nullopt;
+  return Row{key, type, text};
 }
 
 std::string printable(std::string_view key) {
@@ -297,7 +300,9 @@ SqliteResult<SuiteContent> SuiteFile::read() {
     if (!*row) break;
     if (rows > maximumSuiteEntries) return damaged("it holds more entries than a store can");
 
-    const auto verified = verifiedRow(select_);
+    const auto read = verifiedRow(select_);
+    if (!read) return std::unexpected(read.error());
+    const auto& verified = *read;
     if (!marked) {
       if (!verified || verified->key != markerKey || verified->type != markerType || verified->text != markerValue) {
         break;
@@ -307,7 +312,9 @@ SqliteResult<SuiteContent> SuiteFile::read() {
     }
     auto value = verified ? fromStored(verified->type, verified->text) : std::nullopt;
     if (!value || verified->key <= previous) {
-      const auto key = select_.text(0).value_or("");
+      const auto named = select_.text(0);
+      if (!named) return std::unexpected(named.error());
+      const auto key = named->value_or("");
       // One key twice: which of them is the newer cannot be told.
       if (const auto twin = content.entries.find(key); twin != content.entries.end()) content.entries.erase(twin);
       content.lose(printable(key));

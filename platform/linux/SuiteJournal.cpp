@@ -15,10 +15,14 @@ std::int64_t checksum(std::int64_t number, std::string_view mark, std::string_vi
 }
 
 // Adds the row on which the statement stands, as a record or as a damaged one.
-void take(const SqliteStatement& row, JournalPage& page) {
+SqliteResult<> take(const SqliteStatement& row, JournalPage& page) {
   const auto number = row.integer(0);
-  const auto mark = row.text(1);
-  const auto text = row.text(2);
+  const auto readMark = row.text(1);
+  if (!readMark) return std::unexpected(readMark.error());
+  const auto readText = row.text(2);
+  if (!readText) return std::unexpected(readText.error());
+  const auto& mark = *readMark;
+  const auto& text = *readText;
   const bool isSound = number && mark && text && text->size() <= maximumJournalTextBytes &&
                        row.integer(3) == checksum(*number, *mark, *text);
   if (isSound) {
@@ -26,6 +30,7 @@ void take(const SqliteStatement& row, JournalPage& page) {
   } else {
     page.damaged.push_back(number.value_or(0));
   }
+  return {};
 }
 
 SqliteResult<> collect(SqliteStatement& statement, JournalPage& page) {
@@ -33,7 +38,10 @@ SqliteResult<> collect(SqliteStatement& statement, JournalPage& page) {
     const auto row = statement.step();
     if (!row) return std::unexpected(row.error());
     if (!*row) return {};
-    take(statement, page);
+    if (auto taken = take(statement, page); !taken) {
+      statement.reset();
+      return taken;
+    }
   }
 }
 

@@ -1,10 +1,13 @@
-// A fault at every single system call in turn, while the SDK saves something: afterwards the next process finds all
-// that was acknowledged, and either the old or the new of what was not.
+// A fault at every single system call, or call of SQLite, in turn, while the SDK saves something: afterwards the next
+// process finds all that was acknowledged, and either the old or the new of what was not.
+#include <sqlite3.h>
+
 #include <boost/json.hpp>
 #include <sstream>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "tests/faults/Areas.h"
+#include "tests/faults/SqliteCalls.h"
 #include "tests/faults/SystemCalls.h"
 #include "tests/platform/ChildProcess.h"
 #include "tests/support/World.h"
@@ -126,7 +129,24 @@ constexpr Work clearingThePending{
         },
 };
 
-Said underFault(const std::filesystem::path& data, const Work& work, Effect effect, int number) {
+// What a sweep strikes: of the calls that it counts, the one of that number, from 1 on.
+struct Fault {
+  std::function<void(const std::filesystem::path& data, int number)> strike;
+  bool (*mend)();  // ends it, and tells whether it has struck
+  bool kills = false;
+};
+
+Fault systemCalls(Effect effect) {
+  return {.strike = [effect](const auto& data, int number) { breakCalls(data, effect, number); },
+          .mend = mendCalls,
+          .kills = effect == Effect::kill};
+}
+
+Fault sqliteCalls(int code) {
+  return {.strike = [code](const auto&, int number) { breakSqlite(code, number); }, .mend = mendSqlite};
+}
+
+Said underFault(const std::filesystem::path& data, const Work& work, const Fault& fault, int number) {
   ChildProcess process([&](const ChildProcess::Say& say) {
     World world(data);
     world.start();
@@ -137,9 +157,9 @@ Said underFault(const std::filesystem::path& data, const Work& work, Effect effe
       world.snapshot();
     }
     say("prepared\n");
-    breakCalls(data, effect, number);
+    fault.strike(data, number);
     work.perform(world, [&](std::string_view word) { say("! " + std::string(word) + "\n"); });
-    const bool struck = mendCalls();
+    const bool struck = fault.mend();
     say(world.log() + (struck ? "\nstruck\n" : "\ndone\n"));
   });
   return Said(process.finish());
@@ -152,6 +172,9 @@ void checkInNextProcess(Trial& trial, const std::filesystem::path& data, const W
     World next(data);
     Trial found(trial.isShort());
     work.check(found, next, said, where);
+    for (const auto& entry : std::filesystem::directory_iterator(data)) {
+      found.expect(entry.path().string().find(".damaged-") == std::string::npos, where + ": passed for damage");
+    }
     for (const auto& failure : found.failures()) say(failure + "\n");
   });
   const auto failures = process.finish();
@@ -160,19 +183,19 @@ void checkInNextProcess(Trial& trial, const std::filesystem::path& data, const W
 
 constexpr const char* allAcknowledged = "all that was acknowledged";
 
-// Every call in turn, or every fifth, until the work no longer makes one of that number.
-Seen sweep(Trial& trial, const Work& work, Effect effect) {
+// Every call in turn, or one of so many, until the work no longer makes one of that number.
+Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
   Seen seen{.status = "ready", .log = {}, .stored = {}};
   int points = 0;
   int gaveUp = 0;
-  for (int number = 1; trial.failures().size() < 5; number += trial.rounds(1, 5), ++points) {
+  for (int number = 1; trial.failures().size() < 5; number += trial.rounds(1, stride), ++points) {
     const TemporaryFolder place(TemporaryFolder::fastParent());
     const auto data = place.path() / "data";
     const std::string where = "call " + std::to_string(number);
     const auto begin = std::chrono::steady_clock::now();
-    const Said said = underFault(data, work, effect, number);
+    const Said said = underFault(data, work, fault, number);
     trial.expect(std::chrono::steady_clock::now() - begin < std::chrono::seconds(10), where + " hung");
-    const bool ended = said.done || (effect == Effect::kill ? said.killed : said.struck || (work.opens && said.gaveUp));
+    const bool ended = said.done || (fault.kills ? said.killed : said.struck || (work.opens && said.gaveUp));
     if (!trial.expect(said.prepared && ended, where + ": " + said.raw)) break;
     seen.log += said.errors;
     if (said.gaveUp) ++gaveUp;
@@ -182,6 +205,18 @@ Seen sweep(Trial& trial, const Work& work, Effect effect) {
   trial.expect(points > 1, "hardly a call was made");
   seen.stored = gaveUp == 0 ? allAcknowledged : "the process was stopped " + std::to_string(gaveUp) + " times";
   return seen;
+}
+
+// The same of each work, one after the other.
+Seen sweepAll(Trial& trial, const Fault& fault) {
+  Seen all;
+  for (const Work* work : {&opening, &savingAConfiguration, &decision, &clearingThePending}) {
+    constexpr int stride = 5;
+    const Seen one = sweep(trial, *work, fault, stride);
+    all = {.status = one.status, .log = all.log + one.log, .stored = one.stored};
+    if (one.stored != allAcknowledged) break;
+  }
+  return all;
 }
 
 }  // namespace
@@ -215,11 +250,31 @@ std::vector<Row> sweepRows() {
   };
   std::vector<Row> rows;
   for (const auto& [name, fault, work, effect, log] : cases) {
+    rows.push_back(
+        {.name = name,
+         .fault = fault,
+         .sees = {"ready", log, allAcknowledged},
+         .run = [&swept = work, fault = systemCalls(effect)](Trial& trial) { return sweep(trial, swept, fault, 5); },
+         .limit = std::chrono::seconds(120)});
+  }
+  struct Code {
+    std::string_view name;
+    std::string_view fault;
+    int code;
+    std::string log;
+  };
+  const Code codes[] = {
+      {"sqlite-ioerr", "SQLite fails with SQLITE_IOERR at each call of the four", SQLITE_IOERR, "disk I/O error"},
+      {"sqlite-full", "with SQLITE_FULL at each call", SQLITE_FULL, "database or disk is full"},
+      {"sqlite-busy", "with SQLITE_BUSY at each call", SQLITE_BUSY, "database is locked"},
+      {"sqlite-nomem", "with SQLITE_NOMEM at each call", SQLITE_NOMEM, "out of memory"},
+  };
+  for (const auto& [name, fault, code, log] : codes) {
     rows.push_back({.name = name,
                     .fault = fault,
                     .sees = {"ready", log, allAcknowledged},
-                    .run = [&swept = work, struck = effect](Trial& trial) { return sweep(trial, swept, struck); },
-                    .limit = std::chrono::seconds(120)});
+                    .run = [struck = sqliteCalls(code)](Trial& trial) { return sweepAll(trial, struck); },
+                    .limit = std::chrono::seconds(300)});
   }
   return rows;
 }
