@@ -27,7 +27,8 @@ function(quillon_component name)
     configure_file(exports.map exports.map @ONLY)
     target_link_libraries(${target} PUBLIC quillon_include ${uses} PRIVATE ${arg_LINKS})
     target_link_options(${target} PRIVATE
-      -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,--gc-sections -Wl,-z,now)
+      -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,--gc-sections -Wl,-z,now
+      -Wl,-z,nodelete)  # the shared instance is never destroyed, nor may its code go
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
     if(QUILLON_SANITIZE)
       target_link_options(${target} PRIVATE -fsanitize=${QUILLON_SANITIZE})

@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::chrono::seconds periodWithoutOptions{1800};
 constexpr std::chrono::seconds locationLifetime{3600};
+// How long the user waits for the location before the banner is chosen without it.
+constexpr std::chrono::seconds locationPatience{5};
+// The same for so long after a failure: not every start is to pay for a server that is out of order.
+constexpr std::chrono::seconds locationFailureLifetime{600};
+constexpr std::chrono::seconds locationPatienceAfterFailure{1};
 constexpr std::chrono::seconds followUpDelay{1};
 
 }  // namespace
@@ -88,23 +93,60 @@ Task<std::optional<std::string>> ConsentSDK::Core::locationFor(const MainConfigu
   if (options && options->locationCode && !options->locationCode->empty()) co_return options->locationCode;
   if (!dependsOnLocation(configuration)) co_return std::nullopt;
 
-  const auto turn = co_await locationLookups.enter();
-  const auto entries = store.snapshot();
-  const StoredValues stored(*entries);
-  auto remembered = stored.string(key::currentLocation);
-  const auto when = stored.date(key::currentLocationTimestamp);
-  const auto present = platform.clock->now();
-  if (remembered && when && *when <= present && present - *when < locationLifetime) co_return remembered;
+  if (!isWithin(key::currentLocationTimestamp, locationLifetime)) {
+    const bool failedLately = isWithin(key::locationFailedTimestamp, locationFailureLifetime);
+    const auto lookup = locationLookup();
+    co_await lookup->happensWithin(failedLately ? locationPatienceAfterFailure : locationPatience);
+    if (!failedLately && !isWithin(key::currentLocationTimestamp, locationLifetime)) {
+      store.set(key::locationFailedTimestamp, platform.clock->now());
+    }
+  }
+  co_return knownLocation();  // An old answer is better than none.
+}
 
-  const auto answer = co_await getCurrentLocation();
-  if (!answer || !answer->data) co_return remembered;  // An old answer is better than none.
-  LocationCode code = locationCode(*answer->data, locale.currentLanguageCode());
-  store.transact([&](StoreTransaction& transaction) {
-    transaction.set(key::currentCountryCode, code.country);
-    transaction.set(key::currentLocation, code.location);
-    transaction.set(key::currentLocationTimestamp, platform.clock->now());
+bool ConsentSDK::Core::isWithin(std::string_view timestamp, std::chrono::seconds lifetime) const {
+  const auto when = StoredValues(*store.snapshot()).date(timestamp);
+  const auto present = platform.clock->now();
+  return when && *when <= present && present - *when < lifetime;
+}
+
+std::shared_ptr<TaskEvent> ConsentSDK::Core::locationLookup() {
+  std::shared_ptr<TaskEvent> lookup;
+  {
+    const std::scoped_lock lock(mutex_);
+    if (locationLookup_) return locationLookup_;
+    lookup = std::make_shared<TaskEvent>(platform.executors->background(), platform.clock);
+    locationLookup_ = lookup;
+  }
+  // Over also when the task fails, or never starts.
+  struct End {
+    std::shared_ptr<Core> core;
+    std::shared_ptr<TaskEvent> lookup;
+    ~End() {
+      {
+        const std::scoped_lock lock(core->mutex_);
+        core->locationLookup_.reset();
+      }
+      lookup->happen();
+    }
+  };
+  auto end = std::make_unique<End>(shared_from_this(), lookup);
+  tasks->start([self = shared_from_this(), end = std::move(end)]() mutable -> Task<void> {
+    const auto answer = co_await self->getCurrentLocation();
+    if (!answer || !answer->data) co_return;
+    const LocationCode code = locationCode(*answer->data, self->locale.currentLanguageCode());
+    self->store.transact([&](StoreTransaction& transaction) {
+      transaction.set(key::currentCountryCode, code.country);
+      transaction.set(key::currentLocation, code.location);
+      transaction.set(key::currentLocationTimestamp, self->platform.clock->now());
+      transaction.remove(key::locationFailedTimestamp);
+    });
+    const auto ended = end->lookup;
+    end.reset();
+    if (!ended->wasMissed()) co_return;
+    if (auto configuration = self->cache.current()) co_await self->apply(std::move(configuration));
   });
-  co_return std::move(code.location);
+  return lookup;
 }
 
 Task<std::optional<BannerConfig>> ConsentSDK::Core::bannerFor(ConfigurationPointer configuration) {

@@ -9,6 +9,7 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK";
+constexpr std::chrono::seconds leavingLimit{2};
 
 }  // namespace
 
@@ -24,8 +25,7 @@ ConsentSDK::Core::Core(Platform services)
       cache(platform, store, logger, locale),
       networkManager(platform, store, logger, stop.get_token()),
       consentMode(platform, store, logger),
-      uploads(platform.executors->background()),
-      locationLookups(platform.executors->background()) {}
+      uploads(platform.executors->background()) {}
 
 std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
   auto core = std::make_shared<Core>(std::move(platform));
@@ -53,10 +53,18 @@ void ConsentSDK::Core::close() {
   }
 }
 
+void ConsentSDK::Core::waitUntilQuiet(std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  tasks->settled().wait_until(deadline);
+  hostCalls_.waitForOthers(deadline);
+}
+
 void ConsentSDK::Core::onMain(Job job) {
   platform.executors->main()->post([weak = weak_from_this(), job = std::move(job)]() mutable {
     const auto core = weak.lock();
-    if (core && !core->stop.stop_requested()) core->callHost(job);
+    if (!core) return;
+    const HostCalls::Call call(core->hostCalls_);  // begins before the look, so that who stops us sees one or the other
+    if (!core->stop.stop_requested()) core->callHost(job);
   });
 }
 
@@ -114,6 +122,11 @@ ConsentSDK::ConsentSDK(Platform platform) : core_(Core::make(std::move(platform)
 
 ConsentSDK::~ConsentSDK() {
   core_->close();
+}
+
+void ConsentSDK::close() {
+  core_->close();
+  core_->waitUntilQuiet(leavingLimit);
 }
 
 void ConsentSDK::setup(ConsentSDKOptions options) {

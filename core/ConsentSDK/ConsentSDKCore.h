@@ -11,6 +11,7 @@
 #include <string>
 
 #include "core/ConsentSDK/ConfigurationCache.h"
+#include "core/ConsentSDK/HostCalls.h"
 #include "core/ConsentSDK/Listeners.h"
 #include "core/ConsentSDK/LocaleUtils.h"
 #include "core/ConsentSDK/SDKListener.h"
@@ -21,6 +22,7 @@
 #include "core/Permissions/PermissionManager.h"
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
 #include "core/Purposes/PurposeManager.h"
+#include "core/Tasks/TaskEvent.h"
 #include "core/Tasks/TaskGroup.h"
 #include "core/Tasks/TaskQueue.h"
 #include "platform/Platform.h"
@@ -38,6 +40,8 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
 
   // Ends timers, network reports and exchanges. Does not wait.
   void close();
+  // Waits until no task is under way and none of the host's callbacks runs, but for the one that this is called in.
+  void waitUntilQuiet(std::chrono::milliseconds limit);
 
   // ConsentSDK
   void setup(ConsentSDKOptions newOptions);
@@ -62,7 +66,7 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   // ConsentSDK+InternalMethods
   // The location that decides which banner and which consent-mode mapping apply: the options', the remembered one of
   // the last hour, else the server's answer. Nothing when it is unknown or when the configuration makes no difference
-  // by it.
+  // by it. An answer that is long in coming is not waited for; once it is there, the configuration is applied anew.
   Task<std::optional<std::string>> locationFor(const MainConfiguration& configuration);
   // The location as far as it is known without asking anybody.
   std::optional<std::string> knownLocation() const;
@@ -141,9 +145,12 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   Theme theme;
   std::optional<TaskGroup> tasks;  // set by make()
   TaskQueue uploads;               // Overtaking one another they would leave an earlier decision on the server.
-  TaskQueue locationLookups;       // Who comes second finds the answer to the first.
 
  private:
+  // Whether the time under that key lies no longer back than that.
+  bool isWithin(std::string_view timestamp, std::chrono::seconds lifetime) const;
+  // Asks the server for the location, unless it is being asked, and tells when that is over.
+  std::shared_ptr<TaskEvent> locationLookup();
   Task<std::expected<MainConfiguration, RequestFailure>> requestConfiguration(const ConsentSDKOptions& options,
                                                                               EndPoint endPoint);
   Task<bool> apply(ConfigurationPointer configuration);
@@ -156,12 +163,15 @@ class ConsentSDK::Core : public std::enable_shared_from_this<Core> {
   PostConsentsRequest uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
                                     const ConfigurationPointer& configuration);
 
+  HostCalls hostCalls_;
+
   mutable std::mutex mutex_;  // guards the members below; never held while anything else is called
   std::optional<ConsentSDKOptions> options_;
   std::unique_ptr<Timer> recurringCheckTask_;
   std::unique_ptr<NetworkSubscription> monitor_;
   std::optional<NetworkStatus> networkStatus_;
   std::unique_ptr<PermissionSubscription> permissionObservation_;
+  std::shared_ptr<TaskEvent> locationLookup_;  // under way
   std::unique_ptr<Timer> followUp_;
   bool followUpScheduled_ = false;
   std::uint64_t followUpNumber_ = 0;  // of the upload scheduled last

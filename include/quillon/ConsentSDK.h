@@ -48,8 +48,16 @@ struct Platform;
 /// @endcode
 class ConsentSDK {
  public:
-  /// The instance of this process, over the services of the platform library that is linked; created on first use.
+  /// The instance of this process, over the services of the platform library that is linked; created on first use and
+  /// never destroyed, so threads of the application may use it for as long as the process lasts. When the application
+  /// returns from main() or calls exit(), it is closed: see close().
   static ConsentSDK& shared();
+
+  /// Ends what is under way and waits for that, also for a callback that runs on another thread, for two seconds at
+  /// most. The instance stays usable: consents are read and stored as before. But nothing is loaded, checked or uploaded
+  /// any more, no callback is called, and futures hold an empty result at once. A decision that was acknowledged is
+  /// stored, and uploaded by the next run of the application if it has not been. Thread-safe; a second call does nothing.
+  void close();
 
   /// An instance of its own over the given services; several may live side by side.
   explicit ConsentSDK(Platform platform);

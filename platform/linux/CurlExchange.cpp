@@ -215,6 +215,7 @@ TransportError CurlExchange::failure(CURLcode code) const {
 }
 
 void CurlExchange::complete(Outcome outcome) noexcept {
+  easy_.reset();  // who is told that it is over may leave the process, and libcurl must not be at work then
   contained([&] { completion_(std::move(outcome)); });
 }
 

@@ -19,8 +19,9 @@ struct Settings {
   bool taken = false;
 };
 
+// Never destroyed, as the instance.
 Settings& settings() {
-  static Settings instance;
+  static auto& instance = *new Settings;
   return instance;
 }
 
@@ -30,17 +31,17 @@ Platform configuredPlatform() {
   return linuxPlatform(settings().options, settings().screens);
 }
 
-// Ends with the process that made it. A forked child has none of its threads, and not even their stacks: when the child
-// exits there is nothing to wait for, and looking for it would crash.
-struct SharedInstance {
-  ConsentSDK* sdk = new ConsentSDK(configuredPlatform());
+// Stops the work when the process exits: it must not go on while what it works with is taken down. A forked child has
+// none of the threads: when the child exits there is nothing to wait for.
+struct ClosedAtExit {
+  ConsentSDK& sdk;
   pid_t owner = ::getpid();
 
-  SharedInstance() = default;
-  SharedInstance(const SharedInstance&) = delete;
-  SharedInstance& operator=(const SharedInstance&) = delete;
-  ~SharedInstance() {
-    if (::getpid() == owner) delete sdk;
+  explicit ClosedAtExit(ConsentSDK& closed) : sdk(closed) {}
+  ClosedAtExit(const ClosedAtExit&) = delete;
+  ClosedAtExit& operator=(const ClosedAtExit&) = delete;
+  ~ClosedAtExit() {
+    if (::getpid() == owner) sdk.close();
   }
 };
 
@@ -59,8 +60,9 @@ bool configure(LinuxOptions options, std::shared_ptr<ScreenPresenter> screens) {
 }
 
 ConsentSDK& ConsentSDK::shared() {
-  static const SharedInstance instance;
-  return *instance.sdk;
+  static auto& instance = *new ConsentSDK(configuredPlatform());
+  static const ClosedAtExit atExit(instance);
+  return instance;
 }
 
 SDKLogger& SDKLogger::shared() {

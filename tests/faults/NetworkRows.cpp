@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/linux/LinuxClock.h"
 #include "tests/faults/Areas.h"
 #include "tests/faults/Damage.h"
 #include "tests/support/RawServer.h"
@@ -274,6 +275,49 @@ Seen twoStalls(Trial& trial) {
   return seen(world, answerIn(world));
 }
 
+// The real clock, whose timers have less patience.
+class HurriedClock : public LinuxClock {
+ public:
+  static constexpr int factor = 10;
+  std::unique_ptr<Timer> after(std::chrono::milliseconds delay, Job job) override {
+    return LinuxClock::after(delay / factor, std::move(job));
+  }
+};
+
+// The server that knows the location falls silent, and the configuration has a banner for each. The first start waits
+// for it a while, the next one hardly, and neither grants what the default banner does not.
+Seen silentLocation(Trial& trial) {
+  const RawServer silent(RawServer::fallSilent);
+  World world;
+  auto document = validConfiguration();
+  auto& banners = document["banner_config"].as_object();
+  banners["categories"].as_object()["us"] = {{"compliance_type", "opt-out"}};
+  banners["locations"].as_object()["US"] = "us";
+  world.server.serve(boost::json::serialize(document));
+  world.amend = [&](Platform& platform) {
+    platform.clock = trial.isShort() ? std::make_shared<HurriedClock>() : std::make_shared<LinuxClock>();
+    platform.vendorUrl = silent.url();
+  };
+  auto options = world.options();
+  options.locationCode.reset();
+  for (const std::chrono::milliseconds whole : {6s, 2s}) {
+    const auto limit = whole / trial.rounds(1, HurriedClock::factor / 2);
+    world.restart();
+    std::promise<void> ready;
+    world.sdk->isReady([&](SDKStatus status) {
+      if (status == SDKStatus::ready) ready.set_value();
+    });
+    const auto begin = Stopwatch::now();
+    world.sdk->setup(options);
+    ready.get_future().wait();
+    trial.expect(Stopwatch::now() - begin < limit, "ready later than after " + std::to_string(limit.count()) + " ms");
+    trial.expect(world.sdk->get(1) == ConsentStatus::declined, "granted without a location");
+    world.sdk->removeListeners();
+  }
+  world.sdk->close();
+  return seen(world, "CURRENT_COMPLIANCE_TYPE=" + world.text(key::currentComplianceType).value_or("nothing"));
+}
+
 // A row whose servers are of no use: the cached configuration serves on, and the answer waits for better days.
 Row useless(std::string_view name, std::string_view fault, std::string log, std::function<Seen(Trial&)> run) {
   return {name, fault, {"ready", std::move(log), "1=granted, to be uploaded"}, std::move(run), 150s};
@@ -332,6 +376,11 @@ std::vector<Row> networkRows() {
       useless("elsewhere", "the servers redirect to another one", "Failed with Status (307)", redirectElsewhere),
       useless("proxy", "the proxy of the environment refuses", "Failed with Status (407)", refusingProxy),
       useless("name-server", "the name server never answers", "imed out", deadNameServer),
+      {"location-stall",
+       "the server of the location falls silent",
+       {"ready", "Failed to current location", "CURRENT_COMPLIANCE_TYPE=opt-in"},
+       silentLocation,
+       60s},
       {"two-stalls",
        "the application server stalls twice in a row",
        {"ready", "Operation t", "1=granted"},

@@ -105,6 +105,63 @@ Seen leavingMain(Trial& trial) {
   return seen(world, "1=" + world.text("1").value_or("nothing"));
 }
 
+// How often the threads below have used the SDK.
+std::atomic<int> uses = 0;
+
+void useForEver(ConsentSDK& sdk) {
+  for (int turn = uses++;; turn = uses++) {
+    switch (turn % 7) {
+      case 0:
+        (void)sdk.set({.purposeId = 2}, turn % 2 == 0 ? ConsentStatus::granted : ConsentStatus::withDrawn);
+        break;
+      case 1:
+        sdk.checkConsents([] {});
+        break;
+      case 2:
+        (void)sdk.uploadPendingConsents().get();
+        break;
+      case 3:
+        (void)sdk.getPurposeConsents().get();
+        break;
+      case 4:
+        sdk.isReady([](SDKStatus) {});
+        break;
+      case 5:
+        (void)sdk.getHistory(5).get();
+        break;
+      default:
+        (void)sdk.get(1);
+    }
+  }
+}
+
+void waitForUses(int count) {
+  for (const int wanted = uses + count; uses < wanted;) std::this_thread::yield();
+}
+
+// main() returns while other threads of the host use the SDK, which they go on with until the process is gone. The last
+// decision is made after everything of the SDK's has been told of the end.
+Seen leavingThreads(Trial& trial) {
+  const TemporaryFolder place;
+  const auto data = place.path() / "data";
+  const RawServer silent(RawServer::fallSilent);
+  for (int round = 0; round < trial.rounds(40, 8); ++round) {
+    const auto status = leave([&] {
+      std::atexit([] {
+        waitForUses(200);
+        if (!ConsentSDK::shared().set({.purposeId = 1}, ConsentStatus::granted)) std::_Exit(3);
+      });
+      auto& sdk = sharedInstance(data, silent.url());
+      for (int thread = 0; thread < 4; ++thread) std::thread([&sdk] { useForEver(sdk); }).detach();
+      waitForUses(round * round);
+    });
+    trial.expect(status == 0, "round " + std::to_string(round) + ": " + text(status));
+  }
+  World world(data);
+  world.start();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
+}
+
 // The host forks while the SDK is at work; the children leave, and the SDK goes on.
 Seen fork(Trial& trial) {
   World world;
@@ -415,6 +472,11 @@ std::vector<Row> processRows() {
        "main returns at five moments of a run, the server silent or not",
        {"ready", "", "1=granted"},
        leavingMain,
+       120s},
+      {"leave-threads",
+       "main returns while other threads use the SDK, until the process is gone",
+       {"ready", "", "1=granted"},
+       leavingThreads,
        120s},
       {"fork",
        "the host forks while the SDK is at work, and the children exit",

@@ -39,6 +39,8 @@ inline constexpr std::string_view etag = "Etag";
 inline constexpr std::string_view currentCountryCode = "curr_countryCode";
 inline constexpr std::string_view currentLocation = "curr_location";
 inline constexpr std::string_view currentLocationTimestamp = "curr_location_timestamp";
+// When the location was asked for in vain.
+inline constexpr std::string_view locationFailedTimestamp = "curr_location_failed_timestamp";
 // True after the store was damaged, until the user has answered anew.
 inline constexpr std::string_view lostEntries = lostEntriesKey;
 
@@ -70,6 +72,7 @@ inline constexpr std::array all{arePurposesChanged,
                                 currentCountryCode,
                                 currentLocation,
                                 currentLocationTimestamp,
+                                locationFailedTimestamp,
                                 lostEntries};
 
 // Whether a name reads as the identifier of a purpose.

@@ -298,6 +298,39 @@ TEST(Location, IsAskedForWhenItMattersAndRememberedForAnHour) {
   EXPECT_EQ(another.server.seen(locationPath).size(), 1u) << "who comes second waits for the answer to the first";
 }
 
+TEST(Location, ThatIsLongInComingIsNotWaitedForAndAppliedOnceItIsThere) {
+  World world;
+  auto document = validConfiguration();
+  document["banner_config"].as_object()["categories"].as_object()["us"] = {{"compliance_type", "opt-out"}};
+  document["banner_config"].as_object()["locations"].as_object()["US"] = "us";
+  world.server.serve(boost::json::serialize(document));
+  std::promise<void> released;
+  world.server.onLocation([gate = released.get_future().share()](const auto& request, auto& response) {
+    gate.wait();
+    json(R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},"CountryISOCode":{"en":"US"},
+      "Language":{},"Location":{},"RegisteredCountry":{},"State":{},"StateISOCode":{}}})")(request, response);
+  });
+  ConsentSDKOptions options = world.options();
+  options.locationCode.reset();
+  std::promise<void> ready;
+  auto isReady = ready.get_future();
+  world.restart();
+  world.sdk->isReady([&](SDKStatus status) {
+    if (status == SDKStatus::ready) ready.set_value();
+  });
+  world.sdk->setup(options);
+  ASSERT_TRUE(world.server.waitFor(locationPath, 1));
+  while (isReady.wait_for(1ms) != std::future_status::ready) world.clock->advance(100ms);
+  EXPECT_EQ(world.text(key::currentComplianceType), "opt-in") << "the default's";
+  EXPECT_TRUE(world.stored().date(key::locationFailedTimestamp));
+  world.sdk->removeListeners();
+  released.set_value();
+  world.sdk->settled().wait();
+  EXPECT_EQ(world.text(key::currentComplianceType), "opt-out");
+  EXPECT_FALSE(world.stored().date(key::locationFailedTimestamp));
+  EXPECT_EQ(world.server.seen(locationPath).size(), 1u);
+}
+
 TEST(Banner, IntervalTextIsReadStrictly) {
   const std::map<const char*, std::optional<std::int64_t>> cases{
       {"12 month", 12}, {"2 year", 24}, {"1 MONTH", 1}, {"0 month", 0}};

@@ -139,6 +139,15 @@ constexpr Operation operations[] = {
        another->acceptOrReject(caller.chance(), caller.callback());
        another.reset();
      }},
+    {"close",
+     [](auto&, auto& caller) {
+       ConsentSDK another(caller.world().process());
+       another.setup(caller.options());
+       for (int i = 0; i < 3; ++i) callAnything(another, caller);
+       another.close();
+       EXPECT_TRUE(another.set({.purposeId = 4}, ConsentStatus::granted)) << "a closed instance stores on";
+       for (int i = 0; i < 3; ++i) callAnything(another, caller);
+     }},
     {"setup", [](auto& sdk, auto& caller) { sdk.setup(caller.options()); }},
     {"getStatus", [](auto& sdk, auto&) { std::ignore = sdk.getStatus(); }},
     {"isReady", [](auto& sdk, auto&) { sdk.isReady([](SDKStatus) {}); }},
@@ -203,7 +212,7 @@ constexpr Operation operations[] = {
 };
 
 void callAnything(ConsentSDK& sdk, Caller& caller) {
-  constexpr std::uint32_t withoutInstances = 3;
+  constexpr std::uint32_t withoutInstances = 4;
   operations[withoutInstances + caller.below(std::size(operations) - withoutInstances)].call(sdk, caller);
 }
 
