@@ -24,6 +24,7 @@
 #include "tests/faults/Damage.h"
 #include "tests/faults/SystemCalls.h"
 #include "tests/platform/ChildProcess.h"
+#include "tests/platform/PrivateBus.h"
 #include "tests/support/RawServer.h"
 #include "tests/support/World.h"
 #include "tests/tools/ToolProcess.h"
@@ -67,6 +68,23 @@ ConsentSDK& sharedInstance(const std::filesystem::path& data, const std::string&
   return sdk;
 }
 
+// One that answers and one that does not, in a process of their own: their library's statics go before their threads
+// when a process leaves, and they need descriptors.
+class Servers {
+  ChildProcess process_{[](const ChildProcess::Say& say) {
+    ConsentServer answers;
+    answers.serve(boost::json::serialize(validConfiguration()));
+    const RawServer falls(RawServer::fallSilent);
+    say(answers.url() + " " + falls.url());
+    ::pause();
+  }};
+  const std::string urls_ = process_.hear();
+
+ public:
+  const std::string answering = urls_.substr(0, urls_.find(' '));
+  const std::string silent = urls_.substr(urls_.find(' ') + 1);
+};
+
 // main() returns while the SDK loads, stores and uploads, against a server that never answers.
 Seen leavingMain(Trial& trial) {
   const TemporaryFolder place;
@@ -75,16 +93,7 @@ Seen leavingMain(Trial& trial) {
     World world(data);
     world.start();
   }
-  // In a process of their own: their library's statics go before their threads when a process leaves.
-  ChildProcess servers([](const ChildProcess::Say& say) {
-    const ConsentServer answers;
-    const RawServer falls(RawServer::fallSilent);
-    say(answers.url() + " " + falls.url());
-    ::pause();
-  });
-  const auto urls = servers.hear();
-  const auto answering = urls.substr(0, urls.find(' '));
-  const auto silent = urls.substr(urls.find(' ') + 1);
+  const Servers servers;
   int round = 0;
   // What has the process begun when it leaves?
   const std::function<void(ConsentSDK&)> moments[] = {
@@ -96,7 +105,7 @@ Seen leavingMain(Trial& trial) {
   };
   for (const auto& moment : moments) {
     for (const bool answers : {false, true}) {
-      const auto status = leave([&] { moment(sharedInstance(data, answers ? answering : silent)); });
+      const auto status = leave([&] { moment(sharedInstance(data, answers ? servers.answering : servers.silent)); });
       trial.expect(status == 0, "moment " + std::to_string(round++) + ": " + text(status));
     }
   }
@@ -144,14 +153,14 @@ void waitForUses(int count) {
 Seen leavingThreads(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
-  const RawServer silent(RawServer::fallSilent);
+  const Servers servers;
   for (int round = 0; round < trial.rounds(40, 8); ++round) {
     const auto status = leave([&] {
       std::atexit([] {
         waitForUses(200);
         if (!ConsentSDK::shared().set({.purposeId = 1}, ConsentStatus::granted)) std::_Exit(3);
       });
-      auto& sdk = sharedInstance(data, silent.url());
+      auto& sdk = sharedInstance(data, servers.silent);
       for (int thread = 0; thread < 4; ++thread) std::thread([&sdk] { useForEver(sdk); }).detach();
       waitForUses(round * round);
     });
@@ -284,6 +293,68 @@ Seen noDescriptors(Trial& trial) {
   trial.expect(world.sdk->uploadPendingConsents().get(), "no upload with descriptors again");
   result.stored = "1=" + world.text("1").value_or("nothing");
   return result;
+}
+
+// So many descriptors are left to this process while it lives.
+class FewDescriptors {
+ public:
+  explicit FewDescriptors(int left) {
+    ::getrlimit(RLIMIT_NOFILE, &before_);
+    const int next = ::dup(STDERR_FILENO);
+    ::close(next);
+    const rlimit few{.rlim_cur = static_cast<rlim_t>(next + left), .rlim_max = before_.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &few);
+  }
+  FewDescriptors(const FewDescriptors&) = delete;
+  FewDescriptors& operator=(const FewDescriptors&) = delete;
+  ~FewDescriptors() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+
+ private:
+  rlimit before_{};
+};
+
+// Connections, pipes, the bus and the store find fewer and fewer descriptors, while the SDK is set up or at work, and
+// plenty afterwards. A store that cannot be opened stops the application; nothing else does, and all works again.
+Seen fewDescriptors(Trial& trial) {
+  const TemporaryFolder place;
+  const auto data = place.path() / "data";
+  const Servers servers;
+  const PrivateBus bus(PrivateBus::Services::none);
+  ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+  const auto use = [](ConsentSDK& sdk) {
+    (void)sdk.checkConsents().get();
+    (void)sdk.checkConsentBy(VantariKey::cameraUsageDescription).get();
+    const bool stored = sdk.set({.purposeId = 1}, ConsentStatus::granted);
+    return sdk.uploadPendingConsents().get() && stored;
+  };
+  constexpr int most = 24;
+  int stopped = 0;
+  for (const bool running : {false, true}) {
+    for (int left = 0; left <= most; left += trial.rounds(1, 3)) {
+      const auto status = leave([&] {
+        std::set_terminate([] { std::_Exit(2); });
+        ConsentSDK* sdk = running ? &sharedInstance(data, servers.answering) : nullptr;
+        if (running && !use(*sdk)) std::_Exit(3);
+        {
+          const FewDescriptors few(left);
+          if (!running) sdk = &sharedInstance(data, servers.answering);
+          (void)use(*sdk);
+        }
+        if (!use(*sdk) || sdk->getStatus() != SDKStatus::ready) std::_Exit(4);
+      });
+      const bool mayStop = !running && left < most / 2;
+      if (mayStop && status && WIFSIGNALED(*status) && WTERMSIG(*status) == SIGABRT) {
+        ++stopped;
+        continue;
+      }
+      trial.expect(status == 0,
+                   std::to_string(left) + (running ? " left at work: " : " left at set-up: ") + text(status));
+    }
+  }
+  trial.expect(stopped > 0, "the store was opened without a descriptor");
+  World world(data);
+  world.start();
+  return seen(world, "1=" + world.text("1").value_or("nothing"));
 }
 
 // Two processes of one application decide at once, each about a purpose of its own.
@@ -499,6 +570,11 @@ std::vector<Row> processRows() {
        "no more files can be opened, and later they can",
        {"ready", "Failed", "1=declined"},
        noDescriptors},
+      {"descriptors-few",
+       "fewer and fewer descriptors for connections, pipes and the store, and later plenty",
+       {"ready", "", "1=granted"},
+       fewDescriptors,
+       120s},
       {"two-processes",
        "two processes of one application decide at once",
        {"ready", "", "1=withdrawn 2=withdrawn"},

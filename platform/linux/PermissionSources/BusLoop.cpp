@@ -1,7 +1,12 @@
 #include "platform/linux/PermissionSources/BusLoop.h"
 
+#include <sys/eventfd.h>
+
+#include <algorithm>
+#include <array>
 #include <utility>
 
+#include "platform/linux/FileDescriptor.h"
 #include "platform/parts/Contained.h"
 
 namespace quillon {
@@ -10,6 +15,22 @@ namespace {
 constexpr guint drainMilliseconds = 1000;
 
 }  // namespace
+
+bool BusLoop::hasDescriptors() {
+  std::array<FileDescriptor, 16> spare;  // twice what one connection was seen to take
+  return std::ranges::all_of(spare, [](FileDescriptor& descriptor) {
+    descriptor = FileDescriptor(::eventfd(0, EFD_CLOEXEC));
+    return static_cast<bool>(descriptor);
+  });
+}
+
+bool BusLoop::open() {
+  const std::lock_guard lock(mutex_);
+  if (context_) return true;
+  if (!hasDescriptors()) return false;
+  context_.reset(g_main_context_new());
+  return true;
+}
 
 void BusLoop::run(const std::function<void()>& leave) {
   g_main_context_push_thread_default(context_.get());
@@ -27,7 +48,7 @@ void BusLoop::stop() {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
   }
-  g_main_context_wakeup(context_.get());
+  wake();
 }
 
 bool BusLoop::stopped() const {
@@ -41,7 +62,12 @@ void BusLoop::post(std::move_only_function<void()> job) {
     if (stopped_) return;
     jobs_.push_back(std::move(job));
   }
-  g_main_context_wakeup(context_.get());
+  wake();
+}
+
+void BusLoop::wake() const {
+  const std::lock_guard lock(mutex_);
+  if (context_) g_main_context_wakeup(context_.get());
 }
 
 void BusLoop::runJobs() {

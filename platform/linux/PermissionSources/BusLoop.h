@@ -12,6 +12,12 @@ namespace quillon {
 // Jobs and the callbacks of GLib, one at a time, in a main context of their own: the application's stays untouched.
 class BusLoop {
  public:
+  // False when the process may open too few more files: GLib ends the application when it lacks one for its own ends.
+  // So whoever is about to let it open some asks this before. Thread-safe.
+  [[nodiscard]] static bool hasDescriptors();
+
+  // What the loop needs; false when it is not to be had at the moment. Before run().
+  [[nodiscard]] bool open();
   // Called once, on the thread that is to be the loop's. Returns when the loop has been stopped and what was still
   // under way has ended, which `leave` is to bring about; at the latest a second after the stop.
   void run(const std::function<void()>& leave);
@@ -35,14 +41,15 @@ class BusLoop {
     Finish finish;
   };
 
+  void wake() const;
   void runJobs();
   void drain();
 
-  const GLibPointer<GMainContext> context_{g_main_context_new()};
   int underWay_ = 0;  // calls into GIO that have not finished; only touched on the loop's thread
 
   // GLib's own ways from thread to thread would do, but the thread sanitizer does not see them.
-  mutable std::mutex mutex_;  // guards the members below
+  mutable std::mutex mutex_;             // guards the members below
+  GLibPointer<GMainContext> context_{};  // set once, before the loop runs
   std::vector<std::move_only_function<void()>> jobs_;
   bool stopped_ = false;
 };

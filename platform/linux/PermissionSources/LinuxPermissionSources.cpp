@@ -1,9 +1,11 @@
 #include "platform/linux/PermissionSources/LinuxPermissionSources.h"
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <exception>
 #include <future>
+#include <system_error>
 #include <utility>
 
 #include "platform/linux/PermissionSources/ApplicationIdentity.h"
@@ -76,6 +78,7 @@ class LinuxPermissionSources::Device {
     entries_[fingerprint].source = std::make_unique<FingerprintSource>(system_);
   }
 
+  [[nodiscard]] bool open() { return loop_.open(); }
   void run() {
     loop_.run([this] {
       session_.close();
@@ -164,7 +167,9 @@ LinuxPermissionSources::~LinuxPermissionSources() {
 
 void LinuxPermissionSources::startThread() const {
   const std::lock_guard lock(mutex_);
-  if (!thread_) thread_.emplace("quillon-bus", [device = device_] { device->run(); });
+  if (thread_) return;
+  if (!device_->open()) throw std::system_error(EMFILE, std::generic_category(), "no message bus");
+  thread_.emplace("quillon-bus", [device = device_] { device->run(); });
 }
 
 std::expected<PermissionSources::Value, std::string> LinuxPermissionSources::platformValue(

@@ -39,6 +39,9 @@ void MessageBus::watch(const BusSignal& signal, std::function<void(GVariant*)> h
 void MessageBus::use(Use user) {
   if (connection_ && !g_dbus_connection_is_closed(connection_.get())) return user(connection_.get());
   if (address_.empty()) return user(std::unexpected(BusError{BusError::Kind::absent, {}, "no message bus"}));
+  if (!BusLoop::hasDescriptors()) {
+    return user(std::unexpected(BusError{BusError::Kind::other, {}, "too many open files"}));
+  }
   waiting_.push_back(std::move(user));
   if (waiting_.size() == 1) connect();
 }
