@@ -54,9 +54,10 @@ class ConsentSDK {
   static ConsentSDK& shared();
 
   /// Ends what is under way and waits for that, also for a callback that runs on another thread, for two seconds at
-  /// most. The instance stays usable: consents are read and stored as before. But nothing is loaded, checked or uploaded
-  /// any more, no callback is called, and futures hold an empty result at once. A decision that was acknowledged is
-  /// stored, and uploaded by the next run of the application if it has not been. Thread-safe; a second call does nothing.
+  /// most. The instance stays usable: consents are read and stored as before. But nothing is loaded, checked or
+  /// uploaded any more, no callback is called, and futures hold an empty result at once. A decision that was
+  /// acknowledged is stored, and uploaded by the next run of the application if it has not been. Thread-safe; a second
+  /// call does nothing.
   void close();
 
   /// An instance of its own over the given services; several may live side by side.
