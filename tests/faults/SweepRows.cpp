@@ -254,7 +254,7 @@ std::vector<Row> sweepRows() {
         {.name = name,
          .fault = fault,
          .sees = {"ready", log, allAcknowledged},
-         .run = [&swept = work, fault = systemCalls(effect)](Trial& trial) { return sweep(trial, swept, fault, 5); },
+         .run = [&swept = work, struck = systemCalls(effect)](Trial& trial) { return sweep(trial, swept, struck, 5); },
          .limit = std::chrono::seconds(120)});
   }
   struct Code {
