@@ -23,8 +23,8 @@ class ScreenPresenter {
   virtual void presentWebView(Core core, const std::string& link) = 0;
 
   virtual void dismissTopMost() = 0;
-  // Takes the banner away, wherever it lies; nothing when it is not shown.
-  virtual void dismissBanner() = 0;
+  // Takes the banner of that SDK away, wherever it lies; nothing when it is not shown.
+  virtual void dismissBanner(Core core) = 0;
   // The application's page in the system settings.
   virtual void openSystemSettings() = 0;
 };

@@ -20,7 +20,7 @@ class NotingPresenter : public ScreenPresenter {
   }
   void presentWebView(Core /*core*/, const std::string& link) override { note("link " + link); }
   void dismissTopMost() override { note("dismiss"); }
-  void dismissBanner() override { note("dismiss banner"); }
+  void dismissBanner(Core /*core*/) override { note("dismiss banner"); }
   void openSystemSettings() override { note("settings"); }
 
   // What was noted since the last call.

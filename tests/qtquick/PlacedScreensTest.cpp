@@ -3,6 +3,7 @@
 
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <boost/json/serialize.hpp>
 #include <filesystem>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -72,6 +73,43 @@ TEST_F(PlacedScreens, TheBannerWaitsForTheConfigurationAndIsDoneOnceAnswered) {
   EXPECT_EQ(status(1), "granted");
   EXPECT_EQ(world.stored().consentGivenType(), givenType::explicitly);
   EXPECT_TRUE(top()) << "a screen that lies over the page is none of its business";
+}
+
+TEST_F(PlacedScreens, ABannerThatWaitedForItsConfigurationStillRecordsTheDefaultsAtTheStart) {
+  bannerOf(document)["record_consent_upon_app_start"] = true;
+  place("ConsentBanner");
+  settle();
+  EXPECT_EQ(status(1), "none");
+  start();
+  ASSERT_TRUE(shows("Accept")) << world.log();
+  settle();
+  EXPECT_EQ(status(1), "declined");
+  EXPECT_EQ(world.stored().consentGivenType(), givenType::implicitly);
+}
+
+TEST_F(PlacedScreens, AnotherSdksAnswerIsNotTheBanners) {
+  place("ConsentBanner");
+  start();
+  ASSERT_TRUE(shows("Accept"));
+  World other;
+  other.amend = world.amend;  // with the same presenter
+  other.server.serve(boost::json::serialize(document));
+  other.start();
+  presenter->presentBanner(other.sdk->core());
+  screenWith("Choose");
+  other.sdk->presentPreferenceCenter();
+  screenWith("Save Changes");
+  use("Save Changes");
+  EXPECT_TRUE(isGone()) << "the other one's banner goes with its preference centre";
+  EXPECT_EQ(dones(), 0);
+  presenter->presentBanner(world.sdk->core());
+  screenWith("Choose");
+  other.sdk->presentPreferenceCenter();
+  screenWith("Save Changes");
+  use("Save Changes");
+  screenWith("Choose");
+  presenter->dismissTopMost();
+  EXPECT_TRUE(isGone());
 }
 
 TEST_F(PlacedScreens, ThePreferenceCentreSavesAndStays) {

@@ -25,7 +25,7 @@ class HostScreens : public ScreenPresenter {
   void presentSettingsPrompt(Core core, const VantariKey& permission) override;
   void presentWebView(Core core, const std::string& link) override;
   void dismissTopMost() override;
-  void dismissBanner() override { banner.reset(); }
+  void dismissBanner(Core /*core*/) override { banner.reset(); }
   void openSystemSettings() override { ++systemSettingsOpened; }
 
   std::shared_ptr<ConsentBannerViewModel> banner;

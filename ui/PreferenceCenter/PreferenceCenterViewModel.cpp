@@ -158,7 +158,7 @@ void PreferenceCenterViewModel::save() {
   const auto& core = banner_->core();
   core->tasks->start([core, choices = std::move(choices)]() -> Task<void> { co_await core->savePreferences(choices); });
   banner_->leave();
-  core->withScreens([](ScreenPresenter& screens) { screens.dismissBanner(); });
+  core->withScreens([core](ScreenPresenter& screens) { screens.dismissBanner(core); });
 }
 
 void PreferenceCenterViewModel::close() {

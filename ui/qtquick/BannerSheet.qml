@@ -6,13 +6,16 @@ Sheet {
 
     required property ConsentBannerAdapter model
 
+    // Not while there is nothing to answer: the load may be tried again.
+    readonly property bool hasAppeared: isOnScreen && !model.hasFailed
+
     title: model.heading
     isBottom: !model.isCentered
     widest: isBottom ? 720 : 480
     isLoading: model.isLoading
     canClose: model.canClose || model.hasFailed
     onCloseRequested: model.close()
-    onIsOnScreenChanged: if (isOnScreen) model.appeared()
+    onHasAppearedChanged: if (hasAppeared) model.appeared()
 
     header: SheetHeader {
         width: parent.width

@@ -26,7 +26,10 @@ void PlacedScreen::componentComplete() {
   // The preference centre that a banner opens answers it, too.
   const auto* screens = dynamic_cast<QtScreenPresenter*>(sdk->core->platform.screens.get());
   if (screens && model.adapter == model.banner) {
-    connect(screens, &QtScreenPresenter::bannerDismissed, this, &PlacedScreen::sayDone);
+    connect(screens, &QtScreenPresenter::bannerDismissed, this,
+            [this, own = sdk->core.get()](const QtScreenPresenter::Core& answered) {
+              if (answered.get() == own) sayDone();
+            });
   }
 }
 

@@ -175,10 +175,12 @@ void QtScreenPresenter::dismissTopMost() {
   if (!stack_.empty()) dismiss(stack_.back());
 }
 
-void QtScreenPresenter::dismissBanner() {
-  const auto found = std::ranges::find(stack_, ScreenKind::banner, &Screen::kind);
+void QtScreenPresenter::dismissBanner(Core core) {
+  const auto found = std::ranges::find_if(stack_, [&](const Screen* screen) {
+    return screen->kind() == ScreenKind::banner && screen->core() == core;
+  });
   if (found != stack_.end()) dismiss(*found);
-  Q_EMIT bannerDismissed();
+  Q_EMIT bannerDismissed(core);
 }
 
 void QtScreenPresenter::dismiss(Screen* screen) {

@@ -31,15 +31,15 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   void presentSettingsPrompt(Core core, const VantariKey& permission) override;
   void presentWebView(Core core, const std::string& link) override;
   void dismissTopMost() override;
-  void dismissBanner() override;
+  void dismissBanner(Core core) override;
   void openSystemSettings() override;
 
   // The item of the top-most screen; null when there is none or it is still being made.
   QQuickItem* topItem() const { return stack_.empty() ? nullptr : stack_.back()->item(); }
 
  Q_SIGNALS:
-  // It has been answered elsewhere, whether it was shown or not.
-  void bannerDismissed();
+  // That SDK's has been answered elsewhere, whether it was shown or not.
+  void bannerDismissed(const Core& core);
 
  protected:
   // Keeps the Tab key within the top-most screen.
