@@ -14,6 +14,8 @@ Grid {
     // Of one of them side by side.
     readonly property real share: (width - gap * (answers.length - 1)) / Math.max(1, answers.length)
     readonly property bool isRow: made.every(button => button.implicitWidth <= share)
+    // A long word in one of them makes the text of all smaller.
+    readonly property int textSize: Math.min(...made.map(button => button.fittingTextSize))
     readonly property real tallest: Math.max(0, ...made.map(button => button.implicitHeight))
     property var made: []
 
@@ -35,6 +37,7 @@ Grid {
             hint: row.hint
             width: row.isRow ? row.share : row.width
             height: row.tallest
+            textSize: row.textSize
             onClicked: row.chosen(modelData.action)
         }
     }

@@ -15,7 +15,10 @@ Pressable {
         }
     }
 
-    implicitWidth: Math.ceil(words.implicitWidth) + 40
+    readonly property alias fittingTextSize: words.fittingSize
+    property alias textSize: words.size
+
+    implicitWidth: words.lineWidth + 40
     implicitHeight: Math.max(48, words.implicitHeight + 24)
 
     Rectangle {
@@ -42,16 +45,14 @@ Pressable {
             innerRadius: control.cornerRadius
         }
     }
-    Text {
+    FittedText {
         id: words
         anchors.centerIn: parent
-        width: Math.min(Math.ceil(implicitWidth), parent.width - 40)
+        width: parent.width - 40
         text: control.text
-        textFormat: Text.PlainText
-        font: control.font
+        wanted: control.font
         color: control.ink
         horizontalAlignment: Text.AlignHCenter
-        wrapMode: Text.Wrap
         Accessible.ignored: true
     }
 }

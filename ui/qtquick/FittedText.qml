@@ -6,21 +6,27 @@ Text {
     id: text
 
     property font wanted
-    readonly property real longestWord: {
+    // In the wanted font.
+    readonly property real longestWord: widest(text.text.split(/\s+/))
+    readonly property real lineWidth: widest([text.text])
+    // The largest size that fits, in pixels, and the one that is used.
+    readonly property int fittingSize: {
+        const least = Math.min(wanted.pixelSize, Style.body.pixelSize / Style.textScale)
+        return Math.max(least, Math.floor(wanted.pixelSize * Math.min(1, width / longestWord)))
+    }
+    property int size: fittingSize
+
+    function widest(words) {
         // A width is not measured anew by itself when the font changes.
         if (metrics.font !== wanted)
             return 0
-        const widths = text.text.split(/\s+/).map(word => metrics.advanceWidth(word))
-        return Math.ceil(Math.max(0, ...widths)) + 1
+        return Math.ceil(Math.max(0, ...words.map(word => metrics.advanceWidth(word)))) + 1
     }
 
     textFormat: Text.PlainText
     font.family: wanted.family
     font.weight: wanted.weight
-    font.pixelSize: {
-        const least = Math.min(wanted.pixelSize, Style.body.pixelSize / Style.textScale)
-        return Math.max(least, Math.floor(wanted.pixelSize * Math.min(1, width / longestWord)))
-    }
+    font.pixelSize: size
     color: Style.colors.text
     wrapMode: Text.Wrap
     horizontalAlignment: Text.AlignLeft
