@@ -15,6 +15,12 @@ constexpr auto explanationDelay = 1500ms;
 template <class Record>
 using ListResult = ConsentSDKResult<std::vector<Record>>;
 
+// All that is published of them, copied in the background: with their SDKs they may be megabytes.
+struct LoadedPurposes {
+  std::vector<Purpose> list;
+  ListResult<Purpose> result = ListResult<Purpose>::none();
+};
+
 // A purpose of which the configuration says both that the user may opt out and that the device does not govern it.
 bool isSwitchable(const Purpose& purpose) {
   return purpose.purposeId && purpose.disableOptOut == false && purpose.isATTMapped == false;
@@ -37,22 +43,24 @@ PreferenceCenterViewModel::PreferenceCenterViewModel(std::shared_ptr<ConsentBann
 void PreferenceCenterViewModel::loadPurposes() {
   purposeTask_ = LoadTask::start(
       banner_->core(), weak_from_this(),
-      [](ConsentSDK::Core& core) -> Task<std::vector<Purpose>> {
+      [](ConsentSDK::Core& core) -> Task<LoadedPurposes> {
         const auto configuration = core.cache.current();
-        co_return configuration ? core.purposes(configuration).purposesWithConsents() : std::vector<Purpose>();
+        LoadedPurposes loaded;
+        if (configuration) loaded.list = core.purposes(configuration).purposesWithConsents();
+        loaded.result = loaded.list.empty() ? ListResult<Purpose>::failure({"Purposes are not available!"})
+                                            : ListResult<Purpose>::success(loaded.list);
+        co_return loaded;
       },
-      [](PreferenceCenterViewModel& model, std::vector<Purpose> loaded) {
-        if (loaded.empty()) {
-          model.purposesResult.set(ListResult<Purpose>::failure({"Purposes are not available!"}));
-          return;
+      [](PreferenceCenterViewModel& model, LoadedPurposes loaded) {
+        if (!loaded.list.empty()) {
+          auto selected = model.selectedPurposes.get();
+          for (const Purpose& purpose : loaded.list) {
+            if (purpose.purposeId) selected[*purpose.purposeId] = purpose.consentStatus == ConsentStatus::granted;
+          }
+          model.purposes.set(std::move(loaded.list));
+          model.selectedPurposes.set(std::move(selected));
         }
-        auto selected = model.selectedPurposes.get();
-        for (const Purpose& purpose : loaded) {
-          if (purpose.purposeId) selected[*purpose.purposeId] = purpose.consentStatus == ConsentStatus::granted;
-        }
-        model.purposes.set(loaded);
-        model.selectedPurposes.set(std::move(selected));
-        model.purposesResult.set(ListResult<Purpose>::success(std::move(loaded)));
+        model.purposesResult.set(std::move(loaded.result));
       });
   purposesResult.set(ListResult<Purpose>::loading());
 }

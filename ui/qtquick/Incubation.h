@@ -21,7 +21,7 @@ class Incubation : public QObject, public QQmlIncubationController {
     }
   }
   void timerEvent(QTimerEvent* /*event*/) override {
-    constexpr int portionMilliseconds = 3;
+    constexpr int portionMilliseconds = 2;
     incubateFor(portionMilliseconds);
   }
 

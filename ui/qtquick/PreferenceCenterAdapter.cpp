@@ -73,13 +73,15 @@ void PreferenceCenterAdapter::refresh() {
 
 // The cards stay as long as the list is the same: they have the focus, and are expanded.
 void PreferenceCenterAdapter::refreshPurposes() {
-  if (model_->purposes.get() == shownPurposes_) {
+  if (shownPurposes_ && model_->purposes.get() == *shownPurposes_) {
     for (PurposeAdapter* purpose : purposes_) purpose->refresh();
     return;
   }
-  shownPurposes_ = model_->purposes.get();
+  shownPurposes_ = std::make_shared<const std::vector<Purpose>>(model_->purposes.get());
   const auto former = std::exchange(purposes_, {});
-  for (const Purpose& purpose : shownPurposes_) purposes_.push_back(new PurposeAdapter(purpose, model_, this));
+  for (const Purpose& purpose : *shownPurposes_) {
+    purposes_.push_back(new PurposeAdapter({shownPurposes_, &purpose}, model_, this));
+  }
   Q_EMIT purposesChanged();
   for (PurposeAdapter* purpose : former) purpose->deleteLater();
 }

@@ -137,7 +137,7 @@ class PreferenceCenterAdapter : public Adapter {
   RichTextAdapter* const consentModeNote_;
   RichTextAdapter* const permissionsDescription_;
   RichTextAdapter* const permissionsGuidance_;
-  std::vector<Purpose> shownPurposes_;
+  std::shared_ptr<const std::vector<Purpose>> shownPurposes_;  // the cards look into it
   std::vector<AppPermission> shownPermissions_;
   std::vector<PurposeAdapter*> purposes_;
   std::vector<PermissionAdapter*> permissions_;

@@ -136,13 +136,21 @@ Sheet {
             id: rows
             model: screen.model.permissions
 
-            PermissionRow {
+            Loader {
+                id: rowPlace
+
                 required property var modelData
+                required property int index
 
                 width: parent?.width ?? 0
-                permission: modelData
-                model: screen.model
-                beginsGroup: index === 0 || screen.model.permissions[index - 1].group !== modelData.group
+                asynchronous: true
+                sourceComponent: PermissionRow {
+                    width: rowPlace.width
+                    permission: rowPlace.modelData
+                    index: rowPlace.index
+                    model: screen.model
+                    beginsGroup: index === 0 || screen.model.permissions[index - 1].group !== permission.group
+                }
             }
         }
     }

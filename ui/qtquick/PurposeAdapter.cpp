@@ -30,55 +30,56 @@ void SdkAdapter::openWebsite() const {
   banner_->openLink(website_.toStdString());
 }
 
-PurposeAdapter::PurposeAdapter(Purpose purpose, const std::shared_ptr<PreferenceCenterViewModel>& model,
-                               QObject* parent)
+PurposeAdapter::PurposeAdapter(std::shared_ptr<const Purpose> purpose,
+                               const std::shared_ptr<PreferenceCenterViewModel>& model, QObject* parent)
     : QObject(parent),
       purpose_(std::move(purpose)),
       model_(model),
       description_(new RichTextAdapter(model->banner()->core(), this)),
       disclaimer_(new RichTextAdapter(model->banner()->core(), this)),
-      toggle_(model->toggle(purpose_)) {
+      toggle_(model->toggle(*purpose_)) {
   const auto& banner = model_->banner();
-  description_->setHtml(banner->text(purpose_.purposeDescription));
-  if (purpose_.isATTMapped.value_or(false)) {
-    disclaimer_->setHtml(banner->text(purpose_.attDescription));
-  } else if (purpose_.disableOptOut.value_or(false)) {
-    disclaimer_->setHtml(banner->text(purpose_.optOutText));
+  description_->setHtml(banner->text(purpose_->purposeDescription));
+  if (purpose_->isATTMapped.value_or(false)) {
+    disclaimer_->setHtml(banner->text(purpose_->attDescription));
+  } else if (purpose_->disableOptOut.value_or(false)) {
+    disclaimer_->setHtml(banner->text(purpose_->optOutText));
   }
 }
 
 QString PurposeAdapter::name() const {
-  return QString::fromStdString(model_->banner()->text(purpose_.purposeName));
+  return QString::fromStdString(model_->banner()->text(purpose_->purposeName));
 }
 
 bool PurposeAdapter::hasSdks() const {
-  return !purpose_.hideDetails.value_or(false) && purpose_.sdks && !purpose_.sdks->empty();
+  return !purpose_->hideDetails.value_or(false) && purpose_->sdks && !purpose_->sdks->empty();
 }
 
 bool PurposeAdapter::hasSwitch() const {
   const auto& banner = model_->banner()->bannerConfig.get();
   const bool hidesEssential = banner && banner->hideToggleForEssentialCategories.value_or(false);
-  return !(hidesEssential && purpose_.disableOptOut.value_or(false));
+  return !(hidesEssential && purpose_->disableOptOut.value_or(false));
 }
 
 QString PurposeAdapter::explanation() const {
   if (toggle_.isEnabled) return {};
-  return QString::fromStdString(model_->banner()->label(
-      purpose_.isATTMapped.value_or(false) ? Label::attManagedPurposeExplanation : Label::essentialPurposeExplanation));
+  return QString::fromStdString(model_->banner()->label(purpose_->isATTMapped.value_or(false)
+                                                            ? Label::attManagedPurposeExplanation
+                                                            : Label::essentialPurposeExplanation));
 }
 
 void PurposeAdapter::tapToggle() const {
-  if (purpose_.purposeId) model_->tapToggle(*purpose_.purposeId);
+  if (purpose_->purposeId) model_->tapToggle(*purpose_->purposeId);
 }
 
 void PurposeAdapter::loadSdks() {
   if (!sdks_.isEmpty() || !hasSdks()) return;
-  for (const SDK& sdk : *purpose_.sdks) sdks_.push_back(new SdkAdapter(sdk, model_->banner(), this));
+  for (const SDK& sdk : *purpose_->sdks) sdks_.push_back(new SdkAdapter(sdk, model_->banner(), this));
   Q_EMIT sdksChanged();
 }
 
 void PurposeAdapter::refresh() {
-  PurposeToggle now = model_->toggle(purpose_);
+  PurposeToggle now = model_->toggle(*purpose_);
   if (now == toggle_) return;
   toggle_ = std::move(now);
   Q_EMIT changed();

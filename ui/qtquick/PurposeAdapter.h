@@ -65,7 +65,8 @@ class PurposeAdapter : public QObject {
   Q_PROPERTY(QString explanation READ explanation CONSTANT)
 
  public:
-  PurposeAdapter(Purpose purpose, const std::shared_ptr<PreferenceCenterViewModel>& model, QObject* parent);
+  PurposeAdapter(std::shared_ptr<const Purpose> purpose, const std::shared_ptr<PreferenceCenterViewModel>& model,
+                 QObject* parent);
 
   QString name() const;
   QList<QObject*> sdks() const { return sdks_; }
@@ -90,7 +91,7 @@ class PurposeAdapter : public QObject {
   void sdksChanged();
 
  private:
-  const Purpose purpose_;
+  const std::shared_ptr<const Purpose> purpose_;
   const std::shared_ptr<PreferenceCenterViewModel> model_;
   RichTextAdapter* const description_;
   RichTextAdapter* const disclaimer_;
