@@ -16,14 +16,23 @@ namespace quillon::bench {
 Device::Device(std::string configuration)
     : Device(std::move(configuration), std::make_shared<VirtualClock>(WallTime(std::chrono::seconds(1'700'000'000)))) {}
 
-Device::Device(std::string configuration, std::shared_ptr<Clock> clock)
-    : configuration_(std::move(configuration)), clock_(std::move(clock)) {
+Device::Device(std::string configuration, std::shared_ptr<Clock> clock, std::shared_ptr<ScreenPresenter> screens,
+               MainQueuePost post)
+    : configuration_(std::move(configuration)),
+      clock_(std::move(clock)),
+      screens_(std::move(screens)),
+      post_(std::move(post)) {
   launch();
+}
+
+Device Device::showing(std::string configuration, std::shared_ptr<ScreenPresenter> screens, MainQueuePost post) {
+  return {std::move(configuration), nullptr, std::move(screens), std::move(post)};
 }
 
 void Device::launch() {
   sdk_.reset();
-  Platform platform = linuxPlatform({.applicationId = "bench", .dataDirectory = folder_->path() / "data"});
+  Platform platform = linuxPlatform(
+      {.applicationId = "bench", .dataDirectory = folder_->path() / "data", .postToMainQueue = post_}, screens_);
   platform.console = std::make_shared<MemoryConsole>();
   platform.network = std::make_shared<StaticNetworkPath>();
   if (clock_) platform.clock = clock_;

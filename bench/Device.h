@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "bench/TemporaryFolder.h"
 #include "platform/Clock.h"
+#include "platform/ScreenPresenter.h"
 #include "quillon/ConsentSDK.h"
 #include "quillon/MainConfiguration.h"
 
@@ -15,6 +17,9 @@ namespace quillon::bench {
 /// As much as an application with a handful of purposes and their switches keeps.
 inline constexpr int kStoredKeys = 300;
 
+/// Runs a job in a later turn of the main loop.
+using MainQueuePost = std::function<void(std::function<void()> job)>;
+
 class Device {
  public:
   /// A device whose clock stands still, so that nothing happens but what is measured. The configuration can be
@@ -22,6 +27,8 @@ class Device {
   explicit Device(std::string configuration);
   /// The same with the clock of the machine.
   static Device ticking(std::string configuration) { return Device(std::move(configuration), nullptr); }
+  /// The same with screens, and with the main loop that they are on.
+  static Device showing(std::string configuration, std::shared_ptr<ScreenPresenter> screens, MainQueuePost post);
 
   /// As after a start of the process, before set-up.
   void launch();
@@ -35,11 +42,14 @@ class Device {
   static ConsentSDKOptions options();
 
  private:
-  Device(std::string configuration, std::shared_ptr<Clock> clock);
+  Device(std::string configuration, std::shared_ptr<Clock> clock, std::shared_ptr<ScreenPresenter> screens = nullptr,
+         MainQueuePost post = {});
 
   std::unique_ptr<TemporaryFolder> folder_ = std::make_unique<TemporaryFolder>();
   std::string configuration_;
   std::shared_ptr<Clock> clock_;  // null: the machine's
+  std::shared_ptr<ScreenPresenter> screens_;
+  MainQueuePost post_;
   std::unique_ptr<ConsentSDK> sdk_;
 };
 

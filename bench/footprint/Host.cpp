@@ -1,5 +1,6 @@
 // A small host application, to be measured from outside: compiled with QUILLON_BENCH_SDK it sets the SDK up, else it
-// does nothing. `footprint.sh` compares the two.
+// does nothing. With QUILLON_BENCH_SCREENS it has a window of Qt Quick, and the SDK shows its preference centre there.
+// `footprint.sh` compares them.
 //   host SECONDS [FOLDER CDN-URL]
 // Prints, in this order: its private memory in KiB when everything is ready, and how often its threads were woken in
 // that many seconds after it.
@@ -17,6 +18,14 @@
 
 #include "quillon/ConsentSDK.h"
 #include "quillon/LinuxPlatform.h"
+#endif
+#ifdef QUILLON_BENCH_SCREENS
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QTimer>
+
+#include "quillon/QtQuick.h"
 #endif
 
 namespace {
@@ -46,13 +55,33 @@ long wakeUps() {
   return count;
 }
 
+void rest(std::chrono::seconds time) {
+#ifdef QUILLON_BENCH_SCREENS
+  QEventLoop loop;
+  QTimer::singleShot(time, &loop, &QEventLoop::quit);
+  loop.exec();
+#else
+  std::this_thread::sleep_for(time);
+#endif
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::chrono::seconds idle(argc > 1 ? std::atoi(argv[1]) : 1);
+#ifdef QUILLON_BENCH_SCREENS
+  const QGuiApplication application(argc, argv);
+  QQuickWindow window;
+  window.resize(390, 844);
+  window.show();
+#endif
 #ifdef QUILLON_BENCH_SDK
   if (argc < 4) return 2;
+#ifdef QUILLON_BENCH_SCREENS
+  quillon::configureQtQuick({.applicationId = "footprint", .dataDirectory = argv[2]});
+#else
   quillon::configure({.applicationId = "footprint", .dataDirectory = argv[2]});
+#endif
   quillon::ConsentSDK& sdk = quillon::ConsentSDK::shared();
   // Marks in a trace of system calls.
   syscall(SYS_getppid);
@@ -61,10 +90,13 @@ int main(int argc, char** argv) {
   syscall(SYS_getppid);
   sdk.settled().wait();
   if (sdk.getStatus() != quillon::SDKStatus::ready) return 1;
+#ifdef QUILLON_BENCH_SCREENS
+  sdk.presentPreferenceCenter();
 #endif
-  std::this_thread::sleep_for(std::chrono::seconds(1));
+#endif
+  rest(std::chrono::seconds(1));
   const long before = wakeUps();
   const long memory = privateMemory();
-  std::this_thread::sleep_for(idle);
+  rest(idle);
   std::printf("%ld %ld\n", memory, wakeUps() - before);
 }

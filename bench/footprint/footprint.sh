@@ -19,6 +19,13 @@ echo "size: $(($(size quillon-footprint) - $(size quillon-footprint-bare))) byte
 read -r bare _ < <("$bin/quillon-footprint-bare" 1)
 read -r with wakes < <("$bin/quillon-footprint" "$seconds" "$work/data" "$url")
 echo "memory: $((with - bare)) KiB added (private; $bare without, $with with)"
+if [ -x "$bin/quillon-footprint-screens" ]; then
+  export QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software
+  read -r bare _ < <("$bin/quillon-footprint-screens-bare" 1)
+  read -r with _ < <("$bin/quillon-footprint-screens" 3 "$work/data" "$url")
+  echo "memory of an application with a Qt Quick window and the preference centre: $((with - bare)) KiB added" \
+    "(private; $bare without the SDK, $with with)"
+fi
 echo "wake-ups of its threads in $seconds idle seconds: $wakes"
 
 strace -f -o "$work/trace" "$bin/quillon-footprint" 0 "$work/data" "$url" >/dev/null

@@ -1,0 +1,184 @@
+// What a screen costs the application that it is shown over, with a configuration of 1.5 MB: how long the call holds
+// the main loop, the longest turn of the loop until the screen is complete, and when the first picture with it is
+// there. Beside it a sheet with one line of text, which is the least that any screen of the toolkit costs.
+#include <benchmark/benchmark.h>
+
+#include <time.h>
+#include <QAbstractEventDispatcher>
+#include <QFont>
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+
+#include "bench/ConfigurationDocument.h"
+#include "bench/Device.h"
+#include "bench/Expectation.h"
+#include "ui/qtquick/MainQueue.h"
+#include "ui/qtquick/QtScreenPresenter.h"
+
+namespace quillon::bench {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+double millisecondsSince(SteadyClock::time_point begin) {
+  return std::chrono::duration<double, std::milli>(SteadyClock::now() - begin).count();
+}
+
+// That the calling thread has used: what the loop is held by us, whatever else the machine does meanwhile.
+double processorMilliseconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+// One for the process, as in every application. Pictures are drawn by the processor, and in the main loop.
+void startApplication() {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("QT_QUICK_BACKEND", "software");
+  static int count = 1;
+  static char name[] = "bench";
+  static char* arguments[] = {name, nullptr};
+  static const QGuiApplication application(count, arguments);
+}
+
+// An application with a window and a main loop that is watched.
+class Application {
+ public:
+  Application() {
+    startApplication();
+    window.resize(390, 844);
+    window.show();
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &window, [this] {
+      if (begin_ && !firstFrame && hasSomethingToShow()) firstFrame = millisecondsSince(*begin_);
+    });
+    idle(20);
+  }
+
+  // Calls, then lets the loop run until `isComplete` has held for a while.
+  void measure(const std::function<void()>& call, const std::function<bool()>& isComplete) {
+    begin_ = SteadyClock::now();
+    const double before = processorMilliseconds();
+    call();
+    held = processorMilliseconds() - before;
+    for (int completeTurns = 0; completeTurns < 50;) {
+      const double turn = this->turn();
+      longestTurn = std::max(longestTurn, turn);
+      completeTurns = isComplete() && firstFrame ? completeTurns + 1 : 0;
+      if (millisecondsSince(*begin_) > 10'000) throw std::runtime_error("the screen does not come");
+    }
+  }
+  void idle(int turns) {
+    while (turns-- > 0) turn();
+  }
+
+  QQuickWindow window;
+  std::function<bool()> hasSomethingToShow = [] { return true; };
+  double held = 0;
+  double longestTurn = 0;
+  std::optional<double> firstFrame;
+
+ private:
+  // What the loop does between two sleeps, in milliseconds of the processor.
+  static double turn() {
+    const double before = processorMilliseconds();
+    const bool hasWorked = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
+    const double took = processorMilliseconds() - before;
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    if (!hasWorked) std::this_thread::sleep_for(std::chrono::microseconds(500));
+    return took;
+  }
+
+  std::optional<SteadyClock::time_point> begin_;
+};
+
+void report(benchmark::State& state, const Application& application) {
+  state.SetIterationTime(*application.firstFrame / 1000);
+  state.counters["call"] = application.held;
+  state.counters["longest turn"] = application.longestTurn;
+}
+
+template <auto present>
+void show(benchmark::State& state) {
+  startApplication();
+  const auto presenter = QtScreenPresenter::make({.isDark = false, .textScale = 1});
+  Device device = Device::showing(largeConfigurationDocument(), presenter,
+                                  [](std::function<void()> job) { MainQueue::instance().post(std::move(job)); });
+  device.setUp();
+  presenter->prepare();
+  for (auto _ : state) {
+    Application application;
+    const auto shown = [&] {
+      const QQuickItem* item = presenter->topItem();
+      return item ? item->property("shown").toDouble() : 0;
+    };
+    application.hasSomethingToShow = [&] { return shown() > 0; };
+    application.measure([&] { present(device, *presenter); },
+                        [&] {
+                          const bool isIdle =
+                              device.sdk().settled().wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+                          return isIdle && shown() == 1;
+                        });
+    report(state, application);
+    presenter->dismissTopMost();
+    while (presenter->topItem()) application.idle(1);
+    application.idle(1000);
+  }
+}
+
+void presentBanner(Device& device, QtScreenPresenter& presenter) {
+  presenter.presentBanner(device.sdk().core());
+}
+void presentPreferenceCenter(Device& device, QtScreenPresenter& /*presenter*/) {
+  device.sdk().presentPreferenceCenter();
+}
+
+void showAnEmptySheet(benchmark::State& state) {
+  startApplication();
+  QQmlEngine engine;
+  QQmlComponent component(&engine);
+  component.setData("import QtQuick\nRectangle { anchors.fill: parent; Text { text: 'Empty' } }", {});
+  for (auto _ : state) {
+    Application application;
+    std::unique_ptr<QQuickItem> sheet;
+    application.hasSomethingToShow = [&] { return sheet != nullptr; };
+    application.measure(
+        [&] {
+          sheet.reset(qobject_cast<QQuickItem*>(component.create()));
+          sheet->setParentItem(application.window.contentItem());
+        },
+        [] { return true; });
+    report(state, application);
+  }
+}
+
+void showings(benchmark::internal::Benchmark* benchmark) {
+  benchmark->UseManualTime()->Iterations(1)->Repetitions(15)->ReportAggregatesOnly()->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK(show<presentBanner>)->Name("screens/banner")->Apply(showings);
+BENCHMARK(show<presentPreferenceCenter>)->Name("screens/preference centre")->Apply(showings);
+BENCHMARK(showAnEmptySheet)->Name("screens/empty sheet")->Apply(showings);
+
+constexpr double kHeldAtMost = 8;  // milliseconds
+const bool registered =
+    expectAtMost({"call that presents the banner, ms", {"screens/banner", "call"}, {}, kHeldAtMost}) &&
+    expectAtMost({"longest turn of the loop, banner, ms", {"screens/banner", "longest turn"}, {}, kHeldAtMost}) &&
+    expectAtMost(
+        {"call that presents the preference centre, ms", {"screens/preference centre", "call"}, {}, kHeldAtMost}) &&
+    expectAtMost({"longest turn of the loop, preference centre, ms",
+                  {"screens/preference centre", "longest turn"},
+                  {},
+                  kHeldAtMost});
+
+}  // namespace
+}  // namespace quillon::bench
