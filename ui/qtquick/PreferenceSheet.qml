@@ -7,6 +7,10 @@ Sheet {
     required property PreferenceCenterAdapter model
 
     readonly property bool isAtPurposes: model.tab === 0
+    // What lies further down than anybody sees at first comes once the first picture is there: to lay out and draw all
+    // of it in one turn would hold the host's loop.
+    property bool hasAppeared: false
+    readonly property int seenAtFirst: 4
 
     function openFirstPurpose() {
         cards.itemAt(0)?.item?.toggleDetails()
@@ -20,6 +24,7 @@ Sheet {
     canClose: isModal
     footerColor: Style.colors.footer
     onCloseRequested: model.close()
+    onIsOnScreenChanged: if (isOnScreen) hasAppeared = true
     onIsAtPurposesChanged: scrollBy(-1e6)
 
     header: [
@@ -95,8 +100,10 @@ Sheet {
                 id: place
 
                 required property var modelData
+                required property int index
 
                 width: parent?.width ?? 0
+                active: screen.hasAppeared || index < screen.seenAtFirst
                 asynchronous: true
                 sourceComponent: PurposeCard {
                     width: place.width
@@ -143,6 +150,7 @@ Sheet {
                 required property int index
 
                 width: parent?.width ?? 0
+                active: screen.hasAppeared
                 asynchronous: true
                 sourceComponent: PermissionRow {
                     width: rowPlace.width
