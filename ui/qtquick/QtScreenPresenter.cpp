@@ -176,9 +176,8 @@ void QtScreenPresenter::dismissTopMost() {
 }
 
 void QtScreenPresenter::dismissBanner(Core core) {
-  const auto found = std::ranges::find_if(stack_, [&](const Screen* screen) {
-    return screen->kind() == ScreenKind::banner && screen->core() == core;
-  });
+  const auto found = std::ranges::find_if(
+      stack_, [&](const Screen* screen) { return screen->kind() == ScreenKind::banner && screen->core() == core; });
   if (found != stack_.end()) dismiss(*found);
   Q_EMIT bannerDismissed(core);
 }
