@@ -15,6 +15,10 @@ if(QUILLON_ABI EQUAL 0)
   set(QUILLON_ABI 0.${PROJECT_VERSION_MINOR})
 endif()
 
+# The addresses in tables of functions take an eighth of the room.
+include(CheckLinkerFlag)
+check_linker_flag(CXX -Wl,-z,pack-relative-relocs QUILLON_PACKS_RELOCATIONS)
+
 function(quillon_component name)
   cmake_parse_arguments(arg "" "PACKAGE" "ARCHIVES;OBJECTS;USES;LINKS" ${ARGN})
   list(GET arg_ARCHIVES 0 archive)
@@ -30,6 +34,9 @@ function(quillon_component name)
       -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,--gc-sections -Wl,-z,now
       -Wl,-z,nodelete)  # the shared instance is never destroyed, nor may its code go
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
+    if(QUILLON_PACKS_RELOCATIONS)
+      target_link_options(${target} PRIVATE -Wl,-z,pack-relative-relocs)
+    endif()
     if(QUILLON_SANITIZE)
       target_link_options(${target} PRIVATE -fsanitize=${QUILLON_SANITIZE})
     else()
