@@ -112,6 +112,10 @@ auto consentExplanation(const std::shared_ptr<Core>& core, std::int64_t purposeI
 std::string_view rawValue(BannerReason reason) noexcept {
   return textOf<BannerReason>(kBannerReasons, reason);
 }
+template <>
+std::optional<BannerReason> fromRawValue(std::string_view text) noexcept {
+  return caseOf<BannerReason>(kBannerReasons, text);
+}
 
 BannerExplanation ConsentSDK::Core::explainBanner() {
   const auto entries = store.snapshot();

@@ -17,6 +17,10 @@ constexpr RawValue<ScreenKind> kScreenKinds[] = {
 std::string_view rawValue(ScreenKind kind) noexcept {
   return textOf<ScreenKind>(kScreenKinds, kind);
 }
+template <>
+std::optional<ScreenKind> fromRawValue(std::string_view text) noexcept {
+  return caseOf<ScreenKind>(kScreenKinds, text);
+}
 
 Job ConsentSDK::Core::announce(std::vector<Decision> decisions) {
   std::vector<Job> deliveries;

@@ -8,6 +8,8 @@
 #include "quillon/BannerConfig.h"
 #include "quillon/ConsentSDKOptions.h"
 #include "quillon/ConsentStatus.h"
+#include "quillon/Explanations.h"
+#include "quillon/Listeners.h"
 #include "quillon/LogLevel.h"
 #include "quillon/SDKStatus.h"
 #include "quillon/VantariKey.h"
@@ -36,6 +38,8 @@ TEST(RawValue, IsTheFixedTextOfEveryCase) {
   expectTexts<ComplianceType>({"notice-only", "opt-in", "opt-out"});
   expectTexts<BannerPosition>({"bottom", "center"});
   expectTexts<ButtonShape>({"rounded", "square", "pill", "outlined", "edgeless"});
+  expectTexts<BannerReason>({"never_shown", "unanswered", "reconsent", "interval_over", "on_screen", "answered"});
+  expectTexts<ScreenKind>({"banner", "preferenceCenter", "settingsPrompt", "webView"});
 }
 
 TEST(RawValue, OfAnSdkStatusIsANumberWithAMessage) {
