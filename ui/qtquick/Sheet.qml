@@ -171,7 +171,7 @@ FocusScope {
             id: flick
 
             // With the keyboard, what has the focus comes into view.
-            readonly property Item focusedItem: sheet.Window.activeFocusItem
+            readonly property Item focusedItem: Window.activeFocusItem
 
             y: headerFixed.height
             width: parent.width
