@@ -50,7 +50,7 @@ if [ "$flavour" = shared ]; then
     size=$((size + $(stat -c %s "$work/stripped")))
   done
   echo "core and Linux services: $size bytes stripped, Boost included"
-  [ "$size" -le $((1024 * 1024)) ] || fail "the SDK is larger than a mebibyte"
+  [ "$size" -le 1100000 ] || fail "the SDK grew: docs/performance.md says what is in it"
 fi
 
 # The examples away from their repository, as somebody's own project. First without anything of Qt, with both compilers.
