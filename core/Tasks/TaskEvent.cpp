@@ -24,18 +24,21 @@ Task<bool> TaskEvent::happensWithin(std::chrono::milliseconds limit) {
     waiting_.push_back(channel);
   }
   {
-    std::unique_ptr<Timer> timer;
-    try {
-      timer = clock_->after(limit, [channel] { channel->try_send(boost::system::error_code()); });
-    } catch (const std::system_error&) {
-      // The system has no thread left for the clock: then this takes as long as the event does.
-    }
+    const auto timer = timerFor(limit, [channel] { channel->try_send(boost::system::error_code()); });
     co_await channel->async_receive(boost::asio::use_awaitable);
   }
   const std::scoped_lock lock(mutex_);
   std::erase(waiting_, channel);
   if (!happened_) missed_ = true;
   co_return happened_;
+}
+
+std::unique_ptr<Timer> TaskEvent::timerFor(std::chrono::milliseconds limit, Job job) {
+  try {
+    return clock_->after(limit, std::move(job));
+  } catch (const std::system_error&) {
+    return nullptr;
+  }
 }
 
 bool TaskEvent::wasMissed() const {

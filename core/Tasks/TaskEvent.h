@@ -30,6 +30,9 @@ class TaskEvent {
  private:
   using Channel = boost::asio::experimental::concurrent_channel<void(boost::system::error_code)>;
 
+  // Null when the system has no thread left for the clock: then the wait takes as long as the event does.
+  std::unique_ptr<Timer> timerFor(std::chrono::milliseconds limit, Job job);
+
   const boost::asio::any_io_executor executor_;
   const std::shared_ptr<Clock> clock_;
   mutable std::mutex mutex_;  // guards the members below
