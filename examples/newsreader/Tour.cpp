@@ -18,8 +18,8 @@ Tour::Tour(QQuickWindow* window, quillon::ConsentSDK& sdk, QString folder, bool 
   steps_ = {
       {"banner", seen("Accept all")},
       {"preferences", pressed("Choose for yourself")},
-      {"purpose", pressed("Details, Audience measurement")},
       {"switched", pressed("Audience measurement")},
+      {"purpose", pressed("Details, Essential services")},
       {"permissions", pressed("Permissions")},
       {"prompt", pressed("Update, Camera")},
       {"after-prompt", pressed("Not now")},
