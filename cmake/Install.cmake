@@ -39,7 +39,7 @@ function(quillon_pkgconfig name description libraries archives requires)
 endfunction()
 
 set(needs sqlite3 libcurl gio-2.0)
-set(core_archives -lquillon-memory -lquillon-parts -lboost_json -lboost_url -pthread)
+set(core_archives -lquillon-memory -lquillon-parts -lboost_json -lboost_url -lz -pthread)
 quillon_pkgconfig(quillon-consent "Consent management for applications"
   "-lquillon-linux;-lquillon-core" "${core_archives}" "${needs}")
 quillon_pkgconfig(quillon-consent-c "Consent management for applications, C interface" "-lquillon-consent-c" "" "")

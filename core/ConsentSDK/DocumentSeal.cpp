@@ -1,6 +1,6 @@
 #include "core/ConsentSDK/DocumentSeal.h"
 
-#include <boost/crc.hpp>
+#include <zlib.h>
 
 namespace quillon {
 namespace {
@@ -11,10 +11,9 @@ constexpr char zero = ' ';
 constexpr char one = '\t';
 
 std::string sealOf(std::string_view document) {
-  boost::crc_32_type crc;
-  crc.process_bytes(document.data(), document.size());
+  const auto checksum = crc32_z(0, reinterpret_cast<const Bytef*>(document.data()), document.size());
   std::string seal = "\n";
-  for (std::size_t bit = 0; bit < bits; ++bit) seal += (crc.checksum() >> bit & 1) != 0 ? one : zero;
+  for (std::size_t bit = 0; bit < bits; ++bit) seal += (checksum >> bit & 1) != 0 ? one : zero;
   return seal;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/linux/StoredValue.h"
 
-#include <boost/crc.hpp>
+#include <zlib.h>
+
 #include <boost/json.hpp>
 #include <charconv>
 
@@ -78,12 +79,13 @@ std::optional<PropertyValue> fromStored(std::string_view type, std::string_view 
 }
 
 std::uint32_t storedChecksum(std::string_view key, std::string_view type, std::string_view text) {
-  boost::crc_32_type crc;
+  uLong checksum = 0;
   for (const auto part : {key, type, text}) {
-    crc.process_bytes(part.data(), part.size());
-    crc.process_byte(0);
+    constexpr Bytef end = 0;
+    checksum = crc32_z(checksum, reinterpret_cast<const Bytef*>(part.data()), part.size());
+    checksum = crc32_z(checksum, &end, 1);
   }
-  return crc.checksum();
+  return static_cast<std::uint32_t>(checksum);
 }
 
 }  // namespace quillon
