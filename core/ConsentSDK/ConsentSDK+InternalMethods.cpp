@@ -96,7 +96,7 @@ Task<std::optional<std::string>> ConsentSDK::Core::locationFor(const MainConfigu
   if (!isWithin(key::currentLocationTimestamp, locationLifetime)) {
     const bool failedLately = isWithin(key::locationFailedTimestamp, locationFailureLifetime);
     const auto lookup = locationLookup();
-    co_await lookup->happensWithin(failedLately ? locationPatienceAfterFailure : locationPatience);
+    co_await lookup->happensWithin(failedLately ? locationPatienceAfterFailure : locationPatience, *platform.clock);
     if (!failedLately && !isWithin(key::currentLocationTimestamp, locationLifetime)) {
       store.set(key::locationFailedTimestamp, platform.clock->now());
     }
@@ -115,7 +115,7 @@ std::shared_ptr<TaskEvent> ConsentSDK::Core::locationLookup() {
   {
     const std::scoped_lock lock(mutex_);
     if (locationLookup_) return locationLookup_;
-    lookup = std::make_shared<TaskEvent>(platform.executors->background(), platform.clock);
+    lookup = std::make_shared<TaskEvent>();
     locationLookup_ = lookup;
   }
   // Over also when the task fails, or never starts.

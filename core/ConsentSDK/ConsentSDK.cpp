@@ -24,8 +24,7 @@ ConsentSDK::Core::Core(Platform services)
       uploadListeners([this](Job job) { onMain(std::move(job)); }),
       cache(platform, store, logger, locale),
       networkManager(platform, store, logger, stop.get_token()),
-      consentMode(platform, store, logger),
-      uploads(platform.executors->background()) {}
+      consentMode(platform, store, logger) {}
 
 std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
   auto core = std::make_shared<Core>(std::move(platform));

@@ -1,13 +1,12 @@
 #include "core/Network/ConsentNetworkManager.h"
 
-#include <boost/asio/associated_executor.hpp>
-#include <boost/asio/async_result.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/use_awaitable.hpp>
+#include <optional>
+#include <utility>
 
 #include "core/Logger/UnitLog.h"
 #include "core/Network/ExchangeText.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Tasks/Suspension.h"
 
 namespace quillon {
 namespace {
@@ -19,19 +18,15 @@ constexpr int notHttp = -999;
 
 using Answer = std::expected<HttpResponse, TransportError>;
 
-// Suspends until the session has answered; the coroutine goes on on its own executor, never on the session's thread.
 Task<Answer> exchangeOver(HttpSession& session, HttpRequest request, std::stop_token stop) {
-  auto initiate = [&session](auto handler, HttpRequest outgoing, std::stop_token token) {
-    const auto executor = boost::asio::get_associated_executor(handler);
-    session.send(std::move(outgoing), std::move(token),
-                 [executor, handler = std::move(handler)](Answer answer) mutable {
-                   boost::asio::post(executor, [handler = std::move(handler), answer = std::move(answer)]() mutable {
-                     std::move(handler)(std::move(answer));
-                   });
-                 });
-  };
-  co_return co_await boost::asio::async_initiate<const boost::asio::use_awaitable_t<>, void(Answer)>(
-      std::move(initiate), boost::asio::use_awaitable, std::move(request), std::move(stop));
+  std::optional<Answer> answer;
+  co_await suspendedUntilRun([&](Job goOn) {
+    session.send(std::move(request), std::move(stop), [&answer, goOn = std::move(goOn)](Answer received) mutable {
+      answer = std::move(received);
+      goOn();
+    });
+  });
+  co_return *std::move(answer);
 }
 
 // An error page, or a message, may repeat the token that the request carried. From here on it is nowhere in the answer.

@@ -1,44 +1,59 @@
 #include "core/Tasks/TaskEvent.h"
 
-#include <boost/asio/use_awaitable.hpp>
 #include <system_error>
 #include <utility>
 
+#include "core/Tasks/Suspension.h"
+
 namespace quillon {
+namespace {
+
+// Null when the system has no thread left for the clock: then the wait takes as long as the event does.
+std::unique_ptr<Timer> timerFor(std::chrono::milliseconds limit, Clock& clock, Job job) {
+  try {
+    return clock.after(limit, std::move(job));
+  } catch (const std::system_error&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
 
 void TaskEvent::happen() {
-  std::vector<std::shared_ptr<Channel>> waiting;
+  std::vector<Job> waiting;
   {
     const std::scoped_lock lock(mutex_);
     happened_ = true;
     waiting.swap(waiting_);
   }
-  for (const auto& channel : waiting) channel->try_send(boost::system::error_code());
+  for (auto& job : waiting) job();
 }
 
-Task<bool> TaskEvent::happensWithin(std::chrono::milliseconds limit) {
-  const auto channel = std::make_shared<Channel>(executor_, 1);  // takes the first word, of the event or of the clock
+void TaskEvent::whenItHappens(Job job) {
   {
     const std::scoped_lock lock(mutex_);
-    if (happened_) co_return true;
-    waiting_.push_back(channel);
+    if (!happened_) {
+      waiting_.push_back(std::move(job));
+      return;
+    }
   }
-  {
-    const auto timer = timerFor(limit, [channel] { channel->try_send(boost::system::error_code()); });
-    co_await channel->async_receive(boost::asio::use_awaitable);
-  }
-  const std::scoped_lock lock(mutex_);
-  std::erase(waiting_, channel);
-  if (!happened_) missed_ = true;
-  co_return happened_;
+  job();
 }
 
-std::unique_ptr<Timer> TaskEvent::timerFor(std::chrono::milliseconds limit, Job job) {
-  try {
-    return clock_->after(limit, std::move(job));
-  } catch (const std::system_error&) {
-    return nullptr;
+Task<void> TaskEvent::happens() {
+  return suspendedUntilRun([this](Job goOn) { whenItHappens(std::move(goOn)); });
+}
+
+Task<bool> TaskEvent::happensWithin(std::chrono::milliseconds limit, Clock& clock) {
+  const auto first = std::make_shared<TaskEvent>();  // of the event and the end of the time
+  whenItHappens([first] { first->happen(); });
+  {
+    const auto timer = timerFor(limit, clock, [first] { first->happen(); });
+    co_await first->happens();
   }
+  const std::scoped_lock lock(mutex_);
+  if (!happened_) missed_ = true;
+  co_return happened_;
 }
 
 bool TaskEvent::wasMissed() const {

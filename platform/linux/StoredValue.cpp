@@ -2,7 +2,6 @@
 
 #include <zlib.h>
 
-#include <boost/json.hpp>
 #include <charconv>
 
 namespace quillon {
@@ -16,12 +15,15 @@ struct ToStored {
   StoredValue operator()(PropertyDate value) const {
     return {"date", std::to_string(std::int64_t{value.time_since_epoch().count()})};
   }
-  StoredValue operator()(const std::vector<std::int64_t>& values) const { return {"integers", array(values)}; }
-  StoredValue operator()(const std::vector<std::string>& values) const { return {"strings", array(values)}; }
-
-  template <class Element>
-  static std::string array(const std::vector<Element>& values) {
-    return boost::json::serialize(boost::json::array(values.begin(), values.end()));
+  StoredValue operator()(const std::vector<std::int64_t>& values) const {
+    std::string text;
+    for (const auto value : values) text += std::to_string(value) + ' ';
+    return {"integers", std::move(text)};
+  }
+  StoredValue operator()(const std::vector<std::string>& values) const {
+    std::string text;
+    for (const auto& value : values) text += std::to_string(value.size()) + ':' + value;
+    return {"strings", std::move(text)};
   }
 };
 
@@ -32,24 +34,28 @@ std::optional<std::int64_t> integer(std::string_view text) {
   return value;
 }
 
-template <class Element>
-std::optional<PropertyValue> array(std::string_view text) {
-  // What the host stored is given back byte for byte, well-formed or not.
-  boost::json::parse_options options;
-  options.allow_invalid_utf8 = true;
-  boost::json::error_code error;
-  const auto document = boost::json::parse(text, error, {}, options);
-  if (error || !document.is_array()) return std::nullopt;
-  std::vector<Element> values;
-  values.reserve(document.get_array().size());
-  for (const auto& element : document.get_array()) {
-    if constexpr (std::is_same_v<Element, std::string>) {
-      if (!element.is_string()) return std::nullopt;
-      values.emplace_back(element.get_string());
-    } else {
-      if (!element.is_int64()) return std::nullopt;
-      values.push_back(element.get_int64());
-    }
+std::optional<PropertyValue> integers(std::string_view text) {
+  std::vector<std::int64_t> values;
+  while (!text.empty()) {
+    const auto space = text.find(' ');
+    const auto value = integer(text.substr(0, space));
+    if (!value || space == text.npos) return std::nullopt;
+    values.push_back(*value);
+    text.remove_prefix(space + 1);
+  }
+  return values;
+}
+
+std::optional<PropertyValue> strings(std::string_view text) {
+  std::vector<std::string> values;
+  while (!text.empty()) {
+    const auto colon = text.find(':');
+    const auto length = integer(text.substr(0, colon));
+    if (!length || colon == text.npos) return std::nullopt;
+    text.remove_prefix(colon + 1);
+    if (*length < 0 || static_cast<std::uint64_t>(*length) > text.size()) return std::nullopt;
+    values.emplace_back(text.substr(0, static_cast<std::size_t>(*length)));
+    text.remove_prefix(static_cast<std::size_t>(*length));
   }
   return values;
 }
@@ -73,8 +79,8 @@ std::optional<PropertyValue> fromStored(std::string_view type, std::string_view 
     if (!milliseconds) return std::nullopt;
     return PropertyDate(std::chrono::milliseconds(*milliseconds));
   }
-  if (type == "integers") return array<std::int64_t>(text);
-  if (type == "strings") return array<std::string>(text);
+  if (type == "integers") return integers(text);
+  if (type == "strings") return strings(text);
   return std::nullopt;
 }
 
