@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
 #include <thread>
 #ifdef QUILLON_BENCH_SDK
@@ -45,14 +46,24 @@ long privateMemory() {
   return sumOf("/proc/self/smaps_rollup", "Private_Clean:") + sumOf("/proc/self/smaps_rollup", "Private_Dirty:");
 }
 
-// Of all threads but this one.
-long wakeUps() {
-  const std::string own = std::to_string(getpid());
-  long count = 0;
+// Of each thread but this one.
+std::map<std::string, long> wakeUps() {
+  std::map<std::string, long> counts;
   for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-    if (thread.path().filename() != own) count += sumOf(thread.path() / "status", "voluntary_ctxt_switches:");
+    counts[thread.path().filename()] = sumOf(thread.path() / "status", "voluntary_ctxt_switches:");
   }
-  return count;
+  counts.erase(std::to_string(getpid()));
+  return counts;
+}
+
+// A thread that has ended meanwhile was woken for that.
+long wakeUpsSince(std::map<std::string, long> before) {
+  long sum = 0;
+  for (const auto& [thread, count] : wakeUps()) {
+    const auto known = before.extract(thread);
+    sum += count - (known ? known.mapped() : 0);
+  }
+  return sum + static_cast<long>(before.size());
 }
 
 void rest(std::chrono::seconds time) {
@@ -95,8 +106,8 @@ int main(int argc, char** argv) {
 #endif
 #endif
   rest(std::chrono::seconds(1));
-  const long before = wakeUps();
+  const auto before = wakeUps();
   const long memory = privateMemory();
   rest(idle);
-  std::printf("%ld %ld\n", memory, wakeUps() - before);
+  std::printf("%ld %ld\n", memory, wakeUpsSince(before));
 }
