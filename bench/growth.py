@@ -54,11 +54,13 @@ def panel(lines, name, label, left):
     out.append(
         f'<path d="M{x(start):.1f} {y(costs[1]):.1f}L{x(sizes[-1]):.1f} {y(min(costs[-1], costs[1] * sizes[-1] / start)):.1f}" '
         'stroke="#999" stroke-dasharray="4 4" fill="none"/>')
-    for operation, points in mine.items():
+    labels = []
+    for operation, points in sorted(mine.items(), key=lambda line: line[1][-1][1]):
         path = "L".join(f"{x(size):.1f} {y(cost):.1f}" for size, cost in points)
         out.append(f'<path d="M{path}" stroke="{COLOURS[operation]}" stroke-width="2" fill="none"/>')
         size, cost = points[-1]
-        out.append(f'<text x="{x(size) - 4:.1f}" y="{y(cost) - 8:.1f}" text-anchor="end" '
+        labels.append(min([y(cost) - 8] + [other - 13 for other in labels]))  # none on top of another
+        out.append(f'<text x="{x(size) - 4:.1f}" y="{labels[-1]:.1f}" text-anchor="end" '
                    f'fill="{COLOURS[operation]}">{operation}</text>')
     out.append(f'<text x="{left + MARGIN + WIDTH / 2}" y="{HEIGHT + 70}" text-anchor="middle">{label}</text>')
     return out

@@ -17,7 +17,7 @@ struct ToStored {
   }
   StoredValue operator()(const std::vector<std::int64_t>& values) const {
     std::string text;
-    for (const auto value : values) text += std::to_string(value) + ' ';
+    for (const auto value : values) text += (text.empty() ? "" : " ") + std::to_string(value);
     return {"integers", std::move(text)};
   }
   StoredValue operator()(const std::vector<std::string>& values) const {
@@ -36,12 +36,13 @@ std::optional<std::int64_t> integer(std::string_view text) {
 
 std::optional<PropertyValue> integers(std::string_view text) {
   std::vector<std::int64_t> values;
-  while (!text.empty()) {
+  for (bool more = !text.empty(); more;) {
     const auto space = text.find(' ');
     const auto value = integer(text.substr(0, space));
-    if (!value || space == text.npos) return std::nullopt;
+    if (!value) return std::nullopt;
     values.push_back(*value);
-    text.remove_prefix(space + 1);
+    more = space != text.npos;
+    if (more) text.remove_prefix(space + 1);
   }
   return values;
 }

@@ -12,7 +12,7 @@ namespace quillon {
 
 struct StoredValue {
   // "string", "boolean" (true, false), "integer" (decimal), "date" (milliseconds since 1970-01-01 UTC, decimal),
-  // "integers" (decimal, a space behind each), "strings" (before each its length in bytes and a colon).
+  // "integers" (decimal, a space between them), "strings" (before each its length in bytes and a colon).
   std::string_view type;
   std::string text;
 };

@@ -56,10 +56,11 @@ fi
 # The examples away from their repository, as somebody's own project. First without anything of Qt, with both compilers.
 cp -r "$source/examples" "$work/examples"
 build_examples() {
-  local compiler=$1 folder=$2
+  local compiler=$1 folder=$2 for_c=gcc
+  [[ $compiler != *clang++* ]] || for_c=${compiler/clang++/clang}
   shift 2
-  quietly cmake -G Ninja -S "$work/examples" -B "$folder" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" \
-    -DCMAKE_BUILD_TYPE=Debug "$@"
+  quietly cmake -G Ninja -S "$work/examples" -B "$folder" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$for_c" \
+    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Debug "$@"
   quietly cmake --build "$folder"
 }
 build_examples "$cxx" "$work/plain" -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON -DQUILLON_EXAMPLES=headless

@@ -82,11 +82,11 @@ mode_t modeOf(const std::filesystem::path& path) {
 TEST_F(SqliteSuiteTest, KeepsWhatWasWrittenReadableInTheShell) {
   ASSERT_TRUE(put(*open(), "12", std::string("granted")));
   ASSERT_TRUE(put(*open(), "list", std::vector<std::int64_t>{3, 4}));
-  EXPECT_EQ(listed(*open()), "12=granted list=[3,4]");
+  EXPECT_EQ(listed(*open()), "12=granted list=3 4");
   auto database = SqliteDatabase::open(file_);
   ASSERT_TRUE(database);
   EXPECT_EQ(database->ask("SELECT group_concat(key || '|' || type || '|' || value, ' ') FROM entries WHERE key<>''"),
-            "12|string|granted list|integers|[3,4]");
+            "12|string|granted list|integers|3 4");
   EXPECT_EQ(database->ask("PRAGMA journal_mode"), "delete") << "a file in WAL mode says so";
   EXPECT_TRUE(reports_.empty());
 }
@@ -530,10 +530,9 @@ TEST_F(SqliteSuiteTest, ATextThatIsNotOneOfItsTypeIsNoValue) {
       {"integer", "1e3"},
       {"integer", "+1"},
       {"date", "today"},
-      {"integers", "1"},
-      {"integers", "1 2"},
-      {"integers", "1  2 "},
-      {"integers", "1,2 "},
+      {"integers", "1 "},
+      {"integers", "1  2"},
+      {"integers", "1,2"},
       {"strings", "1"},
       {"strings", "2:a"},
       {"strings", "-1:a"},
@@ -542,7 +541,7 @@ TEST_F(SqliteSuiteTest, ATextThatIsNotOneOfItsTypeIsNoValue) {
       {"strings", ":a"},
       {"marker", "1"},
       {"integer", "9223372036854775808"},
-      {"integers", "9223372036854775808 "},
+      {"integers", "1 9223372036854775808"},
   };
   for (const auto& [type, text] : rows) EXPECT_FALSE(fromStored(type, text)) << type << " " << text;
 }
