@@ -53,33 +53,27 @@ class ClockContract : public testing::TestWithParam<Kind> {
   std::unique_ptr<Clock> clock_ = GetParam().make();
 };
 
-TEST_P(ClockContract, RunsJobsInTheOrderOfTheirDelays) {
+TEST_P(ClockContract, RunsJobsInTheOrderOfTheirDelaysNeverEarlyAndPastOneThatThrows) {
   std::vector<int> order;
   Signal last;
+  const WallTime start = clock_->now();
+  WallTime seen;
+  const auto begin = std::chrono::steady_clock::now();
   const auto third = clock_->after(90ms, [&] {
+    seen = clock_->now();
     order.push_back(3);
     last.set();
   });
-  const auto first = clock_->after(-1h, [&] { order.push_back(1); });
+  const auto first = clock_->after(-1h, [&] {
+    order.push_back(1);
+    throw std::runtime_error("fault of a job");
+  });
   const auto second = clock_->after(45ms, [&] { order.push_back(2); });
   pass(90ms);
   ASSERT_TRUE(last.wait());
   EXPECT_EQ(order, (std::vector{1, 2, 3}));
-}
-
-TEST_P(ClockContract, NeverFiresEarly) {
-  Signal fired;
-  WallTime seen;
-  const WallTime start = clock_->now();
-  const auto begin = std::chrono::steady_clock::now();
-  const auto timer = clock_->after(50ms, [&] {
-    seen = clock_->now();
-    fired.set();
-  });
-  pass(50ms);
-  ASSERT_TRUE(fired.wait());
   const bool real = std::string_view(GetParam().name) == "Linux";
-  EXPECT_GE(real ? std::chrono::steady_clock::now() - begin : seen - start, 50ms);
+  EXPECT_GE(real ? std::chrono::steady_clock::now() - begin : seen - start, 90ms);
 }
 
 TEST_P(ClockContract, RepeatsUntilDroppedFromWithinItsOwnJob) {
@@ -135,14 +129,6 @@ TEST_P(ClockContract, DroppingATimerWaitsForItsJobOnAnotherThread) {
   EXPECT_TRUE(dropped.wait());
 }
 
-TEST_P(ClockContract, GoesOnAfterAJobThatThrows) {
-  Signal reached;
-  const auto faulty = clock_->after(1ms, [] { throw std::runtime_error("fault of a job"); });
-  const auto next = clock_->after(5ms, [&] { reached.set(); });
-  pass(5ms);
-  EXPECT_TRUE(reached.wait());
-}
-
 TEST_P(ClockContract, TimersOutliveTheirClockWithoutFiring) {
   const auto captured = std::make_shared<int>();
   auto timer = clock_->after(1h, [captured] { FAIL() << "fired without a clock"; });
@@ -189,8 +175,8 @@ TEST(VirtualClockTest, AJumpOfTheWallTimeMovesNoTimer) {
   const auto timer = clock.after(1h, [&] { ++count; });
   clock.jump(24h);
   EXPECT_EQ(clock.now(), utc(2024, 5, 2));
-  EXPECT_EQ(count, 0);
   clock.jump(-48h);
+  EXPECT_EQ(count, 0);
   clock.advance(1h);
   EXPECT_EQ(count, 1);
   EXPECT_EQ(clock.now(), utc(2024, 4, 30, 1h));

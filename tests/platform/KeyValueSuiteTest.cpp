@@ -21,7 +21,7 @@ using test::contains;
 
 // A second store shows what a later process finds, where there is such a thing.
 struct OnDisk {
-  test::TemporaryFolder folder;
+  test::TemporaryFolder folder{test::TemporaryFolder::fastParent()};
   SqliteStore store{folder.path() / "app"};
   SqliteStore later{folder.path() / "app"};
 };
@@ -140,6 +140,11 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
 
   EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
     return appending({"fine", std::string(maximumJournalTextBytes + 1, 'x')}, {{"other", true}});
+  }));
+  EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
+    SuiteUpdate update = appending({"fine"}, {{"other", true}});
+    update.settle = [](const std::vector<JournalRecord>&) -> std::vector<std::string> { throw 1; };
+    return update;
   }));
   EXPECT_EQ(content(*this->suite_).size(), 1u);
   EXPECT_EQ(journal(*this->suite_), expected);

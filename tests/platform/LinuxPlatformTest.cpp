@@ -14,6 +14,7 @@
 namespace quillon {
 namespace {
 
+using namespace std::string_literals;
 using test::contains;
 
 class LinuxPlatformTest : public testing::Test {
@@ -37,6 +38,16 @@ TEST_F(LinuxPlatformTest, GivesEveryApplicationAFolderOfItsOwnInsideTheUsersData
   EXPECT_EQ(folder(), data_.path() / "com.example.reader");
   EXPECT_EQ(folder({.applicationId = "org.example.mail"}), data_.path() / "org.example.mail");
   EXPECT_EQ(folder({.dataDirectory = data_.path() / "elsewhere"}), data_.path() / "elsewhere");
+  for (const std::string& id : {"."s, ".."s, "../../etc"s, "/etc"s, "a/b"s, "a\nb"s, std::string(5000, 'x')}) {
+    EXPECT_EQ(folder({.applicationId = id}).parent_path(), data_.path()) << id << " leads out of the user's data";
+  }
+  setenv("HOME", "/home/ada", 1);
+  for (const char* value : {"", "relative/path"}) {
+    setenv("XDG_DATA_HOME", value, 1);
+    EXPECT_EQ(folder({.applicationId = "reader"}), "/home/ada/.local/share/reader");
+  }
+  setenv("HOME", "relative", 1);
+  EXPECT_TRUE(folder().is_absolute()) << "followed the working directory";
 }
 
 TEST_F(LinuxPlatformTest, ADataFolderBehindALinkServesStoreAndFilesAlike) {
@@ -48,23 +59,6 @@ TEST_F(LinuxPlatformTest, ADataFolderBehindALinkServesStoreAndFilesAlike) {
   EXPECT_TRUE(platform.files->createDirectories(elsewhere) && platform.files->write(elsewhere / "file", "x"));
   EXPECT_TRUE(platform.store->open("suite", {}));
   EXPECT_TRUE(std::filesystem::exists(elsewhere / "suite.sqlite"));
-}
-
-TEST_F(LinuxPlatformTest, NoIdentifierLeadsOutOfTheUsersData) {
-  for (const std::string& id :
-       std::vector<std::string>{".", "..", "../../etc", "/etc", "a/b", "a\nb", std::string(5000, 'x')}) {
-    EXPECT_EQ(folder({.applicationId = id}).parent_path(), data_.path()) << id;
-  }
-}
-
-TEST_F(LinuxPlatformTest, TakesTheHomeFolderWhereTheDataFolderIsNotAbsolute) {
-  setenv("HOME", "/home/ada", 1);
-  for (const char* value : {"", "relative/path"}) {
-    setenv("XDG_DATA_HOME", value, 1);
-    EXPECT_EQ(folder({.applicationId = "reader"}), "/home/ada/.local/share/reader");
-  }
-  setenv("HOME", "relative", 1);
-  EXPECT_TRUE(folder().is_absolute()) << "followed the working directory";
 }
 
 TEST_F(LinuxPlatformTest, AnApplicationReplacesServicesButTakesNoneAway) {

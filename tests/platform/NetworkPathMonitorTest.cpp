@@ -5,6 +5,8 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <functional>
+#include <future>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -64,14 +66,6 @@ TEST(StaticNetworkPathTest, ReportsThePresentStatusAndThenChangesOnTheQueue) {
   EXPECT_EQ(heard.size(), 3u) << "a report on its way reached a subscriber that had left";
 }
 
-TEST(NetlinkPathMonitorTest, ReportsOnceSoonAfterTheStart) {
-  Heard heard;
-  AsioExecutors executors;
-  NetlinkPathMonitor monitor;
-  const auto subscription = monitor.start(executors.serial("path"), [&](NetworkStatus status) { heard(status); });
-  EXPECT_EQ(heard.wait(1).size(), 1u);
-}
-
 TEST(NetlinkPathMonitorTest, IsSilentOnceTheSubscriptionIsDropped) {
   AsioExecutors executors;
   NetlinkPathMonitor monitor;
@@ -79,7 +73,9 @@ TEST(NetlinkPathMonitorTest, IsSilentOnceTheSubscriptionIsDropped) {
     auto heard = std::make_unique<Heard>();
     auto subscription =
         monitor.start(executors.background(), [&target = *heard](NetworkStatus status) { target(status); });
-    if (round % 2 == 0) heard->wait(1);
+    if (round % 2 == 0) {
+      EXPECT_EQ(heard->wait(1).size(), 1u);
+    }
     subscription.reset();
     heard.reset();  // a report that came now would touch freed memory
   }
@@ -87,17 +83,13 @@ TEST(NetlinkPathMonitorTest, IsSilentOnceTheSubscriptionIsDropped) {
 
 TEST(NetlinkPathMonitorTest, ASubscriptionCanBeDroppedFromItsOwnHandler) {
   Heard heard;
-  std::mutex mutex;
-  std::unique_ptr<NetworkSubscription> subscription;
+  std::promise<std::unique_ptr<NetworkSubscription>> started;
   AsioExecutors executors;
   NetlinkPathMonitor monitor;
-  std::unique_lock lock(mutex);
-  subscription = monitor.start(executors.background(), [&](NetworkStatus status) {
-    const std::lock_guard inner(mutex);
-    subscription.reset();
+  started.set_value(monitor.start(executors.background(), [&](NetworkStatus status) {
+    started.get_future().get().reset();
     heard(status);
-  });
-  lock.unlock();
+  }));
   EXPECT_EQ(heard.wait(1).size(), 1u);
 }
 
@@ -147,20 +139,9 @@ TEST_F(OwnNetwork, IsSatisfiedWhileADefaultRouteLeavesThroughALinkThatIsUp) {
     ASSERT_TRUE(run("ip route add default nexthop via 192.0.2.1 nexthop via 192.0.2.3"));
     ASSERT_EQ(heard.wait(4).size(), 4u);
     ASSERT_TRUE(run("ip link set p0 down"));
-    ASSERT_EQ(heard.wait(5), (Statuses{unsatisfied, satisfied, unsatisfied, satisfied, unsatisfied}));
-  });
-}
-
-TEST_F(OwnNetwork, CountsTheSixthVersionToo) {
-  inOwnNetwork([] {
-    ASSERT_TRUE(run("ip link set d0 up") && run("ip -6 route add default dev d0"));
-    AsioExecutors executors;
-    NetlinkPathMonitor monitor;
-    Heard heard;
-    const auto subscription = monitor.start(executors.serial("path"), [&](NetworkStatus status) { heard(status); });
-    ASSERT_EQ(heard.wait(1), Statuses{satisfied});
-    ASSERT_TRUE(run("ip link set p0 down"));
-    ASSERT_EQ(heard.wait(2), (Statuses{satisfied, unsatisfied}));
+    ASSERT_EQ(heard.wait(5).size(), 5u);
+    ASSERT_TRUE(run("ip route del default") && run("ip -6 route add default dev d0") && run("ip link set p0 up"));
+    ASSERT_EQ(heard.wait(6).back(), satisfied) << "the sixth version counts too";
   });
 }
 

@@ -45,4 +45,9 @@ inline void setFileBytes(const std::filesystem::path& path, const std::string& b
   std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
+// Who may do what with it, as chmod takes it.
+inline unsigned modeOf(const std::filesystem::path& path) {
+  return static_cast<unsigned>(std::filesystem::symlink_status(path).permissions());
+}
+
 }  // namespace quillon::test

@@ -47,6 +47,14 @@ boost::json::object& bannerOf(boost::json::object& configuration) {
   return configuration["banner_config"].as_object()["categories"].as_object()["eu"].as_object();
 }
 
+boost::json::object configurationOfTwoLaws(std::string_view place) {
+  auto configuration = validConfiguration();
+  auto& banners = configuration["banner_config"].as_object();
+  banners["categories"].as_object()["lax"] = {{"compliance_type", "opt-out"}};
+  banners["locations"].as_object()[place] = "lax";
+  return configuration;
+}
+
 World::World(std::optional<std::filesystem::path> installed)
     : data(installed.value_or(folder.path() / "data")),
       clock(std::make_shared<VirtualClock>(WallTime(std::chrono::seconds(startSeconds)))),

@@ -23,6 +23,8 @@ namespace quillon::test {
 // 12 months. A test changes only what it is about.
 boost::json::object validConfiguration();
 boost::json::object& bannerOf(boost::json::object& configuration);
+// The same, and a second banner for that place, which is opt-out.
+boost::json::object configurationOfTwoLaws(std::string_view place);
 
 // 14 November 2023, 22:13:20 UTC.
 inline constexpr std::int64_t startSeconds = 1'700'000'000;
@@ -68,7 +70,7 @@ class World {
   // Everything that was logged, block after block.
   std::string log() const;
 
-  TemporaryFolder folder;
+  TemporaryFolder folder{TemporaryFolder::fastParent()};
   const std::filesystem::path data;
   ConsentServer server;
   std::shared_ptr<VirtualClock> clock;

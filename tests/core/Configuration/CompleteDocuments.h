@@ -1,6 +1,7 @@
 // For each record that travels as JSON, a document in which every key is set.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "core/Network/Responses.h"
@@ -9,137 +10,125 @@
 
 namespace quillon {
 
+struct CompleteDocument {
+  std::string json;
+  // Patterns of the places that must be there, and of the entries of maps, which may be missing but not null.
+  const char* required;
+  const char* entries = "";
+};
+
+// Puts a value in the place of each mark, no two alike: ? a number, % a text, @ one in two languages, * two numbers,
+// $ a colour.
+inline std::string filled(std::string_view form) {
+  std::string json;
+  int last = 100;
+  const auto next = [&] { return std::to_string(++last); };
+  for (const char mark : form) {
+    switch (mark) {
+      case '?':
+        json += next();
+        break;
+      case '%':
+        json += "\"t" + next() + "\"";
+        break;
+      case '@':
+        json += R"({"de": "d)" + next() + R"(", "en": "e)" + next() + "\"}";
+        break;
+      case '*':
+        json += "[" + next() + ", " + next() + "]";
+        break;
+      case '$':
+        json += "\"#000" + next() + "\"";
+        break;
+      default:
+        json += mark;
+    }
+  }
+  return json;
+}
+
 template <class R>
-inline constexpr std::string_view completeDocument;
+inline const CompleteDocument completeDocument;
 
 template <>
-inline constexpr std::string_view completeDocument<MainConfiguration> = R"json({
-  "generated_on": 101, "id": "t102", "name": "t103", "description": "t104", "tenant_id": "t105",
-  "platform": "t106", "status": "t107", "version": 108, "logo_base64": "t109", "x-auth-token": "t110",
-  "sdk_version": "t111",
-  "purposes": [
-    {
-      "purpose_id": 112, "purpose_name": {"de": "d113", "en": "e114"},
-      "purpose_description": {"de": "d115", "en": "e116"},
-      "sdks": [
-        {
-          "sdk_id": 117, "namespace_id": "t118", "sdk_name": {"de": "d119", "en": "e120"},
-          "sdk_description": {"de": "d121", "en": "e122"}, "vendor": "t123", "logo_base64": "t124",
-          "website": "t125", "matched_by": ["s126"], "collecting_data": true, "release_date": "t127",
-          "license": "t128"
-        }
-      ],
-      "consent_status": "not_determined", "disable_opt_out": true,
-      "opt_out_text": {"de": "d129", "en": "e130"}, "hide_details": true
-    }
-  ],
-  "permissions": [
-    {
-      "id": 131, "name": "t132", "permission_id": "NSCameraUsageDescription",
-      "description": {"de": "d133", "en": "e134"}, "group": "t135", "group_id": 136,
-      "consent_status": "not_determined", "nameI18N": {"de": "d137", "en": "e138"}
-    }
-  ],
+inline const CompleteDocument completeDocument<MainConfiguration>{
+    filled(R"json({
+  "generated_on": ?, "id": %, "name": %, "description": %, "tenant_id": %, "platform": %, "status": %, "version": ?,
+  "logo_base64": %, "x-auth-token": %, "sdk_version": %,
+  "purposes": [{
+    "purpose_id": ?, "purpose_name": @, "purpose_description": @,
+    "sdks": [{
+      "sdk_id": ?, "namespace_id": %, "sdk_name": @, "sdk_description": @, "vendor": %, "logo_base64": %,
+      "website": %, "matched_by": [%], "collecting_data": true, "release_date": %, "license": %
+    }],
+    "consent_status": "not_determined", "disable_opt_out": true, "opt_out_text": @, "hide_details": true
+  }],
+  "permissions": [{
+    "id": ?, "name": %, "permission_id": "NSCameraUsageDescription", "description": @, "group": %, "group_id": ?,
+    "consent_status": "not_determined", "nameI18N": @
+  }],
   "banner_config": {
     "categories": {
       "default": {
         "hide_close_button": true, "hide_accept_toggle": true, "embed_dsr_portal_link": true,
-        "record_consent_upon_app_start": true, "hide_toggle_for_essential_categories": true, "name": "t139",
-        "dsr_portal_link": "t140", "compliance_type": "opt-in", "banner_reappearance_time": "t141",
-        "privacy_notice_link": "t142", "accept": {"de": "d143", "en": "e144"},
-        "reject": {"de": "d145", "en": "e146"}, "banner_text": {"de": "d147", "en": "e148"},
-        "banner_heading": {"de": "d149", "en": "e150"}, "sdk_tab_heading": {"de": "d151", "en": "e152"},
-        "privacy_notice_text": {
-          "de": "d153", "en": "e154"
-        },
-        "preference_center_link": {
-          "de": "d155", "en": "e156"
-        },
-        "permissions_tab_heading": {
-          "de": "d157", "en": "e158"
-        },
-        "permissions_tab_guidance": {
-          "de": "d159", "en": "e160"
-        },
-        "preference_center_heading": {
-          "de": "d161", "en": "e162"
-        },
-        "preference_center_guidance": {
-          "de": "d163", "en": "e164"
-        },
-        "permissions_tab_description": {
-          "de": "d165", "en": "e166"
-        },
-        "preference_center_description": {
-          "de": "d167", "en": "e168"
-        },
+        "record_consent_upon_app_start": true, "hide_toggle_for_essential_categories": true, "name": %,
+        "dsr_portal_link": %, "compliance_type": "opt-in", "banner_reappearance_time": %, "privacy_notice_link": %,
+        "accept": @, "reject": @, "banner_text": @, "banner_heading": @, "sdk_tab_heading": @,
+        "privacy_notice_text": @, "preference_center_link": @, "permissions_tab_heading": @,
+        "permissions_tab_guidance": @, "preference_center_heading": @, "preference_center_guidance": @,
+        "permissions_tab_description": @, "preference_center_description": @,
         "show_powered_by_quillon_logo": true, "show_description_text_with_preference_center_toggle": true,
-        "palette_theme": 169, "banner_position": "center", "button_shape": "pill", "company_logo": "t170",
+        "palette_theme": ?, "banner_position": "center", "button_shape": "pill", "company_logo": %,
         "palette": {
-          "button_background": "#0000ab", "button_text": "#0000ac", "button_border": "#0000ad",
-          "banner_background": "#0000ae", "banner_text": "#0000af", "banner_links": "#0000b0",
-          "preference_center_footer_background": "#0000b1", "preference_center_footer_selector": "#0000b2",
-          "toggle_primary": "#0000b3", "toggle_secondary": "#0000b4", "purpose_disclaimer_text": "#0000b5",
-          "purpose_disclaimer_background": "#0000b6"
+          "button_background": $, "button_text": $, "button_border": $, "banner_background": $, "banner_text": $,
+          "banner_links": $, "preference_center_footer_background": $, "preference_center_footer_selector": $,
+          "toggle_primary": $, "toggle_secondary": $, "purpose_disclaimer_text": $,
+          "purpose_disclaimer_background": $
         },
         "should_show_settings_prompt": true
       }
     },
-    "names_map": {"default": "m183"}, "locations": {"default": "m184"}
+    "names_map": {"default": %}, "locations": {"default": %}
   },
   "i18n": {"de": {"all": "Alle"}, "fr": null}, "is_att_enabled": true,
-  "att_or_gad_config": {
-    "show_info_on_pref_center": true, "purpose_ids": [185, 186], "info_text": {"de": "d187", "en": "e188"}
-  },
+  "att_or_gad_config": {"show_info_on_pref_center": true, "purpose_ids": *, "info_text": @},
   "settings_prompt": {
-    "prompt_heading": {"de": "d189", "en": "e190"}, "prompt_message": {"de": "d191", "en": "e192"},
-    "settings_button_text": {"de": "d193", "en": "e194"},
-    "not_now_button_text": {"de": "d195", "en": "e196"}, "permissions": {"NSCameraUsageDescription": true}
+    "prompt_heading": @, "prompt_message": @, "settings_button_text": @, "not_now_button_text": @,
+    "permissions": {"NSCameraUsageDescription": true}
   },
   "re_consent_enabled": true, "is_sp_enabled": true, "is_gcm_enabled": true,
   "gcm_config": {
-    "show_gcm_description": true, "gcm_description": {"de": "d197", "en": "e198"},
-    "default_mapping": {
-      "analytics_storage": [199, 200], "ad_storage": [201, 202], "ad_user_data": [203, 204],
-      "ad_personalization": [205, 206]
-    },
+    "show_gcm_description": true, "gcm_description": @,
+    "default_mapping": {"analytics_storage": *, "ad_storage": *, "ad_user_data": *, "ad_personalization": *},
     "region_overrides": {
-      "US#CA": {
-        "analytics_storage": [207, 208], "ad_storage": [209, 210], "ad_user_data": [211, 212],
-        "ad_personalization": [213, 214]
-      }
+      "US#CA": {"analytics_storage": *, "ad_storage": *, "ad_user_data": *, "ad_personalization": *}
     }
   }
-})json";
+})json"),
+    R"(banner_config\.(categories|names_map|locations)|.*\.palette\.(button|banner|preference_center)_.*)",
+    R"((?!i18n\.(de|fr)$).*\.(de|en|all|default|US#CA|NSCameraUsageDescription))"};
 
 template <>
-inline constexpr std::string_view completeDocument<PostConsentsRequest> = R"json({
-  "uuid": "u", "app_uuid": "a", "device": "d", "implicit_consent": true, "version": 3,
-  "purpose_consents": [
-    {
-      "purpose_id": 12, "consent_status": "granted", "timestamp": 1700000000, "is_essential": true
-    }
-  ],
-  "permissions": [
-    {
-      "permission": "NSCameraUsageDescription", "consent_status": "declined", "timestamp": 1700000001
-    }
-  ],
-  "is_test_mode": true, "ad_id": "ad", "banner_info": "b", "platform": "ios", "sdk_version": "1.2"
-})json";
+inline const CompleteDocument completeDocument<PostConsentsRequest>{filled(R"json({
+  "uuid": %, "app_uuid": %, "device": %, "implicit_consent": true, "version": ?,
+  "purpose_consents": [{"purpose_id": ?, "consent_status": "granted", "timestamp": ?, "is_essential": true}],
+  "permissions": [{"permission": "NSCameraUsageDescription", "consent_status": "declined", "timestamp": ?}],
+  "is_test_mode": true, "ad_id": %, "banner_info": %, "platform": "ios", "sdk_version": %
+})json"),
+                                                                    "(?!sdk_version).*"};
 
 template <>
-inline constexpr std::string_view completeDocument<GenericResponse> = R"json({"status": -4, "message": "m"})json";
+inline const CompleteDocument completeDocument<GenericResponse>{R"({"status": -4, "message": "m"})", ".*"};
 
 template <>
-inline constexpr std::string_view completeDocument<CurrentLocationResponse> = R"json({
-  "status": 0, "message": "ok",
+inline const CompleteDocument completeDocument<CurrentLocationResponse>{filled(R"json({
+  "status": ?, "message": %,
   "data": {
-    "City": {"en": "City"}, "Continent": {"en": "Continent"}, "Country": {"en": "Country"},
-    "CountryISOCode": {"en": "CountryISOCode"}, "Language": {"en": "Language"},
-    "Location": {"en": "Location"}, "RegisteredCountry": {"en": "RegisteredCountry"},
-    "State": {"en": "State"}, "StateISOCode": {"en": "StateISOCode"}
+    "City": @, "Continent": @, "Country": @, "CountryISOCode": @, "Language": @, "Location": @,
+    "RegisteredCountry": @, "State": @, "StateISOCode": @
   }
-})json";
+})json"),
+                                                                        R"(status|message|data\.\w+)",
+                                                                        R"(data\.\w+\.(de|en))"};
 
 }  // namespace quillon

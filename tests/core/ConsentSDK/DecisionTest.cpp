@@ -187,22 +187,6 @@ TEST(UploadReply, DecidesWhatStaysPending) {
   }
 }
 
-TEST(Upload, WithoutANetworkKeepsEverything) {
-  World world;
-  world.start();
-  ConsentSDKOptions options = world.options();
-  options.appUrl = "http://127.0.0.1:1/";
-  world.start(options);
-  EXPECT_TRUE(world.sdk->acceptOrReject(false).get());
-  EXPECT_TRUE(world.stored().boolean(key::uploadConsentRequestPending));
-  EXPECT_EQ(world.stored().pendingPurposes().size(), 3u);
-  world.restart();
-  world.start();
-  world.advance(1800s);
-  ASSERT_EQ(world.uploads().size(), 1u) << "the next process retries";
-  EXPECT_EQ(uploaded(world.uploads().front(), 1), "declined");
-}
-
 // The server has the earlier decision, so the later one must go there too.
 TEST(Upload, DecisionMadeMeanwhileStaysPending) {
   World world;

@@ -16,7 +16,6 @@ TEST(Options, NormaliseWhatTheHostGives) {
   EXPECT_EQ(options.languageCode->text(), "en");
   EXPECT_EQ(options.mode, Mode::draft);
   EXPECT_EQ(ConsentSDKOptions().mode, Mode::live);
-  EXPECT_FALSE(sdkStatus(3));
 }
 
 TEST(Setup, ResetsTheCacheByTheRules) {

@@ -140,9 +140,7 @@ TEST_F(History, HoldsNoDecisionThatWasNotStoredAndNoTextOfAnyLength) {
   world.start(options);
   EXPECT_EQ(listed().size(), 2u);
   EXPECT_EQ(world.sdk->getHistory(1).get().entries.at(0).decision.language, std::string(64, 'x'));
-  AppPermission longName;
-  longName.permissionId = VantariKey(std::string(10'000, 'p'));
-  EXPECT_FALSE(world.sdk->set(longName, granted));
+  EXPECT_FALSE(world.sdk->set({.permissionId = VantariKey(std::string(10'000, 'p'))}, granted));
   EXPECT_FALSE(world.sdk->set(Purpose(), granted));
   EXPECT_EQ(listed().size(), 2u);
 }

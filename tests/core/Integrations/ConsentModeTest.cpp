@@ -20,17 +20,10 @@ TEST(ConsentModeMapping, PrefersTheExactRegionThenTheStateThenTheDefault) {
   GcmConfig configuration;
   configuration.defaultMapping = mappingTo(0);
   configuration.regionOverrides = {{"US , GB", mappingTo(1)}, {"CA,NY", mappingTo(2)}, {"US#CA", mappingTo(3)}};
-  for (const auto& [location, expected] :
-       std::vector<std::pair<std::optional<std::string>, std::int64_t>>{{"US", 1},
-                                                                        {"GB", 1},
-                                                                        {"US#NY", 2},
-                                                                        {"US#CA", 3},
-                                                                        {"DE#NY", 2},
-                                                                        {"us", 0},
-                                                                        {"US#TX", 0},
-                                                                        {"", 0},
-                                                                        {"#", 0},
-                                                                        {std::nullopt, 0}}) {
+  const std::pair<std::optional<std::string>, std::int64_t> rows[] = {
+      {"US", 1}, {"GB", 1},    {"US#NY", 2}, {"US#CA", 3}, {"DE#NY", 2},
+      {"us", 0}, {"US#TX", 0}, {"", 0},      {"#", 0},     {std::nullopt, 0}};
+  for (const auto& [location, expected] : rows) {
     EXPECT_EQ(*consentModeMapping(configuration, location), mappingTo(expected)) << location.value_or("none");
   }
   configuration.defaultMapping.reset();
@@ -41,17 +34,15 @@ TEST(ConsentModeMapping, PrefersTheExactRegionThenTheStateThenTheDefault) {
 class ConsentMode : public testing::Test {
  protected:
   ConsentMode() {
-    auto document = validConfiguration();
     document["is_gcm_enabled"] = true;
     document["gcm_config"] = {
         {"default_mapping",
          {{"analytics_storage", {1}}, {"ad_storage", {1, 3}}, {"ad_user_data", boost::json::array()}}}};
-    configure(document);
     world.amend = [this](Platform& platform) { platform.consentSink = sink; };
   }
 
-  void configure(const boost::json::object& document) { world.server.serve(document); }
   void start() {
+    world.server.serve(document);
     ConsentSDKOptions options = world.options();
     options.logLevel = LogLevel::debug;
     world.start(options);
@@ -59,6 +50,7 @@ class ConsentMode : public testing::Test {
   bool logged(const std::string& text) const { return world.log().find(text) != std::string::npos; }
 
   using Signals = std::map<std::string, std::string>;
+  boost::json::object document = validConfiguration();
   std::mutex mutex;
   std::vector<Signals> sent;
   std::shared_ptr<ConsentSink> sink = std::make_shared<FunctionConsentSink>([this](const Signals& signals) {
@@ -80,9 +72,7 @@ TEST_F(ConsentMode, FollowsEveryDecision) {
   world.tracking = TrackingAuthorization::authorized;
   world.sdk->acceptOrReject(true).wait();
   EXPECT_EQ(sent.back(), signals("granted", "granted"));
-  Purpose purpose;
-  purpose.purposeId = 3;
-  world.sdk->set(purpose, ConsentStatus::withDrawn);
+  world.sdk->set({.purposeId = 3}, ConsentStatus::withDrawn);
   world.sdk->settled().wait();
   EXPECT_EQ(sent.back(), signals("granted", "denied"));
   EXPECT_TRUE(
@@ -115,14 +105,11 @@ TEST_F(ConsentMode, IsOnlyLoggedWithoutALibraryThatTakesIt) {
 }
 
 TEST_F(ConsentMode, IsLeftAloneUnlessItIsDriven) {
-  auto document = validConfiguration();
-  document["gcm_config"] = {{"default_mapping", boost::json::object()}};
-  configure(document);
+  document["is_gcm_enabled"] = false;
   start();
   EXPECT_TRUE(sent.empty());
   document["is_gcm_enabled"] = true;
   document["gcm_config"] = boost::json::object();
-  configure(document);
   world.advance(std::chrono::hours(2));
   start();
   EXPECT_TRUE(sent.empty());
@@ -131,12 +118,8 @@ TEST_F(ConsentMode, IsLeftAloneUnlessItIsDriven) {
 }
 
 TEST_F(ConsentMode, ReachesThePagesOfTheHostInAScriptThatNothingBreaksOutOf) {
-  auto document = validConfiguration();
-  document["is_gcm_enabled"] = true;
-  document["gcm_config"] = {{"default_mapping", {{"analytics_storage", {1}}, {"ad_storage", {1, 3}}}}};
   document["purposes"].at(0).at("purpose_name") = {
       {"en", "</script><script>alert('1')//\"\\\u2028\u2029]]><!--\n&__proto__"}};
-  configure(document);
   start();
   ASSERT_TRUE(world.sdk->acceptOrReject(true).get());
   EXPECT_EQ(
@@ -154,7 +137,8 @@ TEST_F(ConsentMode, ReachesThePagesOfTheHostInAScriptThatNothingBreaksOutOf) {
       R"(window.gtag('consent','update',{"ad_personalization":"denied","ad_storage":"denied","ad_user_data":"denied",)"
       R"("analytics_storage":"granted"});)"
       "\n");
-  configure(validConfiguration());
+  document = validConfiguration();
+  world.server.serve(document);
   world.advance(std::chrono::hours(2));
   start();
   EXPECT_FALSE(contains(world.sdk->consentScript().get(), "gtag")) << "no consent mode is configured";

@@ -91,9 +91,7 @@ TEST_F(Requests, NeedAnAddress) {
 TEST(AccessToken, GoesToTheApplicationServerAloneAndIntoNoLog) {
   World world;
   ConsentServer application, other;
-  auto document = validConfiguration();
-  document["banner_config"].as_object()["categories"].as_object()["us"] = {{"compliance_type", "opt-out"}};
-  document["banner_config"].as_object()["locations"].as_object()["US"] = "us";
+  const auto document = configurationOfTwoLaws("US");
   world.server.serve(document);
   auto options = world.options();
   options.appUrl = application.url();

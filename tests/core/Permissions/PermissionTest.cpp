@@ -45,14 +45,10 @@ TEST(PermissionTranslation, FollowsEachSourcesOwnNumbers) {
 }
 
 TEST(PermissionTranslation, ReadsTheInformationDictionary) {
-  for (const auto& [entry, expected] :
-       std::vector<std::pair<std::optional<std::string>, ConsentStatus>>{{std::nullopt, notDetermined},
-                                                                         {"", notDetermined},
-                                                                         {"Authorized", granted},
-                                                                         {"Denied", declined},
-                                                                         {"Restricted", declined},
-                                                                         {"authorized", notDetermined},
-                                                                         {"Limited", notDetermined}}) {
+  const std::pair<std::optional<std::string>, ConsentStatus> rows[] = {
+      {std::nullopt, notDetermined}, {"", notDetermined},           {"Authorized", granted},   {"Denied", declined},
+      {"Restricted", declined},      {"authorized", notDetermined}, {"Limited", notDetermined}};
+  for (const auto& [entry, expected] : rows) {
     EXPECT_EQ(consentFromInformation(entry), expected) << entry.value_or("none");
   }
 }
@@ -84,9 +80,7 @@ TEST(Permissions, FollowTheDevice) {
   EXPECT_EQ(world.sdk->checkConsentBy(VantariKey::microphoneUsageDescription).get(), notDetermined);
 
   EXPECT_EQ(world.sdk->get(VantariKey::microphoneUsageDescription), notDetermined) << "not listed, never stored";
-  AppPermission microphone;
-  microphone.permissionId = VantariKey::microphoneUsageDescription;
-  EXPECT_TRUE(world.sdk->set(microphone, granted));
+  EXPECT_TRUE(world.sdk->set({.permissionId = VantariKey::microphoneUsageDescription}, granted));
   EXPECT_EQ(world.sdk->get(VantariKey::microphoneUsageDescription), granted);
   EXPECT_FALSE(world.sdk->set(AppPermission(), granted));
 }
@@ -100,9 +94,7 @@ TEST(Permissions, CannotTakeTheNamesOfOtherValues) {
   world.sdk->acceptOrReject(true).wait();
   EXPECT_EQ(world.text(key::subjectId), "SUBJECT");
   EXPECT_EQ(world.sdk->get(1), granted);
-  AppPermission permission;
-  permission.permissionId = VantariKey("X_AUTH_TOKEN");
-  EXPECT_FALSE(world.sdk->set(permission, granted));
+  EXPECT_FALSE(world.sdk->set({.permissionId = VantariKey("X_AUTH_TOKEN")}, granted));
   EXPECT_EQ(world.text(key::xAuthToken), "secret-token");
 }
 
