@@ -106,14 +106,6 @@ TEST_P(ExecutorsContract, QueuesOutliveTheirOwnerAndDropWhatTheyAreGiven) {
 INSTANTIATE_TEST_SUITE_P(All, ExecutorsContract, testing::ValuesIn(kinds),
                          [](const auto& kind) { return kind.param.name; });
 
-TEST(ManualExecutorsTest, RunsJobsThatJobsPostAndCountsThem) {
-  ManualExecutors executors;
-  const auto queue = executors.background();
-  queue->post([&] { queue->post([&] { EXPECT_EQ(executors.runUntilIdle(), 0u) << "a job ran within a job"; }); });
-  EXPECT_EQ(executors.runUntilIdle(), 2u);
-  EXPECT_EQ(executors.runUntilIdle(), 0u);
-}
-
 TEST(AsioExecutorsTest, NeitherBackgroundJobsNorSerialQueuesWaitForEachOther) {
   AsioExecutors executors(nullptr, 2);
   for (const auto& [held, free] : {std::pair{executors.background(), executors.background()},

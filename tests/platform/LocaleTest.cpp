@@ -19,19 +19,17 @@ Languages languages(std::map<std::string, std::string> environment) {
 }
 
 TEST(EnvironmentLocaleTest, TurnsLocaleNamesIntoTags) {
-  const std::map<std::string, std::string> cases = {
-      {"de_DE.UTF-8", "de-DE"},
-      {"de_DE@euro", "de-DE"},
-      {"zh_Hant_TW.UTF-8@x", "zh-Hant-TW"},
-      {"ZH_HANT_tw", "zh-Hant-TW"},
-      {"en-GB", "en-GB"},
-      {"es_419", "es-419"},
-      {"fil", "fil"},
-      {"C", "en"},
-      {"POSIX", "en"},
-      {"C.UTF-8", "en"},
-      {"sr_RS@latin", "sr-RS"},
-  };
+  const std::pair<const char*, const char*> cases[] = {{"de_DE.UTF-8", "de-DE"},
+                                                       {"de_DE@euro", "de-DE"},
+                                                       {"zh_Hant_TW.UTF-8@x", "zh-Hant-TW"},
+                                                       {"ZH_HANT_tw", "zh-Hant-TW"},
+                                                       {"en-GB", "en-GB"},
+                                                       {"es_419", "es-419"},
+                                                       {"fil", "fil"},
+                                                       {"C", "en"},
+                                                       {"POSIX", "en"},
+                                                       {"C.UTF-8", "en"},
+                                                       {"sr_RS@latin", "sr-RS"}};
   for (const auto& [name, tag] : cases) EXPECT_EQ(languages({{"LANG", name}}), Languages{tag}) << name;
 }
 

@@ -1,7 +1,7 @@
 // Which documents are refused, and what the message says.
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <cstdint>
 #include <string>
 
 #include "core/Configuration/Codec.h"
@@ -63,21 +63,16 @@ TEST_F(Document, IsRefusedWithThePlaceAndTheReason) {
 }
 
 TEST_F(Document, MayWriteAWholeNumberInAnyWay) {
-  const struct {
-    const char* json;
-    std::int64_t value;
-  } cases[] = {
-      {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
-      {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
-      {"-0", 0},
-      {"1.0", 1},
-      {"-1e3", -1000},
-      {"12.50E+1", 125},
-      {"1200e-2", 12},
-      {"0.000e-7", 0},
-      {"0e400", 0},
-      {"9007199254740992.0", std::int64_t{1} << 53},
-  };
+  const std::pair<const char*, std::int64_t> cases[] = {{"9223372036854775807", INT64_MAX},
+                                                        {"-9223372036854775808", INT64_MIN},
+                                                        {"-0", 0},
+                                                        {"1.0", 1},
+                                                        {"-1e3", -1000},
+                                                        {"12.50E+1", 125},
+                                                        {"1200e-2", 12},
+                                                        {"0.000e-7", 0},
+                                                        {"0e400", 0},
+                                                        {"9007199254740992.0", std::int64_t{1} << 53}};
   for (const auto& [json, value] : cases) {
     const auto record = decode<MainConfiguration>(R"({"version":)" + std::string(json) + "}");
     ASSERT_TRUE(record) << record.error();

@@ -68,21 +68,16 @@ TEST(RawValue, OfAPermissionIsItsUsageDescriptionKey) {
 
 TEST(RawValue, OfAColorIsReadFromItsLow24Bits) {
   const auto bytes = [](int red, int green, int blue) { return Color{red / 255.0, green / 255.0, blue / 255.0}; };
-  const struct {
-    const char* text;
-    Color color;
-  } cases[] = {
-      {"#1A2B3C", bytes(0x1A, 0x2B, 0x3C)},
-      {"1a2b3c", bytes(0x1A, 0x2B, 0x3C)},
-      {"#11223344", bytes(0x22, 0x33, 0x44)},
-      {"#FFF", bytes(0, 0x0F, 0xFF)},
-      {"1#2#3#", bytes(0, 0x01, 0x23)},
-      {"12 34", bytes(0, 0, 0x12)},
-      {"123456789abcdef0123456", bytes(0x12, 0x34, 0x56)},
-      {"zz", {}},
-      {"", {}},
-      {"#", {}},
-  };
+  const std::pair<const char*, Color> cases[] = {{"#1A2B3C", bytes(0x1A, 0x2B, 0x3C)},
+                                                 {"1a2b3c", bytes(0x1A, 0x2B, 0x3C)},
+                                                 {"#11223344", bytes(0x22, 0x33, 0x44)},
+                                                 {"#FFF", bytes(0, 0x0F, 0xFF)},
+                                                 {"1#2#3#", bytes(0, 0x01, 0x23)},
+                                                 {"12 34", bytes(0, 0, 0x12)},
+                                                 {"123456789abcdef0123456", bytes(0x12, 0x34, 0x56)},
+                                                 {"zz", {}},
+                                                 {"", {}},
+                                                 {"#", {}}};
   for (const auto& [text, color] : cases) EXPECT_EQ(colorFromText(text), color) << text;
 }
 

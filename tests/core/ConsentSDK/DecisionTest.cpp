@@ -96,15 +96,16 @@ TEST(Tracking, GovernsThePurposesBoundToIt) {
     ConsentStatus expected;
     bool changes;
   };
-  for (const Case& example : std::vector<Case>{{"", true, granted, true},
-                                               {"", false, declined, false},
-                                               {"granted", true, granted, false},
-                                               {"declined", true, granted, true},
-                                               {"withdrawn", true, granted, true},
-                                               {"granted", false, withDrawn, true},
-                                               {"withdrawn", false, withDrawn, false},
-                                               {"declined", false, declined, false},
-                                               {"not_determined", false, declined, true}}) {
+  const Case cases[] = {{"", true, granted, true},
+                        {"", false, declined, false},
+                        {"granted", true, granted, false},
+                        {"declined", true, granted, true},
+                        {"withdrawn", true, granted, true},
+                        {"granted", false, withDrawn, true},
+                        {"withdrawn", false, withDrawn, false},
+                        {"declined", false, declined, false},
+                        {"not_determined", false, declined, true}};
+  for (const Case& example : cases) {
     World world;
     world.tracking = example.authorized ? TrackingAuthorization::authorized : TrackingAuthorization::denied;
     world.store(key::currentComplianceType, std::string("opt-in"));

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -108,23 +107,6 @@ TEST(Readiness, ReportsEachDistinctStatusOnceToTheLastObserver) {
   EXPECT_EQ(third, Reports{ready}) << "the first report always comes";
   EXPECT_EQ(second.size(), 5u);
   world.sdk->removeListeners();
-}
-
-TEST(Readiness, CallbackMayThrowAndCallBackIntoTheSDK) {
-  bool called = false;
-  World world;
-  world.restart();
-  world.sdk->isReady([&](SDKStatus status) {
-    if (status != SDKStatus::ready) return;
-    world.sdk->isReady([](SDKStatus) {});
-    world.sdk->setup(world.options());
-    called = true;
-    throw std::runtime_error("host\nfault");
-  });
-  world.start();
-  world.settle();
-  EXPECT_TRUE(called);
-  EXPECT_TRUE(contains(world.log(), "A callback of the host threw: host\\nfault"));
 }
 
 }  // namespace
