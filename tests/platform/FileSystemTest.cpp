@@ -108,7 +108,7 @@ TYPED_TEST(FileSystemContract, MovesOnlyToAFreeNameAndRemovesOnlyWhatIsThere) {
 // The disk.
 class PosixFiles : public testing::Test {
  protected:
-  test::TemporaryFolder temporary_;
+  test::TemporaryFolder temporary_{test::TemporaryFolder::fastParent()};
   const std::filesystem::path folder_ = temporary_.path();
   const std::filesystem::path file_ = folder_ / "file.json";
   PosixFileSystem files_{folder_};
