@@ -213,18 +213,10 @@ TEST_F(SqliteSuiteTest, ErasedTextLeavesTheFile) {
   EXPECT_FALSE(contains(fileBytes(file_), "unmistakable"));
 }
 
-TEST_F(SqliteSuiteTest, AFileThatGoesWhileItIsEditedTakesNoAcknowledgedUpdateAlong) {
+TEST_F(SqliteSuiteTest, AFailedEditHoldsNobodyUp) {
   const auto suite = open();
-  ASSERT_TRUE(put(*suite, "old", true));
-  int calls = 0;
-  const auto done = suite->update([&](const SuiteEntries&) {
-    ++calls;
-    std::filesystem::remove(file_);
-    return SuiteChanges{{"new", true}};
-  });
-  ASSERT_TRUE(done) << done.error();
-  EXPECT_EQ(calls, 1);
-  EXPECT_EQ(listed(*open()), "new=true old=true");
+  EXPECT_FALSE(suite->update([](const SuiteEntries&) -> SuiteChanges { throw std::runtime_error("no"); }));
+  EXPECT_EQ(shell("BEGIN EXCLUSIVE; ROLLBACK"), "");
 }
 
 TEST_F(SqliteSuiteTest, SeesAnothersCommitWithin100Milliseconds) {

@@ -39,11 +39,6 @@ class DeviceTest : public ::testing::Test {
     device.settle();
     return isStored;
   }
-  std::size_t asked(const std::string& part) const {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        device.requests(), [&](const Request& request) { return request.url.find(part) != std::string::npos; }));
-  }
-
   Device device;
   std::unique_ptr<ConsentSDK> sdk;
 };
@@ -56,7 +51,8 @@ TEST_F(DeviceTest, LocationAndLanguageReachTheServersAndChooseTheBanner) {
   const auto banner = sdk->getBannerConfig().get();
   ASSERT_TRUE(banner);
   EXPECT_EQ(banner->complianceType, ComplianceType::optOut);
-  EXPECT_EQ(asked("config_de.json"), 1u);
+  EXPECT_TRUE(std::ranges::any_of(device.requests(),
+                                  [](const Request& request) { return request.url.ends_with("/config_de.json"); }));
 }
 
 TEST_F(DeviceTest, WithoutAConfigurationTheSDKIsUnavailableUntilOneIsPublished) {
@@ -87,9 +83,7 @@ TEST_F(DeviceTest, TimersFireAtTheirTimeAndCallbacksWithinSettle) {
   ASSERT_TRUE(accept());
   const auto uploads = device.uploads().size();
   const auto begin = device.now();
-  Purpose purpose;
-  purpose.purposeId = 1;
-  ASSERT_TRUE(sdk->set(purpose, ConsentStatus::declined));
+  ASSERT_TRUE(sdk->set({.purposeId = 1}, ConsentStatus::declined));
   device.advance(999ms);
   EXPECT_EQ(device.uploads().size(), uploads);
   device.advance(1ms);

@@ -80,14 +80,6 @@ TEST(Answer, IsStoredAsOneAndUploaded) {
   }
 }
 
-TEST(Answer, NeedsAConfiguration) {
-  World world;
-  world.server.onConfiguration(json("{}", 404));
-  world.start();
-  EXPECT_FALSE(world.sdk->acceptOrReject(true).get());
-  EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION");
-}
-
 // What the tracking status makes of a stored decision, by decision and authorization.
 TEST(Tracking, GovernsThePurposesBoundToIt) {
   struct Case {
