@@ -274,8 +274,12 @@ TEST_F(SqliteSuiteTest, AForeignReaderDelaysACommitButDoesNotFailIt) {
     auto reader = SqliteDatabase::open(file_);
     auto other = SqliteDatabase::open(file_);
     ASSERT_TRUE(reader && other && reader->run("BEGIN; SELECT * FROM entries"));
+    int calls = 0;
     std::jthread writer([&] {
-      const auto done = put(*suite, "new", true);
+      const auto done = suite->update([&](const SuiteEntries&) {
+        ++calls;
+        return SuiteChanges{{"new", true}};
+      });
       EXPECT_TRUE(done) << done.error();
     });
     // Until the writer waits for the reader, which keeps new readers out.
@@ -285,6 +289,7 @@ TEST_F(SqliteSuiteTest, AForeignReaderDelaysACommitButDoesNotFailIt) {
     if (fileGoesMeanwhile) std::filesystem::remove(file_);
     ASSERT_TRUE(reader->run("ROLLBACK"));
     writer.join();
+    EXPECT_EQ(calls, 1);
     EXPECT_EQ(listed(*open()), "new=true old=true");
   }
 }
