@@ -213,19 +213,18 @@ TEST_F(CurlHttpSessionTest, RefusesWhatIsNotPlainHttp) {
 
 TEST_F(CurlHttpSessionTest, SendsNothingThatHoldsControlCharacters) {
   RawServer server([](int) { FAIL() << "something was sent"; });
-  std::vector<HttpRequest> requests{
+  const std::string nul("a\0b", 3);
+  const HttpRequest requests[] = {
       getting(server.url("/a\r\nX-Evil: 1")),
-      getting(server.url("/") + std::string("a\0b", 3)),
+      getting(server.url("/") + nul),
       {.url = server.url(), .method = "GET / HTTP/1.1\r\nX-Evil: 1\r\n\r\n", .headers = {}, .body = {}},
       {.url = server.url(), .method = "", .headers = {}, .body = {}},
+      getting(server.url(), {{"X-Auth-Token", "a\r\nX-Evil: 1"}}),
+      getting(server.url(), {{"X-Auth-Token", "a\nb"}}),
+      getting(server.url(), {{"X-Auth-Token", nul}}),
+      getting(server.url(), {{"X-Evil: 1\r\nX-More", "a"}}),
+      getting(server.url(), {{"", "a"}}),
   };
-  for (const auto& [name, value] : HttpHeaders{{"X-Auth-Token", "a\r\nX-Evil: 1"},
-                                               {"X-Token", "a\nb"},
-                                               {"X-Other", std::string("a\0b", 3)},
-                                               {"X-Evil: 1\r\nX-More", "a"},
-                                               {"", "a"}}) {
-    requests.push_back(getting(server.url(), {{name, value}}));
-  }
   for (const auto& request : requests) {
     const auto answer = exchange(request);
     expectError(answer, Kind::refused);
