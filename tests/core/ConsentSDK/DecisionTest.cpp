@@ -249,11 +249,15 @@ TEST(Check, RunsOncePeriodicallyAfterAnAnswerAndOnReconnection) {
   EXPECT_EQ(world.uploads().size(), 2u);
   world.advance(120s);
   EXPECT_EQ(world.uploads().size(), 4u);
+  world.restart();
+  world.start(options);
+  world.advance(60s);
+  EXPECT_EQ(world.uploads().size(), 5u) << "the next process goes on";
 
   world.network->set(NetworkStatus::unsatisfied);
   world.server.onUpload(json(saved));
   world.network->set(NetworkStatus::satisfied);
-  ASSERT_TRUE(world.server.waitFor(uploadPath, 5)) << "the pending upload follows by itself";
+  ASSERT_TRUE(world.server.waitFor(uploadPath, 6)) << "the pending upload follows by itself";
   world.sdk->settled().wait();
   EXPECT_TRUE(world.stored().pendingPurposes().empty());
 }
