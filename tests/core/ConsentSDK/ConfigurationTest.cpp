@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <boost/json/serialize.hpp>
 #include <map>
 
 #include "core/ConsentSDK/BannerSelection.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/FailingFileSystem.h"
 #include "platform/memory/FixedHostApplication.h"
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"
@@ -143,6 +145,24 @@ TEST_F(Configuration, ReconsentAsksAgainForANewerVersionOnly) {
     EXPECT_EQ(world.text(key::consentGivenType), published > 5 ? "CONSENT_NO_ACTION" : "CONSENT_EXPLICIT");
     EXPECT_EQ(world.sdk->isBannerDue(), published > 5) << published;
   }
+}
+
+TEST_F(Configuration, ThatCannotBeSavedLeavesTheEarlierFile) {
+  std::atomic<bool> full = false;
+  world.amend = [&](Platform& platform) {
+    platform.files = std::make_shared<FailingFileSystem>(
+        platform.files, [&](std::string_view change) { return full && change == "write"; });
+  };
+  world.start();
+  const std::string earlier = fileBytes(world.file());
+  full = true;
+  world.server.serve(versioned(6));
+  world.startLater();
+  EXPECT_EQ(fileBytes(world.file()), earlier);
+  EXPECT_FALSE(std::filesystem::exists(world.backup()));
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
+  EXPECT_TRUE(contains(world.log(), "[ERROR]Error saving CDN: the disk is broken"));
+  EXPECT_TRUE(contains(world.log(), "Backup restored to original: " + world.file().string()));
 }
 
 // A host whose application carries these documents, and a server that has none yet.
