@@ -48,7 +48,7 @@ inline std::string filled(std::string_view form) {
 }
 
 template <class R>
-inline const CompleteDocument completeDocument;
+inline const CompleteDocument completeDocument{};
 
 template <>
 inline const CompleteDocument completeDocument<MainConfiguration>{
