@@ -51,9 +51,9 @@ TEST_F(HostileDocument, IsRefusedWhenItsRecordsWouldTakeTooMuchMemory) {
   const std::string purposes = R"({"purposes":[{})" + repeated(",{}", 2'000'000) + "]}";
   EXPECT_TRUE(contains(errorOf(purposes), "takes more than 256 MiB"));
 
-  std::string regions = R"({"gcm_config":{"region_overrides":{"":{})";
-  for (int i = 0; i < 1'500'000; ++i) regions += ",\"" + std::to_string(i) + "\":{}";
-  EXPECT_TRUE(contains(errorOf(regions + "}}}"), "takes more than 256 MiB"));
+  std::string banners = R"({"banner_config":{"categories":{"":{})";
+  for (int i = 0; i < 300'000; ++i) banners += ",\"" + std::to_string(i) + "\":{}";
+  EXPECT_TRUE(contains(errorOf(banners + "}}}"), "takes more than 256 MiB"));
 }
 
 TEST_F(HostileDocument, MayHaveMillionsOfUnknownKeysButNoneTwice) {
