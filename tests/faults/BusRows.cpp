@@ -3,6 +3,7 @@
 
 #include "platform/linux/PermissionSources/LinuxPermissionSources.h"
 #include "tests/faults/Areas.h"
+#include "tests/faults/Damage.h"
 #include "tests/platform/FalseBus.h"
 #include "tests/platform/PrivateBus.h"
 #include "tests/support/World.h"
@@ -25,69 +26,62 @@ Seen overBus(Trial& trial, const std::string& address) {
   };
   const auto begin = Stopwatch::now();
   world.start();
-  const auto status = world.sdk->getStatus();
   trial.expect(world.sdk->acceptOrReject(true).get(), "the answer is not acknowledged");
   const auto camera = world.sdk->checkConsentBy(VantariKey::cameraUsageDescription).get();
   trial.expect(world.sdk->get(VantariKey::cameraUsageDescription) == camera, "get() and checkConsentBy() disagree");
+  Seen result = seen(world);
   world.sdk.reset();
   world.platform = {};
   trial.expect(Stopwatch::now() - begin < std::chrono::seconds(20), "a start, an answer and leaving took too long");
-  const std::string log = world.log();
+  result.log = world.log();
   world.amend = {};
   world.start();
-  return {.status = status == SDKStatus::ready ? "ready" : "unavailable",
-          .log = log,
-          .stored = "1=" + world.text("1").value_or("nothing") + " camera=" + std::string(rawValue(camera))};
+  result.stored = seen(world).stored + " camera=" + std::string(rawValue(camera));
+  return result;
 }
 
-Seen overStoreThatSays(Trial& trial, const std::string& reply) {
-  const PrivateBus bus(PrivateBus::Services::none);
-  const BusPeer store(bus.address(), storeName, {{"Lookup", reply}});
-  return overBus(trial, bus.address());
+using Run = std::function<Seen(Trial&)>;
+
+Run overBusThatSays(const std::string& words) {
+  return [words](Trial& trial) { return overBus(trial, FalseBus(words).address()); };
+}
+
+Run overStoreThatSays(const std::string& reply) {
+  return [reply](Trial& trial) {
+    const PrivateBus bus(PrivateBus::Services::none);
+    const BusPeer store(bus.address(), storeName, {{"Lookup", reply}});
+    return overBus(trial, bus.address());
+  };
+}
+
+// A row whose buses know nothing about the camera.
+Row unknown(std::string_view name, std::string_view fault, Run run) {
+  return {name,
+          fault,
+          {"ready", "Something went wrong while fetching the permission status", "1=granted camera=not_determined"},
+          std::move(run)};
 }
 
 }  // namespace
 
 std::vector<Row> busRows() {
-  const std::string failed = "Something went wrong while fetching the permission status";
+  const std::string granting = "(@a{sas} {'com.example.reader': ['yes']}, <";
   return {
       {"sound-store",
        "nothing: the store grants the camera",
        {"ready", "", "1=granted camera=granted"},
-       [](Trial& trial) { return overStoreThatSays(trial, "(@a{sas} {'com.example.reader': ['yes']}, <0>)"); }},
+       overStoreThatSays(granting + "0>)")},
       {"no-bus",
        "there is no message bus",
        {"ready", "", "1=granted camera=not_determined"},
        [](Trial& trial) { return overBus(trial, "unix:path=/nonexistent/bus"); }},
-      {"silent-bus",
-       "the bus takes connections and says nothing",
-       {"ready", failed, "1=granted camera=not_determined"},
-       [](Trial& trial) {
-         const FalseBus bus("");
-         return overBus(trial, bus.address());
-       }},
-      {"babbling-bus",
-       "the bus says 100 KB of nonsense",
-       {"ready", failed, "1=granted camera=not_determined"},
-       [](Trial& trial) {
-         const FalseBus bus(std::string(100'000, '\xff'));
-         return overBus(trial, bus.address());
-       }},
-      {"silent-store",
-       "the permission store gives no answer",
-       {"ready", failed, "1=granted camera=not_determined"},
-       [](Trial& trial) { return overStoreThatSays(trial, ""); }},
-      {"lying-store",
-       "the permission store answers with other types",
-       {"ready", failed, "1=granted camera=not_determined"},
-       [](Trial& trial) { return overStoreThatSays(trial, "({'com.example.reader': 'yes'}, <0>)"); }},
-      {"huge-store",
-       "the permission store answers with 5 MB",
-       {"ready", failed, "1=granted camera=not_determined"},
-       [](Trial& trial) {
-         return overStoreThatSays(trial,
-                                  "(@a{sas} {'com.example.reader': ['yes']}, <'" + std::string(5'000'000, 'x') + "'>)");
-       }},
+      unknown("silent-bus", "the bus takes connections and says nothing", overBusThatSays("")),
+      unknown("babbling-bus", "the bus says 100 KB of nonsense", overBusThatSays(std::string(100'000, '\xff'))),
+      unknown("silent-store", "the permission store gives no answer", overStoreThatSays("")),
+      unknown("lying-store", "the permission store answers with other types",
+              overStoreThatSays("({'com.example.reader': 'yes'}, <0>)")),
+      unknown("huge-store", "the permission store answers with 5 MB",
+              overStoreThatSays(granting + "'" + std::string(5'000'000, 'x') + "'>)")),
   };
 }
 

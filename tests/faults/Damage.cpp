@@ -4,50 +4,41 @@
 
 namespace quillon::test {
 
-std::vector<Damage> damages(std::size_t size, const Trial& trial) {
-  constexpr std::size_t sector = 512;
+void forEachDamage(const std::string& bytes, const Trial& trial,
+                   const std::function<void(const std::string&, const std::string&)>& visit) {
+  const auto size = bytes.size();
   const auto step = trial.isShort() ? size / 16 + 1 : 1;
-  std::vector<Damage> all;
   for (std::size_t length = 0; length < size; length += step) {
-    all.push_back(
-        {"cut to " + std::to_string(length), [length](std::string bytes) { return bytes.substr(0, length); }});
+    visit("cut to " + std::to_string(length), bytes.substr(0, length));
   }
   std::mt19937 random(1);
+  const auto flipBit = [&](char& byte) { byte = static_cast<char>(byte ^ (1 << random() % 8)); };
   for (std::size_t place = 0; place < size; place += step) {
-    const char bit = static_cast<char>(1 << random() % 8);
-    all.push_back({"byte " + std::to_string(place), [place, bit](std::string bytes) {
-                     bytes[place] = static_cast<char>(bytes[place] ^ bit);
-                     return bytes;
-                   }});
+    auto damaged = bytes;
+    flipBit(damaged[place]);
+    visit("byte " + std::to_string(place), damaged);
   }
+  constexpr std::size_t sector = 512;
   for (std::size_t place = 0; place < size; place += sector) {
-    all.push_back({"zeroed at " + std::to_string(place), [place](std::string bytes) {
-                     for (std::size_t i = place; i < std::min(place + sector, bytes.size()); ++i) bytes[i] = '\0';
-                     return bytes;
-                   }});
+    const auto count = std::min(sector, size - place);
+    visit("zeroed at " + std::to_string(place), std::string(bytes).replace(place, count, count, '\0'));
   }
-  for (int seed = 0; seed < trial.rounds(200, 10); ++seed) {
-    all.push_back({"seed " + std::to_string(seed), [seed](std::string bytes) {
-                     std::mt19937 flips(static_cast<unsigned>(seed));
-                     // The first hundred bytes are a header, where a flip does most: they get their share.
-                     const std::size_t range = seed % 3 == 0 ? std::min<std::size_t>(100, bytes.size()) : bytes.size();
-                     for (int left = 2 + seed % 4; left > 0; --left) {
-                       char& byte = bytes[flips() % range];
-                       byte = static_cast<char>(byte ^ (1 << flips() % 8));
-                     }
-                     return bytes;
-                   }});
+  for (int round = 0; round < trial.rounds(200, 10); ++round) {
+    auto damaged = bytes;
+    // The first hundred bytes are a header, where a flip does most: they get their share.
+    const auto range = round % 3 == 0 ? std::min<std::size_t>(100, size) : size;
+    for (int left = 2 + round % 4; left > 0; --left) flipBit(damaged[random() % range]);
+    visit("flips, round " + std::to_string(round), damaged);
   }
-  return all;
 }
 
-Seen seen(World& world, std::string stored) {
+Seen seen(World& world, std::optional<std::string> stored) {
   const auto status = world.sdk->getStatus();
   return {.status = status == SDKStatus::ready      ? "ready"
                     : status == SDKStatus::fetching ? "fetching"
                                                     : "unavailable",
           .log = world.log(),
-          .stored = std::move(stored)};
+          .stored = stored ? *std::move(stored) : "1=" + world.text("1").value_or("nothing")};
 }
 
 }  // namespace quillon::test

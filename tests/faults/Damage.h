@@ -2,24 +2,21 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "tests/faults/Row.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
 
-struct Damage {
-  std::string name;
-  std::function<std::string(std::string bytes)> done;
-};
-
 // Every length that the file can be cut to, each byte with one bit changed, sectors zeroed, and bits changed in several
 // places at random; of a short trial, a sample of each.
-std::vector<Damage> damages(std::size_t size, const Trial& trial);
+void forEachDamage(const std::string& bytes, const Trial& trial,
+                   const std::function<void(const std::string& name, const std::string& damaged)>& visit);
 
-// What a user of this world sees at the moment.
-Seen seen(World& world, std::string stored);
+// What a user of this world sees at the moment; of what is stored the decision on the first purpose, unless it is
+// given.
+Seen seen(World& world, std::optional<std::string> stored = std::nullopt);
 
 }  // namespace quillon::test

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <boost/json.hpp>
-#include <random>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "tests/faults/Areas.h"
@@ -16,10 +15,10 @@
 namespace quillon::test {
 namespace {
 
-std::string versioned(int version) {
+boost::json::object newer() {
   auto document = validConfiguration();
-  document["version"] = version;
-  return boost::json::serialize(document);
+  document["version"] = 6;
+  return document;
 }
 
 // Any damage, while the server cannot help: the file counts as what it was, or not at all.
@@ -29,28 +28,29 @@ Seen damagedConfiguration(Trial& trial) {
   const auto bytes = fileBytes(world.file());
   const auto banner = world.sdk->getBannerConfig().get();
   world.server.onConfiguration(json("{}", 500));
-  for (const auto& damage : damages(bytes.size(), trial)) {
-    setFileBytes(world.file(), damage.done(bytes));
+  forEachDamage(bytes, trial, [&](const std::string& name, const std::string& damaged) {
+    setFileBytes(world.file(), damaged);
     world.start();
     const bool ready = world.sdk->getStatus() == SDKStatus::ready;
-    trial.expect(!ready || world.sdk->getBannerConfig().get() == banner,
-                 damage.name + ": a changed configuration is used");
+    trial.expect(!ready || world.sdk->getBannerConfig().get() == banner, name + ": a changed configuration is used");
     trial.expect(world.text(key::currentComplianceType) == "opt-in" && world.sdk->get(1) == ConsentStatus::declined,
-                 damage.name + ": reads as a consent");
-  }
+                 name + ": reads as a consent");
+  });
   setFileBytes(world.file(), bytes.substr(0, bytes.size() / 2));
   world.start();
   return seen(world, "nothing granted");
 }
 
 // Something else stands in the file's place.
-Seen inPlaceOfTheFile(Trial&, const std::function<void(const std::filesystem::path&)>& put) {
-  World world;
-  world.start();
-  std::filesystem::remove(world.file());
-  put(world.file());
-  world.start();
-  return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
+std::function<Seen(Trial&)> inPlaceOfTheFile(void (*put)(const std::filesystem::path&)) {
+  return [put](Trial&) {
+    World world;
+    world.start();
+    std::filesystem::remove(world.file());
+    put(world.file());
+    world.start();
+    return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
+  };
 }
 
 // On a small disk of its own, full to the last block.
@@ -74,12 +74,12 @@ Seen fullDisk(Trial& trial) {
     const std::string longSubject(20'000, 's');
     auto options = world.options();
     options.subjectId = longSubject;
-    world.server.serve(versioned(6));
+    world.server.serve(newer());
     world.clock->jump(std::chrono::hours(2));
     world.start(options);
     trial.expect(world.text(key::subjectId) != longSubject, "stored where there is no room");
     trial.expect(world.log().find("[ERROR]Failed to store: ") != std::string::npos, "a failed write is not logged");
-    result = seen(world, "1=" + world.text("1").value_or("nothing"));
+    result = seen(world);
     std::filesystem::remove(filler);
     trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused after room was made");
     trial.expect(world.text("1") == "withdrawn", "not stored after room was made");
@@ -96,22 +96,22 @@ Seen readOnlyFolder(Trial& trial) {
   world.settle();
   world.sdk.reset();
   world.platform = {};
-  for (const auto& path : {world.folder.path(), world.data}) {
-    if (::geteuid() == 0 && ::chown(path.c_str(), 65534, 65534) != 0) throw std::runtime_error("no other owner");
-  }
+  std::vector<std::filesystem::path> others{world.folder.path(), world.data};
   for (const auto& entry : std::filesystem::directory_iterator(world.data)) {
-    if (::geteuid() == 0 && ::chown(entry.path().c_str(), 65534, 65534) != 0)
-      throw std::runtime_error("no other owner");
     ::chmod(entry.path().c_str(), 0400);
+    others.push_back(entry.path());
+  }
+  for (const auto& path : others) {
+    if (::geteuid() == 0 && ::chown(path.c_str(), 65534, 65534) != 0) throw std::runtime_error("no other owner");
   }
   ::chmod(world.data.c_str(), 0500);
   if (::geteuid() == 0 && ::setuid(65534) != 0) throw std::runtime_error("no other user");
-  world.server.serve(versioned(6));
+  world.server.serve(newer());
   world.restart();
   world.clock->jump(std::chrono::hours(2));
   world.start();
   trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "acknowledged where nothing can be stored");
-  Seen result = seen(world, "1=" + world.text("1").value_or("nothing"));
+  Seen result = seen(world);
   ::chmod(world.data.c_str(), 0700);
   return result;
 }
@@ -127,28 +127,18 @@ std::vector<Row> fileRows() {
       {"cache-folder",
        "a folder in place of the cached configuration",
        {"unavailable", "Error saving CDN", "version 5"},
-       [](Trial& trial) {
-         return inPlaceOfTheFile(trial, [](const auto& path) { std::filesystem::create_directory(path); });
-       }},
-      {"cache-pipe",
-       "a pipe in its place",
-       {"ready", "", "version 5"},
-       [](Trial& trial) { return inPlaceOfTheFile(trial, [](const auto& path) { ::mkfifo(path.c_str(), 0600); }); }},
+       inPlaceOfTheFile([](const auto& path) { std::filesystem::create_directory(path); })},
+      {"cache-pipe", "a pipe in its place", {"ready", "", "version 5"}, inPlaceOfTheFile([](const auto& path) {
+         ::mkfifo(path.c_str(), 0600);
+       })},
       {"cache-link",
        "a link to a device in its place",
        {"ready", "", "version 5"},
-       [](Trial& trial) {
-         return inPlaceOfTheFile(trial, [](const auto& path) { std::filesystem::create_symlink("/dev/zero", path); });
-       }},
-      {"cache-huge",
-       "a file of 5 GB in its place",
-       {"ready", "", "version 5"},
-       [](Trial& trial) {
-         return inPlaceOfTheFile(trial, [](const auto& path) {
-           setFileBytes(path, "{");
-           std::filesystem::resize_file(path, std::uintmax_t{5} << 30);
-         });
-       }},
+       inPlaceOfTheFile([](const auto& path) { std::filesystem::create_symlink("/dev/zero", path); })},
+      {"cache-huge", "a file of 5 GB in its place", {"ready", "", "version 5"}, inPlaceOfTheFile([](const auto& path) {
+         setFileBytes(path, "{");
+         std::filesystem::resize_file(path, std::uintmax_t{5} << 30);
+       })},
       {"disk-full", "the disk is full, and later has room again", {"ready", "Error saving CDN", "1=granted"}, fullDisk},
       {"read-only",
        "the folder and its files may only be read",

@@ -19,7 +19,7 @@ Seen callbacksThatThrow(Trial& trial) {
   World world;
   auto document = validConfiguration();
   document["gcm_config"] = {{"DE", {{"ad_storage", {1}}}}};
-  world.server.serve(boost::json::serialize(document));
+  world.server.serve(document);
   world.amend = [](Platform& platform) {
     platform.consentSink = std::make_shared<FunctionConsentSink>([](const auto&) { fail(); });
   };
@@ -41,7 +41,7 @@ Seen callbacksThatThrow(Trial& trial) {
   trial.expect(sdk.uploadPendingConsents().get(), "uploads no longer work");
   trial.expect(world.log().find("A callback of the host threw: host\\nfault") != std::string::npos,
                "what was thrown is not in the log");
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seen(world);
 }
 
 // Callbacks use the facade they were called by, on the main queue, and wait there for answers.
@@ -67,7 +67,7 @@ Seen callbacksThatCallBack(Trial& trial) {
   trial.expect(done.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready,
                "no callback any more");
   world.settle();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seen(world);
 }
 
 // The SDK is destroyed by its own callback.
@@ -85,31 +85,30 @@ Seen callbackThatDestroys(Trial& trial) {
                "no callback any more");
   world.restart();
   world.start();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seen(world);
 }
 
 // A host whose main queue loses every job, or refuses them: nothing that does not need it waits for it.
 Seen mainQueueThatLoses(Trial& trial) {
   World world;
-  class Losing : public Executors {
-   public:
-    explicit Losing(std::shared_ptr<Executors> real) : real_(std::move(real)) {}
-    std::shared_ptr<Executor> main() override { return std::make_shared<Nowhere>(); }
-    std::shared_ptr<Executor> background() override { return real_->background(); }
-    std::shared_ptr<Executor> serial(std::string label) override { return real_->serial(std::move(label)); }
-
-   private:
-    struct Nowhere : Executor {
-      void post(Job) override {}
-    };
-    std::shared_ptr<Executors> real_;
+  struct Nowhere : Executor {
+    void post(Job) override {}
   };
-  world.amend = [](Platform& platform) { platform.executors = std::make_shared<Losing>(platform.executors); };
+  struct Losing : Executors {
+    std::shared_ptr<Executors> real;
+    std::shared_ptr<Executor> main() override { return std::make_shared<Nowhere>(); }
+    std::shared_ptr<Executor> background() override { return real->background(); }
+    std::shared_ptr<Executor> serial(std::string label) override { return real->serial(std::move(label)); }
+  };
+  world.amend = [](Platform& platform) {
+    const auto losing = std::make_shared<Losing>();
+    losing->real = std::exchange(platform.executors, losing);
+  };
   world.start();
   world.sdk->checkConsents([&] { trial.expect(false, "called where there is no queue"); });
   trial.expect(world.sdk->acceptOrReject(true).get(), "a decision waits for the main queue");
   world.sdk->settled().wait();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seen(world);
 }
 
 }  // namespace

@@ -6,10 +6,10 @@
 #include <sys/mount.h>
 #include <zlib.h>
 
+#include <array>
 #include <boost/json.hpp>
 #include <cstring>
-#include <memory>
-#include <utility>
+#include <span>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/LinuxClock.h"
@@ -23,6 +23,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using Stopwatch = std::chrono::steady_clock;
+
+const std::string ok = "HTTP/1.1 200 OK\r\n";
 
 constexpr auto shortLimit = 1s;
 constexpr auto stallLimit = 20s;  // connecting may take less
@@ -41,6 +43,12 @@ class HurriedHttpSession : public HttpSession {
   const std::shared_ptr<HttpSession> real_;
 };
 
+// In a short trial.
+void hurry(World& world, const Trial& trial) {
+  if (!trial.isShort()) return;
+  world.amend = [](Platform& platform) { platform.http = std::make_shared<HurriedHttpSession>(platform.http); };
+}
+
 void expectWithin(Trial& trial, Stopwatch::time_point begin, std::chrono::seconds limit, const std::string& what) {
   constexpr auto busyMachine = 15s;  // what a loaded disk may add
   trial.expect(Stopwatch::now() - begin < limit + busyMachine,
@@ -55,23 +63,19 @@ std::string answerIn(World& world) {
 // A first start and a later one while every server is replaced by the one at the address, an answer to the banner, and
 // the same device again once all is well. `limit` is that of one exchange.
 Seen whileServersAre(Trial& trial, const std::string& address, std::chrono::seconds limit = stallLimit) {
-  const auto hurry = [&](World& world) {
-    if (!trial.isShort()) return;
-    limit = std::min(limit, std::chrono::seconds(shortLimit));
-    world.amend = [](Platform& platform) { platform.http = std::make_shared<HurriedHttpSession>(platform.http); };
-  };
+  if (trial.isShort()) limit = std::min(limit, std::chrono::seconds(shortLimit));
   const auto troubled = [&](const World& world) {
     auto options = world.options();
     options.cdnUrl = options.appUrl = address;
     return options;
   };
   World fresh;
-  hurry(fresh);
+  hurry(fresh, trial);
   fresh.restart();
   fresh.sdk->setup(troubled(fresh));
 
   World world;
-  hurry(world);
+  hurry(world, trial);
   world.start();
   world.clock->jump(2h);
   const auto begin = Stopwatch::now();
@@ -90,64 +94,57 @@ Seen whileServersAre(Trial& trial, const std::string& address, std::chrono::seco
   return result;
 }
 
-Seen whileServersSay(Trial& trial, const std::string& text) {
-  const RawServer server([&](int connection) { RawServer::say(connection, text); });
-  return whileServersAre(trial, server.url());
+using Run = std::function<Seen(Trial&)>;
+
+// Servers that say this, and hang up.
+Run saying(const std::string& text) {
+  return [text](Trial& trial) {
+    const RawServer server([&](int connection) { RawServer::say(connection, text); });
+    return whileServersAre(trial, server.url());
+  };
 }
 
-Seen whileServersStallAfter(Trial& trial, const std::string& text) {
-  const RawServer server([&](int connection) {
-    RawServer::say(connection, text);
-    RawServer::fallSilent(connection);
-  });
-  return whileServersAre(trial, server.url());
+Run stallingAfter(const std::string& text, const std::string& scheme = "http") {
+  return [text, scheme](Trial& trial) {
+    const RawServer server([&](int connection) {
+      RawServer::say(connection, text);
+      RawServer::fallSilent(connection);
+    });
+    return whileServersAre(trial, scheme + server.url().substr(4));
+  };
 }
 
-Seen whileServersRepeat(Trial& trial, const std::string& begin, const std::string& part) {
-  const RawServer server([&](int connection) {
-    RawServer::say(connection, begin);
-    while (RawServer::say(connection, part)) {
-    }
-  });
-  return whileServersAre(trial, server.url(), wholeLimit);
+Run repeating(const std::string& begin, const std::string& part) {
+  return [begin, part](Trial& trial) {
+    const RawServer server([&](int connection) {
+      RawServer::say(connection, begin);
+      while (RawServer::say(connection, part)) {
+      }
+    });
+    return whileServersAre(trial, server.url(), wholeLimit);
+  };
 }
 
 // A port that nobody listens on.
-std::string deserted() {
-  return RawServer([](int) {}).url();
+Seen deserted(Trial& trial) {
+  const auto address = RawServer([](int) {}).url();
+  return whileServersAre(trial, address);
 }
 
-// Takes no connection: its queue is full.
-class FullListener {
- public:
-  FullListener() {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    if (::bind(listener_, reinterpret_cast<sockaddr*>(&address), size) != 0 || ::listen(listener_, 0) != 0) {
-      throw std::runtime_error("no listener");
-    }
-    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
-    for (int& waiting : waiting_) {
-      waiting = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-      ::connect(waiting, reinterpret_cast<sockaddr*>(&address), size);
-    }
-  }
-  FullListener(const FullListener&) = delete;
-  FullListener& operator=(const FullListener&) = delete;
-  ~FullListener() {
-    for (const int waiting : waiting_) ::close(waiting);
-    ::close(listener_);
-  }
-  std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
-
- private:
-  const int listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
-  int port_ = 0;
-  int waiting_[3]{};
-};
+// A listener that takes no connection, as its queue is full.
+Seen fullListener(Trial& trial) {
+  std::array<int, 4> sockets{};
+  for (int& each : sockets) each = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+  sockaddr_in address{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+  socklen_t size = sizeof address;
+  auto* const any = reinterpret_cast<sockaddr*>(&address);
+  if (::bind(sockets[0], any, size) != 0 || ::listen(sockets[0], 0) != 0) throw std::runtime_error("no listener");
+  ::getsockname(sockets[0], any, &size);
+  for (const int waiting : std::span(sockets).subspan(1)) ::connect(waiting, any, size);
+  Seen result = whileServersAre(trial, "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/");
+  for (const int each : sockets) ::close(each);
+  return result;
+}
 
 std::string gzip(const std::string& text) {
   z_stream stream{};
@@ -164,12 +161,6 @@ std::string gzip(const std::string& text) {
   return result;
 }
 
-Seen bomb(Trial& trial) {
-  const std::string body = gzip(std::string(std::size_t{64} << 20, ' '));
-  return whileServersSay(trial, "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: " +
-                                    std::to_string(body.size()) + "\r\n\r\n" + body);
-}
-
 std::string redirect(const std::string& to) {
   return "HTTP/1.1 302 Found\r\nLocation: " + to + "\r\nContent-Length: 0\r\n\r\n";
 }
@@ -178,7 +169,7 @@ std::string redirect(const std::string& to) {
 Seen redirectElsewhere(Trial& trial) {
   World world;
   ConsentServer elsewhere;
-  elsewhere.serve(boost::json::serialize(validConfiguration()));
+  elsewhere.serve(validConfiguration());
   const auto send = [&](const httplib::Request& request, httplib::Response& response) {
     response.set_redirect(elsewhere.url().substr(0, elsewhere.url().size() - 1) + request.path, 307);
   };
@@ -228,11 +219,9 @@ Seen deadNameServer(Trial& trial) {
     throw LeftOut("a network of its own needs the rights of root, outside of a changed root");
   }
   const int nameServer = ::socket(AF_INET, SOCK_DGRAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(53);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (::bind(nameServer, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+  const sockaddr_in address{
+      .sin_family = AF_INET, .sin_port = htons(53), .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+  if (::bind(nameServer, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     throw std::runtime_error("no name server");
   }
   Seen result = whileServersAre(trial, "http://cdn.quillon.example/");
@@ -258,13 +247,9 @@ Seen twoStalls(Trial& trial) {
   std::atomic<int> tries = 0;
   const RawServer server([&](int connection) {
     if (++tries <= 2) return RawServer::fallSilent(connection);
-    const std::string answer = R"({"status":0,"message":"saved"})";
-    RawServer::say(connection,
-                   "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(answer.size()) + "\r\n\r\n" + answer);
+    RawServer::say(connection, ok + "Content-Length: 30\r\n\r\n" + saved);
   });
-  if (trial.isShort()) {
-    world.amend = [](Platform& platform) { platform.http = std::make_shared<HurriedHttpSession>(platform.http); };
-  }
+  hurry(world, trial);
   auto options = world.options();
   options.appUrl = server.url();
   world.start(options);
@@ -293,7 +278,7 @@ Seen silentLocation(Trial& trial) {
   auto& banners = document["banner_config"].as_object();
   banners["categories"].as_object()["us"] = {{"compliance_type", "opt-out"}};
   banners["locations"].as_object()["US"] = "us";
-  world.server.serve(boost::json::serialize(document));
+  world.server.serve(document);
   world.amend = [&](Platform& platform) {
     platform.clock = trial.isShort() ? std::make_shared<HurriedClock>() : std::make_shared<LinuxClock>();
     platform.vendorUrl = silent.url();
@@ -319,60 +304,41 @@ Seen silentLocation(Trial& trial) {
 }
 
 // A row whose servers are of no use: the cached configuration serves on, and the answer waits for better days.
-Row useless(std::string_view name, std::string_view fault, std::string log, std::function<Seen(Trial&)> run) {
+Row useless(std::string_view name, std::string_view fault, std::string log, Run run) {
   return {name, fault, {"ready", std::move(log), "1=granted, to be uploaded"}, std::move(run), 150s};
 }
 
 }  // namespace
 
 std::vector<Row> networkRows() {
+  const std::string half = ok + "Content-Length: 100\r\n\r\n{\"version\": 7";
+  const std::string bomb = gzip(std::string(std::size_t{64} << 20, ' '));
   return {
-      useless("refused", "the servers refuse the connection", "Could not connect to 127.0.0.1 port",
-              [](Trial& trial) { return whileServersAre(trial, deserted()); }),
-      useless("stall-connect", "the servers take no connection", "onnect",
-              [](Trial& trial) {
-                const FullListener full;
-                return whileServersAre(trial, full.url());
-              }),
+      useless("refused", "the servers refuse the connection", "Could not connect to 127.0.0.1 port", deserted),
+      useless("stall-connect", "the servers take no connection", "onnect", fullListener),
+      // Its first reads are of a client's hello, which never ends in an empty line.
       useless("stall-tls", "the servers fall silent before the encryption is agreed on", "onnection tim",
-              [](Trial& trial) {
-                // Its first reads are of a client's hello, which never ends in an empty line.
-                const RawServer server(RawServer::fallSilent);
-                return whileServersAre(trial, "https" + server.url().substr(4));
-              }),
-      useless("stall-answer", "the servers fall silent before their answer", "Operation t",
-              [](Trial& trial) { return whileServersStallAfter(trial, ""); }),
+              stallingAfter("", "https")),
+      useless("stall-answer", "the servers fall silent before their answer", "Operation t", stallingAfter("")),
       useless("stall-headers", "the servers fall silent within the headers", "Operation t",
-              [](Trial& trial) { return whileServersStallAfter(trial, "HTTP/1.1 200 OK\r\nContent-"); }),
-      useless("stall-body", "the servers fall silent after half the body", "Operation t",
-              [](Trial& trial) {
-                return whileServersStallAfter(trial, "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"version\": 7");
-              }),
-      useless("half-body", "the servers hang up after half the body", "transfer closed with",
-              [](Trial& trial) {
-                return whileServersSay(trial, "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n{\"version\": 7");
-              }),
+              stallingAfter(ok + "Content-")),
+      useless("stall-body", "the servers fall silent after half the body", "Operation t", stallingAfter(half)),
+      useless("half-body", "the servers hang up after half the body", "transfer closed with", saying(half)),
       useless("half-chunk", "the servers hang up before the last chunk", "transfer closed with",
-              [](Trial& trial) {
-                return whileServersSay(trial, "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n");
-              }),
-      useless("no-http", "the servers speak another protocol", "HTTP/0.9",
-              [](Trial& trial) { return whileServersSay(trial, "SSH-2.0-OpenSSH_9.2\r\n"); }),
-      useless("hang-up", "the servers hang up without a word", "Empty reply",
-              [](Trial& trial) { return whileServersSay(trial, ""); }),
+              saying(ok + "Transfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n")),
+      useless("no-http", "the servers speak another protocol", "HTTP/0.9", saying("SSH-2.0-OpenSSH_9.2\r\n")),
+      useless("hang-up", "the servers hang up without a word", "Empty reply", saying("")),
       useless("gigabyte", "the servers send a gigabyte that was not announced", "larger than allowed",
-              [](Trial& trial) {
-                return whileServersRepeat(trial, "HTTP/1.1 200 OK\r\n\r\n", std::string(std::size_t{1} << 16, ' '));
-              }),
+              repeating(ok + "\r\n", std::string(std::size_t{1} << 16, ' '))),
       useless("headers", "the servers send headers without end", "larger than allowed",
-              [](Trial& trial) {
-                return whileServersRepeat(trial, "HTTP/1.1 200 OK\r\n", "X-More: " + std::string(1000, 'x') + "\r\n");
-              }),
-      useless("bomb", "the servers send 64 KB that unfold to 64 MB", "larger than allowed", bomb),
+              repeating(ok, "X-More: " + std::string(1000, 'x') + "\r\n")),
+      useless(
+          "bomb", "the servers send 64 KB that unfold to 64 MB", "larger than allowed",
+          saying(ok + "Content-Encoding: gzip\r\nContent-Length: " + std::to_string(bomb.size()) + "\r\n\r\n" + bomb)),
       useless("redirects", "the servers redirect without end", "redirected more than 5 times",
-              [](Trial& trial) { return whileServersSay(trial, redirect("/again")); }),
+              saying(redirect("/again"))),
       useless("redirect-file", "the servers redirect to a file of the device", "redirect was not followed",
-              [](Trial& trial) { return whileServersSay(trial, redirect("file:///etc/passwd")); }),
+              saying(redirect("file:///etc/passwd"))),
       useless("elsewhere", "the servers redirect to another one", "Failed with Status (307)", redirectElsewhere),
       useless("proxy", "the proxy of the environment refuses", "Failed with Status (407)", refusingProxy),
       useless("name-server", "the name server never answers", "imed out", deadNameServer),

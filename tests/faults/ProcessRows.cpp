@@ -1,33 +1,25 @@
 // What becomes of the process that the SDK lives in, and what it shares with others.
 #include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <boost/json.hpp>
-#include <cstdio>
 #include <map>
 #include <mutex>
 #include <random>
 #include <set>
 #include <thread>
 
-#include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/StandardConsole.h"
 #include "quillon/LinuxPlatform.h"
 #include "tests/faults/Areas.h"
 #include "tests/faults/Damage.h"
+#include "tests/faults/ProcessEnd.h"
 #include "tests/faults/SystemCalls.h"
 #include "tests/platform/ChildProcess.h"
 #include "tests/platform/PrivateBus.h"
 #include "tests/support/RawServer.h"
-#include "tests/support/World.h"
-#include "tests/tools/ToolProcess.h"
+#include "tests/tools/HostProcess.h"
 
 namespace quillon::test {
 namespace {
@@ -37,27 +29,26 @@ using namespace std::chrono_literals;
 // In a child of a process with threads, whose threads the leak check would wait for.
 bool withoutLeakCheck = false;
 
-// Forks, and ends the child by the front door after the work. Nothing: it did not end in time and was killed.
-std::optional<int> leave(const std::function<void()>& work, std::chrono::milliseconds limit = 10s) {
-  const pid_t process = ::fork();
-  if (process < 0) throw std::runtime_error("no process");
-  if (process == 0) {
-    work();
-    std::exit(0);
-  }
-  const int ended = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
-  pollfd waiting{.fd = ended, .events = POLLIN, .revents = 0};
-  const bool inTime = ::poll(&waiting, 1, static_cast<int>(limit.count())) > 0;
-  ::close(ended);
-  if (!inTime) ::kill(process, SIGKILL);
-  int status = 0;
-  while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
-  }
-  return inTime ? std::optional(status) : std::nullopt;
+// What is found, at the next start, of the data that other processes have left.
+Seen seenIn(const std::filesystem::path& data) {
+  World world(data);
+  world.start();
+  return seen(world);
 }
 
-std::string text(const std::optional<int>& status) {
-  return status ? "wait status " + std::to_string(*status) : "hung";
+void expectGoodEnd(Trial& trial, const std::string& what, const std::function<void()>& work) {
+  const auto status = endOf(work);
+  trial.expect(status == 0, what + (status ? ": wait status " + std::to_string(*status) : ": hung"));
+}
+
+// Does the work while the process may have no more of the resource.
+void whileLimited(decltype(RLIMIT_FSIZE) resource, rlim_t most, const std::function<void()>& work) {
+  rlimit before{};
+  ::getrlimit(resource, &before);
+  const rlimit less{.rlim_cur = most, .rlim_max = before.rlim_max};
+  ::setrlimit(resource, &less);
+  work();
+  ::setrlimit(resource, &before);
 }
 
 // The application's one instance, as a program has it, that is never taken down by hand.
@@ -85,14 +76,11 @@ class Servers {
   const std::string silent = urls_.substr(urls_.find(' ') + 1);
 };
 
-// main() returns while the SDK loads, stores and uploads, against a server that never answers.
+// main() returns while the SDK loads, stores and uploads, against a server that never answers and one that does.
 Seen leavingMain(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
-  {
-    World world(data);
-    world.start();
-  }
+  (void)seenIn(data);
   const Servers servers;
   int round = 0;
   // What has the process begun when it leaves?
@@ -104,14 +92,11 @@ Seen leavingMain(Trial& trial) {
       [](ConsentSDK& sdk) { sdk.checkConsents([] {}); },
   };
   for (const auto& moment : moments) {
-    for (const bool answers : {false, true}) {
-      const auto status = leave([&] { moment(sharedInstance(data, answers ? servers.answering : servers.silent)); });
-      trial.expect(status == 0, "moment " + std::to_string(round++) + ": " + text(status));
+    for (const auto& url : {servers.silent, servers.answering}) {
+      expectGoodEnd(trial, "moment " + std::to_string(round++), [&] { moment(sharedInstance(data, url)); });
     }
   }
-  World world(data);
-  world.start();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seenIn(data);
 }
 
 // How often the threads below have used the SDK.
@@ -155,7 +140,7 @@ Seen leavingThreads(Trial& trial) {
   const auto data = place.path() / "data";
   const Servers servers;
   for (int round = 0; round < trial.rounds(40, 8); ++round) {
-    const auto status = leave([&] {
+    expectGoodEnd(trial, "round " + std::to_string(round), [&] {
       std::atexit([] {
         waitForUses(200);
         if (!ConsentSDK::shared().set({.purposeId = 1}, ConsentStatus::granted)) std::_Exit(3);
@@ -164,46 +149,44 @@ Seen leavingThreads(Trial& trial) {
       for (int thread = 0; thread < 4; ++thread) std::thread([&sdk] { useForEver(sdk); }).detach();
       waitForUses(round * round);
     });
-    trial.expect(status == 0, "round " + std::to_string(round) + ": " + text(status));
   }
-  World world(data);
-  world.start();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seenIn(data);
 }
 
 // The host forks while the SDK is at work; the children leave, and the SDK goes on.
 Seen fork(Trial& trial) {
   World world;
   auto& sdk = sharedInstance(world.data, world.server.url());
-  for (int round = 0; round < trial.rounds(100, 10); ++round) {
+  for (int round = 0; round < trial.rounds(100, 10) && trial.failures().empty(); ++round) {
     if (round % 2 == 0) sdk.checkConsents([] {});
-    const auto status = leave([] { withoutLeakCheck = true; });
-    if (!trial.expect(status == 0, "child " + std::to_string(round) + ": " + text(status))) break;
+    expectGoodEnd(trial, "child " + std::to_string(round), [] { withoutLeakCheck = true; });
   }
   sdk.settled().wait();
   trial.expect(sdk.getStatus() == SDKStatus::ready, "the parent is not ready");
   trial.expect(sdk.set({.purposeId = 1}, ConsentStatus::granted), "the parent cannot store");
   trial.expect(sdk.uploadPendingConsents().get(), "the parent cannot upload");
   world.restart();
-  return {.status = "ready", .log = world.log(), .stored = "1=" + world.text("1").value_or("nothing")};
+  world.start();
+  return seen(world);
 }
 
 // Three descriptors are free that the world takes for standard input, output and error.
 Seen closedDescriptors(Trial& trial) {
   World world;
-  const int error = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 10);
-  for (const int descriptor : {0, 1, 2}) ::close(descriptor);
+  const std::array standard{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+  std::array<int, 3> kept{};
+  for (const int descriptor : standard) {
+    kept[static_cast<std::size_t>(descriptor)] = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 10);
+    ::close(descriptor);
+  }
   {
     std::atomic<bool> over = false;
-    const auto isOurs = [](int descriptor) {
-      std::error_code none;
-      return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none) != "/dev/null";
-    };
     world.amend = [](Platform& platform) { platform.console = std::make_shared<StandardConsole>(); };
     world.restart();
-    for (const int descriptor : {0, 1, 2}) {
-      trial.expect(!isOurs(descriptor),
-                   "descriptor " + std::to_string(descriptor) + " is a file or connection of ours");
+    for (const int descriptor : standard) {
+      std::error_code none;
+      const auto file = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none);
+      trial.expect(file == "/dev/null", "descriptor " + std::to_string(descriptor) + " is " + file.string());
     }
     std::jthread printing([&] {
       while (!over) {
@@ -220,11 +203,11 @@ Seen closedDescriptors(Trial& trial) {
     }
     over = true;
   }
-  ::dup2(error, STDERR_FILENO);
+  for (const int descriptor : standard) ::dup2(kept[static_cast<std::size_t>(descriptor)], descriptor);
   world.amend = nullptr;
   world.restart();
   world.start();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seen(world);
 }
 
 // Files may not grow beyond a limit, and the signal that says so ends a process that does not expect it.
@@ -236,18 +219,15 @@ Seen fileSizeLimit(Trial& trial) {
   newer["version"] = 6;
   world.server.serve(boost::json::serialize(newer));
   world.clock->jump(2h);
-  rlimit limit{};
-  ::getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit none{.rlim_cur = 100, .rlim_max = limit.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &none);
-  trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "acknowledged without being stored");
-  world.start();
-  ::setrlimit(RLIMIT_FSIZE, &limit);
-  Seen result = seen(world, "1=" + world.text("1").value_or("nothing"));
+  whileLimited(RLIMIT_FSIZE, 100, [&] {
+    trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "acknowledged without being stored");
+    world.start();
+  });
+  Seen result = seen(world);
   trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused without a limit");
   // A signal of the host's own is not swallowed.
   ::signal(SIGXFSZ, SIG_DFL);
-  trial.expect(leave([] { ::raise(SIGXFSZ); }) != 0, "the signal no longer does what the host wants");
+  trial.expect(endOf([] { ::raise(SIGXFSZ); }) != 0, "the signal no longer does what the host wants");
   return result;
 }
 
@@ -288,30 +268,12 @@ Seen noDescriptors(Trial& trial) {
   world.clock->jump(2h);
   world.start();
   trial.expect(mendCalls(), "nothing was opened");
-  Seen result = seen(world, {});
+  Seen result = seen(world);
   trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::declined), "refused with descriptors again");
   trial.expect(world.sdk->uploadPendingConsents().get(), "no upload with descriptors again");
   result.stored = "1=" + world.text("1").value_or("nothing");
   return result;
 }
-
-// So many descriptors are left to this process while it lives.
-class FewDescriptors {
- public:
-  explicit FewDescriptors(int left) {
-    ::getrlimit(RLIMIT_NOFILE, &before_);
-    const int next = ::dup(STDERR_FILENO);
-    ::close(next);
-    const rlimit few{.rlim_cur = static_cast<rlim_t>(next + left), .rlim_max = before_.rlim_max};
-    ::setrlimit(RLIMIT_NOFILE, &few);
-  }
-  FewDescriptors(const FewDescriptors&) = delete;
-  FewDescriptors& operator=(const FewDescriptors&) = delete;
-  ~FewDescriptors() { ::setrlimit(RLIMIT_NOFILE, &before_); }
-
- private:
-  rlimit before_{};
-};
 
 // Connections, pipes, the bus and the store find fewer and fewer descriptors, while the SDK is set up or at work, and
 // plenty afterwards. A store that cannot be opened stops the application; nothing else does, and all works again.
@@ -334,15 +296,16 @@ Seen fewDescriptors(Trial& trial) {
   int stopped = 0;
   for (const bool running : {false, true}) {
     for (int left = 0; left <= most; left += trial.rounds(1, 3)) {
-      const auto status = leave([&] {
+      const auto status = endOf([&] {
         std::set_terminate([] { std::_Exit(2); });
         ConsentSDK* sdk = running ? &sharedInstance(data, servers.answering) : nullptr;
         if (running && !use(*sdk)) std::_Exit(3);
-        {
-          const FewDescriptors few(left);
+        const int next = ::dup(STDERR_FILENO);
+        ::close(next);
+        whileLimited(RLIMIT_NOFILE, static_cast<rlim_t>(next + left), [&] {
           if (!running) sdk = &sharedInstance(data, servers.answering);
           (void)use(*sdk);
-        }
+        });
         if (!use(*sdk) || sdk->getStatus() != SDKStatus::ready) std::_Exit(4);
       });
       const bool mayStop = !running && left < most / 2;
@@ -350,14 +313,12 @@ Seen fewDescriptors(Trial& trial) {
         ++stopped;
         continue;
       }
-      trial.expect(status == 0,
-                   std::to_string(left) + (running ? " left at work: " : " left at set-up: ") + text(status));
+      trial.expect(status == 0, std::to_string(left) + (running ? " left at work: " : " left at set-up: ") +
+                                    (status ? "wait status " + std::to_string(*status) : "hung"));
     }
   }
   trial.expect(stopped > 0, "the store was opened without a descriptor");
-  World world(data);
-  world.start();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seenIn(data);
 }
 
 // Two processes of one application decide at once, each about a purpose of its own.
@@ -390,90 +351,56 @@ Seen twoProcesses(Trial& trial) {
   return seen(world, "1=" + world.text("1").value_or("nothing") + " 2=" + world.text("2").value_or("nothing"));
 }
 
-// A host that a test drives.
-class Host {
- public:
-  Host(const std::filesystem::path& data, const ConsentServer& server)
-      : tool_({"host", "--data-dir", data, "--vendor-url", server.url()}, data.parent_path() / "errors") {
-    tell(R"({"op":"setup","tenantId":"t1","appId":"a1","locationCode":"DE","appUrl":")" + server.url() +
-         R"(","cdnUrl":")" + server.url() + "\"}");
-    tell(R"({"op":"waitReady"})");
-    hear();
-    hear();
-  }
-  void tell(const std::string& line) { tool_.writeLine(line); }
-  boost::json::object hear() { return boost::json::parse(tool_.readLine().value_or("{}")).as_object(); }
-  boost::json::object ask(const std::string& line) {
-    tell(line);
-    return hear();
-  }
-  void kill() {
-    tool_.sendSignal(SIGKILL);
-    tool_.wait();
-  }
+void kill(HostProcess& host) {
+  host.tool.sendSignal(SIGKILL);
+  host.tool.wait();
+}
 
- private:
-  ToolProcess tool_;
-};
+std::string consentIn(HostProcess& host, int purpose) {
+  const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(purpose) + "}");
+  return answer.contains("consent") ? answer.at("consent").as_string().c_str() : boost::json::serialize(answer);
+}
 
 Seen killedWithTheBanner(Trial& trial) {
   const TemporaryFolder place;
   ConsentServer server;
-  server.serve(boost::json::serialize(validConfiguration()));
+  server.serve(validConfiguration());
   for (int round = 0; round < trial.rounds(10, 2); ++round) {
-    Host host(place.path() / "data", server);
+    HostProcess host(place.path() / "data", server.url());
+    host.setUp();
     const auto shown = host.ask(R"({"op":"banner","ifDue":true})");
     trial.expect(shown.contains("banner"), "the banner is not due again: " + boost::json::serialize(shown));
     for (const int purpose : {1, 2, 3}) {
-      const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(purpose) + "}");
-      trial.expect(answer.contains("consent") && answer.at("consent") == "declined",
-                   "unanswered, but " + boost::json::serialize(answer));
+      const auto consent = consentIn(host, purpose);
+      trial.expect(consent == "declined", "unanswered, but " + consent);
     }
-    host.kill();
+    kill(host);
   }
-  World world(place.path() / "data");
-  world.start();
-  return seen(world, "1=" + world.text("1").value_or("nothing"));
+  return seenIn(place.path() / "data");
 }
-
-// What the server recorded last for each purpose: what it answered with status 0.
-class Records {
- public:
-  void add(const std::string& body) {
-    const auto upload = boost::json::parse(body);
-    const std::scoped_lock lock(mutex_);
-    for (const auto& consent : upload.at("purpose_consents").as_array()) {
-      latest_[static_cast<int>(consent.at("purpose_id").as_int64())] = consent.at("consent_status").as_string().c_str();
-    }
-  }
-  std::map<int, std::string> latest() const {
-    const std::scoped_lock lock(mutex_);
-    return latest_;
-  }
-
- private:
-  mutable std::mutex mutex_;
-  std::map<int, std::string> latest_;
-};
 
 // A host is killed again and again in the middle of decisions and uploads, against a server that fails every other
 // time.
 Seen killedAtAnyMoment(Trial& trial) {
   const TemporaryFolder place;
+  const auto data = place.path() / "data";
+  std::mutex mutex;
+  std::map<int, std::string> recorded;  // what the server answered last with status 0
+  int requests = 0;
+  bool failing = true;
   ConsentServer server;
-  Records records;
-  std::atomic<int> requests = 0;
-  std::atomic<bool> failing = true;
   auto document = validConfiguration();
   document["is_att_enabled"] = false;
-  server.serve(boost::json::serialize(document));
+  server.serve(document);
   server.onUpload([&](const auto& request, auto& response) {
-    if (failing && ++requests % 2 == 0) {
-      response.status = 500;
-      return;
+    const std::scoped_lock lock(mutex);
+    if (failing && ++requests % 2 == 0) return void(response.status = 500);
+    const auto upload = boost::json::parse(request.body);
+    for (const auto& consent : upload.at("purpose_consents").as_array()) {
+      recorded[static_cast<int>(consent.at("purpose_id").as_int64())] =
+          consent.at("consent_status").as_string().c_str();
     }
-    records.add(request.body);
-    json(R"({"status":0,"message":"saved"})")(request, response);
+    json(saved)(request, response);
   });
 
   std::mt19937 random(20261124);
@@ -481,10 +408,10 @@ Seen killedAtAnyMoment(Trial& trial) {
   // What each purpose may hold: the decision acknowledged last, and those sent after it whose answer was never read.
   std::map<int, std::set<std::string>> possible;
   for (int round = 0; round < trial.rounds(200, 15) && trial.failures().empty(); ++round) {
-    Host host(place.path() / "data", server);
+    HostProcess host(data, server.url());
+    host.setUp();
     for (auto& [id, values] : possible) {
-      const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(id) + "}");
-      const std::string found = answer.contains("consent") ? answer.at("consent").as_string().c_str() : "nothing";
+      const auto found = consentIn(host, id);
       trial.expect(values.contains(found), "round " + std::to_string(round) + ", " + std::to_string(id) + "=" + found);
       values = {found};
     }
@@ -513,23 +440,28 @@ Seen killedAtAnyMoment(Trial& trial) {
         possible[id].insert(status);
       }
     }
-    host.kill();
+    kill(host);
   }
 
-  failing = false;
-  Host host(place.path() / "data", server);
+  {
+    const std::scoped_lock lock(mutex);
+    failing = false;
+  }
+  HostProcess host(data, server.url());
+  host.setUp();
   const auto uploaded = host.ask(R"({"op":"upload"})");
   trial.expect(uploaded.contains("uploaded") && uploaded.at("uploaded") == true, "the rest cannot be uploaded");
-  const auto latest = records.latest();
+  const std::scoped_lock lock(mutex);
   for (const auto& [id, values] : possible) {
-    const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(id) + "}");
-    const std::string stored = answer.at("consent").as_string().c_str();
+    const auto stored = consentIn(host, id);
     trial.expect(values.contains(stored), std::to_string(id) + "=" + stored + " was not acknowledged last");
-    const auto there = latest.find(id);
-    trial.expect((there == latest.end() ? "declined" : there->second) == stored, std::to_string(id) + " differs there");
+    const auto there = recorded.find(id);
+    trial.expect((there == recorded.end() ? "declined" : there->second) == stored,
+                 std::to_string(id) + " differs there");
   }
-  const auto status = host.ask(R"({"op":"status"})");
-  return {.status = status.at("status").as_string().c_str(), .log = {}, .stored = "all that was acknowledged"};
+  return {.status = host.ask(R"({"op":"status"})").at("status").as_string().c_str(),
+          .log = {},
+          .stored = "all that was acknowledged"};
 }
 
 }  // namespace

@@ -68,28 +68,34 @@ Instead strike(Call call, Where where) {
     case Effect::kill:
       ::syscall(SYS_kill, ::getpid(), SIGKILL);
       break;
-    case Effect::failing:
-      errno = EIO;
-      return Instead::fail;
-    case Effect::full:
-      errno = ENOSPC;
-      return Instead::fail;
-    case Effect::noDescriptors:
-      errno = EMFILE;
-      return Instead::fail;
-    case Effect::interrupted:
-      errno = EINTR;
-      return Instead::fail;
     case Effect::shortened:
       return Instead::half;
+    case Effect::failing:
+      errno = EIO;
+      break;
+    case Effect::full:
+      errno = ENOSPC;
+      break;
+    case Effect::noDescriptors:
+      errno = EMFILE;
+      break;
+    case Effect::interrupted:
+      errno = EINTR;
+      break;
   }
-  return Instead::nothing;
+  return Instead::fail;
 }
 
 template <class Where, class... Arguments>
 int passOn(Call kind, Where where, long call, Arguments... arguments) {
   if (strike(kind, where) == Instead::fail) return -1;
   return static_cast<int>(::syscall(call, arguments...));
+}
+
+template <class Write>
+ssize_t writeOn(int file, std::size_t count, const Write& write) {
+  const Instead instead = strike(Call::writes, file);
+  return instead == Instead::fail ? -1 : write(instead == Instead::half ? (count + 1) / 2 : count);
 }
 
 }  // namespace
@@ -115,32 +121,18 @@ bool mendCalls() {
 extern "C" {
 
 using quillon::test::Call;
-using quillon::test::Instead;
 using quillon::test::passOn;
-using quillon::test::strike;
+using quillon::test::writeOn;
 
-static mode_t modeOf(int flags, va_list rest) {
-  return (flags & (O_CREAT | __O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(rest, unsigned)) : mode_t{0};
-}
-
-static int openAt(const char* path, int flags, mode_t mode) {
-  const auto kind = (flags & O_CREAT) != 0 ? Call::creates : Call::opens;
-  return passOn(kind, path, SYS_openat, AT_FDCWD, path, flags, mode);
-}
-int open(const char* path, int flags, ...) {
-  va_list rest;
-  va_start(rest, flags);
-  const mode_t mode = modeOf(flags, rest);
-  va_end(rest);
-  return openAt(path, flags, mode);
-}
 int open64(const char* path, int flags, ...) {
   va_list rest;
   va_start(rest, flags);
-  const mode_t mode = modeOf(flags, rest);
+  const mode_t mode = (flags & (O_CREAT | __O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(rest, unsigned)) : mode_t{0};
   va_end(rest);
-  return openAt(path, flags | O_LARGEFILE, mode);
+  const auto kind = (flags & O_CREAT) != 0 ? Call::creates : Call::opens;
+  return passOn(kind, path, SYS_openat, AT_FDCWD, path, flags | O_LARGEFILE, mode);
 }
+int open(const char*, int, ...) __attribute__((alias("open64")));
 int mkdir(const char* path, mode_t mode) noexcept {
   return passOn(Call::needsRoom, path, SYS_mkdirat, AT_FDCWD, path, mode);
 }
@@ -149,14 +141,10 @@ int mknod(const char* path, mode_t mode, dev_t device) noexcept {
 }
 
 ssize_t write(int file, const void* bytes, size_t count) {
-  const Instead instead = strike(Call::writes, file);
-  if (instead == Instead::fail) return -1;
-  return ::syscall(SYS_write, file, bytes, instead == Instead::half ? (count + 1) / 2 : count);
+  return writeOn(file, count, [&](size_t taken) { return ::syscall(SYS_write, file, bytes, taken); });
 }
 ssize_t pwrite64(int file, const void* bytes, size_t count, off64_t offset) {
-  const Instead instead = strike(Call::writes, file);
-  if (instead == Instead::fail) return -1;
-  return ::syscall(SYS_pwrite64, file, bytes, instead == Instead::half ? (count + 1) / 2 : count, offset);
+  return writeOn(file, count, [&](size_t taken) { return ::syscall(SYS_pwrite64, file, bytes, taken, offset); });
 }
 int fsync(int file) {
   return passOn(Call::needsRoom, file, SYS_fsync, file);
