@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,46 +21,37 @@ std::string accountOf(const std::string& report) {
   return begin == std::string::npos ? "none in: " + report : report.substr(begin, report.find('\n', begin) - begin);
 }
 
-class FleetTest : public testing::Test {
- protected:
-  struct Outcome {
-    std::optional<int> status;
-    std::string account;
-  };
-
+struct FleetTest : testing::Test {
   // Against the development server alone; what it writes about so few requests fits into the pipe unread.
-  Outcome runAgainstServe(const std::string& outageOf) {
-    const std::string database = folder_.path() / "uploads.db";
+  ToolRun runAgainstServe(const std::string& outageOf) {
+    const std::string database = folder.path() / "uploads.db";
     ToolProcess server({"serve", QUILLON_SAMPLE_SITE, "--port", "0", "--db", database});
     const std::string url = server.readLine().value_or("").substr(std::string("listening on ").size());
     std::vector<std::string> arguments{"fleet",    "--cdn",       url,        "--app",       url,
                                        "--tenant", "demo-tenant", "--app-id", "news-reader", "--outage-of",
                                        outageOf,   "--uploads",   database};
     arguments.insert(arguments.end(), fourHours.begin(), fourHours.end());
-    ToolProcess fleet(arguments);
-    std::string report;
-    for (const auto& line : fleet.readLines()) report += line + "\n";
-    return {fleet.wait(), accountOf(report)};
+    return runTool(arguments);
   }
 
-  TemporaryFolder folder_;
+  const TemporaryFolder folder{TemporaryFolder::fastParent()};
 };
 
 TEST_F(FleetTest, EveryDecisionReachesTheServerOnceAfterAnOutage) {
-  const Outcome first = runAgainstServe("network");
+  const auto first = runAgainstServe("network");
   EXPECT_EQ(first.status, 0);
-  EXPECT_TRUE(contains(first.account, nothingWrong));
-  EXPECT_TRUE(first.account.starts_with("decisions 160, ")) << first.account;
+  EXPECT_TRUE(contains(accountOf(first.output), nothingWrong));
+  EXPECT_TRUE(accountOf(first.output).starts_with("decisions 160, ")) << first.output;
 
   // The same devices decide the same at the same times: the server now has it twice, and the account must say so.
-  const Outcome second = runAgainstServe("servers");
+  const auto second = runAgainstServe("servers");
   EXPECT_EQ(second.status, 1);
-  EXPECT_FALSE(contains(second.account, "repeated 0"));
+  EXPECT_FALSE(contains(accountOf(second.output), "repeated 0"));
 }
 
 TEST_F(FleetTest, EveryDecisionPassesAWebServerThatRefusesForAnHour) {
   if (std::system("command -v nginx >/dev/null") != 0) GTEST_SKIP() << "nginx is not installed";
-  const auto report = folder_.path() / "report";
+  const auto report = folder.path() / "report";
   std::string command = QUILLON_FLEET_SCRIPT " " QUILLON_CONSENT " " QUILLON_SAMPLE_SITE " demo-tenant news-reader";
   for (const auto& argument : fourHours) command += " " + argument;
   EXPECT_EQ(std::system((command + " >" + report.string()).c_str()), 0);

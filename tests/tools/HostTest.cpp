@@ -2,16 +2,11 @@
 #include <signal.h>
 
 #include <boost/json.hpp>
-#include <filesystem>
-#include <map>
-#include <memory>
-#include <string>
 
 #include "tests/support/ConsentServer.h"
 #include "tests/support/Contains.h"
-#include "tests/support/TemporaryFolder.h"
 #include "tests/support/World.h"
-#include "tests/tools/ToolProcess.h"
+#include "tests/tools/HostProcess.h"
 
 namespace quillon::test {
 namespace {
@@ -19,41 +14,21 @@ namespace {
 struct Host : testing::Test {
   Host() { server.serve(validConfiguration()); }
 
-  void start(std::vector<std::string> options = {}) {
-    std::vector<std::string> arguments{"host", "--data-dir", data(), "--vendor-url", server.url()};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    host = std::make_unique<ToolProcess>(arguments, errors());
-  }
+  void start(const std::vector<std::string>& options = {}) { host.emplace(data, server.url(), options); }
+  boost::json::object ask(const std::string& line) { return host->ask(line); }
+  std::string log() const { return fileBytes(folder.path() / "log"); }
 
-  std::string data() const { return folder.path() / "data"; }
-  std::string errors() const { return folder.path() / "errors"; }
-
-  boost::json::object ask(const std::string& line) {
-    host->writeLine(line);
-    const auto answer = host->readLine();
-    return answer ? boost::json::parse(*answer).as_object() : boost::json::object{{"no answer to", line}};
-  }
-  boost::json::object setUp() {
-    return ask(boost::json::serialize(boost::json::object{{"op", "setup"},
-                                                          {"appUrl", server.url()},
-                                                          {"cdnUrl", server.url()},
-                                                          {"tenantId", "t1"},
-                                                          {"appId", "a1"},
-                                                          {"locationCode", "DE"},
-                                                          {"logLevel", "INFO"}}));
-  }
-
-  TemporaryFolder folder;
+  const TemporaryFolder folder{TemporaryFolder::fastParent()};
+  const std::filesystem::path data = folder.path() / "data";
   ConsentServer server;
-  std::unique_ptr<ToolProcess> host;
+  std::optional<HostProcess> host;
 };
 
 TEST_F(Host, TakesOneRunFromSetUpToUpload) {
   using Object = boost::json::object;
   start({"--clock", "1700000000", "--languages", "de-DE,en", "--tracking", "authorized", "--permission",
          "NSCameraUsageDescription=3", "--network", "satisfied"});
-  EXPECT_EQ(setUp(), Object({{"ok", true}}));
-  EXPECT_EQ(ask(R"({"op":"waitReady","timeout":10})").at("status"), "ready");
+  EXPECT_EQ(host->setUp().at("status"), "ready");
   EXPECT_EQ(server.seen().front().path, "/consent/mobile_banner/t1/a1/live/config_de.json");
   EXPECT_EQ(ask(R"({"op":"status"})"),
             Object({{"ok", true}, {"status", "ready"}, {"rawValue", 0}, {"message", "SDK CDN is ready to use!"}}));
@@ -93,8 +68,8 @@ TEST_F(Host, TakesOneRunFromSetUpToUpload) {
   EXPECT_EQ(ask(R"({"op":"removeConsents"})").at("ok"), true);
   EXPECT_EQ(ask(R"({"op":"store"})").at("store"), Object());
   EXPECT_EQ(ask(R"({"op":"quit"})").at("ok"), true);
-  EXPECT_EQ(host->wait(), 0);
-  EXPECT_TRUE(contains(fileBytes(errors()), "[INFO]Successfully removed all consents"));
+  EXPECT_EQ(host->tool.wait(), 0);
+  EXPECT_TRUE(contains(log(), "[INFO]Successfully removed all consents"));
 }
 
 TEST_F(Host, ShowsItsScreensInWords) {
@@ -107,9 +82,7 @@ TEST_F(Host, ShowsItsScreensInWords) {
   banner["banner_text"] = {{"en", R"(See <a href="https://help.example/">help</a>)"}};
   server.serve(document);
   start({"--languages", "en", "--network", "satisfied"});
-  setUp();
-  ask(R"({"op":"waitReady"})");
-
+  host->setUp();
   ask(R"({"op":"listen"})");
   const auto shown = ask(R"({"op":"banner","ifDue":true})").at("banner");
   EXPECT_EQ(shown.at("bannerConfig").at("state"), "success");
@@ -136,18 +109,17 @@ TEST_F(Host, ShowsItsScreensInWords) {
   std::string screens;
   const auto heard = ask(R"({"op":"listen"})");
   for (const auto& event : heard.at("events").as_array()) {
-    if (event.as_object().contains("screen")) {
-      screens.append(event.at("event").as_string()).append(" ").append(event.at("screen").as_string()).append("\n");
-    }
+    const auto* screen = event.as_object().if_contains("screen");
+    if (screen) screens.append(event.at("event").as_string()).append(" ").append(screen->as_string()).append("; ");
   }
   EXPECT_EQ(screens,
-            "shown banner\nshown preferenceCenter\ndismissed preferenceCenter\ndismissed banner\nshown settingsPrompt\n"
-            "dismissed settingsPrompt\nshown webView\ndismissed webView\nshown webView\ndismissed webView\n");
+            "shown banner; shown preferenceCenter; dismissed preferenceCenter; dismissed banner; shown settingsPrompt; "
+            "dismissed settingsPrompt; shown webView; dismissed webView; shown webView; dismissed webView; ");
 }
 
 TEST_F(Host, ExplainsWhatItDoesNotUnderstandAndGoesOn) {
   start();
-  for (const auto& [line, error] : std::map<std::string, std::string>{
+  for (const auto& [line, error] : std::vector<std::pair<const char*, const char*>>{
            {"nonsense", "not JSON: syntax error"},
            {"[1]", "not a JSON object"},
            {"{}", "\"op\" is missing"},
@@ -162,11 +134,11 @@ TEST_F(Host, ExplainsWhatItDoesNotUnderstandAndGoesOn) {
 }
 
 TEST_F(Host, StopsWithTheFixedTextWhenItsStoreCannotBeOpened) {
-  setFileBytes(data(), "a file where the folder should be");
+  setFileBytes(data, "a file where the folder should be");
   start();
-  host->writeLine(R"({"op":"get","purposeId":1})");
-  EXPECT_EQ(host->wait(), -SIGABRT);
-  EXPECT_TRUE(contains(fileBytes(errors()), "Could not create or access UserDefaults suite: quillon-cmp-sdk"));
+  host->tell(R"({"op":"get","purposeId":1})");
+  EXPECT_EQ(host->tool.wait(), -SIGABRT);
+  EXPECT_TRUE(contains(log(), "Could not create or access UserDefaults suite: quillon-cmp-sdk"));
 }
 
 }  // namespace

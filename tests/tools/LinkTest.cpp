@@ -5,29 +5,26 @@
 namespace quillon::test {
 namespace {
 
-using Words = std::vector<std::string>;
-
 TEST(LinkTest, TellsAllowedFromRefusedAddressesInBothForms) {
-  struct Case {
-    Words arguments;
-    Words lines;
+  const struct {
+    std::vector<std::string> arguments;
+    std::string output;
     int status = 1;
+  } cases[] = {
+      {{"link", "--allowed", "a.example", "--allowed", "b.example", "HTTPS://A.example", "http://x.b.example/ä"},
+       "allowed\thttps://a.example/\nallowed\thttp://x.b.example/%C3%A4\n",
+       0},
+      {{"link", "--allowed", "a.example", "b.example", "--", "https://b.example/", "https://user@a.example/"},
+       "allowed\thttps://b.example/\nrefused\tit carries a user name\thttps://user@a.example/\n"},
+      {{"link", "https://a.example/\x1b[2J"},
+       "refused\tit contains a control character or a line break\thttps://a.example/\\x1b[2J\n"},
+      {{"link", "https://a.example/", "--allowed", "b.example"},
+       "refused\tits host is not allowed\thttps://a.example/\n"},
   };
-  for (const auto& [arguments, lines, status] : std::vector<Case>{
-           {{"--allowed", "a.example", "--allowed", "b.example", "HTTPS://A.example", "http://x.b.example/ä"},
-            {"allowed\thttps://a.example/", "allowed\thttp://x.b.example/%C3%A4"},
-            0},
-           {{"--allowed", "a.example", "b.example", "--", "https://b.example/", "https://user@a.example/"},
-            {"allowed\thttps://b.example/", "refused\tit carries a user name\thttps://user@a.example/"}},
-           {{"https://a.example/\x1b[2J"},
-            {R"(refused	it contains a control character or a line break	https://a.example/\x1b[2J)"}},
-           {{"https://a.example/", "--allowed", "b.example"}, {"refused\tits host is not allowed\thttps://a.example/"}},
-       }) {
-    Words words{"link"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    ToolProcess tool(words);
-    EXPECT_EQ(tool.readLines(), lines);
-    EXPECT_EQ(tool.wait(), status);
+  for (const auto& [arguments, output, status] : cases) {
+    const auto run = runTool(arguments);
+    EXPECT_EQ(run.output, output);
+    EXPECT_EQ(run.status, status);
   }
 }
 

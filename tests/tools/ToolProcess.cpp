@@ -9,6 +9,8 @@
 
 #include <cstdlib>
 
+#include "tests/support/TemporaryFolder.h"
+
 ToolProcess::ToolProcess(const std::vector<std::string>& arguments, const std::string& errorFile) {
   signal(SIGPIPE, SIG_IGN);  // a tool that has ended takes no more lines
   std::vector<char*> argv{const_cast<char*>(QUILLON_CONSENT)};
@@ -71,10 +73,10 @@ std::optional<std::string> ToolProcess::readLine(std::chrono::milliseconds timeo
   }
 }
 
-std::vector<std::string> ToolProcess::readLines() {
-  std::vector<std::string> lines;
-  while (auto line = readLine()) lines.push_back(std::move(*line));
-  return lines;
+std::string ToolProcess::readAll() {
+  std::string text;
+  while (const auto line = readLine()) text += *line + "\n";
+  return text;
 }
 
 void ToolProcess::sendSignal(int signal) const {
@@ -88,4 +90,13 @@ std::optional<int> ToolProcess::wait(std::chrono::milliseconds timeout) {
   waitpid(pid_, &status, 0);
   pid_ = -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+ToolRun runTool(const std::vector<std::string>& arguments) {
+  const quillon::test::TemporaryFolder folder(quillon::test::TemporaryFolder::fastParent());
+  const auto errors = folder.path() / "errors";
+  ToolProcess tool(arguments, errors);
+  auto output = tool.readAll();
+  const int status = tool.wait().value_or(-1);
+  return {status, std::move(output), quillon::test::fileBytes(errors)};
 }

@@ -22,8 +22,8 @@ class ToolProcess {
   void writeLine(const std::string& line) const;
   // The next line of its standard output; nothing when the output ended or none came in time.
   std::optional<std::string> readLine(std::chrono::milliseconds timeout = std::chrono::seconds(20));
-  // The rest of its standard output, line by line, until it ends.
-  std::vector<std::string> readLines();
+  // The rest of the lines of its standard output, until it ends.
+  std::string readAll();
   void sendSignal(int signal) const;
   // Its exit status, or the negative number of the signal that ended it; nothing when it did not end in time.
   std::optional<int> wait(std::chrono::milliseconds timeout = std::chrono::seconds(20));
@@ -35,3 +35,11 @@ class ToolProcess {
   int exited_ = -1;  // readable when the process has ended
   std::string buffered_;
 };
+
+struct ToolRun {
+  int status = 0;
+  std::string output;
+  std::string errors;
+};
+// Runs the tool with these arguments to its end; a status of -1 when it did not come.
+ToolRun runTool(const std::vector<std::string>& arguments);

@@ -77,7 +77,8 @@ status=0
 
 front_time=$(processor_time $nginx)
 serve_time=$(processor_time $serve)
-sleep 1.5 # for the last lines of the log
+kill -QUIT "$nginx" # which writes the last lines of its log
+wait "$nginx" || true
 awk -v front="$front_time" -v serve="$serve_time" '
   { ++n; up += $4; down += $5; ++status[$3]; if ($2 !~ /^\/consent\//) ++passed }
   END {

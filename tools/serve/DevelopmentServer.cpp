@@ -68,9 +68,10 @@ DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& up
   // A connection ends with its answer, so that no idle one keeps run() from returning.
   http_.set_keep_alive_max_count(1);
   // The library's default would let two servers share a port unnoticed.
-  http_.set_socket_options([](socket_t socket) {
+  http_.set_socket_options([this](socket_t socket) {
     const int on = 1;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    listener_ = socket;
   });
 }
 
@@ -81,6 +82,8 @@ std::expected<int, std::string> DevelopmentServer::bind(int port) {
     return std::unexpected("port " + std::to_string(port) + " cannot be taken");
   }
   if (port < 0) return std::unexpected("no free port on 127.0.0.1");
+  // The library lets five connections wait. The system drops what a fleet opens beyond that, to try again in a second.
+  listen(listener_, SOMAXCONN);
   return port;
 }
 

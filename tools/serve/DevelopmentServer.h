@@ -45,6 +45,7 @@ class DevelopmentServer {
   ConfigurationFolder folder_;
   UploadStore& uploads_;
   httplib::Server http_;
+  socket_t listener_ = INVALID_SOCKET;
   std::atomic<bool> ended_ = false;
 
   mutable std::mutex mutex_;  // guards the two below
