@@ -25,7 +25,7 @@ struct Banner : testing::Test {
   }
 
   void open() {
-    world.server.serve(json::serialize(document));
+    world.server.serve(document);
     world.start();
     world.onMain([this] { model = ConsentBannerViewModel::make(world.sdk->core()); });
   }
@@ -51,14 +51,12 @@ struct Banner : testing::Test {
 };
 
 TEST_F(Banner, LoadsWhatTheScreensShow) {
-  bannerOf(document)["palette"] = {{"button_background", "#010203"},
-                                   {"button_text", "#1"},
-                                   {"button_border", "#1"},
-                                   {"banner_background", "#1"},
-                                   {"banner_text", "#1"},
-                                   {"banner_links", "#1"},
-                                   {"preference_center_footer_background", "#1"},
-                                   {"preference_center_footer_selector", "#1"}};
+  auto& palette = bannerOf(document)["palette"].emplace_object();
+  for (const auto* color :
+       {"button_background", "button_text", "button_border", "banner_background", "banner_text", "banner_links",
+        "preference_center_footer_background", "preference_center_footer_selector"}) {
+    palette[color] = "#010203";
+  }
   document["logo_base64"] = "R0lGODlhAQABAAAAACw=";
   document["settings_prompt"] = {{"prompt_heading", {{"de", "Kopf"}}}, {"prompt_message", {{"en", "Message"}}}};
   open();
@@ -119,26 +117,21 @@ TEST_F(Banner, LabelsComeFromTheTranslationsElseInEnglish) {
 
 TEST(BannerButtons, FollowTheComplianceTypeAndTheSwitches) {
   using enum BannerAction;
-  struct Case {
-    const char* name;
-    BannerConfig banner;
-    BannerButtons expected;
-  };
+  using enum ComplianceType;
   const LocalizedText text{{"en", "x"}};
-  for (const auto& [name, banner, expected] : std::vector<Case>{
-           {"unknown type", {}, {{accept}, {}, true}},
-           {"notice", {.complianceType = ComplianceType::noticeOnly}, {{accept}, {}, true}},
-           {"opt-in",
-            {.hideCloseButton = true, .complianceType = ComplianceType::optIn},
-            {{reject, accept}, {}, false}},
-           {"opt-out", {.complianceType = ComplianceType::optOut}, {{reject, accept}, {}, true}},
-           {"no accept", {.hideAcceptButton = true, .complianceType = ComplianceType::optOut}, {{reject}, {}, true}},
-           {"no way out", {.hideCloseButton = true, .hideAcceptButton = true}, {{}, {}, true}},
-           {"links",
-            {.embedDSRPortalLink = true, .dsrPortalLink = "b", .privacyNoticeLink = "a", .preferenceCenterLink = text},
-            {{accept}, {openPreferenceCenter, openPrivacyNotice, openDSRPortal}, true}},
-           {"no links", {.dsrPortalLink = "b", .privacyNoticeLink = ""}, {{accept}, {}, true}}}) {
-    EXPECT_EQ(buttonsByComplianceType(banner), expected) << name;
+  const std::pair<BannerConfig, BannerButtons> cases[] = {
+      {{}, {{accept}, {}, true}},
+      {{.complianceType = noticeOnly}, {{accept}, {}, true}},
+      {{.hideCloseButton = true, .complianceType = optIn}, {{reject, accept}, {}, false}},
+      {{.complianceType = optOut}, {{reject, accept}, {}, true}},
+      {{.hideAcceptButton = true, .complianceType = optOut}, {{reject}, {}, true}},
+      {{.hideCloseButton = true, .hideAcceptButton = true}, {{}, {}, true}},
+      {{.embedDSRPortalLink = true, .dsrPortalLink = "b", .privacyNoticeLink = "a", .preferenceCenterLink = text},
+       {{accept}, {openPreferenceCenter, openPrivacyNotice, openDSRPortal}, true}},
+      {{.dsrPortalLink = "b", .privacyNoticeLink = ""}, {{accept}, {}, true}},
+  };
+  for (const auto& [banner, expected] : cases) {
+    EXPECT_EQ(buttonsByComplianceType(banner), expected);
   }
 }
 
@@ -160,13 +153,8 @@ TEST_F(Banner, ActionsAnswerAndLeaveOrOpenAScreen) {
   EXPECT_EQ(world.uploads().size(), 2u);
 }
 
-struct DefaultsCase {
-  const char* compliance;
-  TrackingAuthorization tracking;
-  Strings expected;
-};
-
-struct UnansweredBanner : Banner, testing::WithParamInterface<DefaultsCase> {};
+struct UnansweredBanner : Banner,
+                          testing::WithParamInterface<std::tuple<const char*, TrackingAuthorization, Strings>> {};
 
 TEST_P(UnansweredBanner, RecordsTheDefaultsOnceWhenItIsClosed) {
   const auto& [compliance, tracking, expected] = GetParam();
@@ -190,11 +178,11 @@ TEST_P(UnansweredBanner, RecordsTheDefaultsOnceWhenItIsClosed) {
 
 INSTANTIATE_TEST_SUITE_P(
     ComplianceTypes, UnansweredBanner,
-    testing::Values(DefaultsCase{"opt-in", TrackingAuthorization::denied, {"declined", "granted", "declined"}},
-                    DefaultsCase{"opt-in", TrackingAuthorization::authorized, {"declined", "granted", "granted"}},
-                    DefaultsCase{"opt-out", TrackingAuthorization::denied, {"granted", "granted", "declined"}},
-                    DefaultsCase{
-                        "notice-only", TrackingAuthorization::notDetermined, {"granted", "granted", "declined"}}));
+    testing::Values(std::tuple{"opt-in", TrackingAuthorization::denied, Strings{"declined", "granted", "declined"}},
+                    std::tuple{"opt-in", TrackingAuthorization::authorized, Strings{"declined", "granted", "granted"}},
+                    std::tuple{"opt-out", TrackingAuthorization::denied, Strings{"granted", "granted", "declined"}},
+                    std::tuple{"notice-only", TrackingAuthorization::notDetermined,
+                               Strings{"granted", "granted", "declined"}}));
 
 TEST_F(Banner, DefaultsNeverReplaceADecisionNorAnswerAReconsent) {
   bannerOf(document)["record_consent_upon_app_start"] = true;
@@ -204,7 +192,7 @@ TEST_F(Banner, DefaultsNeverReplaceADecisionNorAnswerAReconsent) {
   world.store(key::consentGivenType, std::string(givenType::noAction));  // as a newer configuration leaves it
   document["purposes"].as_array().push_back(json::object{{"purpose_id", 4}});
   bannerOf(document)["compliance_type"] = "opt-out";
-  world.server.serve(json::serialize(document));
+  world.server.serve(document);
   world.advance(2h);
   world.start();
   load();

@@ -22,115 +22,78 @@ constexpr std::string_view notAllowed = "its host is not allowed";
 TEST(LinkFilter, OpensWhatHasOneReadingAndRefusesTheRest) {
   const LinkFilter filter({"example.org", "bücher.example", "xn--strae-oqa.example", "127.0.0.1", "[::1]",
                            "[::ffff:1.2.3.4]", "[1:0:2:3:4:5:6:7]"});
-  const std::string tooLong = "https://example.org/" + std::string(longestLink, 'a');
-  std::string tooLongEncoded = "https://example.org/";
-  for (int i = 0; i < 3000; ++i) tooLongEncoded += "ä";
-  struct Case {
+  struct Opened {
     std::string_view address;
-    std::string_view verdict;
+    std::string_view normalised;
   };
-  using namespace std::string_view_literals;
-  for (const auto& [address, expected] : std::vector<Case>{
-           // Normalised
+  for (const auto& [address, normalised] : std::vector<Opened>{
            {"https://example.org", "https://example.org/"},
            {"  HTTPS://EXAMPLE.org/A%2fb?C=d#E  ", "https://example.org/A%2fb?C=d#E"},
            {"http://example.org:8080?q=/../", "http://example.org:8080/?q=/../"},
            {"https://example.org/ä?ö#\u2028", "https://example.org/%C3%A4?%C3%B6#%E2%80%A8"},
            {"https://example.org//evil.example/@x:1", "https://example.org//evil.example/@x:1"},
-           // Grammar and bytes
-           {"", "it is empty"},
-           {"   ", "it is empty"},
-           {tooLong, "it is longer than 8 KiB"},
-           {tooLongEncoded, "it is longer than 8 KiB"},
-           {"https://example.org/\xc0\xaf", "it is not valid UTF-8"},
-           {"https://exam\tple.org/", "it contains a control character or a line break"},
-           {"https://example.org/\n", "it contains a control character or a line break"},
-           {"java\nscript:alert(1)", "it contains a control character or a line break"},
-           {"https://example.org\0.evil.example/"sv, "it contains a control character or a line break"},
-           {"https://example.org/\x7f", "it contains a control character or a line break"},
-           {"https://example.org/a b", "it contains a space"},
-           {"https://evil.example\\@example.org/", "it contains a backslash"},
-           {"https:\\\\example.org/", "it contains a backslash"},
-           {"example.org", "it is not a complete address"},
-           {"//example.org/", "it is not a complete address"},
-           {"https://example.org/%zz", "it is not a complete address"},
-           {"https://[::1]example.org/", "it is not a complete address"},
-           {"https://evil.example[::1]/", "it is not a complete address"},
-           // Schemes
-           {"mailto:privacy@example.org", "it is neither http nor https"},
-           {"tel:1", "it is neither http nor https"},
-           {"javascript://example.org/%0aalert(1)", "it is neither http nor https"},
-           {"data:text/html,https://example.org/", "it is neither http nor https"},
-           {"file://example.org/etc/passwd", "it is neither http nor https"},
-           {"httpſ://example.org/", "it is neither http nor https"},
-           {"https:example.org", "it names no host"},
-           {"https:/example.org", "it names no host"},
-           // User names and ports
-           {"https://user@example.org/", "it carries a user name"},
-           {"https://example.org@evil.example/", "it carries a user name"},
-           {"https://example.org:80@evil.example/", "it carries a user name"},
-           {"https://@example.org/", "it carries a user name"},
-           {"https://example.org:/", "its port is not a plain number from 1 to 65535"},
-           {"https://example.org:0/", "its port is not a plain number from 1 to 65535"},
-           {"https://example.org:080/", "its port is not a plain number from 1 to 65535"},
-           {"https://example.org:65536/", "its port is not a plain number from 1 to 65535"},
-           {"https://example.org:18446744073709551696/", "its port is not a plain number from 1 to 65535"},
            {"https://example.org:65535/", "https://example.org:65535/"},
-           // Hosts
-           {"https:///example.org/", "it names no host"},
-           {"https://:443/", "it names no host"},
-           {"https://example%2eorg/", "its host is percent-encoded"},
-           {"https://evil.example%2f.example.org/", "its host is percent-encoded"},
-           {"https://example.org./", "its host has an empty part or ends in a dot"},
-           {"https://.example.org/", "its host has an empty part or ends in a dot"},
-           {"https://a..example.org/", "its host has an empty part or ends in a dot"},
-           {"https://evil.example;.example.org/",
-            "its host is not made of letters, digits and hyphens, or is too long"},
-           {"https://*.example.org/", "its host is not made of letters, digits and hyphens, or is too long"},
-           {"https://-a.example.org/", "its host is not made of letters, digits and hyphens, or is too long"},
-           {"https://a123456789012345678901234567890123456789012345678901234567890123.example.org/",
-            "its host is not made of letters, digits and hyphens, or is too long"},
            {"https://r3---sn-a.example.org/", "https://r3---sn-a.example.org/"},
-           // Numbers
            {"http://127.0.0.1/", "http://127.0.0.1/"},
-           {"http://0177.0.0.1/", "its host is a number that is not a plain IPv4 address"},
-           {"http://0x7f.0.0.1/", "its host is a number that is not a plain IPv4 address"},
-           {"http://127.0.0X1/", "its host is a number that is not a plain IPv4 address"},
-           {"http://127.1/", "its host is a number that is not a plain IPv4 address"},
-           {"http://2130706433/", "its host is a number that is not a plain IPv4 address"},
-           {"http://localhost.0x/", "its host is a number that is not a plain IPv4 address"},
-           {"http://1.2.3.4.5/", "it is not a complete address"},
-           {"http://127.0.0.2/", notAllowed},
            {"http://[::1]:80/", "http://[::1]:80/"},
            {"http://[0:0::0:1]", "http://[::1]/"},
            {"http://[::FFFF:102:304]/", "http://[::ffff:1.2.3.4]/"},
            {"http://[1::2:3:4:5:6:7]/", "http://[1::2:3:4:5:6:7]/"},
-           {"http://[::2]/", notAllowed},
-           {"http://[::1%25lo]/", "it is not a complete address"},
-           {"http://[v1.a]/", "its host in brackets is not a plain IPv6 address"},
-           // International names
-           {"https://bücher.example/", "https://xn--bcher-kva.example/"},
            {"https://BÜCHER.Example/", "https://xn--bcher-kva.example/"},
            {"https://XN--BCHER-KVA.example/", "https://xn--bcher-kva.example/"},
            {"https://straße.example/", "https://xn--strae-oqa.example/"},
-           {"https://strasse.example/", notAllowed},
-           {"https://bu\u0308cher.example/", "its host is not a sound international name"},
-           {"https://ｅxample.org/", "its host is not a sound international name"},
-           {"https://ex\u00adample.org/", "its host is not a sound international name"},
-           {"https://example。org/", "its host is not a sound international name"},
-           {"https://evil．example.org/", "its host is not a sound international name"},
-           {"https://example.org\u200b/", "its host is not a sound international name"},
-           {"https://a\u200db.example.org/", "its host is not a sound international name"},
-           {"https://ＬＯＣＡＬ.example/", "its host is not a sound international name"},
-           {"https://\u212A.example.org/", "its host is not a sound international name"},
-           {"https://xn--example-.org/", "its host is not made of letters, digits and hyphens, or is too long"},
-           {"https://xn--0.example.org/", "its host is not a sound international name"},
-           {"https://xn--n3h.example.org/", "its host is not a sound international name"},
-           {"https://ex\u0430mple.org/", notAllowed},
        }) {
-    EXPECT_EQ(verdict(filter, address), expected) << address;
-    if (!expected.starts_with("http")) continue;
-    EXPECT_EQ(verdict(filter, expected), expected) << "normalised once more";
+    EXPECT_EQ(verdict(filter, address), normalised) << address;
+    EXPECT_EQ(verdict(filter, normalised), normalised) << "normalised once more";
+  }
+  std::string encoded = "https://example.org/";
+  for (int i = 0; i < 3000; ++i) encoded += "ä";
+  struct Refused {
+    std::string_view reason;
+    std::vector<std::string> addresses;
+  };
+  using namespace std::string_literals;
+  for (const auto& [reason, addresses] : std::vector<Refused>{
+           {"it is empty", {"", "   "}},
+           {"it is longer than 8 KiB", {"https://example.org/" + std::string(longestLink, 'a'), encoded}},
+           {"it is not valid UTF-8", {"https://example.org/\xc0\xaf"}},
+           {"it contains a control character or a line break",
+            {"https://exam\tple.org/", "https://example.org/\n", "java\nscript:alert(1)",
+             "https://example.org\0.evil.example/"s, "https://example.org/\x7f"}},
+           {"it contains a space", {"https://example.org/a b"}},
+           {"it contains a backslash", {"https://evil.example\\@example.org/", "https:\\\\example.org/"}},
+           {"it is not a complete address",
+            {"example.org", "//example.org/", "https://example.org/%zz", "https://[::1]example.org/",
+             "https://evil.example[::1]/", "http://1.2.3.4.5/", "http://[::1%25lo]/"}},
+           {"it is neither http nor https",
+            {"mailto:privacy@example.org", "javascript://example.org/%0aalert(1)",
+             "data:text/html,https://example.org/", "file://example.org/etc/passwd", "httpſ://example.org/"}},
+           {"it names no host", {"https:example.org", "https:/example.org", "https:///example.org/", "https://:443/"}},
+           {"it carries a user name",
+            {"https://user@example.org/", "https://example.org@evil.example/", "https://example.org:80@evil.example/",
+             "https://@example.org/"}},
+           {"its port is not a plain number from 1 to 65535",
+            {"https://example.org:/", "https://example.org:0/", "https://example.org:080/",
+             "https://example.org:65536/", "https://example.org:18446744073709551696/"}},
+           {"its host is percent-encoded", {"https://example%2eorg/", "https://evil.example%2f.example.org/"}},
+           {"its host has an empty part or ends in a dot",
+            {"https://example.org./", "https://.example.org/", "https://a..example.org/"}},
+           {"its host is not made of letters, digits and hyphens, or is too long",
+            {"https://evil.example;.example.org/", "https://*.example.org/", "https://-a.example.org/",
+             "https://xn--example-.org/", "https://" + std::string(64, 'a') + ".example.org/"}},
+           {"its host is a number that is not a plain IPv4 address",
+            {"http://0177.0.0.1/", "http://0x7f.0.0.1/", "http://127.0.0X1/", "http://127.1/", "http://2130706433/",
+             "http://localhost.0x/"}},
+           {"its host in brackets is not a plain IPv6 address", {"http://[v1.a]/"}},
+           {"its host is not a sound international name",
+            {"https://bu\u0308cher.example/", "https://ｅxample.org/", "https://ex\u00adample.org/",
+             "https://example。org/", "https://evil．example.org/", "https://example.org\u200b/",
+             "https://a\u200db.example.org/", "https://ＬＯＣＡＬ.example/", "https://\u212A.example.org/",
+             "https://xn--0.example.org/", "https://xn--n3h.example.org/"}},
+           {notAllowed,
+            {"http://127.0.0.2/", "http://[::2]/", "https://strasse.example/", "https://ex\u0430mple.org/"}},
+       }) {
+    for (const auto& address : addresses) EXPECT_EQ(verdict(filter, address), reason) << address;
   }
   // Capitals beyond ASCII, as far as they are taken for their small letters.
   const LinkFilter letters({"àþāğĺňœşÿź.example", "αωяёй.example"});

@@ -30,7 +30,7 @@ struct PreferenceCenter : testing::Test {
   }
 
   void open() {
-    world.server.serve(json::serialize(document));
+    world.server.serve(document);
     if (!world.sdk) world.start();
     world.onMain([this] {
       model = PreferenceCenterViewModel::make(ConsentBannerViewModel::make(world.sdk->core()));
@@ -72,7 +72,7 @@ struct PreferenceCenter : testing::Test {
 };
 
 TEST_F(PreferenceCenter, SelectsWhatIsGranted) {
-  world.server.serve(json::serialize(document));
+  world.server.serve(document);
   world.start();
   decide(1, ConsentStatus::withDrawn);
   decide(2, ConsentStatus::granted);
@@ -143,7 +143,7 @@ TEST_F(PreferenceCenter, TogglesTellTheirStateAndExplainWhyTheyStay) {
 }
 
 TEST_F(PreferenceCenter, SavesTheChoicesAsOneDecision) {
-  world.server.serve(json::serialize(document));
+  world.server.serve(document);
   world.start();
   decide(4, ConsentStatus::granted);
   decide(5, ConsentStatus::declined);

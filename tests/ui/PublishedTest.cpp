@@ -22,8 +22,7 @@ TEST(Published, AnnouncesBeforeItWrites) {
 TEST(Published, ObserversMayEndAndBeginObservationsWhileTheyAreCalled) {
   Published<int> value(0);
   std::string heard;
-  Observation late;
-  Observation second;
+  Observation late, second;
   Observation first = value.observe([&](int) {
     heard += "1";
     first = {};
