@@ -58,8 +58,8 @@ Run overStoreThatSays(const std::string& reply) {
 Row unknown(std::string_view name, std::string_view fault, Run run) {
   return {name,
           fault,
-          {"ready", "Something went wrong while fetching the permission status", "1=granted camera=not_determined"},
-          std::move(run)};
+          std::move(run),
+          {"ready", "Something went wrong while fetching the permission status", "1=granted camera=not_determined"}};
 }
 
 }  // namespace
@@ -69,12 +69,12 @@ std::vector<Row> busRows() {
   return {
       {"sound-store",
        "nothing: the store grants the camera",
-       {"ready", "", "1=granted camera=granted"},
-       overStoreThatSays(granting + "0>)")},
+       overStoreThatSays(granting + "0>)"),
+       {"ready", "", "1=granted camera=granted"}},
       {"no-bus",
        "there is no message bus",
-       {"ready", "", "1=granted camera=not_determined"},
-       [](Trial& trial) { return overBus(trial, "unix:path=/nonexistent/bus"); }},
+       [](Trial& trial) { return overBus(trial, "unix:path=/nonexistent/bus"); },
+       {"ready", "", "1=granted camera=not_determined"}},
       unknown("silent-bus", "the bus takes connections and says nothing", overBusThatSays("")),
       unknown("babbling-bus", "the bus says 100 KB of nonsense", overBusThatSays(std::string(100'000, '\xff'))),
       unknown("silent-store", "the permission store gives no answer", overStoreThatSays("")),

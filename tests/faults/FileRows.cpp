@@ -122,28 +122,32 @@ std::vector<Row> fileRows() {
   return {
       {"cache-damage",
        "the cached configuration cut at every length, each byte changed, zeroed in places; no server",
-       {"unavailable", "Failed to fetch CDN File", "nothing granted"},
-       damagedConfiguration},
+       damagedConfiguration,
+       {"unavailable", "Failed to fetch CDN File", "nothing granted"}},
       {"cache-folder",
        "a folder in place of the cached configuration",
-       {"unavailable", "Error saving CDN", "version 5"},
-       inPlaceOfTheFile([](const auto& path) { std::filesystem::create_directory(path); })},
-      {"cache-pipe", "a pipe in its place", {"ready", "", "version 5"}, inPlaceOfTheFile([](const auto& path) {
-         ::mkfifo(path.c_str(), 0600);
-       })},
+       inPlaceOfTheFile([](const auto& path) { std::filesystem::create_directory(path); }),
+       {"unavailable", "Error saving CDN", "version 5"}},
+      {"cache-pipe",
+       "a pipe in its place",
+       inPlaceOfTheFile([](const auto& path) { ::mkfifo(path.c_str(), 0600); }),
+       {"ready", "", "version 5"}},
       {"cache-link",
        "a link to a device in its place",
-       {"ready", "", "version 5"},
-       inPlaceOfTheFile([](const auto& path) { std::filesystem::create_symlink("/dev/zero", path); })},
-      {"cache-huge", "a file of 5 GB in its place", {"ready", "", "version 5"}, inPlaceOfTheFile([](const auto& path) {
+       inPlaceOfTheFile([](const auto& path) { std::filesystem::create_symlink("/dev/zero", path); }),
+       {"ready", "", "version 5"}},
+      {"cache-huge",
+       "a file of 5 GB in its place",
+       inPlaceOfTheFile([](const auto& path) {
          setFileBytes(path, "{");
          std::filesystem::resize_file(path, std::uintmax_t{5} << 30);
-       })},
-      {"disk-full", "the disk is full, and later has room again", {"ready", "Error saving CDN", "1=granted"}, fullDisk},
+       }),
+       {"ready", "", "version 5"}},
+      {"disk-full", "the disk is full, and later has room again", fullDisk, {"ready", "Error saving CDN", "1=granted"}},
       {"read-only",
        "the folder and its files may only be read",
-       {"ready", "Error saving CDN", "1=granted"},
-       readOnlyFolder},
+       readOnlyFolder,
+       {"ready", "Error saving CDN", "1=granted"}},
   };
 }
 

@@ -173,17 +173,16 @@ Seen fork(Trial& trial) {
 // Three descriptors are free that the world takes for standard input, output and error.
 Seen closedDescriptors(Trial& trial) {
   World world;
-  const std::array standard{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
-  std::array<int, 3> kept{};
-  for (const int descriptor : standard) {
-    kept[static_cast<std::size_t>(descriptor)] = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 10);
+  std::map<int, int> kept{{STDIN_FILENO, -1}, {STDOUT_FILENO, -1}, {STDERR_FILENO, -1}};
+  for (auto& [descriptor, copy] : kept) {
+    copy = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 10);
     ::close(descriptor);
   }
   {
     std::atomic<bool> over = false;
     world.amend = [](Platform& platform) { platform.console = std::make_shared<StandardConsole>(); };
     world.restart();
-    for (const int descriptor : standard) {
+    for (const auto& [descriptor, copy] : kept) {
       std::error_code none;
       const auto file = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none);
       trial.expect(file == "/dev/null", "descriptor " + std::to_string(descriptor) + " is " + file.string());
@@ -203,7 +202,7 @@ Seen closedDescriptors(Trial& trial) {
     }
     over = true;
   }
-  for (const int descriptor : standard) ::dup2(kept[static_cast<std::size_t>(descriptor)], descriptor);
+  for (const auto& [descriptor, copy] : kept) ::dup2(copy, descriptor);
   world.amend = nullptr;
   world.restart();
   world.start();
@@ -474,57 +473,37 @@ extern "C" int __lsan_is_turned_off() {
 
 std::vector<Row> processRows() {
   return {
-      {"leave-main",
-       "main returns at five moments of a run, the server silent or not",
-       {"ready", "", "1=granted"},
-       leavingMain,
-       120s},
-      {"leave-threads",
-       "main returns while other threads use the SDK, until the process is gone",
-       {"ready", "", "1=granted"},
-       leavingThreads,
-       120s},
-      {"fork",
-       "the host forks while the SDK is at work, and the children exit",
-       {"ready", "", "1=granted"},
-       fork,
-       120s},
-      {"descriptors-closed",
-       "descriptors 0 to 2 are closed, and the application prints",
-       {"ready", "", "1=granted"},
-       closedDescriptors},
+      {"leave-main", "main returns at five moments of a run, the server silent or not", leavingMain},
+      {"leave-threads", "main returns while other threads use the SDK, until the process is gone", leavingThreads},
+      {"fork", "the host forks while the SDK is at work, and the children exit", fork},
+      {"descriptors-closed", "descriptors 0 to 2 are closed, and the application prints", closedDescriptors},
       {"file-size-limit",
        "files may not grow, SIGXFSZ at its default",
-       {"ready", "Failed to store", "1=granted"},
-       fileSizeLimit},
+       fileSizeLimit,
+       {"ready", "Failed to store", "1=granted"}},
       {"broken-pipes",
        "peers hang up, nobody reads the output, SIGPIPE at its default",
-       {"ready", "Empty reply from server", "1=granted, pending"},
-       brokenPipes},
+       brokenPipes,
+       {"ready", "Empty reply from server", "1=granted, pending"}},
       {"descriptors-none",
        "no more files can be opened, and later they can",
-       {"ready", "Failed", "1=declined"},
-       noDescriptors},
-      {"descriptors-few",
-       "fewer and fewer descriptors for connections, pipes and the store, and later plenty",
-       {"ready", "", "1=granted"},
-       fewDescriptors,
-       120s},
+       noDescriptors,
+       {"ready", "Failed", "1=declined"}},
+      {"descriptors-few", "fewer and fewer descriptors for connections, pipes and the store, and later plenty",
+       fewDescriptors},
       {"two-processes",
        "two processes of one application decide at once",
-       {"ready", "", "1=withdrawn 2=withdrawn"},
        twoProcesses,
-       60s},
+       {"ready", "", "1=withdrawn 2=withdrawn"}},
       {"kill",
        "killed at any moment, 200 times, while the server fails every other upload",
-       {"ready", "", "all that was acknowledged"},
        killedAtAnyMoment,
+       {"ready", "", "all that was acknowledged"},
        300s},
       {"kill-banner",
        "killed while the banner shows, again and again",
-       {"ready", "", "1=nothing"},
        killedWithTheBanner,
-       60s},
+       {"ready", "", "1=nothing"}},
   };
 }
 

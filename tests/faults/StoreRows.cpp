@@ -154,24 +154,26 @@ std::vector<Row> storeRows() {
   return {
       {"store-damage",
        "the store cut at every length, each byte changed, zeroed in places, 200 times several bits",
-       {"unavailable", "damaged", "1=withdrawn"},
        damagedStore,
+       {"unavailable", "damaged", "1=withdrawn"},
        std::chrono::seconds(600)},
       {"store-lost",
        "the store overwritten, and the banner answered anew",
-       {"ready", "damaged", "1=granted"},
-       answerAfterALoss},
-      {"store-folder", "a folder in place of the store", {"stopped", "", ""}, inPlaceOfTheStore([](const auto& path) {
-         std::filesystem::create_directory(path);
-       })},
-      {"store-link", "a link in its place", {"stopped", "", ""}, inPlaceOfTheStore([](const auto& path) {
-         std::filesystem::create_symlink("other", path);
-       })},
-      {"store-types", "each key holds a value of each wrong type", {"ready", "", "1=declined"}, wrongTypes},
+       answerAfterALoss,
+       {"ready", "damaged", "1=granted"}},
+      {"store-folder",
+       "a folder in place of the store",
+       inPlaceOfTheStore([](const auto& path) { std::filesystem::create_directory(path); }),
+       {"stopped", "", ""}},
+      {"store-link",
+       "a link in its place",
+       inPlaceOfTheStore([](const auto& path) { std::filesystem::create_symlink("other", path); }),
+       {"stopped", "", ""}},
+      {"store-types", "each key holds a value of each wrong type", wrongTypes, {"ready", "", "1=declined"}},
       {"store-memory",
        "SQLite runs out of memory at every point of a decision",
-       {"ready", "Failed to store", "1=withdrawn"},
-       withoutMemory},
+       withoutMemory,
+       {"ready", "Failed to store", "1=withdrawn"}},
   };
 }
 

@@ -237,11 +237,10 @@ std::vector<Row> sweepRows() {
     const int stride = effect == Effect::interrupted ? 1 : 5;
     rows.push_back({name,
                     fault,
-                    {"ready", log, allAcknowledged},
                     [&swept = work, struck = systemCalls(effect), stride](Trial& trial) {
                       return sweep(trial, swept, struck, stride);
                     },
-                    std::chrono::seconds(120)});
+                    {"ready", log, allAcknowledged}});
   }
   const struct {
     std::string_view name;
@@ -257,8 +256,8 @@ std::vector<Row> sweepRows() {
   for (const auto& [name, fault, code, log] : codes) {
     rows.push_back({name,
                     fault,
-                    {"ready", log, allAcknowledged},
                     [struck = sqliteCalls(code)](Trial& trial) { return sweepAll(trial, struck); },
+                    {"ready", log, allAcknowledged},
                     std::chrono::seconds(300)});
   }
   return rows;
