@@ -103,30 +103,16 @@ Seen leavingMain(Trial& trial) {
 std::atomic<int> uses = 0;
 
 void useForEver(ConsentSDK& sdk) {
-  for (int turn = uses++;; turn = uses++) {
-    switch (turn % 7) {
-      case 0:
-        (void)sdk.set({.purposeId = 2}, turn % 2 == 0 ? ConsentStatus::granted : ConsentStatus::withDrawn);
-        break;
-      case 1:
-        sdk.checkConsents([] {});
-        break;
-      case 2:
-        (void)sdk.uploadPendingConsents().get();
-        break;
-      case 3:
-        (void)sdk.getPurposeConsents().get();
-        break;
-      case 4:
-        sdk.isReady([](SDKStatus) {});
-        break;
-      case 5:
-        (void)sdk.getHistory(5).get();
-        break;
-      default:
-        (void)sdk.get(1);
-    }
-  }
+  const std::function<void(bool)> ways[] = {
+      [&](bool grant) { (void)sdk.set({.purposeId = 2}, grant ? ConsentStatus::granted : ConsentStatus::withDrawn); },
+      [&](bool) { sdk.checkConsents([] {}); },
+      [&](bool) { (void)sdk.uploadPendingConsents().get(); },
+      [&](bool) { (void)sdk.getPurposeConsents().get(); },
+      [&](bool) { sdk.isReady([](SDKStatus) {}); },
+      [&](bool) { (void)sdk.getHistory(5).get(); },
+      [&](bool) { (void)sdk.get(1); },
+  };
+  for (int turn = uses++;; turn = uses++) ways[turn % std::ssize(ways)](turn % 2 == 0);
 }
 
 void waitForUses(int count) {

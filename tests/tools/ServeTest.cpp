@@ -174,7 +174,7 @@ TEST_F(ServeTest, UploadNeedsTheTokenOfItsApplication) {
   start();
   auto shopUpload = validUpload();
   shopUpload["app_uuid"] = "shop";
-  EXPECT_EQ(upload(validUpload(), "").status, 401);
+  EXPECT_EQ(upload(shopUpload, "").status, 401);
   EXPECT_EQ(upload(validUpload(), "player-token").status, 401);
   EXPECT_EQ(post(uploadPath, json::serialize(validUpload())).status, 401);
   EXPECT_TRUE(listed().empty());
