@@ -52,6 +52,7 @@ constexpr Work savingAConfiguration{
         },
     .check =
         [](Trial& trial, World& world, const Said&, const std::string& where) {
+          world.server.onConfiguration(json("{}", 500));
           world.start();
           trial.expect(world.sdk->getStatus() == SDKStatus::ready, where + ": no configuration can be read");
           trial.expect(world.sdk->getPurposeConsents().get().size() == 3, where + ": the configuration lacks purposes");
