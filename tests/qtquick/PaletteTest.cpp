@@ -18,7 +18,7 @@ TEST(Palettes, EveryTextOfEveryBuiltInPaletteIsLegible) {
             << name << (isDark ? " dark, text " : " light, text ") << i;
       }
       for (const QColor& part : {colors.switchOn, colors.switchOff, colors.focus}) {
-        EXPECT_GE(contrast(part, colors.card), 3) << name << ": " << part.name().toStdString();
+        EXPECT_GE(contrast(part, colors.card), visible) << name << ": " << part.name().toStdString();
       }
     }
   }
@@ -40,6 +40,13 @@ TEST(Palettes, ConfiguredColoursAreTakenAsTheyAreAndMissingOnesFollowFromThem) {
   EXPECT_EQ(screen.buttonText, QColor("#ffffff"));
   EXPECT_EQ(screen.plainButtonText, QColor("#102030")) << "white on white would be lost on a button without a fill";
   EXPECT_GE(contrast(screen.selectorText, screen.selector), legible);
+  CustomColors pale = colors;
+  pale.buttonBackground = "#FBE4EA";
+  pale.buttonText = "#B3123F";
+  pale.toggleSecondarycolor = "#FFFFFF";
+  const ScreenColors switches(paletteFor(pale, 2, false), false);
+  EXPECT_EQ(switches.switchOn, QColor("#b3123f")) << "as pale as a button it would be lost on its card";
+  EXPECT_GE(contrast(switches.switchOff, switches.card), visible);
 }
 
 TEST(Palettes, ANumberThatIsNoneMeansTheFirst) {

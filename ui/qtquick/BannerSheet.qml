@@ -9,12 +9,15 @@ Sheet {
     // Not while there is nothing to answer: the load may be tried again.
     readonly property bool hasAppeared: isOnScreen && !model.hasFailed
 
+    banner: model
     title: model.heading
     isBottom: !model.isCentered
     widest: isBottom ? 720 : 480
     isLoading: model.isLoading
     canClose: model.canClose || model.hasFailed
+    failure: model.failure
     onCloseRequested: model.close()
+    onRetried: model.load()
     onHasAppearedChanged: if (hasAppeared) model.appeared()
 
     header: SheetHeader {
@@ -29,21 +32,15 @@ Sheet {
         width: parent.width
         content: screen.model.text
     }
-    Failure {
-        width: parent.width
-        banner: screen.model
-        text: screen.model.failure
-        onRetried: screen.model.load()
-    }
 
-    footer: [
-        AnswerRow {
-            width: parent.width
-            answers: screen.model.hasFailed ? [] : screen.model.answers
-            hint: screen.model.activationHint
-            visible: answers.length > 0
-            onChosen: action => screen.model.perform(action)
-        },
+    footer: AnswerRow {
+        width: parent.width
+        answers: screen.model.hasFailed ? [] : screen.model.answers
+        hint: screen.model.activationHint
+        visible: answers.length > 0
+        onChosen: action => screen.model.perform(action)
+    }
+    smallPrint: [
         Flow {
             width: parent.width
             visible: links.count > 0

@@ -7,6 +7,7 @@ Column {
 
     required property ConsentBannerAdapter banner
     property string text
+    property bool isCentered: false
     signal retried
 
     spacing: 8
@@ -19,12 +20,13 @@ Column {
         font: Style.body
         color: Style.colors.text
         wrapMode: Text.Wrap
-        horizontalAlignment: Text.AlignLeft
+        horizontalAlignment: failure.isCentered ? Text.AlignHCenter : Text.AlignLeft
         Accessible.role: Accessible.StaticText
         Accessible.name: text
     }
     TextLink {
-        anchors.left: parent.left
+        anchors.left: failure.isCentered ? undefined : parent.left
+        anchors.horizontalCenter: failure.isCentered ? parent.horizontalCenter : undefined
         text: failure.banner.refreshLabel
         hint: failure.banner.activationHint
         width: Math.min(implicitWidth, parent.width)

@@ -18,12 +18,16 @@ QColor mixed(const QColor& from, const QColor& to, double share) {
   return QColor(between(from.red(), to.red()), between(from.green(), to.green()), between(from.blue(), to.blue()));
 }
 
-// The first of the colours that is legible on the background, else the most legible one.
-QColor legibleOn(const QColor& background, const std::vector<QColor>& colors) {
+// The first of the colours that stands out enough from the background, else the one that does most.
+QColor clearOn(const QColor& background, double leastContrast, const std::vector<QColor>& colors) {
   const auto found =
-      std::ranges::find_if(colors, [&](const QColor& color) { return contrast(color, background) >= legible; });
+      std::ranges::find_if(colors, [&](const QColor& color) { return contrast(color, background) >= leastContrast; });
   if (found != colors.end()) return *found;
   return *std::ranges::max_element(colors, {}, [&](const QColor& color) { return contrast(color, background); });
+}
+
+QColor legibleOn(const QColor& background, const std::vector<QColor>& colors) {
+  return clearOn(background, legible, colors);
 }
 
 // What a built-in palette is made of; the rest is common to all.
@@ -104,13 +108,14 @@ ScreenColors::ScreenColors(const Palette& palette, bool isDark)
       buttonBorder(palette.buttonBorder),
       footer(palette.footerBackground),
       selector(palette.footerSelector),
-      switchOn(palette.togglePrimary),
-      switchOff(palette.toggleSecondary),
       note(palette.disclaimerBackground),
       noteText(palette.disclaimerText),
       scrim(0, 0, 0, isDark ? 160 : 112) {
   const QColor quiet = mixed(text, background, 0.28);
   quietText = contrast(quiet, card) >= legible ? quiet : text;
+  // A pale button is legible by its text, which a switch has not.
+  switchOn = clearOn(card, visible, {palette.togglePrimary, buttonText, buttonBorder, link, text});
+  switchOff = clearOn(card, visible, {palette.toggleSecondary, quietText});
   linkHighlight = mixed(background, link, 0.16);
   // Colours that were chosen to be text on a fill need not be legible without it.
   plainButtonText = legibleOn(mixed(background, text, 0.1), {buttonText, button, buttonBorder, text});

@@ -62,8 +62,8 @@ Column {
                     spacing: 4
 
                     Icon {
-                        width: 16
-                        height: 16
+                        width: 16 * Style.textScale
+                        height: width
                         anchors.verticalCenter: parent.verticalCenter
                         shape: row.permission.isGranted ? Icon.Check : Icon.Cross
                         color: Style.colors.quietText

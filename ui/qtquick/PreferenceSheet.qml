@@ -16,6 +16,7 @@ Sheet {
         cards.itemAt(0)?.item?.toggleDetails()
     }
 
+    banner: model.banner
     title: model.heading
     isBottom: isNarrow
     fillsHeight: true
@@ -23,7 +24,9 @@ Sheet {
     isLoading: model.banner.isLoading
     canClose: isModal
     footerColor: Style.colors.footer
+    failure: model.banner.failure
     onCloseRequested: model.close()
+    onRetried: model.load()
     onIsOnScreenChanged: if (isOnScreen) hasAppeared = true
     onIsAtPurposesChanged: scrollBy(-1e6)
 
@@ -39,21 +42,15 @@ Sheet {
             width: parent.width
             tabs: [screen.model.purposesTab, screen.model.permissionsTab]
             current: screen.model.tab
-            visible: !screen.model.banner.hasFailed
+            visible: screen.hasBody
             onChosen: index => screen.model.tab = index
         }
     ]
 
-    Failure {
-        width: parent.width
-        banner: screen.model.banner
-        text: screen.model.banner.failure
-        onRetried: screen.model.load()
-    }
     Column {
         width: parent.width
         spacing: 12
-        visible: screen.isAtPurposes && !screen.model.banner.hasFailed
+        visible: screen.isAtPurposes
 
         RichTextView {
             width: parent.width
@@ -71,7 +68,6 @@ Sheet {
         }
         TextLink {
             anchors.left: parent.left
-            height: 36
             text: screen.model.selectAllLabel
             hint: screen.model.banner.activationHint
             width: Math.min(implicitWidth, parent.width)
@@ -117,7 +113,7 @@ Sheet {
     Column {
         width: parent.width
         spacing: 12
-        visible: !screen.isAtPurposes && !screen.model.banner.hasFailed
+        visible: !screen.isAtPurposes
 
         RichTextView {
             width: parent.width
@@ -163,20 +159,17 @@ Sheet {
         }
     }
 
-    footer: [
-        ConsentButton {
-            width: parent.width
-            text: screen.model.saveLabel
-            hint: screen.model.banner.activationHint
-            visible: !screen.model.banner.hasFailed
-            onClicked: screen.model.save()
-        },
-        PoweredBy {
-            width: parent.width
-            color: Style.colors.footerText
-            visible: screen.model.banner.showsPoweredBy
-        }
-    ]
+    footer: ConsentButton {
+        width: parent.width
+        text: screen.model.saveLabel
+        hint: screen.model.banner.activationHint
+        onClicked: screen.model.save()
+    }
+    smallPrint: PoweredBy {
+        width: parent.width
+        color: screen.scrollsSmallPrint ? Style.colors.quietText : Style.colors.footerText
+        visible: screen.model.banner.showsPoweredBy
+    }
 
     Announcement {
         id: messageBar

@@ -6,10 +6,13 @@ Sheet {
 
     required property SettingsPromptAdapter model
 
+    banner: model.banner
     title: model.heading
     widest: 400
     isLoading: model.isLoading
+    failure: model.failure
     onCloseRequested: model.close()
+    onRetried: model.load()
 
     header: SheetHeader {
         width: parent.width
@@ -22,12 +25,6 @@ Sheet {
     RichTextView {
         width: parent.width
         content: screen.model.message
-    }
-    Failure {
-        width: parent.width
-        banner: screen.model.banner
-        text: screen.model.failure
-        onRetried: screen.model.load()
     }
 
     footer: AnswerRow {

@@ -96,7 +96,7 @@ Rectangle {
 
             anchors.left: parent.left
             text: card.model.detailsLabel
-            implicitWidth: Math.ceil(label.implicitWidth) + 24
+            implicitWidth: Math.ceil(label.implicitWidth) + 4 + chevron.width
             implicitHeight: Math.max(44, label.implicitHeight + 16)
             visible: card.canExpand
             onClicked: card.toggleDetails()
@@ -114,11 +114,12 @@ Rectangle {
                 Accessible.ignored: true
             }
             Icon {
+                id: chevron
                 anchors.left: label.right
                 anchors.leftMargin: 4
                 anchors.verticalCenter: parent.verticalCenter
-                width: 20
-                height: 20
+                width: 20 * Style.textScale
+                height: width
                 shape: Icon.ChevronDown
                 color: Style.colors.link
                 rotation: card.isExpanded ? 180 : 0

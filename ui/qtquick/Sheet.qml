@@ -3,10 +3,11 @@ import QtQuick.Templates as T
 import Quillon.Consent
 
 // The surface of every screen, with a header and a footer that stay while the body scrolls, as long as there is room for
-// that. Modal, it is a sheet at the bottom or a card in the middle of the window; else a part of the page around it.
+// that. Where height is scarce the small print scrolls along first, then the header, and the footer last. Modal, it is a sheet at the bottom or a card in the middle of the window; else a part of the page around it.
 FocusScope {
     id: sheet
 
+    required property ConsentBannerAdapter banner
     property string title
     property bool isModal: true
     property bool isBottom: false
@@ -14,13 +15,18 @@ FocusScope {
     property real widest: 480
     property bool canClose: true
     property bool isLoading: false
+    // Takes the place of the body, when that cannot be loaded.
+    property string failure
     property color footerColor: Style.colors.background
     property alias header: headerColumn.data
     default property alias body: bodyColumn.data
     property alias footer: footerColumn.data
+    // Below the footer.
+    property alias smallPrint: smallPrintColumn.data
     // Takes the place of the body, from edge to edge, and scrolls by itself.
     property alias page: pagePlace.data
     signal closeRequested
+    signal retried
     signal gone
 
     readonly property bool isNarrow: width < 600
@@ -28,10 +34,16 @@ FocusScope {
     readonly property int margin: isNarrow ? 16 : 24
     readonly property int inset: width < 360 ? 16 : isNarrow ? 20 : 24
     readonly property real tallest: !isModal ? height : height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16))
+    // Lines hold as many words of large text.
+    readonly property real magnification: Math.max(1, Style.textScale)
     readonly property bool hasPage: pagePlace.children.length > 0
-    // A header and a footer that would take most of the height scroll along; the footer stays as long as it alone does not.
-    readonly property bool scrollsHeader: !hasPage && headerColumn.implicitHeight + footerPanel.implicitHeight > tallest * 0.6
-    readonly property bool scrollsFooter: scrollsHeader && footerPanel.implicitHeight > tallest * 0.4
+    readonly property bool hasBody: !isLoading && failure === ""
+    readonly property bool isTight: hasBody && !hasPage && panel.contentHeight > tallest
+    readonly property real footerHeight: footerColumn.implicitHeight + inset
+    readonly property real smallPrintHeight: smallPrintColumn.implicitHeight > 0 ? smallPrintColumn.implicitHeight + 8 : 0
+    readonly property bool scrollsSmallPrint: isTight && headerColumn.implicitHeight + footerHeight + smallPrintHeight > tallest * 0.6
+    readonly property bool scrollsHeader: scrollsSmallPrint && headerColumn.implicitHeight + footerHeight > tallest * 0.6
+    readonly property bool scrollsFooter: scrollsHeader && footerHeight > tallest * 0.5
     property real shown: isModal ? 0 : 1
     // With what it is about.
     readonly property bool isOnScreen: shown === 1 && visible && !isLoading && !isLeaving
@@ -73,7 +85,7 @@ FocusScope {
     }
 
     implicitWidth: 360
-    implicitHeight: isLoading ? 200 : panel.contentHeight
+    implicitHeight: panel.contentHeight
     anchors.fill: isModal ? parent : undefined
     LayoutMirroring.enabled: Style.isMirrored
     LayoutMirroring.childrenInherit: true
@@ -138,16 +150,24 @@ FocusScope {
     Rectangle {
         id: panel
 
-        readonly property real contentHeight: headerColumn.implicitHeight + bodyColumn.implicitHeight + footerPanel.implicitHeight + 4
+        readonly property real contentHeight: {
+            if (!sheet.hasBody)
+                return Math.max(200, headerColumn.implicitHeight + failureView.implicitHeight + sheet.inset)
+            return headerColumn.implicitHeight + bodyColumn.implicitHeight + sheet.footerHeight + sheet.smallPrintHeight + 4
+        }
 
-        width: !sheet.isModal ? sheet.width : sheet.isFloating ? Math.min(sheet.widest, sheet.width - 2 * sheet.margin) : sheet.width
-        height: !sheet.isModal ? sheet.height : sheet.isLoading ? Math.min(sheet.tallest, 200) : sheet.fillsHeight ? Math.min(sheet.tallest, sheet.isNarrow ? sheet.tallest : 820) : Math.min(sheet.tallest, contentHeight)
+        width: !sheet.isModal ? sheet.width : sheet.isFloating ? Math.min(sheet.widest * sheet.magnification, sheet.width - 2 * sheet.margin) : sheet.width
+        height: {
+            if (!sheet.isModal)
+                return sheet.height
+            if (sheet.fillsHeight)
+                return sheet.isNarrow ? sheet.tallest : Math.min(sheet.tallest, 820 * sheet.magnification)
+            return Math.min(sheet.tallest, contentHeight)
+        }
         x: (sheet.width - width) / 2
         y: !sheet.isModal ? 0 : (sheet.isFloating && !sheet.isBottom ? (sheet.height - height) / 2 : sheet.height - height - (sheet.isFloating ? sheet.margin : 0)) + (1 - sheet.shown) * 32
         radius: 20
         color: Style.colors.background
-        border.width: sheet.isFloating ? 1 : 0
-        border.color: Style.colors.hairline
         opacity: sheet.shown
 
         Accessible.role: sheet.isModal ? Accessible.Dialog : Accessible.Grouping
@@ -192,6 +212,9 @@ FocusScope {
             T.ScrollBar.vertical: T.ScrollBar {
                 width: 8
                 padding: 2
+                // Clear of the rounded corners.
+                topPadding: headerFixed.height > 0 ? 2 : panel.radius
+                bottomPadding: footerFixed.height > 0 || !sheet.isFloating ? 2 : panel.radius
                 policy: T.ScrollBar.AsNeeded
                 contentItem: Rectangle {
                     implicitWidth: 4
@@ -212,15 +235,31 @@ FocusScope {
                     spacing: 16
                     topPadding: 8
                     bottomPadding: 16
+                    visible: sheet.hasBody
                 }
                 Item { id: footerPlace; width: parent.width; height: sheet.scrollsFooter ? footerPanel.implicitHeight : 0 }
+                Item { id: smallPrintPlace; width: parent.width; height: sheet.scrollsSmallPrint ? sheet.smallPrintHeight + sheet.inset - 8 : 0 }
+                Item {
+                    width: parent.width
+                    height: Math.max(flick.height, failureView.implicitHeight + sheet.inset)
+                    visible: sheet.failure !== ""
+
+                    Failure {
+                        id: failureView
+                        x: sheet.inset
+                        y: (parent.height - sheet.inset - height) / 2
+                        width: parent.width - 2 * sheet.inset
+                        banner: sheet.banner
+                        text: sheet.failure
+                        isCentered: true
+                        onRetried: sheet.retried()
+                    }
+                }
             }
         }
         Item {
             id: pagePlace
             anchors.fill: flick
-            anchors.leftMargin: panel.border.width
-            anchors.rightMargin: panel.border.width
         }
         Rectangle {
             width: parent.width
@@ -233,7 +272,7 @@ FocusScope {
             id: footerFixed
             anchors.bottom: parent.bottom
             width: parent.width
-            height: sheet.scrollsFooter || sheet.isLoading ? 0 : footerPanel.implicitHeight
+            height: sheet.scrollsFooter || !sheet.hasBody ? 0 : footerPanel.implicitHeight
             visible: height > 0
         }
 
@@ -254,10 +293,9 @@ FocusScope {
             parent: sheet.scrollsFooter ? footerPlace : footerFixed
             width: parent.width
             height: implicitHeight
-            implicitHeight: footerColumn.implicitHeight
-            radius: sheet.isFloating ? 20 : 0
+            implicitHeight: sheet.footerHeight + (sheet.scrollsSmallPrint ? 0 : sheet.smallPrintHeight)
+            radius: sheet.isFloating ? panel.radius : 0
             color: hasOwnColor ? sheet.footerColor : "transparent"
-            visible: !sheet.isLoading
 
             Rectangle {
                 width: parent.width
@@ -275,9 +313,29 @@ FocusScope {
                 x: sheet.inset
                 width: parent.width - 2 * sheet.inset
                 topPadding: 12
-                bottomPadding: sheet.inset
                 spacing: 8
             }
+            Item {
+                id: smallPrintFixed
+                y: footerColumn.implicitHeight + 8
+                width: parent.width
+            }
+        }
+        Column {
+            id: smallPrintColumn
+            parent: sheet.scrollsSmallPrint ? smallPrintPlace : smallPrintFixed
+            x: sheet.inset
+            width: parent.width - 2 * sheet.inset
+            spacing: 8
+        }
+        // The edge of what floats.
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: "transparent"
+            border.width: 1
+            border.color: Style.colors.hairline
+            visible: sheet.isFloating
         }
         Progress {
             anchors.centerIn: parent

@@ -11,6 +11,8 @@ Rectangle {
 
     readonly property real share: (width - 8) / Math.max(1, tabs.length)
     readonly property bool isRow: made.every(segment => segment.implicitWidth <= share)
+    // A long word in one of them makes the text of all smaller.
+    readonly property int textSize: Math.min(...made.map(segment => segment.fittingTextSize))
     property var made: []
 
     implicitHeight: grid.height + 8
@@ -39,6 +41,7 @@ Rectangle {
                 required property int index
                 required property string modelData
                 readonly property bool isCurrent: index === selector.current
+                readonly property alias fittingTextSize: words.fittingSize
 
                 function go(distance) {
                     const next = segments.itemAt(index + distance)
@@ -51,7 +54,7 @@ Rectangle {
                 text: modelData
                 font: Style.tab
                 width: selector.isRow ? selector.share : grid.width
-                implicitWidth: Math.ceil(words.implicitWidth) + 24
+                implicitWidth: words.lineWidth + 24
                 implicitHeight: Math.max(44, words.implicitHeight + 16)
                 onClicked: selector.chosen(index)
                 Accessible.role: Accessible.PageTab
@@ -69,16 +72,15 @@ Rectangle {
                         isShown: segment.visualFocus
                     }
                 }
-                Text {
+                FittedText {
                     id: words
                     anchors.centerIn: parent
-                    width: Math.min(Math.ceil(implicitWidth), parent.width - 24)
+                    width: parent.width - 24
                     text: segment.text
-                    textFormat: Text.PlainText
-                    font: segment.font
+                    wanted: segment.font
+                    size: selector.textSize
                     color: segment.isCurrent ? Style.colors.selectorText : Style.colors.footerText
                     horizontalAlignment: Text.AlignHCenter
-                    wrapMode: Text.Wrap
                     Accessible.ignored: true
                 }
             }

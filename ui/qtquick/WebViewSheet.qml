@@ -10,6 +10,7 @@ Sheet {
     // Within the page the Tab key goes from link to link; at its ends the page passes the focus on by itself.
     readonly property bool keepsTabKey: place.activeFocus
 
+    banner: model.banner
     title: model.title
     isBottom: isNarrow
     fillsHeight: true

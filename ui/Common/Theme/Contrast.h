@@ -10,5 +10,7 @@ namespace quillon {
 
 // Text of ordinary size is legible from here on.
 inline constexpr double legible = 4.5;
+// And a control.
+inline constexpr double visible = 3;
 
 }  // namespace quillon
