@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QImage>
 #include <boost/json/parse.hpp>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "tests/qtquick/ScreenWorld.h"
+#include "ui/qtquick/ConsentBannerAdapter.h"
 
 namespace quillon::test {
 namespace {
@@ -44,6 +46,8 @@ struct Difference {
   int pixels = 0;
 };
 
+struct Gallery;
+
 struct Look {
   const char* screen;
   const char* language;
@@ -53,13 +57,15 @@ struct Look {
   const char* surroundings;
   const char* size;
   int textScale;
+  const char* occasion = "";
+  void (*begin)(Gallery&) = nullptr;  // that occasion, on the complete screen
 
   std::vector<std::string> values() const {
     return {screen, language, shape, position, std::to_string(palette), surroundings, size, std::to_string(textScale)};
   }
   // Of its picture, without the ending.
   std::string name() const {
-    std::string name;
+    std::string name = occasion;
     for (const auto& value : values()) name += (name.empty() ? "" : "-") + value;
     return name;
   }
@@ -117,6 +123,8 @@ struct Gallery : ScreenWorld {
     start();
     if (std::string_view(look.screen) == "preferences") {
       world.sdk->presentPreferenceCenter();
+    } else if (std::string_view(look.screen) == "prompt") {
+      world.sdk->presentSettingPrompt(VantariKey::cameraUsageDescription);
     } else {
       presenter->presentBanner(world.sdk->core());
     }
@@ -130,11 +138,49 @@ struct Gallery : ScreenWorld {
   }
 };
 
+void load(Gallery& gallery) {
+  QMetaObject::invokeMethod(gallery.top()->property("model").value<QObject*>(), "load");
+}
+void fail(Gallery& gallery) {
+  std::filesystem::remove_all(gallery.world.file().parent_path());
+  load(gallery);
+}
+void keepLoading(Gallery& gallery) {
+  const auto* banner = gallery.top()->property("banner").value<ConsentBannerAdapter*>();
+  banner->model()->bannerConfigResult.set(ConsentSDKResult<BannerConfig>::loading());
+}
+void takeThemeOfHost(Gallery& gallery) {
+  const CustomFont heading{"Noto Serif", 20, 700};
+  const CustomFont text{"Noto Serif", 16, 400};
+  gallery.world.sdk->registerFonts(heading, text, heading, text);
+  gallery.world.sdk->registerColors(
+      {"#fbe4ea", "#b3123f", "#f3b9c8", "#fff7f9", "#3b0a18", "#b3123f", "#fdeef2", "#f3b9c8", {}, {}, {}, {}});
+  load(gallery);
+}
+const Look occasions[] = {
+    {"preferences", "de", "rounded", "bottom", 1, "dark", "320x568", 2, "loading", keepLoading},
+    {"banner", "ar", "rounded", "bottom", 1, "light", "320x568", 2, "failure", fail},
+    {"banner", "de", "pill", "bottom", 1, "light", "390x844", 1, "theme", takeThemeOfHost},
+    {"preferences", "ar", "rounded", "bottom", 1, "light", "390x844", 1, "theme", takeThemeOfHost},
+    {"prompt", "de", "outlined", "center", 2, "dark", "320x568", 2},
+};
+
+std::vector<Look> allLooks() {
+  std::vector<Look> all(std::begin(looks), std::end(looks));
+  all.insert(all.end(), std::begin(occasions), std::end(occasions));
+  return all;
+}
+
 TEST(Pictures, EveryScreenLooksAsInItsReference) {
   const bool isRenewal = qEnvironmentVariableIsSet("QUILLON_RENEW_PICTURES");
   const QString actuals = QDir::currentPath() + "/pictures/";
-  for (const Look& look : looks) {
-    const QImage actual = Gallery(look).picture();
+  for (const Look& look : allLooks()) {
+    Gallery gallery(look);
+    if (look.begin) {
+      gallery.picture();
+      look.begin(gallery);
+    }
+    const QImage actual = gallery.picture();
     const QString file = QString(QUILLON_SCREENS_FOLDER) + QString::fromStdString(look.name()) + ".png";
     if (isRenewal) {
       constexpr int smallest = 0;  // of the files that the same picture may become
@@ -156,13 +202,15 @@ TEST(Pictures, EveryPairOfValuesIsInOneAndThePageShowsThemAll) {
   std::vector<std::set<std::string>> values(looks[0].values().size());
   std::ifstream file(QUILLON_SCREENS_FOLDER "../screens.md");
   const std::string page((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  for (const Look& look : allLooks()) {
+    EXPECT_NE(page.find("(screens/" + look.name() + ".png)"), std::string::npos) << look.name();
+  }
   for (const Look& look : looks) {
     const auto own = look.values();
     for (std::size_t i = 0; i < own.size(); ++i) {
       values[i].insert(own[i]);
       for (std::size_t j = 0; j < i; ++j) shown.insert({std::to_string(i), own[i], std::to_string(j), own[j]});
     }
-    EXPECT_NE(page.find("(screens/" + look.name() + ".png)"), std::string::npos) << look.name();
   }
   std::size_t pairs = 0;
   for (std::size_t i = 0; i < values.size(); ++i) {

@@ -11,7 +11,7 @@ Text {
     readonly property real lineWidth: widest([text.text])
     // The largest size that fits, in pixels, and the one that is used.
     readonly property int fittingSize: {
-        const least = Math.min(wanted.pixelSize, Style.body.pixelSize / Style.textScale)
+        const least = Math.min(wanted.pixelSize, Style.body.pixelSize / Style.textScale, 15)
         return Math.max(least, Math.floor(wanted.pixelSize * Math.min(1, width / longestWord)))
     }
     property int size: fittingSize

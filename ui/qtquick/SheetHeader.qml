@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// The logo, the heading and the way out; while the screen loads, only that.
+// The logo, the heading and the way out; only that while there is nothing below to head.
 Item {
     id: header
 
@@ -11,7 +11,8 @@ Item {
     property bool hasLogo: true
     signal closed
 
-    readonly property bool showsLogo: hasLogo && banner.logo.exists && !banner.isLoading
+    readonly property bool isBare: banner.isLoading || banner.hasFailed
+    readonly property bool showsLogo: hasLogo && banner.logo.exists && !isBare
     readonly property real widthBeside: width - (showsLogo ? 52 : 0) - (canClose ? 48 : 0)
     // A word that does not fit between the logo and the button has the whole width, and shrinks when that is not enough.
     readonly property bool isStacked: words.longestWord > widthBeside && (canClose || showsLogo)
@@ -37,7 +38,7 @@ Item {
         anchors.rightMargin: header.canClose && !header.isStacked ? 48 : 0
         // A heading of one line stands in the middle of the logo and the button.
         y: header.isStacked ? 52 : header.canClose || header.showsLogo ? Math.max(0, (44 - implicitHeight) / 2) : 0
-        text: header.banner.isLoading ? "" : header.heading
+        text: header.isBare ? "" : header.heading
         wanted: Style.heading
         visible: text !== ""
     }
