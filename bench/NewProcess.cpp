@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -45,23 +44,18 @@ bool registerFirstWork(std::string name, FirstWork work) {
   return works().emplace(std::move(name), std::move(work)).second;
 }
 
-double secondsInNewProcess(const std::string& name, const std::string& file) {
+double measuredInNewProcess(const std::string& name, const std::string& file) {
   const std::string command =
       "/proc/" + std::to_string(getpid()) + "/exe " + std::string(kOption) + " " + name + " '" + file + "'";
   const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), &pclose);
-  double seconds = 0;
-  if (!output || std::fscanf(output.get(), "%lf", &seconds) != 1) throw std::runtime_error("the new process failed");
-  return seconds;
+  double figure = 0;
+  if (!output || std::fscanf(output.get(), "%lf", &figure) != 1) throw std::runtime_error("the new process failed");
+  return figure;
 }
 
 std::optional<int> runAsNewProcess(int argc, char** argv) {
   if (argc != 4 || argv[1] != kOption) return std::nullopt;
-  const std::string_view contents = contentsOf(argv[3]);
-  const FirstWork& work = works().at(argv[2]);
-  const auto begin = std::chrono::steady_clock::now();
-  work(contents);
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
-  std::printf("%.9f\n", took.count());
+  std::printf("%.9f\n", works().at(argv[2])(contentsOf(argv[3])));
   return 0;
 }
 

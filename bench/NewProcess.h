@@ -8,15 +8,15 @@
 
 namespace quillon::bench {
 
-/// Work on the contents of a file. They are followed by at least 64 readable bytes.
-using FirstWork = std::function<void(std::string_view contents)>;
+/// Work on the contents of a file, and what it measures. They are followed by at least 64 readable bytes.
+using FirstWork = std::function<double(std::string_view contents)>;
 
 /// Makes @p work known under @p name; from a static initialiser.
 bool registerFirstWork(std::string name, FirstWork work);
 
-/// Seconds that the work takes in a new process of this program, the reading of @p file not counted.
+/// What the work measures in a new process of this program, with the contents of @p file.
 /// Throws std::runtime_error when that process fails.
-double secondsInNewProcess(const std::string& name, const std::string& file);
+double measuredInNewProcess(const std::string& name, const std::string& file);
 
 /// The part of the new process; nothing when this process was started to run benchmarks.
 std::optional<int> runAsNewProcess(int argc, char** argv);

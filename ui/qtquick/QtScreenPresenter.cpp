@@ -1,9 +1,11 @@
 #include "ui/qtquick/QtScreenPresenter.h"
 
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QThreadPool>
 #include <QtPlugin>
 #include <algorithm>
 
@@ -66,6 +68,8 @@ void QtScreenPresenter::prepare() {
   for (const ScreenKind kind : {ScreenKind::banner, ScreenKind::preferenceCenter, ScreenKind::settingsPrompt}) {
     component(kind);
   }
+  // The first text of a process waits for the names of all fonts, which any thread may fetch.
+  QThreadPool::globalInstance()->start([] { QFontDatabase::families(); });
 }
 
 QQmlComponent& QtScreenPresenter::component(ScreenKind kind) {
