@@ -23,7 +23,7 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   static std::shared_ptr<QtScreenPresenter> make(QtQuickOptions options);
   ~QtScreenPresenter() override;
 
-  // Compiles the screens ahead, without holding the main loop, so that the first one appears at once.
+  // Compiles the screens and finds fonts ahead, without holding the main loop, so that the first one appears at once.
   void prepare();
 
   void presentBanner(Core core) override;
