@@ -3,7 +3,8 @@ import QtQuick.Templates as T
 import Quillon.Consent
 
 // The surface of every screen, with a header and a footer that stay while the body scrolls, as long as there is room for
-// that. Where height is scarce the small print scrolls along first, then the header, and the footer last. Modal, it is a sheet at the bottom or a card in the middle of the window; else a part of the page around it.
+// that. Where height is scarce the small print scrolls along first, then the header, and the footer last. Modal, it is a
+// sheet at the bottom or a card in the middle of the window; else a part of the page around it.
 FocusScope {
     id: sheet
 
