@@ -49,7 +49,7 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   explicit QtScreenPresenter(QtQuickOptions options);
 
   bool isShown(ScreenKind kind, const Core& core) const;
-  void present(std::unique_ptr<Screen> screen);
+  void present(std::unique_ptr<Screen> made);
   QQmlComponent& component(ScreenKind kind);
   void show(Screen* screen);
   // Takes the screen off the stack.

@@ -83,7 +83,8 @@ Sheet {
         },
         Rectangle {
             width: parent.width * screen.model.progress
-            height: 2
+            // The edge of the header lies over it.
+            height: 4
             anchors.left: parent.left
             color: Style.colors.switchOn
             visible: screen.model.isLoading
