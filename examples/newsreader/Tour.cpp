@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -26,9 +27,10 @@ Tour::Tour(QQuickWindow* window, quillon::ConsentSDK& sdk, QString folder, bool 
       {"news", pressed("Save Changes")},
   };
   if (hasWebView) {
-    steps_.push_back({"refused-link", [&sdk] {
-                        sdk.openLink("https://elsewhere.example/");
-                        return true;
+    // The browser starts for longer than a picture stays the same.
+    steps_.push_back({"refused-link", [this, &sdk, isOpened = false]() mutable {
+                        if (!std::exchange(isOpened, true)) sdk.openLink("https://elsewhere.example/");
+                        return isShown("This page is blocked");
                       }});
   }
   connect(&tick_, &QTimer::timeout, this, &Tour::proceed);
