@@ -39,7 +39,7 @@ PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCente
 
 QString PreferenceCenterAdapter::tabName(MyPreferences tab) const {
   const BannerConfig& config = banner_->config();
-  const QString configured =
+  QString configured =
       banner_->words(tab == MyPreferences::purposes ? config.sdkTabHeading : config.permissionsTabHeading);
   if (!configured.isEmpty()) return configured;
   const std::string_view name = rawValue(tab);

@@ -4,8 +4,8 @@
 
 namespace quillon {
 
-WebViewAdapter::WebViewAdapter(std::shared_ptr<ConsentBannerViewModel> banner, std::unique_ptr<QuickWebSurface> surface,
-                               std::string link)
+WebViewAdapter::WebViewAdapter(const std::shared_ptr<ConsentBannerViewModel>& banner,
+                               std::unique_ptr<QuickWebSurface> surface, std::string link)
     : surface_(*surface),
       model_(WebViewModel::make(banner->core(), std::move(surface))),
       banner_(new ConsentBannerAdapter(banner, this)),

@@ -28,7 +28,7 @@ class WebViewAdapter : public Adapter {
   Q_PROPERTY(QQuickItem* page READ page NOTIFY changed)
 
  public:
-  WebViewAdapter(std::shared_ptr<ConsentBannerViewModel> banner, std::unique_ptr<QuickWebSurface> surface,
+  WebViewAdapter(const std::shared_ptr<ConsentBannerViewModel>& banner, std::unique_ptr<QuickWebSurface> surface,
                  std::string link);
 
   ConsentBannerAdapter* banner() const { return banner_; }
