@@ -34,6 +34,10 @@ function(quillon_target name)
   if(QUILLON_SANITIZE)
     target_compile_options(${name} PRIVATE -fsanitize=${QUILLON_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(${name} PUBLIC -fsanitize=${QUILLON_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+      # A program in C that links our library lacks the part of the sanitizer that knows C++.
+      target_link_options(${name} PUBLIC -fsanitize-link-c++-runtime)
+    endif()
     if(QUILLON_SANITIZE MATCHES thread)
       # The thread sanitizer does not follow fences, by which Asio orders its blocks otherwise.
       target_compile_definitions(${name} PRIVATE BOOST_ASIO_DISABLE_FENCED_BLOCK)
