@@ -37,6 +37,7 @@ function(quillon_target name)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
       # A program in C that links our library lacks the part of the sanitizer that knows C++.
       target_link_options(${name} PUBLIC -fsanitize-link-c++-runtime)
+      target_link_libraries(${name} PUBLIC stdc++)
     endif()
     if(QUILLON_SANITIZE MATCHES thread)
       # The thread sanitizer does not follow fences, by which Asio orders its blocks otherwise.
