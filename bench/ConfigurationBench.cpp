@@ -12,7 +12,7 @@
 #include "bench/Expectation.h"
 #include "bench/NewProcess.h"
 #include "bench/OtherLibraries.h"
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 
 namespace quillon::bench {
 namespace {

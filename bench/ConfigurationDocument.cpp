@@ -5,7 +5,7 @@
 #include <map>
 #include <random>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/MainConfiguration.h"
 
 namespace quillon::bench {

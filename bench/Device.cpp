@@ -3,8 +3,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "core/Configuration/Codec.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/Json/Codec.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/memory/MemoryConsole.h"
 #include "platform/memory/ScriptedHttpSession.h"

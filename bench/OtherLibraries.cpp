@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "bench/RecordKeys.h"
-#include "core/Configuration/Record.h"
+#include "core/Json/Record.h"
 
 namespace quillon::bench {
 namespace {

@@ -1,5 +1,5 @@
 // A configuration document, whatever it holds, is refused or is the same after a round trip.
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "fuzz/Check.h"
 #include "quillon/MainConfiguration.h"
 

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "core/Configuration/Utf8.h"
+#include "core/Text/Utf8.h"
 #include "fuzz/Check.h"
 #include "ui/Common/RichText/StringUtils.h"
 

@@ -1,7 +1,7 @@
 #include <atomic>
 #include <utility>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "core/Network/Responses.h"
 #include "core/Permissions/PermissionTranslation.h"
 #include "platform/Platform.h"

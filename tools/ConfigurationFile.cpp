@@ -6,7 +6,7 @@
 #include <memory>
 #include <system_error>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 
 namespace quillon::tools {
 namespace {

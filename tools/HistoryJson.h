@@ -4,7 +4,7 @@
 #include <boost/json/object.hpp>
 #include <boost/json/parse.hpp>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/DecisionHistory.h"
 
 namespace quillon::tools {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/ConsentSDK/ConsentSDKCore.h"
-#include "core/ConsentSDK/LocalizedTexts.h"
+#include "core/Text/LocalizedTexts.h"
 #include "quillon/ConsentSDK.h"
 #include "quillon/LinuxPlatform.h"
 

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "core/Configuration/JsonType.h"
-#include "core/Configuration/RawValues.h"
-#include "core/Configuration/Record.h"
+#include "core/Json/JsonType.h"
+#include "core/Json/RawValues.h"
+#include "core/Json/Record.h"
 
 namespace quillon {
 namespace {

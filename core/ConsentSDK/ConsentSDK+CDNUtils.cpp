@@ -1,5 +1,5 @@
 // The road of a configuration: from the cache or the network to the stored consents.
-#include "core/ConsentSDK/BannerSelection.h"
+#include "core/Banner/BannerSelection.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"

@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <limits>
 
-#include "core/Configuration/RawValues.h"
+#include "core/Banner/BannerState.h"
 #include "core/ConsentSDK/Asynchronous.h"
-#include "core/ConsentSDK/BannerTurn.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/Json/RawValues.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
@@ -120,12 +120,12 @@ std::optional<BannerReason> fromRawValue(std::string_view text) noexcept {
 BannerExplanation ConsentSDK::Core::explainBanner() {
   const auto entries = store.snapshot();
   const StoredValues stored(*entries);
-  const BannerTurn turn = bannerTurn(stored, *platform.clock);
-  BannerExplanation banner{.isDue = turn.isDue(), .reason = turn.reason};
-  const bool isDated = turn.reason == BannerReason::answered || turn.reason == BannerReason::intervalOver;
-  if (isDated) banner.expires = turn.expires;
+  const BannerState state = bannerState(stored, *platform.clock);
+  BannerExplanation banner{.isDue = state.isDue(), .reason = state.reason};
+  const bool isDated = state.reason == BannerReason::answered || state.reason == BannerReason::intervalOver;
+  if (isDated) banner.expires = state.expires;
   const auto configuration = cache.current();
-  if (turn.reason == BannerReason::unanswered && configuration && purposes(configuration).hasDecisions(stored)) {
+  if (state.reason == BannerReason::unanswered && configuration && purposes(configuration).hasDecisions(stored)) {
     banner.reason = BannerReason::reconsent;
     banner.version = stored.integer(key::configurationVersion, 0);
   }

@@ -1,6 +1,6 @@
 // The check cycle, the location, the banner's turn and the upload.
-#include "core/ConsentSDK/BannerSelection.h"
-#include "core/ConsentSDK/BannerTurn.h"
+#include "core/Banner/BannerSelection.h"
+#include "core/Banner/BannerState.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/ConsentSDK/SDKVersion.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -163,13 +163,13 @@ Task<std::optional<BannerConfig>> ConsentSDK::Core::bannerFor(ConfigurationPoint
 bool ConsentSDK::Core::isBannerDue() {
   bool due = false;
   store.transact([&](StoreTransaction& transaction) {
-    const BannerTurn turn = bannerTurn(transaction, *platform.clock);
-    if (turn.promotesDefaults) transaction.set(key::consentGivenType, std::string(givenType::explicitly));
+    const BannerState state = bannerState(transaction, *platform.clock);
+    if (state.promotesDefaults) transaction.set(key::consentGivenType, std::string(givenType::explicitly));
     if (transaction.integer(key::bannerShownDate, now()) > now()) {
       // The clock was put back since. Counted from now, the interval passes at some time.
       transaction.set(key::bannerShownDate, now());
     }
-    if (!turn.isDue()) return;
+    if (!state.isDue()) return;
     transaction.set(key::isBannerPresent, true);
     transaction.set(key::bannerShownDate, now());
     due = true;

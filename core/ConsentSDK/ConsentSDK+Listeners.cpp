@@ -1,6 +1,6 @@
 // What hosts listen to.
-#include "core/Configuration/RawValues.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/Json/RawValues.h"
 
 namespace quillon {
 namespace {

@@ -1,9 +1,9 @@
 // The operations that hosts call once set-up has run.
 #include "core/ConsentSDK/Asynchronous.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
-#include "core/ConsentSDK/LocalizedTexts.h"
 #include "core/Integrations/ConsentScript.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Text/LocalizedTexts.h"
 
 namespace quillon {
 ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {

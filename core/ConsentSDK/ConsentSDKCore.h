@@ -10,10 +10,9 @@
 #include <stop_token>
 #include <string>
 
-#include "core/ConsentSDK/ConfigurationCache.h"
+#include "core/Configuration/ConfigurationCache.h"
 #include "core/ConsentSDK/HostCalls.h"
 #include "core/ConsentSDK/Listeners.h"
-#include "core/ConsentSDK/LocaleUtils.h"
 #include "core/ConsentSDK/SDKListener.h"
 #include "core/ConsentSDK/Theme.h"
 #include "core/Integrations/GoogleConsentModeHelper.h"
@@ -25,6 +24,7 @@
 #include "core/Tasks/TaskEvent.h"
 #include "core/Tasks/TaskGroup.h"
 #include "core/Tasks/TaskQueue.h"
+#include "core/Text/LocaleUtils.h"
 #include "platform/Platform.h"
 #include "quillon/ConsentSDK.h"
 #include "quillon/SDKLogger.h"

@@ -1,6 +1,6 @@
 #include "quillon/SDKStatus.h"
 
-#include "core/Configuration/RawValues.h"
+#include "core/Json/RawValues.h"
 
 namespace quillon {
 namespace {

@@ -1,7 +1,7 @@
 // The texts of a decision, and its form in the journal.
-#include "core/Configuration/JsonType.h"
-#include "core/Configuration/RawValues.h"
-#include "core/Configuration/Record.h"
+#include "core/Json/JsonType.h"
+#include "core/Json/RawValues.h"
+#include "core/Json/Record.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "quillon/DecisionHistory.h"
 

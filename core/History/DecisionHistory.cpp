@@ -5,7 +5,7 @@
 #include <map>
 #include <optional>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/RawValue.h"
 
 namespace quillon {

@@ -2,9 +2,9 @@
 
 #include <map>
 
-#include "core/Configuration/JsonType.h"
-#include "core/Configuration/Record.h"
-#include "core/Configuration/ScriptText.h"
+#include "core/Json/JsonType.h"
+#include "core/Json/Record.h"
+#include "core/Text/ScriptText.h"
 
 namespace quillon {
 

@@ -1,6 +1,6 @@
 #include "quillon/GoogleConsentType.h"
 
-#include "core/Configuration/RawValues.h"
+#include "core/Json/RawValues.h"
 
 namespace quillon {
 namespace {

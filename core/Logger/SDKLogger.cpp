@@ -1,9 +1,9 @@
 #include "quillon/SDKLogger.h"
 
 #include "core/ConsentSDK/SDKVersion.h"
-#include "core/Logger/LogText.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/Text/LogText.h"
 
 namespace quillon {
 

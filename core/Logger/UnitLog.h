@@ -4,7 +4,7 @@
 #include <source_location>
 #include <string_view>
 
-#include "core/Logger/LogText.h"
+#include "core/Text/LogText.h"
 #include "quillon/SDKLogger.h"
 
 namespace quillon {

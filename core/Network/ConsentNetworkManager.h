@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "core/Network/NetworkError.h"
 #include "core/Network/Responses.h"
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"

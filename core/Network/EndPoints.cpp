@@ -1,6 +1,6 @@
 #include "core/Network/EndPoints.h"
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 
 namespace quillon {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "core/Configuration/Utf8.h"
 #include "core/Logger/UnitLog.h"
+#include "core/Text/Utf8.h"
 
 namespace quillon {
 namespace {

@@ -1,6 +1,6 @@
 #include "core/Network/NetworkError.h"
 
-#include "core/Logger/LogText.h"
+#include "core/Text/LogText.h"
 
 namespace quillon {
 

@@ -1,7 +1,7 @@
 #include "quillon/PostConsentsRequest.h"
 
-#include "core/Configuration/JsonType.h"
-#include "core/Configuration/Record.h"
+#include "core/Json/JsonType.h"
+#include "core/Json/Record.h"
 
 namespace quillon {
 

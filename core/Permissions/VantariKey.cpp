@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/Configuration/RawValues.h"
+#include "core/Json/RawValues.h"
 
 namespace quillon {
 namespace {

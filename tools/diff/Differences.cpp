@@ -5,8 +5,8 @@
 #include <optional>
 #include <set>
 
-#include "core/ConsentSDK/BannerSelection.h"
-#include "core/ConsentSDK/LocalizedTexts.h"
+#include "core/Banner/BannerSelection.h"
+#include "core/Text/LocalizedTexts.h"
 
 namespace quillon::tools {
 namespace {

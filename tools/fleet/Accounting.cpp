@@ -3,7 +3,7 @@
 #include <set>
 #include <tuple>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/PostConsentsRequest.h"
 
 namespace quillon::tools {

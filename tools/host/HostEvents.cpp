@@ -3,7 +3,7 @@
 #include <boost/json/parse.hpp>
 #include <utility>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 
 namespace quillon::tools {
 

@@ -8,7 +8,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "tools/HistoryJson.h"
 #include "tools/SuiteJson.h"

@@ -7,7 +7,7 @@
 #include <functional>
 #include <system_error>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/MainConfiguration.h"
 
 namespace quillon::tools {

@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/PostConsentsRequest.h"
 #include "tools/serve/UploadStore.h"
 

@@ -1,4 +1,4 @@
-#include "core/ConsentSDK/BannerSelection.h"
+#include "core/Banner/BannerSelection.h"
 #include "tools/validate/Rules.h"
 
 namespace quillon::tools {

@@ -1,7 +1,7 @@
 #include "ui/ConsentBanner/ConsentBannerViewModel.h"
 
-#include "core/ConsentSDK/LocalizedTexts.h"
 #include "core/Logger/UnitLog.h"
+#include "core/Text/LocalizedTexts.h"
 
 namespace quillon {
 namespace {

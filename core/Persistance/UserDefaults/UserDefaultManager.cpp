@@ -3,8 +3,8 @@
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
-#include "core/Logger/LogText.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Text/LogText.h"
 
 namespace quillon {
 namespace {

@@ -1,6 +1,6 @@
 // What holds for every record: each key of a complete document is read, written, compared, hashed and
 // checked for its type.
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/MainConfiguration.h"
 #include "quillon/PostConsentsRequest.h"
 

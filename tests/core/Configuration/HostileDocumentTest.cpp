@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "tests/core/Configuration/CompleteDocuments.h"
 #include "tests/support/Contains.h"
 

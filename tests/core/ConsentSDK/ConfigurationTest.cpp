@@ -4,7 +4,7 @@
 #include <boost/json/serialize.hpp>
 #include <map>
 
-#include "core/ConsentSDK/BannerSelection.h"
+#include "core/Banner/BannerSelection.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/memory/FailingFileSystem.h"
 #include "platform/memory/FixedHostApplication.h"

@@ -3,8 +3,8 @@
 #include <boost/json.hpp>
 #include <sstream>
 
-#include "core/Logger/LogText.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Text/LogText.h"
 #include "quillon/SDKLogger.h"
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"

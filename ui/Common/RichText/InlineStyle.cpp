@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "core/Configuration/Utf8.h"
+#include "core/Text/Utf8.h"
 
 namespace quillon {
 namespace {

@@ -1,6 +1,6 @@
 #include "ui/Common/RichText/TextFlow.h"
 
-#include "core/Configuration/Utf8.h"
+#include "core/Text/Utf8.h"
 #include "ui/Common/RichText/StringUtils.h"
 
 namespace quillon {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/Configuration/JsonWriter.h"
-#include "core/Configuration/ScriptText.h"
-#include "core/Configuration/Utf8.h"
+#include "core/Json/JsonWriter.h"
+#include "core/Text/ScriptText.h"
+#include "core/Text/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/webview_blocked_page.h"
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/Configuration/Utf8.h"
+#include "core/Text/Utf8.h"
 
 namespace quillon {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/Configuration/ConfiguredTexts.h"
-#include "core/Configuration/Utf8.h"
+#include "core/Text/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/WebViewUrlExtractor.h"
 

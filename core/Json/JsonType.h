@@ -10,9 +10,9 @@
 #include <string_view>
 #include <type_traits>
 
-#include "core/Configuration/Codec.h"
-#include "core/Configuration/JsonWriter.h"
-#include "core/Configuration/Record.h"
+#include "core/Json/Codec.h"
+#include "core/Json/JsonWriter.h"
+#include "core/Json/Record.h"
 #include "quillon/RawValue.h"
 
 namespace quillon {

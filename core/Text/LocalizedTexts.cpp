@@ -1,4 +1,4 @@
-#include "core/ConsentSDK/LocalizedTexts.h"
+#include "core/Text/LocalizedTexts.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "core/Logger/LogText.h"
+#include "core/Text/LogText.h"
 
-#include "core/Configuration/Utf8.h"
+#include "core/Text/Utf8.h"
 
 namespace quillon {
 namespace {

@@ -1,7 +1,7 @@
-#include "core/ConsentSDK/ConfigurationCache.h"
+#include "core/Configuration/ConfigurationCache.h"
 
-#include "core/Configuration/Codec.h"
-#include "core/ConsentSDK/DocumentSeal.h"
+#include "core/Configuration/DocumentSeal.h"
+#include "core/Json/Codec.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 

@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-struct BannerTurn {
+struct BannerState {
   BannerReason reason;   // but for reconsent, which is a way of being unanswered
   std::int64_t expires;  // whole seconds since 1970
   // Who has seen the banner before and said nothing has agreed to the defaults: they count as explicit from now on.
@@ -16,6 +16,6 @@ struct BannerTurn {
   bool isDue() const { return reason != BannerReason::onScreen && reason != BannerReason::answered; }
 };
 
-[[nodiscard]] BannerTurn bannerTurn(const StoredValues& stored, const Clock& clock);
+[[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock);
 
 }  // namespace quillon

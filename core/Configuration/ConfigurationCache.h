@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/ConsentSDK/LocaleUtils.h"
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/Text/LocaleUtils.h"
 #include "platform/Platform.h"
 #include "quillon/MainConfiguration.h"
 

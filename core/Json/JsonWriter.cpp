@@ -1,10 +1,10 @@
-#include "core/Configuration/JsonWriter.h"
+#include "core/Json/JsonWriter.h"
 
 #include <array>
 #include <charconv>
 
-#include "core/Configuration/JsonType.h"
-#include "core/Configuration/Utf8.h"
+#include "core/Json/JsonType.h"
+#include "core/Text/Utf8.h"
 
 namespace quillon {
 namespace json {

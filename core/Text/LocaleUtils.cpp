@@ -1,4 +1,4 @@
-#include "core/ConsentSDK/LocaleUtils.h"
+#include "core/Text/LocaleUtils.h"
 
 #include <array>
 #include <utility>

@@ -1,9 +1,9 @@
-#include "core/ConsentSDK/BannerSelection.h"
+#include "core/Banner/BannerSelection.h"
 
 #include <algorithm>
 #include <charconv>
 
-#include "core/ConsentSDK/LocalizedTexts.h"
+#include "core/Text/LocalizedTexts.h"
 
 namespace quillon {
 namespace {

@@ -1,4 +1,4 @@
-#include "core/Configuration/ScriptText.h"
+#include "core/Text/ScriptText.h"
 
 #include <algorithm>
 #include <array>

@@ -1,14 +1,14 @@
-#include "core/ConsentSDK/BannerTurn.h"
+#include "core/Banner/BannerState.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "core/ConsentSDK/BannerSelection.h"
+#include "core/Banner/BannerSelection.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
 
-BannerTurn bannerTurn(const StoredValues& stored, const Clock& clock) {
+BannerState bannerState(const StoredValues& stored, const Clock& clock) {
   const std::int64_t now = wholeSeconds(clock.now());
   constexpr auto never = std::numeric_limits<std::int64_t>::min();
   const bool wasShown = stored.integer(key::bannerShownDate, never) != never;
@@ -17,20 +17,20 @@ BannerTurn bannerTurn(const StoredValues& stored, const Clock& clock) {
   const std::int64_t shown = std::clamp(stored.integer(key::bannerShownDate, now), -farAway, farAway);
   const std::string given = stored.consentGivenType();
 
-  BannerTurn turn{};
-  turn.promotesDefaults = given == givenType::implicitly && shown != now;
+  BannerState state{};
+  state.promotesDefaults = given == givenType::implicitly && shown != now;
   const auto interval = stored.string(key::bannerInterval, defaultBannerInterval);
-  turn.expires = wholeSeconds(clock.addMonths(WallTime(std::chrono::seconds(shown)),
-                                              bannerIntervalMonths(interval).value_or(defaultBannerMonths)));
-  const bool isAnswered = given == givenType::explicitly || turn.promotesDefaults;
+  state.expires = wholeSeconds(clock.addMonths(WallTime(std::chrono::seconds(shown)),
+                                               bannerIntervalMonths(interval).value_or(defaultBannerMonths)));
+  const bool isAnswered = given == givenType::explicitly || state.promotesDefaults;
   if (stored.boolean(key::isBannerPresent)) {
-    turn.reason = BannerReason::onScreen;
+    state.reason = BannerReason::onScreen;
   } else if (isAnswered) {
-    turn.reason = turn.expires <= now ? BannerReason::intervalOver : BannerReason::answered;
+    state.reason = state.expires <= now ? BannerReason::intervalOver : BannerReason::answered;
   } else {
-    turn.reason = wasShown ? BannerReason::unanswered : BannerReason::neverShown;
+    state.reason = wasShown ? BannerReason::unanswered : BannerReason::neverShown;
   }
-  return turn;
+  return state;
 }
 
 }  // namespace quillon

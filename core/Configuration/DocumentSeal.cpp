@@ -1,4 +1,4 @@
-#include "core/ConsentSDK/DocumentSeal.h"
+#include "core/Configuration/DocumentSeal.h"
 
 #include <zlib.h>
 

@@ -1,4 +1,4 @@
-#include "core/Configuration/JsonReader.h"
+#include "core/Json/JsonReader.h"
 
 #include <algorithm>
 #include <bit>

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/Configuration/JsonType.h"
+#include "core/Json/JsonType.h"
 
 namespace quillon::json {
 

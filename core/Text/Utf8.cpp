@@ -1,4 +1,4 @@
-#include "core/Configuration/Utf8.h"
+#include "core/Text/Utf8.h"
 
 namespace quillon {
 
