@@ -72,6 +72,19 @@ struct SuiteUpdate {
   std::vector<std::string> appended = {};  // texts, in this order
 };
 
+// One consistent look at the newest commit of any process.
+struct SuiteReading {
+  std::shared_ptr<const SuiteEntries> entries;
+  std::vector<JournalRecord> unsettled;  // records without a mark, newest first; damaged ones are left out
+};
+
+// Thread-safe. No call begins once it is dropped, and dropping waits for one that is under way on another thread: so it
+// must not be dropped while holding a lock that the call takes.
+class SuiteSubscription {
+ public:
+  virtual ~SuiteSubscription() = default;
+};
+
 // Thread-safe. Never throws.
 class KeyValueSuite {
  public:
@@ -93,6 +106,22 @@ class KeyValueSuite {
   // The records with a number below that one, at most so many; fewer, damaged ones included, are the last there are.
   // May wait for the disk and for a commit of this process.
   virtual std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const = 0;
+
+  // The entries and the unsettled records of the same moment, as new as there are. May wait for the disk and for a
+  // commit of any process, at most two seconds; the error says why nothing can be read.
+  virtual std::expected<SuiteReading, std::string> read() const = 0;
+
+  // Calls `changed` within a second after the content has changed other than by an update of this object: mostly
+  // because another process has committed. By then snapshot() shows it. Several commits may be one call, and a call may
+  // find nothing new. Calls come on any thread, one at a time, never within a call of this suite's that the subscriber
+  // makes; they must only hand work on. What `changed` throws is contained. Never null.
+  [[nodiscard]] virtual std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed) = 0;
+};
+
+// Held by at most one owner among all processes of the application. Thread-safe; dropping it passes the turn on.
+class StoreTurn {
+ public:
+  virtual ~StoreTurn() = default;
 };
 
 // Thread-safe. Never throws.
@@ -100,13 +129,21 @@ class KeyValueStore {
  public:
   virtual ~KeyValueStore() = default;
 
-  // Told of damage that was noticed and survived, in words for the log. Called from any thread, possibly while a call
-  // of the suite is under way, so it must not call the suite itself.
-  using Report = std::function<void(std::string message)>;
+  // `information` is what an operator may want to know though nothing is wrong.
+  enum class ReportLevel { information, error };
+
+  // Told of what happened to a suite or a turn, above all of damage that was noticed and survived, in words for the
+  // log. Called from any thread, possibly while a call of the suite is under way, so it must not call the suite itself.
+  using Report = std::function<void(ReportLevel level, std::string message)>;
 
   // The suite of that name, created when it does not exist yet; the same object for every call with the same name (the
-  // first report given is kept). Null when the suite can be neither opened nor created.
-  virtual std::shared_ptr<KeyValueSuite> open(std::string_view name, Report report) = 0;
+  // first report given is kept). Never null; the error, path and reason, when it can be neither opened nor created.
+  virtual std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) = 0;
+
+  // The turn of that name; null while somebody has it, in this process or another of the application. Never blocks. The
+  // turn of a process that dies is free. Where turns cannot be kept apart it is granted all the same, and the report of
+  // the first suite opened says why, once: work that nobody does is worse than work that two do.
+  [[nodiscard]] virtual std::unique_ptr<StoreTurn> tryTurn(std::string_view name) = 0;
 
   // The process's standard defaults, which the host owns. Never null; empty where the platform has none.
   virtual std::shared_ptr<KeyValueSuite> standardDefaults() = 0;

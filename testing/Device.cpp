@@ -82,8 +82,8 @@ class Device::World {
   const std::shared_ptr<NotingPresenter> screens = std::make_shared<NotingPresenter>();
   const std::shared_ptr<NotingConsentSink> consentSink = std::make_shared<NotingConsentSink>();
   const std::shared_ptr<std::atomic<bool>> isDiskFull = std::make_shared<std::atomic<bool>>(false);
-  const std::shared_ptr<MemoryStore> store =
-      std::make_shared<MemoryStore>([isDiskFull = isDiskFull] { return isDiskFull->load(); });
+  const std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>(
+      [isDiskFull = isDiskFull] { return *isDiskFull ? MemoryFault::before : MemoryFault::none; });
   std::mutex mutex;  // guards the member below
   std::vector<std::string> languages = {"en"};
 };

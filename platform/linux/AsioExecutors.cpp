@@ -1,15 +1,10 @@
 #include "platform/linux/AsioExecutors.h"
 
 #include <atomic>
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
-#include <mutex>
 #include <utility>
-#include <vector>
 
-#include "platform/linux/WorkerThread.h"
+#include "platform/linux/WorkPool.h"
 #include "platform/parts/Contained.h"
 
 namespace quillon {
@@ -17,83 +12,29 @@ namespace {
 
 namespace asio = boost::asio;
 
-// What the threads of a pool share with the queues on it.
-struct Loop {
-  asio::io_context context;
-  asio::executor_work_guard<asio::io_context::executor_type> guard{context.get_executor()};
-  std::atomic<std::size_t> threads{0};
-  std::mutex mutex;                 // orders posting and closing: nothing enters a queue that nobody empties any more
-  std::atomic<bool> closed{false};  // written under the mutex
-
-  // The body of every thread. A job that was queued may own its queue, so the last thread goes through what is left
-  // without running it.
-  void run() {
-    context.run();
-    if (--threads > 0) return;
-    context.restart();
-    guard.reset();
-    context.run();
-  }
-
-  void close() {
-    const std::lock_guard lock(mutex);
-    closed = true;
-    context.stop();
-  }
-
-  template <class AsioExecutor>
-  void post(const AsioExecutor& executor, Job job) {
-    const std::lock_guard lock(mutex);
-    if (closed) return;
-    asio::post(executor, [this, job = std::move(job)]() mutable {
-      if (!closed) contained(job);
-    });
-  }
-};
-
 template <class AsioExecutor>
 class LoopQueue : public Executor {
  public:
-  LoopQueue(std::shared_ptr<Loop> loop, AsioExecutor executor)
+  LoopQueue(std::shared_ptr<WorkLoop> loop, AsioExecutor executor)
       : loop_(std::move(loop)), executor_(std::move(executor)) {}
 
   void post(Job job) override { loop_->post(executor_, std::move(job)); }
 
  private:
-  std::shared_ptr<Loop> loop_;
+  std::shared_ptr<WorkLoop> loop_;
   AsioExecutor executor_;
 };
 
+template <class AsioExecutor>
+std::shared_ptr<Executor> queue(std::shared_ptr<WorkLoop> loop, AsioExecutor executor) {
+  return std::make_shared<LoopQueue<AsioExecutor>>(std::move(loop), std::move(executor));
+}
+
+std::shared_ptr<Executor> concurrentQueue(const WorkPool& pool) {
+  return queue(pool.loop(), pool.loop()->context().get_executor());
+}
+
 }  // namespace
-
-class AsioExecutors::Pool {
- public:
-  Pool(const std::string& name, std::size_t threads) {
-    threads_.reserve(threads);
-    try {
-      for (std::size_t i = 0; i < threads; ++i) {
-        ++loop_->threads;
-        threads_.push_back(std::make_unique<WorkerThread>(name, [loop = loop_] { loop->run(); }));
-      }
-    } catch (...) {
-      loop_->close();
-      throw;
-    }
-  }
-  ~Pool() { loop_->close(); }
-
-  std::shared_ptr<Executor> concurrentQueue() const { return makeQueue(loop_->context.get_executor()); }
-  std::shared_ptr<Executor> serialQueue() const { return makeQueue(asio::make_strand(loop_->context)); }
-
- private:
-  template <class AsioExecutor>
-  std::shared_ptr<Executor> makeQueue(AsioExecutor executor) const {
-    return std::make_shared<LoopQueue<AsioExecutor>>(loop_, std::move(executor));
-  }
-
-  std::shared_ptr<Loop> loop_ = std::make_shared<Loop>();
-  std::vector<std::unique_ptr<WorkerThread>> threads_;
-};
 
 class AsioExecutors::HostQueue : public Executor, public std::enable_shared_from_this<HostQueue> {
  public:
@@ -116,14 +57,16 @@ class AsioExecutors::HostQueue : public Executor, public std::enable_shared_from
   std::atomic<bool> closed_{false};
 };
 
-AsioExecutors::AsioExecutors(PostToMain postToMain, std::size_t threads)
-    : pool_(std::make_unique<Pool>("quillon-work", threads)) {
+AsioExecutors::AsioExecutors(std::shared_ptr<WorkPool> pool, PostToMain postToMain) : pool_(std::move(pool)) {
   if (postToMain) {
     hostQueue_ = std::make_shared<HostQueue>(std::move(postToMain));
   } else {
-    mainThread_ = std::make_unique<Pool>("quillon-main", 1);
+    mainThread_ = std::make_unique<WorkPool>("quillon-main", 1);
   }
 }
+
+AsioExecutors::AsioExecutors(PostToMain postToMain, std::size_t threads)
+    : AsioExecutors(std::make_shared<WorkPool>("quillon-work", threads), std::move(postToMain)) {}
 
 AsioExecutors::~AsioExecutors() {
   if (hostQueue_) hostQueue_->close();
@@ -131,15 +74,15 @@ AsioExecutors::~AsioExecutors() {
 
 std::shared_ptr<Executor> AsioExecutors::main() {
   if (hostQueue_) return hostQueue_;
-  return mainThread_->concurrentQueue();  // its single thread keeps the order
+  return concurrentQueue(*mainThread_);  // its single thread keeps the order
 }
 
 std::shared_ptr<Executor> AsioExecutors::background() {
-  return pool_->concurrentQueue();
+  return concurrentQueue(*pool_);
 }
 
 std::shared_ptr<Executor> AsioExecutors::serial(std::string /*label*/) {
-  return pool_->serialQueue();
+  return queue(pool_->loop(), asio::make_strand(pool_->loop()->context()));
 }
 
 }  // namespace quillon

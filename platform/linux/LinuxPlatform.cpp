@@ -21,6 +21,7 @@
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StandardConsole.h"
+#include "platform/linux/WorkPool.h"
 #include "platform/memory/FixedAppTracking.h"
 #include "platform/parts/Contained.h"
 #include "platform/parts/FunctionConsentSink.h"
@@ -29,6 +30,8 @@ namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::size_t workThreads = 2;
 
 std::string environment(const char* name) {
   const char* value = std::getenv(name);
@@ -140,12 +143,13 @@ void occupyStandardDescriptors() {
 Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresenter> screens) {
   occupyStandardDescriptors();
   const fs::path folder = dataDirectory(options);
+  const auto pool = std::make_shared<WorkPool>("quillon-work", workThreads);
   Platform platform;
   platform.console = std::make_shared<StandardConsole>();
   platform.clock = std::make_shared<LinuxClock>();
-  platform.executors = std::make_shared<AsioExecutors>(options.postToMainQueue);
+  platform.executors = std::make_shared<AsioExecutors>(pool, options.postToMainQueue);
   platform.files = std::make_shared<PosixFileSystem>(folder);
-  platform.store = std::make_shared<SqliteStore>(folder);
+  platform.store = std::make_shared<SqliteStore>(folder, pool);
   platform.http = std::make_shared<CurlHttpSession>();
   platform.network = std::make_shared<NetlinkPathMonitor>();
   platform.locale = std::make_shared<EnvironmentLocale>();

@@ -3,12 +3,15 @@
 #include <sys/stat.h>
 
 #include <system_error>
+#include <utility>
 
 #include "platform/linux/FileCalls.h"
+#include "platform/linux/FileTurn.h"
 #include "platform/linux/Ownership.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteSuite.h"
 #include "platform/memory/MemoryStore.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 
@@ -39,35 +42,61 @@ std::expected<std::filesystem::path, std::string> readyFolder(const std::filesys
   }
   // Not refused: some file systems know no modes and show everything as open to all.
   if ((status.st_mode & S_IWOTH) != 0 && report) {
-    report("Every user may write to " + canonical.string() + " and so remove the consents in it");
+    report(KeyValueStore::ReportLevel::error,
+           "Every user may write to " + canonical.string() + " and so remove the consents in it");
   }
   return canonical;
 }
 
 }  // namespace
 
-SqliteStore::SqliteStore(std::filesystem::path folder)
-    : folder_(std::move(folder)), standardDefaults_(std::make_shared<MemorySuite>()) {}
+SqliteStore::SqliteStore(std::filesystem::path folder, std::shared_ptr<WorkPool> pool)
+    : folder_(std::move(folder)), standardDefaults_(std::make_shared<MemorySuite>()), pool_(std::move(pool)) {}
 
-std::shared_ptr<KeyValueSuite> SqliteStore::open(std::string_view name, Report report) try {
-  if (!isFileName(name)) return nullptr;
+std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std::string_view name, Report report) try {
+  if (!isFileName(name)) return std::unexpected("open store: a name like this is no file's");
   {
     std::lock_guard lock(mutex_);
     if (const auto known = suites_.find(name); known != suites_.end()) return known->second;
+    if (!report_) report_ = report;
   }
   // Without the lock, for the report may want the log and the log the store. Two threads may both get here; the first
   // to come back gives the suite that both use.
   const auto folder = readyFolder(folder_, report);
-  if (!folder) {
-    if (report) report(folder.error());
-    return nullptr;
-  }
-  auto suite = SqliteSuite::open(*folder / (std::string(name) + ".sqlite"), std::move(report));
-  if (!suite) return nullptr;
+  if (!folder) return std::unexpected(folder.error());
+  auto suite =
+      SqliteSuite::open(*folder / (std::string(name) + ".sqlite"), std::move(report), pool_ ? pool_->loop() : nullptr);
+  if (!suite) return std::unexpected(std::move(suite.error()));
   std::lock_guard lock(mutex_);
-  return suites_.try_emplace(std::string(name), std::move(suite)).first->second;
-} catch (...) {  // out of memory, or the report's own failure
-  return nullptr;
+  return suites_.try_emplace(std::string(name), std::move(*suite)).first->second;
+} catch (const std::exception& error) {  // out of memory, or the report's own failure
+  return std::unexpected(error.what());
+} catch (...) {
+  return std::unexpected("unknown exception");
+}
+
+std::unique_ptr<StoreTurn> SqliteStore::tryTurn(std::string_view name) try {
+  auto turn = [&]() -> std::expected<std::unique_ptr<StoreTurn>, std::string> {
+    if (!isFileName(name)) return std::unexpected("a name like this is no file's");
+    const auto folder = readyFolder(folder_, {});
+    if (!folder) return std::unexpected(folder.error());
+    return tryFileTurn(*folder / (std::string(name) + ".turn"));
+  }();
+  if (turn) return std::move(*turn);
+  reportTurnFault(turn.error());
+  return std::make_unique<StoreTurn>();
+} catch (...) {
+  return nullptr;  // out of memory: the next try may have some
+}
+
+void SqliteStore::reportTurnFault(const std::string& fault) {
+  Report report;
+  {
+    std::lock_guard lock(mutex_);
+    if (!report_ || std::exchange(isTurnFaultReported_, true)) return;
+    report = report_;
+  }
+  contained([&] { report(ReportLevel::error, "Turns among processes cannot be kept: " + fault); });
 }
 
 std::shared_ptr<KeyValueSuite> SqliteStore::standardDefaults() {

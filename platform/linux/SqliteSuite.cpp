@@ -84,11 +84,13 @@ class SqliteSuite::Transaction {
   bool committed_ = false;
 };
 
-SqliteSuite::SqliteSuite(std::filesystem::path file, KeyValueStore::Report report)
-    : path_(std::move(file)), report_(std::move(report)) {}
+SqliteSuite::SqliteSuite(std::filesystem::path file, KeyValueStore::Report report, std::shared_ptr<WorkLoop> loop)
+    : path_(std::move(file)), report_(std::move(report)), loop_(std::move(loop)) {}
 
-std::shared_ptr<SqliteSuite> SqliteSuite::open(std::filesystem::path file, KeyValueStore::Report report) {
-  const std::shared_ptr<SqliteSuite> suite(new SqliteSuite(std::move(file), std::move(report)));
+std::expected<std::shared_ptr<SqliteSuite>, std::string> SqliteSuite::open(std::filesystem::path file,
+                                                                           KeyValueStore::Report report,
+                                                                           std::shared_ptr<WorkLoop> loop) {
+  std::shared_ptr<SqliteSuite> suite(new SqliteSuite(std::move(file), std::move(report), std::move(loop)));
   std::expected<void, std::string> ready;
   {
     const HeldWriteSignals held;
@@ -108,9 +110,9 @@ std::shared_ptr<SqliteSuite> SqliteSuite::open(std::filesystem::path file, KeyVa
       ready = suite->mend({opened.error().text});
     }
   }
-  if (!ready) suite->note("Store " + suite->path_.string() + " cannot be opened: " + ready.error());
-  suite->deliverNotes();
-  return ready ? suite : nullptr;
+  suite->deliver();
+  if (!ready) return std::unexpected("Store " + suite->path_.string() + " cannot be opened: " + ready.error());
+  return suite;
 }
 
 std::shared_ptr<const SuiteEntries> SqliteSuite::snapshot() const {
@@ -119,24 +121,25 @@ std::shared_ptr<const SuiteEntries> SqliteSuite::snapshot() const {
   return published_;
 }
 
-void SqliteSuite::probe() const {
+bool SqliteSuite::probe() const noexcept {
   try {
     std::unique_lock connection(connectionMutex_, std::try_to_lock);
-    if (!connection) return;
+    if (!connection) return false;
     if (!file_ || file_->moved()) {
       // Another process has set the file aside and begun a new one, or somebody has put back an older one. When nothing
       // usable stands there, what we know stays valid until the next update mends the file.
       if (auto opened = SuiteFile::open(path_, Deadline::min())) adopt(std::move(*opened));
     } else if (const auto done = refresh(); !done) {
-      if (done.error().busy()) return;  // a commit is under way: the next reader asks again
+      if (done.error().busy()) return false;  // a commit is under way: the next reader asks again
       if (version_) note("Store " + path_.string() + " cannot be read any more: " + done.error().text);
       version_.reset();
     }
     nextProbe_.store(coarseNanoseconds() + probeIntervalNanoseconds, std::memory_order_relaxed);
   } catch (...) {
-    return;  // out of memory: the snapshot stays, and the next reader tries again
+    return false;  // out of memory: the snapshot stays, and the next reader tries again
   }
-  deliverNotes();
+  deliver();
+  return true;
 }
 
 std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
@@ -150,7 +153,7 @@ std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
       return std::unexpected("unknown exception");
     }
   }();
-  deliverNotes();
+  deliver();
   return done;
 }
 
@@ -227,24 +230,95 @@ std::expected<JournalPage, std::string> SqliteSuite::journal(std::int64_t before
   auto page = [&]() -> std::expected<JournalPage, std::string> {
     try {
       std::lock_guard connection(connectionMutex_);
-      if (!file_ || file_->moved()) {
-        auto opened = SuiteFile::open(path_, afterPatience());
-        if (!opened) return std::unexpected(opened.error().text);
-        adopt(std::move(*opened));
-      }
+      if (auto done = ready(); !done) return std::unexpected(std::move(done.error()));
       auto read = file_->readJournal(before, count, afterPatience());
       if (!read) return std::unexpected(problem(read.error()).text);
-      for (const auto number : read->damaged) {
-        if (!damagedNoted_.insert(number).second) continue;
-        note("Store " + path_.string() + ": record " + std::to_string(number) + " of the journal is damaged");
-      }
+      noteDamaged(read->damaged);
       return std::move(*read);
     } catch (const std::exception& error) {
       return std::unexpected(error.what());
     }
   }();
-  deliverNotes();
+  deliver();
   return page;
+}
+
+std::expected<SuiteReading, std::string> SqliteSuite::read() const {
+  auto reading = [&]() -> std::expected<SuiteReading, std::string> {
+    try {
+      std::lock_guard connection(connectionMutex_);
+      if (auto done = ready(); !done) return std::unexpected(std::move(done.error()));
+      const auto deadline = afterPatience();
+      auto unsettled = readOnce();
+      while (!unsettled && unsettled.error().busy() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        unsettled = readOnce();
+      }
+      if (!unsettled) return std::unexpected(problem(unsettled.error()).text);
+      noteDamaged(unsettled->damaged);
+      return SuiteReading{published_, std::move(unsettled->records)};  // only a holder of the connection publishes
+    } catch (const std::exception& error) {
+      return std::unexpected(error.what());
+    }
+  }();
+  deliver();
+  return reading;
+}
+
+SqliteResult<JournalPage> SqliteSuite::readOnce() const {
+  if (auto begun = file_->beginReading(); !begun) return std::unexpected(begun.error());
+  struct Ended {
+    std::optional<SuiteFile>& file;
+    ~Ended() {
+      if (!file->rollback()) file.reset();
+    }
+  } ended{file_};
+  if (auto done = refresh(); !done) return std::unexpected(done.error());
+  return file_->readUnsettled();
+}
+
+// An open file stands at the path.
+std::expected<void, std::string> SqliteSuite::ready() const {
+  if (file_ && !file_->moved()) return {};
+  auto opened = SuiteFile::open(path_, afterPatience());
+  if (!opened) return std::unexpected(std::move(opened.error().text));
+  adopt(std::move(*opened));
+  return {};
+}
+
+void SqliteSuite::noteDamaged(const std::vector<std::int64_t>& records) const {
+  for (const auto number : records) {
+    if (!damagedNoted_.insert(number).second) continue;
+    note("Store " + path_.string() + ": record " + std::to_string(number) + " of the journal is damaged");
+  }
+}
+
+std::unique_ptr<SuiteSubscription> SqliteSuite::observe(std::function<void()> changed) {
+  auto subscription = observers_->add(std::move(changed));
+  if (loop_) watch();
+  deliver();
+  return subscription;
+}
+
+void SqliteSuite::watch() {
+  std::lock_guard lock(watchMutex_);
+  if (watch_) return;
+  auto begun = [&]() -> std::expected<std::shared_ptr<FileWatch>, std::string> {
+    try {
+      return FileWatch::start(loop_, path_, [weak = weak_from_this()] {
+        const auto suite = weak.lock();
+        return !suite || suite->probe();
+      });
+    } catch (const std::exception& error) {
+      return std::unexpected(error.what());
+    }
+  }();
+  if (begun) {
+    watch_ = std::move(*begun);
+  } else if (!std::exchange(isWatchFaultNoted_, true)) {
+    note("What other processes change in store " + path_.string() +
+         " is noticed only when it is read: " + begun.error());
+  }
 }
 
 SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
@@ -307,12 +381,14 @@ SqliteResult<> SqliteSuite::refresh() const {
   if (version_ == *seen) return {};
   auto content = file_->read();
   if (!content) return std::unexpected(content.error());
+  if (version_) hasChanged_ = true;  // perhaps in the journal alone
   publish(std::move(*content));
   return {};
 }
 
 void SqliteSuite::publish(SuiteContent content) const {
   version_ = content.version;
+  if (known_ && *published_ != content.entries) hasChanged_ = true;
   known_ = true;
   sound_ = content.unreadable.empty();
   publish(std::make_shared<const SuiteEntries>(std::move(content.entries)));
@@ -339,16 +415,18 @@ void SqliteSuite::note(std::string message) const {
   notes_.push_back(std::move(message));
 }
 
-void SqliteSuite::deliverNotes() const noexcept {
+void SqliteSuite::deliver() const noexcept {
   std::vector<std::string> notes;
   {
     std::lock_guard lock(notesMutex_);
     notes.swap(notes_);
   }
-  if (!report_) return;
   for (auto& message : notes) {
-    contained([&] { report_(std::move(message)); });  // the host's own failure, and nobody to tell it to
+    // The host's own failure, and nobody to tell it to.
+    if (report_) contained([&] { report_(KeyValueStore::ReportLevel::error, std::move(message)); });
   }
+  if (!hasChanged_.exchange(false) || !loop_ || observers_->empty()) return;
+  contained([&] { loop_->post([observers = observers_] { observers->tell(); }); });
 }
 
 }  // namespace quillon

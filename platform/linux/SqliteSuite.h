@@ -12,21 +12,28 @@
 #include <vector>
 
 #include "platform/KeyValueSuite.h"
+#include "platform/linux/FileWatch.h"
 #include "platform/linux/SuiteFile.h"
+#include "platform/parts/SuiteObservers.h"
 
 namespace quillon {
 
 // Readers take the published snapshot; at intervals one of them asks the file whether another process has committed,
-// unless an update of this process has the connection just then. Must not be used across a fork. The folder must exist
+// unless an update of this process has the connection just then. While somebody observes, the pool asks too, whenever
+// the file changes. Must not be used across a fork. The folder must exist
 // and its path be free of links.
-class SqliteSuite final : public KeyValueSuite {
+class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_this<SqliteSuite> {
  public:
-  // Null when the file can be neither opened nor made.
-  static std::shared_ptr<SqliteSuite> open(std::filesystem::path file, KeyValueStore::Report report);
+  // The error, path and reason, when the file can be neither opened nor made. Without a loop nobody is told of changes.
+  static std::expected<std::shared_ptr<SqliteSuite>, std::string> open(std::filesystem::path file,
+                                                                       KeyValueStore::Report report,
+                                                                       std::shared_ptr<WorkLoop> loop);
 
   std::shared_ptr<const SuiteEntries> snapshot() const override;
   std::expected<void, std::string> update(const Edit& edit) override;
   std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
+  std::expected<SuiteReading, std::string> read() const override;
+  std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed) override;
 
  private:
   using Deadline = SuiteFile::Deadline;
@@ -39,15 +46,20 @@ class SqliteSuite final : public KeyValueSuite {
   };
   class Transaction;
 
-  SqliteSuite(std::filesystem::path file, KeyValueStore::Report report);
+  SqliteSuite(std::filesystem::path file, KeyValueStore::Report report, std::shared_ptr<WorkLoop> loop);
 
-  void probe() const;
+  // False when somebody else was at the file just then.
+  bool probe() const noexcept;
   std::expected<void, std::string> updateInTurn(const Edit& edit);
+  void watch();
   void note(std::string message) const;
-  // Without a lock: the receiver is the host's.
-  void deliverNotes() const noexcept;
+  // Tells of damage, and of changes, without a lock: the receivers are the host's.
+  void deliver() const noexcept;
 
   // The rest with connectionMutex_ held.
+  std::expected<void, std::string> ready() const;
+  SqliteResult<JournalPage> readOnce() const;
+  void noteDamaged(const std::vector<std::int64_t>& records) const;
   SqliteResult<> refresh() const;
   void adopt(SuiteFile::Opened opened) const;
   void publish(SuiteContent content) const;
@@ -60,6 +72,7 @@ class SqliteSuite final : public KeyValueSuite {
 
   const std::filesystem::path path_;
   const KeyValueStore::Report report_;
+  const std::shared_ptr<WorkLoop> loop_;
 
   std::mutex writersMutex_;  // one update at a time; taken before connectionMutex_
 
@@ -74,6 +87,12 @@ class SqliteSuite final : public KeyValueSuite {
   mutable std::mutex publishedMutex_;  // held for the copy of one pointer
   mutable std::shared_ptr<const SuiteEntries> published_ = std::make_shared<SuiteEntries>();
   mutable std::atomic<std::int64_t> nextProbe_{0};  // nanoseconds of the coarse monotonic clock
+
+  std::mutex watchMutex_;  // guards the two below
+  std::shared_ptr<FileWatch> watch_;
+  bool isWatchFaultNoted_ = false;
+  const std::shared_ptr<SuiteObservers> observers_ = std::make_shared<SuiteObservers>();
+  mutable std::atomic<bool> hasChanged_{false};  // other than by an update of ours, and nobody was told yet
 
   mutable std::mutex notesMutex_;
   mutable std::vector<std::string> notes_;

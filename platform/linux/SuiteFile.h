@@ -70,11 +70,15 @@ class SuiteFile {
   [[nodiscard]] bool truncated();
 
   [[nodiscard]] SqliteResult<> begin() { return database_.run("BEGIN IMMEDIATE"); }
+  // What is read until the end of the transaction is of one moment.
+  [[nodiscard]] SqliteResult<> beginReading() { return database_.run("BEGIN"); }
   [[nodiscard]] SqliteResult<> put(std::string_view key, const StoredValue& value);
   [[nodiscard]] SqliteResult<> remove(std::string_view key);
   [[nodiscard]] SqliteResult<> writeJournal(const SuiteUpdate& update) { return journal_.write(database_, update); }
   // Waits for a writer until the deadline.
   [[nodiscard]] SqliteResult<JournalPage> readJournal(std::int64_t before, std::size_t count, Deadline deadline);
+  // One try.
+  [[nodiscard]] SqliteResult<JournalPage> readUnsettled() { return journal_.unsettled(database_); }
   // What can be had of the journal of a damaged file, oldest first.
   [[nodiscard]] std::vector<JournalRecord> salvageJournal() { return journal_.salvage(database_); }
   // Waits until the deadline for readers to let go; begin() is tried once, for the caller has better things to do

@@ -180,6 +180,15 @@ SqliteResult<JournalPage> SuiteJournal::read(SqliteDatabase& database, std::int6
   return page;
 }
 
+SqliteResult<JournalPage> SuiteJournal::unsettled(SqliteDatabase& database) {
+  JournalPage page;
+  const auto prepared = prepare(database, Missing::leave);
+  if (!prepared) return std::unexpected(prepared.error());
+  if (!*prepared) return page;
+  if (auto done = collect(statements_->unsettled, page); !done) return std::unexpected(done.error());
+  return page;
+}
+
 std::vector<JournalRecord> SuiteJournal::salvage(SqliteDatabase& database) {
   JournalPage page;
   if (const auto prepared = prepare(database, Missing::leave); prepared && *prepared) {

@@ -25,6 +25,9 @@ class SuiteJournal {
   // Newest first; the table need not exist.
   [[nodiscard]] SqliteResult<JournalPage> read(SqliteDatabase& database, std::int64_t before, std::size_t count);
 
+  // Those without a mark, newest first; the table need not exist.
+  [[nodiscard]] SqliteResult<JournalPage> unsettled(SqliteDatabase& database);
+
   // Writes a record of another file under its own number.
   [[nodiscard]] SqliteResult<> put(SqliteDatabase& database, const JournalRecord& record);
 

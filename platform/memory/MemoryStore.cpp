@@ -1,81 +1,74 @@
 #include "platform/memory/MemoryStore.h"
 
-#include <algorithm>
-#include <exception>
-#include <iterator>
+#include <utility>
+
+#include "platform/memory/MemoryContent.h"
 
 namespace quillon {
 
-namespace {
+// Thread-safe.
+struct MemoryStore::Contents {
+  using Holder = std::shared_ptr<const MemorySuite::Process>;
 
-void settle(std::deque<JournalRecord>& journal, const decltype(SuiteUpdate::settle)& markOf) {
-  std::vector<JournalRecord> unsettled;
-  std::copy_if(journal.rbegin(), journal.rend(), std::back_inserter(unsettled),
-               [](const JournalRecord& record) { return record.mark.empty(); });
-  const auto marks = markOf(unsettled);
-  for (std::size_t i = 0; i < std::min(marks.size(), unsettled.size()); ++i) {
-    const auto settled = std::ranges::lower_bound(journal, unsettled[i].number, {}, &JournalRecord::number);
-    settled->mark = marks[i];
+  std::mutex mutex;
+  std::map<std::string, std::shared_ptr<MemorySuite::Content>, std::less<>> suites;
+  std::map<std::string, std::pair<Holder, const Turn*>, std::less<>> turns;
+};
+
+class MemoryStore::Turn : public StoreTurn {
+ public:
+  Turn(std::shared_ptr<Contents> contents, std::string name) : contents_(std::move(contents)), name_(std::move(name)) {}
+  ~Turn() override {
+    std::lock_guard lock(contents_->mutex);
+    const auto held = contents_->turns.find(name_);
+    if (held != contents_->turns.end() && held->second.second == this) contents_->turns.erase(held);
   }
+
+ private:
+  const std::shared_ptr<Contents> contents_;
+  const std::string name_;
+};
+
+MemoryStore::MemoryStore(Fault fault) : MemoryStore(std::make_shared<Contents>(), std::move(fault)) {}
+
+MemoryStore::MemoryStore(std::shared_ptr<Contents> contents, Fault fault)
+    : contents_(std::move(contents)), process_(std::make_shared<MemorySuite::Process>()) {
+  process_->fault = std::move(fault);
 }
 
-}  // namespace
-
-std::shared_ptr<const SuiteEntries> MemorySuite::snapshot() const {
-  std::lock_guard lock(snapshotMutex_);
-  return snapshot_;
+MemoryStore::~MemoryStore() {
+  end();
 }
 
-std::expected<void, std::string> MemorySuite::update(const Edit& edit) {
-  try {
-    std::lock_guard turn(writersMutex_);
-    auto entries = *snapshot();
-    SuiteUpdate update = edit(entries);
-    if (isFull_ && isFull_()) return std::unexpected("the disk is full");
-    for (auto& [key, value] : update.changes) {
-      if (key.empty()) return std::unexpected("a key is empty");
-      if (value) {
-        entries.insert_or_assign(key, value.value());
-      } else {
-        entries.erase(key);
-      }
-    }
-    for (const auto& text : update.appended) {
-      if (text.size() > maximumJournalTextBytes) return std::unexpected("a journal record is too long");
-    }
-    auto next = std::make_shared<const SuiteEntries>(std::move(entries));
-    if (update.clearsJournal) journal_.clear();
-    if (update.settle) settle(journal_, update.settle);
-    for (auto& text : update.appended) {
-      if (journal_.size() >= maximumJournalRecords) {
-        journal_.erase(journal_.begin(), journal_.begin() + journalRecordsDroppedAtOnce);
-      }
-      journal_.push_back({journal_.empty() ? 1 : journal_.back().number + 1, std::move(text), {}});
-    }
-    std::lock_guard lock(snapshotMutex_);
-    snapshot_.swap(next);
-    return {};
-  } catch (const std::exception& error) {
-    return std::unexpected(error.what());
-  } catch (...) {
-    return std::unexpected("unknown exception");
-  }
+std::shared_ptr<MemoryStore> MemoryStore::another(Fault fault) const {
+  return std::shared_ptr<MemoryStore>(new MemoryStore(contents_, std::move(fault)));
 }
 
-std::expected<JournalPage, std::string> MemorySuite::journal(std::int64_t before, std::size_t count) const {
-  std::lock_guard turn(writersMutex_);
-  JournalPage page;
-  for (auto record = journal_.rbegin(); record != journal_.rend() && page.records.size() < count; ++record) {
-    if (record->number < before) page.records.push_back(*record);
-  }
-  return page;
+void MemoryStore::end() {
+  process_->hasEnded = true;
+  std::lock_guard lock(contents_->mutex);
+  std::erase_if(contents_->turns, [this](const auto& turn) { return turn.second.first == process_; });
 }
 
-std::shared_ptr<KeyValueSuite> MemoryStore::open(std::string_view name, Report) {
+std::expected<std::shared_ptr<KeyValueSuite>, std::string> MemoryStore::open(std::string_view name, Report) {
   std::lock_guard lock(mutex_);
   auto& suite = suites_[std::string(name)];
-  if (!suite) suite = std::make_shared<MemorySuite>(isFull_);
+  if (!suite) {
+    std::lock_guard shared(contents_->mutex);
+    auto& content = contents_->suites[std::string(name)];
+    if (!content) content = std::make_shared<MemorySuite::Content>();
+    suite = std::make_shared<MemorySuite>(content, process_);
+  }
   return suite;
+}
+
+std::unique_ptr<StoreTurn> MemoryStore::tryTurn(std::string_view name) {
+  auto turn = std::make_unique<Turn>(contents_, std::string(name));
+  std::unique_lock lock(contents_->mutex);
+  const bool taken =
+      !process_->hasEnded && contents_->turns.try_emplace(std::string(name), process_, turn.get()).second;
+  lock.unlock();  // a turn that was not taken locks when it goes
+  return taken ? std::move(turn) : nullptr;
 }
 
 std::shared_ptr<KeyValueSuite> MemoryStore::standardDefaults() {

@@ -6,9 +6,11 @@
 #include <limits>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "platform/linux/SqliteStore.h"
 #include "platform/memory/MemoryStore.h"
+#include "tests/platform/Signal.h"
 #include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -18,17 +20,20 @@ namespace {
 
 using namespace std::chrono_literals;
 using test::contains;
+using test::Signal;
 
 // A second store shows what a later process finds, where there is such a thing.
 struct OnDisk {
   test::TemporaryFolder folder{test::TemporaryFolder::fastParent()};
-  SqliteStore store{folder.path() / "app"};
-  SqliteStore later{folder.path() / "app"};
+  std::shared_ptr<WorkPool> pool = std::make_shared<WorkPool>("work", 2);
+  SqliteStore store{folder.path() / "app", pool};
+  SqliteStore later{folder.path() / "app", pool};
 };
 
 struct InMemory {
   MemoryStore store;
-  MemoryStore& later = store;
+  std::shared_ptr<MemoryStore> another = store.another();
+  MemoryStore& later = *another;
 };
 
 KeyValueSuite::Edit always(SuiteChanges changes) {
@@ -43,7 +48,7 @@ template <class World>
 class KeyValueSuiteContract : public testing::Test {
  protected:
   World world_;
-  std::shared_ptr<KeyValueSuite> suite_ = world_.store.open("suite", {});
+  std::shared_ptr<KeyValueSuite> suite_ = world_.store.open("suite", {}).value();
 };
 
 }  // namespace
@@ -73,7 +78,7 @@ TYPED_TEST(KeyValueSuiteContract, GivesEveryTypeBackAsWritten) {
   SuiteEntries expected;
   for (const auto& [key, value] : changes) expected.emplace(key, *value);
   EXPECT_EQ(content(*this->suite_), expected);
-  EXPECT_EQ(content(*this->world_.later.open("suite", {})), expected);
+  EXPECT_EQ(content(*this->world_.later.open("suite", {}).value()), expected);
 }
 
 TYPED_TEST(KeyValueSuiteContract, AppliesAllChangesOfAnEditToTheNewestContent) {
@@ -135,7 +140,7 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
   const std::vector<JournalRecord> expected{
       {3, "third", ""}, {2, std::string("a\0b'\n\xff", 6), "sent"}, {1, "first", ""}};
   EXPECT_EQ(journal(*this->suite_), expected);
-  EXPECT_EQ(journal(*this->world_.later.open("suite", {})), expected);
+  EXPECT_EQ(journal(*this->world_.later.open("suite", {}).value()), expected);
   EXPECT_EQ(journal(*this->suite_, 3, 1), std::vector<JournalRecord>{expected[1]});
 
   EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
@@ -168,9 +173,78 @@ TYPED_TEST(KeyValueSuiteContract, JournalLosesItsOldestRecordsFirst) {
   EXPECT_EQ(all->records.back().number, static_cast<std::int64_t>(journalRecordsDroppedAtOnce) + 1);
 }
 
+TYPED_TEST(KeyValueSuiteContract, AReadingIsTheNewestCommitOfAnyProcessWithItsUnsettledRecords) {
+  const auto other = this->world_.later.open("suite", {}).value();
+  ASSERT_TRUE(this->suite_->read()->unsettled.empty());
+  ASSERT_TRUE(other->update([](const SuiteEntries&) { return appending({"first", "second"}, {{"key", true}}); }));
+  const auto reading = this->suite_->read();
+  ASSERT_TRUE(reading);
+  EXPECT_EQ(*reading->entries, (SuiteEntries{{"key", true}})) << "however lately the file was looked at";
+  EXPECT_EQ(reading->unsettled, (std::vector<JournalRecord>{{2, "second", ""}, {1, "first", ""}}));
+  ASSERT_TRUE(other->update([](const SuiteEntries&) {
+    SuiteUpdate update;
+    update.settle = [](const auto&) { return std::vector<std::string>{"", "sent"}; };
+    return update;
+  }));
+  EXPECT_EQ(this->suite_->read()->unsettled, (std::vector<JournalRecord>{{2, "second", ""}}));
+}
+
+TYPED_TEST(KeyValueSuiteContract, TellsThoseWhoObserveOfWhatOthersCommitAndOfNothingElse) {
+  const auto other = this->world_.later.open("suite", {}).value();
+  Signal heard;
+  std::atomic<int> calls = 0;
+  bool showsIt = false;
+  auto faulty = this->suite_->observe([] { throw std::runtime_error("fault of an observer"); });
+  auto subscription = this->suite_->observe([&] {
+    ++calls;
+    showsIt = this->suite_->snapshot()->contains("theirs");
+    heard.set();
+  });
+  ASSERT_TRUE(this->suite_->update(always({{"mine", true}})));
+  ASSERT_TRUE(other->update(always({{"theirs", true}})));
+  ASSERT_TRUE(heard.wait(1s));
+  EXPECT_TRUE(showsIt);
+  EXPECT_EQ(calls, 1);
+  subscription.reset();
+  ASSERT_TRUE(other->update(always({{"more", true}})));
+  Signal later;
+  const auto last = this->suite_->observe([&] { later.set(); });
+  ASSERT_TRUE(other->update(always({{"most", true}})));
+  ASSERT_TRUE(later.wait(1s));
+  EXPECT_EQ(calls, 1) << "a dropped subscription hears nothing";
+}
+
+TYPED_TEST(KeyValueSuiteContract, ASubscriptionCanBeDroppedByItsOwnCall) {
+  const auto other = this->world_.later.open("suite", {}).value();
+  Signal stored, dropped;
+  std::unique_ptr<SuiteSubscription> subscription;
+  subscription = this->suite_->observe([&, captured = std::make_shared<int>(7)] {
+    EXPECT_TRUE(stored.wait());
+    subscription.reset();
+    EXPECT_EQ(*captured, 7);
+    dropped.set();
+  });
+  stored.set();
+  ASSERT_TRUE(other->update(always({{"key", true}})));
+  EXPECT_TRUE(dropped.wait());
+}
+
+TYPED_TEST(KeyValueSuiteContract, ATurnHasOneHolderUntilItIsDropped) {
+  KeyValueStore& store = this->world_.store;
+  KeyValueStore& later = this->world_.later;
+  auto turn = store.tryTurn("upload");
+  ASSERT_TRUE(turn);
+  EXPECT_FALSE(store.tryTurn("upload"));
+  EXPECT_FALSE(later.tryTurn("upload"));
+  EXPECT_TRUE(later.tryTurn("other"));
+  turn.reset();
+  EXPECT_TRUE(later.tryTurn("upload"));
+  EXPECT_TRUE(store.tryTurn("upload")) << "and is free again";
+}
+
 TYPED_TEST(KeyValueSuiteContract, SuitesAreOneObjectANameAndIndependent) {
-  EXPECT_EQ(this->world_.store.open("suite", {}), this->suite_);
-  const auto other = this->world_.store.open("other", {});
+  EXPECT_EQ(this->world_.store.open("suite", {}).value(), this->suite_);
+  const auto other = this->world_.store.open("other", {}).value();
   const auto defaults = this->world_.store.standardDefaults();
   ASSERT_TRUE(other && defaults);
   EXPECT_EQ(this->world_.store.standardDefaults(), defaults);
@@ -203,6 +277,37 @@ TYPED_TEST(KeyValueSuiteContract, ThreadsLoseNoUpdateAndSeeNoHalfOfOne) {
   }
   over = true;
   EXPECT_EQ(this->suite_->snapshot()->at("a"), PropertyValue(std::int64_t{3 * rounds}));
+}
+
+TEST(MemoryStoreTest, FaultsStrikeBeforeOrAfterAnUpdateTookEffect) {
+  auto next = MemoryFault::none;
+  MemoryStore store([&] { return std::exchange(next, MemoryFault::none); });
+  const auto suite = store.open("suite", {}).value();
+  next = MemoryFault::before;
+  EXPECT_FALSE(suite->update(always({{"a", true}})));
+  EXPECT_TRUE(suite->snapshot()->empty());
+  next = MemoryFault::after;
+  EXPECT_FALSE(suite->update(always({{"a", true}})));
+  EXPECT_EQ(content(*suite), (SuiteEntries{{"a", true}}));
+  EXPECT_TRUE(suite->update(always({{"b", true}})));
+}
+
+TEST(MemoryStoreTest, AProcessThatEndedHoldsNoTurnChangesNothingAndHearsNothing) {
+  MemoryStore first;
+  const auto second = first.another();
+  const auto suite = second->open("suite", {}).value();
+  const auto held = second->tryTurn("upload");
+  const auto subscription = suite->observe([] { FAIL() << "it has ended"; });
+  second->end();
+  EXPECT_TRUE(first.tryTurn("upload"));
+  EXPECT_FALSE(second->tryTurn("upload"));
+  EXPECT_FALSE(suite->update(always({{"a", true}})));
+  EXPECT_TRUE(first.open("suite", {}).value()->update(always({{"b", true}})));
+  auto third = first.another();
+  const auto turn = third->tryTurn("upload");
+  EXPECT_FALSE(first.tryTurn("upload"));
+  third.reset();
+  EXPECT_TRUE(first.tryTurn("upload")) << "dropping a store ends its process";
 }
 
 }  // namespace quillon

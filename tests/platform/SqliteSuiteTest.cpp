@@ -1,6 +1,7 @@
 #include "platform/linux/SqliteSuite.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StoredValue.h"
 #include "tests/platform/ChildProcess.h"
+#include "tests/platform/Signal.h"
 #include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -45,7 +47,11 @@ class SqliteSuiteTest : public testing::Test {
  protected:
   // A new store each time, as another process would have.
   std::shared_ptr<KeyValueSuite> open(const std::filesystem::path& folder) {
-    return SqliteStore(folder).open("s", [this](std::string message) { reports_.push_back(std::move(message)); });
+    auto opened =
+        SqliteStore(folder).open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); });
+    if (opened) return *opened;
+    reports_.push_back(opened.error());
+    return nullptr;
   }
   std::shared_ptr<KeyValueSuite> open() { return open(folder_); }
 
@@ -116,10 +122,10 @@ TEST_F(SqliteSuiteTest, FilesAreForThisUserAloneWhateverTheUmask) {
 TEST_F(SqliteSuiteTest, RefusesWhatIsNoFileOfItsOwn) {
   SqliteStore store(folder_);
   for (const std::string name : {"", ".", "..", "../s", "a/b", "/s", ".hidden"}) {
-    EXPECT_EQ(store.open(name, {}), nullptr) << name;
+    EXPECT_FALSE(store.open(name, {})) << name;
   }
-  EXPECT_EQ(store.open(std::string("a\0b", 3), {}), nullptr);
-  EXPECT_EQ(store.open(std::string(300, 'a'), {}), nullptr);
+  EXPECT_FALSE(store.open(std::string("a\0b", 3), {}));
+  EXPECT_FALSE(store.open(std::string(300, 'a'), {}));
 
   ASSERT_TRUE(store.open("other", {}));
   std::filesystem::create_symlink(folder_ / "other.sqlite", file_);
@@ -130,7 +136,7 @@ TEST_F(SqliteSuiteTest, RefusesWhatIsNoFileOfItsOwn) {
   EXPECT_EQ(reports_.size(), 2u) << "both say why";
 
   setFileBytes(temporary_.path() / "file", "");
-  EXPECT_EQ(SqliteStore(temporary_.path() / "file").open("s", {}), nullptr);
+  EXPECT_TRUE(contains(SqliteStore(temporary_.path() / "file").open("s", {}).error(), "file: Not a directory"));
   std::filesystem::create_directory_symlink(folder_, temporary_.path() / "link");
   EXPECT_TRUE(SqliteStore(temporary_.path() / "link").open("other", {})) << "the way to the folder may hold links";
 }
@@ -171,12 +177,78 @@ TEST_F(SqliteSuiteTest, BelievesNothingThatBelongsToAnotherUser) {
     test::ChildProcess child([&](const auto& say) {
       if (::setuid(user) != 0) return say("not permitted");
       std::string reports;
-      const bool opened = SqliteStore(folder).open("s", [&](const std::string& text) { reports += text; }) != nullptr;
-      say((opened ? "opened: " : "refused: ") + reports);
+      const auto opened = SqliteStore(folder).open("s", [&](auto, const std::string& text) { reports += text; });
+      say(opened ? "opened: " + reports : "refused: " + reports + opened.error());
     });
     const std::string said = std::regex_replace(child.finish(), std::regex(folder.string()), "FOLDER");
     EXPECT_TRUE(said.starts_with(row.opens ? "opened: " : "refused: ") && contains(said, row.reported)) << said;
   }
+}
+
+TEST_F(SqliteSuiteTest, ATurnPassesOnWhenItsProcessDiesAndIsGrantedWhereItCannotBeKept) {
+  SqliteStore store(folder_);
+  ASSERT_TRUE(store.open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); }));
+  {
+    test::ChildProcess child([&](const auto& say) {
+      SqliteStore theirs(folder_);
+      const auto turn = theirs.tryTurn("t");
+      say(turn ? "taken" : "refused");
+      ::pause();
+    });
+    ASSERT_EQ(child.hear(), "taken");
+    EXPECT_FALSE(store.tryTurn("t"));
+  }
+  EXPECT_TRUE(store.tryTurn("t"));
+  EXPECT_EQ(modeOf(folder_ / "t.turn"), 0600u);
+  EXPECT_TRUE(reports_.empty());
+  std::filesystem::create_symlink(folder_ / "elsewhere", folder_ / "u.turn");
+  const auto one = store.tryTurn("u");
+  const auto two = store.tryTurn("u");
+  EXPECT_TRUE(one && two);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "elsewhere"));
+  EXPECT_EQ(reports_.size(), 1u);
+  EXPECT_TRUE(reported("Turns among processes cannot be kept: open " + (folder_ / "u.turn").string()));
+}
+
+TEST_F(SqliteSuiteTest, HearsOfCommitsThroughReplacedFilesAndSaysWhenItCannot) {
+  const auto pool = std::make_shared<WorkPool>("work", 2);
+  SqliteStore store(folder_, pool);
+  const auto suite =
+      store.open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); }).value();
+  ASSERT_TRUE(put(*suite, "mine", true));
+  test::Signal heard;
+  auto subscription = suite->observe([&] { heard.set(); });
+  const auto elsewhere = temporary_.path() / "elsewhere";
+  ASSERT_TRUE(put(*open(elsewhere), "theirs", true));
+  std::filesystem::rename(elsewhere / "s.sqlite", file_);
+  ASSERT_TRUE(heard.wait(1s));
+  EXPECT_EQ(listed(*suite), "theirs=true");
+  test::Signal again;
+  subscription = suite->observe([&] { again.set(); });
+  {
+    test::ChildProcess child([&](const auto& say) { say(put(*open(), "more", true) ? "stored" : "failed"); });
+    EXPECT_EQ(child.finish(), "stored");
+  }
+  ASSERT_TRUE(again.wait(1s));
+  EXPECT_EQ(listed(*suite), "more=true theirs=true");
+  EXPECT_TRUE(reports_.empty());
+
+  // Without a descriptor left, whoever looks tells the others.
+  SqliteStore other(folder_, pool);
+  const auto blind =
+      other.open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); }).value();
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{0, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  test::Signal last;
+  const auto blindly = blind->observe([&] { last.set(); });
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_TRUE(reported("is noticed only when it is read: watch " + file_.string() + ": Too many open files"));
+  ASSERT_TRUE(put(*suite, "most", true));
+  const auto deadline = std::chrono::steady_clock::now() + 5s;
+  while (!blind->snapshot()->contains("most")) ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+  EXPECT_TRUE(last.wait(1s));
 }
 
 TEST_F(SqliteSuiteTest, RefusesOversizedValuesAndCommitsNothingForNoChange) {

@@ -110,7 +110,7 @@ void World::startLater(ConsentSDKOptions chosen) {
 
 std::shared_ptr<const SuiteEntries> World::snapshot() {
   if (!sdk) restart();
-  return platform.store->open(key::suiteName, [](const std::string&) {})->snapshot();
+  return platform.store->open(key::suiteName, {}).value()->snapshot();
 }
 
 StoredValues World::stored() {
@@ -120,7 +120,7 @@ StoredValues World::stored() {
 
 void World::store(std::string_view key, PropertyValue value) {
   if (!sdk) restart();
-  const auto suite = platform.store->open(key::suiteName, [](const std::string&) {});
+  const auto suite = platform.store->open(key::suiteName, {}).value();
   const auto done = suite->update([&](const SuiteEntries&) { return SuiteChanges{{std::string(key), value}}; });
   if (!done) throw std::runtime_error(done.error());
 }

@@ -301,10 +301,10 @@ json::object HostSession::settle(const Object&) {
 
 json::object HostSession::store(const Object&) {
   const Platform& platform = device_.platform();
-  const auto suite = platform.store->open(key::suiteName,
-                                          [console = platform.console](std::string damage) { console->write(damage); });
-  if (!suite) return failed("the suite cannot be opened");
-  return {{"ok", true}, {"store", toJson(*suite->snapshot())}};
+  const auto suite = platform.store->open(
+      key::suiteName, [console = platform.console](auto, const std::string& damage) { console->write(damage); });
+  if (!suite) return failed(suite.error());
+  return {{"ok", true}, {"store", toJson(*suite.value()->snapshot())}};
 }
 
 json::object HostSession::removeConsents(const Object&) {

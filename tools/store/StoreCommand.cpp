@@ -141,10 +141,11 @@ std::expected<void, std::string> exportPerson(const StoreOptions& options) {
 std::expected<void, std::string> reset(const StoreOptions& options) {
   const Platform platform = platformOver(options);
   if (const auto file = storeFile(platform); !file) return std::unexpected(file.error());
-  const auto suite = platform.store->open(
-      key::suiteName, [](const std::string& damage) { std::cerr << "quillon-consent store: " << damage << '\n'; });
-  if (!suite) return std::unexpected("the store cannot be opened");
-  return suite->update([](const SuiteEntries& current) {
+  const auto suite = platform.store->open(key::suiteName, [](auto, const std::string& damage) {
+    std::cerr << "quillon-consent store: " << damage << '\n';
+  });
+  if (!suite) return std::unexpected(suite.error());
+  return suite.value()->update([](const SuiteEntries& current) {
     SuiteUpdate update;
     for (const auto& [key, value] : current) update.changes.emplace(key, std::nullopt);
     update.clearsJournal = true;

@@ -29,14 +29,21 @@ UserDefaultManager::~UserDefaultManager() {
 KeyValueSuite& UserDefaultManager::suite() const {
   std::call_once(opened_, [this] {
     // Damage is reported while the suite is at work, and logging reads the suite: the two must not meet on one stack.
-    auto report = [background = platform_.executors->background(), link = reports_](std::string message) {
-      background->post([link, message = std::move(message)] {
+    auto report = [background = platform_.executors->background(), link = reports_](KeyValueStore::ReportLevel kind,
+                                                                                    std::string message) {
+      const auto level = kind == KeyValueStore::ReportLevel::error ? LogLevel::error : LogLevel::info;
+      background->post([link, level, message = std::move(message)] {
         const std::scoped_lock lock(link->mutex);
-        if (link->logger) link->logger->log(escapedForLog(message), LogLevel::error, "suite", sourceFile, __LINE__);
+        if (link->logger) link->logger->log(escapedForLog(message), level, "suite", sourceFile, __LINE__);
       });
     };
-    suite_ = platform_.store->open(key::suiteName, std::move(report));
-    if (!suite_) {
+    auto opened = platform_.store->open(key::suiteName, std::move(report));
+    if (opened) {
+      suite_ = std::move(*opened);
+    } else {
+      // Past the logger, which would ask the suite.
+      platform_.console->write(platform_.clock->localText(platform_.clock->now()) + " [ERROR] " +
+                               escapedForLog(opened.error()));
       platform_.console->fatal("Could not create or access UserDefaults suite: " + std::string(key::suiteName),
                                sourceFile);
     }

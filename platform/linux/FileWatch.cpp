@@ -1,0 +1,102 @@
+#include "platform/linux/FileWatch.h"
+
+#include <sys/inotify.h>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/FileCalls.h"
+#include "platform/parts/Contained.h"
+
+namespace quillon {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto soonest = 10ms;
+constexpr auto latest = 1000ms;
+
+constexpr std::uint32_t folderGone = IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN_UNMOUNT;
+constexpr std::uint32_t changes = IN_MODIFY | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+
+}  // namespace
+
+FileWatch::FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Look look, int descriptor)
+    : loop_(std::move(loop)),
+      file_(std::move(file)),
+      look_(std::move(look)),
+      strand_(boost::asio::make_strand(loop_->context())),
+      events_(strand_, descriptor),
+      again_(strand_) {}
+
+std::expected<std::shared_ptr<FileWatch>, std::string> FileWatch::start(std::shared_ptr<WorkLoop> loop,
+                                                                        std::filesystem::path file, Look look) {
+  FileDescriptor descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  if (!descriptor) return std::unexpected(systemError("watch", file));
+  auto watch = std::make_shared<FileWatch>(std::move(loop), std::move(file), std::move(look), descriptor.get());
+  (void)descriptor.release();
+  if (!watch->addFolder()) return std::unexpected(systemError("watch", watch->file_.parent_path()));
+  boost::asio::post(watch->strand_, [weak = watch->weak_from_this()] {
+    const auto self = weak.lock();
+    if (!self || self->loop_->isClosed()) return;
+    contained([&] {
+      self->waitForEvents();
+      self->look();  // at what changed before
+    });
+  });
+  return watch;
+}
+
+bool FileWatch::addFolder() {
+  return ::inotify_add_watch(events_.native_handle(), file_.parent_path().c_str(),
+                             changes | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR) >= 0;
+}
+
+void FileWatch::waitForEvents() {
+  events_.async_wait(boost::asio::posix::descriptor_base::wait_read, [weak = weak_from_this()](auto error) {
+    const auto self = weak.lock();
+    if (!self || error || self->loop_->isClosed()) return;
+    contained([&] {
+      self->takeEvents();
+      self->waitForEvents();
+    });
+  });
+}
+
+void FileWatch::takeEvents() {
+  const std::string name = file_.filename();
+  const std::string journal = name + "-journal";
+  bool isConcerned = false;
+  alignas(inotify_event) std::array<char, 4096> buffer;
+  for (;;) {
+    const auto count = ::read(events_.native_handle(), buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) break;
+    for (std::size_t at = 0; at < static_cast<std::size_t>(count);) {
+      const auto& event = *reinterpret_cast<const inotify_event*>(&buffer[at]);
+      at += sizeof event + event.len;
+      if ((event.mask & folderGone) != 0) isFolderLost_ = true;
+      const std::string_view changed = event.len > 0 ? event.name : "";
+      if (changed.empty() || changed == name || changed == journal) isConcerned = true;
+    }
+  }
+  if (!isConcerned) return;
+  delay_ = 0ms;
+  again_.cancel();
+  look();
+}
+
+void FileWatch::look() {
+  if (isFolderLost_ && addFolder()) isFolderLost_ = false;
+  if (look_() && !isFolderLost_) return;
+  delay_ = std::clamp<std::chrono::milliseconds>(delay_ * 2, soonest, latest);
+  again_.expires_after(delay_);
+  again_.async_wait([weak = weak_from_this()](auto error) {
+    const auto self = weak.lock();
+    if (self && !error && !self->loop_->isClosed()) contained([&] { self->look(); });
+  });
+}
+
+}  // namespace quillon

@@ -1,0 +1,146 @@
+#include <algorithm>
+#include <deque>
+#include <exception>
+#include <iterator>
+#include <utility>
+
+#include "platform/memory/MemoryContent.h"
+
+namespace quillon {
+
+namespace {
+
+std::vector<JournalRecord> unsettledOf(const std::deque<JournalRecord>& journal) {
+  std::vector<JournalRecord> unsettled;
+  std::copy_if(journal.rbegin(), journal.rend(), std::back_inserter(unsettled),
+               [](const JournalRecord& record) { return record.mark.empty(); });
+  return unsettled;
+}
+
+void settle(std::deque<JournalRecord>& journal, const decltype(SuiteUpdate::settle)& markOf) {
+  const auto unsettled = unsettledOf(journal);
+  const auto marks = markOf(unsettled);
+  for (std::size_t i = 0; i < std::min(marks.size(), unsettled.size()); ++i) {
+    const auto settled = std::ranges::lower_bound(journal, unsettled[i].number, {}, &JournalRecord::number);
+    settled->mark = marks[i];
+  }
+}
+
+void append(std::deque<JournalRecord>& journal, std::vector<std::string> texts) {
+  for (auto& text : texts) {
+    if (journal.size() >= maximumJournalRecords) {
+      journal.erase(journal.begin(), journal.begin() + journalRecordsDroppedAtOnce);
+    }
+    journal.push_back({journal.empty() ? 1 : journal.back().number + 1, std::move(text), {}});
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<const SuiteEntries> MemorySuite::Content::snapshot() const {
+  std::lock_guard lock(snapshotMutex_);
+  return snapshot_;
+}
+
+std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) {
+  std::lock_guard turn(writersMutex_);
+  auto entries = *snapshot();
+  SuiteUpdate update = edit(entries);
+  for (auto& [key, value] : update.changes) {
+    if (key.empty()) return std::unexpected("a key is empty");
+    if (value) {
+      entries.insert_or_assign(key, std::move(*value));
+    } else {
+      entries.erase(key);
+    }
+  }
+  for (const auto& text : update.appended) {
+    if (text.size() > maximumJournalTextBytes) return std::unexpected("a journal record is too long");
+  }
+  auto next = std::make_shared<const SuiteEntries>(std::move(entries));
+  if (update.clearsJournal) journal_.clear();
+  if (update.settle) settle(journal_, update.settle);
+  append(journal_, std::move(update.appended));
+  std::lock_guard lock(snapshotMutex_);
+  snapshot_.swap(next);
+  return {};
+}
+
+JournalPage MemorySuite::Content::journal(std::int64_t before, std::size_t count) const {
+  std::lock_guard turn(writersMutex_);
+  JournalPage page;
+  for (auto record = journal_.rbegin(); record != journal_.rend() && page.records.size() < count; ++record) {
+    if (record->number < before) page.records.push_back(*record);
+  }
+  return page;
+}
+
+SuiteReading MemorySuite::Content::read() const {
+  std::lock_guard turn(writersMutex_);
+  return {snapshot(), unsettledOf(journal_)};
+}
+
+void MemorySuite::Content::add(std::shared_ptr<Process> process, std::weak_ptr<SuiteObservers> observers) {
+  std::lock_guard lock(viewersMutex_);
+  std::erase_if(viewers_, [](const Viewer& viewer) { return viewer.observers.expired(); });
+  viewers_.push_back({std::move(process), std::move(observers)});
+}
+
+void MemorySuite::Content::tellAllBut(const SuiteObservers& writer) const {
+  std::vector<std::shared_ptr<SuiteObservers>> told;
+  {
+    std::lock_guard lock(viewersMutex_);
+    for (const auto& [process, known] : viewers_) {
+      if (const auto observers = known.lock(); observers && observers.get() != &writer && !process->hasEnded) {
+        told.push_back(observers);
+      }
+    }
+  }
+  for (const auto& observers : told) observers->tell();
+}
+
+MemorySuite::MemorySuite() : MemorySuite(std::make_shared<Content>(), std::make_shared<Process>()) {}
+
+MemorySuite::MemorySuite(std::shared_ptr<Content> content, std::shared_ptr<Process> process)
+    : content_(std::move(content)), process_(std::move(process)), observers_(std::make_shared<SuiteObservers>()) {
+  content_->add(process_, observers_);
+}
+
+std::shared_ptr<const SuiteEntries> MemorySuite::snapshot() const {
+  return content_->snapshot();
+}
+
+std::expected<void, std::string> MemorySuite::update(const Edit& edit) {
+  try {
+    if (process_->hasEnded) return std::unexpected("the process has ended");
+    const auto fault = process_->fault ? process_->fault() : MemoryFault::none;
+    // The edit is called all the same, as on a disk that turns out to be full when there is something to write.
+    if (fault == MemoryFault::before) {
+      static_cast<void>(edit(*snapshot()));
+      return std::unexpected("the disk is full");
+    }
+    auto done = content_->update(edit);
+    if (!done) return done;
+    content_->tellAllBut(*observers_);
+    if (fault == MemoryFault::after) return std::unexpected("the process ended before it heard of the update");
+    return done;
+  } catch (const std::exception& error) {
+    return std::unexpected(error.what());
+  } catch (...) {
+    return std::unexpected("unknown exception");
+  }
+}
+
+std::expected<JournalPage, std::string> MemorySuite::journal(std::int64_t before, std::size_t count) const {
+  return content_->journal(before, count);
+}
+
+std::expected<SuiteReading, std::string> MemorySuite::read() const {
+  return content_->read();
+}
+
+std::unique_ptr<SuiteSubscription> MemorySuite::observe(std::function<void()> changed) {
+  return observers_->add(std::move(changed));
+}
+
+}  // namespace quillon
