@@ -3,8 +3,9 @@
 #include <stdexcept>
 #include <utility>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Json/Codec.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Persistance/UserDefaults/StoredValues.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/memory/MemoryConsole.h"
 #include "platform/memory/ScriptedHttpSession.h"
@@ -40,6 +41,7 @@ void Device::launch() {
     const bool isUpload = request.body.has_value();
     return HttpResponse{request.url, isUpload ? 503 : 200, {}, isUpload ? std::string() : configuration_};
   });
+  store_ = platform.store;
   sdk_ = std::make_unique<ConsentSDK>(std::move(platform));
 }
 
@@ -50,10 +52,13 @@ void Device::setUp() {
 }
 
 void Device::decide(int purposes) {
-  const bool stored = core().store.transact([&](StoreTransaction& transaction) {
+  const auto suite = store_->open(key::suiteName, {}).value();
+  const auto stored = suite->update([&](const SuiteEntries& current) {
+    StoreTransaction transaction(current);
     for (int id = 1; id <= purposes; ++id) {
       transaction.set(PurposeKey(id), std::string(rawValue(ConsentStatus::granted)));
     }
+    return transaction.take();
   });
   if (!stored) throw std::runtime_error("the decisions were not stored");
 }

@@ -38,7 +38,7 @@ class Device {
   void decide(int purposes);
 
   ConsentSDK& sdk() { return *sdk_; }
-  ConsentSDK::Core& core() { return *sdk_->core(); }
+  ScreenServices& screens() { return *sdk_->screens(); }
   static ConsentSDKOptions options();
 
  private:
@@ -50,6 +50,7 @@ class Device {
   std::shared_ptr<Clock> clock_;  // null: the machine's
   std::shared_ptr<ScreenPresenter> screens_;
   MainQueuePost post_;
+  std::shared_ptr<KeyValueStore> store_;
   std::unique_ptr<ConsentSDK> sdk_;
 };
 

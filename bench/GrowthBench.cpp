@@ -6,7 +6,6 @@
 #include <string>
 
 #include "bench/Device.h"
-#include "core/ConsentSDK/ConsentSDKCore.h"
 
 namespace quillon::bench {
 namespace {
@@ -21,7 +20,7 @@ void run(Device& device, Operation operation, int purposes, bool granted) {
     case Operation::save: {
       std::map<std::int64_t, bool> choices;
       for (int id = 1; id <= purposes; ++id) choices.emplace(id, granted);
-      device.core().tasks->start([&]() -> Task<void> { co_await device.core().savePreferences(std::move(choices)); });
+      device.screens().save(choices);
       device.sdk().settled().wait();
       break;
     }

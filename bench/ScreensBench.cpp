@@ -140,7 +140,7 @@ struct Screens {
 };
 
 void presentBanner(Screens& screens) {
-  screens.presenter->presentBanner(screens.device.sdk().core());
+  screens.presenter->presentBanner(screens.device.sdk().screens());
 }
 void presentPreferenceCenter(Screens& screens) {
   screens.device.sdk().presentPreferenceCenter();

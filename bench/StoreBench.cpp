@@ -7,7 +7,6 @@
 #include "bench/Device.h"
 #include "bench/Expectation.h"
 #include "bench/OtherStores.h"
-#include "core/ConsentSDK/ConsentSDKCore.h"
 
 namespace quillon::bench {
 namespace {
@@ -53,9 +52,7 @@ void saveChoices(benchmark::State& state) {
     granted = !granted;
     std::map<std::int64_t, bool> choices;
     for (int id = 1; id <= manyChanges; ++id) choices.emplace(id, granted);
-    device.core().tasks->start([&]() -> Task<void> {
-      if (!co_await device.core().savePreferences(std::move(choices))) state.SkipWithError("not stored");
-    });
+    if (!device.screens().save(choices)) state.SkipWithError("not stored");
     device.sdk().settled().wait();
   }
 }

@@ -66,10 +66,24 @@ struct SuiteUpdate {
 
   SuiteChanges changes;
   bool clearsJournal = false;  // before anything is appended
-  // Receives the records without a mark, newest first, and answers the mark of each in the same order; an empty or
-  // missing one leaves it as it is. May be called more than once; must not call back into the suite.
-  std::function<std::vector<std::string>(const std::vector<JournalRecord>& unsettled)> settle = {};
+  // Receives the records without a mark, newest first, of the same moment as the entries that the edit saw, and adds to
+  // the update: marks of records, by number, and further changes. May be called more than once; must not call back into
+  // the suite.
+  struct Settlement {
+    std::map<std::int64_t, std::string> marks = {};
+    SuiteChanges changes = {};
+  };
+  std::function<Settlement(const std::vector<JournalRecord>& unsettled)> settle = {};
+  std::map<std::int64_t, std::string> marks = {};
   std::vector<std::string> appended = {};  // texts, in this order
+
+  // For suites: asks `settle` and takes what it answers into the update.
+  void complete(const std::vector<JournalRecord>& unsettled) {
+    if (!settle) return;
+    Settlement settlement = settle(unsettled);
+    marks.merge(settlement.marks);
+    for (auto& [key, value] : settlement.changes) changes.insert_or_assign(key, std::move(value));
+  }
 };
 
 // One consistent look at the newest commit of any process.

@@ -17,6 +17,7 @@
 #include "platform/Locale.h"
 #include "platform/NetworkPathMonitor.h"
 #include "platform/PermissionSources.h"
+#include "platform/RandomSource.h"
 #include "platform/ScreenPresenter.h"
 
 namespace quillon {
@@ -33,6 +34,7 @@ struct Platform {
   std::shared_ptr<AppTracking> tracking;
   std::shared_ptr<PermissionSources> permissions;
   std::shared_ptr<HostApplication> host;
+  std::shared_ptr<RandomSource> random;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is linked
 

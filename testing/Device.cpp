@@ -12,8 +12,9 @@
 #include "platform/memory/MemoryConsole.h"
 #include "platform/memory/MemoryFileSystem.h"
 #include "platform/memory/MemoryStore.h"
-#include "platform/memory/NotingPresenter.h"
+#include "platform/memory/RecordingPresenter.h"
 #include "platform/memory/ScriptedHttpSession.h"
+#include "platform/memory/SeededRandom.h"
 #include "platform/memory/SettablePermissionSources.h"
 #include "platform/memory/StaticNetworkPath.h"
 #include "platform/memory/VirtualClock.h"
@@ -66,6 +67,7 @@ class Device::World {
     platform.tracking = std::make_shared<FixedAppTracking>();
     platform.permissions = permissions;
     platform.host = std::make_shared<FixedHostApplication>();
+    platform.random = random;
     platform.consentSink = consentSink;
     platform.screens = screens;
     platform.vendorUrl = DeviceServers::address;
@@ -79,9 +81,10 @@ class Device::World {
   const std::shared_ptr<DeviceServers> servers = std::make_shared<DeviceServers>();
   const std::shared_ptr<StaticNetworkPath> network = std::make_shared<StaticNetworkPath>();
   const std::shared_ptr<SettablePermissionSources> permissions = std::make_shared<SettablePermissionSources>();
-  const std::shared_ptr<NotingPresenter> screens = std::make_shared<NotingPresenter>();
+  const std::shared_ptr<RecordingPresenter> screens = std::make_shared<RecordingPresenter>();
   const std::shared_ptr<NotingConsentSink> consentSink = std::make_shared<NotingConsentSink>();
   const std::shared_ptr<std::atomic<bool>> isDiskFull = std::make_shared<std::atomic<bool>>(false);
+  const std::shared_ptr<SeededRandom> random = std::make_shared<SeededRandom>();
   const std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>(
       [isDiskFull = isDiskFull] { return *isDiskFull ? MemoryFault::before : MemoryFault::none; });
   std::mutex mutex;  // guards the member below

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Text/LocalizedTexts.h"
+#include "platform/ScreenServices.h"
 #include "quillon/ConsentSDK.h"
 #include "quillon/LinuxPlatform.h"
 
@@ -101,7 +101,7 @@ ConsentSDK& sdk() {
 }
 
 std::string inUsersLanguage(const std::optional<LocalizedText>& texts) {
-  return texts ? textIn(sdk().core()->locale.currentLanguageCode(), *texts) : std::string();
+  return texts ? textIn(sdk().screens()->language(), *texts) : std::string();
 }
 
 // Records that grow at their end are handed over one by one: an array of them would change its stride.
@@ -230,6 +230,14 @@ char* quillon_sdk_version(void) {
 
 void quillon_free(char* text) {
   std::free(text);
+}
+
+int32_t quillon_is_purpose_allowed(int64_t purpose_id) {
+  return guarded([&] { return sdk().isAllowed(purpose_id) ? 1 : 0; });
+}
+
+int32_t quillon_is_permission_allowed(const char* key) {
+  return guarded([&] { return key != nullptr && sdk().isAllowed(VantariKey(std::string(key))) ? 1 : 0; });
 }
 
 quillon_consent quillon_get_purpose(int64_t purpose_id) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "core/Text/LocalizedTexts.h"
+#include "core/Text/Ascii.h"
 
 namespace quillon {
 namespace {
@@ -50,25 +50,14 @@ bool dependsOnLocation(const MainConfiguration& configuration) {
          !consentMode->regionOverrides->empty();
 }
 
-LocationCode locationCode(const CurrentLocationResponse::Place& place, std::string_view language) {
-  LocationCode code;
-  code.country = textIn(language, place.countryISOCode);
-  const std::string state = textIn(language, place.stateISOCode);
-  code.location = state.empty() ? code.country : code.country + "#" + state;
-  return code;
-}
-
 std::optional<std::int64_t> bannerIntervalMonths(std::string_view text) noexcept {
   std::int64_t count = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
   const std::string_view rest(end, static_cast<std::size_t>(text.data() + text.size() - end));
   if (error != std::errc() || count < 0 || count > longestCount || !rest.starts_with(' ')) return std::nullopt;
-  const auto reads = [&](std::string_view unit) {
-    return std::ranges::equal(rest.substr(1), unit, {},
-                              [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
-  };
-  if (reads("month")) return count;
-  if (reads("year")) return count * monthsOfYear;
+  const std::string_view unit = rest.substr(1);
+  if (equalButForCase(unit, "month")) return count;
+  if (equalButForCase(unit, "year")) return count * monthsOfYear;
   return std::nullopt;
 }
 

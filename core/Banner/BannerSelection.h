@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "core/Network/Responses.h"
 #include "quillon/MainConfiguration.h"
 
 namespace quillon {
@@ -19,13 +18,6 @@ namespace quillon {
 
 // Whether knowing the location could change anything.
 [[nodiscard]] bool dependsOnLocation(const MainConfiguration& configuration);
-
-// The location code that a place amounts to, read in the given language: country, "#" and state, or the country alone.
-struct LocationCode {
-  std::string country;
-  std::string location;
-};
-[[nodiscard]] LocationCode locationCode(const CurrentLocationResponse::Place& place, std::string_view language);
 
 // The months of an interval text: a count, one blank and "month" or "year" in any case; nothing when it is not that.
 [[nodiscard]] std::optional<std::int64_t> bannerIntervalMonths(std::string_view text) noexcept;

@@ -15,14 +15,14 @@ BannerState bannerState(const StoredValues& stored, const Clock& clock) {
   // Within what the clock can count from.
   constexpr std::int64_t farAway = 1'000'000'000'000;
   const std::int64_t shown = std::clamp(stored.integer(key::bannerShownDate, now), -farAway, farAway);
-  const std::string given = stored.consentGivenType();
+  const GivenType given = stored.consentGivenType();
 
   BannerState state{};
-  state.promotesDefaults = given == givenType::implicitly && shown != now;
+  state.promotesDefaults = given == GivenType::implicitly && shown != now;
   const auto interval = stored.string(key::bannerInterval, defaultBannerInterval);
   state.expires = wholeSeconds(clock.addMonths(WallTime(std::chrono::seconds(shown)),
                                                bannerIntervalMonths(interval).value_or(defaultBannerMonths)));
-  const bool isAnswered = given == givenType::explicitly || state.promotesDefaults;
+  const bool isAnswered = given == GivenType::explicitly || state.promotesDefaults;
   if (stored.boolean(key::isBannerPresent)) {
     state.reason = BannerReason::onScreen;
   } else if (isAnswered) {

@@ -1,4 +1,4 @@
-// When it is the banner's turn: the one rule by which it is shown, and explained.
+// When the banner is due: the one rule by which it is shown, and explained.
 #pragma once
 
 #include "core/Persistance/UserDefaults/StoredValues.h"
@@ -8,7 +8,8 @@
 namespace quillon {
 
 struct BannerState {
-  BannerReason reason;   // but for reconsent, which is a way of being unanswered
+  // Never `reconsent`: explainBanner() tells that from `unanswered`. Never `noConfiguration`, which only callers know.
+  BannerReason reason;
   std::int64_t expires;  // whole seconds since 1970
   // Who has seen the banner before and said nothing has agreed to the defaults: they count as explicit from now on.
   bool promotesDefaults;
@@ -17,5 +18,9 @@ struct BannerState {
 };
 
 [[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock);
+
+// The state in words. `hasDecisions`: a purpose has been decided about before.
+[[nodiscard]] BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration,
+                                              bool hasDecisions);
 
 }  // namespace quillon

@@ -4,6 +4,7 @@
 #include "core/Json/Codec.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Text/Ascii.h"
 
 namespace quillon {
 namespace {
@@ -13,14 +14,13 @@ constexpr std::size_t maximumFileBytes = std::size_t{32} << 20;
 
 std::string fileUrl(const std::filesystem::path& file) {
   constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
-  constexpr std::string_view hexDigits = "0123456789ABCDEF";
   std::string url = "file://";
   for (const char c : file.string()) {
     if (plain.find(c) != std::string_view::npos) {
       url += c;
     } else {
-      const auto byte = static_cast<unsigned char>(c);
-      url.append("%").append(1, hexDigits[byte >> 4]).append(1, hexDigits[byte & 15]);
+      url += '%';
+      appendHex(url, c, upperHexDigits);
     }
   }
   return url;
@@ -64,14 +64,10 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
   return nullptr;
 }
 
-ConfigurationPointer ConfigurationCache::current() {
-  auto cached = readCDNFile(true);
-  return cached ? cached : bundled();
-}
-
-void ConfigurationCache::setBundled(std::optional<std::string> resource) {
+void ConfigurationCache::setBundled(std::optional<std::string> resource, std::string language) {
   const std::scoped_lock lock(bundledMutex_);
   bundledResource_ = std::move(resource);
+  bundledLanguage_ = std::move(language);
   isBundledRead_ = false;
   bundled_.reset();
 }
@@ -90,7 +86,7 @@ ConfigurationPointer ConfigurationCache::readBundled(std::string_view resource) 
   constexpr std::string_view extension = "json";
   if (resource.ends_with(".json")) resource.remove_suffix(extension.size() + 1);
   const UnitLog log(logger_, sourceFile);
-  std::string name = std::string(resource) + "_" + locale_.currentLanguageCode();
+  std::string name = std::string(resource) + "_" + bundledLanguage_;
   auto document = platform_.host->resource(name, extension);
   if (!document) document = platform_.host->resource(name = resource, extension);
   name = escapedForLog(name) + "." + std::string(extension);
@@ -104,13 +100,15 @@ ConfigurationPointer ConfigurationCache::readBundled(std::string_view resource) 
   return nullptr;
 }
 
-void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::string_view name) {
+void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::string_view name, const Origin& origin,
+                                       const std::function<bool()>& isWanted) {
   constexpr std::string_view function = "saveCDNToFile(config:fileName:)";
   const UnitLog log(logger_, sourceFile);
   FileSystem& files = *platform_.files;
   const auto folder = files.applicationSupportDirectory();
   if (!folder) return;
   const std::scoped_lock lock(mutex_);
+  if (!isWanted()) return;
   if (const auto made = files.createDirectories(*folder); !made) {
     log(LogLevel::error,
         "Error creating Application Support directory for Quillon Consent SDK: " + escapedForLog(made.error()),
@@ -121,6 +119,7 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
   const auto target = *folder / name;
   const auto backup = *folder / backupName;
   if (files.stamp(target)) {
+    if (files.stamp(backup)) removeCDNFile(files, backup);  // of a save that was cut short after it had written
     if (const auto moved = files.move(target, backup); moved) {
       log(LogLevel::info, "Backup created: " + escapedForLog(backup.string()), function);
     } else {
@@ -143,9 +142,10 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
   store_.transact([&](StoreTransaction& transaction) {
     transaction.set(key::cdnFileLocation, fileUrl(target));
     transaction.set(key::cdnCachedTimestamp, wholeSeconds(platform_.clock->now()));
-    transaction.set(key::languageCode, locale_.currentLanguageCode());
-    if (const auto tag = transaction.string(key::etag)) {
-      transaction.set(key::cdnEtag, *tag);
+    transaction.set(key::languageCode, origin.language);
+    transaction.set(key::cdnAddress, origin.address);
+    if (origin.etag) {
+      transaction.set(key::cdnEtag, *origin.etag);
     } else {
       transaction.remove(key::cdnEtag);
     }

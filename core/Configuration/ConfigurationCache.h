@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -9,7 +10,6 @@
 #include <string_view>
 
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
-#include "core/Text/LocaleUtils.h"
 #include "platform/Platform.h"
 #include "quillon/MainConfiguration.h"
 
@@ -24,9 +24,16 @@ class ConfigurationCache {
   static constexpr std::string_view fileName = "quillon-sdk-cdn.json";
   static constexpr std::string_view backupName = "quillon-sdk-cdn-backup.json";
 
+  // Where a document comes from.
+  struct Origin {
+    std::string address;   // that was asked first, before any fall-back
+    std::string language;  // that was asked for
+    std::optional<std::string> etag;
+  };
+
   // All must outlive it.
-  ConfigurationCache(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, const LocaleUtils& locale)
-      : platform_(platform), store_(store), logger_(logger), locale_(locale) {}
+  ConfigurationCache(const Platform& platform, UserDefaultManager& store, SDKLogger& logger)
+      : platform_(platform), store_(store), logger_(logger) {}
 
   // The cached configuration; null when there is none that can be read. Decoded again only after the file changed.
   // isCache: a silent probe, which logs no failure.
@@ -36,14 +43,13 @@ class ConfigurationCache {
   // common one. Null when there is none, when it cannot be read (which is logged once), and when a newer one was
   // applied before.
   ConfigurationPointer bundled();
-  void setBundled(std::optional<std::string> resource);
+  void setBundled(std::optional<std::string> resource, std::string language);
 
-  // The configuration in force: the cached one, else the bundled one.
-  ConfigurationPointer current();
-
-  // Writes the file, keeping the earlier one as a backup until the new one is safe, and remembers when, where and in
-  // which language. On failure the earlier file is back in place.
-  void saveCDNToFile(const MainConfiguration& config, std::string_view fileName);
+  // Writes the file, keeping the earlier one as a backup until the new one is safe, and remembers when and where it was
+  // saved and where it comes from. On failure the earlier file is back in place. Does nothing when the document is not
+  // wanted any more once it is its turn to be written.
+  void saveCDNToFile(const MainConfiguration& config, std::string_view fileName, const Origin& origin,
+                     const std::function<bool()>& isWanted);
 
   // Removes the cached file. The caller drops the entity tag.
   void reset();
@@ -55,7 +61,6 @@ class ConfigurationCache {
   const Platform& platform_;
   UserDefaultManager& store_;
   SDKLogger& logger_;
-  const LocaleUtils& locale_;
 
   std::mutex mutex_;  // held during file operations; guards the members below
   std::optional<FileStamp> stamp_;
@@ -63,6 +68,7 @@ class ConfigurationCache {
 
   std::mutex bundledMutex_;  // held while the resource is read; guards the members below
   std::optional<std::string> bundledResource_;
+  std::string bundledLanguage_;
   bool isBundledRead_ = false;
   ConfigurationPointer bundled_;
 };

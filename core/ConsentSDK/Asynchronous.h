@@ -6,14 +6,21 @@
 #include <memory>
 #include <utility>
 
-#include "core/Tasks/Task.h"
+#include "core/ConsentSDK/Work.h"
 
 namespace quillon {
 
-// The promise behind a future of the public interface: kept with an empty result when the work behind it is dropped.
+// The promise behind a future of the public interface: kept with `dropped` when the work behind it is dropped.
 template <class T>
 class Promise {
  public:
+  explicit Promise(T dropped) : dropped_(std::move(dropped)) {}
+  ~Promise() {
+    if (!kept_) promise_.set_value(std::move(dropped_));
+  }
+  Promise(const Promise&) = delete;
+  Promise& operator=(const Promise&) = delete;
+
   std::future<T> future() { return promise_.get_future(); }
 
   void keep(T value) {
@@ -21,70 +28,50 @@ class Promise {
     kept_ = true;
   }
 
-  ~Promise() {
-    if (!kept_) promise_.set_value(T());
-  }
-
  private:
   std::promise<T> promise_;
+  T dropped_;
   bool kept_ = false;
 };
 
-template <>
-class Promise<void> {
- public:
-  std::future<void> future() { return promise_.get_future(); }
-  ~Promise() { promise_.set_value(); }
-
- private:
-  std::promise<void> promise_;
-};
-
 template <class T>
-struct Asynchronous {
-  using Work = std::move_only_function<Task<T>()>;
+using Background = std::move_only_function<Task<T>()>;
 
-  // Starts the work and answers on the main queue.
-  template <class Core>
-  static void callback(const std::shared_ptr<Core>& core, std::function<void(T)> answer, Work work) {
-    core->tasks->start([core, answer = std::move(answer), work = std::move(work)]() mutable -> Task<void> {
-      T value = co_await work();
-      if (answer)
-        core->onMain([answer = std::move(answer), value = std::move(value)]() mutable { answer(std::move(value)); });
-    });
-  }
+// Runs the work and answers on the main queue; not at all when the work is dropped.
+template <class T>
+void answerLater(Work& work, std::function<void(T)> answer, Background<T> background) {
+  work.start([&work, answer = std::move(answer), background = std::move(background)]() mutable -> Task<void> {
+    T value = co_await background();
+    if (!answer) co_return;
+    work.onMain([answer = std::move(answer), value = std::move(value)]() mutable { answer(std::move(value)); });
+  });
+}
 
-  template <class Core>
-  static std::future<T> future(const std::shared_ptr<Core>& core, Work work) {
-    auto promise = std::make_shared<Promise<T>>();
-    auto future = promise->future();
-    core->tasks->start([core, promise = std::move(promise), work = std::move(work)]() mutable -> Task<void> {
-      promise->keep(co_await work());
-    });
-    return future;
-  }
-};
+inline void answerLater(Work& work, std::function<void()> done, Background<void> background) {
+  work.start([&work, done = std::move(done), background = std::move(background)]() mutable -> Task<void> {
+    co_await background();
+    if (done) work.onMain([done = std::move(done)] { done(); });
+  });
+}
 
-template <>
-struct Asynchronous<void> {
-  using Work = std::move_only_function<Task<void>()>;
+// Runs the work; the future holds `dropped` when the work is dropped.
+template <class T>
+std::future<T> futureOf(Work& work, Background<T> background, T dropped) {
+  const auto promise = std::make_shared<Promise<T>>(std::move(dropped));
+  auto future = promise->future();
+  work.start(
+      [promise, background = std::move(background)]() mutable -> Task<void> { promise->keep(co_await background()); });
+  return future;
+}
 
-  template <class Core>
-  static void callback(const std::shared_ptr<Core>& core, std::function<void()> done, Work work) {
-    core->tasks->start([core, done = std::move(done), work = std::move(work)]() mutable -> Task<void> {
-      co_await work();
-      if (done) core->onMain([done = std::move(done)] { done(); });
-    });
-  }
-
-  template <class Core>
-  static std::future<void> future(const std::shared_ptr<Core>& core, Work work) {
-    auto promise = std::make_shared<Promise<void>>();
-    auto future = promise->future();
-    core->tasks->start(
-        [core, promise = std::move(promise), work = std::move(work)]() mutable -> Task<void> { co_await work(); });
-    return future;
-  }
-};
+inline std::future<void> futureOf(Work& work, Background<void> background) {
+  const std::shared_ptr<std::promise<void>> promise(new std::promise<void>, [](std::promise<void>* kept) {
+    kept->set_value();
+    delete kept;
+  });
+  auto future = promise->get_future();
+  work.start([promise, background = std::move(background)]() mutable -> Task<void> { co_await background(); });
+  return future;
+}
 
 }  // namespace quillon

@@ -1,6 +1,8 @@
-// The road of a configuration: from the cache or the network to the stored consents.
+// Loading a configuration: cache, download, apply.
+#include <atomic>
+
 #include "core/Banner/BannerSelection.h"
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/ConsentSDK/ConfigurationLoader.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
@@ -18,75 +20,162 @@ bool isNotModified(const RequestFailure& failure) {
 
 }  // namespace
 
-Task<ConsentSDK::Core::Loaded> ConsentSDK::Core::getCDNFile() {
-  ConfigurationPointer configuration = cache.readCDNFile(true);
-  const std::int64_t timestamp = configuration ? store.getInt64(key::cdnCachedTimestamp, now()) : 0;
-  // Nothing was saved in the future: a clock that was put back says nothing about the age.
-  const bool isFresh = configuration && timestamp != 0 && timestamp <= now() && timestamp > now() - staleSeconds;
-  if (!isFresh) {
-    sdkListener.setReady(SDKStatus::fetching);
-    configuration = co_await download(std::move(configuration));
+// A load under way.
+struct ConfigurationLoader::Flight {
+  explicit Flight(SessionPointer of) : session(std::move(of)) {}
+
+  const SessionPointer session;
+  TaskEvent over;
+  Loaded loaded;  // written before the signal, read after it
+  std::atomic<bool> isOver = false;
+};
+
+// A cached document as far as it may serve a session.
+struct ConfigurationLoader::Served {
+  ConfigurationPointer configuration;  // null when it may not
+  bool isAskedFor = false;             // it is the very document that the session asks for
+};
+
+ConfigurationLoader::ConfigurationLoader(Services services)
+    : s_(services), cache_(services.platform, services.store, services.logger) {}
+
+std::shared_ptr<ConfigurationLoader::Flight> ConfigurationLoader::joinFlight(const SessionPointer& session,
+                                                                             bool& isOwn) {
+  const std::scoped_lock lock(mutex_);
+  isOwn = !flight_ || flight_->session->generation != session->generation;
+  if (isOwn) flight_ = std::make_shared<Flight>(session);
+  return flight_;
+}
+
+Task<ConfigurationLoader::Loaded> ConfigurationLoader::load() {
+  for (;;) {
+    const auto session = s_.sessions.current();
+    if (!session) co_return Loaded{};
+    bool isOwn = false;
+    const auto flight = joinFlight(session, isOwn);
+    if (isOwn) {
+      // Also when the task is dropped, or fails.
+      const std::shared_ptr<void> end(nullptr, [this, flight](void*) {
+        {
+          const std::scoped_lock lock(mutex_);
+          if (flight_ == flight) flight_.reset();
+        }
+        flight->isOver = true;
+        flight->over.signal();
+      });
+      flight->loaded = co_await run(session, flight);
+    } else {
+      co_await flight->over.wait();
+    }
+    if (s_.sessions.isCurrent(*session)) co_return flight->loaded;
   }
-  if (!configuration) configuration = cache.bundled();
+}
+
+Task<ConfigurationLoader::Loaded> ConfigurationLoader::run(SessionPointer session, std::shared_ptr<Flight> flight) {
+  const Served cached = served(session, cache_.readCDNFile(true));
+  ConfigurationPointer configuration = cached.configuration;
+  if (!isFresh(cached)) {
+    setReady(session, SDKStatus::fetching);
+    const auto timer = serveAfter(session, flight, configuration);
+    configuration = co_await download(session, std::move(configuration));
+  }
+  if (!configuration) configuration = cache_.bundled();
   Loaded loaded{configuration};
-  if (configuration) loaded.changed = co_await apply(configuration);
-  sdkListener.setReady(configuration ? SDKStatus::ready : SDKStatus::unavailable);
+  if (configuration) {
+    const auto changed = co_await apply(session, configuration, [] { return true; });
+    if (!changed) co_return Loaded{};
+    loaded.changed = *changed;
+  }
+  flight->isOver = true;
+  setReady(session, configuration ? SDKStatus::ready : SDKStatus::unavailable);
   co_return loaded;
 }
 
-Task<ConfigurationPointer> ConsentSDK::Core::download(ConfigurationPointer probe) {
-  const UnitLog log(logger, sourceFile);
-  const auto options = currentOptions();
-  if (!options) {
-    log(LogLevel::error, "Failed to fetch CDN File", function);
-    co_return probe;
+std::unique_ptr<Timer> ConfigurationLoader::serveAfter(SessionPointer session, std::shared_ptr<Flight> flight,
+                                                       ConfigurationPointer cached) {
+  const auto& limit = session->options.readyWithin;
+  if (!limit || inForce()) return nullptr;
+  return s_.platform.clock->after(*limit, s_.work.whileAlive([this, session, flight, cached] {
+    s_.work.start([this, session, flight, cached]() mutable -> Task<void> {
+      const ConfigurationPointer substitute = cached ? cached : cache_.bundled();
+      const auto isWanted = [flight] { return !flight->isOver; };
+      if (substitute && !co_await apply(session, substitute, isWanted)) co_return;
+      if (!flight->isOver) setReady(session, substitute ? SDKStatus::ready : SDKStatus::unavailable);
+    });
+  }));
+}
+
+bool ConfigurationLoader::isFresh(const Served& cached) {
+  if (!cached.configuration || !cached.isAskedFor) return false;
+  const std::int64_t now = wholeSeconds(s_.platform.clock->now());
+  constexpr std::int64_t never = -1;
+  const std::int64_t saved = s_.store.getInt64(key::cdnCachedTimestamp, never);
+  if (saved == never) {
+    // A document of unknown age counts as new, once: from here on it grows old like any other.
+    s_.store.set(key::cdnCachedTimestamp, now);
+    return true;
   }
+  // Nothing was saved in the future: a clock that was put back says nothing about the age.
+  return saved != 0 && saved <= now && saved > now - staleSeconds;
+}
+
+ConfigurationLoader::Served ConfigurationLoader::served(const SessionPointer& session,
+                                                        ConfigurationPointer cached) const {
+  if (!cached || !session) return {std::move(cached)};
+  const auto entries = s_.store.snapshot();
+  const StoredValues stored(*entries);
+  const auto address = stored.string(key::cdnAddress);
+  if (!address || *address == session->configurationAddress()) return {std::move(cached), true};
+  // Consents for another application's purposes would go out under this one's name.
+  if (!stored.isDecidedByNoOther(session->options.appId)) return {};
+  return {std::move(cached)};
+}
+
+Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session, ConfigurationPointer cached) {
+  const UnitLog log(s_.logger, sourceFile);
   for (;;) {
-    const auto entries = store.snapshot();
-    const auto sentTag = StoredValues(*entries).string(key::etag);
-    const auto cachedTag = StoredValues(*entries).string(key::cdnEtag);
-    auto downloaded = co_await getCDN(*options);
+    const auto entries = s_.store.snapshot();
+    const StoredValues stored(*entries);
+    const auto sentTag = stored.string(key::etag);
+    const auto cachedTag = stored.string(key::cdnEtag);
+    auto downloaded = co_await s_.server.getCDN(session);
+    const auto isWanted = [&] { return s_.sessions.isCurrent(*session); };
+    if (!isWanted()) co_return nullptr;
     if (downloaded) {
-      cache.saveCDNToFile(*downloaded, ConfigurationCache::fileName);
-      co_return cache.readCDNFile(false);
+      cache_.saveCDNToFile(downloaded->value, ConfigurationCache::fileName,
+                           {session->configurationAddress(), session->language, std::move(downloaded->etag)}, isWanted);
+      co_return served(session, cache_.readCDNFile(false)).configuration;
     }
     if (!isNotModified(downloaded.error())) {
-      log(LogLevel::error, "Failed to fetch CDN File: " + description(downloaded.error()), function);
-      co_return probe;
+      // Leaving in the midst of a download is no failure.
+      log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error,
+          "Failed to fetch CDN File: " + description(downloaded.error()), function);
+      co_return cached;
     }
-    if (!sentTag || (probe && sentTag == cachedTag)) {
+    if (!sentTag || (cached && sentTag == cachedTag)) {
       log(LogLevel::info, "CDN Configuration is up to date", function);
-      co_return probe;
+      co_return cached;
     }
     // "Unchanged" speaks of a document that is not the one at hand: it was never saved, or is gone. Ask for it anew.
-    store.remove(key::etag);
+    s_.store.remove(key::etag);
   }
 }
 
-Task<bool> ConsentSDK::Core::apply(ConfigurationPointer configuration) {
-  const auto location = co_await locationFor(*configuration);
-  const BannerConfig* banner = selectBanner(*configuration, location);
-  store.transact([&](StoreTransaction& transaction) {
-    transaction.set(key::xAuthToken, configuration->token.value_or(std::string()));
-    transaction.set(key::isSettingsPromptEnabled, configuration->isSettingsPromptEnabled.value_or(false));
-    transaction.set(key::isATTEnabled, configuration->isATTEnabled.value_or(false));
-    if (configuration->version) {
-      const bool isNewer = *configuration->version > transaction.integer(key::configurationVersion, 0);
-      if (isNewer && configuration->reConsentEnabled.value_or(false)) {
-        transaction.set(key::consentGivenType, std::string(givenType::noAction));
-      }
-      transaction.set(key::configurationVersion, *configuration->version);
-    }
-    if (banner) {
-      const auto compliance = banner->complianceType.value_or(ComplianceType::noticeOnly);
-      transaction.set(key::currentComplianceType, std::string(rawValue(compliance)));
-      transaction.set(key::bannerInterval, banner->bannerReappearanceTime.value_or(std::string(defaultBannerInterval)));
-    }
-  });
-  const bool purposesChanged = purposes(configuration).checkPurposes(occasion(GivenType::noAction)).changed;
-  const bool permissionsChanged = permissions(configuration).checkPermissions(occasion(GivenType::noAction));
-  consentMode.updateFirebaseConsent(*configuration, location);
-  co_return purposesChanged || permissionsChanged;
+ConfigurationPointer ConfigurationLoader::current() {
+  auto cached = served(s_.sessions.current(), cache_.readCDNFile(true)).configuration;
+  return cached ? cached : cache_.bundled();
+}
+
+void ConfigurationLoader::begin(const SessionPointer& session, bool reset) {
+  cache_.setBundled(session->options.bundledConfiguration, session->language);
+  if (reset) cache_.reset();
+  const std::scoped_lock lock(mutex_);
+  // Another application's terms must not answer for this one.
+  if (inForce_ && !inForce_->session->isOfSameApplication(*session)) inForce_.reset();
+}
+
+void ConfigurationLoader::setReady(const SessionPointer& session, SDKStatus status) {
+  if (s_.sessions.isCurrent(*session)) s_.events.readiness.setReady(status);
 }
 
 }  // namespace quillon

@@ -1,5 +1,4 @@
-// What is recorded of the user's answers, and in their absence.
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/ConsentSDK/DecisionRecorder.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
@@ -10,64 +9,111 @@ constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+Decisions";
 
 }  // namespace
 
-void ConsentSDK::Core::recordDefaults(ConfigurationPointer configuration) {
-  const PurposeManager manager = purposes(std::move(configuration));
-  store.transact(
-      [&](StoreTransaction& transaction) { manager.recordDefaults(transaction, occasion(GivenType::implicitly)); });
+bool DecisionRecorder::set(const Purpose& purpose, ConsentStatus consent) {
+  if (!purpose.purposeId) return false;
+  const DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
+    PurposeManager::setConsent(transaction, {*purpose.purposeId, consent, DecisionCause::user}, context);
+  });
+  if (!stored) return false;
+  warn(purpose, consent);
+  s_.uploader.schedule();
+  s_.work.start([this]() -> Task<void> {
+    s_.loader.refreshConsentMode();
+    co_return;
+  });
+  return true;
 }
 
-Task<bool> ConsentSDK::Core::record(Record write) {
-  const ConfigurationPointer configuration = cache.current();
-  if (!configuration) {
-    UnitLog(logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
-                                "record");
-    co_return false;
+// The application may know better than the configuration at hand, so its word is kept all the same.
+void DecisionRecorder::warn(const Purpose& purpose, ConsentStatus consent) {
+  const UnitLog log(s_.logger, sourceFile);
+  const auto inForce = s_.loader.inForce();
+  if (!inForce) return;
+  const std::string name = "Purpose " + std::to_string(*purpose.purposeId);
+  if (!inForce->terms.lists(*purpose.purposeId)) {
+    log(LogLevel::warning, name + " is not listed by the configuration: its consent is stored, and uploaded once it is",
+        "set(purpose:consent:)");
+  } else if (inForce->terms.isEssential(*purpose.purposeId) && consent != ConsentStatus::granted) {
+    log(LogLevel::warning,
+        name + " is essential: users cannot opt out of it on the screens, yet " + std::string(rawValue(consent)) +
+            " is stored",
+        "set(purpose:consent:)");
   }
-  const PurposeManager manager = purposes(configuration);
-  const auto statuses = permissions(configuration).liveStatuses();
-  Occasion present = occasion(GivenType::explicitly);
-  const bool stored = store.transact([&](StoreTransaction& transaction) {
-    const GivenType given = present.givenType = write(manager, transaction, present);
-    for (const auto& [permission, status] : statuses) {
-      if (transaction.consent(permission.rawValue()) == status) continue;
-      PermissionManager::setConsent(transaction, permission, status, DecisionCause::device, present);
-    }
-    if (given == GivenType::explicitly) transaction.remove(key::lostEntries);
+}
+
+bool DecisionRecorder::set(const AppPermission& permission, ConsentStatus consent) {
+  if (!permission.permissionId || key::isReserved(permission.permissionId->rawValue())) return false;
+  const DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  return s_.store.transact([&](StoreTransaction& transaction) {
+    PermissionManager::setConsent(transaction, *permission.permissionId, consent, DecisionCause::user, context);
+  });
+}
+
+void DecisionRecorder::recordDefaults(const ConfigurationPointer& configuration) {
+  const PurposeManager manager = s_.loader.purposes(configuration);
+  const DecisionContext context = s_.sessions.context(GivenType::implicitly);
+  s_.store.transact([&](StoreTransaction& transaction) { manager.recordDefaults(transaction, context); });
+}
+
+DecisionRecorder::FollowUp DecisionRecorder::record(const Write& write) {
+  const ConfigurationPointer configuration = s_.loader.current();
+  if (!configuration) {
+    UnitLog(s_.logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
+                                   "record");
+    return {};
+  }
+  const PurposeManager manager = s_.loader.purposes(configuration);
+  const DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
+    const GivenType given = write(manager, transaction, context);
     // Also an application without purposes has been answered, and so has one whose purposes all stay as they were.
-    const bool isExplicit = transaction.consentGivenType() == givenType::explicitly;
-    if (given == GivenType::explicitly || (given == GivenType::implicitly && !isExplicit)) {
-      transaction.set(key::consentGivenType, std::string(rawValue(given)));
-    }
+    transaction.giveConsents(given);
+    if (given != GivenType::explicitly) return;
+    transaction.remove(key::lostEntries);
+    transaction.set(key::isBannerPresent, false);
   });
-  if (!stored) co_return false;
-  refreshConsentMode();
-  co_await uploadPendingConsents();
-  co_return true;
+  if (!stored) return {};
+  return [this, configuration, place = permissions_.join()]() mutable {
+    return recordPermissions(std::move(configuration), std::move(place));
+  };
 }
 
-Task<bool> ConsentSDK::Core::acceptOrReject(bool accept) {
-  return record([accept](const PurposeManager& manager, StoreTransaction& transaction, const Occasion& occasion) {
+Task<void> DecisionRecorder::recordPermissions(ConfigurationPointer configuration, TaskQueue::Place place) {
+  s_.loader.refreshConsentMode();
+  {
+    const auto held = std::move(place);
+    co_await held.turn();
+    s_.loader.permissions(configuration).recordStatuses(s_.sessions.context(GivenType::noAction));
+  }
+  co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
+}
+
+DecisionRecorder::FollowUp DecisionRecorder::answer(bool accept) {
+  return record([accept](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
     for (const auto& resolution : manager.answer(accept, transaction)) {
-      PurposeManager::setConsent(transaction, resolution, occasion);
+      PurposeManager::setConsent(transaction, resolution, context);
     }
     return GivenType::explicitly;
   });
 }
 
-Task<bool> ConsentSDK::Core::savePreferences(std::map<std::int64_t, bool> selectedPurposes) {
-  return record([selected = std::move(selectedPurposes)](const PurposeManager& manager, StoreTransaction& transaction,
-                                                         const Occasion& occasion) {
-    for (const auto& resolution : manager.choices(selected, transaction)) {
+DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, bool>& selectedPurposes) {
+  return record([&selectedPurposes](const PurposeManager& manager, StoreTransaction& transaction,
+                                    const DecisionContext& context) {
+    for (const auto& resolution : manager.choices(selectedPurposes, transaction)) {
       if (transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status) continue;
-      PurposeManager::setConsent(transaction, resolution, occasion);
+      PurposeManager::setConsent(transaction, resolution, context);
     }
     return GivenType::explicitly;
   });
 }
 
-Task<bool> ConsentSDK::Core::recordDefaultExplicitConsents() {
-  return record([](const PurposeManager& manager, StoreTransaction& transaction, const Occasion& occasion) {
-    return manager.recordDefaults(transaction, occasion);
+DecisionRecorder::FollowUp DecisionRecorder::recordDefaults() {
+  const auto inForce = s_.loader.inForce();
+  if (!inForce || !inForce->type) return {};  // There was nothing that could have been answered.
+  return record([](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
+    return manager.recordDefaults(transaction, context);
   });
 }
 

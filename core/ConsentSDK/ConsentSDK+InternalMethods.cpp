@@ -1,251 +1,194 @@
-// The check cycle, the location, the banner's turn and the upload.
-#include "core/Banner/BannerSelection.h"
-#include "core/Banner/BannerState.h"
-#include "core/ConsentSDK/ConsentSDKCore.h"
-#include "core/ConsentSDK/SDKVersion.h"
+#include <algorithm>
+
+#include "core/ConsentSDK/CheckCycle.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::chrono::seconds periodWithoutOptions{1800};
-constexpr std::chrono::seconds locationLifetime{3600};
-// How long the user waits for the location before the banner is chosen without it.
-constexpr std::chrono::seconds locationPatience{5};
-// The same for so long after a failure: not every start is to pay for a server that is out of order.
-constexpr std::chrono::seconds locationFailureLifetime{600};
-constexpr std::chrono::seconds locationPatienceAfterFailure{1};
-constexpr std::chrono::seconds followUpDelay{1};
+using namespace std::chrono_literals;
+
+constexpr std::chrono::seconds periodWithoutOptions = 1800s;
+constexpr std::chrono::seconds firstRetry = 15s;
+// Devices of a region that lost and regained the network together must not come back together.
+constexpr std::chrono::seconds longestReconnectionDelay = 60s;
+
+std::chrono::milliseconds periodOf(const SessionPointer& session) {
+  return session ? std::chrono::seconds(session->options.consentsCheckInterval.count()) : periodWithoutOptions;
+}
 
 }  // namespace
 
-void ConsentSDK::Core::startRecurringCheck() {
-  const auto options = currentOptions();
-  const std::chrono::seconds period =
-      options ? std::chrono::seconds(options->consentsCheckInterval.count()) : periodWithoutOptions;
-  auto timer = platform.clock->every(period, [weak = weak_from_this()] {
-    const auto core = weak.lock();
-    if (!core) return;
-    core->tasks->start([core]() -> Task<void> { co_await core->consentCheck(); });
-  });
-  const std::scoped_lock lock(mutex_);
-  if (!stop.stop_requested()) recurringCheckTask_.swap(timer);
+void CheckCycle::begin(SessionPointer session) {
+  std::unique_ptr<Timer> retry;  // Dropped outside the lock, as below: that may wait for its job.
+  {
+    const std::scoped_lock lock(mutex_);
+    retry.swap(retry_);
+    retries_ = 0;
+  }
+  s_.work.start([this, session = std::move(session)]() -> Task<void> { co_await follow(session); });
 }
 
-void ConsentSDK::Core::startNetworkMonitor() {
+Task<void> CheckCycle::follow(SessionPointer session) {
+  const bool wasPending = StoredValues(*s_.store.snapshot()).isAnythingPending();
+  const auto loaded = co_await s_.loader.load();
+  if (!s_.sessions.isCurrent(*session)) co_return;
+  const bool isAnswered = StoredValues(*s_.store.snapshot()).consentGivenType() != GivenType::noAction;
+  if (isAnswered) startRecurringCheck();
+  startNetworkMonitor();
+  startPermissionObservation();
+  s_.others.begin();
+  if (!loaded.configuration) {
+    scheduleRetry(session);
+    co_return;
+  }
+  judgeBanner();
+  // What an earlier run left behind need not wait for the first period to pass.
+  if (isAnswered && wasPending) co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
+}
+
+void CheckCycle::close() {
+  std::unique_ptr<Timer> timers[3];
+  std::unique_ptr<NetworkSubscription> monitor;
+  std::unique_ptr<PermissionSubscription> permissionObservation;
+  const std::scoped_lock lock(mutex_);
+  timers[0] = std::move(recurring_);
+  timers[1] = std::move(reconnected_);
+  timers[2] = std::move(retry_);
+  monitor = std::move(monitor_);
+  permissionObservation = std::move(permissionObservation_);
+}
+
+void CheckCycle::startRecurringCheck() {
+  auto timer = s_.platform.clock->every(periodOf(s_.sessions.current()), s_.work.whileAlive([this] { startCheck(); }));
+  const std::scoped_lock lock(mutex_);
+  if (!s_.work.isClosed()) recurring_.swap(timer);
+}
+
+void CheckCycle::startCheck() {
+  s_.work.start([this]() -> Task<void> { co_await check(); });
+}
+
+Task<void> CheckCycle::check() {
+  std::shared_ptr<TaskEvent> over;
+  {
+    const std::scoped_lock lock(mutex_);
+    if (!inFlight_) {
+      inFlight_ = std::make_shared<TaskEvent>();
+    } else {
+      over = inFlight_;
+    }
+  }
+  if (over) {
+    co_await over->wait();
+    co_return;
+  }
+  // Also when the task is dropped, or fails.
+  const std::shared_ptr<void> end(nullptr, [this](void*) {
+    std::shared_ptr<TaskEvent> ended;
+    {
+      const std::scoped_lock lock(mutex_);
+      ended = std::exchange(inFlight_, nullptr);
+    }
+    ended->signal();
+  });
+  co_await runCheck();
+}
+
+Task<void> CheckCycle::runCheck() {
+  const auto session = s_.sessions.current();
+  if (!session) co_return;
+  const auto loaded = co_await s_.loader.load();
+  if (!loaded.configuration) {
+    scheduleRetry(s_.sessions.current());
+    co_return;
+  }
+  s_.events.gates.update();
+  judgeBanner();
+  if (!loaded.changed && !s_.uploader.isUploadDue(loaded.configuration)) co_return;
+  co_await s_.loader.bannerFor(loaded.configuration);
+  // Without a banner for the user there is no compliance type whose defaults could be recorded.
+  const auto inForce = s_.loader.inForce();
+  if (inForce && inForce->type) s_.recorder.recordDefaults(loaded.configuration);
+  s_.loader.refreshConsentMode();
+  co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
+}
+
+void CheckCycle::scheduleRetry(const SessionPointer& session) {
+  std::chrono::milliseconds delay = firstRetry;
+  {
+    const std::scoped_lock lock(mutex_);
+    for (int i = 0; i < std::min(retries_, 30) && delay < periodOf(session); ++i) delay *= 2;
+    ++retries_;
+  }
+  delay = std::min(delay, periodOf(session));
+  delay -= atRandom(delay / 5);
+  auto timer = s_.platform.clock->after(delay, s_.work.whileAlive([this, session] {
+    if (s_.sessions.isCurrent(*session)) s_.work.start([this, session]() -> Task<void> { co_await follow(session); });
+  }));
+  const std::scoped_lock lock(mutex_);
+  if (!s_.work.isClosed()) retry_.swap(timer);
+}
+
+std::chrono::milliseconds CheckCycle::atRandom(std::chrono::milliseconds limit) {
+  const auto choices = static_cast<std::uint64_t>(std::max<std::int64_t>(limit.count(), 0)) + 1;
+  return std::chrono::milliseconds(s_.platform.random->next() % choices);
+}
+
+void CheckCycle::startNetworkMonitor() {
   std::unique_ptr<NetworkSubscription> earlier;  // Dropped outside the lock: that may wait for its handler.
   {
     const std::scoped_lock lock(mutex_);
     earlier = std::move(monitor_);
   }
   earlier.reset();
-  auto monitor = platform.network->start(
-      platform.executors->serial("NetworkMonitor"), [weak = weak_from_this()](NetworkStatus status) {
-        const auto core = weak.lock();
-        if (!core) return;
-        std::optional<NetworkStatus> previous;
-        {
-          const std::scoped_lock lock(core->mutex_);
-          previous = std::exchange(core->networkStatus_, status);
-        }
-        if (previous == NetworkStatus::unsatisfied && status == NetworkStatus::satisfied) {
-          core->tasks->start([core]() -> Task<void> { co_await core->consentCheck(); });
-        }
-      });
+  auto monitor =
+      s_.platform.network->start(s_.platform.executors->serial("NetworkMonitor"),
+                                 s_.work.whileAlive([this](NetworkStatus status) { networkChanged(status); }));
   const std::scoped_lock lock(mutex_);
-  if (!stop.stop_requested()) monitor_.swap(monitor);
+  if (!s_.work.isClosed()) monitor_.swap(monitor);
 }
 
-void ConsentSDK::Core::startPermissionObservation() {
-  std::unique_ptr<PermissionSubscription> earlier;  // Dropped outside the lock: that may wait for its handler.
+void CheckCycle::networkChanged(NetworkStatus status) {
+  {
+    const std::scoped_lock lock(mutex_);
+    const auto previous = std::exchange(networkStatus_, status);
+    if (previous != NetworkStatus::unsatisfied || status != NetworkStatus::satisfied) return;
+  }
+  const auto delay =
+      atRandom(std::min<std::chrono::milliseconds>(longestReconnectionDelay, periodOf(s_.sessions.current()) / 5));
+  auto timer = s_.platform.clock->after(delay, s_.work.whileAlive([this] { startCheck(); }));
+  const std::scoped_lock lock(mutex_);
+  if (!s_.work.isClosed()) reconnected_.swap(timer);
+}
+
+void CheckCycle::startPermissionObservation() {
+  std::unique_ptr<PermissionSubscription> earlier;
   {
     const std::scoped_lock lock(mutex_);
     earlier = std::move(permissionObservation_);
   }
   earlier.reset();
-  auto observation = platform.permissions->observe([weak = weak_from_this()] {
-    const auto core = weak.lock();
-    if (!core) return;
-    core->tasks->start([core]() -> Task<void> {
-      auto permissions = core->permissions(core->cache.current());
-      if (permissions.checkPermissions(core->occasion(GivenType::noAction))) core->scheduleUpload();
+  auto observation = s_.platform.permissions->observe(s_.work.whileAlive([this] {
+    s_.work.start([this]() -> Task<void> {
+      auto permissions = s_.loader.permissions(s_.loader.current());
+      if (permissions.checkPermissions(s_.sessions.context(GivenType::noAction))) s_.uploader.schedule();
+      s_.events.gates.update();  // tracking is a permission, too
       co_return;
     });
-  });
+  }));
   const std::scoped_lock lock(mutex_);
-  if (!stop.stop_requested()) permissionObservation_.swap(observation);
+  if (!s_.work.isClosed()) permissionObservation_.swap(observation);
 }
 
-std::optional<std::string> ConsentSDK::Core::knownLocation() const {
-  const auto options = currentOptions();
-  if (options && options->locationCode && !options->locationCode->empty()) return options->locationCode;
-  return StoredValues(*store.snapshot()).string(key::currentLocation);
-}
-
-void ConsentSDK::Core::refreshConsentMode() {
-  if (const auto configuration = cache.current()) {
-    consentMode.updateFirebaseConsent(*configuration, knownLocation());
-  }
-}
-
-Task<std::optional<std::string>> ConsentSDK::Core::locationFor(const MainConfiguration& configuration) {
-  const auto options = currentOptions();
-  if (options && options->locationCode && !options->locationCode->empty()) co_return options->locationCode;
-  if (!dependsOnLocation(configuration)) co_return std::nullopt;
-
-  if (!isWithin(key::currentLocationTimestamp, locationLifetime)) {
-    const bool failedLately = isWithin(key::locationFailedTimestamp, locationFailureLifetime);
-    const auto lookup = locationLookup();
-    co_await lookup->happensWithin(failedLately ? locationPatienceAfterFailure : locationPatience, *platform.clock);
-    if (!failedLately && !isWithin(key::currentLocationTimestamp, locationLifetime)) {
-      store.set(key::locationFailedTimestamp, platform.clock->now());
-    }
-  }
-  co_return knownLocation();  // An old answer is better than none.
-}
-
-bool ConsentSDK::Core::isWithin(std::string_view timestamp, std::chrono::seconds lifetime) const {
-  const auto when = StoredValues(*store.snapshot()).date(timestamp);
-  const auto present = platform.clock->now();
-  return when && *when <= present && present - *when < lifetime;
-}
-
-std::shared_ptr<TaskEvent> ConsentSDK::Core::locationLookup() {
-  std::shared_ptr<TaskEvent> lookup;
+void CheckCycle::judgeBanner() {
+  if (s_.events.bannerDue.isEmpty()) return;
+  BannerExplanation banner = s_.explainBanner();
   {
     const std::scoped_lock lock(mutex_);
-    if (locationLookup_) return locationLookup_;
-    lookup = std::make_shared<TaskEvent>();
-    locationLookup_ = lookup;
+    if (std::exchange(wasBannerDue_, banner.isDue) == banner.isDue) return;
   }
-  // Over also when the task fails, or never starts.
-  struct End {
-    std::shared_ptr<Core> core;
-    std::shared_ptr<TaskEvent> lookup;
-    ~End() {
-      {
-        const std::scoped_lock lock(core->mutex_);
-        core->locationLookup_.reset();
-      }
-      lookup->happen();
-    }
-  };
-  auto end = std::make_unique<End>(shared_from_this(), lookup);
-  tasks->start([self = shared_from_this(), end = std::move(end)]() mutable -> Task<void> {
-    const auto answer = co_await self->getCurrentLocation();
-    if (!answer || !answer->data) co_return;
-    const LocationCode code = locationCode(*answer->data, self->locale.currentLanguageCode());
-    self->store.transact([&](StoreTransaction& transaction) {
-      transaction.set(key::currentCountryCode, code.country);
-      transaction.set(key::currentLocation, code.location);
-      transaction.set(key::currentLocationTimestamp, self->platform.clock->now());
-      transaction.remove(key::locationFailedTimestamp);
-    });
-    const auto ended = end->lookup;
-    end.reset();
-    if (!ended->wasMissed()) co_return;
-    if (auto configuration = self->cache.current()) co_await self->apply(std::move(configuration));
-  });
-  return lookup;
-}
-
-Task<std::optional<BannerConfig>> ConsentSDK::Core::bannerFor(ConfigurationPointer configuration) {
-  if (!configuration) co_return std::nullopt;
-  const auto location = co_await locationFor(*configuration);
-  const BannerConfig* selected = selectBanner(*configuration, location);
-  if (!selected) co_return std::nullopt;
-  BannerConfig banner = *selected;
-  banner.translations = configuration->translations;
-  store.set(key::bannerInterval, banner.bannerReappearanceTime.value_or(std::string(defaultBannerInterval)));
-  co_return banner;
-}
-
-bool ConsentSDK::Core::isBannerDue() {
-  bool due = false;
-  store.transact([&](StoreTransaction& transaction) {
-    const BannerState state = bannerState(transaction, *platform.clock);
-    if (state.promotesDefaults) transaction.set(key::consentGivenType, std::string(givenType::explicitly));
-    if (transaction.integer(key::bannerShownDate, now()) > now()) {
-      // The clock was put back since. Counted from now, the interval passes at some time.
-      transaction.set(key::bannerShownDate, now());
-    }
-    if (!state.isDue()) return;
-    transaction.set(key::isBannerPresent, true);
-    transaction.set(key::bannerShownDate, now());
-    due = true;
-  });
-  return due;
-}
-
-Task<void> ConsentSDK::Core::consentCheck() {
-  if (!currentOptions()) co_return;
-  const Loaded loaded = co_await getCDNFile();
-  if (!loaded.configuration) co_return;
-  {
-    const auto entries = store.snapshot();
-    const StoredValues stored(*entries);
-    const bool pending = stored.boolean(key::uploadConsentRequestPending) || !stored.pendingPurposes().empty() ||
-                         !stored.pendingPermissions().empty();
-    if (!loaded.changed && !pending) co_return;
-  }
-  co_await bannerFor(loaded.configuration);
-  recordDefaults(loaded.configuration);
-  refreshConsentMode();
-  co_await uploadPendingConsents();
-}
-
-PostConsentsRequest ConsentSDK::Core::uploadRequest(const ConsentSDKOptions& options, const StoredValues& stored,
-                                                    const ConfigurationPointer& configuration) {
-  PostConsentsRequest request;
-  request.uuid = stored.string(key::subjectId, {});
-  request.appUUID = options.appId;
-  request.device = platform.host->deviceDescription();
-  request.implicitConsent = stored.consentGivenType() == givenType::implicitly;
-  request.version = stored.integer(key::configurationVersion, 0);
-  request.purposeConsents = purposes(configuration).pendingConsents(stored);
-  request.permissions = permissions(configuration).pendingConsents(stored);
-  request.testingMode = options.testingMode;
-  if (stored.boolean(key::isATTEnabled)) request.adId = platform.tracking->advertisingIdentifier().value_or("");
-  request.bannerInfo = std::string(rawValue(stored.complianceType()));
-  request.sdkVersion = installedSDKVersion(*platform.host);
-  return request;
-}
-
-Task<bool> ConsentSDK::Core::uploadPendingConsents() {
-  const auto options = currentOptions();
-  if (!options) co_return false;
-  const auto turn = co_await uploads.enter();
-  const auto sent = store.snapshot();
-  const StoredValues stored(*sent);
-  if (!stored.boolean(key::uploadConsentRequestPending) && stored.pendingPurposes().empty() &&
-      stored.pendingPermissions().empty()) {
-    co_return true;
-  }
-  const ConfigurationPointer configuration = cache.current();
-  if (!configuration) co_return false;
-  co_return co_await uploadConsents(options->appUrl, uploadRequest(*options, stored, configuration), sent);
-}
-
-void ConsentSDK::Core::scheduleUpload() {
-  std::uint64_t number = 0;
-  {
-    const std::scoped_lock lock(mutex_);
-    if (followUpScheduled_ || stop.stop_requested()) return;
-    followUpScheduled_ = true;
-    number = ++followUpNumber_;
-  }
-  auto timer = platform.clock->after(followUpDelay, [weak = weak_from_this()] {
-    const auto core = weak.lock();
-    if (!core) return;
-    {
-      const std::scoped_lock lock(core->mutex_);
-      core->followUpScheduled_ = false;
-    }
-    core->tasks->start([core]() -> Task<void> { co_await core->uploadPendingConsents(); });
-  });
-  const std::scoped_lock lock(mutex_);
-  // Held up until the timer had fired, this thread must not put it in the place of a later one.
-  if (number == followUpNumber_) followUp_.swap(timer);
+  if (banner.isDue) s_.events.bannerDue.tell(std::move(banner));
 }
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// What hosts listen to.
+// What applications listen to.
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Json/RawValues.h"
 
@@ -22,34 +22,24 @@ std::optional<ScreenKind> fromRawValue(std::string_view text) noexcept {
   return caseOf<ScreenKind>(kScreenKinds, text);
 }
 
-Job ConsentSDK::Core::announce(std::vector<Decision> decisions) {
-  std::vector<Job> deliveries;
-  for (Decision& decision : decisions) {
-    if (decision.from != decision.to) deliveries.push_back(consentListeners.queue(std::move(decision)));
-  }
-  return [deliveries = std::move(deliveries)]() mutable {
-    for (Job& deliver : deliveries) deliver();
-  };
-}
-
-std::shared_ptr<void> ConsentSDK::Core::shown(ScreenKind screen) {
-  screenListeners.tell({screen, true, now()});
-  const auto dismissed = [weak = weak_from_this(), screen](void*) {
-    if (const auto core = weak.lock()) core->screenListeners.tell({screen, false, core->now()});
-  };
-  return std::shared_ptr<void>(this, dismissed);
-}
-
 Listening ConsentSDK::listenToConsents(std::function<void(const Decision&)> listener) {
-  return core_->consentListeners.add(std::move(listener));
+  return core_->events.consents.add(std::move(listener));
 }
 
 Listening ConsentSDK::listenToScreens(std::function<void(const ScreenEvent&)> listener) {
-  return core_->screenListeners.add(std::move(listener));
+  return core_->events.screens.add(std::move(listener));
 }
 
 Listening ConsentSDK::listenToUploads(std::function<void(const UploadEvent&)> listener) {
-  return core_->uploadListeners.add(std::move(listener));
+  return core_->events.uploads.add(std::move(listener));
+}
+
+Listening ConsentSDK::listenToBannerDue(std::function<void(const BannerExplanation&)> listener) {
+  return core_->events.bannerDue.add(std::move(listener));
+}
+
+Listening ConsentSDK::whileAllowed(std::int64_t purposeId, std::function<void()> start, std::function<void()> stop) {
+  return core_->events.gates.add(purposeId, std::move(start), std::move(stop));
 }
 
 }  // namespace quillon

@@ -1,276 +1,257 @@
-// The operations that hosts call once set-up has run.
+// The operations that applications call once set-up has run: one line each.
+#include <algorithm>
+#include <limits>
+
 #include "core/ConsentSDK/Asynchronous.h"
 #include "core/ConsentSDK/ConsentSDKCore.h"
-#include "core/Integrations/ConsentScript.h"
-#include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "core/Text/LocalizedTexts.h"
+#include "core/ConsentSDK/WithoutThrowing.h"
 
 namespace quillon {
-ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {
-  const auto entries = core_->store.snapshot();
-  return StoredValues(*entries).consentOrDefault(PurposeKey(purposeId));
-}
-
-ConsentStatus ConsentSDK::get(const VantariKey& vantariKey) const {
-  const PermissionManager permissions = core_->permissions(core_->cache.current());
-  if (permissions.lists(vantariKey)) {
-    if (const auto known = permissions.knownConsent(vantariKey)) return *known;
-  }
-  return core_->store.getConsent(vantariKey.rawValue()).value_or(ConsentStatus::notDetermined);
-}
-
-bool ConsentSDK::set(const Purpose& purpose, ConsentStatus consent) {
-  if (!purpose.purposeId) return false;
-  const Occasion occasion = core_->occasion(GivenType::explicitly);
-  const bool stored = core_->store.transact([&](StoreTransaction& transaction) {
-    PurposeManager::setConsent(transaction, {*purpose.purposeId, consent, DecisionCause::user}, occasion);
-  });
-  if (!stored) return false;
-  core_->scheduleUpload();
-  core_->tasks->start([core = core_]() -> Task<void> {
-    core->refreshConsentMode();
-    co_return;
-  });
-  return true;
-}
-
-bool ConsentSDK::set(const AppPermission& permission, ConsentStatus consent) {
-  if (!permission.permissionId || key::isReserved(permission.permissionId->rawValue())) return false;
-  const Occasion occasion = core_->occasion(GivenType::explicitly);
-  return core_->store.transact([&](StoreTransaction& transaction) {
-    PermissionManager::setConsent(transaction, *permission.permissionId, consent, DecisionCause::user, occasion);
-  });
-}
-
-namespace {
-
-// The bodies of the operations that come both with a callback and as a future.
-template <class Core>
-auto purposeConsents(const std::shared_ptr<Core>& core) {
-  return [core]() -> Task<std::vector<Purpose>> {
-    const auto configuration = core->cache.current();
-    co_return configuration ? core->purposes(configuration).purposesWithConsents() : std::vector<Purpose>();
-  };
-}
-
-template <class Core>
-auto permissionConsents(const std::shared_ptr<Core>& core) {
-  return [core]() -> Task<std::vector<AppPermission>> {
-    co_return core->permissions(core->cache.current()).permissionsWithConsents();
-  };
-}
-
-template <class Core>
-auto bannerConfig(const std::shared_ptr<Core>& core, std::optional<MainConfiguration> given) {
-  return [core, given = std::move(given)]() mutable -> Task<std::optional<BannerConfig>> {
-    ConfigurationPointer configuration =
-        given ? std::make_shared<const MainConfiguration>(std::move(*given)) : core->cache.current();
-    co_return co_await core->bannerFor(std::move(configuration));
-  };
-}
-
-template <class Core>
-auto upload(const std::shared_ptr<Core>& core, std::string url, PostConsentsRequest request) {
-  return [core, url = std::move(url), request = std::move(request)]() mutable -> Task<void> {
-    const auto turn = co_await core->uploads.enter();
-    co_await core->uploadConsents(std::move(url), std::move(request), core->store.snapshot());
-  };
-}
-
-// A part of the cached configuration.
-template <class Part, class Core>
-auto partOfConfiguration(const std::shared_ptr<Core>& core, std::optional<Part> MainConfiguration::* part) {
-  return [core, part]() -> Task<std::optional<Part>> {
-    const auto configuration = core->cache.current();
-    co_return configuration ? (*configuration).*part : std::nullopt;
-  };
-}
 
 using Signals = std::map<GoogleConsentType, ConsentStatus>;
 
-template <class Core>
-auto consentModeSignals(const std::shared_ptr<Core>& core) {
-  return [core]() -> Task<Signals> {
-    Signals signals;
-    const auto configuration = core->cache.current();
-    if (!configuration || !configuration->gcmConfig) co_return signals;
-    const auto location = co_await core->locationFor(*configuration);
-    const auto* mapping = consentModeMapping(*configuration->gcmConfig, location);
-    if (!mapping) co_return signals;
-    for (const auto& [type, granted] : consentMap(*mapping, StoredValues(*core->store.snapshot()))) {
-      signals.emplace(type, granted ? ConsentStatus::granted : ConsentStatus::declined);
-    }
-    co_return signals;
+namespace {
+
+// An operation that comes with a callback.
+template <class T, class Core>
+void answer(const std::shared_ptr<Core>& core, std::function<void(T)> callback, Background<T> background) {
+  withoutThrowing([&] { answerLater<T>(core->work, std::move(callback), std::move(background)); });
+}
+
+// The same as a future, which holds `dropped` when the SDK is gone first.
+template <class T, class Core>
+std::future<T> promise(const std::shared_ptr<Core>& core, Background<T> background, T dropped = T()) {
+  return withoutThrowing([&] { return futureOf<T>(core->work, std::move(background), std::move(dropped)); },
+                         std::future<T>());
+}
+
+// What a decision leaves to be done, as work that tells whether it was stored.
+Background<bool> following(DecisionRecorder::FollowUp followUp) {
+  return [followUp = std::move(followUp)]() mutable -> Task<bool> {
+    if (!followUp) co_return false;
+    co_await followUp();
+    co_return true;
   };
 }
 
 template <class Core>
-auto scriptForPages(const std::shared_ptr<Core>& core) {
-  return [core]() -> Task<std::string> {
-    PageConsents consents;
-    const auto configuration = core->cache.current();
-    if (!configuration) co_return consentScript(consents, std::nullopt);
-    const std::string language = core->locale.currentLanguageCode();
-    for (const Purpose& purpose : core->purposes(configuration).purposesWithConsents()) {
-      if (!purpose.purposeId) continue;
-      consents.purposes.push_back({*purpose.purposeId, textIn(language, purpose.purposeName.value_or(LocalizedText())),
-                                   purpose.consentStatus.value_or(ConsentStatus::notDetermined)});
-    }
-    for (const auto& [permission, status] : core->permissions(configuration).liveStatuses()) {
-      consents.permissions.push_back({permission, status});
-    }
-    if (!configuration->isGcmEnabled.value_or(false) || !configuration->gcmConfig) {
-      co_return consentScript(consents, std::nullopt);
-    }
-    const auto location = co_await core->locationFor(*configuration);
-    const auto* mapping = consentModeMapping(*configuration->gcmConfig, location);
-    if (!mapping) co_return consentScript(consents, std::nullopt);
-    const auto entries = core->store.snapshot();
-    const StoredValues stored(*entries);
-    const SuiteEntries undecided{
-        {std::string(key::currentComplianceType), std::string(rawValue(stored.complianceType()))}};
-    std::optional<PageSignals> signals;
-    signals.emplace(consentMap(*mapping, StoredValues(undecided)), consentMap(*mapping, stored));
-    co_return consentScript(consents, signals);
+Background<std::optional<BannerConfig>> banner(const std::shared_ptr<Core>& core,
+                                               std::optional<MainConfiguration> given) {
+  return [core, given = std::move(given)]() mutable {
+    return core->loader.bannerFor(given ? std::make_shared<const MainConfiguration>(std::move(*given))
+                                        : core->loader.current());
   };
 }
 
 template <class Core>
-auto liveConsent(const std::shared_ptr<Core>& core, VantariKey permission) {
-  return [core, permission = std::move(permission)]() -> Task<ConsentStatus> {
-    const auto permissions = core->permissions(core->cache.current());
-    co_return permissions.lists(permission) ? permissions.getConsentByPermission(permission)
-                                            : ConsentStatus::notDetermined;
+Background<HistoryPage> pageOfHistory(const std::shared_ptr<Core>& core, std::size_t count,
+                                      std::optional<std::int64_t> before) {
+  return [core, count = std::clamp<std::size_t>(count, 1, maximumJournalRecords),
+          before = before.value_or(std::numeric_limits<std::int64_t>::max())]() -> Task<HistoryPage> {
+    co_return core->store.history(before, count);
   };
 }
 
 }  // namespace
 
-void ConsentSDK::getPurposeConsents(std::function<void(std::vector<Purpose>)> callback) {
-  Asynchronous<std::vector<Purpose>>::callback(core_, std::move(callback), purposeConsents(core_));
+ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {
+  return StoredValues(*core_->store.snapshot()).consentOrDefault(PurposeKey(purposeId));
 }
 
-std::future<std::vector<Purpose>> ConsentSDK::getPurposeConsents() {
-  return Asynchronous<std::vector<Purpose>>::future(core_, purposeConsents(core_));
+ConsentStatus ConsentSDK::get(const VantariKey& vantariKey) const {
+  return withoutThrowing([&] { return core_->questions.permissionStatus(vantariKey); }, ConsentStatus::notDetermined);
 }
 
-void ConsentSDK::getPermissionConsents(std::function<void(std::vector<AppPermission>)> callback) {
-  Asynchronous<std::vector<AppPermission>>::callback(core_, std::move(callback), permissionConsents(core_));
+bool ConsentSDK::isAllowed(std::int64_t purposeId) const {
+  return withoutThrowing([&] { return core_->isAllowed(purposeId); }, false);
 }
 
-std::future<std::vector<AppPermission>> ConsentSDK::getPermissionConsents() {
-  return Asynchronous<std::vector<AppPermission>>::future(core_, permissionConsents(core_));
+bool ConsentSDK::isAllowed(const VantariKey& vantariKey) const {
+  return withoutThrowing([&] { return core_->questions.isPermissionAllowed(vantariKey); }, false);
+}
+
+bool ConsentSDK::isDecided(std::int64_t purposeId) const {
+  return StoredValues(*core_->store.snapshot()).consent(PurposeKey(purposeId)).has_value();
+}
+
+bool ConsentSDK::set(const Purpose& purpose, ConsentStatus consent) {
+  return withoutThrowing([&] { return core_->recorder.set(purpose, consent); }, false);
+}
+
+bool ConsentSDK::set(const AppPermission& permission, ConsentStatus consent) {
+  return withoutThrowing([&] { return core_->recorder.set(permission, consent); }, false);
 }
 
 void ConsentSDK::removeConsents() {
-  core_->store.removeAllConsents();
+  withoutThrowing([&] { core_->loader.removeConsents(); });
+}
+
+bool ConsentSDK::isBannerDue() {
+  return withoutThrowing([&] { return core_->screens.isBannerDue(); }, false);
+}
+
+BannerExplanation ConsentSDK::explainBanner() const {
+  return withoutThrowing([&] { return core_->screens.explainBanner(); }, BannerExplanation());
+}
+
+void ConsentSDK::getPurposeConsents(std::function<void(std::vector<Purpose>)> callback) {
+  answer<std::vector<Purpose>>(core_, std::move(callback), [core = core_] { return core->questions.purposes(); });
+}
+
+std::future<std::vector<Purpose>> ConsentSDK::getPurposeConsents() {
+  return promise<std::vector<Purpose>>(core_, [core = core_] { return core->questions.purposes(); });
+}
+
+void ConsentSDK::getPermissionConsents(std::function<void(std::vector<AppPermission>)> callback) {
+  answer<std::vector<AppPermission>>(core_, std::move(callback),
+                                     [core = core_] { return core->questions.permissions(); });
+}
+
+std::future<std::vector<AppPermission>> ConsentSDK::getPermissionConsents() {
+  return promise<std::vector<AppPermission>>(core_, [core = core_] { return core->questions.permissions(); });
+}
+
+void ConsentSDK::checkConsentBy(VantariKey permissionId, std::function<void(ConsentStatus)> callback) {
+  answer<ConsentStatus>(core_, std::move(callback),
+                        [core = core_, permissionId] { return core->questions.livePermission(permissionId); });
+}
+
+std::future<ConsentStatus> ConsentSDK::checkConsentBy(VantariKey permissionId) {
+  return promise<ConsentStatus>(
+      core_, [core = core_, permissionId] { return core->questions.livePermission(permissionId); },
+      ConsentStatus::notDetermined);
+}
+
+void ConsentSDK::getGCMConsents(std::function<void(Signals)> callback) {
+  answer<Signals>(core_, std::move(callback), [core = core_] { return core->questions.consentModeSignals(); });
+}
+
+std::future<Signals> ConsentSDK::getGCMConsents() {
+  return promise<Signals>(core_, [core = core_] { return core->questions.consentModeSignals(); });
+}
+
+void ConsentSDK::consentScript(std::function<void(std::string)> callback) {
+  answer<std::string>(core_, std::move(callback), [core = core_] { return core->questions.consentScript(); });
+}
+
+std::future<std::string> ConsentSDK::consentScript() {
+  return promise<std::string>(core_, [core = core_] { return core->questions.consentScript(); });
+}
+
+void ConsentSDK::explain(std::int64_t purposeId, std::function<void(ConsentExplanation)> callback) {
+  answer<ConsentExplanation>(core_, std::move(callback),
+                             [core = core_, purposeId] { return core->questions.explain(purposeId); });
+}
+
+std::future<ConsentExplanation> ConsentSDK::explain(std::int64_t purposeId) {
+  return promise<ConsentExplanation>(core_, [core = core_, purposeId] { return core->questions.explain(purposeId); });
 }
 
 void ConsentSDK::getBannerConfig(std::optional<MainConfiguration> configuration,
                                  std::function<void(std::optional<BannerConfig>)> callback) {
-  Asynchronous<std::optional<BannerConfig>>::callback(core_, std::move(callback),
-                                                      bannerConfig(core_, std::move(configuration)));
+  answer<std::optional<BannerConfig>>(core_, std::move(callback), banner(core_, std::move(configuration)));
 }
 
 std::future<std::optional<BannerConfig>> ConsentSDK::getBannerConfig(std::optional<MainConfiguration> configuration) {
-  return Asynchronous<std::optional<BannerConfig>>::future(core_, bannerConfig(core_, std::move(configuration)));
-}
-
-bool ConsentSDK::isBannerDue() {
-  return core_->isBannerDue();
-}
-
-void ConsentSDK::acceptOrReject(bool accept, std::function<void(bool)> callback) {
-  Asynchronous<bool>::callback(core_, std::move(callback),
-                               [core = core_, accept] { return core->acceptOrReject(accept); });
-}
-
-std::future<bool> ConsentSDK::acceptOrReject(bool accept) {
-  return Asynchronous<bool>::future(core_, [core = core_, accept] { return core->acceptOrReject(accept); });
-}
-
-void ConsentSDK::uploadConsents(std::string url, PostConsentsRequest request, std::function<void()> done) {
-  Asynchronous<void>::callback(core_, std::move(done), upload(core_, std::move(url), std::move(request)));
-}
-
-std::future<void> ConsentSDK::uploadConsents(std::string url, PostConsentsRequest request) {
-  return Asynchronous<void>::future(core_, upload(core_, std::move(url), std::move(request)));
-}
-
-void ConsentSDK::uploadPendingConsents(std::function<void(bool)> callback) {
-  Asynchronous<bool>::callback(core_, std::move(callback), [core = core_] { return core->uploadPendingConsents(); });
-}
-
-std::future<bool> ConsentSDK::uploadPendingConsents() {
-  return Asynchronous<bool>::future(core_, [core = core_] { return core->uploadPendingConsents(); });
-}
-
-void ConsentSDK::checkConsents(std::function<void()> done) {
-  Asynchronous<void>::callback(core_, std::move(done), [core = core_] { return core->consentCheck(); });
-}
-
-std::future<void> ConsentSDK::checkConsents() {
-  return Asynchronous<void>::future(core_, [core = core_] { return core->consentCheck(); });
+  return promise<std::optional<BannerConfig>>(core_, banner(core_, std::move(configuration)));
 }
 
 void ConsentSDK::getSettingsPrompt(std::function<void(std::optional<SettingsPrompt>)> callback) {
-  Asynchronous<std::optional<SettingsPrompt>>::callback(core_, std::move(callback),
-                                                        partOfConfiguration(core_, &MainConfiguration::settingPrompt));
+  answer<std::optional<SettingsPrompt>>(
+      core_, std::move(callback), [core = core_] { return core->questions.part(&MainConfiguration::settingPrompt); });
 }
 
 std::future<std::optional<SettingsPrompt>> ConsentSDK::getSettingsPrompt() {
-  return Asynchronous<std::optional<SettingsPrompt>>::future(
-      core_, partOfConfiguration(core_, &MainConfiguration::settingPrompt));
+  return promise<std::optional<SettingsPrompt>>(
+      core_, [core = core_] { return core->questions.part(&MainConfiguration::settingPrompt); });
 }
 
 void ConsentSDK::getGCMConfig(std::function<void(std::optional<GcmConfig>)> callback) {
-  Asynchronous<std::optional<GcmConfig>>::callback(core_, std::move(callback),
-                                                   partOfConfiguration(core_, &MainConfiguration::gcmConfig));
+  answer<std::optional<GcmConfig>>(core_, std::move(callback),
+                                   [core = core_] { return core->questions.part(&MainConfiguration::gcmConfig); });
 }
 
 std::future<std::optional<GcmConfig>> ConsentSDK::getGCMConfig() {
-  return Asynchronous<std::optional<GcmConfig>>::future(core_,
-                                                        partOfConfiguration(core_, &MainConfiguration::gcmConfig));
+  return promise<std::optional<GcmConfig>>(
+      core_, [core = core_] { return core->questions.part(&MainConfiguration::gcmConfig); });
 }
 
-void ConsentSDK::getGCMConsents(std::function<void(Signals)> callback) {
-  Asynchronous<Signals>::callback(core_, std::move(callback), consentModeSignals(core_));
+void ConsentSDK::getHistory(std::size_t count, std::optional<std::int64_t> before,
+                            std::function<void(HistoryPage)> callback) {
+  answer<HistoryPage>(core_, std::move(callback), pageOfHistory(core_, count, before));
 }
 
-std::future<std::map<GoogleConsentType, ConsentStatus>> ConsentSDK::getGCMConsents() {
-  return Asynchronous<Signals>::future(core_, consentModeSignals(core_));
+std::future<HistoryPage> ConsentSDK::getHistory(std::size_t count, std::optional<std::int64_t> before) {
+  return promise<HistoryPage>(core_, pageOfHistory(core_, count, before));
 }
 
-void ConsentSDK::consentScript(std::function<void(std::string)> callback) {
-  Asynchronous<std::string>::callback(core_, std::move(callback), scriptForPages(core_));
+void ConsentSDK::uploadPendingConsents(std::function<void(bool)> callback) {
+  answer<bool>(core_, std::move(callback),
+               [core = core_] { return core->uploader.uploadPending(ConsentUploader::Trigger::application); });
 }
 
-std::future<std::string> ConsentSDK::consentScript() {
-  return Asynchronous<std::string>::future(core_, scriptForPages(core_));
+std::future<bool> ConsentSDK::uploadPendingConsents() {
+  return promise<bool>(core_,
+                       [core = core_] { return core->uploader.uploadPending(ConsentUploader::Trigger::application); });
 }
 
-void ConsentSDK::checkConsentBy(VantariKey permissionId, std::function<void(ConsentStatus)> callback) {
-  Asynchronous<ConsentStatus>::callback(core_, std::move(callback), liveConsent(core_, std::move(permissionId)));
+void ConsentSDK::acceptOrReject(bool accept, std::function<void(bool)> callback) {
+  withoutThrowing(
+      [&] { answerLater<bool>(core_->work, std::move(callback), following(core_->recorder.answer(accept))); });
 }
 
-std::future<ConsentStatus> ConsentSDK::checkConsentBy(VantariKey permissionId) {
-  return Asynchronous<ConsentStatus>::future(core_, liveConsent(core_, std::move(permissionId)));
+std::future<bool> ConsentSDK::acceptOrReject(bool accept) {
+  return withoutThrowing(
+      [&] {
+        DecisionRecorder::FollowUp followUp = core_->recorder.answer(accept);
+        const bool stored = static_cast<bool>(followUp);
+        return futureOf<bool>(core_->work, following(std::move(followUp)), stored);
+      },
+      std::future<bool>());
+}
+
+void ConsentSDK::uploadConsents(std::string url, PostConsentsRequest request, std::function<void()> done) {
+  withoutThrowing([&] {
+    answerLater(core_->work, std::move(done), [core = core_, url = std::move(url), request = std::move(request)] {
+      return core->uploader.upload(url, request);
+    });
+  });
+}
+
+std::future<void> ConsentSDK::uploadConsents(std::string url, PostConsentsRequest request) {
+  return withoutThrowing(
+      [&] {
+        return futureOf(core_->work, [core = core_, url = std::move(url), request = std::move(request)] {
+          return core->uploader.upload(url, request);
+        });
+      },
+      std::future<void>());
+}
+
+void ConsentSDK::checkConsents(std::function<void()> done) {
+  withoutThrowing([&] { answerLater(core_->work, std::move(done), [core = core_] { return core->cycle.check(); }); });
+}
+
+std::future<void> ConsentSDK::checkConsents() {
+  return withoutThrowing([&] { return futureOf(core_->work, [core = core_] { return core->cycle.check(); }); },
+                         std::future<void>());
 }
 
 void ConsentSDK::presentBanner() {
-  core_->presentBanner();
+  withoutThrowing([&] { core_->screens.presentBanner(); });
 }
 
 void ConsentSDK::presentPreferenceCenter() {
-  core_->presentPreferenceCenter();
+  withoutThrowing([&] { core_->screens.presentPreferenceCenter(); });
 }
 
 void ConsentSDK::presentSettingPrompt(VantariKey permissionId) {
-  core_->presentSettingPrompt(std::move(permissionId), Core::Offer::unlessClosedBefore);
+  withoutThrowing(
+      [&] { core_->screens.presentSettingPrompt(std::move(permissionId), Screens::Offer::unlessClosedBefore); });
 }
 
 void ConsentSDK::openLink(std::string link) {
-  core_->openLink(std::move(link));
+  withoutThrowing([&] { core_->screens.openLink(std::move(link)); });
 }
 
 void ConsentSDK::registerFonts(std::optional<CustomFont> heading, std::optional<CustomFont> body,
@@ -283,7 +264,7 @@ void ConsentSDK::registerColors(CustomColors colors) {
 }
 
 std::future<void> ConsentSDK::settled() {
-  return core_->tasks->settled();
+  return core_->work.settled();
 }
 
 }  // namespace quillon

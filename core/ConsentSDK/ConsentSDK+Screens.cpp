@@ -1,5 +1,5 @@
-// The screens: which are shown, and when.
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/Banner/BannerState.h"
+#include "core/ConsentSDK/Screens.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
@@ -10,52 +10,106 @@ constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+Screens";
 
 }  // namespace
 
-void ConsentSDK::Core::present(std::string_view operation, std::function<void(ScreenPresenter&)> show) {
-  if (!platform.screens) {
-    UnitLog(logger, sourceFile)(LogLevel::warning, "No user interface is linked, nothing is shown", operation);
+bool Screens::isBannerDue() {
+  if (!s_.loader.inForce()) return false;
+  bool due = false;
+  const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
+    const BannerState state = bannerState(transaction, *s_.platform.clock);
+    due = state.isDue();
+    if (state.promotesDefaults) transaction.giveConsents(GivenType::explicitly);
+    if (transaction.integer(key::bannerShownDate, now()) > now()) {
+      // The clock was put back since. Counted from now, the interval passes at some time.
+      transaction.set(key::bannerShownDate, now());
+    }
+    if (!due) return;
+    transaction.set(key::isBannerPresent, true);
+    transaction.set(key::bannerShownDate, now());
+  });
+  if (stored || !due) return due;
+  return !isShownUnstored_.exchange(true);
+}
+
+BannerExplanation Screens::explainBanner() {
+  const auto entries = s_.store.snapshot();
+  const StoredValues stored(*entries);
+  const auto inForce = s_.loader.inForce();
+  const bool hasDecisions = inForce && s_.loader.purposes(inForce->configuration).hasDecisions(stored);
+  return quillon::explainBanner(stored, *s_.platform.clock, inForce != nullptr, hasDecisions);
+}
+
+void Screens::withPresenter(Show act) {
+  if (!s_.platform.screens) return;
+  onMain([this, screens = s_.platform.screens, act = std::move(act)] {
+    if (const auto self = self_.lock()) act(*screens, self);
+  });
+}
+
+void Screens::present(std::string_view operation, Show show) {
+  if (!s_.platform.screens) {
+    UnitLog(s_.logger, sourceFile)(LogLevel::error,
+                                   "No user interface is linked or configured, nothing is shown: link "
+                                   "quillon::qtquick and call quillon::configureQtQuick() before the first use",
+                                   operation);
     return;
   }
-  withScreens(std::move(show));
+  withPresenter(std::move(show));
 }
 
-void ConsentSDK::Core::withScreens(std::function<void(ScreenPresenter&)> act) {
-  if (!platform.screens) return;
-  onMain([screens = platform.screens, act = std::move(act)] { act(*screens); });
-}
-
-void ConsentSDK::Core::presentBanner() {
-  // In the background, since the banner's turn is written to the store. Without screens it must stay due.
-  tasks->start([core = shared_from_this()]() -> Task<void> {
-    if (!core->platform.screens || core->isBannerDue()) {
-      core->present("presentBanner()", [core](ScreenPresenter& screens) { screens.presentBanner(core); });
+void Screens::presentBanner() {
+  // In the background, since the state of the banner is written to the store. Without screens it must stay due.
+  s_.work.start([this]() -> Task<void> {
+    if (!s_.platform.screens || isBannerDue()) {
+      present("presentBanner()", [](ScreenPresenter& screens, const auto& self) { screens.presentBanner(self); });
     }
     co_return;
   });
 }
 
-void ConsentSDK::Core::presentPreferenceCenter() {
+void Screens::presentPreferenceCenter() {
   present("presentPreferenceCenter()",
-          [core = shared_from_this()](ScreenPresenter& screens) { screens.presentPreferenceCenter(core); });
+          [](ScreenPresenter& screens, const auto& self) { screens.presentPreferenceCenter(self); });
 }
 
-void ConsentSDK::Core::presentSettingPrompt(VantariKey permission, Offer offer) {
-  tasks->start([core = shared_from_this(), permission = std::move(permission), offer]() -> Task<void> {
-    if (!co_await core->offersSettingsPrompt(permission, offer)) co_return;
-    core->present("presentSettingPrompt(permissionId:)",
-                  [core, permission](ScreenPresenter& screens) { screens.presentSettingsPrompt(core, permission); });
+void Screens::presentSettingPrompt(VantariKey permission, Offer offer) {
+  s_.work.start([this, permission = std::move(permission), offer]() -> Task<void> {
+    if (!co_await offersSettingsPrompt(permission, offer)) co_return;
+    present("presentSettingPrompt(permissionId:)", [permission](ScreenPresenter& screens, const auto& self) {
+      screens.presentSettingsPrompt(self, permission);
+    });
   });
 }
 
-void ConsentSDK::Core::openLink(std::string link) {
-  present("openLink(link:)", [core = shared_from_this(), link = std::move(link)](ScreenPresenter& screens) {
-    screens.presentWebView(core, link);
-  });
+void Screens::openLink(std::string link) {
+  present("openLink(link:)",
+          [link = std::move(link)](ScreenPresenter& screens, const auto& self) { screens.presentWebView(self, link); });
 }
 
-Task<bool> ConsentSDK::Core::offersSettingsPrompt(VantariKey permission, Offer offer) {
-  const ConfigurationPointer configuration = cache.current();
-  const auto banner = co_await bannerFor(configuration);
-  const auto entries = store.snapshot();
+void Screens::dismissTopMost() {
+  withPresenter([](ScreenPresenter& screens, const auto&) { screens.dismissTopMost(); });
+}
+
+void Screens::dismissBanner() {
+  withPresenter([](ScreenPresenter& screens, const auto& self) { screens.dismissBanner(self); });
+  std::vector<std::weak_ptr<std::function<void()>>> followers;
+  {
+    const std::scoped_lock lock(mutex_);
+    followers = dismissalFollowers_;
+  }
+  for (auto& follower : followers) {
+    onMain([follower = std::move(follower)] {
+      if (const auto dismissed = follower.lock()) (*dismissed)();
+    });
+  }
+}
+
+void Screens::openSystemSettings() {
+  withPresenter([](ScreenPresenter& screens, const auto&) { screens.openSystemSettings(); });
+}
+
+Task<bool> Screens::offersSettingsPrompt(VantariKey permission, Offer offer) {
+  const ConfigurationPointer configuration = s_.loader.current();
+  const auto banner = co_await s_.loader.bannerFor(configuration);
+  const auto entries = s_.store.snapshot();
   const StoredValues stored(*entries);
   const bool wanted = banner && banner->shouldShowSettingsPrompt.value_or(false) &&
                       stored.boolean(key::isSettingsPromptEnabled) &&
@@ -64,6 +118,73 @@ Task<bool> ConsentSDK::Core::offersSettingsPrompt(VantariKey permission, Offer o
   const auto& switches = *configuration->settingPrompt->permissions;
   const auto found = switches.find(permission.rawValue());
   co_return found != switches.end() && found->second;
+}
+
+void Screens::load(std::function<Job(ScreenContent)> prepare) {
+  s_.work.start([this, prepare = std::move(prepare)]() -> Task<void> {
+    ScreenContent content;
+    content.configuration = s_.loader.current();
+    content.banner = co_await s_.loader.bannerFor(content.configuration);
+    s_.theme.configureColors(content.banner ? content.banner->customPaletteTheme : std::nullopt);
+    if (auto job = prepare(std::move(content))) onMain(std::move(job));
+  });
+}
+
+std::vector<Purpose> Screens::purposes() {
+  return s_.loader.purposes(s_.loader.current()).purposesWithConsents();
+}
+
+std::vector<AppPermission> Screens::permissions() {
+  return s_.loader.permissions(s_.loader.current()).permissionsWithConsents();
+}
+
+bool Screens::run(DecisionRecorder::FollowUp followUp) {
+  if (!followUp) return false;
+  s_.work.start([followUp = std::move(followUp)]() mutable -> Task<void> { co_await followUp(); });
+  return true;
+}
+
+void Screens::run(std::move_only_function<Job()> work) {
+  s_.work.start([this, work = std::move(work)]() mutable -> Task<void> {
+    if (auto job = work()) onMain(std::move(job));
+    co_return;
+  });
+}
+
+void Screens::closeSettingsPrompt() {
+  s_.store.set(key::hasShownSettingsPrompt, true);
+}
+
+std::shared_ptr<void> Screens::shown(ScreenKind screen) {
+  s_.events.screens.tell({screen, true, now()});
+  return std::shared_ptr<void>(this, [this, alive = self_, screen](void*) {
+    const auto self = alive.lock();
+    if (!self) return;
+    s_.events.screens.tell({screen, false, now()});
+    // A process may run for months: what has left the screen must be able to come again.
+    if (screen == ScreenKind::banner) s_.store.set(key::isBannerPresent, false);
+  });
+}
+
+std::optional<ConsentSDKOptions> Screens::options() const {
+  const auto session = s_.sessions.current();
+  return session ? std::optional(session->options) : std::nullopt;
+}
+
+std::shared_ptr<void> Screens::followStatus(std::function<void(SDKStatus)> changed) {
+  return s_.events.readiness.follow(std::move(changed));
+}
+
+std::shared_ptr<void> Screens::followBannerDismissal(std::function<void()> dismissed) {
+  auto follower = std::make_shared<std::function<void()>>(std::move(dismissed));
+  const std::scoped_lock lock(mutex_);
+  std::erase_if(dismissalFollowers_, [](const auto& earlier) { return earlier.expired(); });
+  dismissalFollowers_.push_back(follower);
+  return follower;
+}
+
+std::unique_ptr<Timer> Screens::after(std::chrono::milliseconds delay, std::function<void()> job) {
+  return s_.platform.clock->after(delay, s_.work.whileAlive([this, job = std::move(job)] { onMain(job); }));
 }
 
 }  // namespace quillon

@@ -1,7 +1,6 @@
 // Those who listen to one kind of event.
 #pragma once
 
-#include <atomic>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -9,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/ConsentSDK/HostCallback.h"
 #include "platform/Executors.h"
 #include "quillon/Listeners.h"
 
@@ -32,6 +32,11 @@ class Listeners {
     return Listening([listener] { listener->end(); });
   }
 
+  [[nodiscard]] bool isEmpty() const {
+    const std::scoped_lock lock(mutex_);
+    return listeners_.empty();
+  }
+
   void tell(Event event) { queue(std::move(event))(); }
 
   // Takes the event up in order; the job that is handed back delivers it, and calls what may be the host's.
@@ -51,29 +56,7 @@ class Listeners {
   }
 
  private:
-  class Listener {
-   public:
-    explicit Listener(Call call) : call_(std::make_shared<const Call>(std::move(call))) {}
-
-    void tell(const Event& event) {
-      const std::scoped_lock lock(mutex_);
-      if (ended_) return;
-      const auto call = call_;  // outlives an end from within
-      (*call)(event);
-    }
-    void end() {
-      ended_ = true;
-      // Waits for a call on another thread. What the listener holds goes with it.
-      const std::scoped_lock lock(mutex_);
-      call_.reset();
-    }
-    bool hasEnded() const { return ended_; }
-
-   private:
-    std::recursive_mutex mutex_;  // held during a call, which may end its own listener
-    std::atomic<bool> ended_ = false;
-    std::shared_ptr<const Call> call_;
-  };
+  using Listener = HostCallback<const Event&>;
   struct Report {
     std::shared_ptr<Listener> listener;
     std::shared_ptr<const Event> event;
@@ -86,11 +69,11 @@ class Listeners {
       report = std::move(reports_.front());
       reports_.pop_front();
     }
-    report.listener->tell(*report.event);
+    (*report.listener)(*report.event);
   }
 
   const std::function<void(Job)> onMain_;
-  std::mutex mutex_;  // guards the members below; never held while a listener is called
+  mutable std::mutex mutex_;  // guards the members below; never held while a listener is called
   std::vector<std::shared_ptr<Listener>> listeners_;
   std::deque<Report> reports_;  // on their way to the main queue
 };

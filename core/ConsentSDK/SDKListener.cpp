@@ -35,6 +35,10 @@ void SDKListener::deliverNext() {
   SDKStatus status;
   {
     const std::scoped_lock lock(mutex_);
+    if (reports_.front().observer == observer_ && !observer_->isGreeted) {
+      ++observer_->heldBack;
+      return;
+    }
     observer = std::move(reports_.front().observer);
     status = reports_.front().status;
     reports_.pop_front();
@@ -43,14 +47,25 @@ void SDKListener::deliverNext() {
   observer->callback(status);
 }
 
+// The observer first hears the status of this moment, whatever is on its way to the main queue, and then what differs
+// from it.
 void SDKListener::observe(Callback callback) {
-  auto observer = std::make_shared<Observer>(std::move(callback));
+  const auto observer = std::make_shared<Observer>(std::move(callback));
   SDKStatus present;
   {
     const std::scoped_lock lock(mutex_);
     observer_ = observer;
-    present = status_;
+    present = reported_ = status_;
   }
+  const std::shared_ptr<void> greeted(nullptr, [this, observer](void*) {
+    int heldBack = 0;
+    {
+      const std::scoped_lock lock(mutex_);
+      observer->isGreeted = true;
+      heldBack = observer->heldBack;
+    }
+    for (int i = 0; i < heldBack; ++i) onMain_([this] { deliverNext(); });
+  });
   observer->callback(present);
 }
 

@@ -33,7 +33,10 @@ class SDKListener {
 
  private:
   struct Observer {
-    Callback callback;
+    explicit Observer(Callback call) : callback(std::move(call)) {}
+    const Callback callback;
+    bool isGreeted = false;  // it has been told the status of the moment when it came
+    int heldBack = 0;        // reports that came before that
   };
   struct Report {
     std::shared_ptr<Observer> observer;

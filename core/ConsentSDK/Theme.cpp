@@ -10,9 +10,27 @@ void replace(std::optional<T>& present, std::optional<T> given) {
   if (given) present = std::move(given);
 }
 
+void replace(std::string& present, const std::string& given) {
+  if (!given.empty()) present = given;
+}
+
+void replace(std::optional<std::string>& present, const std::optional<std::string>& given) {
+  if (given && !given->empty()) present = given;
+}
+
+// Takes over every role that is given.
+void replaceRoles(CustomColors& present, const CustomColors& given) {
+  const auto take = [&](auto... roles) { (replace(present.*roles, given.*roles), ...); };
+  take(&CustomColors::buttonBackground, &CustomColors::buttonText, &CustomColors::buttonBorder,
+       &CustomColors::bannerBackground, &CustomColors::bannerText, &CustomColors::bannerLinks,
+       &CustomColors::preferenceCenterFooterBackground, &CustomColors::preferenceCenterFooterSelector,
+       &CustomColors::togglePrimarycolor, &CustomColors::toggleSecondarycolor,
+       &CustomColors::purposeDisclaimerTextColor, &CustomColors::purposeDisclaimerBackgroundColor);
+}
+
 }  // namespace
 
-void Theme::registerFonts(Fonts fonts) {
+void Theme::registerFonts(ScreenFonts fonts) {
   const std::scoped_lock lock(mutex_);
   replace(fonts_.heading, std::move(fonts.heading));
   replace(fonts_.body, std::move(fonts.body));
@@ -22,25 +40,26 @@ void Theme::registerFonts(Fonts fonts) {
 
 void Theme::registerColors(CustomColors colors) {
   const std::scoped_lock lock(mutex_);
-  const auto earlier = std::exchange(colors_, std::move(colors));
-  if (!earlier) return;
-  const auto keep = [&](std::optional<std::string> CustomColors::* role) {
-    if (!((*colors_).*role)) (*colors_).*role = (*earlier).*role;
-  };
-  keep(&CustomColors::togglePrimarycolor);
-  keep(&CustomColors::toggleSecondarycolor);
-  keep(&CustomColors::purposeDisclaimerTextColor);
-  keep(&CustomColors::purposeDisclaimerBackgroundColor);
+  if (!registered_) registered_.emplace();
+  replaceRoles(*registered_, colors);
 }
 
-Theme::Fonts Theme::fonts() const {
+void Theme::configureColors(std::optional<CustomColors> palette) {
+  const std::scoped_lock lock(mutex_);
+  configured_ = std::move(palette);
+}
+
+ScreenFonts Theme::fonts() const {
   const std::scoped_lock lock(mutex_);
   return fonts_;
 }
 
 std::optional<CustomColors> Theme::colors() const {
   const std::scoped_lock lock(mutex_);
-  return colors_;
+  if (!registered_) return configured_;
+  CustomColors colors = *registered_;
+  if (configured_) replaceRoles(colors, *configured_);
+  return colors;
 }
 
 }  // namespace quillon

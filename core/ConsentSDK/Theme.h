@@ -1,9 +1,10 @@
-// The fonts and colours that the host or the banner's configuration gave the screens.
+// The fonts and colours that the application and the banner's configuration gave the screens.
 #pragma once
 
 #include <mutex>
 #include <optional>
 
+#include "platform/ScreenServices.h"
 #include "quillon/BannerConfig.h"
 
 namespace quillon {
@@ -11,24 +12,22 @@ namespace quillon {
 // Thread-safe.
 class Theme {
  public:
-  struct Fonts {
-    std::optional<CustomFont> heading = std::nullopt;
-    std::optional<CustomFont> body = std::nullopt;
-    std::optional<CustomFont> subHeading = std::nullopt;
-    std::optional<CustomFont> headingLight = std::nullopt;
-  };
-
-  // Replaces the fonts and colours that are given; the others stay.
-  void registerFonts(Fonts fonts);
+  // The application's: replaces the fonts and colours that are given; the others stay. An empty colour is none.
+  void registerFonts(ScreenFonts fonts);
   void registerColors(CustomColors colors);
 
-  Fonts fonts() const;
+  // The configuration's, for as long as that configuration is shown.
+  void configureColors(std::optional<CustomColors> palette);
+
+  ScreenFonts fonts() const;
+  // For each role the configuration's colour, else the application's, else an empty one; nothing when neither gave any.
   std::optional<CustomColors> colors() const;
 
  private:
-  mutable std::mutex mutex_;
-  Fonts fonts_;
-  std::optional<CustomColors> colors_;
+  mutable std::mutex mutex_;  // guards the members below
+  ScreenFonts fonts_;
+  std::optional<CustomColors> registered_;
+  std::optional<CustomColors> configured_;
 };
 
 }  // namespace quillon

@@ -2,22 +2,21 @@
 #include "core/Json/JsonType.h"
 #include "core/Json/RawValues.h"
 #include "core/Json/Record.h"
-#include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "quillon/DecisionHistory.h"
 
 namespace quillon {
 namespace {
 
 constexpr RawValue<GivenType> kGivenTypes[] = {
-    {GivenType::explicitly, givenType::explicitly},
-    {GivenType::implicitly, givenType::implicitly},
-    {GivenType::noAction, givenType::noAction},
+    {GivenType::explicitly, "CONSENT_EXPLICIT"},
+    {GivenType::implicitly, "CONSENT_IMPLICIT"},
+    {GivenType::noAction, "CONSENT_NO_ACTION"},
 };
 
 constexpr RawValue<DecisionCause> kCauses[] = {
     {DecisionCause::user, "user"},           {DecisionCause::byDefault, "default"},
     {DecisionCause::essential, "essential"}, {DecisionCause::trackingStatus, "tracking_status"},
-    {DecisionCause::device, "device"},
+    {DecisionCause::device, "device"},       {DecisionCause::removed, "removed"},
 };
 
 constexpr RawValue<UploadOutcome> kOutcomes[] = {

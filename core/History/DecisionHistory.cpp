@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <map>
-#include <optional>
 
 #include "core/Json/Codec.h"
 #include "quillon/RawValue.h"
@@ -13,18 +11,8 @@ namespace {
 
 constexpr std::size_t longestLanguage = 64;
 
-// Of one purpose or one permission.
-using Subject = std::pair<std::optional<std::int64_t>, std::optional<VantariKey>>;
-
-std::map<Subject, ConsentStatus> statusesIn(const PostConsentsRequest& request) {
-  std::map<Subject, ConsentStatus> statuses;
-  for (const auto& purpose : request.purposeConsents) {
-    statuses.emplace(Subject(purpose.purposeID, std::nullopt), purpose.consentStatus);
-  }
-  for (const auto& permission : request.permissions) {
-    statuses.emplace(Subject(std::nullopt, permission.permission), permission.consentStatus);
-  }
-  return statuses;
+DecisionSubject subjectOf(const Decision& decision) {
+  return {decision.purposeId, decision.permission};
 }
 
 }  // namespace
@@ -55,25 +43,27 @@ HistoryPage historyOf(const JournalPage& page, std::size_t count) {
   return history;
 }
 
-std::vector<std::string> outcomesOf(const std::vector<JournalRecord>& pending, const PostConsentsRequest& sent,
-                                    const std::function<bool(const Decision&)>& isStillPending) {
-  const auto statuses = statusesIn(sent);
-  std::map<Subject, bool> isUploaded;
-  std::vector<std::string> outcomes;
-  for (const JournalRecord& record : pending) {
-    const auto outcome = [&]() -> UploadOutcome {
-      const auto decision = decode<Decision>(record.text);
-      if (!decision) return UploadOutcome::pending;
-      const Subject subject(decision->purposeId, decision->permission);
-      bool& uploaded = isUploaded[subject];
-      if (uploaded) return UploadOutcome::superseded;
-      const auto status = statuses.find(subject);
-      uploaded = status != statuses.end() && status->second == decision->to;
-      if (uploaded) return UploadOutcome::uploaded;
-      if (isStillPending(*decision)) return UploadOutcome::pending;
-      return status == statuses.end() ? UploadOutcome::dropped : UploadOutcome::superseded;
-    }();
-    outcomes.emplace_back(outcome == UploadOutcome::pending ? std::string_view() : rawValue(outcome));
+NewestDecisions newestDecisions(const std::vector<JournalRecord>& unsettled) {
+  NewestDecisions newest;
+  for (const JournalRecord& record : unsettled) {
+    if (const auto decision = decode<Decision>(record.text)) newest.emplace(subjectOf(*decision), record.number);
+  }
+  return newest;
+}
+
+std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unsettled,
+                                                 const NewestDecisions& sent,
+                                                 const std::set<DecisionSubject>& carried) {
+  std::map<std::int64_t, UploadOutcome> outcomes;
+  for (const JournalRecord& record : unsettled) {
+    const auto decision = decode<Decision>(record.text);
+    if (!decision) continue;
+    const auto settled = sent.find(subjectOf(*decision));
+    if (settled == sent.end() || record.number > settled->second) continue;
+    const auto outcome = record.number < settled->second    ? UploadOutcome::superseded
+                         : carried.contains(settled->first) ? UploadOutcome::uploaded
+                                                            : UploadOutcome::dropped;
+    outcomes.emplace(record.number, outcome);
   }
   return outcomes;
 }

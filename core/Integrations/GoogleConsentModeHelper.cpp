@@ -5,17 +5,12 @@
 #include <utility>
 
 #include "core/Logger/UnitLog.h"
+#include "core/Text/Ascii.h"
 
 namespace quillon {
 namespace {
 
 constexpr std::string_view sourceFile = "Integrations/GoogleConsentModeHelper";
-
-std::string_view trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  return first == std::string_view::npos ? std::string_view()
-                                         : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 // Whether a key such as "US#CA, US#NY" lists the code.
 bool lists(std::string_view regions, std::string_view code) {
@@ -56,14 +51,42 @@ ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored)
           {GoogleConsentType::adPersonalization, isGranted(mapping.adPersonalization)}};
 }
 
-void GoogleConsentModeHelper::updateFirebaseConsent(const MainConfiguration& mainConfiguration,
-                                                    const std::optional<std::string>& location) {
-  if (!mainConfiguration.isGcmEnabled.value_or(false) || !mainConfiguration.gcmConfig) return;
-  const DefaultMapping* mapping = consentModeMapping(*mainConfiguration.gcmConfig, location);
+void GoogleConsentModeHelper::updateFirebaseConsent(std::shared_ptr<const MainConfiguration> mainConfiguration,
+                                                    std::optional<std::string> location) {
+  if (!mainConfiguration) return;
+  {
+    const std::scoped_lock lock(mutex_);
+    newest_ = Request{std::move(mainConfiguration), std::move(location)};
+    if (std::exchange(isSending_, true)) return;
+  }
+  for (;;) {
+    Request request;
+    {
+      const std::scoped_lock lock(mutex_);
+      if (!newest_) {
+        isSending_ = false;
+        return;
+      }
+      request = *std::exchange(newest_, std::nullopt);
+    }
+    try {
+      send(request);
+    } catch (...) {
+      const std::scoped_lock lock(mutex_);
+      isSending_ = false;
+      throw;
+    }
+  }
+}
+
+void GoogleConsentModeHelper::send(const Request& request) {
+  const MainConfiguration& configuration = *request.configuration;
+  if (!configuration.isGcmEnabled.value_or(false) || !configuration.gcmConfig) return;
+  const DefaultMapping* mapping = consentModeMapping(*configuration.gcmConfig, request.location);
   if (!mapping) {
-    UnitLog(logger_, sourceFile)(LogLevel::debug,
-                                 "No GCM mapping found for location: " + escapedForLog(location.value_or("nil")),
-                                 "updateFirebaseConsent(mainConfiguration:location:)");
+    UnitLog(logger_, sourceFile)(
+        LogLevel::debug, "No GCM mapping found for location: " + escapedForLog(request.location.value_or("nil")),
+        "updateFirebaseConsent(mainConfiguration:location:)");
     return;
   }
   setFirebaseConsent(consentMap(*mapping, StoredValues(*store_.snapshot())));
@@ -73,8 +96,8 @@ void GoogleConsentModeHelper::setFirebaseConsent(const ConsentMap& consentMap) {
   constexpr std::string_view function = "setFirebaseConsent(consentMap:)";
   const UnitLog log(logger_, sourceFile);
   const auto& sink = platform_.consentSink;
+  if (stop_.stop_requested()) return;
   if (!sink) return log(LogLevel::debug, "Firebase Analytics not found in project", function);
-  if (!sink->takesConsent()) return log(LogLevel::debug, "Firebase Analytics setConsent method not found", function);
 
   std::map<std::string, std::string> signals;
   std::string text = "[";
@@ -85,6 +108,7 @@ void GoogleConsentModeHelper::setFirebaseConsent(const ConsentMap& consentMap) {
     signals.emplace(rawValue(type), value);
   }
   try {
+    if (!sink->takesConsent()) return log(LogLevel::debug, "Firebase Analytics setConsent method not found", function);
     sink->setConsent(signals);
   } catch (const std::exception& exception) {
     return log(LogLevel::error, "The host's analytics library threw: " + escapedForLog(exception.what()), function);

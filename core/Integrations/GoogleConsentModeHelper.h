@@ -2,8 +2,12 @@
 #pragma once
 
 #include <map>
+#include <memory>
+#include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
+#include <utility>
 
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
 #include "quillon/GoogleConsentType.h"
@@ -22,24 +26,36 @@ using ConsentMap = std::map<GoogleConsentType, bool>;
 // A signal is granted when it lists purposes and every one of them is.
 [[nodiscard]] ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored);
 
-// Thread-safe.
+// Thread-safe. Signals are handed over one set at a time and always computed from the newest consents, so the set that
+// arrives last is the one that holds.
 class GoogleConsentModeHelper {
  public:
-  // All must outlive it.
-  GoogleConsentModeHelper(const Platform& platform, UserDefaultManager& store, SDKLogger& logger)
-      : platform_(platform), store_(store), logger_(logger) {}
+  // All must outlive it. Nothing is handed over once a stop is requested.
+  GoogleConsentModeHelper(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, std::stop_token stop)
+      : platform_(platform), store_(store), logger_(logger), stop_(std::move(stop)) {}
 
-  // Computes the signals from the stored consents and sends them. Does nothing unless the configuration drives consent
-  // mode.
-  void updateFirebaseConsent(const MainConfiguration& mainConfiguration, const std::optional<std::string>& location);
+  // Computes the signals from the stored consents and sends them, or leaves that to the thread that is sending just
+  // now. Does nothing unless the configuration drives consent mode. The location is the newest known one.
+  void updateFirebaseConsent(std::shared_ptr<const MainConfiguration> mainConfiguration,
+                             std::optional<std::string> location);
 
   // Sends the signals; an application without an analytics library that takes them is only logged.
   void setFirebaseConsent(const ConsentMap& consentMap);
 
  private:
+  struct Request {
+    std::shared_ptr<const MainConfiguration> configuration;
+    std::optional<std::string> location;
+  };
+  void send(const Request& request);
+
   const Platform& platform_;
   UserDefaultManager& store_;
   SDKLogger& logger_;
+  const std::stop_token stop_;
+  std::mutex mutex_;  // guards the members below
+  std::optional<Request> newest_;
+  bool isSending_ = false;
 };
 
 }  // namespace quillon

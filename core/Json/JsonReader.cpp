@@ -8,6 +8,8 @@
 #include <functional>
 #include <limits>
 
+#include "core/Text/Ascii.h"
+
 namespace quillon {
 namespace json {
 namespace {
@@ -48,10 +50,8 @@ void appendQuote(std::string& message, std::string_view text) {
     if (byte >= 0x20 && byte != 0x7F) {
       message += c;
     } else {
-      constexpr std::string_view kDigits = "0123456789abcdef";
       message += "\\x";
-      message += kDigits[byte >> 4];
-      message += kDigits[byte & 0xF];
+      appendHex(message, c);
     }
   }
   if (shown.size() < text.size()) message += "...";

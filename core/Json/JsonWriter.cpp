@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "core/Json/JsonType.h"
+#include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 
 namespace quillon {
@@ -25,7 +26,6 @@ Byte kindOf(char c) {
 }
 
 void writeEscape(std::string& json, char c) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
   constexpr std::string_view kNamed = "\"\\\b\f\n\r\t";
   constexpr std::string_view kNames = "\"\\bfnrt";
   json += '\\';
@@ -33,8 +33,7 @@ void writeEscape(std::string& json, char c) {
     json += kNames[named];
   } else {
     json += "u00";
-    json += kDigits[static_cast<unsigned char>(c) >> 4];
-    json += kDigits[static_cast<unsigned char>(c) & 0xF];
+    appendHex(json, c);
   }
 }
 

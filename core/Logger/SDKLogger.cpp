@@ -1,8 +1,6 @@
 #include "quillon/SDKLogger.h"
 
-#include "core/ConsentSDK/SDKVersion.h"
-#include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/Logger/LogContext.h"
 #include "core/Text/LogText.h"
 
 namespace quillon {
@@ -11,27 +9,22 @@ void SDKLogger::log(std::string_view message, LogLevel level, std::string_view f
                     int lineNnumber) {
   const LogLevel threshold = logLevel();
   if (level < threshold) return;
-  const auto entries = store_.snapshot();
-  const StoredValues stored(*entries);
-  const auto write = [&](const std::string& text) { platform_.console->write(printableForLog(text)); };
-
+  const bool isDetailed = threshold == LogLevel::debug;
   std::string block;
-  if (threshold == LogLevel::debug) {
-    if (const auto version = installedSDKVersion(*platform_.host)) write("SDK Version: " + escapedForLog(*version));
-    if (stored.boolean(key::isATTEnabled)) {
-      const auto identifier = platform_.tracking->advertisingIdentifier();
-      if (identifier && !identifier->empty()) write("ATT AD ID: " + escapedForLog(*identifier));
-    }
-    block += "Subject Identity: " + escapedForLog(store_.getSubjectId()) + "\n";
+  if (isDetailed) {
+    if (const auto version = context_.sdkVersion()) context_.write("SDK Version: " + escapedForLog(*version));
+    const auto identifier = context_.advertisingIdentifier();
+    if (identifier && !identifier->empty()) context_.write("ATT AD ID: " + escapedForLog(*identifier));
+    block += "Subject Identity: " + escapedForLog(context_.subjectId()) + "\n";
   }
-  block += "Configuration Version: " + std::to_string(stored.integer(key::configurationVersion, 0)) + "\n";
-  block += platform_.clock->localText(platform_.clock->now());
+  block += "Configuration Version: " + std::to_string(context_.configurationVersion()) + "\n";
+  block += context_.time();
   block.append(" [").append(rawValue(level)).append("]");
-  if (threshold == LogLevel::debug) {
+  if (isDetailed) {
     block.append(" [").append(fileName.substr(fileName.rfind('/') + 1)).append(":");
     block.append(std::to_string(lineNnumber)).append("] ").append(functionName).append(" - ");
   }
-  write(block.append(message));
+  context_.write(printableForLog(block.append(message)));
 }
 
 }  // namespace quillon

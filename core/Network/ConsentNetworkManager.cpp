@@ -1,5 +1,6 @@
 #include "core/Network/ConsentNetworkManager.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -7,6 +8,7 @@
 #include "core/Network/ExchangeText.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Tasks/Suspension.h"
+#include "core/Text/Ascii.h"
 
 namespace quillon {
 namespace {
@@ -15,6 +17,7 @@ constexpr std::string_view sourceFile = "Network/ConsentNetworkManager";
 constexpr std::string_view functionName = "processRequest(_:)";
 constexpr std::size_t maximumTagBytes = 4096;
 constexpr int notHttp = -999;
+constexpr std::size_t longestShownDocument = 2048;
 
 using Answer = std::expected<HttpResponse, TransportError>;
 
@@ -29,21 +32,12 @@ Task<Answer> exchangeOver(HttpSession& session, HttpRequest request, std::stop_t
   co_return *std::move(answer);
 }
 
-// An error page, or a message, may repeat the token that the request carried. From here on it is nowhere in the answer.
-void maskEcho(HttpResponse& response, const HttpRequest& request) {
-  const auto token = request.headers.find("X-Auth-Token");
-  if (token == request.headers.end() || token->second.empty()) return;
-  const auto mask = [&secret = token->second](std::string& text) {
-    constexpr std::string_view stars = "***";
-    for (auto at = text.find(secret); at != std::string::npos; at = text.find(secret, at + stars.size())) {
-      text.replace(at, secret.size(), stars);
-    }
-  };
-  mask(response.body);
-  for (auto& [name, value] : response.headers) mask(value);
-}
-
 }  // namespace
+
+bool isSendableTag(std::string_view tag) {
+  const auto isPrintable = [](char c) { return static_cast<unsigned char>(c) >= 0x20 && c != 0x7f; };
+  return !tag.empty() && tag.size() <= maximumTagBytes && std::ranges::all_of(tag, isPrintable);
+}
 
 Task<std::expected<ConsentNetworkManager::Exchange, RequestFailure>> ConsentNetworkManager::send(HttpRequest request) {
   HttpRequest sent = request;
@@ -51,26 +45,32 @@ Task<std::expected<ConsentNetworkManager::Exchange, RequestFailure>> ConsentNetw
   if (!answer) co_return std::unexpected(RequestFailure(std::move(answer.error())));
 
   HttpResponse& response = *answer;
-  maskEcho(response, sent);
   const int status = response.status.value_or(notHttp);
   if (status >= 200 && status <= 299) {
-    const auto tag = response.headers.find("Etag");
-    if (tag != response.headers.end() && tag->second.size() <= maximumTagBytes) store_.set(key::etag, tag->second);
-    co_return Exchange{std::move(sent), std::move(response)};
+    Exchange exchange{std::move(sent), std::move(response)};
+    const auto tag = exchange.response.headers.find("Etag");
+    if (tag != exchange.response.headers.end()) {
+      if (const auto text = trimmed(tag->second); isSendableTag(text)) exchange.etag = std::string(text);
+    }
+    if (exchange.etag) store_.set(key::etag, *exchange.etag);
+    co_return exchange;
   }
   if (status == 304) co_return std::unexpected(RequestFailure(NetworkError{NetworkError::Case::cdnNotModified}));
-  if (status != 404) logExchange(sent, response);
+  if (status != 404) logExchange(exchangeText(sent, response));
   co_return std::unexpected(RequestFailure(NetworkError{NetworkError::Case::invalidStatusCode, {}, status}));
 }
 
 RequestFailure ConsentNetworkManager::undecodable(const Exchange& exchange, std::string_view name,
                                                   const std::string& error) {
-  logExchange(exchange.request, exchange.response);
-  return NetworkError{NetworkError::Case::decodingError, "Failed to Decode " + std::string(name) + " : " + error};
+  std::string message = "Failed to Decode " + std::string(name) + " : " + error;
+  // The reason first: the document may be long, and only somebody who debugs wants to see it.
+  const std::size_t shown = logger_.logLevel() == LogLevel::debug ? longestShownDocument : 0;
+  logExchange(message + exchangeText(exchange.request, exchange.response, shown));
+  return NetworkError{NetworkError::Case::decodingError, std::move(message)};
 }
 
-void ConsentNetworkManager::logExchange(const HttpRequest& request, const HttpResponse& response) {
-  UnitLog(logger_, sourceFile)(LogLevel::error, exchangeText(request, response), functionName);
+void ConsentNetworkManager::logExchange(const std::string& text) {
+  UnitLog(logger_, sourceFile)(LogLevel::error, text, functionName);
 }
 
 }  // namespace quillon

@@ -40,9 +40,10 @@ std::string_view rawValue(QueryParam) noexcept {
   return "limit";
 }
 
-GetCDNEndPoint::GetCDNEndPoint(const ConsentSDKOptions& options, std::string_view languageCode, bool useDefaultFile) {
+GetCDNEndPoint::GetCDNEndPoint(const ConsentSDKOptions& options, Mode mode, std::string_view languageCode,
+                               bool useDefaultFile) {
   pathURL = "consent/mobile_banner/" + options.tenantId + "/" + options.appId + "/";
-  pathURL.append(rawValue(options.mode));
+  pathURL.append(rawValue(mode));
   if (useDefaultFile) {
     pathURL += "/config.json";
   } else {

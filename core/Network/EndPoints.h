@@ -29,7 +29,7 @@ struct EndPoint {
 
 // The configuration of an application in one language, or its default file.
 struct GetCDNEndPoint : EndPoint {
-  GetCDNEndPoint(const ConsentSDKOptions& options, std::string_view languageCode, bool useDefaultFile);
+  GetCDNEndPoint(const ConsentSDKOptions& options, Mode mode, std::string_view languageCode, bool useDefaultFile);
 };
 
 // Where the device is.

@@ -9,7 +9,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view tokenHeader = "X-Auth-Token";
+constexpr const char* tokenHeader = "X-Auth-Token";
 constexpr std::string_view tokenMember = "\"x-auth-token\"";
 constexpr std::string_view mask = "***";
 
@@ -45,9 +45,24 @@ std::string withoutToken(std::string_view body) {
   }
 }
 
+std::string shownBody(std::string_view body, std::size_t shownBytes) {
+  if (!isUtf8(body)) return "Non-UTF8 data";
+  if (body.size() <= shownBytes) return escapedForLog(withoutToken(body));
+  const std::string size = std::to_string(body.size()) + " bytes";
+  return shownBytes == 0 ? size : escapedForLog(withoutToken(body).substr(0, shownBytes)) + "… (" + size + ")";
+}
+
 }  // namespace
 
-std::string exchangeText(const HttpRequest& request, const HttpResponse& response) {
+std::string withoutEcho(std::string text, std::string_view token) {
+  if (token.empty()) return text;
+  for (auto at = text.find(token); at != std::string::npos; at = text.find(token, at + mask.size())) {
+    text.replace(at, token.size(), mask);
+  }
+  return text;
+}
+
+std::string exchangeText(const HttpRequest& request, const HttpResponse& response, std::size_t shownBytes) {
   std::string text = "\nURLRequest: {\n";
   text += "  URL: " + escapedForLog(request.url) + "\n";
   text += "  HTTP Method: " + escapedForLog(request.method) + "\n";
@@ -57,13 +72,16 @@ std::string exchangeText(const HttpRequest& request, const HttpResponse& respons
   } else {
     text += "  Body: nil\n";
   }
-  text += "}\nURLResponse: {\n";
-  text += "  URL: " + escapedForLog(response.url) + "\n";
-  text += "  Status Code: " + std::to_string(response.status.value_or(-999)) + "\n";
-  text += "  Headers: " + printed(response.headers) + "\n}\n";
-  text += isUtf8(response.body) ? "Data: { " + escapedForLog(withoutToken(response.body)) + " }"
-                                : "Data: { Non-UTF8 data }";
-  return text;
+  text += "}\n";
+
+  // An error page may repeat the token that the request carried.
+  std::string answer = "URLResponse: {\n";
+  answer += "  URL: " + escapedForLog(response.url) + "\n";
+  answer += "  Status Code: " + std::to_string(response.status.value_or(-999)) + "\n";
+  answer += "  Headers: " + printed(response.headers) + "\n}\n";
+  answer += "Data: { " + shownBody(response.body, shownBytes) + " }";
+  const auto token = request.headers.find(tokenHeader);
+  return token == request.headers.end() ? text + answer : text + withoutEcho(std::move(answer), token->second);
 }
 
 }  // namespace quillon

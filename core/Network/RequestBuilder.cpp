@@ -3,6 +3,7 @@
 #include <boost/url/parse.hpp>
 #include <boost/url/url.hpp>
 
+#include "core/Network/ConsentNetworkManager.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
@@ -34,7 +35,8 @@ std::expected<HttpRequest, NetworkError> RequestBuilder::build(const UserDefault
       request.headers.insert_or_assign(std::string(rawValue(name)), std::move(value));
     }
   }
-  if (const auto tag = StoredValues(*store.snapshot()).string(key::etag)) request.headers["If-None-Match"] = *tag;
+  const auto tag = StoredValues(*store.snapshot()).string(key::etag);
+  if (tag && isSendableTag(*tag)) request.headers["If-None-Match"] = *tag;
   request.body = std::move(endPoint_.body);
   return request;
 }

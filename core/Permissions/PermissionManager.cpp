@@ -29,15 +29,16 @@ std::optional<ConsentStatus> answerAtOnce(const Platform& platform, const Vantar
 
 // The status, the wait for its upload and the record of it.
 void store(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status, DecisionCause cause,
-           const Occasion& occasion) {
+           const DecisionContext& context) {
   const std::string& name = permission.rawValue();
-  transaction.record({.time = occasion.time,
+  transaction.append({.time = context.time,
                       .permission = permission,
                       .from = transaction.consent(name),
                       .to = status,
                       .cause = cause,
-                      .givenType = occasion.givenType,
-                      .language = occasion.language});
+                      .givenType = context.givenType,
+                      .language = context.language},
+                     context.application);
   transaction.addPendingPermission(name);
   transaction.set(name, std::string(rawValue(status)));
 }
@@ -90,16 +91,31 @@ std::vector<std::pair<VantariKey, ConsentStatus>> PermissionManager::liveStatuse
   return statuses;
 }
 
-bool PermissionManager::checkPermissions(const Occasion& occasion) {
+bool PermissionManager::recordStatuses(const DecisionContext& context) {
+  const auto statuses = liveStatuses();
+  bool changed = false;
+  store_.transact([&](StoreTransaction& transaction) {
+    changed = false;
+    for (const auto& [permission, status] : statuses) {
+      if (transaction.consent(permission.rawValue()) == status) continue;
+      setConsent(transaction, permission, status, DecisionCause::device, context);
+      changed = true;
+    }
+  });
+  return changed;
+}
+
+bool PermissionManager::checkPermissions(const DecisionContext& context) {
   const UnitLog log(logger_, sourceFile);
   log(LogLevel::info, "Permissions consent checks executed.", "checkPermissions()");
   const auto statuses = liveStatuses();
   std::vector<std::string> changed;
   store_.transact([&](StoreTransaction& transaction) {
+    changed.clear();
     for (const auto& [permission, status] : statuses) {
       const std::string& name = permission.rawValue();
       if (transaction.consent(name) == status) continue;
-      store(transaction, permission, status, DecisionCause::device, occasion);
+      store(transaction, permission, status, DecisionCause::device, context);
       changed.push_back(name);
     }
   });
@@ -130,15 +146,13 @@ std::vector<PermissionConsent> PermissionManager::pendingConsents(const StoredVa
 }
 
 void PermissionManager::setConsent(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status,
-                                   DecisionCause cause, const Occasion& occasion) {
+                                   DecisionCause cause, const DecisionContext& context) {
   if (transaction.consent(permission.rawValue()) != status) {
     transaction.set(key::arePermissionsChanged, true);
-    transaction.set(key::permissionsChangeTimestamp, occasion.time);
+    transaction.set(key::permissionsChangeTimestamp, context.time);
   }
-  if (occasion.givenType != GivenType::noAction) {
-    transaction.set(key::consentGivenType, std::string(rawValue(occasion.givenType)));
-  }
-  store(transaction, permission, status, cause, occasion);
+  transaction.giveConsents(context.givenType);
+  store(transaction, permission, status, cause, context);
 }
 
 }  // namespace quillon

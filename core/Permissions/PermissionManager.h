@@ -30,7 +30,10 @@ class PermissionManager {
   std::optional<ConsentStatus> knownConsent(const VantariKey& permission) const;
 
   // Stores what changed on the device since the last check and marks it for upload. True when anything did.
-  bool checkPermissions(const Occasion& occasion);
+  bool checkPermissions(const DecisionContext& context);
+
+  // Stores what the device says now wherever that differs from what is stored. True when anything did.
+  bool recordStatuses(const DecisionContext& context);
 
   // Every configured permission with a key, in display order, with what the device says now.
   std::vector<std::pair<VantariKey, ConsentStatus>> liveStatuses() const;
@@ -46,7 +49,7 @@ class PermissionManager {
 
   // Writes one state and everything that belongs to it.
   static void setConsent(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status,
-                         DecisionCause cause, const Occasion& occasion);
+                         DecisionCause cause, const DecisionContext& context);
 
  private:
   const std::vector<AppPermission>& permissions() const;

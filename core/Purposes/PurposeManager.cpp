@@ -4,6 +4,7 @@
 
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Purposes/PurposeTerms.h"
 
 namespace quillon {
 namespace {
@@ -32,64 +33,65 @@ std::string listText(const std::vector<std::int64_t>& numbers) {
 
 PurposeManager::PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
                                std::shared_ptr<const MainConfiguration> configuration)
-    : platform_(platform), store_(store), logger_(logger), configuration_(std::move(configuration)) {
-  if (!configuration_ || !configuration_->isATTEnabled.value_or(false) || !configuration_->attConfig) return;
-  if (const auto& bound = configuration_->attConfig->purposeIds) attMapped_.insert(bound->begin(), bound->end());
+    : platform_(platform),
+      store_(store),
+      logger_(logger),
+      configuration_(std::move(configuration)),
+      tracking_(platform.tracking->authorization() == TrackingAuthorization::authorized) {
+  if (!configuration_) return;
+  const auto bound = purposesBoundToTracking(*configuration_);
+  attMapped_.insert(bound.begin(), bound.end());
 }
 
 const std::vector<Purpose>& PurposeManager::purposes() const {
   static const std::vector<Purpose> none;
-  return configuration_->purposes ? *configuration_->purposes : none;
+  return configuration_ && configuration_->purposes ? *configuration_->purposes : none;
 }
 
-bool PurposeManager::trackingAuthorized() const {
-  return platform_.tracking->authorization() == TrackingAuthorization::authorized;
-}
-
-ConsentStatus PurposeManager::currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const {
+ConsentStatus PurposeManager::currentStatus(std::int64_t purposeId, const StoredValues& stored) const {
   const auto decision = stored.consent(PurposeKey(purposeId));
   const ConsentStatus status = decision.value_or(stored.complianceDefault());
-  return isATTMapped(purposeId) ? adjusted(status, decision.has_value(), tracking) : status;
+  return isATTMapped(purposeId) ? adjusted(status, decision.has_value(), tracking_) : status;
 }
 
-PurposeManager::Check PurposeManager::checkPurposes(const Occasion& occasion) {
+bool PurposeManager::checkPurposes(const DecisionContext& context) {
   const UnitLog log(logger_, sourceFile);
   log(LogLevel::info, "Purposes consent checks executed", "checkPurposes()");
 
   // The flag is the host process's own; the one that setConsent() writes into the suite is for other readers.
-  bool changed = StoredValues(*platform_.store->standardDefaults()->snapshot()).boolean(key::arePurposesChanged);
+  const bool flagged = StoredValues(*platform_.store->standardDefaults()->snapshot()).boolean(key::arePurposesChanged);
+  bool undecided = false;
   std::vector<std::int64_t> changedIds;
-  const bool tracking = trackingAuthorized();
   store_.transact([&](StoreTransaction& transaction) {
+    undecided = false;
+    changedIds.clear();
     for (const Purpose& purpose : purposes()) {
       if (!purpose.purposeId) continue;
       const std::int64_t id = *purpose.purposeId;
       const auto decision = transaction.consent(PurposeKey(id));
-      if (!decision) changed = true;
+      if (!decision) undecided = true;
       const ConsentStatus before = decision.value_or(transaction.complianceDefault());
-      const ConsentStatus status = currentStatus(id, transaction, tracking);
+      const ConsentStatus status = currentStatus(id, transaction);
       if (isATTMapped(id) && status != before) {
-        // The device decided, not the user: the occasion says so, and how the consents were given stays as it is.
-        setConsent(transaction, {id, status, DecisionCause::trackingStatus}, occasion);
+        // The device decided, not the user: the context says so, and how the consents were given stays as it is.
+        setConsent(transaction, {id, status, DecisionCause::trackingStatus}, context);
         changedIds.push_back(id);
       }
     }
   });
   if (!changedIds.empty()) {
     log(LogLevel::debug, "Changed Purposes: " + listText(changedIds), "checkPurposes()");
-    changed = true;
   }
-  return {pendingConsents(StoredValues(*store_.snapshot())), changed};
+  return flagged || undecided || !changedIds.empty();
 }
 
 std::vector<Purpose> PurposeManager::purposesWithConsents() const {
   const auto entries = store_.snapshot();
   const StoredValues stored(*entries);
-  const bool tracking = trackingAuthorized();
   std::vector<Purpose> result = purposes();
   for (Purpose& purpose : result) {
     if (!purpose.purposeId) continue;
-    purpose.consentStatus = currentStatus(*purpose.purposeId, stored, tracking);
+    purpose.consentStatus = currentStatus(*purpose.purposeId, stored);
     if (!isATTMapped(*purpose.purposeId)) continue;
     purpose.isATTMapped = true;
     if (configuration_->attConfig->showInfoOnPrefCenter.value_or(false)) {
@@ -100,38 +102,37 @@ std::vector<Purpose> PurposeManager::purposesWithConsents() const {
 }
 
 PurposeManager::Resolution PurposeManager::decided(std::int64_t purposeId, bool granted, DecisionCause cause,
-                                                   const StoredValues& stored, bool tracking) const {
+                                                   const StoredValues& stored) const {
   if (isATTMapped(purposeId)) {
-    return {purposeId, currentStatus(purposeId, stored, tracking), DecisionCause::trackingStatus};
+    return {purposeId, currentStatus(purposeId, stored), DecisionCause::trackingStatus};
   }
   return {purposeId, granted ? ConsentStatus::granted : ConsentStatus::declined, cause};
 }
 
 PurposeManager::Resolutions PurposeManager::answer(bool accept, const StoredValues& stored) const {
-  const bool tracking = trackingAuthorized();
   Resolutions resolutions;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId) continue;
     const bool essential = purpose.disableOptOut.value_or(false);
-    const auto cause = essential && !accept ? DecisionCause::essential : DecisionCause::user;
-    resolutions.push_back(decided(*purpose.purposeId, accept || essential, cause, stored, tracking));
+    const auto cause = essential ? DecisionCause::essential : DecisionCause::user;
+    resolutions.push_back(decided(*purpose.purposeId, accept || essential, cause, stored));
   }
   return resolutions;
 }
 
 PurposeManager::Resolutions PurposeManager::choices(const std::map<std::int64_t, bool>& selected,
                                                     const StoredValues& stored) const {
-  const bool tracking = trackingAuthorized();
   Resolutions resolutions;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId) continue;
+    if (purpose.disableOptOut.value_or(false)) {
+      // The user cannot choose about it; what is shown as active is recorded as granted.
+      resolutions.push_back(decided(*purpose.purposeId, true, DecisionCause::essential, stored));
+      continue;
+    }
     const auto choice = selected.find(*purpose.purposeId);
     if (choice == selected.end()) continue;
-    // The user cannot choose about an essential purpose: it gets its default unless a decision stands.
-    const bool undecided = !stored.consent(PurposeKey(*purpose.purposeId));
-    const bool essential = !choice->second && undecided && purpose.disableOptOut.value_or(false);
-    const auto cause = essential ? DecisionCause::essential : DecisionCause::user;
-    resolutions.push_back(decided(*purpose.purposeId, choice->second || essential, cause, stored, tracking));
+    resolutions.push_back(decided(*purpose.purposeId, choice->second, DecisionCause::user, stored));
   }
   return resolutions;
 }
@@ -142,18 +143,17 @@ bool PurposeManager::hasDecisions(const StoredValues& stored) const {
   });
 }
 
-GivenType PurposeManager::recordDefaults(StoreTransaction& transaction, Occasion occasion) const {
-  const bool awaitsAnswer = transaction.consentGivenType() == givenType::noAction && hasDecisions(transaction);
-  occasion.givenType = awaitsAnswer ? GivenType::noAction : GivenType::implicitly;
-  const bool tracking = trackingAuthorized();
+GivenType PurposeManager::recordDefaults(StoreTransaction& transaction, DecisionContext context) const {
+  const bool awaitsAnswer = transaction.consentGivenType() == GivenType::noAction && hasDecisions(transaction);
+  context.givenType = awaitsAnswer ? GivenType::noAction : GivenType::implicitly;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId || transaction.consent(PurposeKey(*purpose.purposeId))) continue;
     const bool essential = purpose.disableOptOut.value_or(false);
     const bool granted = essential || transaction.complianceDefault() == ConsentStatus::granted;
     const auto cause = essential ? DecisionCause::essential : DecisionCause::byDefault;
-    setConsent(transaction, decided(*purpose.purposeId, granted, cause, transaction, tracking), occasion);
+    setConsent(transaction, decided(*purpose.purposeId, granted, cause, transaction), context);
   }
-  return occasion.givenType;
+  return context.givenType;
 }
 
 std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& stored) const {
@@ -169,23 +169,23 @@ std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& 
   return consents;
 }
 
-void PurposeManager::setConsent(StoreTransaction& transaction, const Resolution& resolution, const Occasion& occasion) {
+void PurposeManager::setConsent(StoreTransaction& transaction, const Resolution& resolution,
+                                const DecisionContext& context) {
   const PurposeKey purposeKey(resolution.purposeId);
   const auto before = transaction.consent(purposeKey);
-  transaction.record({.time = occasion.time,
+  transaction.append({.time = context.time,
                       .purposeId = resolution.purposeId,
                       .from = before,
                       .to = resolution.status,
                       .cause = resolution.cause,
-                      .givenType = occasion.givenType,
-                      .language = occasion.language});
+                      .givenType = context.givenType,
+                      .language = context.language},
+                     context.application);
   if (before != resolution.status) {
     transaction.set(key::arePurposesChanged, true);
-    transaction.set(key::purposesChangeTimestamp, occasion.time);
+    transaction.set(key::purposesChangeTimestamp, context.time);
   }
-  if (occasion.givenType != GivenType::noAction) {
-    transaction.set(key::consentGivenType, std::string(rawValue(occasion.givenType)));
-  }
+  transaction.giveConsents(context.givenType);
   transaction.addPendingPurpose(resolution.purposeId);
   transaction.set(purposeKey, std::string(rawValue(resolution.status)));
 }

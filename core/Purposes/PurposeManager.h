@@ -18,18 +18,14 @@ namespace quillon {
 // Thread-safe; all durable state is in the store.
 class PurposeManager {
  public:
-  struct Check {
-    std::vector<PurposeConsent> pending;  // of the purposes whose consent is still to be uploaded
-    // A purpose has no consent yet, a consent followed the tracking status, or the process's own change flag is set.
-    bool changed;
-  };
-
-  // Platform, store and logger must outlive it.
+  // Asks the device for the tracking status, so no transaction has to. Platform, store and logger must outlive it; the
+  // configuration may be null, and lists no purposes then.
   PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
                  std::shared_ptr<const MainConfiguration> configuration);
 
-  // Brings the purposes that are bound to app tracking in line with its status, and tells what is still to be uploaded.
-  Check checkPurposes(const Occasion& occasion);
+  // Brings the purposes that are bound to app tracking in line with its status. True when a purpose has no consent yet,
+  // a consent followed the tracking status, or the process's own change flag is set.
+  bool checkPurposes(const DecisionContext& context);
 
   // The purposes in display order, each with its present consent and, when app tracking governs it, marked so.
   std::vector<Purpose> purposesWithConsents() const;
@@ -45,8 +41,9 @@ class PurposeManager {
   // granted and those bound to app tracking follow its status.
   Resolutions answer(bool accept, const StoredValues& stored) const;
 
-  // What the choices made in the preference centre mean: granted where true, else declined; purposes bound to app
-  // tracking follow its status, which may have changed since they were shown. Purposes without a choice are left out.
+  // What the choices made in the preference centre mean: granted where true, else declined; essential purposes are
+  // granted, and those bound to app tracking follow its status, which may have changed since they were shown. Other
+  // purposes without a choice are left out.
   Resolutions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
 
   // Whether anything is stored for a purpose that app tracking does not govern.
@@ -55,28 +52,28 @@ class PurposeManager {
   // Gives every purpose without a decision its default: what app tracking says, granted when essential, else what the
   // compliance type implies. Answers the given type that goes with it: implicit, or none while a re-consent is being
   // waited for, which defaults must not answer.
-  GivenType recordDefaults(StoreTransaction& transaction, Occasion occasion) const;
+  GivenType recordDefaults(StoreTransaction& transaction, DecisionContext context) const;
 
   // The pending consents as the upload carries them, read from one content of the store.
   std::vector<PurposeConsent> pendingConsents(const StoredValues& stored) const;
 
   // Writes one decision and everything that belongs to it.
-  static void setConsent(StoreTransaction& transaction, const Resolution& resolution, const Occasion& occasion);
+  static void setConsent(StoreTransaction& transaction, const Resolution& resolution, const DecisionContext& context);
+
+  const std::vector<Purpose>& purposes() const;
 
  private:
-  const std::vector<Purpose>& purposes() const;
   bool isATTMapped(std::int64_t purposeId) const { return attMapped_.contains(purposeId); }
   // The present status: the decision or the default, then what app tracking makes of it.
-  ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored, bool tracking) const;
+  ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored) const;
   // What comes of a decision of that cause, which tracking may overrule.
-  Resolution decided(std::int64_t purposeId, bool granted, DecisionCause cause, const StoredValues& stored,
-                     bool tracking) const;
-  bool trackingAuthorized() const;
+  Resolution decided(std::int64_t purposeId, bool granted, DecisionCause cause, const StoredValues& stored) const;
 
   const Platform& platform_;
   UserDefaultManager& store_;
   SDKLogger& logger_;
   const std::shared_ptr<const MainConfiguration> configuration_;
+  const bool tracking_;                         // authorized
   std::unordered_set<std::int64_t> attMapped_;  // the purposes that app tracking governs
 };
 

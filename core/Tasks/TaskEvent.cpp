@@ -1,38 +1,25 @@
 #include "core/Tasks/TaskEvent.h"
 
-#include <system_error>
 #include <utility>
 
 #include "core/Tasks/Suspension.h"
 
 namespace quillon {
-namespace {
 
-// Null when the system has no thread left for the clock: then the wait takes as long as the event does.
-std::unique_ptr<Timer> timerFor(std::chrono::milliseconds limit, Clock& clock, Job job) {
-  try {
-    return clock.after(limit, std::move(job));
-  } catch (const std::system_error&) {
-    return nullptr;
-  }
-}
-
-}  // namespace
-
-void TaskEvent::happen() {
+void TaskEvent::signal() {
   std::vector<Job> waiting;
   {
     const std::scoped_lock lock(mutex_);
-    happened_ = true;
+    signalled_ = true;
     waiting.swap(waiting_);
   }
   for (auto& job : waiting) job();
 }
 
-void TaskEvent::whenItHappens(Job job) {
+void TaskEvent::onSignal(Job job) {
   {
     const std::scoped_lock lock(mutex_);
-    if (!happened_) {
+    if (!signalled_) {
       waiting_.push_back(std::move(job));
       return;
     }
@@ -40,25 +27,25 @@ void TaskEvent::whenItHappens(Job job) {
   job();
 }
 
-Task<void> TaskEvent::happens() {
-  return suspendedUntilRun([this](Job goOn) { whenItHappens(std::move(goOn)); });
+Task<void> TaskEvent::wait() {
+  return suspendedUntilRun([this](Job resume) { onSignal(std::move(resume)); });
 }
 
-Task<bool> TaskEvent::happensWithin(std::chrono::milliseconds limit, Clock& clock) {
-  const auto first = std::make_shared<TaskEvent>();  // of the event and the end of the time
-  whenItHappens([first] { first->happen(); });
+Task<bool> TaskEvent::waitFor(std::chrono::milliseconds limit, Clock& clock) {
+  const auto first = std::make_shared<TaskEvent>();  // of the signal and the timeout
+  onSignal([first] { first->signal(); });
   {
-    const auto timer = timerFor(limit, clock, [first] { first->happen(); });
-    co_await first->happens();
+    const auto timer = clock.after(limit, [first] { first->signal(); });
+    co_await first->wait();
   }
   const std::scoped_lock lock(mutex_);
-  if (!happened_) missed_ = true;
-  co_return happened_;
+  if (!signalled_) timedOut_ = true;
+  co_return signalled_;
 }
 
-bool TaskEvent::wasMissed() const {
+bool TaskEvent::hasTimedOut() const {
   const std::scoped_lock lock(mutex_);
-  return missed_;
+  return timedOut_;
 }
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// Something that happens once, for which tasks wait.
+// An event that is signalled once, and for which tasks wait.
 #pragma once
 
 #include <chrono>
@@ -14,24 +14,24 @@ namespace quillon {
 // Thread-safe. A task that waits holds no thread.
 class TaskEvent {
  public:
-  void happen();
+  void signal();
 
-  Task<void> happens();
+  Task<void> wait();
 
-  // False when that time of the clock was over first.
-  Task<bool> happensWithin(std::chrono::milliseconds limit, Clock& clock);
+  // False on timeout.
+  Task<bool> waitFor(std::chrono::milliseconds limit, Clock& clock);
 
-  // Whether somebody waited for it in vain.
-  [[nodiscard]] bool wasMissed() const;
+  // Whether a wait timed out.
+  [[nodiscard]] bool hasTimedOut() const;
 
  private:
-  // Runs the job when it happens, or now.
-  void whenItHappens(Job job);
+  // Runs the job at the signal, or now when that has been given.
+  void onSignal(Job job);
 
   mutable std::mutex mutex_;  // guards the members below
   std::vector<Job> waiting_;
-  bool happened_ = false;
-  bool missed_ = false;
+  bool signalled_ = false;
+  bool timedOut_ = false;
 };
 
 }  // namespace quillon

@@ -16,7 +16,7 @@ class TaskGroup {
   TaskGroup(std::shared_ptr<Executor> executor, std::function<void(const char*)> onException);
 
   // Starts what the function returns; the function and all that it captured live until the task is over. Does nothing
-  // once the group is closed. One type of function for all tasks: what Asio makes of each would be most of the library.
+  // once the group is closed. Type-erased: one instantiation of what Asio makes of a task instead of one for each call.
   void start(std::move_only_function<Task<void>()> makeTask);
 
   // Becomes ready as soon as no task is under way.

@@ -10,15 +10,14 @@ namespace quillon {
 
 struct TaskQueue::Line {
   std::mutex mutex;                              // guards the member below
-  std::deque<std::shared_ptr<TaskEvent>> turns;  // the first has come
+  std::deque<std::shared_ptr<TaskEvent>> turns;  // the first one's has come
 
   void join(const std::shared_ptr<TaskEvent>& turn) {
     const std::scoped_lock lock(mutex);
     turns.push_back(turn);
-    if (turns.size() == 1) turn->happen();
+    if (turns.size() == 1) turn->signal();  // nobody waits for it yet
   }
 
-  // Also before its turn has come, when the task is dropped.
   void leave(const std::shared_ptr<TaskEvent>& turn) {
     std::shared_ptr<TaskEvent> next;
     {
@@ -26,18 +25,28 @@ struct TaskQueue::Line {
       std::erase(turns, turn);
       if (!turns.empty()) next = turns.front();
     }
-    if (next) next->happen();
+    if (next) next->signal();
   }
+};
+
+struct TaskQueue::Place::Held {
+  explicit Held(std::shared_ptr<Line> where) : line(std::move(where)) { line->join(turn); }
+  ~Held() { line->leave(turn); }
+  Held(const Held&) = delete;
+  Held& operator=(const Held&) = delete;
+
+  const std::shared_ptr<Line> line;
+  const std::shared_ptr<TaskEvent> turn = std::make_shared<TaskEvent>();
 };
 
 TaskQueue::TaskQueue() : line_(std::make_shared<Line>()) {}
 
-Task<TaskQueue::Turn> TaskQueue::enter() {
-  const auto turn = std::make_shared<TaskEvent>();
-  line_->join(turn);
-  Turn place(nullptr, [line = line_, turn](void*) { line->leave(turn); });
-  co_await turn->happens();
-  co_return place;
+TaskQueue::Place TaskQueue::join() {
+  return Place(std::make_shared<Place::Held>(line_));
+}
+
+Task<void> TaskQueue::Place::turn() const {
+  return held_->turn->wait();
 }
 
 }  // namespace quillon

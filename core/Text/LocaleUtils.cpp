@@ -30,20 +30,11 @@ std::string LocaleUtils::languageCode() const {
 }
 
 std::string LocaleUtils::currentLanguageCode() const {
-  {
-    const std::scoped_lock lock(mutex_);
-    if (!chosen_.empty()) return chosen_;
-  }
   std::string code = languageCode();
   for (const auto& [retired, present] : substitutions) {
     if (code == retired) return std::string(present);
   }
   return code;
-}
-
-void LocaleUtils::setCurrentLanguageCode(std::string code) {
-  const std::scoped_lock lock(mutex_);
-  chosen_ = std::move(code);
 }
 
 }  // namespace quillon

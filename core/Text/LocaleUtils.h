@@ -1,4 +1,4 @@
-// The language in which the user is addressed.
+// The language of the device.
 #pragma once
 
 #include <mutex>
@@ -18,18 +18,13 @@ class LocaleUtils {
   const std::string& preferredLanguage() const;
   // Its part before the first "-".
   std::string languageCode() const;
-
-  // The code in force: the one that the options gave, else languageCode() with retired codes replaced.
+  // The same with retired codes replaced.
   std::string currentLanguageCode() const;
-  // An empty code returns to the device's language.
-  void setCurrentLanguageCode(std::string code);
 
  private:
   const Platform& platform_;
   mutable std::once_flag read_;
   mutable std::string preferred_;
-  mutable std::mutex mutex_;  // guards chosen_
-  std::string chosen_;
 };
 
 }  // namespace quillon

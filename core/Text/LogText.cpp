@@ -1,12 +1,12 @@
 #include "core/Text/LogText.h"
 
+#include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 
 namespace quillon {
 namespace {
 
 constexpr std::size_t maximumBytes = 64 << 10;
-constexpr std::string_view hexDigits = "0123456789abcdef";
 
 constexpr bool isBetween(unsigned code, unsigned first, unsigned last) {
   return code >= first && code <= last;
@@ -20,14 +20,14 @@ unsigned codeOf(std::string_view character) {
 }
 
 // Control characters above ASCII, line and paragraph separators, and the marks that turn the order of writing.
-bool isTreacherous(unsigned code) {
+bool isUnsafeForTerminal(unsigned code) {
   return isBetween(code, 0x80, 0x9f) || code == 0x61c || isBetween(code, 0x200e, 0x200f) ||
          isBetween(code, 0x2028, 0x202e) || isBetween(code, 0x2066, 0x2069);
 }
 
 void appendByte(std::string& text, char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  text.append("\\x").append(1, hexDigits[byte >> 4]).append(1, hexDigits[byte & 15]);
+  text += "\\x";
+  appendHex(text, c);
 }
 
 void appendCode(std::string& text, unsigned code) {
@@ -66,7 +66,7 @@ std::string escaped(std::string_view value, LineBreaks lineBreaks) {
     if (length > 1) {
       const std::string_view character = value.substr(0, length);
       const unsigned code = length < 4 ? codeOf(character) : 0;
-      if (isTreacherous(code)) {
+      if (isUnsafeForTerminal(code)) {
         appendCode(text, code);
       } else {
         text += character;

@@ -25,6 +25,7 @@
 namespace quillon {
 
 class SDKLogger;
+class ScreenServices;
 struct Platform;
 
 /// Keeps the user's consents, decides when the banner is due and uploads what was decided.
@@ -34,16 +35,26 @@ struct Platform;
 /// as a status, an empty result or `false`. The one exception: a consent store that can be neither opened nor created
 /// stops the process.
 ///
+/// The calls of one thread take effect in their order: of two answers in a row the later one holds, and so does a set()
+/// after an answer.
+///
 /// Asynchronous operations come twice. With a callback: it is called exactly once, on the main queue, after the call
-/// has returned, with arguments that it may keep; not at all when the SDK is destroyed first. An exception it throws is
-/// contained. As a future: it becomes ready on a thread of the SDK's and never holds an exception; when the SDK is
-/// destroyed first it holds an empty result. Waiting for it on the main queue is allowed.
+/// has returned, with arguments that it may keep; not at all when the SDK is destroyed or closed first. An exception it
+/// throws is contained. As a future: it becomes ready on a thread of the SDK's and never holds an exception; when the
+/// SDK is destroyed or closed first it holds an empty list, text or record, `false`, or ConsentStatus::notDetermined.
+/// Waiting for it on the main queue is allowed.
+///
+/// Whether to act on a purpose is a question for isAllowed() or whileAllowed(), which fail closed; get() tells the
+/// status, and without a configuration that is the default `granted`.
 ///
 /// @code
 /// auto& sdk = quillon::ConsentSDK::shared();
-/// sdk.setup({.appUrl = "https://app.example.com/", .cdnUrl = "https://cdn.example.com/", .tenantId = "t", .appId =
-/// "a"}); sdk.isReady([&](quillon::SDKStatus status) {
-///   if (status == quillon::SDKStatus::ready && sdk.isBannerDue()) showBanner();
+/// sdk.setup({.appUrl = "https://app.example.com/",
+///            .cdnUrl = "https://cdn.example.com/",
+///            .tenantId = "t",
+///            .appId = "a"});
+/// sdk.isReady([&](quillon::SDKStatus status) {
+///   if (status == quillon::SDKStatus::ready) sdk.presentBanner();
 /// });
 /// @endcode
 class ConsentSDK {
@@ -94,7 +105,38 @@ class ConsentSDK {
   /// @name Consents
   /// @{
 
-  /// The decision on a purpose, else the default of the compliance type. Cheap enough for every frame.
+  /// Whether the application may act on a purpose now. True only when a decision is stored that says `granted`; or,
+  /// without a decision, when a configuration is in force in this process that lists the purpose and either marks it
+  /// essential or is of a compliance type that needs no question, unless entries of the store were lost to damage. A
+  /// purpose that is bound to app tracking also needs the device's authorization. False in every other state: before
+  /// the first configuration, after close() without a decision, when in doubt. Any thread; allocates nothing; cheap
+  /// enough for every frame.
+  ///
+  /// @code
+  /// if (quillon::ConsentSDK::shared().isAllowed(2)) measure();
+  /// @endcode
+  [[nodiscard]] bool isAllowed(std::int64_t purposeId) const;
+
+  /// Whether the device is known to grant a permission now. Never waits for the device, and never goes by what was
+  /// stored. Any thread.
+  [[nodiscard]] bool isAllowed(const VantariKey& vantariKey) const;
+
+  /// Whether anything is stored about a purpose: an answer, or a default that was recorded.
+  [[nodiscard]] bool isDecided(std::int64_t purposeId) const;
+
+  /// Runs something exactly while a purpose is allowed: calls @p start once as soon as isAllowed() is true, also when
+  /// it is so already, @p stop once when it is no longer, and so on in turn; nothing once the handle is dropped or the
+  /// SDK closed. On the main queue, judged at the moment of the call. It sees every cause: decisions, defaults, the
+  /// tracking status, a new configuration, removeConsents(), damage, and other processes of the application within a
+  /// second.
+  ///
+  /// @code
+  /// auto counting = sdk.whileAllowed(2, [&] { counter.start(); }, [&] { counter.stop(); });
+  /// @endcode
+  Listening whileAllowed(std::int64_t purposeId, std::function<void()> start, std::function<void()> stop);
+
+  /// The decision on a purpose, else the default of the compliance type: `granted` while no compliance type is known.
+  /// Says what is, not what may be done: that is isAllowed(). Cheap enough for every frame.
   [[nodiscard]] ConsentStatus get(std::int64_t purposeId) const;
 
   /// The state of a permission: of a permission that the configuration lists, what the device is known to say; of
@@ -153,7 +195,9 @@ class ConsentSDK {
   void explain(std::int64_t purposeId, std::function<void(ConsentExplanation)> callback);
   [[nodiscard]] std::future<ConsentExplanation> explain(std::int64_t purposeId);
 
-  /// Deletes every stored value: decisions and their history, identity, token. The cached configuration stays.
+  /// Deletes every stored value: decisions and their history, identity, token. The cached configuration stays, and what
+  /// is in force applies again at once, so that undecided purposes have its default. Listeners hear of every consent
+  /// that went, with the cause `removed`.
   void removeConsents();
   /// @}
 
@@ -168,10 +212,9 @@ class ConsentSDK {
   /// @endcode
   /// @{
 
-  /// Calls with every decision of this instance that changed what is stored: the purpose or permission, the status
-  /// before (nothing when there was none) and after, how it was given and when. Not called for removeConsents(), which
-  /// is the application's own doing, nor for what another process of the application decided: get() answers with that
-  /// at the latest 100 ms after it was stored.
+  /// Calls with every decision that changed what is stored: the purpose or permission, the status before (nothing when
+  /// there was none) and after, how it was given and when. Decisions of other processes of the application are told
+  /// within a second; of several in a row on one subject only the last.
   Listening listenToConsents(std::function<void(const Decision& change)> listener);
 
   /// Calls when a screen of the SDK is shown, and when it is gone.
@@ -179,6 +222,11 @@ class ConsentSDK {
 
   /// Calls with the outcome of every upload that was tried.
   Listening listenToUploads(std::function<void(const UploadEvent& event)> listener);
+
+  /// Calls when the banner has become due while the application runs: after a load or a check that finds its interval
+  /// over, or a configuration that asks again. Then it is for the application to call presentBanner(), at a moment that
+  /// suits.
+  Listening listenToBannerDue(std::function<void(const BannerExplanation& banner)> listener);
   /// @}
 
   /// @name Banner
@@ -191,7 +239,9 @@ class ConsentSDK {
   [[nodiscard]] std::future<std::optional<BannerConfig>> getBannerConfig(
       std::optional<MainConfiguration> configuration = std::nullopt);
 
-  /// Whether the banner must be shown now. A positive answer counts as showing it: ask only when about to show it.
+  /// Whether the banner must be shown now; never while no configuration is in force. A positive answer counts as
+  /// showing it: ask only when about to show it. Once a banner of the application's own was answered, it may become due
+  /// again.
   [[nodiscard]] bool isBannerDue();
 
   /// What isBannerDue() would answer now, and why. Changes nothing, so it may be asked at any time.
@@ -256,11 +306,11 @@ class ConsentSDK {
   [[nodiscard]] std::future<void> settled();
   /// @}
 
-  /// What user interfaces of the library are built on; no business of hosts.
-  class Core;
-  [[nodiscard]] const std::shared_ptr<Core>& core() const noexcept { return core_; }
+  /// What user interfaces are built on; no business of applications that use ours.
+  [[nodiscard]] std::shared_ptr<ScreenServices> screens() const;
 
  private:
+  class Core;
   std::shared_ptr<Core> core_;
 };
 

@@ -31,17 +31,35 @@ struct WebViewConfig {
   bool operator==(const WebViewConfig&) const = default;
 };
 
-/// Period of the recurring consent check. A value of 60 seconds or less becomes 60 seconds.
+/// Period of the recurring consent check: at least 60 seconds and at most a year; what is less or more becomes that.
 class ConsentsCheckInterval {
  public:
-  constexpr ConsentsCheckInterval(std::int64_t seconds) noexcept : seconds_(seconds <= 60 ? 60 : seconds) {}
-  constexpr ConsentsCheckInterval(std::chrono::seconds period) noexcept : ConsentsCheckInterval(period.count()) {}
+  constexpr ConsentsCheckInterval(std::int64_t seconds) noexcept
+      : seconds_(seconds < shortest  ? shortest
+                 : seconds > longest ? longest
+                                     : seconds) {}
+  /// Any duration, its fraction of a second cut off.
+  template <class Rep, class Period>
+  constexpr ConsentsCheckInterval(std::chrono::duration<Rep, Period> period) noexcept
+      : ConsentsCheckInterval(wholeSeconds(period)) {}
 
-  /// The period in seconds, at least 60.
+  /// The period in seconds, from 60 to 31,536,000.
   [[nodiscard]] constexpr std::int64_t count() const noexcept { return seconds_; }
   bool operator==(const ConsentsCheckInterval&) const = default;
 
  private:
+  static constexpr std::int64_t shortest = 60;
+  static constexpr std::int64_t longest = std::int64_t{365} * 24 * 60 * 60;
+
+  // Compares as floating-point numbers first: whole ones of another unit may not fit.
+  template <class Rep, class Period>
+  static constexpr std::int64_t wholeSeconds(std::chrono::duration<Rep, Period> period) noexcept {
+    const auto seconds = std::chrono::duration<long double>(period).count();
+    if (!(seconds > static_cast<long double>(shortest))) return shortest;
+    if (seconds > static_cast<long double>(longest)) return longest;
+    return static_cast<std::int64_t>(seconds);
+  }
+
   std::int64_t seconds_;
 };
 
@@ -62,7 +80,8 @@ class LanguageCode {
   std::string code_;
 };
 
-/// The options of ConsentSDK::setup(). A plain value; fill it with designated initializers in the order given.
+/// The options of ConsentSDK::setup(). A plain value; fill it with designated initializers in the order given. Set-up
+/// checks it and logs one line at ERROR for every mistake.
 ///
 /// @code
 /// quillon::ConsentSDK::shared().setup({
@@ -75,9 +94,9 @@ class LanguageCode {
 /// });
 /// @endcode
 struct ConsentSDKOptions {
-  /// Base address of the application server that takes consent uploads. Must end in "/".
+  /// Base address of the application server that takes consent uploads, such as "https://app.example.com/".
   std::string appUrl;
-  /// Base address under which configuration files are published. Must end in "/".
+  /// Base address under which configuration files are published, such as "https://cdn.example.com/".
   std::string cdnUrl;
   /// Tenant identifier, part of the configuration path.
   std::string tenantId;
@@ -87,13 +106,14 @@ struct ConsentSDKOptions {
   bool testingMode = false;
   /// Threshold of the logger.
   LogLevel logLevel = LogLevel::error;
-  /// Period of the recurring consent check in seconds; never less than 60.
+  /// Period of the recurring consent check; half an hour unless given.
   ConsentsCheckInterval consentsCheckInterval = 1800;
   /// Identity of the data subject; without one the SDK makes a random one and keeps it.
   std::optional<std::string> subjectId = std::nullopt;
-  /// Language of the configuration; without one the device's first preferred language.
+  /// Language of the configuration, such as "de" (which "de-DE" means, too); without one the device's first preferred
+  /// language.
   std::optional<LanguageCode> languageCode = std::nullopt;
-  /// Region code such as "US#CA"; without one the application server is asked for the location.
+  /// Region code such as "US#CA" (which "US-CA" means, too); without one the vendor's server is asked for the location.
   std::optional<std::string> locationCode = std::nullopt;
   /// The in-app web view; without one only the configured links' own hosts are allowed.
   std::optional<WebViewConfig> webviewConfig = std::nullopt;
@@ -102,8 +122,12 @@ struct ConsentSDKOptions {
   /// "NAME.json", so "consent" finds "consent_de.json" for users who read German. It serves until the first download
   /// succeeds, and never again once a newer version was in force; a broken one is logged and ignored.
   std::optional<std::string> bundledConfiguration = std::nullopt;
-  /// The channel. Follows from testingMode; change it only to override that rule.
-  Mode mode = testingMode ? Mode::draft : Mode::live;
+  /// The channel; without one testingMode decides: draft when it is true, else live.
+  std::optional<Mode> mode = std::nullopt;
+  /// How long the application waits for the first load. When it takes longer, the SDK goes on with what there is (a
+  /// cached or bundled configuration, or `unavailable`) and reports that; the result of the download is reported when
+  /// it is there. Without one the first report comes when the download is over.
+  std::optional<std::chrono::milliseconds> readyWithin = std::nullopt;
 
   bool operator==(const ConsentSDKOptions&) const = default;
 };

@@ -9,10 +9,11 @@
 namespace quillon {
 
 /// What the user decided about one purpose, or what the device says about one permission.
+/// The first is what a value-initialised status is: no consent.
 enum class ConsentStatus {
+  notDetermined,  ///< "not_determined": nobody has decided yet
   granted,        ///< "granted"
   declined,       ///< "declined"
-  notDetermined,  ///< "not_determined": nobody has decided yet
   withDrawn,      ///< "withdrawn": a consent that existed was taken back
 };
 

@@ -29,6 +29,7 @@ enum class DecisionCause {
   essential,       ///< "essential": the user may not opt out of that purpose
   trackingStatus,  ///< "tracking_status": the purpose is bound to the device's tracking authorization
   device,          ///< "device": a permission as the device has it
+  removed,         ///< "removed": the consents were removed; told to listeners, never kept in the history
 };
 [[nodiscard]] std::string_view rawValue(DecisionCause cause) noexcept;
 
@@ -37,7 +38,7 @@ enum class UploadOutcome {
   pending,     ///< "pending": still to be sent
   uploaded,    ///< "uploaded": the server took it
   superseded,  ///< "superseded": a later decision on the same subject was sent in its place
-  dropped,     ///< "dropped": no longer pending, as the upload that the server took did not list the subject
+  dropped,     ///< "dropped": no longer pending, though an upload of the application's own did not list the subject
 };
 [[nodiscard]] std::string_view rawValue(UploadOutcome outcome) noexcept;
 

@@ -14,12 +14,13 @@ namespace quillon {
 
 /// What the answer to ConsentSDK::isBannerDue() follows from.
 enum class BannerReason {
-  neverShown,    ///< "never_shown": due
-  unanswered,    ///< "unanswered": due; it was shown and the application ended before an answer
-  reconsent,     ///< "reconsent": due; a newer configuration asks for the consents again
-  intervalOver,  ///< "interval_over": due; the answer has expired
-  onScreen,      ///< "on_screen": not due
-  answered,      ///< "answered": not due before a date
+  neverShown,       ///< "never_shown": due
+  unanswered,       ///< "unanswered": due; it was shown and the application ended before an answer
+  reconsent,        ///< "reconsent": due; a newer configuration asks for the consents again
+  intervalOver,     ///< "interval_over": due; the answer has expired
+  onScreen,         ///< "on_screen": not due
+  answered,         ///< "answered": not due before a date
+  noConfiguration,  ///< "no_configuration": not due; there is nothing that could be asked
 };
 [[nodiscard]] std::string_view rawValue(BannerReason reason) noexcept;
 

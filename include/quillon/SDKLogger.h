@@ -10,8 +10,7 @@
 
 namespace quillon {
 
-class UserDefaultManager;
-struct Platform;
+class LogContext;
 
 /// Writes one text block for every message at or above its threshold. Hosts may use it for messages of their own.
 /// Thread-safe: blocks of several threads do not mix.
@@ -24,8 +23,8 @@ class SDKLogger {
   /// The logger of ConsentSDK::shared(). Its threshold is debug until set-up applies the options.
   static SDKLogger& shared();
 
-  /// For those who put an SDK together themselves; both arguments must outlive the logger.
-  SDKLogger(const Platform& platform, UserDefaultManager& store) noexcept : platform_(platform), store_(store) {}
+  /// Used by the SDK itself: applications get theirs from shared() or ConsentSDK::logger().
+  explicit SDKLogger(LogContext& context) noexcept : context_(context) {}
   SDKLogger(const SDKLogger&) = delete;
   SDKLogger& operator=(const SDKLogger&) = delete;
 
@@ -38,8 +37,7 @@ class SDKLogger {
            int lineNnumber);
 
  private:
-  const Platform& platform_;
-  UserDefaultManager& store_;
+  LogContext& context_;
   std::atomic<LogLevel> logLevel_ = LogLevel::debug;
 };
 

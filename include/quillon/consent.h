@@ -22,7 +22,7 @@
  *                            .tenant_id = "t",
  *                            .app_id = "a"};
  * quillon_setup(&options);
- * if (quillon_get_purpose(2) == QUILLON_GRANTED) start_measuring();
+ * if (quillon_is_purpose_allowed(2)) start_measuring();
  * @endcode
  */
 #ifndef QUILLON_CONSENT_H
@@ -39,9 +39,9 @@ extern "C" {
 typedef int32_t quillon_status;
 enum { QUILLON_READY = 0, QUILLON_UNAVAILABLE = 1, QUILLON_FETCHING = 2 };
 
-/** A decision. Anything but granted means no. */
+/** A decision. Anything but granted means no, and 0, which a record of zeros holds, is no consent. */
 typedef int32_t quillon_consent;
-enum { QUILLON_GRANTED = 0, QUILLON_DECLINED = 1, QUILLON_NOT_DETERMINED = 2, QUILLON_WITHDRAWN = 3 };
+enum { QUILLON_NOT_DETERMINED = 0, QUILLON_GRANTED = 1, QUILLON_DECLINED = 2, QUILLON_WITHDRAWN = 3 };
 
 /** Threshold of the log; 0 means errors only. */
 typedef int32_t quillon_log_level;
@@ -145,7 +145,13 @@ void quillon_free(char* text);
 
 /** @name Consents
  * @{ */
-/** Answers from memory. */
+/** Not 0 when the application may act on the purpose now; see ConsentSDK::isAllowed(). Fails closed: 0 whenever nobody
+ * has consented, or in doubt. Cheap enough for every frame. */
+int32_t quillon_is_purpose_allowed(int64_t purpose_id);
+/** Not 0 when the device is known to grant the permission now. */
+int32_t quillon_is_permission_allowed(const char* key);
+/** The status, from memory: what is, not what may be done. Without a configuration it is granted, the default of the
+ * compliance types that need no question. */
 quillon_consent quillon_get_purpose(int64_t purpose_id);
 quillon_consent quillon_get_permission(const char* key);
 /** Records the user's choice; durable on return. Not 0 when it was stored. */

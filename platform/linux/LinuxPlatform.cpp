@@ -21,6 +21,7 @@
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StandardConsole.h"
+#include "platform/linux/SystemRandom.h"
 #include "platform/linux/WorkPool.h"
 #include "platform/memory/FixedAppTracking.h"
 #include "platform/parts/Contained.h"
@@ -123,6 +124,7 @@ Platform replaced(const Platform& ours, const std::function<void(Platform&)>& re
   keep(&Platform::network);
   keep(&Platform::locale);
   keep(&Platform::tracking);
+  keep(&Platform::random);
   keep(&Platform::permissions);
   keep(&Platform::host);
   return theirs;
@@ -155,6 +157,7 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   platform.locale = std::make_shared<EnvironmentLocale>();
   platform.tracking = std::make_shared<FixedAppTracking>();
   platform.permissions = std::make_shared<LinuxPermissionSources>(options.applicationId);
+  platform.random = std::make_shared<SystemRandom>();
   platform.host = std::make_shared<LinuxHostApplication>(resourceDirectory(options));
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);
   if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;

@@ -197,11 +197,17 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
 
   const auto& current = *published_;  // only a holder of the connection publishes
   if (!planned) planned = edit(current);
+  if (planned->settle) {
+    const auto unsettled = file_->readUnsettled();
+    if (!unsettled) return std::unexpected(problem(unsettled.error()));
+    noteDamaged(unsettled->damaged);
+    planned->complete(unsettled->records);
+  }
   const auto rows = rowsToWrite(current, planned->changes);
   if (!rows) return std::unexpected(Problem{rows.error()});
   const auto tooLong = [](const std::string& text) { return text.size() > maximumJournalTextBytes; };
   if (std::ranges::any_of(planned->appended, tooLong)) return std::unexpected(Problem{"a journal record is too long"});
-  const bool writesJournal = planned->clearsJournal || planned->settle || !planned->appended.empty();
+  const bool writesJournal = planned->clearsJournal || !planned->marks.empty() || !planned->appended.empty();
   if (rows->empty() && !writesJournal) return {};
   auto next = std::make_shared<const SuiteEntries>(applied(current, planned->changes));
   if (next->size() > maximumSuiteEntries) return std::unexpected(Problem{"the store has too many entries"});

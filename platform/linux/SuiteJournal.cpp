@@ -99,7 +99,7 @@ SqliteResult<> SuiteJournal::write(SqliteDatabase& database, const SuiteUpdate& 
   if (update.clearsJournal) {
     if (auto done = database.run("DELETE FROM journal"); !done) return done;
   }
-  if (update.settle) {
+  if (!update.marks.empty()) {
     if (auto done = settle(update); !done) return done;
   }
   return append(database, update.appended);
@@ -108,12 +108,11 @@ SqliteResult<> SuiteJournal::write(SqliteDatabase& database, const SuiteUpdate& 
 SqliteResult<> SuiteJournal::settle(const SuiteUpdate& update) {
   JournalPage page;
   if (auto done = collect(statements_->unsettled, page); !done) return done;
-  const auto marks = update.settle(page.records);
-  for (std::size_t i = 0; i < std::min(marks.size(), page.records.size()); ++i) {
-    if (marks[i].empty()) continue;
-    const auto& record = page.records[i];
-    statements_->mark.bind(0, marks[i]);
-    statements_->mark.bind(1, checksum(record.number, marks[i], record.text));
+  for (const auto& record : page.records) {
+    const auto mark = update.marks.find(record.number);
+    if (mark == update.marks.end() || mark->second.empty()) continue;
+    statements_->mark.bind(0, mark->second);
+    statements_->mark.bind(1, checksum(record.number, mark->second, record.text));
     statements_->mark.bind(2, record.number);
     if (auto done = finish(statements_->mark); !done) return done;
   }

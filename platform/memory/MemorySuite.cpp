@@ -17,12 +17,10 @@ std::vector<JournalRecord> unsettledOf(const std::deque<JournalRecord>& journal)
   return unsettled;
 }
 
-void settle(std::deque<JournalRecord>& journal, const decltype(SuiteUpdate::settle)& markOf) {
-  const auto unsettled = unsettledOf(journal);
-  const auto marks = markOf(unsettled);
-  for (std::size_t i = 0; i < std::min(marks.size(), unsettled.size()); ++i) {
-    const auto settled = std::ranges::lower_bound(journal, unsettled[i].number, {}, &JournalRecord::number);
-    settled->mark = marks[i];
+void settle(std::deque<JournalRecord>& journal, const std::map<std::int64_t, std::string>& marks) {
+  for (auto& record : journal) {
+    const auto mark = marks.find(record.number);
+    if (mark != marks.end() && record.mark.empty()) record.mark = mark->second;
   }
 }
 
@@ -46,6 +44,7 @@ std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) 
   std::lock_guard turn(writersMutex_);
   auto entries = *snapshot();
   SuiteUpdate update = edit(entries);
+  update.complete(unsettledOf(journal_));
   for (auto& [key, value] : update.changes) {
     if (key.empty()) return std::unexpected("a key is empty");
     if (value) {
@@ -59,7 +58,7 @@ std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) 
   }
   auto next = std::make_shared<const SuiteEntries>(std::move(entries));
   if (update.clearsJournal) journal_.clear();
-  if (update.settle) settle(journal_, update.settle);
+  if (!update.marks.empty()) settle(journal_, update.marks);
   append(journal_, std::move(update.appended));
   std::lock_guard lock(snapshotMutex_);
   snapshot_.swap(next);

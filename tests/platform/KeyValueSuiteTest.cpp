@@ -132,11 +132,12 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
     update.settle = [](const std::vector<JournalRecord>& unsettled) {
       EXPECT_EQ(unsettled.size(), 3u);
       EXPECT_EQ(unsettled.front().text, "third");
-      return std::vector<std::string>{"", "sent"};
+      return SuiteUpdate::Settlement{{{unsettled[1].number, "sent"}}, {{"settled", true}}};
     };
     return update;
   };
   ASSERT_TRUE(this->suite_->update(settleSecond));
+  EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}, {"settled", true}}));
   const std::vector<JournalRecord> expected{
       {3, "third", ""}, {2, std::string("a\0b'\n\xff", 6), "sent"}, {1, "first", ""}};
   EXPECT_EQ(journal(*this->suite_), expected);
@@ -148,10 +149,10 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
   }));
   EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
     SuiteUpdate update = appending({"fine"}, {{"other", true}});
-    update.settle = [](const std::vector<JournalRecord>&) -> std::vector<std::string> { throw 1; };
+    update.settle = [](const std::vector<JournalRecord>&) -> SuiteUpdate::Settlement { throw 1; };
     return update;
   }));
-  EXPECT_EQ(content(*this->suite_).size(), 1u);
+  EXPECT_EQ(content(*this->suite_).size(), 2u);
   EXPECT_EQ(journal(*this->suite_), expected);
   ASSERT_TRUE(this->suite_->update([](const SuiteEntries&) {
     SuiteUpdate update = appending({"afterwards"});

@@ -126,7 +126,7 @@ struct Gallery : ScreenWorld {
     } else if (std::string_view(look.screen) == "prompt") {
       world.sdk->presentSettingPrompt(VantariKey::cameraUsageDescription);
     } else {
-      presenter->presentBanner(world.sdk->core());
+      presenter->presentBanner(world.sdk->screens());
     }
   }
   QImage picture() {
@@ -246,7 +246,7 @@ TEST(Pictures, AMoveOfFourPixelsAndAnotherColourAreSeenAndNoiseIsNot) {
   gallery.presenter->dismissTopMost();
   ASSERT_TRUE(gallery.isGone());
   gallery.world.sdk->registerColors(colors);
-  gallery.presenter->presentBanner(gallery.world.sdk->core());
+  gallery.presenter->presentBanner(gallery.world.sdk->screens());
   const QImage recoloured = gallery.picture();
   EXPECT_TRUE(Difference(recoloured, original).isVisible());
 }

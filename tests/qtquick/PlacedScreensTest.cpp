@@ -71,7 +71,7 @@ TEST_F(PlacedScreens, TheBannerWaitsForTheConfigurationAndIsDoneOnceAnswered) {
   press("Accept");
   EXPECT_EQ(dones(), 2);
   EXPECT_EQ(status(1), "granted");
-  EXPECT_EQ(world.stored().consentGivenType(), givenType::explicitly);
+  EXPECT_EQ(world.stored().consentGivenType(), GivenType::explicitly);
   EXPECT_TRUE(top()) << "a screen that lies over the page is none of its business";
 }
 
@@ -84,7 +84,7 @@ TEST_F(PlacedScreens, ABannerThatWaitedForItsConfigurationStillRecordsTheDefault
   ASSERT_TRUE(shows("Accept")) << world.log();
   settle();
   EXPECT_EQ(status(1), "declined");
-  EXPECT_EQ(world.stored().consentGivenType(), givenType::implicitly);
+  EXPECT_EQ(world.stored().consentGivenType(), GivenType::implicitly);
 }
 
 TEST_F(PlacedScreens, AnotherSdksAnswerIsNotTheBanners) {
@@ -95,14 +95,14 @@ TEST_F(PlacedScreens, AnotherSdksAnswerIsNotTheBanners) {
   other.amend = world.amend;  // with the same presenter
   other.server.serve(boost::json::serialize(document));
   other.start();
-  presenter->presentBanner(other.sdk->core());
+  presenter->presentBanner(other.sdk->screens());
   screenWith("Choose");
   other.sdk->presentPreferenceCenter();
   screenWith("Save Changes");
   use("Save Changes");
   EXPECT_TRUE(isGone()) << "the other one's banner goes with its preference centre";
   EXPECT_EQ(dones(), 0);
-  presenter->presentBanner(world.sdk->core());
+  presenter->presentBanner(world.sdk->screens());
   screenWith("Choose");
   other.sdk->presentPreferenceCenter();
   screenWith("Save Changes");

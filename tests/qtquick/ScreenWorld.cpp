@@ -94,7 +94,7 @@ bool ScreenWorld::isShown() const {
 
 void ScreenWorld::banner() {
   world.store(key::isBannerPresent, false);
-  world.store(key::consentGivenType, std::string(givenType::noAction));
+  world.store(key::consentGivenType, std::string(rawValue(GivenType::noAction)));
   world.sdk->presentBanner();
   screenWith("Reject");
 }

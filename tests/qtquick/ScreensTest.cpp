@@ -27,7 +27,7 @@ TEST_F(Screens, EveryWayToAnswerTheBannerStoresTheAnswerAndReturnsTheFocus) {
       EXPECT_TRUE(isGone());
       EXPECT_EQ(status(1), accept ? "granted" : "declined");
       EXPECT_EQ(status(2), "granted") << "essential";
-      EXPECT_EQ(world.stored().consentGivenType(), givenType::explicitly);
+      EXPECT_EQ(world.stored().consentGivenType(), GivenType::explicitly);
       EXPECT_TRUE(hostControl->hasActiveFocus());
     }
   }
@@ -45,7 +45,7 @@ TEST(ScreensClosed, TheBannerRecordsTheDefaults) {
     }
     EXPECT_TRUE(app.isGone());
     EXPECT_EQ(app.status(1), "declined");
-    EXPECT_EQ(app.world.stored().consentGivenType(), givenType::implicitly);
+    EXPECT_EQ(app.world.stored().consentGivenType(), GivenType::implicitly);
   }
 }
 
@@ -257,7 +257,7 @@ TEST_F(Screens, AWindowThatGoesAwayAtAnyMomentTakesItsScreensAlong) {
        }},
       {"being made",
        [&] {
-         presenter->presentBanner(world.sdk->core());
+         presenter->presentBanner(world.sdk->screens());
          window.reset();
        }},
       {"shown",
@@ -297,9 +297,9 @@ TEST_F(Screens, NothingIsLeftAfterAHundredRounds) {
   presenter->dismissTopMost();
   EXPECT_TRUE(isGone());
   const auto items = window->contentItem()->childItems().size();
-  const auto holders = world.sdk->core().use_count();
+  const auto holders = world.sdk->screens().use_count();
   for (int round = 0; round < 100; ++round) {
-    presenter->presentBanner(world.sdk->core());
+    presenter->presentBanner(world.sdk->screens());
     // Some are dismissed before they are complete.
     const bool waits = round % 3 != 0;
     ASSERT_TRUE(await([&] { return top() && (!waits || top()->property("shown").toDouble() == 1); }));
@@ -308,8 +308,8 @@ TEST_F(Screens, NothingIsLeftAfterAHundredRounds) {
   }
   EXPECT_EQ(window->contentItem()->childItems().size(), items);
   // The threads let go of what they have done when they come to it.
-  for (int round = 0; round < 1000 && world.sdk->core().use_count() != holders; ++round) settle();
-  EXPECT_EQ(world.sdk->core().use_count(), holders);
+  for (int round = 0; round < 1000 && world.sdk->screens().use_count() != holders; ++round) settle();
+  EXPECT_EQ(world.sdk->screens().use_count(), holders);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "platform/memory/NotingPresenter.h"
+#include "platform/memory/RecordingPresenter.h"
 #include "tests/support/World.h"
 #include "ui/SettingsPrompt/SettingsPromptViewModel.h"
 
@@ -27,7 +27,7 @@ struct Banner : testing::Test {
   void open() {
     world.server.serve(document);
     world.start();
-    world.onMain([this] { model = ConsentBannerViewModel::make(world.sdk->core()); });
+    world.onMain([this] { model = ConsentBannerViewModel::make(world.sdk->screens()); });
   }
   void load() {
     world.onMain([this] {
@@ -46,7 +46,7 @@ struct Banner : testing::Test {
 
   json::object document = validConfiguration();
   World world;
-  std::shared_ptr<NotingPresenter> presenter = std::make_shared<NotingPresenter>();
+  std::shared_ptr<RecordingPresenter> presenter = std::make_shared<RecordingPresenter>();
   std::shared_ptr<ConsentBannerViewModel> model;
 };
 
@@ -67,7 +67,7 @@ TEST_F(Banner, LoadsWhatTheScreensShow) {
     EXPECT_TRUE(model->bannerConfig.get());
     ASSERT_TRUE(model->companyLogoResult.get().value());
     EXPECT_TRUE(*model->companyLogoResult.get().value());
-    EXPECT_EQ(world.sdk->core()->theme.colors()->buttonBackground, "#010203");
+    EXPECT_EQ(world.sdk->screens()->theme.colors()->buttonBackground, "#010203");
     const SettingsPromptViewModel prompt(model, VantariKey::cameraUsageDescription);
     ASSERT_TRUE(prompt.content());
     EXPECT_EQ(prompt.content()->heading, "Kopf") << "the only language that it has";
@@ -189,7 +189,7 @@ TEST_F(Banner, DefaultsNeverReplaceADecisionNorAnswerAReconsent) {
   open();
   load();
   perform(BannerAction::reject);
-  world.store(key::consentGivenType, std::string(givenType::noAction));  // as a newer configuration leaves it
+  world.store(key::consentGivenType, std::string(rawValue(GivenType::noAction)));  // as a newer configuration leaves it
   document["purposes"].as_array().push_back(json::object{{"purpose_id", 4}});
   bannerOf(document)["compliance_type"] = "opt-out";
   world.server.serve(document);
@@ -209,7 +209,7 @@ TEST_F(Banner, FailureToRecordIsLogged) {
   std::filesystem::remove(world.backup());
   world.restart();
   world.onMain([&] {
-    model = ConsentBannerViewModel::make(world.sdk->core());
+    model = ConsentBannerViewModel::make(world.sdk->screens());
     model->recordDefaultExplicitConsents();
   });
   world.settle();

@@ -5,7 +5,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "platform/memory/NotingPresenter.h"
+#include "platform/memory/RecordingPresenter.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -33,7 +33,7 @@ struct PreferenceCenter : testing::Test {
     world.server.serve(document);
     if (!world.sdk) world.start();
     world.onMain([this] {
-      model = PreferenceCenterViewModel::make(ConsentBannerViewModel::make(world.sdk->core()));
+      model = PreferenceCenterViewModel::make(ConsentBannerViewModel::make(world.sdk->screens()));
       model->loadPurposes();
       model->loadPermissions();
     });
@@ -67,7 +67,7 @@ struct PreferenceCenter : testing::Test {
 
   json::object document = validConfiguration();
   World world;
-  std::shared_ptr<NotingPresenter> presenter = std::make_shared<NotingPresenter>();
+  std::shared_ptr<RecordingPresenter> presenter = std::make_shared<RecordingPresenter>();
   std::shared_ptr<PreferenceCenterViewModel> model;
 };
 

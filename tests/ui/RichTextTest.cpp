@@ -155,7 +155,7 @@ TEST_F(RichText, IsTrimmedAcrossRuns) {
 struct RichTextModel : testing::Test {
   RichTextModel() {
     world.start();
-    world.onMain([this] { model = RichTextViewModel::make(world.sdk->core()); });
+    world.onMain([this] { model = RichTextViewModel::make(world.sdk->screens()); });
   }
   ~RichTextModel() override {
     world.onMain([this] { model.reset(); });

@@ -115,7 +115,8 @@ struct WebView : testing::Test {
   // On the main queue, where the hosts cannot arrive before its job is over.
   void make(bool withBrowser = true) {
     browser->main = world.platform.executors->main();
-    model = WebViewModel::make(world.sdk->core(), withBrowser ? std::make_unique<ScriptedBrowser>(browser) : nullptr);
+    model =
+        WebViewModel::make(world.sdk->screens(), withBrowser ? std::make_unique<ScriptedBrowser>(browser) : nullptr);
   }
   void start() {
     world.start(options);

@@ -129,7 +129,7 @@ TEST_F(WebWorld, IsWorkedByTheKeyboardAlone) {
 TEST_F(WebWorld, ShowsNothingThatArrivesAfterItWasClosed) {
   serve("/late", "<title>Late</title>");
   allowed.hold();
-  screens.world.sdk->core()->openLink(allowed.url("/late"));
+  screens.world.sdk->screens()->openLink(allowed.url("/late"));
   EXPECT_TRUE(await([&] { return allowed.saw("/late"); }));
   screens.use("Close");
   EXPECT_TRUE(screens.isGone());

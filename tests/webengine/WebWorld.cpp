@@ -49,7 +49,7 @@ void WebWorld::serve(const std::string& path, const std::string& body, httplib::
 }
 
 void WebWorld::open(const std::string& link) {
-  screens.world.sdk->core()->openLink(filled(link));
+  screens.world.sdk->screens()->openLink(filled(link));
   EXPECT_TRUE(await([&] { return surface && surface->item(); })) << link;
 }
 

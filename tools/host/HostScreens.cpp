@@ -21,8 +21,8 @@ std::string_view name(BannerAction action) {
   return std::ranges::find(actionNames, action, &std::pair<BannerAction, std::string_view>::first)->second;
 }
 
-std::shared_ptr<ConsentBannerViewModel> loadedBanner(ScreenPresenter::Core core) {
-  auto model = ConsentBannerViewModel::make(std::move(core));
+std::shared_ptr<ConsentBannerViewModel> loadedBanner(ScreenPresenter::Services sdk) {
+  auto model = ConsentBannerViewModel::make(std::move(sdk));
   model->loadBannerConfig();
   model->loadCompanyLogo();
   model->loadSettingsPrompt();
@@ -84,27 +84,26 @@ std::optional<BannerAction> bannerAction(std::string_view name) {
   return found == actionNames.end() ? std::nullopt : std::optional(found->first);
 }
 
-void HostScreens::presentBanner(Core core) {
-  banner = shown(loadedBanner(core), core->shown(ScreenKind::banner));
+void HostScreens::presentBanner(Services sdk) {
+  banner = shown(loadedBanner(sdk), sdk->shown(ScreenKind::banner));
 }
 
-void HostScreens::presentPreferenceCenter(Core core) {
+void HostScreens::presentPreferenceCenter(Services sdk) {
   preferenceCenter =
-      shown(PreferenceCenterViewModel::make(loadedBanner(core)), core->shown(ScreenKind::preferenceCenter));
+      shown(PreferenceCenterViewModel::make(loadedBanner(sdk)), sdk->shown(ScreenKind::preferenceCenter));
   preferenceCenter->loadPurposes();
   preferenceCenter->loadPermissions();
 }
 
-void HostScreens::presentSettingsPrompt(Core core, const VantariKey& permission) {
+void HostScreens::presentSettingsPrompt(Services sdk, const VantariKey& permission) {
   if (settingsPrompt) return;
-  settingsPrompt = shown(std::make_shared<SettingsPromptViewModel>(loadedBanner(core), permission),
-                         core->shown(ScreenKind::settingsPrompt));
+  settingsPrompt = shown(std::make_shared<SettingsPromptViewModel>(loadedBanner(sdk), permission),
+                         sdk->shown(ScreenKind::settingsPrompt));
 }
 
-void HostScreens::presentWebView(Core core, const std::string& link) {
+void HostScreens::presentWebView(Services sdk, const std::string& link) {
   browserContent = std::make_shared<BrowserContent>();
-  webView =
-      shown(WebViewModel::make(core, std::make_unique<Browser>(browserContent)), core->shown(ScreenKind::webView));
+  webView = shown(WebViewModel::make(sdk, std::make_unique<Browser>(browserContent)), sdk->shown(ScreenKind::webView));
   webView->loadURL(link);
 }
 

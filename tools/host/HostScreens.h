@@ -20,12 +20,12 @@ struct BrowserContent {
 // For the main queue only. Each screen is null while it is not shown.
 class HostScreens : public ScreenPresenter {
  public:
-  void presentBanner(Core core) override;
-  void presentPreferenceCenter(Core core) override;
-  void presentSettingsPrompt(Core core, const VantariKey& permission) override;
-  void presentWebView(Core core, const std::string& link) override;
+  void presentBanner(Services sdk) override;
+  void presentPreferenceCenter(Services sdk) override;
+  void presentSettingsPrompt(Services sdk, const VantariKey& permission) override;
+  void presentWebView(Services sdk, const std::string& link) override;
   void dismissTopMost() override;
-  void dismissBanner(Core /*core*/) override { banner.reset(); }
+  void dismissBanner(Services /*sdk*/) override { banner.reset(); }
   void openSystemSettings() override { ++systemSettingsOpened; }
 
   std::shared_ptr<ConsentBannerViewModel> banner;

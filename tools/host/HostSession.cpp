@@ -136,7 +136,6 @@ json::object HostSession::setup(const Object& request) {
   options.tenantId = argument<std::string>(request, "tenantId");
   options.appId = argument<std::string>(request, "appId");
   options.testingMode = optionalArgument<bool>(request, "testingMode").value_or(false);
-  options.mode = options.testingMode ? Mode::draft : Mode::live;
   if (auto level = optionalArgument<std::string>(request, "logLevel")) {
     for (char& c : *level) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     options.logLevel = named<LogLevel>(*level, "logLevel");
@@ -345,7 +344,7 @@ json::object HostSession::banner(const Object& request) {
     if (ifDue) {
       sdk_.presentBanner();
     } else {
-      screens.presentBanner(sdk_.core());
+      screens.presentBanner(sdk_.screens());
     }
   });
   Object reply = done();
@@ -364,7 +363,7 @@ json::object HostSession::banner(const Object& request) {
 
 json::object HostSession::recordDefaults(const Object&) {
   onMain([&](HostScreens& screens) {
-    if (!screens.banner) screens.presentBanner(sdk_.core());
+    if (!screens.banner) screens.presentBanner(sdk_.screens());
     screens.banner->recordDefaultExplicitConsents();
   });
   return done();

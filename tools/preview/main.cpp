@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/ScreenServices.h"
 #include "tools/preview/PreviewDevice.h"
 #include "tools/preview/StandInPage.h"
 #include "ui/qtquick/QtScreenPresenter.h"
@@ -115,15 +115,15 @@ class Preview {
 
  private:
   void present() {
-    const auto core = sdk_.core();
-    if (options_.screen == "banner") presenter_->presentBanner(core);
-    if (options_.screen == "web") presenter_->presentWebView(core, page_->address());
-    if (options_.screen == "blocked") presenter_->presentWebView(core, "https://elsewhere.example/offer?id=42");
-    if (options_.screen == "prompt") presenter_->presentSettingsPrompt(core, VantariKey::cameraUsageDescription);
+    const auto sdk = sdk_.screens();
+    if (options_.screen == "banner") presenter_->presentBanner(sdk);
+    if (options_.screen == "web") presenter_->presentWebView(sdk, page_->address());
+    if (options_.screen == "blocked") presenter_->presentWebView(sdk, "https://elsewhere.example/offer?id=42");
+    if (options_.screen == "prompt") presenter_->presentSettingsPrompt(sdk, VantariKey::cameraUsageDescription);
     const bool isPurpose = options_.screen == "purpose";
     const bool isPermissions = options_.screen == "permissions";
     if (options_.screen != "preferences" && !isPurpose && !isPermissions) return;
-    presenter_->presentPreferenceCenter(core);
+    presenter_->presentPreferenceCenter(sdk);
     await([&] { return isShown(); });
     QObject* item = presenter_->topItem();
     if (isPermissions && item) item->property("model").value<QObject*>()->setProperty("tab", 1);

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "core/Configuration/ConfiguredTexts.h"
+#include "core/Text/Ascii.h"
 #include "tools/validate/Rules.h"
 #include "ui/Common/WebView/LinkAddress.h"
 
@@ -19,9 +20,7 @@ template <class Visit>
 void forEachLinkIn(std::string_view html, Visit visit) {
   constexpr std::string_view blanks = " \t\r\n\f";
   constexpr std::string_view attribute = "href";
-  std::string lower(html);
-  std::ranges::transform(html, lower.begin(),
-                         [](char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c); });
+  const std::string lower = lowerCase(std::string(html));
   const auto skipBlanks = [&](std::size_t at) { return std::min(html.find_first_not_of(blanks, at), html.size()); };
   for (std::size_t at = 0; (at = lower.find(attribute, at)) != std::string::npos;) {
     const bool begins = at > 0 && (blanks.contains(html[at - 1]) || std::string_view("/'\"").contains(html[at - 1]));

@@ -12,38 +12,25 @@ using BannerResult = ConsentSDKResult<BannerConfig>;
 using LogoResult = ConsentSDKResult<std::optional<EncodedImage>>;
 using PromptResult = ConsentSDKResult<std::optional<SettingsPrompt>>;
 
-struct LoadedBanner {
-  std::optional<BannerConfig> banner;
-  std::optional<GcmConfig> gcm;
-};
-
 }  // namespace
 
-std::shared_ptr<ConsentBannerViewModel> ConsentBannerViewModel::make(std::shared_ptr<ConsentSDK::Core> core,
+std::shared_ptr<ConsentBannerViewModel> ConsentBannerViewModel::make(std::shared_ptr<ScreenServices> sdk,
                                                                      std::function<void()> leave) {
-  return std::make_shared<ConsentBannerViewModel>(std::move(core), std::move(leave));
+  return std::make_shared<ConsentBannerViewModel>(std::move(sdk), std::move(leave));
 }
 
-ConsentBannerViewModel::ConsentBannerViewModel(std::shared_ptr<ConsentSDK::Core> core, std::function<void()> leave)
-    : core_(std::move(core)), leave_(std::move(leave)) {}
+ConsentBannerViewModel::ConsentBannerViewModel(std::shared_ptr<ScreenServices> sdk, std::function<void()> leave)
+    : sdk_(std::move(sdk)), leave_(std::move(leave)) {}
 
 void ConsentBannerViewModel::loadBannerConfig() {
-  bannerConfigTask_ = LoadTask::start(
-      core_, weak_from_this(),
-      [](ConsentSDK::Core& core) -> Task<LoadedBanner> {
-        const auto configuration = core.cache.current();
-        LoadedBanner loaded;
-        loaded.banner = co_await core.bannerFor(configuration);
-        if (configuration) loaded.gcm = configuration->gcmConfig;
-        co_return loaded;
-      },
-      [](ConsentBannerViewModel& model, LoadedBanner loaded) {
+  bannerConfigTask_ = LoadTask::startWithContent(
+      sdk_, weak_from_this(), [](ScreenContent content, ScreenServices&) { return content; },
+      [](ConsentBannerViewModel& model, ScreenContent loaded) {
         if (!loaded.banner) {
           model.bannerConfigResult.set(BannerResult::failure({"Failed to Load Banner Configuration"}));
           return;
         }
-        if (loaded.banner->customPaletteTheme) model.core_->theme.registerColors(*loaded.banner->customPaletteTheme);
-        model.gcmConfig.set(std::move(loaded.gcm));
+        model.gcmConfig.set(loaded.configuration->gcmConfig);
         model.bannerConfig.set(loaded.banner);
         model.bannerConfigResult.set(BannerResult::success(std::move(*loaded.banner)));
       });
@@ -51,15 +38,13 @@ void ConsentBannerViewModel::loadBannerConfig() {
 }
 
 void ConsentBannerViewModel::loadCompanyLogo() {
-  companyLogoTask_ = LoadTask::start(
-      core_, weak_from_this(),
-      [](ConsentSDK::Core& core) -> Task<std::optional<EncodedImage>> {
-        const auto configuration = core.cache.current();
-        const auto banner = co_await core.bannerFor(configuration);
+  companyLogoTask_ = LoadTask::startWithContent(
+      sdk_, weak_from_this(),
+      [](const ScreenContent& content, ScreenServices& sdk) -> std::optional<EncodedImage> {
         std::optional<std::string> logo;
-        if (banner) logo = banner->companyLogo;
-        if (!logo && configuration) logo = configuration->logoBase64;
-        co_return logo ? imageFromBase64(*logo, core.logger) : std::nullopt;
+        if (content.banner) logo = content.banner->companyLogo;
+        if ((!logo || logo->empty()) && content.configuration) logo = content.configuration->logoBase64;
+        return logo && !logo->empty() ? imageFromBase64(*logo, sdk.logger()) : std::nullopt;
       },
       [](ConsentBannerViewModel& model, std::optional<EncodedImage> image) {
         model.companyLogoResult.set(LogoResult::success(std::move(image)));
@@ -68,11 +53,10 @@ void ConsentBannerViewModel::loadCompanyLogo() {
 }
 
 void ConsentBannerViewModel::loadSettingsPrompt() {
-  settingsPromptTask_ = LoadTask::start(
-      core_, weak_from_this(),
-      [](ConsentSDK::Core& core) -> Task<std::optional<SettingsPrompt>> {
-        const auto configuration = core.cache.current();
-        co_return configuration ? configuration->settingPrompt : std::nullopt;
+  settingsPromptTask_ = LoadTask::startWithContent(
+      sdk_, weak_from_this(),
+      [](const ScreenContent& content, ScreenServices&) {
+        return content.configuration ? content.configuration->settingPrompt : std::nullopt;
       },
       [](ConsentBannerViewModel& model, std::optional<SettingsPrompt> prompt) {
         model.settingsPromptResult.set(prompt ? PromptResult::success(std::move(prompt))
@@ -89,14 +73,12 @@ void ConsentBannerViewModel::appeared() {
 void ConsentBannerViewModel::perform(BannerAction action) {
   const auto link = [this](std::optional<std::string> BannerConfig::* address) {
     const auto& banner = bannerConfig.get();
-    core_->openLink(banner ? ((*banner).*address).value_or("") : "");
+    sdk_->openLink(banner ? ((*banner).*address).value_or("") : "");
   };
   switch (action) {
     case BannerAction::accept:
     case BannerAction::reject:
-      core_->tasks->start([core = core_, accept = action == BannerAction::accept]() -> Task<void> {
-        co_await core->acceptOrReject(accept);
-      });
+      sdk_->answer(action == BannerAction::accept);
       leave();
       break;
     case BannerAction::close:
@@ -104,7 +86,7 @@ void ConsentBannerViewModel::perform(BannerAction action) {
       leave();
       break;
     case BannerAction::openPreferenceCenter:
-      core_->presentPreferenceCenter();
+      sdk_->presentPreferenceCenter();
       break;
     case BannerAction::openPrivacyNotice:
       link(&BannerConfig::privacyNoticeLink);
@@ -117,28 +99,26 @@ void ConsentBannerViewModel::perform(BannerAction action) {
 
 void ConsentBannerViewModel::leave() const {
   if (leave_) return leave_();
-  core_->withScreens([](ScreenPresenter& screens) { screens.dismissTopMost(); });
+  sdk_->dismissTopMost();
 }
 
 void ConsentBannerViewModel::openLink(const std::string& link) {
-  core_->openLink(link);
+  sdk_->openLink(link);
 }
 
 void ConsentBannerViewModel::recordDefaultExplicitConsents() {
-  core_->tasks->start([core = core_]() -> Task<void> {
-    if (co_await core->recordDefaultExplicitConsents()) co_return;
-    UnitLog(core->logger, sourceFile)(LogLevel::error,
+  if (sdk_->recordDefaults()) return;
+  UnitLog(sdk_->logger(), sourceFile)(LogLevel::error,
                                       "Something went wrong while recording default constents explicitly.",
                                       "recordDefaultExplicitConsents()");
-  });
 }
 
 std::string ConsentBannerViewModel::label(Label label) const {
-  return labelText(label, bannerConfig.get(), core_->locale.currentLanguageCode());
+  return labelText(label, bannerConfig.get(), sdk_->language());
 }
 
 std::string ConsentBannerViewModel::text(const std::optional<LocalizedText>& text) const {
-  return text ? textIn(core_->locale.currentLanguageCode(), *text) : std::string();
+  return text ? textIn(sdk_->language(), *text) : std::string();
 }
 
 std::string ConsentBannerViewModel::text(BannerAction action) const {

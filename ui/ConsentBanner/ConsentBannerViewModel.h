@@ -21,9 +21,9 @@ namespace quillon {
 class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBannerViewModel> {
  public:
   // The function takes the screen away once the user is done with it; without one the top-most screen is dismissed.
-  static std::shared_ptr<ConsentBannerViewModel> make(std::shared_ptr<ConsentSDK::Core> core,
+  static std::shared_ptr<ConsentBannerViewModel> make(std::shared_ptr<ScreenServices> sdk,
                                                       std::function<void()> leave = {});
-  ConsentBannerViewModel(std::shared_ptr<ConsentSDK::Core> core, std::function<void()> leave);  // use make()
+  ConsentBannerViewModel(std::shared_ptr<ScreenServices> sdk, std::function<void()> leave);  // use make()
 
   Published<std::optional<BannerConfig>> bannerConfig{std::nullopt};
   Published<std::optional<GcmConfig>> gcmConfig{std::nullopt};
@@ -40,8 +40,8 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
 
   // The banner is on screen: records the defaults where the configuration wants that at this point.
   void appeared();
-  // Accept and reject record the answer; close, an answer that was not given, records the defaults. All three dismiss
-  // the banner without waiting for the store or the network. The others open a further screen.
+  // Accept and reject store the answer; close, an answer that was not given, the defaults. All three dismiss the banner
+  // without waiting for the device or the network. The others open a further screen.
   void perform(BannerAction action);
   // Takes the screen away.
   void leave() const;
@@ -59,10 +59,10 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   // What stands on a button; never empty.
   std::string text(BannerAction action) const;
 
-  const std::shared_ptr<ConsentSDK::Core>& core() const { return core_; }
+  const std::shared_ptr<ScreenServices>& sdk() const { return sdk_; }
 
  private:
-  const std::shared_ptr<ConsentSDK::Core> core_;
+  const std::shared_ptr<ScreenServices> sdk_;
   const std::function<void()> leave_;
   std::optional<LoadTask> settingsPromptTask_;
   std::optional<LoadTask> bannerConfigTask_;

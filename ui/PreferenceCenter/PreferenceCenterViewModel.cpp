@@ -42,14 +42,13 @@ PreferenceCenterViewModel::PreferenceCenterViewModel(std::shared_ptr<ConsentBann
 
 void PreferenceCenterViewModel::loadPurposes() {
   purposeTask_ = LoadTask::start(
-      banner_->core(), weak_from_this(),
-      [](ConsentSDK::Core& core) -> Task<LoadedPurposes> {
-        const auto configuration = core.cache.current();
+      banner_->sdk(), weak_from_this(),
+      [](ScreenServices& sdk) {
         LoadedPurposes loaded;
-        if (configuration) loaded.list = core.purposes(configuration).purposesWithConsents();
+        loaded.list = sdk.purposes();
         loaded.result = loaded.list.empty() ? ListResult<Purpose>::failure({"Purposes are not available!"})
                                             : ListResult<Purpose>::success(loaded.list);
-        co_return loaded;
+        return loaded;
       },
       [](PreferenceCenterViewModel& model, LoadedPurposes loaded) {
         if (!loaded.list.empty()) {
@@ -67,12 +66,7 @@ void PreferenceCenterViewModel::loadPurposes() {
 
 void PreferenceCenterViewModel::loadPermissions() {
   permissionsTask_ = LoadTask::start(
-      banner_->core(), weak_from_this(),
-      [](ConsentSDK::Core& core) -> Task<std::vector<AppPermission>> {
-        const auto configuration = core.cache.current();
-        co_return configuration ? core.permissions(configuration).permissionsWithConsents()
-                                : std::vector<AppPermission>();
-      },
+      banner_->sdk(), weak_from_this(), [](ScreenServices& sdk) { return sdk.permissions(); },
       [](PreferenceCenterViewModel& model, std::vector<AppPermission> loaded) {
         if (loaded.empty()) {
           model.permissionsResult.set(ListResult<AppPermission>::failure({"Permissions are not available!"}));
@@ -144,15 +138,9 @@ void PreferenceCenterViewModel::tapToggle(std::int64_t purposeId) {
 
 std::unique_ptr<Timer> PreferenceCenterViewModel::publishAfter(
     std::chrono::milliseconds delay, Published<std::string> PreferenceCenterViewModel::* property, std::string text) {
-  const auto& core = banner_->core();
-  return core->platform.clock->after(
-      delay, [core = std::weak_ptr(core), model = weak_from_this(), property, text = std::move(text)] {
-        const auto alive = core.lock();
-        if (!alive) return;
-        alive->onMain([model, property, text] {
-          if (const auto shown = model.lock()) ((*shown).*property).set(text);
-        });
-      });
+  return banner_->sdk()->after(delay, [model = weak_from_this(), property, text = std::move(text)] {
+    if (const auto shown = model.lock()) ((*shown).*property).set(text);
+  });
 }
 
 void PreferenceCenterViewModel::save() {
@@ -163,10 +151,10 @@ void PreferenceCenterViewModel::save() {
     const auto choice = selected.find(*purpose.purposeId);
     if (choice != selected.end()) choices.insert(*choice);
   }
-  const auto& core = banner_->core();
-  core->tasks->start([core, choices = std::move(choices)]() -> Task<void> { co_await core->savePreferences(choices); });
+  const std::shared_ptr<ScreenServices> sdk = banner_->sdk();  // leaving may release all that is here
+  sdk->save(choices);
   banner_->leave();
-  core->withScreens([core](ScreenPresenter& screens) { screens.dismissBanner(core); });
+  sdk->dismissBanner();
 }
 
 void PreferenceCenterViewModel::close() {
@@ -174,7 +162,7 @@ void PreferenceCenterViewModel::close() {
 }
 
 void PreferenceCenterViewModel::tapPermission(const VantariKey& permission) {
-  banner_->core()->presentSettingPrompt(permission, ConsentSDK::Core::Offer::always);
+  banner_->sdk()->presentSettingPrompt(permission);
 }
 
 }  // namespace quillon

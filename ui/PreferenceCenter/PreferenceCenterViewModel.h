@@ -22,9 +22,6 @@ namespace quillon {
 enum class MyPreferences { purposes, permissions };
 [[nodiscard]] std::string_view rawValue(MyPreferences tab) noexcept;
 
-// What a row of the preference centre is about.
-enum class CardType { purpose, permission, purposeSdk };
-
 // The switch of a purpose as it is shown and read out.
 struct PurposeToggle {
   bool isOn;

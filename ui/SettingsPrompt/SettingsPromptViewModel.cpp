@@ -1,7 +1,5 @@
 #include "ui/SettingsPrompt/SettingsPromptViewModel.h"
 
-#include "core/Persistance/UserDefaults/StoreKeys.h"
-
 namespace quillon {
 
 std::optional<SettingsPromptViewModel::Content> SettingsPromptViewModel::content() const {
@@ -13,7 +11,7 @@ std::optional<SettingsPromptViewModel::Content> SettingsPromptViewModel::content
 }
 
 void SettingsPromptViewModel::openSettings() {
-  banner_->core()->withScreens([](ScreenPresenter& screens) { screens.openSystemSettings(); });
+  banner_->sdk()->openSystemSettings();
   banner_->leave();
 }
 
@@ -22,11 +20,7 @@ void SettingsPromptViewModel::notNow() {
 }
 
 void SettingsPromptViewModel::close() {
-  const auto& core = banner_->core();
-  core->tasks->start([core]() -> Task<void> {
-    core->store.set(key::hasShownSettingsPrompt, true);
-    co_return;
-  });
+  banner_->sdk()->closeSettingsPrompt();
   banner_->leave();
 }
 

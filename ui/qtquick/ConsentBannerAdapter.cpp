@@ -5,7 +5,7 @@ namespace quillon {
 ConsentBannerAdapter::ConsentBannerAdapter(std::shared_ptr<ConsentBannerViewModel> model, QObject* parent)
     : Adapter(parent),
       model_(std::move(model)),
-      text_(new RichTextAdapter(model_->core(), this)),
+      text_(new RichTextAdapter(model_->sdk(), this)),
       logo_(new PictureSource(this)) {
   follow(model_->bannerConfigResult);
   follow(model_->companyLogoResult);
@@ -22,7 +22,7 @@ void ConsentBannerAdapter::refresh() {
   const auto* logo = model_->companyLogoResult.get().value();
   if (logo && *logo != shownLogo_) {
     shownLogo_ = *logo;
-    logo_->load(model_->core(), [image = shownLogo_](ConsentSDK::Core&) { return image; });
+    logo_->load(model_->sdk(), [image = shownLogo_](ScreenServices&) { return image; });
   }
 }
 

@@ -73,22 +73,27 @@ Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std:
   const BuiltInPalette& builtIn = palettes[isKnown ? static_cast<std::size_t>(*number - 1) : 0];
   Palette palette = isDark ? builtIn.dark : builtIn.light;
   if (!colors) return palette;
-  palette.buttonBackground = colorOf(colors->buttonBackground);
-  palette.buttonText = colorOf(colors->buttonText);
-  palette.buttonBorder = colorOf(colors->buttonBorder);
-  palette.bannerBackground = colorOf(colors->bannerBackground);
-  palette.bannerText = colorOf(colors->bannerText);
-  palette.bannerLinks = colorOf(colors->bannerLinks);
-  palette.footerBackground = colorOf(colors->preferenceCenterFooterBackground);
-  palette.footerSelector = colorOf(colors->preferenceCenterFooterSelector);
-  palette.togglePrimary = colors->togglePrimarycolor ? colorOf(*colors->togglePrimarycolor) : palette.buttonBackground;
-  palette.toggleSecondary = colors->toggleSecondarycolor ? colorOf(*colors->toggleSecondarycolor)
-                                                         : mixed(palette.bannerText, palette.bannerBackground, 0.4);
-  palette.disclaimerText =
-      colors->purposeDisclaimerTextColor ? colorOf(*colors->purposeDisclaimerTextColor) : palette.bannerText;
-  palette.disclaimerBackground = colors->purposeDisclaimerBackgroundColor
-                                     ? colorOf(*colors->purposeDisclaimerBackgroundColor)
-                                     : mixed(palette.bannerBackground, palette.bannerText, 0.08);
+  // A role that is left empty keeps the built-in colour.
+  const auto take = [](QColor& role, const std::string& text) {
+    if (!text.empty()) role = colorOf(text);
+  };
+  take(palette.buttonBackground, colors->buttonBackground);
+  take(palette.buttonText, colors->buttonText);
+  take(palette.buttonBorder, colors->buttonBorder);
+  take(palette.bannerBackground, colors->bannerBackground);
+  take(palette.bannerText, colors->bannerText);
+  take(palette.bannerLinks, colors->bannerLinks);
+  take(palette.footerBackground, colors->preferenceCenterFooterBackground);
+  take(palette.footerSelector, colors->preferenceCenterFooterSelector);
+  // Those that a palette need not have follow from the ones that it has.
+  palette.togglePrimary = palette.buttonBackground;
+  palette.toggleSecondary = mixed(palette.bannerText, palette.bannerBackground, 0.4);
+  palette.disclaimerText = palette.bannerText;
+  palette.disclaimerBackground = mixed(palette.bannerBackground, palette.bannerText, 0.08);
+  take(palette.togglePrimary, colors->togglePrimarycolor.value_or(""));
+  take(palette.toggleSecondary, colors->toggleSecondarycolor.value_or(""));
+  take(palette.disclaimerText, colors->purposeDisclaimerTextColor.value_or(""));
+  take(palette.disclaimerBackground, colors->purposeDisclaimerBackgroundColor.value_or(""));
   return palette;
 }
 

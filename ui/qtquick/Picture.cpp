@@ -27,18 +27,16 @@ QImage decoded(const EncodedImage& encoded) {
 
 }  // namespace
 
-void PictureSource::load(const std::shared_ptr<ConsentSDK::Core>& core,
-                         std::function<std::optional<EncodedImage>(ConsentSDK::Core&)> source) {
-  core->tasks->start(
-      [core, self = QPointer(this), load = ++loads_, source = std::move(source)]() mutable -> Task<void> {
-        const auto encoded = source(*core);
-        core->onMain([self, load, image = encoded ? decoded(*encoded) : QImage()] {
-          if (!self || self->loads_ != load) return;
-          self->image_ = image;
-          Q_EMIT self->changed();
-        });
-        co_return;
-      });
+void PictureSource::load(const std::shared_ptr<ScreenServices>& sdk,
+                         std::function<std::optional<EncodedImage>(ScreenServices&)> source) {
+  sdk->run([sdk, self = QPointer(this), load = ++loads_, source = std::move(source)]() mutable {
+    const auto encoded = source(*sdk);
+    return Job([self, load, image = encoded ? decoded(*encoded) : QImage()] {
+      if (!self || self->loads_ != load) return;
+      self->image_ = image;
+      Q_EMIT self->changed();
+    });
+  });
 }
 
 Picture::Picture(QQuickItem* parent) : QQuickPaintedItem(parent) {

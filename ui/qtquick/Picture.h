@@ -8,7 +8,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/ScreenServices.h"
 #include "ui/Common/Images/ImageFromBase64.h"
 
 namespace quillon {
@@ -23,8 +23,8 @@ class PictureSource : public QObject {
   using QObject::QObject;
 
   // The function runs in the background. Of several loads only the last is shown.
-  void load(const std::shared_ptr<ConsentSDK::Core>& core,
-            std::function<std::optional<EncodedImage>(ConsentSDK::Core&)> source);
+  void load(const std::shared_ptr<ScreenServices>& sdk,
+            std::function<std::optional<EncodedImage>(ScreenServices&)> source);
 
   const QImage& image() const { return image_; }
   bool exists() const { return !image_.isNull(); }

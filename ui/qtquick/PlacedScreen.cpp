@@ -5,7 +5,6 @@
 #include <QQmlInfo>
 
 #include "ui/qtquick/PreferenceCenterAdapter.h"
-#include "ui/qtquick/QtScreenPresenter.h"
 #include "ui/qtquick/SettingsPromptAdapter.h"
 
 namespace quillon {
@@ -20,30 +19,24 @@ void PlacedScreen::componentComplete() {
   const auto leave = [self = QPointer(this)] {
     if (self) self->sayDone();
   };
-  const Model model = makeModel(ConsentBannerViewModel::make(sdk->core, leave));
+  const Model model = makeModel(ConsentBannerViewModel::make(sdk->services, leave));
   feed(*sdk, model);
   show(model);
   // The preference centre that a banner opens answers it, too.
-  const auto* screens = dynamic_cast<QtScreenPresenter*>(sdk->core->platform.screens.get());
-  if (screens && model.adapter == model.banner) {
-    connect(screens, &QtScreenPresenter::bannerDismissed, this,
-            [this, own = sdk->core.get()](const QtScreenPresenter::Core& answered) {
-              if (answered.get() == own) sayDone();
-            });
-  }
+  if (model.adapter == model.banner) dismissal_ = sdk->services->followBannerDismissal([this] { sayDone(); });
 }
 
 void PlacedScreen::feed(const PageSdk& sdk, const Model& model) {
   const auto restyle = [this, &sdk, banner = model.banner] {
-    Style::of(*qmlEngine(this)).show(sdk.options, *sdk.core, banner->model()->bannerConfig.get());
+    Style::of(*qmlEngine(this)).show(sdk.options, *sdk.services, banner->model()->bannerConfig.get());
   };
   connect(model.banner, &Adapter::changed, this, restyle);
   restyle();
   const auto loadUnlessFetching = [banner = model.banner, load = model.load](SDKStatus status) {
     if (status != SDKStatus::fetching && !banner->isLoaded()) load();
   };
-  readiness_ = sdk.core->sdkListener.follow(loadUnlessFetching);
-  loadUnlessFetching(sdk.core->sdkListener.isReady());
+  readiness_ = sdk.services->followStatus(loadUnlessFetching);
+  loadUnlessFetching(sdk.services->status());
 }
 
 void PlacedScreen::show(const Model& model) {

@@ -7,7 +7,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/ScreenServices.h"
 #include "quillon/QtQuick.h"
 #include "ui/qtquick/ConsentBannerAdapter.h"
 
@@ -18,10 +18,10 @@ class PageSdk : public QObject {
   Q_OBJECT
 
  public:
-  PageSdk(std::shared_ptr<ConsentSDK::Core> sdk, QtQuickOptions screens, QQmlEngine& engine)
-      : QObject(&engine), core(std::move(sdk)), options(screens) {}
+  PageSdk(std::shared_ptr<ScreenServices> services, QtQuickOptions screens, QQmlEngine& engine)
+      : QObject(&engine), services(std::move(services)), options(screens) {}
 
-  const std::shared_ptr<ConsentSDK::Core> core;
+  const std::shared_ptr<ScreenServices> services;
   const QtQuickOptions options;
 };
 
@@ -60,6 +60,7 @@ class PlacedScreen : public QQuickItem {
 
   QQuickItem* screen_ = nullptr;
   std::shared_ptr<void> readiness_;
+  std::shared_ptr<void> dismissal_;
 };
 
 class PlacedBanner : public PlacedScreen {

@@ -17,11 +17,11 @@ PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCente
     : Adapter(parent),
       model_(std::move(model)),
       banner_(new ConsentBannerAdapter(model_->banner(), this)),
-      description_(new RichTextAdapter(model_->banner()->core(), this)),
-      guidance_(new RichTextAdapter(model_->banner()->core(), this)),
-      consentModeNote_(new RichTextAdapter(model_->banner()->core(), this)),
-      permissionsDescription_(new RichTextAdapter(model_->banner()->core(), this)),
-      permissionsGuidance_(new RichTextAdapter(model_->banner()->core(), this)) {
+      description_(new RichTextAdapter(model_->banner()->sdk(), this)),
+      guidance_(new RichTextAdapter(model_->banner()->sdk(), this)),
+      consentModeNote_(new RichTextAdapter(model_->banner()->sdk(), this)),
+      permissionsDescription_(new RichTextAdapter(model_->banner()->sdk(), this)),
+      permissionsGuidance_(new RichTextAdapter(model_->banner()->sdk(), this)) {
   follow(model_->banner()->bannerConfigResult);
   follow(model_->purposesResult);
   follow(model_->permissionsResult);
@@ -91,7 +91,7 @@ PermissionAdapter* PreferenceCenterAdapter::shownPermission(const AppPermission&
   shown->group = QString::fromStdString(permission.group.value_or(""));
   shown->name = banner_->words(permission.nameMap);
   if (shown->name.isEmpty()) shown->name = QString::fromStdString(permission.name.value_or(""));
-  shown->description = new RichTextAdapter(model_->banner()->core(), shown);
+  shown->description = new RichTextAdapter(model_->banner()->sdk(), shown);
   shown->description->setHtml(model_->banner()->text(permission.description));
   shown->status = permission.consentStatus;
   shown->key = permission.permissionId;

@@ -6,14 +6,15 @@ SdkAdapter::SdkAdapter(const SDK& sdk, const std::shared_ptr<ConsentBannerViewMo
     : QObject(parent),
       banner_(banner),
       name_(QString::fromStdString(banner->text(sdk.sdkName))),
-      description_(new RichTextAdapter(banner->core(), this)),
+      description_(new RichTextAdapter(banner->sdk(), this)),
       logo_(new PictureSource(this)),
       website_(QString::fromStdString(sdk.website.value_or(""))),
       websiteLabel_(QString::fromStdString(banner->label(Label::developerURL))) {
   description_->setHtml(banner->text(sdk.sdkDescription));
   if (sdk.logoBase64) {
-    logo_->load(banner->core(),
-                [text = *sdk.logoBase64](ConsentSDK::Core& core) { return imageFromBase64(text, core.logger); });
+    logo_->load(banner->sdk(), [text = *sdk.logoBase64](ScreenServices& services) {
+      return imageFromBase64(text, services.logger());
+    });
   }
   const auto add = [&](Label label, const std::optional<std::string>& value) {
     if (!value || value->empty()) return;
@@ -35,8 +36,8 @@ PurposeAdapter::PurposeAdapter(std::shared_ptr<const Purpose> purpose,
     : QObject(parent),
       purpose_(std::move(purpose)),
       model_(model),
-      description_(new RichTextAdapter(model->banner()->core(), this)),
-      disclaimer_(new RichTextAdapter(model->banner()->core(), this)),
+      description_(new RichTextAdapter(model->banner()->sdk(), this)),
+      disclaimer_(new RichTextAdapter(model->banner()->sdk(), this)),
       toggle_(model->toggle(*purpose_)) {
   const auto& banner = model_->banner();
   description_->setHtml(banner->text(purpose_->purposeDescription));

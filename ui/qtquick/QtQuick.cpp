@@ -20,7 +20,7 @@ bool configureQtQuick(LinuxOptions options, QtQuickOptions screens) {
 void addConsentElements(QQmlEngine& engine, ConsentSDK& sdk, QtQuickOptions screens) {
   addModule(engine);
   // Owned by the engine.
-  new PageSdk(sdk.core(), screens, engine);
+  new PageSdk(sdk.screens(), screens, engine);
 }
 
 }  // namespace quillon

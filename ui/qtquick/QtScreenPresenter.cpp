@@ -88,48 +88,48 @@ QQmlComponent& QtScreenPresenter::component(ScreenKind kind) {
   return *component;
 }
 
-bool QtScreenPresenter::isShown(ScreenKind kind, const Core& core) const {
+bool QtScreenPresenter::isShown(ScreenKind kind, const Services& sdk) const {
   return std::ranges::any_of(stack_,
-                             [&](const Screen* screen) { return screen->kind() == kind && screen->core() == core; });
+                             [&](const Screen* screen) { return screen->kind() == kind && screen->sdk() == sdk; });
 }
 
-void QtScreenPresenter::presentBanner(Core core) {
-  if (isShown(ScreenKind::banner, core)) return;
-  auto* adapter = new ConsentBannerAdapter(ConsentBannerViewModel::make(core));
+void QtScreenPresenter::presentBanner(Services sdk) {
+  if (isShown(ScreenKind::banner, sdk)) return;
+  auto* adapter = new ConsentBannerAdapter(ConsentBannerViewModel::make(sdk));
   adapter->load();
-  present(std::make_unique<Screen>(ScreenKind::banner, std::move(core), adapter, adapter));
+  present(std::make_unique<Screen>(ScreenKind::banner, std::move(sdk), adapter, adapter));
 }
 
-void QtScreenPresenter::presentPreferenceCenter(Core core) {
-  if (isShown(ScreenKind::preferenceCenter, core)) return;
-  auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(ConsentBannerViewModel::make(core)));
+void QtScreenPresenter::presentPreferenceCenter(Services sdk) {
+  if (isShown(ScreenKind::preferenceCenter, sdk)) return;
+  auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(ConsentBannerViewModel::make(sdk)));
   adapter->load();
-  present(std::make_unique<Screen>(ScreenKind::preferenceCenter, std::move(core), adapter, adapter->banner()));
+  present(std::make_unique<Screen>(ScreenKind::preferenceCenter, std::move(sdk), adapter, adapter->banner()));
 }
 
-void QtScreenPresenter::presentSettingsPrompt(Core core, const VantariKey& permission) {
-  if (isShown(ScreenKind::settingsPrompt, core)) return;
+void QtScreenPresenter::presentSettingsPrompt(Services sdk, const VantariKey& permission) {
+  if (isShown(ScreenKind::settingsPrompt, sdk)) return;
   auto* adapter = new SettingsPromptAdapter(
-      std::make_unique<SettingsPromptViewModel>(ConsentBannerViewModel::make(core), permission));
+      std::make_unique<SettingsPromptViewModel>(ConsentBannerViewModel::make(sdk), permission));
   adapter->load();
-  present(std::make_unique<Screen>(ScreenKind::settingsPrompt, std::move(core), adapter, adapter->banner()));
+  present(std::make_unique<Screen>(ScreenKind::settingsPrompt, std::move(sdk), adapter, adapter->banner()));
 }
 
-void QtScreenPresenter::presentWebView(Core core, const std::string& link) {
+void QtScreenPresenter::presentWebView(Services sdk, const std::string& link) {
   if (!webSurfaceFactory()) {
-    UnitLog(core->logger, sourceFile)(LogLevel::warning, "No web view is linked, not opened: " + escapedForLog(link),
-                                      "presentWebView()");
+    UnitLog(sdk->logger(), sourceFile)(LogLevel::warning, "No web view is linked, not opened: " + escapedForLog(link),
+                                       "presentWebView()");
     return;
   }
   for (const Screen* screen : stack_) {
-    if (screen->kind() != ScreenKind::webView || screen->core() != core) continue;
+    if (screen->kind() != ScreenKind::webView || screen->sdk() != sdk) continue;
     return static_cast<WebViewAdapter*>(screen->model())->open(link);
   }
   component(ScreenKind::webView);  // makes the QML engine
-  const auto banner = ConsentBannerViewModel::make(core);
+  const auto banner = ConsentBannerViewModel::make(sdk);
   banner->loadBannerConfig();
   auto* adapter = new WebViewAdapter(banner, webSurfaceFactory()(*engine_), link);
-  present(std::make_unique<Screen>(ScreenKind::webView, std::move(core), adapter, adapter->banner()));
+  present(std::make_unique<Screen>(ScreenKind::webView, std::move(sdk), adapter, adapter->banner()));
 }
 
 void QtScreenPresenter::present(std::unique_ptr<Screen> made) {
@@ -142,7 +142,7 @@ void QtScreenPresenter::present(std::unique_ptr<Screen> made) {
   const auto create = [this, screen, &component] {
     if (std::ranges::find(stack_, screen) == stack_.end()) return;
     if (component.isError()) {
-      UnitLog(screen->core()->logger, sourceFile)(
+      UnitLog(screen->sdk()->logger(), sourceFile)(
           LogLevel::error, "The screen cannot be made: " + escapedForLog(component.errorString().toStdString()),
           "present()");
       dismiss(screen);
@@ -172,18 +172,17 @@ void QtScreenPresenter::show(Screen* screen) {
 void QtScreenPresenter::styleAfterTop() {
   if (stack_.empty() || !engine_) return;
   const Screen* top = stack_.back();
-  Style::of(*engine_).show(options_, *top->core(), top->banner()->model()->bannerConfig.get());
+  Style::of(*engine_).show(options_, *top->sdk(), top->banner()->model()->bannerConfig.get());
 }
 
 void QtScreenPresenter::dismissTopMost() {
   if (!stack_.empty()) dismiss(stack_.back());
 }
 
-void QtScreenPresenter::dismissBanner(Core core) {
+void QtScreenPresenter::dismissBanner(Services sdk) {
   const auto found = std::ranges::find_if(
-      stack_, [&](const Screen* screen) { return screen->kind() == ScreenKind::banner && screen->core() == core; });
+      stack_, [&](const Screen* screen) { return screen->kind() == ScreenKind::banner && screen->sdk() == sdk; });
   if (found != stack_.end()) dismiss(*found);
-  Q_EMIT bannerDismissed(core);
 }
 
 void QtScreenPresenter::dismiss(Screen* screen) {
@@ -264,7 +263,7 @@ void QtScreenPresenter::openSystemSettings() {
     }
   }
   if (stack_.empty()) return;
-  UnitLog(stack_.back()->core()->logger, sourceFile)(
+  UnitLog(stack_.back()->sdk()->logger(), sourceFile)(
       LogLevel::warning, "This desktop has no settings program that we know, nothing is opened",
       "openSystemSettings()");
 }

@@ -26,20 +26,16 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   // Compiles the screens and finds fonts ahead, without holding the main loop, so that the first one appears at once.
   void prepare();
 
-  void presentBanner(Core core) override;
-  void presentPreferenceCenter(Core core) override;
-  void presentSettingsPrompt(Core core, const VantariKey& permission) override;
-  void presentWebView(Core core, const std::string& link) override;
+  void presentBanner(Services sdk) override;
+  void presentPreferenceCenter(Services sdk) override;
+  void presentSettingsPrompt(Services sdk, const VantariKey& permission) override;
+  void presentWebView(Services sdk, const std::string& link) override;
   void dismissTopMost() override;
-  void dismissBanner(Core core) override;
+  void dismissBanner(Services sdk) override;
   void openSystemSettings() override;
 
   // The item of the top-most screen; null when there is none or it is still being made.
   QQuickItem* topItem() const { return stack_.empty() ? nullptr : stack_.back()->item(); }
-
- Q_SIGNALS:
-  // That SDK's has been answered elsewhere, whether it was shown or not.
-  void bannerDismissed(const Core& core);
 
  protected:
   // Keeps the Tab key within the top-most screen.
@@ -48,7 +44,7 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
  private:
   explicit QtScreenPresenter(QtQuickOptions options);
 
-  bool isShown(ScreenKind kind, const Core& core) const;
+  bool isShown(ScreenKind kind, const Services& sdk) const;
   void present(std::unique_ptr<Screen> made);
   QQmlComponent& component(ScreenKind kind);
   void show(Screen* screen);

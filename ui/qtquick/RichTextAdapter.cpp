@@ -32,8 +32,8 @@ QString spanOf(const TextRun& run) {
 
 }  // namespace
 
-RichTextAdapter::RichTextAdapter(std::shared_ptr<ConsentSDK::Core> core, QObject* parent)
-    : Adapter(parent), core_(std::move(core)), model_(RichTextViewModel::make(core_)) {
+RichTextAdapter::RichTextAdapter(std::shared_ptr<ScreenServices> sdk, QObject* parent)
+    : Adapter(parent), sdk_(std::move(sdk)), model_(RichTextViewModel::make(sdk_)) {
   follow(model_->attributedString);
 }
 
@@ -71,7 +71,7 @@ void RichTextAdapter::refresh() {
 
 void RichTextAdapter::open(int link) const {
   if (link >= 0 && static_cast<std::size_t>(link) < addresses_.size()) {
-    core_->openLink(addresses_[static_cast<std::size_t>(link)]);
+    sdk_->openLink(addresses_[static_cast<std::size_t>(link)]);
   }
 }
 

@@ -24,7 +24,7 @@ class RichTextAdapter : public Adapter {
   Q_PROPERTY(QStringList links READ links NOTIFY changed)
 
  public:
-  RichTextAdapter(std::shared_ptr<ConsentSDK::Core> core, QObject* parent);
+  RichTextAdapter(std::shared_ptr<ScreenServices> sdk, QObject* parent);
 
   void setHtml(const std::string& html);
 
@@ -39,7 +39,7 @@ class RichTextAdapter : public Adapter {
   void refresh() override;
 
  private:
-  const std::shared_ptr<ConsentSDK::Core> core_;
+  const std::shared_ptr<ScreenServices> sdk_;
   const std::shared_ptr<RichTextViewModel> model_;
   std::string html_;
   QString markup_;

@@ -7,8 +7,8 @@
 
 namespace quillon {
 
-Screen::Screen(ScreenKind kind, std::shared_ptr<ConsentSDK::Core> core, QObject* model, ConsentBannerAdapter* banner)
-    : kind_(kind), core_(std::move(core)), model_(model), banner_(banner) {
+Screen::Screen(ScreenKind kind, std::shared_ptr<ScreenServices> sdk, QObject* model, ConsentBannerAdapter* banner)
+    : kind_(kind), sdk_(std::move(sdk)), model_(model), banner_(banner) {
   model_->setParent(this);
 }
 
@@ -43,7 +43,7 @@ void Screen::showIn(QQuickWindow& window) {
     if (!now) Q_EMIT lostWindow();
   });
   QMetaObject::invokeMethod(item_, "enter");
-  shown_ = core_->shown(kind_);
+  shown_ = sdk_->shown(kind_);
 }
 
 void Screen::leave() {

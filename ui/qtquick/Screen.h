@@ -9,7 +9,7 @@
 #include <memory>
 #include <optional>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/ScreenServices.h"
 #include "ui/qtquick/ConsentBannerAdapter.h"
 
 namespace quillon {
@@ -20,11 +20,11 @@ class Screen : public QObject, private QQmlIncubator {
 
  public:
   // The model is the screen's adapter, which becomes its own; `banner` is the part of it that knows the configuration.
-  Screen(ScreenKind kind, std::shared_ptr<ConsentSDK::Core> core, QObject* model, ConsentBannerAdapter* banner);
+  Screen(ScreenKind kind, std::shared_ptr<ScreenServices> sdk, QObject* model, ConsentBannerAdapter* banner);
   ~Screen() override;
 
   ScreenKind kind() const { return kind_; }
-  const std::shared_ptr<ConsentSDK::Core>& core() const { return core_; }
+  const std::shared_ptr<ScreenServices>& sdk() const { return sdk_; }
   QObject* model() const { return model_; }
   ConsentBannerAdapter* banner() const { return banner_; }
   // Null until it is made.
@@ -50,7 +50,7 @@ class Screen : public QObject, private QQmlIncubator {
   void statusChanged(Status status) override;
 
   const ScreenKind kind_;
-  const std::shared_ptr<ConsentSDK::Core> core_;
+  const std::shared_ptr<ScreenServices> sdk_;
   QObject* const model_;
   ConsentBannerAdapter* const banner_;
   QPointer<QQuickItem> item_;

@@ -28,7 +28,7 @@ class SettingsPromptAdapter : public Adapter {
       : Adapter(parent),
         model_(std::move(model)),
         banner_(new ConsentBannerAdapter(model_->banner(), this)),
-        message_(new RichTextAdapter(model_->banner()->core(), this)) {
+        message_(new RichTextAdapter(model_->banner()->sdk(), this)) {
     follow(model_->banner()->settingsPromptResult);
     follow(model_->banner()->bannerConfigResult);
   }

@@ -65,19 +65,18 @@ Style& Style::of(QQmlEngine& engine) {
   return *engine.singletonInstance<Style*>(qmlTypeId("Quillon.Consent", 1, 0, "Style"));
 }
 
-void Style::show(const QtQuickOptions& options, const ConsentSDK::Core& core,
-                 const std::optional<BannerConfig>& banner) {
+void Style::show(const QtQuickOptions& options, const ScreenServices& sdk, const std::optional<BannerConfig>& banner) {
   isDark_ = options.isDark;
-  customColors_ = core.theme.colors();
+  customColors_ = sdk.colors();
   paletteNumber_ = banner ? banner->paletteTheme : std::nullopt;
   recolour();
-  fonts_ = core.theme.fonts();
+  fonts_ = sdk.fonts();
   constexpr double smallest = 0.5;
   constexpr double largest = 3;
   textScale_ = std::clamp(options.textScale.value_or(desktopTextScale()), smallest, largest);
   isMotionReduced_ = options.isMotionReduced;
   buttonShape_ = shapeOf(banner);
-  const QLocale language(QString::fromStdString(core.locale.currentLanguageCode()));
+  const QLocale language(QString::fromStdString(sdk.language()));
   isMirrored_ = language.textDirection() == Qt::RightToLeft;
   Q_EMIT changed();
 }

@@ -7,7 +7,7 @@
 #include <QQmlEngine>
 #include <memory>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/ScreenServices.h"
 #include "quillon/QtQuick.h"
 #include "ui/qtquick/Palette.h"
 
@@ -42,7 +42,7 @@ class Style : public QObject {
   static Style& of(QQmlEngine& engine);
 
   // Takes over the SDK's fonts and colours, its language and what the banner configures.
-  void show(const QtQuickOptions& options, const ConsentSDK::Core& core, const std::optional<BannerConfig>& banner);
+  void show(const QtQuickOptions& options, const ScreenServices& sdk, const std::optional<BannerConfig>& banner);
 
   const ScreenColors& colors() const { return colors_; }
   QFont heading() const;
@@ -64,7 +64,7 @@ class Style : public QObject {
   void recolour();
   QFont font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight = 1) const;
 
-  Theme::Fonts fonts_;
+  ScreenFonts fonts_;
   std::optional<bool> isDark_;  // the surroundings as the host wants them; nothing when they follow the desktop
   std::optional<CustomColors> customColors_;
   std::optional<std::int64_t> paletteNumber_;

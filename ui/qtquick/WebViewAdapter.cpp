@@ -7,7 +7,7 @@ namespace quillon {
 WebViewAdapter::WebViewAdapter(const std::shared_ptr<ConsentBannerViewModel>& banner,
                                std::unique_ptr<QuickWebSurface> surface, std::string link)
     : surface_(*surface),
-      model_(WebViewModel::make(banner->core(), std::move(surface))),
+      model_(WebViewModel::make(banner->sdk(), std::move(surface))),
       banner_(new ConsentBannerAdapter(banner, this)),
       link_(std::move(link)) {
   follow(model_->isLoading);

@@ -7,73 +7,63 @@
 
 #include "platform/KeyValueSuite.h"
 
+// One row a name, from which both the constants and their list are made.
+// clang-format off
+#define QUILLON_STORE_KEYS(ROW) \
+  ROW(arePurposesChanged, "ARE_PURPOSES_CHANGED") \
+  ROW(purposesChangeTimestamp, "PURPOSES_CHANGE_TIMESTAMP") \
+  ROW(arePermissionsChanged, "ARE_PERMISSIONS_CHANGED") \
+  ROW(permissionsChangeTimestamp, "PERMISSIONS_CHANGE_TIMESTAMP") \
+  ROW(consentGivenType, "CONSENT_GIVEN_TYPE") \
+  ROW(currentComplianceType, "CURRENT_COMPLIANCE_TYPE") \
+  ROW(pendingPurposesList, "PENDING_PURPOSES_LIST") \
+  ROW(pendingPermissionsList, "PENDING_PERMISSIONS_LIST") \
+  ROW(uploadConsentRequestPending, "UPLOAD_CONSENT_REQUEST_PENDING") \
+  /* The newest record of the journal when the server refused an upload for good; what is no newer is not sent again. */ \
+  ROW(uploadRefusedUpTo, "UPLOAD_REFUSED_UP_TO") \
+  ROW(subjectId, "SUBJECT_ID") \
+  ROW(xAuthToken, "X_AUTH_TOKEN") \
+  ROW(configurationVersion, "SDK_VERSION") \
+  ROW(isATTEnabled, "IS_ATT_ENABLED") \
+  /* The purposes that the configuration applied last binds to app tracking. */ \
+  ROW(trackingPurposesList, "TRACKING_PURPOSES_LIST") \
+  /* The application ids under which anything was decided. */ \
+  ROW(decidedApplicationsList, "DECIDED_APPLICATIONS_LIST") \
+  ROW(languageCode, "LANGUAGECODE") \
+  ROW(lastModeUsed, "LAST_MODE_USED") \
+  ROW(bannerInterval, "BANNER_INTERVAL") \
+  ROW(bannerShownDate, "BANNER_SHOWN_DATE") \
+  ROW(isBannerPresent, "IS_BANNER_PRESENT") \
+  ROW(isSettingsPromptEnabled, "IS_SETTINGS_PROMPT_ENABLED") \
+  ROW(hasShownSettingsPrompt, "HAS_SHOWN_SETTINGS_PROMPT") \
+  ROW(cdnCachedTimestamp, "CDN_CACHED_TIMESTAMP") \
+  ROW(cdnFileLocation, "CDN_FILE_LOCATION") \
+  /* What the cached configuration was asked for under: its address and the channel's, before any fall-back. */ \
+  ROW(cdnAddress, "CDN_ADDRESS") \
+  /* The entity tag that came with the cached configuration; "Etag" holds the newest tag of any answer. */ \
+  ROW(cdnEtag, "CDN_ETAG") \
+  ROW(etag, "Etag") \
+  ROW(currentCountryCode, "curr_countryCode") \
+  ROW(currentLocation, "curr_location") \
+  ROW(currentLocationTimestamp, "curr_location_timestamp") \
+  /* When a location request failed last. */ \
+  ROW(locationFailedTimestamp, "curr_location_failed_timestamp") \
+  /* True after the store was damaged, until the user has answered anew. */ \
+  ROW(lostEntries, lostEntriesKey)
+// clang-format on
+
 namespace quillon::key {
 
 inline constexpr std::string_view suiteName = "quillon-cmp-sdk";
 
-inline constexpr std::string_view arePurposesChanged = "ARE_PURPOSES_CHANGED";
-inline constexpr std::string_view purposesChangeTimestamp = "PURPOSES_CHANGE_TIMESTAMP";
-inline constexpr std::string_view arePermissionsChanged = "ARE_PERMISSIONS_CHANGED";
-inline constexpr std::string_view permissionsChangeTimestamp = "PERMISSIONS_CHANGE_TIMESTAMP";
-inline constexpr std::string_view consentGivenType = "CONSENT_GIVEN_TYPE";
-inline constexpr std::string_view currentComplianceType = "CURRENT_COMPLIANCE_TYPE";
-inline constexpr std::string_view pendingPurposesList = "PENDING_PURPOSES_LIST";
-inline constexpr std::string_view pendingPermissionsList = "PENDING_PERMISSIONS_LIST";
-inline constexpr std::string_view uploadConsentRequestPending = "UPLOAD_CONSENT_REQUEST_PENDING";
-inline constexpr std::string_view subjectId = "SUBJECT_ID";
-inline constexpr std::string_view xAuthToken = "X_AUTH_TOKEN";
-inline constexpr std::string_view configurationVersion = "SDK_VERSION";
-inline constexpr std::string_view isATTEnabled = "IS_ATT_ENABLED";
-inline constexpr std::string_view languageCode = "LANGUAGECODE";
-inline constexpr std::string_view lastModeUsed = "LAST_MODE_USED";
-inline constexpr std::string_view bannerInterval = "BANNER_INTERVAL";
-inline constexpr std::string_view bannerShownDate = "BANNER_SHOWN_DATE";
-inline constexpr std::string_view isBannerPresent = "IS_BANNER_PRESENT";
-inline constexpr std::string_view isSettingsPromptEnabled = "IS_SETTINGS_PROMPT_ENABLED";
-inline constexpr std::string_view hasShownSettingsPrompt = "HAS_SHOWN_SETTINGS_PROMPT";
-inline constexpr std::string_view cdnCachedTimestamp = "CDN_CACHED_TIMESTAMP";
-inline constexpr std::string_view cdnFileLocation = "CDN_FILE_LOCATION";
-// The entity tag that came with the cached configuration; "Etag" holds the newest tag of any answer.
-inline constexpr std::string_view cdnEtag = "CDN_ETAG";
-inline constexpr std::string_view etag = "Etag";
-inline constexpr std::string_view currentCountryCode = "curr_countryCode";
-inline constexpr std::string_view currentLocation = "curr_location";
-inline constexpr std::string_view currentLocationTimestamp = "curr_location_timestamp";
-// When the location was asked for in vain.
-inline constexpr std::string_view locationFailedTimestamp = "curr_location_failed_timestamp";
-// True after the store was damaged, until the user has answered anew.
-inline constexpr std::string_view lostEntries = lostEntriesKey;
+#define QUILLON_CONSTANT(name, text) inline constexpr std::string_view name = text;
+QUILLON_STORE_KEYS(QUILLON_CONSTANT)
+#undef QUILLON_CONSTANT
 
 // Every name above that is the SDK's own.
-inline constexpr std::array all{arePurposesChanged,
-                                purposesChangeTimestamp,
-                                arePermissionsChanged,
-                                permissionsChangeTimestamp,
-                                consentGivenType,
-                                currentComplianceType,
-                                pendingPurposesList,
-                                pendingPermissionsList,
-                                uploadConsentRequestPending,
-                                subjectId,
-                                xAuthToken,
-                                configurationVersion,
-                                isATTEnabled,
-                                languageCode,
-                                lastModeUsed,
-                                bannerInterval,
-                                bannerShownDate,
-                                isBannerPresent,
-                                isSettingsPromptEnabled,
-                                hasShownSettingsPrompt,
-                                cdnCachedTimestamp,
-                                cdnFileLocation,
-                                cdnEtag,
-                                etag,
-                                currentCountryCode,
-                                currentLocation,
-                                currentLocationTimestamp,
-                                locationFailedTimestamp,
-                                lostEntries};
+#define QUILLON_ELEMENT(name, text) name,
+inline constexpr auto all = std::to_array<std::string_view>({QUILLON_STORE_KEYS(QUILLON_ELEMENT)});
+#undef QUILLON_ELEMENT
 
 // Whether a name reads as the identifier of a purpose.
 [[nodiscard]] constexpr bool isPurpose(std::string_view name) noexcept {
@@ -90,10 +80,4 @@ inline constexpr std::size_t longestPermission = 256;
 
 }  // namespace quillon::key
 
-namespace quillon::givenType {
-
-inline constexpr std::string_view explicitly = "CONSENT_EXPLICIT";
-inline constexpr std::string_view implicitly = "CONSENT_IMPLICIT";
-inline constexpr std::string_view noAction = "CONSENT_NO_ACTION";
-
-}  // namespace quillon::givenType
+#undef QUILLON_STORE_KEYS

@@ -2,10 +2,27 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
+
+namespace {
+
+// What a key of the store is about; nothing for one of the SDK's own, or of no subject.
+std::optional<DecisionSubject> subjectUnder(std::string_view name) {
+  if (!key::isPurpose(name)) {
+    if (key::isReserved(name)) return std::nullopt;
+    return DecisionSubject{.permission = VantariKey(std::string(name))};
+  }
+  std::int64_t purpose = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), purpose);
+  if (error != std::errc() || end != name.data() + name.size()) return std::nullopt;
+  return DecisionSubject{.purposeId = purpose};
+}
+
+}  // namespace
 
 PurposeKey::PurposeKey(std::int64_t purposeId) noexcept
     : length_(static_cast<std::size_t>(std::to_chars(text_, text_ + sizeof text_, purposeId).ptr - text_)) {}
@@ -51,6 +68,17 @@ std::optional<ConsentStatus> StoredValues::consent(std::string_view key) const {
   return text ? fromRawValue<ConsentStatus>(*text) : std::nullopt;
 }
 
+std::map<DecisionSubject, ConsentStatus> StoredValues::consents() const {
+  std::map<DecisionSubject, ConsentStatus> consents;
+  for (const auto& [name, value] : entries_) {
+    const auto* text = std::get_if<std::string>(&value);
+    const auto status = text ? fromRawValue<ConsentStatus>(*text) : std::nullopt;
+    if (!status) continue;
+    if (auto subject = subjectUnder(name)) consents.emplace(std::move(*subject), *status);
+  }
+  return consents;
+}
+
 ComplianceType StoredValues::complianceType() const {
   const auto* text = find<std::string>(key::currentComplianceType);
   return (text ? fromRawValue<ComplianceType>(*text) : std::nullopt).value_or(ComplianceType::noticeOnly);
@@ -61,8 +89,26 @@ ConsentStatus StoredValues::complianceDefault() const {
   return asks ? ConsentStatus::declined : ConsentStatus::granted;
 }
 
-std::string StoredValues::consentGivenType() const {
-  return string(key::consentGivenType, givenType::noAction);
+GivenType StoredValues::consentGivenType() const {
+  const auto* text = find<std::string>(key::consentGivenType);
+  return (text ? fromRawValue<GivenType>(*text) : std::nullopt).value_or(GivenType::noAction);
+}
+
+bool StoredValues::isBoundToTracking(std::int64_t purposeId) const {
+  const auto* list = find<std::vector<std::int64_t>>(key::trackingPurposesList);
+  return list && std::ranges::find(*list, purposeId) != list->end();
+}
+
+bool StoredValues::isDecidedByNoOther(std::string_view applicationId) const {
+  const auto* list = find<std::vector<std::string>>(key::decidedApplicationsList);
+  return !list || std::ranges::all_of(*list, [&](const std::string& decided) { return decided == applicationId; });
+}
+
+bool StoredValues::isAnythingPending() const {
+  if (boolean(key::uploadConsentRequestPending)) return true;
+  const auto* purposes = find<std::vector<std::int64_t>>(key::pendingPurposesList);
+  const auto* permissions = find<std::vector<std::string>>(key::pendingPermissionsList);
+  return (purposes && !purposes->empty()) || (permissions && !permissions->empty());
 }
 
 std::vector<std::int64_t> StoredValues::pendingPurposes() const {
@@ -85,15 +131,33 @@ void StoreTransaction::remove(std::string_view key) {
   changes_.insert_or_assign(std::string(key), std::nullopt);
 }
 
-void StoreTransaction::record(Decision decision) {
+void StoreTransaction::giveConsents(GivenType type) {
+  if (type == GivenType::noAction) return;
+  if (type == GivenType::implicitly && consentGivenType() == GivenType::explicitly) return;
+  set(key::consentGivenType, std::string(rawValue(type)));
+}
+
+void StoreTransaction::askAgain() {
+  set(key::consentGivenType, std::string(rawValue(GivenType::noAction)));
+}
+
+void StoreTransaction::append(Decision decision, std::string_view applicationId) {
   decision.configurationVersion = integer(key::configurationVersion, 0);
   decision.complianceType = complianceType();
+  // What the device decides it decides for every application.
+  const bool isDevices = decision.cause == DecisionCause::device || decision.cause == DecisionCause::trackingStatus;
   decisions_.push_back(std::move(decision));
+  if (isDevices || applicationId.empty()) return;
+  const auto* known = find<std::vector<std::string>>(key::decidedApplicationsList);
+  if (known && std::ranges::find(*known, applicationId) != known->end()) return;
+  auto list = known ? *known : std::vector<std::string>();
+  list.emplace_back(applicationId);
+  set(key::decidedApplicationsList, std::move(list));
 }
 
 SuiteUpdate StoreTransaction::take() {
   SuiteUpdate update(std::move(changes_));
-  update.settle = std::move(settle_);
+  update.marks = std::exchange(marks_, {});
   for (const Decision& decision : decisions_) update.appended.push_back(journalText(decision));
   return update;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,6 +40,8 @@ class StoredValues {
   std::optional<PropertyDate> date(std::string_view key) const;
 
   std::optional<ConsentStatus> consent(std::string_view key) const;
+  // Every consent that is stored, of purposes and of permissions.
+  std::map<DecisionSubject, ConsentStatus> consents() const;
   ConsentStatus consentOrDefault(std::string_view purpose) const {
     const auto decision = consent(purpose);  // the default costs as much again, and is seldom asked for
     return decision ? *decision : complianceDefault();
@@ -47,9 +50,15 @@ class StoredValues {
   // which may have been that of a refusal.
   ConsentStatus complianceDefault() const;
   ComplianceType complianceType() const;
-  // How the present consents came about; "CONSENT_NO_ACTION" when nothing was given yet.
-  std::string consentGivenType() const;
+  // How the present consents came about; noAction when nothing was given yet, or a re-consent is asked for.
+  GivenType consentGivenType() const;
+  // Whether the configuration applied last binds the purpose to app tracking. Allocates nothing.
+  bool isBoundToTracking(std::int64_t purposeId) const;
+  // Whether nothing was decided but, at most, under this application id.
+  bool isDecidedByNoOther(std::string_view applicationId) const;
 
+  // Whether an upload failed, or something is on the lists.
+  bool isAnythingPending() const;
   std::vector<std::int64_t> pendingPurposes() const;
   std::vector<std::string> pendingPermissions() const;
 
@@ -57,10 +66,10 @@ class StoredValues {
   StoredValues(const SuiteEntries& entries, const SuiteChanges& changes) noexcept
       : entries_(entries), changes_(&changes) {}
 
- private:
   template <class T>
   const T* find(std::string_view key) const;
 
+ private:
   const SuiteEntries& entries_;
   const SuiteChanges* changes_ = nullptr;
 };
@@ -77,11 +86,17 @@ class StoreTransaction : public StoredValues {
   void addPendingPurpose(std::int64_t purposeId);
   void addPendingPermission(const std::string& permission);
 
+  // How the present consents came about from now on. A default never takes the place of an answer, and what the device
+  // decides leaves it as it is.
+  void giveConsents(GivenType type);
+  // The users' answer is asked for again.
+  void askAgain();
+
   // Keeps a decision in the history, with the configuration's version and the compliance type that are stored.
-  void record(Decision decision);
+  void append(Decision decision, std::string_view applicationId);
   const std::vector<Decision>& decisions() const { return decisions_; }
-  // Settles records of the history; see SuiteUpdate.
-  void settle(decltype(SuiteUpdate::settle) outcomes) { settle_ = std::move(outcomes); }
+  // Sets the mark of a record of the history.
+  void mark(std::int64_t number, std::string_view outcome) { marks_.insert_or_assign(number, outcome); }
 
   // What there is to do; the transaction is empty afterwards, but for its decisions.
   SuiteUpdate take();
@@ -89,7 +104,7 @@ class StoreTransaction : public StoredValues {
  private:
   SuiteChanges changes_;
   std::vector<Decision> decisions_;
-  decltype(SuiteUpdate::settle) settle_;
+  std::map<std::int64_t, std::string> marks_;
   // What the pending list among the changes holds, once something was added to it: saving thousands of purposes must
   // not search the list for each.
   std::optional<std::unordered_set<std::int64_t>> pendingPurposes_;

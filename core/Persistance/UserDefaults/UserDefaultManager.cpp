@@ -1,15 +1,28 @@
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
 
-#include <boost/uuid/random_generator.hpp>
-#include <boost/uuid/uuid_io.hpp>
+#include <array>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Text/Ascii.h"
 #include "core/Text/LogText.h"
 
 namespace quillon {
 namespace {
 
 constexpr std::string_view sourceFile = "Persistance/UserDefaults/UserDefaultManager";
+
+// Every decision that stands, taken away.
+std::vector<Decision> removalsOf(const SuiteEntries& current, std::int64_t now) {
+  std::vector<Decision> removals;
+  for (auto& [subject, status] : StoredValues(current).consents()) {
+    removals.push_back({.time = now,
+                        .purposeId = subject.purposeId,
+                        .permission = subject.permission,
+                        .from = status,
+                        .cause = DecisionCause::removed});
+  }
+  return removals;
+}
 
 }  // namespace
 
@@ -18,8 +31,8 @@ struct UserDefaultManager::ReportLink {
   SDKLogger* logger;  // null once the manager is gone
 };
 
-UserDefaultManager::UserDefaultManager(const Platform& platform, SDKLogger& logger, Decided decided)
-    : platform_(platform), logger_(logger), decided_(std::move(decided)), reports_(new ReportLink{{}, &logger}) {}
+UserDefaultManager::UserDefaultManager(const Platform& platform, SDKLogger& logger, Stored stored)
+    : platform_(platform), logger_(logger), stored_(std::move(stored)), reports_(new ReportLink{{}, &logger}) {}
 
 UserDefaultManager::~UserDefaultManager() {
   const std::scoped_lock lock(reports_->mutex);
@@ -29,47 +42,81 @@ UserDefaultManager::~UserDefaultManager() {
 KeyValueSuite& UserDefaultManager::suite() const {
   std::call_once(opened_, [this] {
     // Damage is reported while the suite is at work, and logging reads the suite: the two must not meet on one stack.
-    auto report = [background = platform_.executors->background(), link = reports_](KeyValueStore::ReportLevel kind,
+    auto report = [background = platform_.executors->background(), link = reports_](KeyValueStore::ReportLevel level,
                                                                                     std::string message) {
-      const auto level = kind == KeyValueStore::ReportLevel::error ? LogLevel::error : LogLevel::info;
       background->post([link, level, message = std::move(message)] {
+        const auto severity = level == KeyValueStore::ReportLevel::error ? LogLevel::error : LogLevel::info;
         const std::scoped_lock lock(link->mutex);
-        if (link->logger) link->logger->log(escapedForLog(message), level, "suite", sourceFile, __LINE__);
+        if (link->logger) link->logger->log(escapedForLog(message), severity, "suite", sourceFile, __LINE__);
       });
     };
     auto opened = platform_.store->open(key::suiteName, std::move(report));
-    if (opened) {
-      suite_ = std::move(*opened);
-    } else {
-      // Past the logger, which would ask the suite.
-      platform_.console->write(platform_.clock->localText(platform_.clock->now()) + " [ERROR] " +
-                               escapedForLog(opened.error()));
+    if (!opened) {
+      // The logger reads the store, so the reason goes to the console directly.
+      platform_.console->write("[ERROR]The consent store cannot be used: " + escapedForLog(opened.error()));
       platform_.console->fatal("Could not create or access UserDefaults suite: " + std::string(key::suiteName),
                                sourceFile);
     }
+    suite_ = std::move(*opened);
   });
   return *suite_;
 }
 
-bool UserDefaultManager::transact(const std::function<void(StoreTransaction&)>& edit) {
+std::expected<void, std::string> UserDefaultManager::change(const Update& update) {
   std::vector<Decision> decisions;
   Job tell;
   auto& suite = this->suite();
   std::unique_lock turn(turn_);
-  const auto outcome = suite.update([&](const SuiteEntries& current) {
-    StoreTransaction transaction(current);
-    edit(transaction);
-    decisions = transaction.decisions();
-    return transaction.take();
-  });
-  if (outcome && decided_ && !decisions.empty()) tell = decided_(std::move(decisions));
+  const auto outcome = update(suite, decisions);
+  if (outcome && stored_) tell = stored_(std::move(decisions));
   turn.unlock();
   if (tell) tell();
+  return outcome;
+}
+
+bool UserDefaultManager::reportOutcome(const std::expected<void, std::string>& outcome) {
   if (!outcome) {
     logger_.log("Failed to store: " + escapedForLog(outcome.error()), LogLevel::error, "transact", sourceFile,
                 __LINE__);
   }
   return outcome.has_value();
+}
+
+bool UserDefaultManager::transact(const Edit& edit) {
+  return reportOutcome(change([&](KeyValueSuite& suite, std::vector<Decision>& decisions) {
+    return suite.update([&](const SuiteEntries& current) {
+      StoreTransaction transaction(current);
+      edit(transaction);
+      decisions = transaction.decisions();
+      return transaction.take();
+    });
+  }));
+}
+
+bool UserDefaultManager::settle(const Settlement& edit) {
+  return reportOutcome(change([&](KeyValueSuite& suite, std::vector<Decision>&) {
+    return suite.update([&](const SuiteEntries& current) {
+      SuiteUpdate update;
+      update.settle = [&](const std::vector<JournalRecord>& unsettled) {
+        StoreTransaction transaction(current);
+        edit(transaction, unsettled);
+        SuiteUpdate settled = transaction.take();
+        return SuiteUpdate::Settlement{std::move(settled.marks), std::move(settled.changes)};
+      };
+      return update;
+    });
+  }));
+}
+
+std::optional<SuiteReading> UserDefaultManager::read() const {
+  auto reading = suite().read();
+  if (reading) return std::move(*reading);
+  logger_.log("Failed to read: " + escapedForLog(reading.error()), LogLevel::error, "read", sourceFile, __LINE__);
+  return std::nullopt;
+}
+
+std::unique_ptr<SuiteSubscription> UserDefaultManager::observe(std::function<void()> changed) {
+  return suite().observe(std::move(changed));
 }
 
 std::string UserDefaultManager::getString(std::string_view key, std::string_view fallback) const {
@@ -102,7 +149,7 @@ std::string UserDefaultManager::getSubjectId() {
   // A failure is not logged: the logger itself asks for the subject.
   [[maybe_unused]] const auto outcome = suite().update([&](const SuiteEntries& current) {
     StoreTransaction transaction(current);
-    subject = ensureSubjectId(transaction);
+    subject = ensureSubjectId(transaction, *platform_.random);
     return transaction.take();
   });
   return subject;
@@ -115,17 +162,24 @@ HistoryPage UserDefaultManager::history(std::int64_t before, std::size_t count) 
   return {};
 }
 
-bool UserDefaultManager::removeAllConsents() {
-  const auto outcome = suite().update([](const SuiteEntries& current) {
-    SuiteUpdate update;
-    for (const auto& [key, value] : current) update.changes.emplace(key, std::nullopt);
-    update.clearsJournal = true;
-    return update;
+bool UserDefaultManager::removeAllConsents(const Edit& edit) {
+  const std::int64_t now = wholeSeconds(platform_.clock->now());
+  const auto outcome = change([&](KeyValueSuite& suite, std::vector<Decision>& decisions) {
+    return suite.update([&](const SuiteEntries& current) {
+      const SuiteEntries empty;
+      StoreTransaction transaction(empty);
+      if (edit) edit(transaction);
+      SuiteUpdate update = transaction.take();
+      for (const auto& [key, value] : current) update.changes.try_emplace(key, std::nullopt);
+      update.clearsJournal = true;
+      decisions = removalsOf(current, now);
+      return update;
+    });
   });
   if (outcome) {
     logger_.log("Successfully removed all consents", LogLevel::info, "removeAllConsents()", sourceFile, __LINE__);
     // At threshold debug that very line named a subject and so made a new one.
-    remove(key::subjectId);
+    if (logger_.logLevel() == LogLevel::debug) remove(key::subjectId);
   } else {
     logger_.log("Failed to remove all consents: " + escapedForLog(outcome.error()), LogLevel::error,
                 "removeAllConsents()", sourceFile, __LINE__);
@@ -133,18 +187,22 @@ bool UserDefaultManager::removeAllConsents() {
   return outcome.has_value();
 }
 
-std::string makeUUID() {
-  std::string text = boost::uuids::to_string(boost::uuids::random_generator()());
-  for (char& c : text) {
-    if (c >= 'a' && c <= 'f') c = static_cast<char>(c - 'a' + 'A');
+std::string makeUUID(RandomSource& random) {
+  std::array<std::uint64_t, 2> bits{random.next(), random.next()};
+  bits[0] = (bits[0] & ~std::uint64_t{0xf000}) | 0x4000;                     // version 4
+  bits[1] = (bits[1] & ~(std::uint64_t{3} << 62)) | std::uint64_t{1} << 63;  // variant of RFC 9562
+  std::string text;
+  for (std::size_t i = 0; i < 16; ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+    appendHex(text, static_cast<char>(bits[i / 8] >> (56 - i % 8 * 8)), upperHexDigits);
   }
   return text;
 }
 
-std::string ensureSubjectId(StoreTransaction& transaction) {
+std::string ensureSubjectId(StoreTransaction& transaction, RandomSource& random) {
   std::string subject = transaction.string(key::subjectId, {});
   if (subject.empty()) {
-    subject = makeUUID();
+    subject = makeUUID(random);
     transaction.set(key::subjectId, subject);
   }
   return subject;

@@ -1,6 +1,7 @@
 // The single place where state survives the process: a typed layer over the suite "quillon-cmp-sdk".
 #pragma once
 
+#include <expected>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -18,20 +19,31 @@ namespace quillon {
 // Thread-safe and without state of its own. A suite that cannot be opened stops the process at the first use.
 class UserDefaultManager {
  public:
-  // Told of the decisions of a transaction that was stored, in the order of the transactions and with a lock held; what
-  // calls others is handed back as a job, which is run without.
-  using Decided = std::function<Job(std::vector<Decision>)>;
+  // Told of every transaction that was stored, in their order and with a lock held, with its decisions; what calls
+  // others is handed back as a job, which is run without.
+  using Stored = std::function<Job(std::vector<Decision>)>;
 
   // Both must outlive it; neither is used before the first operation.
-  UserDefaultManager(const Platform& platform, SDKLogger& logger, Decided decided = {});
+  UserDefaultManager(const Platform& platform, SDKLogger& logger, Stored stored = {});
   ~UserDefaultManager();
 
   // One consistent content of the suite.
   std::shared_ptr<const SuiteEntries> snapshot() const { return suite().snapshot(); }
 
   // Changes several keys together: all of them are durable when this returns, or none and the failure is logged.
-  // The edit is called once and sees the newest content; it must not use the manager or the logger.
-  bool transact(const std::function<void(StoreTransaction&)>& edit);
+  // The edit sees the newest content. It is called again, with a new transaction, when the content had to be recovered
+  // from damage meanwhile; it must not use the manager or the logger.
+  using Edit = std::function<void(StoreTransaction&)>;
+  bool transact(const Edit& edit);
+
+  // The same for what becomes of decisions: the edit also sees the records of the history without a mark, newest first.
+  // It makes no decisions.
+  using Settlement = std::function<void(StoreTransaction&, const std::vector<JournalRecord>& unsettled)>;
+  bool settle(const Settlement& edit);
+
+  // The newest content of any process and the unsettled records of the same moment. May wait for the disk. A failure is
+  // logged and gives nothing.
+  std::optional<SuiteReading> read() const;
 
   std::string getString(std::string_view key, std::string_view fallback = {}) const;
   bool getBoolean(std::string_view key) const;
@@ -47,18 +59,26 @@ class UserDefaultManager {
   // The decisions with a number below that one, at most so many. A failure is logged and gives an empty page.
   HistoryPage history(std::int64_t before, std::size_t count) const;
 
-  // Empties the suite: every key goes, and the history of decisions.
-  bool removeAllConsents();
+  // Empties the suite: every key goes, and the history of decisions. What the edit writes into the empty suite is
+  // stored together with that, so that nobody ever reads it empty.
+  bool removeAllConsents(const Edit& edit = {});
+
+  // Calls within a second after another process of the application has stored something; see KeyValueSuite.
+  [[nodiscard]] std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed);
 
  private:
   // The way from the suite's reports to the logger; cut when the manager goes, since the suite may live on.
   struct ReportLink;
 
   KeyValueSuite& suite() const;
+  // Runs an update of the suite and tells of the decisions that it leaves behind.
+  using Update = std::function<std::expected<void, std::string>(KeyValueSuite&, std::vector<Decision>&)>;
+  std::expected<void, std::string> change(const Update& update);
+  bool reportOutcome(const std::expected<void, std::string>& outcome);
 
   const Platform& platform_;
   SDKLogger& logger_;
-  const Decided decided_;
+  const Stored stored_;
   std::mutex turn_;  // held from the beginning of a transaction until its decisions are told
   std::shared_ptr<ReportLink> reports_;
   mutable std::once_flag opened_;
@@ -66,9 +86,9 @@ class UserDefaultManager {
 };
 
 // A random identifier in canonical form: 36 characters, upper-case hexadecimal digits and hyphens.
-[[nodiscard]] std::string makeUUID();
+[[nodiscard]] std::string makeUUID(RandomSource& random);
 
 // Makes sure that the transaction's content has a subject identifier and returns it.
-std::string ensureSubjectId(StoreTransaction& transaction);
+std::string ensureSubjectId(StoreTransaction& transaction, RandomSource& random);
 
 }  // namespace quillon

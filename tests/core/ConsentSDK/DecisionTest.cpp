@@ -72,7 +72,7 @@ TEST(Answer, IsStoredAsOneAndUploaded) {
                                            {"implicit_consent", false},
                                            {"version", 5},
                                            {"is_test_mode", false},
-                                           {"ad_id", "AD-ID"},
+                                           {"ad_id", example.tracking == authorized ? "AD-ID" : ""},
                                            {"platform", "ios"},
                                            {"banner_info", "opt-in"},
                                            {"sdk_version", "1.2.3"}}));
@@ -107,7 +107,7 @@ TEST(Tracking, GovernsThePurposesBoundToIt) {
     EXPECT_EQ(world.sdk->get(3), example.expected);
     EXPECT_EQ(world.stored().pendingPurposes(),
               example.changes ? std::vector<std::int64_t>{3} : std::vector<std::int64_t>());
-    EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION") << "the device decided, not the user";
+    EXPECT_EQ(world.stored().consentGivenType(), GivenType::noAction) << "the device decided, not the user";
     const auto purposes = world.sdk->getPurposeConsents().get();
     EXPECT_EQ(purposes.at(2).consentStatus, example.expected);
     EXPECT_EQ(purposes.at(2).isATTMapped, true);
@@ -232,7 +232,7 @@ TEST(Check, DoesNotAnswerAReconsent) {
   EXPECT_TRUE(world.sdk->isBannerDue());
 }
 
-TEST(Check, RunsOncePeriodicallyAfterAnAnswerAndOnReconnection) {
+TEST(Check, RunsPeriodicallyAfterAnAnswer) {
   World world;
   ConsentSDKOptions options = world.options();
   options.consentsCheckInterval = 60;
@@ -251,15 +251,9 @@ TEST(Check, RunsOncePeriodicallyAfterAnAnswerAndOnReconnection) {
   EXPECT_EQ(world.uploads().size(), 4u);
   world.restart();
   world.start(options);
+  EXPECT_EQ(world.uploads().size(), 5u) << "what was left behind goes out at the start";
   world.advance(60s);
-  EXPECT_EQ(world.uploads().size(), 5u) << "the next process goes on";
-
-  world.network->set(NetworkStatus::unsatisfied);
-  world.server.onUpload(json(saved));
-  world.network->set(NetworkStatus::satisfied);
-  ASSERT_TRUE(world.server.waitFor(uploadPath, 6)) << "the pending upload follows by itself";
-  world.sdk->settled().wait();
-  EXPECT_TRUE(world.stored().pendingPurposes().empty());
+  EXPECT_EQ(world.uploads().size(), 6u) << "the next process goes on";
 }
 
 TEST(Leaving, WithAnUploadUnderWayLosesNothing) {

@@ -107,7 +107,7 @@ TEST(Listeners, HearOfUploadsAndScreens) {
   world.sdk->uploadPendingConsents().wait();
   world.server.onUpload(json(saved));
   world.sdk->uploadPendingConsents().wait();
-  auto shown = world.sdk->core()->shown(ScreenKind::banner);
+  auto shown = world.sdk->screens()->shown(ScreenKind::banner);
   world.advance(5s);
   shown.reset();
   world.settle();

@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "platform/memory/NotingPresenter.h"
+#include "platform/memory/RecordingPresenter.h"
 #include "quillon/LinuxPlatform.h"
 #include "quillon/SDKLogger.h"
 #include "tests/support/World.h"
@@ -208,7 +208,12 @@ constexpr Operation operations[] = {
     {"checkConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.checkConsents()); }},
     // Ready only once nobody calls any more.
     {"settled", [](auto& sdk, auto&) { std::ignore = sdk.settled(); }},
-    {"core", [](auto& sdk, auto&) { std::ignore = sdk.core(); }},
+    {"screens", [](auto& sdk, auto&) { std::ignore = sdk.screens(); }},
+    {"isAllowed", [](auto& sdk, auto&) { std::ignore = sdk.isAllowed(1); }},
+    {"isAllowed", [](auto& sdk, auto& caller) { std::ignore = sdk.isAllowed(caller.permission()); }},
+    {"isDecided", [](auto& sdk, auto&) { std::ignore = sdk.isDecided(1); }},
+    {"whileAllowed", [](auto& sdk, auto&) { std::ignore = sdk.whileAllowed(1, [] {}, [] {}); }},
+    {"listenToBannerDue", [](auto& sdk, auto&) { std::ignore = sdk.listenToBannerDue([](const auto&) {}); }},
 };
 
 void callAnything(ConsentSDK& sdk, Caller& caller) {
@@ -267,7 +272,7 @@ TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
   // In memory: a minute of commits would else be a minute of waiting for the disk.
   const TemporaryFolder memory(TemporaryFolder::fastParent());
   World world(memory.path() / "data");
-  world.amend = [presenter = std::make_shared<NotingPresenter>()](Platform& platform) {
+  world.amend = [presenter = std::make_shared<RecordingPresenter>()](Platform& platform) {
     platform.console = std::make_shared<WatchfulConsole>();
     platform.screens = presenter;
   };
@@ -313,7 +318,7 @@ TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
   const StoredValues stored = world.stored();
   EXPECT_TRUE(stored.pendingPurposes().empty());
   EXPECT_TRUE(stored.pendingPermissions().empty());
-  EXPECT_EQ(stored.consentGivenType(), givenType::explicitly);
+  EXPECT_EQ(stored.consentGivenType(), GivenType::explicitly);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "platform/memory/NotingPresenter.h"
+#include "platform/memory/RecordingPresenter.h"
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
@@ -18,7 +18,7 @@ struct Screens : testing::Test {
     world.settle();
     return presenter->take();
   }
-  std::shared_ptr<NotingPresenter> presenter = std::make_shared<NotingPresenter>();
+  std::shared_ptr<RecordingPresenter> presenter = std::make_shared<RecordingPresenter>();
   World world;
 };
 
@@ -38,7 +38,7 @@ TEST_F(Screens, WithoutAUserInterfaceConsumeNothing) {
   world.sdk->presentBanner();
   world.sdk->openLink("https://example.org/");
   world.sdk->settled().wait();
-  EXPECT_TRUE(contains(world.log(), "[WARNING]No user interface is linked, nothing is shown"));
+  EXPECT_TRUE(contains(world.log(), "[ERROR]No user interface is linked or configured, nothing is shown"));
   EXPECT_TRUE(world.sdk->isBannerDue());
 }
 

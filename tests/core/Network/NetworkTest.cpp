@@ -51,10 +51,9 @@ struct Requests : testing::Test {
 TEST_F(Requests, AreBuiltFromEndPointAndBase) {
   world.store(key::etag, std::string("\"v1\""));
   ConsentSDKOptions options = world.options();
-  EXPECT_EQ(build(GetCDNEndPoint(options, "de", false), "http://c/").value().url,
+  EXPECT_EQ(build(GetCDNEndPoint(options, Mode::live, "de", false), "http://c/").value().url,
             "http://c/consent/mobile_banner/t1/a1/live/config_de.json");
-  options.mode = Mode::draft;
-  EXPECT_EQ(build(GetCDNEndPoint(options, "de", true), "http://c/").value().url,
+  EXPECT_EQ(build(GetCDNEndPoint(options, Mode::draft, "de", true), "http://c/").value().url,
             "http://c/consent/mobile_banner/t1/a1/draft/config.json");
   EXPECT_EQ(build(GetCurrentLocationEndPoint(), "http://h/api").value().url, "http://h/apicore/v1/utils/geo/location");
 
@@ -83,7 +82,7 @@ TEST_F(Requests, NeedAnAddress) {
   }
   ConsentSDKOptions options = world.options();
   options.tenantId = "a b\r\nX: y";
-  EXPECT_EQ(build(GetCDNEndPoint(options, "de", true), "http://h/").error(),
+  EXPECT_EQ(build(GetCDNEndPoint(options, Mode::live, "de", true), "http://h/").error(),
             (NetworkError{Case::invalidURL, "http://h/consent/mobile_banner/a b\r\nX: y/a1/live/config.json"}));
 }
 

@@ -59,7 +59,7 @@ TEST(Permissions, FollowTheDevice) {
   EXPECT_EQ(world.sdk->get(VantariKey::cameraUsageDescription), granted);
   EXPECT_EQ(world.text("NSContactsUsageDescription"), "declined");
   EXPECT_EQ(world.stored().pendingPermissions().size(), 2u);
-  EXPECT_EQ(world.stored().consentGivenType(), "CONSENT_NO_ACTION");
+  EXPECT_EQ(world.stored().consentGivenType(), GivenType::noAction);
   EXPECT_TRUE(contains(world.log(),
                        R"([INFO]Changed Permissions: ["NSCameraUsageDescription", "NSContactsUsageDescription"])"));
 

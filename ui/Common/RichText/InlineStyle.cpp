@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 
 namespace quillon {
@@ -18,10 +19,6 @@ constexpr double largestScale = 3;
 std::string_view withoutBlanks(std::string_view text) {
   const auto begin = std::min(text.find_first_not_of(blanks), text.size());
   return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
-}
-
-bool equal(std::string_view a, std::string_view lowerCase) {
-  return std::ranges::equal(a, lowerCase, {}, [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : int{c}; });
 }
 
 std::string_view attribute(const GumboElement& element, const char* name) {
@@ -115,14 +112,15 @@ void applyTag(InlineStyle& style, const GumboElement& element) {
 }
 
 void applyFont(InlineStyle& style, std::string_view property, std::string_view word) {
-  if (equal(property, "font-weight")) {
+  if (equalButForCase(property, "font-weight")) {
     int weight = 0;
     std::from_chars(word.data(), word.data() + word.size(), weight);
-    if (equal(word, "bold") || equal(word, "bolder") || weight >= 600) style.bold = true;
-    if (equal(word, "normal") || equal(word, "lighter") || (weight > 0 && weight < 600)) style.bold = false;
-  } else if (equal(property, "font-style")) {
-    if (equal(word, "italic") || equal(word, "oblique")) style.italic = true;
-    if (equal(word, "normal")) style.italic = false;
+    if (equalButForCase(word, "bold") || equalButForCase(word, "bolder") || weight >= 600) style.bold = true;
+    if (equalButForCase(word, "normal") || equalButForCase(word, "lighter") || (weight > 0 && weight < 600))
+      style.bold = false;
+  } else if (equalButForCase(property, "font-style")) {
+    if (equalButForCase(word, "italic") || equalButForCase(word, "oblique")) style.italic = true;
+    if (equalButForCase(word, "normal")) style.italic = false;
   }
 }
 
@@ -138,10 +136,10 @@ InlineStyle InlineStyle::within(const GumboElement& element) const {
   bool through = tag == GUMBO_TAG_S || tag == GUMBO_TAG_STRIKE || tag == GUMBO_TAG_DEL;
   forEachStyleWord(element, [&](std::string_view property, std::string_view word) {
     applyFont(style, property, word);
-    if (!equal(property, "text-decoration") && !equal(property, "text-decoration-line")) return;
-    if (equal(word, "none")) under = through = false;
-    if (equal(word, "underline")) under = true;
-    if (equal(word, "line-through")) through = true;
+    if (!equalButForCase(property, "text-decoration") && !equalButForCase(property, "text-decoration-line")) return;
+    if (equalButForCase(word, "none")) under = through = false;
+    if (equalButForCase(word, "underline")) under = true;
+    if (equalButForCase(word, "line-through")) through = true;
   });
   style.underline |= under;
   style.strikethrough |= through;
@@ -176,7 +174,7 @@ bool isHidden(const GumboElement& element) {
   }
   bool hidden = gumbo_get_attribute(&element.attributes, "hidden") != nullptr;
   forEachStyleWord(element, [&hidden](std::string_view property, std::string_view word) {
-    if (equal(property, "display")) hidden |= equal(word, "none");
+    if (equalButForCase(property, "display")) hidden |= equalButForCase(word, "none");
   });
   return hidden;
 }

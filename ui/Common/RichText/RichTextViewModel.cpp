@@ -4,16 +4,15 @@
 
 namespace quillon {
 
-std::shared_ptr<RichTextViewModel> RichTextViewModel::make(std::shared_ptr<ConsentSDK::Core> core) {
-  return std::make_shared<RichTextViewModel>(std::move(core));
+std::shared_ptr<RichTextViewModel> RichTextViewModel::make(std::shared_ptr<ScreenServices> sdk) {
+  return std::make_shared<RichTextViewModel>(std::move(sdk));
 }
 
-RichTextViewModel::RichTextViewModel(std::shared_ptr<ConsentSDK::Core> core) : core_(std::move(core)) {}
+RichTextViewModel::RichTextViewModel(std::shared_ptr<ScreenServices> sdk) : sdk_(std::move(sdk)) {}
 
 void RichTextViewModel::setHtml(std::string text) {
   conversion_ = LoadTask::start(
-      core_, weak_from_this(),
-      [text](ConsentSDK::Core&) -> Task<std::optional<AttributedText>> { co_return richTextFromHtml(text); },
+      sdk_, weak_from_this(), [text](ScreenServices&) { return richTextFromHtml(text); },
       [](RichTextViewModel& model, std::optional<AttributedText> converted) {
         model.attributedString.set(std::move(converted));
       });

@@ -14,8 +14,8 @@ namespace quillon {
 // For the main queue only.
 class RichTextViewModel : public std::enable_shared_from_this<RichTextViewModel> {
  public:
-  static std::shared_ptr<RichTextViewModel> make(std::shared_ptr<ConsentSDK::Core> core);
-  explicit RichTextViewModel(std::shared_ptr<ConsentSDK::Core> core);  // use make()
+  static std::shared_ptr<RichTextViewModel> make(std::shared_ptr<ScreenServices> sdk);
+  explicit RichTextViewModel(std::shared_ptr<ScreenServices> sdk);  // use make()
 
   Published<std::string> html{""};
   // Of the present html; nothing until it is converted, and when it cannot be.
@@ -26,7 +26,7 @@ class RichTextViewModel : public std::enable_shared_from_this<RichTextViewModel>
   void setHtml(std::string text);
 
  private:
-  const std::shared_ptr<ConsentSDK::Core> core_;
+  const std::shared_ptr<ScreenServices> sdk_;
   std::optional<LoadTask> conversion_;
 };
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/Json/JsonWriter.h"
+#include "core/Text/Ascii.h"
 #include "core/Text/ScriptText.h"
 #include "core/Text/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
@@ -18,14 +19,10 @@ constexpr std::string_view extension = "html";
 constexpr std::string_view opening = "<script>var BLOCKED_URL=";
 constexpr std::string_view closing = ";</script>";
 
-bool equalButForCase(char left, char right) {
-  const auto small = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  return small(left) == small(right);
-}
-
 std::size_t placeOfScript(std::string_view page) {
   for (auto at = page.begin();; ++at) {
-    at = std::search(at, page.end(), headEnd.begin(), headEnd.end(), equalButForCase);
+    at = std::search(at, page.end(), headEnd.begin(), headEnd.end(),
+                     [](char left, char right) { return lowerCase(left) == lowerCase(right); });
     if (at == page.end()) return 0;
     const auto next = static_cast<std::size_t>(at - page.begin()) + headEnd.size();
     if (next < page.size() && std::string_view(">/ \t\r\n\f").contains(page[next])) return next - headEnd.size();

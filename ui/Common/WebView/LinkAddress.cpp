@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <boost/url/parse.hpp>
 
+#include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view hexDigits = "0123456789ABCDEF";
 constexpr std::string_view decimalDigits = "0123456789";
 
 bool isBeyondAscii(char c) {
@@ -62,8 +62,8 @@ std::string percentEncoded(std::string_view text) {
   std::string result;
   for (const char c : text) {
     if (isBeyondAscii(c)) {
-      const auto byte = static_cast<unsigned char>(c);
-      result.append(1, '%').append(1, hexDigits[byte >> 4]).append(1, hexDigits[byte & 15]);
+      result += '%';
+      appendHex(result, c, upperHexDigits);
     } else {
       result += c;
     }
@@ -71,7 +71,8 @@ std::string percentEncoded(std::string_view text) {
   return result;
 }
 
-std::string_view trimmed(std::string_view text) {
+// Spaces at the ends are forgiven, line breaks and tabs are not.
+std::string_view withoutSpaces(std::string_view text) {
   const auto first = std::min(text.find_first_not_of(' '), text.size());
   return text.substr(first, text.find_last_not_of(' ') + 1 - first);
 }
@@ -79,7 +80,7 @@ std::string_view trimmed(std::string_view text) {
 }  // namespace
 
 std::expected<LinkAddress, LinkRefusal> parseLink(std::string_view address) {
-  const auto link = trimmed(address);
+  const auto link = withoutSpaces(address);
   if (link.empty()) return std::unexpected(LinkRefusal::empty);
   if (link.size() > longestLink) return std::unexpected(LinkRefusal::tooLong);
   if (!isUtf8(link)) return std::unexpected(LinkRefusal::notUtf8);

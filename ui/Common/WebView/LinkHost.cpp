@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 
+#include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 
 namespace quillon {
@@ -22,10 +23,6 @@ using Label = std::expected<std::string, LinkRefusal>;
 
 bool isAscii(std::string_view text) {
   return std::ranges::none_of(text, [](char c) { return (static_cast<unsigned char>(c) & 0x80) != 0; });
-}
-
-char small(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 // Of a capital in Latin-1, Latin Extended-A, Greek and Cyrillic; any other character itself.
@@ -45,7 +42,7 @@ std::string lowerCased(std::string_view text) {
   std::string result(text);
   for (std::size_t i = 0, length = 0; i < result.size(); i += length) {
     length = std::max<std::size_t>(utf8Length(text.substr(i)), 1);
-    if (length == 1) result[i] = small(result[i]);
+    if (length == 1) result[i] = lowerCase(result[i]);
     if (length != 2) continue;
     const unsigned c = small((result[i] & 0x1FU) << 6 | (result[i + 1] & 0x3FU));
     result[i] = static_cast<char>(0xC0U | c >> 6);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/Configuration/ConfiguredTexts.h"
+#include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/WebViewUrlExtractor.h"
@@ -29,17 +30,12 @@ std::set<std::string> hostsOfLinks(const MainConfiguration& configuration) {
   return hosts;
 }
 
+// Escapes that are none stand for themselves.
 std::string percentDecoded(std::string_view text) {
-  const auto digit = [](char c) {
-    return c >= '0' && c <= '9'   ? c - '0'
-           : c >= 'A' && c <= 'F' ? c - 'A' + 10
-           : c >= 'a' && c <= 'f' ? c - 'a' + 10
-                                  : -1;
-  };
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const int high = text[i] == '%' && i + 2 < text.size() ? digit(text[i + 1]) : -1;
-    const int low = high < 0 ? -1 : digit(text[i + 2]);
+    const int high = text[i] == '%' && i + 2 < text.size() ? hexValue(text[i + 1]) : -1;
+    const int low = high < 0 ? -1 : hexValue(text[i + 2]);
     result += low < 0 ? text[i] : static_cast<char>(high << 4 | low);
     if (low >= 0) i += 2;
   }
@@ -52,12 +48,12 @@ struct Gathered {
   BlockedPage blockedPage;
 };
 
-Gathered gather(ConsentSDK::Core& core) {
-  const auto configuration = core.cache.current();
-  const auto options = core.currentOptions();
+Gathered gather(const ScreenContent& content, ScreenServices& sdk) {
+  const auto& configuration = content.configuration;
+  const auto options = sdk.options();
   const auto page = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
   return {configuration ? hostsOfLinks(*configuration) : std::set<std::string>(),
-          BlockedPage::configured(page, *core.platform.host, UnitLog(core.logger, sourceFile))};
+          BlockedPage::configured(page, sdk.host(), UnitLog(sdk.logger(), sourceFile))};
 }
 
 // What a page calls itself, in a length that a header can take.
@@ -74,18 +70,16 @@ std::string asTitle(std::string_view text) {
 
 }  // namespace
 
-WebViewModel::WebViewModel(std::shared_ptr<ConsentSDK::Core> core, std::unique_ptr<WebSurface> surface)
-    : core_(std::move(core)), log_(core_->logger, sourceFile), webView_(std::move(surface)) {}
+WebViewModel::WebViewModel(std::shared_ptr<ScreenServices> sdk, std::unique_ptr<WebSurface> surface)
+    : sdk_(std::move(sdk)), log_(sdk_->logger(), sourceFile), webView_(std::move(surface)) {}
 
-std::shared_ptr<WebViewModel> WebViewModel::make(std::shared_ptr<ConsentSDK::Core> core,
+std::shared_ptr<WebViewModel> WebViewModel::make(std::shared_ptr<ScreenServices> sdk,
                                                  std::unique_ptr<WebSurface> surface) {
-  const std::shared_ptr<WebViewModel> model(new WebViewModel(std::move(core), std::move(surface)));
+  const std::shared_ptr<WebViewModel> model(new WebViewModel(std::move(sdk), std::move(surface)));
   if (!model->webView_) return model;
   model->webView_->attach(model, model->gate_);
-  model->cdnHostsTask_ = LoadTask::start(
-      model->core_, std::weak_ptr(model),
-      [](ConsentSDK::Core& services) -> Task<Gathered> { co_return gather(services); },
-      [](WebViewModel& self, Gathered gathered) {
+  model->cdnHostsTask_ =
+      LoadTask::startWithContent(model->sdk_, std::weak_ptr(model), gather, [](WebViewModel& self, Gathered gathered) {
         self.cachedCdnHosts_ = std::move(gathered.hosts);
         self.blockedPage_ = std::move(gathered.blockedPage);
         if (self.waiting_) self.loadURL(*std::exchange(self.waiting_, {}));
@@ -96,7 +90,7 @@ std::shared_ptr<WebViewModel> WebViewModel::make(std::shared_ptr<ConsentSDK::Cor
 // The application's own entries come first, so that no configuration, however long, takes their place.
 std::shared_ptr<const LinkFilter> WebViewModel::allowedLinks() const {
   std::vector<std::string> entries(std::begin(vendorDomains), std::end(vendorDomains));
-  if (const auto options = core_->currentOptions()) {
+  if (const auto options = sdk_->options()) {
     entries.insert(entries.end(), {options->appUrl, options->cdnUrl});
     if (const auto& config = options->webviewConfig) {
       entries.insert(entries.end(), config->allowedDomains.begin(), config->allowedDomains.end());
@@ -166,7 +160,7 @@ WebViewModel::Policy WebViewModel::decidePolicy(std::string_view address, Target
 }
 
 void WebViewModel::later(std::move_only_function<void(WebViewModel&)> act) {
-  core_->onMain([weak = weak_from_this(), navigation = navigation_, act = std::move(act)]() mutable {
+  sdk_->onMain([weak = weak_from_this(), navigation = navigation_, act = std::move(act)]() mutable {
     const auto self = weak.lock();
     if (self && self->navigation_ == navigation) act(*self);
   });

@@ -9,7 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "core/Logger/UnitLog.h"
+#include "platform/ScreenServices.h"
 #include "ui/Common/LoadTask.h"
 #include "ui/Common/Published.h"
 #include "ui/Common/WebView/BlockedPage.h"
@@ -24,8 +25,7 @@ namespace quillon {
 class WebViewModel : public WebNavigationDelegate, public std::enable_shared_from_this<WebViewModel> {
  public:
   // Without a browser every link opens nowhere, which is logged.
-  static std::shared_ptr<WebViewModel> make(std::shared_ptr<ConsentSDK::Core> core,
-                                            std::unique_ptr<WebSurface> surface);
+  static std::shared_ptr<WebViewModel> make(std::shared_ptr<ScreenServices> sdk, std::unique_ptr<WebSurface> surface);
 
   Published<bool> isLoading{false};  // a navigation is in progress
   Published<std::string> pageTitle{std::string()};
@@ -50,7 +50,7 @@ class WebViewModel : public WebNavigationDelegate, public std::enable_shared_fro
   void didFailProvisionalNavigation(std::string_view error) override;
 
  private:
-  WebViewModel(std::shared_ptr<ConsentSDK::Core> core, std::unique_ptr<WebSurface> surface);
+  WebViewModel(std::shared_ptr<ScreenServices> sdk, std::unique_ptr<WebSurface> surface);
 
   std::shared_ptr<const LinkFilter> allowedLinks() const;
   void open(const std::string& link);
@@ -61,7 +61,7 @@ class WebViewModel : public WebNavigationDelegate, public std::enable_shared_fro
   void takeTitle();
   void navigationEnded();
 
-  const std::shared_ptr<ConsentSDK::Core> core_;
+  const std::shared_ptr<ScreenServices> sdk_;
   const UnitLog log_;
   const std::shared_ptr<SubresourceGate> gate_ = std::make_shared<SubresourceGate>();
   const std::unique_ptr<WebSurface> webView_;

@@ -1,4 +1,4 @@
-// A user interface that notes what it was asked to show.
+// A user interface that records what it was asked to show.
 #pragma once
 
 #include <mutex>
@@ -11,16 +11,16 @@
 namespace quillon {
 
 // Thread-safe.
-class NotingPresenter : public ScreenPresenter {
+class RecordingPresenter : public ScreenPresenter {
  public:
-  void presentBanner(Core /*core*/) override { note("banner"); }
-  void presentPreferenceCenter(Core /*core*/) override { note("preferences"); }
-  void presentSettingsPrompt(Core /*core*/, const VantariKey& permission) override {
+  void presentBanner(Services /*sdk*/) override { note("banner"); }
+  void presentPreferenceCenter(Services /*sdk*/) override { note("preferences"); }
+  void presentSettingsPrompt(Services /*sdk*/, const VantariKey& permission) override {
     note("prompt " + permission.rawValue());
   }
-  void presentWebView(Core /*core*/, const std::string& link) override { note("link " + link); }
+  void presentWebView(Services /*sdk*/, const std::string& link) override { note("link " + link); }
   void dismissTopMost() override { note("dismiss"); }
-  void dismissBanner(Core /*core*/) override { note("dismiss banner"); }
+  void dismissBanner(Services /*sdk*/) override { note("dismiss banner"); }
   void openSystemSettings() override { note("settings"); }
 
   // What was noted since the last call.

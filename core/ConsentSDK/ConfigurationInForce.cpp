@@ -1,0 +1,118 @@
+// Putting a configuration in force: what it means for the store, and what follows.
+#include "core/Banner/BannerSelection.h"
+#include "core/ConsentSDK/ConfigurationLoader.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+std::string intervalOf(const BannerConfig* banner) {
+  return (banner ? banner->bannerReappearanceTime : std::nullopt).value_or(std::string(defaultBannerInterval));
+}
+
+void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
+  const MainConfiguration& configuration = *inForce.configuration;
+  transaction.set(key::xAuthToken, configuration.token.value_or(std::string()));
+  transaction.set(key::isSettingsPromptEnabled, configuration.isSettingsPromptEnabled.value_or(false));
+  transaction.set(key::isATTEnabled, configuration.isATTEnabled.value_or(false));
+  transaction.set(key::trackingPurposesList, purposesBoundToTracking(configuration));
+  if (configuration.version) {
+    const bool isNewer = *configuration.version > transaction.integer(key::configurationVersion, 0);
+    if (isNewer && configuration.reConsentEnabled.value_or(false)) transaction.askAgain();
+    // What the server refused of an older document it may take with a newer one.
+    if (isNewer) transaction.remove(key::uploadRefusedUpTo);
+    transaction.set(key::configurationVersion, *configuration.version);
+  }
+  if (!inForce.type) return;
+  transaction.set(key::currentComplianceType, std::string(rawValue(*inForce.type)));
+  transaction.set(key::bannerInterval, inForce.bannerInterval);
+}
+
+}  // namespace
+
+Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, ConfigurationPointer configuration,
+                                                     std::function<bool()> isWanted) {
+  const auto location = co_await s_.location.locationFor(session, configuration);
+  const auto place = applying_.join();  // not before: whoever waits for a location holds up nobody
+  co_await place.turn();
+  if (!isWanted()) co_return std::nullopt;
+
+  const BannerConfig* banner = selectBanner(*configuration, location);
+  std::optional<ComplianceType> type;
+  if (banner) type = banner->complianceType.value_or(ComplianceType::noticeOnly);
+  const auto inForce = std::make_shared<const ConfigurationInForce>(
+      ConfigurationInForce{configuration, session, type, intervalOf(banner),
+                           PurposeTerms(*configuration, banner ? banner->complianceType : std::nullopt)});
+  bool isCurrent = true;
+  s_.store.transact([&](StoreTransaction& transaction) {
+    isCurrent = s_.sessions.isCurrent(*session);
+    if (isCurrent) write(transaction, *inForce);
+  });
+  if (!isCurrent) co_return std::nullopt;
+  {
+    const std::scoped_lock lock(mutex_);
+    inForce_ = inForce;
+  }
+  s_.events.gates.update();
+  const bool changed = reconcile(configuration);
+  s_.consentMode.updateFirebaseConsent(configuration, location);
+  co_return changed;
+}
+
+bool ConfigurationLoader::reconcile(const ConfigurationPointer& configuration) {
+  const DecisionContext context = s_.sessions.context(GivenType::noAction);
+  const bool purposesChanged = purposes(configuration).checkPurposes(context);
+  return permissions(configuration).checkPermissions(context) || purposesChanged;
+}
+
+void ConfigurationLoader::reapply() {
+  const auto present = inForce();
+  if (!present) return;
+  s_.work.start([this, present]() -> Task<void> {
+    co_await apply(present->session, present->configuration, [this, present] { return inForce() == present; });
+  });
+}
+
+std::shared_ptr<const ConfigurationInForce> ConfigurationLoader::inForce() const {
+  if (s_.work.isClosed()) return nullptr;
+  const std::scoped_lock lock(mutex_);
+  return inForce_;
+}
+
+bool ConfigurationLoader::removeConsents() {
+  const auto present = inForce();
+  const bool removed = s_.store.removeAllConsents([&](StoreTransaction& transaction) {
+    if (!present) return;
+    write(transaction, *present);
+    // The document stays, so what it was asked for stays known.
+    transaction.set(key::cdnAddress, present->session->configurationAddress());
+    transaction.set(key::languageCode, present->session->language);
+    transaction.set(key::cdnCachedTimestamp, wholeSeconds(s_.platform.clock->now()));
+  });
+  if (!removed || !present) return removed;
+  s_.work.start([this, present]() -> Task<void> {
+    reconcile(present->configuration);
+    refreshConsentMode();
+    co_return;
+  });
+  return removed;
+}
+
+Task<std::optional<BannerConfig>> ConfigurationLoader::bannerFor(ConfigurationPointer configuration) {
+  if (!configuration) co_return std::nullopt;
+  const auto location = co_await s_.location.locationFor(s_.sessions.current(), configuration);
+  const BannerConfig* selected = selectBanner(*configuration, location);
+  if (!selected) co_return std::nullopt;
+  BannerConfig banner = *selected;
+  banner.translations = configuration->translations;
+  if (s_.store.getString(key::bannerInterval) != intervalOf(selected)) {
+    s_.store.set(key::bannerInterval, intervalOf(selected));
+  }
+  co_return banner;
+}
+
+void ConfigurationLoader::refreshConsentMode() {
+  s_.consentMode.updateFirebaseConsent(current(), s_.location.known(s_.sessions.current()));
+}
+
+}  // namespace quillon

@@ -1,0 +1,52 @@
+#include "core/ConsentSDK/ConsentSDKCore.h"
+
+namespace quillon {
+
+ConsentSDK::Core::Core(Platform services)
+    : platform(std::move(services)),
+      store(platform, logger,
+            [this](std::vector<Decision> decisions) {
+              others.note(decisions);
+              return events.announce(std::move(decisions));
+            }),
+      logContext(platform, store),
+      logger(logContext),
+      work(platform, logger),
+      sessions(platform),
+      events([this](Job job) { work.onMain(std::move(job)); },
+             [this](std::int64_t purposeId) { return isAllowed(purposeId); }),
+      others({platform, store, work, events, [this] { loader.refreshConsentMode(); }}),
+      server(platform, store, logger, work.stopToken()),
+      location(platform, store, work, server, [this] { loader.reapply(); }),
+      consentMode(platform, store, logger, work.stopToken()),
+      loader({platform, store, logger, work, sessions, events, server, location, consentMode}),
+      questions({platform, store, sessions, location, loader}),
+      uploader(
+          {platform, store, logger, work, sessions, events, server, loader, [this] { cycle.startRecurringCheck(); }}),
+      recorder({platform, store, logger, work, sessions, loader, uploader}),
+      screens({platform, store, logger, work, sessions, events, loader, recorder, theme}),
+      cycle({platform, store, work, sessions, events, loader, uploader, recorder, others,
+             [this] { return screens.explainBanner(); }}),
+      setUp({platform, store, logger, sessions, loader, cycle}) {}
+
+std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
+  auto core = std::make_shared<Core>(std::move(platform));
+  core->work.begin(core);
+  core->screens.begin(std::shared_ptr<ScreenServices>(core, &core->screens));
+  return core;
+}
+
+void ConsentSDK::Core::close() {
+  work.close();
+  cycle.close();
+  uploader.close();
+  others.close();
+}
+
+bool ConsentSDK::Core::isAllowed(std::int64_t purposeId) const {
+  const auto entries = store.snapshot();
+  const auto inForce = loader.inForce();
+  return isPurposeAllowed(purposeId, StoredValues(*entries), inForce ? &inForce->terms : nullptr, *platform.tracking);
+}
+
+}  // namespace quillon

@@ -1,0 +1,223 @@
+#include "core/ConsentSDK/ConsentUploader.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "core/ConsentSDK/SDKVersion.h"
+#include "core/Logger/UnitLog.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+NetworkAPIs";
+constexpr std::string_view function = "uploadConsents(url:request:)";
+constexpr std::int64_t statusAccepted = 0;
+constexpr std::int64_t statusFailed = 1;
+constexpr std::chrono::seconds followUpDelay{1};
+constexpr int mostMissedTurns = 90;  // one a second
+
+std::set<DecisionSubject> subjectsOf(const PostConsentsRequest& request) {
+  std::set<DecisionSubject> subjects;
+  for (const auto& purpose : request.purposeConsents) subjects.insert({.purposeId = purpose.purposeID});
+  for (const auto& permission : request.permissions) subjects.insert({.permission = permission.permission});
+  return subjects;
+}
+
+std::set<DecisionSubject> pendingSubjects(const StoredValues& stored) {
+  std::set<DecisionSubject> subjects;
+  for (const auto id : stored.pendingPurposes()) subjects.insert({.purposeId = id});
+  for (const auto& name : stored.pendingPermissions()) subjects.insert({.permission = VantariKey(name)});
+  return subjects;
+}
+
+std::int64_t numberOf(const NewestDecisions& decisions, const DecisionSubject& subject) {
+  const auto found = decisions.find(subject);
+  return found == decisions.end() ? 0 : found->second;
+}
+
+std::int64_t newestNumber(const std::vector<JournalRecord>& unsettled) {
+  return unsettled.empty() ? 0 : unsettled.front().number;
+}
+
+// The subjects with the numbers of their newest decisions; 0 where the history does not tell.
+NewestDecisions numbered(const std::set<DecisionSubject>& subjects, const NewestDecisions& newest) {
+  NewestDecisions result;
+  for (const auto& subject : subjects) result.emplace(subject, numberOf(newest, subject));
+  return result;
+}
+
+}  // namespace
+
+void ConsentUploader::close() {
+  std::unique_ptr<Timer> followUp;  // Dropped outside the lock: that may wait for its job.
+  const std::scoped_lock lock(mutex_);
+  isScheduled_ = true;
+  followUp.swap(followUp_);
+}
+
+bool ConsentUploader::takeTurn(std::unique_ptr<StoreTurn>& turn) {
+  turn = s_.platform.store->tryTurn("uploads");
+  const std::scoped_lock lock(mutex_);
+  missedTurns_ = turn ? 0 : missedTurns_ + 1;
+  return turn || missedTurns_ > mostMissedTurns;
+}
+
+Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
+  const auto session = s_.sessions.current();
+  if (!session) co_return false;
+  const auto place = turns_.join();
+  co_await place.turn();
+  if (!StoredValues(*s_.store.snapshot()).isAnythingPending()) co_return true;
+  const ConfigurationPointer configuration = s_.loader.current();
+  if (!configuration) co_return false;
+
+  std::unique_ptr<StoreTurn> turn;
+  if (!takeTurn(turn)) {
+    schedule();
+    co_return false;
+  }
+  const auto reading = s_.store.read();
+  if (!reading) co_return false;
+  const StoredValues stored(*reading->entries);
+  if (!stored.isAnythingPending()) co_return true;  // another process has sent it
+  const NewestDecisions newest = newestDecisions(reading->unsettled);
+  if (trigger == Trigger::automatic && !isDue(stored, newest, configuration)) co_return false;
+  PostConsentsRequest upload = request(*session, stored, configuration);
+  Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unsettled)};
+  co_return co_await send(session->options.appUrl, std::move(upload), std::move(sent));
+}
+
+Task<void> ConsentUploader::upload(std::string url, PostConsentsRequest request) {
+  if (!request.sdkVersion) request.sdkVersion = installedSDKVersion(*s_.platform.host);
+  const auto place = turns_.join();
+  co_await place.turn();
+  std::unique_ptr<StoreTurn> turn;
+  takeTurn(turn);  // sent in any case: whoever makes requests of their own decides when
+  Sent sent;
+  if (const auto reading = s_.store.read()) {
+    sent = {numbered(pendingSubjects(StoredValues(*reading->entries)), newestDecisions(reading->unsettled)),
+            newestNumber(reading->unsettled)};
+  }
+  co_await send(std::move(url), std::move(request), std::move(sent));
+}
+
+PostConsentsRequest ConsentUploader::request(const Session& session, const StoredValues& stored,
+                                             const ConfigurationPointer& configuration) {
+  const bool isTracked =
+      stored.boolean(key::isATTEnabled) && s_.platform.tracking->authorization() == TrackingAuthorization::authorized;
+  PostConsentsRequest request;
+  request.uuid = s_.store.getSubjectId();
+  request.appUUID = session.options.appId;
+  request.device = s_.platform.host->deviceDescription();
+  request.implicitConsent = stored.consentGivenType() != GivenType::explicitly;
+  request.version = stored.integer(key::configurationVersion, 0);
+  request.purposeConsents = s_.loader.purposes(configuration).pendingConsents(stored);
+  request.permissions = s_.loader.permissions(configuration).pendingConsents(stored);
+  request.testingMode = session.options.testingMode;
+  if (isTracked) request.adId = s_.platform.tracking->advertisingIdentifier().value_or("");
+  request.bannerInfo = std::string(rawValue(stored.complianceType()));
+  request.sdkVersion = installedSDKVersion(*s_.platform.host);
+  return request;
+}
+
+Task<bool> ConsentUploader::send(std::string url, PostConsentsRequest request, Sent sent) {
+  const UnitLog log(s_.logger, sourceFile);
+  const auto now = [this] { return wholeSeconds(s_.platform.clock->now()); };
+  const auto answer = co_await s_.server.postConsents(std::move(url), request);
+  if (!answer) {
+    s_.store.set(key::uploadConsentRequestPending, true);
+    const std::string problem = description(answer.error());
+    log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error, problem, function);
+    s_.events.uploads.tell({false, std::nullopt, problem, now()});
+    s_.answered();
+    co_return false;
+  }
+  const GenericResponse& response = answer->value;
+  settle(response, request, sent);
+  const bool isAccepted = response.status == statusAccepted;
+  log(response.status == statusFailed ? LogLevel::error : LogLevel::info, escapedForLog(response.message), function);
+  s_.events.uploads.tell({isAccepted, response.status, response.message, now()});
+  if (isAccepted) s_.answered();
+  co_return isAccepted;
+}
+
+void ConsentUploader::settle(const GenericResponse& response, const PostConsentsRequest& request, const Sent& sent) {
+  s_.store.settle([&](StoreTransaction& transaction, const std::vector<JournalRecord>& unsettled) {
+    transaction.set(key::uploadConsentRequestPending, response.status == statusFailed);
+    if (response.status != statusAccepted && response.status != statusFailed) {
+      transaction.set(key::uploadRefusedUpTo, sent.newest);
+    }
+    if (response.status != statusAccepted) return;
+    transaction.remove(key::uploadRefusedUpTo);
+    // A decision made while the upload was under way stays pending, and so does what the upload did not carry.
+    const NewestDecisions newest = newestDecisions(unsettled);
+    const auto isSettled = [&](const DecisionSubject& subject) {
+      const auto carried = sent.decisions.find(subject);
+      return carried != sent.decisions.end() && numberOf(newest, subject) <= carried->second;
+    };
+    auto purposes = transaction.pendingPurposes();
+    std::erase_if(purposes, [&](std::int64_t id) { return isSettled({.purposeId = id}); });
+    transaction.set(key::pendingPurposesList, std::move(purposes));
+    auto permissions = transaction.pendingPermissions();
+    std::erase_if(permissions, [&](const std::string& name) { return isSettled({.permission = VantariKey(name)}); });
+    transaction.set(key::pendingPermissionsList, std::move(permissions));
+
+    for (const auto& [number, outcome] : outcomesOf(unsettled, sent.decisions, subjectsOf(request))) {
+      transaction.mark(number, rawValue(outcome));
+    }
+  });
+}
+
+bool ConsentUploader::isUploadDue(const ConfigurationPointer& configuration) const {
+  const auto entries = s_.store.snapshot();
+  const StoredValues stored(*entries);
+  if (stored.boolean(key::uploadConsentRequestPending)) return true;
+  if (pendingSubjects(stored).empty()) return false;
+  const auto reading = s_.store.read();
+  return reading && isDue(StoredValues(*reading->entries), newestDecisions(reading->unsettled), configuration);
+}
+
+bool ConsentUploader::isDue(const StoredValues& stored, const NewestDecisions& newest,
+                            const ConfigurationPointer& configuration) const {
+  if (stored.boolean(key::uploadConsentRequestPending)) return true;
+  constexpr std::int64_t nothingRefused = -1;
+  const std::int64_t refused = stored.integer(key::uploadRefusedUpTo, nothingRefused);
+  std::set<DecisionSubject> listed;
+  for (const Purpose& purpose : s_.loader.purposes(configuration).purposes()) {
+    if (purpose.purposeId) listed.insert({.purposeId = purpose.purposeId});
+  }
+  return std::ranges::any_of(pendingSubjects(stored), [&](const DecisionSubject& subject) {
+    return (subject.permission || listed.contains(subject)) && numberOf(newest, subject) > refused;
+  });
+}
+
+void ConsentUploader::schedule() {
+  std::uint64_t number = 0;
+  {
+    const std::scoped_lock lock(mutex_);
+    if (std::exchange(isScheduled_, true)) return;
+    number = ++number_;
+  }
+  const auto upload = [this] {
+    {
+      const std::scoped_lock lock(mutex_);
+      isScheduled_ = false;
+    }
+    s_.work.start([this]() -> Task<void> { co_await uploadPending(Trigger::automatic); });
+  };
+  std::unique_ptr<Timer> timer;
+  try {
+    timer = s_.platform.clock->after(followUpDelay, s_.work.whileAlive(upload));
+  } catch (...) {
+    const std::scoped_lock lock(mutex_);
+    isScheduled_ = false;  // for the next one to try; a check uploads it in any case
+    throw;
+  }
+  const std::scoped_lock lock(mutex_);
+  // Held up until the timer had fired, this thread must not put it in the place of a later one.
+  if (number == number_) followUp_.swap(timer);
+}
+
+}  // namespace quillon

@@ -1,0 +1,47 @@
+// What applications can hear of an instance.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "core/ConsentSDK/Gates.h"
+#include "core/ConsentSDK/Listeners.h"
+#include "core/ConsentSDK/SDKListener.h"
+#include "quillon/DecisionHistory.h"
+#include "quillon/Explanations.h"
+#include "quillon/Listeners.h"
+
+namespace quillon {
+
+// Thread-safe: each member by itself.
+struct Events {
+  Events(const std::function<void(Job)>& onMain, std::function<bool(std::int64_t)> isAllowed)
+      : readiness(onMain),
+        consents(onMain),
+        screens(onMain),
+        uploads(onMain),
+        bannerDue(onMain),
+        gates(onMain, std::move(isAllowed)) {}
+
+  // Queues one notification per changed status; run the returned job to deliver them.
+  Job announce(std::vector<Decision> decisions) {
+    std::vector<Job> deliveries;
+    for (Decision& decision : decisions) {
+      if (decision.from != decision.to) deliveries.push_back(consents.queue(std::move(decision)));
+    }
+    return [this, deliveries = std::move(deliveries)]() mutable {
+      for (Job& deliver : deliveries) deliver();
+      gates.update();
+    };
+  }
+
+  SDKListener readiness;
+  Listeners<Decision> consents;
+  Listeners<ScreenEvent> screens;
+  Listeners<UploadEvent> uploads;
+  Listeners<BannerExplanation> bannerDue;
+  Gates gates;
+};
+
+}  // namespace quillon

@@ -1,0 +1,40 @@
+// What runs only while a purpose is allowed.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "core/ConsentSDK/HostCallback.h"
+#include "platform/Job.h"
+#include "quillon/Listeners.h"
+
+namespace quillon {
+
+// Thread-safe. Each gate is judged on the main queue, at the moment of the call, so that the application never starts
+// what has been refused meanwhile.
+class Gates {
+ public:
+  Gates(std::function<void(Job)> onMain, std::function<bool(std::int64_t)> isAllowed)
+      : onMain_(std::move(onMain)), isAllowed_(std::move(isAllowed)) {}
+
+  Listening add(std::int64_t purposeId, std::function<void()> start, std::function<void()> stop);
+
+  // Something has changed that an answer may depend on.
+  void update();
+
+ private:
+  struct Gate;
+
+  void judge(const std::shared_ptr<Gate>& gate);
+
+  const std::function<void(Job)> onMain_;
+  const std::function<bool(std::int64_t)> isAllowed_;
+  std::mutex mutex_;  // guards the member below; never held while a gate is judged
+  std::vector<std::weak_ptr<Gate>> gates_;
+};
+
+}  // namespace quillon

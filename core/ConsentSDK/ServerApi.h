@@ -1,0 +1,40 @@
+// The three requests that the SDK knows.
+#pragma once
+
+#include <expected>
+#include <string>
+
+#include "core/ConsentSDK/Session.h"
+#include "core/Network/ConsentNetworkManager.h"
+#include "core/Network/EndPoints.h"
+
+namespace quillon {
+
+template <class Value>
+using Answer = std::expected<Reply<Value>, RequestFailure>;
+
+// Thread-safe; without state.
+class ServerApi {
+ public:
+  // All must outlive it.
+  ServerApi(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, std::stop_token stop)
+      : platform_(platform), store_(store), logger_(logger), network_(platform, store, logger, std::move(stop)) {}
+
+  // The configuration in the session's language, else the default one when the server has none in that language.
+  Task<Answer<MainConfiguration>> getCDN(SessionPointer session);
+  // Where the device is; a failure is logged.
+  Task<std::optional<CurrentLocationResponse>> getCurrentLocation();
+  // Sends decisions to the application server at that base address. Its message is fit for a log.
+  Task<Answer<GenericResponse>> postConsents(std::string url, PostConsentsRequest request);
+
+ private:
+  template <class Value>
+  Task<Answer<Value>> send(EndPoint endPoint, std::string url);
+
+  const Platform& platform_;
+  UserDefaultManager& store_;
+  SDKLogger& logger_;
+  ConsentNetworkManager network_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,54 @@
+#include "core/ConsentSDK/Work.h"
+
+#include "core/Logger/UnitLog.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK";
+
+}  // namespace
+
+void Work::begin(std::weak_ptr<void> owner) {
+  owner_ = std::move(owner);
+  tasks_.emplace(platform_.executors->background(), whileAlive([this](const char* what) {
+                   UnitLog(logger_, sourceFile)(LogLevel::error, "A task failed: " + escapedForLog(what), "task");
+                 }));
+}
+
+void Work::start(std::move_only_function<Task<void>()> makeTask) {
+  auto alive = owner_.lock();
+  if (!alive) return;
+  tasks_->start([alive = std::move(alive), makeTask = std::move(makeTask)]() mutable { return makeTask(); });
+}
+
+void Work::onMain(Job job) {
+  platform_.executors->main()->post(whileAlive([this, job = std::move(job)]() mutable {
+    const HostCalls::Call call(hostCalls_);  // begins before the look, so that who stops us sees one or the other
+    if (!isClosed()) callHost(job);
+  }));
+}
+
+void Work::callHost(Job& job) {
+  const UnitLog log(logger_, sourceFile);
+  try {
+    job();
+  } catch (const std::exception& exception) {
+    log(LogLevel::error, "A callback of the host threw: " + escapedForLog(exception.what()), "callback");
+  } catch (...) {
+    log(LogLevel::error, "A callback of the host threw", "callback");
+  }
+}
+
+void Work::close() {
+  tasks_->close();
+  stop_.request_stop();
+}
+
+void Work::waitUntilQuiet(std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  tasks_->settled().wait_until(deadline);
+  hostCalls_.waitForOthers(deadline);
+}
+
+}  // namespace quillon

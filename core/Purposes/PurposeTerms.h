@@ -1,0 +1,43 @@
+// What a configuration says of its purposes, in the form in which applications' questions are answered.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "core/Persistance/UserDefaults/StoredValues.h"
+#include "platform/AppTracking.h"
+#include "quillon/MainConfiguration.h"
+
+namespace quillon {
+
+// The purposes that app tracking governs; none unless the configuration enables that.
+[[nodiscard]] std::vector<std::int64_t> purposesBoundToTracking(const MainConfiguration& configuration);
+
+// Immutable.
+class PurposeTerms {
+ public:
+  // The type is that of the banner which the configuration has for the user; without one nothing is granted by default.
+  PurposeTerms(const MainConfiguration& configuration, std::optional<ComplianceType> type);
+
+  // Whether the purpose may be acted on although nothing was decided about it: it is listed, and essential or not
+  // subject to a question. Allocates nothing.
+  [[nodiscard]] bool allowsUndecided(std::int64_t purposeId) const;
+  [[nodiscard]] bool lists(std::int64_t purposeId) const;
+  [[nodiscard]] bool isEssential(std::int64_t purposeId) const;
+  // Whether app tracking governs it.
+  [[nodiscard]] bool isBoundToTracking(std::int64_t purposeId) const;
+
+ private:
+  std::vector<std::int64_t> listed_;     // sorted
+  std::vector<std::int64_t> essential_;  // sorted
+  std::vector<std::int64_t> bound_;      // sorted
+  bool isGrantedByDefault_;
+};
+
+// Whether an application may act on a purpose. Fails closed: without a decision only what the terms in force allow,
+// which are null while there are none, and nothing after a loss of entries; never what is bound to tracking while the
+// device has not authorized that. Allocates nothing.
+[[nodiscard]] bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const PurposeTerms* terms,
+                                    const AppTracking& tracking);
+
+}  // namespace quillon

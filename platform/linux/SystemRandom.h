@@ -1,0 +1,19 @@
+// Random numbers of the operating system.
+#pragma once
+
+#include <random>
+
+#include "platform/RandomSource.h"
+
+namespace quillon {
+
+class SystemRandom : public RandomSource {
+ public:
+  std::uint64_t next() override {
+    // A device of its own for each thread: it is not thread-safe.
+    thread_local std::random_device device;
+    return std::uint64_t{device()} << 32 | device();
+  }
+};
+
+}  // namespace quillon
