@@ -1,23 +1,10 @@
 #include "core/Tasks/TaskEvent.h"
 
-#include <system_error>
 #include <utility>
 
 #include "core/Tasks/Suspension.h"
 
 namespace quillon {
-namespace {
-
-// Null when the system has no thread left for the clock: then the wait takes as long as the event does.
-std::unique_ptr<Timer> timerFor(std::chrono::milliseconds limit, Clock& clock, Job job) {
-  try {
-    return clock.after(limit, std::move(job));
-  } catch (const std::system_error&) {
-    return nullptr;
-  }
-}
-
-}  // namespace
 
 void TaskEvent::happen() {
   std::vector<Job> waiting;
@@ -48,7 +35,8 @@ Task<bool> TaskEvent::happensWithin(std::chrono::milliseconds limit, Clock& cloc
   const auto first = std::make_shared<TaskEvent>();  // of the event and the end of the time
   whenItHappens([first] { first->happen(); });
   {
-    const auto timer = timerFor(limit, clock, [first] { first->happen(); });
+    // Without a timer the wait takes as long as the event does.
+    const auto timer = clock.after(limit, [first] { first->happen(); });
     co_await first->happens();
   }
   const std::scoped_lock lock(mutex_);
