@@ -169,10 +169,10 @@ bool ConsentSDK::Core::isBannerDue() {
       // The clock was put back since. Counted from now, the interval passes at some time.
       transaction.set(key::bannerShownDate, now());
     }
-    if (!state.isDue()) return;
+    due = state.isDue();
+    if (!due) return;
     transaction.set(key::isBannerPresent, true);
     transaction.set(key::bannerShownDate, now());
-    due = true;
   });
   return due;
 }

@@ -30,7 +30,7 @@ class UserDefaultManager {
   std::shared_ptr<const SuiteEntries> snapshot() const { return suite().snapshot(); }
 
   // Changes several keys together: all of them are durable when this returns, or none and the failure is logged.
-  // The edit is called once and sees the newest content; it must not use the manager or the logger.
+  // The edit sees the newest content and may be called again; it must not use the manager or the logger.
   bool transact(const std::function<void(StoreTransaction&)>& edit);
 
   std::string getString(std::string_view key, std::string_view fallback = {}) const;
