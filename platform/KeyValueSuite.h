@@ -108,8 +108,9 @@ class KeyValueSuite {
   // by another process at the latest 100 ms after it was committed.
   virtual std::shared_ptr<const SuiteEntries> snapshot() const = 0;
 
-  // Receives the newest committed content and returns what to do; called exactly once, with every other writer of
-  // the suite, in this process or another, held off. Must not call back into the suite.
+  // Receives the newest committed content and returns what to do, with every other writer of the suite, in this process
+  // or another, held off. Called again, with the content found then, when the file had to be replaced or reopened in
+  // between: only what the last call returns is done. Must not call back into the suite.
   using Edit = std::function<SuiteUpdate(const SuiteEntries& current)>;
 
   // Does all of the edit's update or none of it. On success they are durable when this returns; on failure (disk
@@ -150,6 +151,10 @@ class KeyValueStore {
   // log. Called from any thread, possibly while a call of the suite is under way, so it must not call the suite itself.
   using Report = std::function<void(ReportLevel level, std::string message)>;
 
+  // Waits up to ten seconds for another process that holds the suite, and then goes on without what is stored: it is
+  // reported, snapshots hold lostEntriesKey and nothing else, and updates fail, until the other lets go. The suite is
+  // then taken up by itself within a few seconds, and those who observe are told.
+  //
   // The suite of that name, created when it does not exist yet; the same object for every call with the same name (the
   // first report given is kept). Never null; the error, path and reason, when it can be neither opened nor created.
   virtual std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) = 0;

@@ -207,15 +207,9 @@ void ConsentUploader::schedule() {
     }
     s_.work.start([this]() -> Task<void> { co_await uploadPending(Trigger::automatic); });
   };
-  std::unique_ptr<Timer> timer;
-  try {
-    timer = s_.platform.clock->after(followUpDelay, s_.work.whileAlive(upload));
-  } catch (...) {
-    const std::scoped_lock lock(mutex_);
-    isScheduled_ = false;  // for the next one to try; a check uploads it in any case
-    throw;
-  }
+  auto timer = s_.platform.clock->after(followUpDelay, s_.work.whileAlive(upload));
   const std::scoped_lock lock(mutex_);
+  if (!timer) isScheduled_ = false;  // for the next one to try; a check uploads it in any case
   // Held up until the timer had fired, this thread must not put it in the place of a later one.
   if (number == number_) followUp_.swap(timer);
 }

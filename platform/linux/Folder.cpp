@@ -19,17 +19,17 @@ std::expected<Folder, std::string> Folder::open(const std::filesystem::path& pat
   return Folder(named, std::move(descriptor));
 }
 
-std::expected<Folder, std::string> Folder::openLocked(const std::filesystem::path& path, Deadline deadline) {
+std::expected<std::optional<Folder>, std::string> Folder::openLocked(const std::filesystem::path& path,
+                                                                     Deadline deadline) {
   auto folder = open(path);
-  if (!folder) return folder;
+  if (!folder) return std::unexpected(std::move(folder.error()));
   while (::flock(folder->descriptor_.get(), LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
-    if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) {
-      return std::unexpected(systemError("lock folder", folder->path_));
-    }
+    if (errno != EWOULDBLOCK) return std::unexpected(systemError("lock folder", folder->path_));
+    if (std::chrono::steady_clock::now() >= deadline) return std::nullopt;
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  return folder;
+  return std::move(*folder);
 }
 
 std::expected<void, std::string> Folder::sync() const {

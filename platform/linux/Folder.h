@@ -4,6 +4,7 @@
 #include <chrono>
 #include <expected>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "platform/linux/FileDescriptor.h"
@@ -16,9 +17,10 @@ class Folder {
 
   static std::expected<Folder, std::string> open(const std::filesystem::path& path);
 
-  // Waits until the deadline for every other holder, in this process or another, to let go. The lock lies on the folder
-  // itself: it leaves no file behind and ends with this object or with the process.
-  static std::expected<Folder, std::string> openLocked(const std::filesystem::path& path, Deadline deadline);
+  // Waits until the deadline for every other holder, in this process or another, to let go; nothing when one does not.
+  // The lock lies on the folder itself: it leaves no file behind and ends with this object or with the process.
+  static std::expected<std::optional<Folder>, std::string> openLocked(const std::filesystem::path& path,
+                                                                      Deadline deadline);
 
   [[nodiscard]] std::expected<void, std::string> sync() const;
 

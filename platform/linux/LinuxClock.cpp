@@ -1,10 +1,13 @@
 #include "platform/linux/LinuxClock.h"
 
-#include <condition_variable>
+#include <boost/asio/steady_timer.hpp>
 #include <mutex>
+#include <optional>
 #include <utility>
 
-#include "platform/linux/WorkerThread.h"
+#include "platform/linux/WorkPool.h"
+#include "platform/parts/CallGate.h"
+#include "platform/parts/Contained.h"
 #include "platform/parts/TimerQueue.h"
 
 namespace quillon {
@@ -19,49 +22,66 @@ TimerQueue::Time monotonicNow() {
 
 }  // namespace
 
-// Waits for the next timer and runs it.
-class LinuxClock::Loop {
+// Waits on the pool for the next timer that is due and runs it.
+class LinuxClock::Timers : public std::enable_shared_from_this<Timers> {
  public:
-  std::unique_ptr<Timer> add(milliseconds delay, TimerQueue::Repeat repeat, Job job) {
+  explicit Timers(std::shared_ptr<WorkLoop> loop) : loop_(std::move(loop)) {
+    contained([this] { next_.emplace(loop_->context()); });
+  }
+
+  std::unique_ptr<Timer> add(milliseconds delay, Repeat repeat, Job job) {
+    auto timer = queue_.add(monotonicNow(), delay, repeat, std::move(job));
     const std::lock_guard lock(mutex_);
-    auto timer = timers_.add(monotonicNow(), delay, repeat, std::move(job));
-    wake_.notify_one();
+    waitForNext();
     return timer;
   }
 
-  void run() {
-    std::unique_lock lock(mutex_);
-    while (!closed_) {
-      const auto due = timers_.nextDue();
-      if (!due) {
-        wake_.wait(lock);
-      } else if (*due > monotonicNow()) {
-        wake_.wait_until(lock, steady_clock::time_point(*due));
-      } else {
-        lock.unlock();
-        timers_.runNext(monotonicNow());
-        lock.lock();
-      }
-    }
-  }
-
-  void close() {
-    const std::lock_guard lock(mutex_);
-    closed_ = true;
-    wake_.notify_one();
-  }
+  void close() { gate_.close(); }
 
  private:
-  std::mutex mutex_;
-  std::condition_variable wake_;
-  bool closed_ = false;
-  TimerQueue timers_;
+  // With the mutex held.
+  void waitForNext() {
+    if (isRunning_) return;  // who runs them waits afterwards
+    const auto due = queue_.nextDue();
+    if (!due || (awaited_ && *awaited_ <= *due)) return;
+    if (!next_) next_.emplace(loop_->context());
+    next_->expires_at(steady_clock::time_point(std::chrono::duration_cast<steady_clock::duration>(*due)));
+    next_->async_wait([weak = weak_from_this()](auto error) {
+      const auto self = weak.lock();
+      if (self && !error && !self->loop_->isClosed()) self->run();
+    });
+    awaited_ = due;
+  }
+
+  void run() {
+    {
+      const std::lock_guard lock(mutex_);
+      if (std::exchange(isRunning_, true)) return;
+      awaited_.reset();
+    }
+    for (bool ran = true; ran;) {
+      ran = false;  // also when the gate is closed
+      gate_.pass([&] { ran = queue_.runNext(monotonicNow()); });
+    }
+    const std::lock_guard lock(mutex_);
+    isRunning_ = false;
+    contained([this] { waitForNext(); });  // without memory the next timer that is added waits for all
+  }
+
+  const std::shared_ptr<WorkLoop> loop_;
+  TimerQueue queue_;
+  CallGate gate_;
+  std::mutex mutex_;  // guards the rest
+  bool isRunning_ = false;
+  std::optional<boost::asio::steady_timer> next_;  // takes descriptors: where there are none yet, it is made later
+  std::optional<TimerQueue::Time> awaited_;        // what it waits for
 };
 
-LinuxClock::LinuxClock() : loop_(std::make_shared<Loop>()) {}
+LinuxClock::LinuxClock(std::shared_ptr<WorkPool> pool)
+    : pool_(std::move(pool)), timers_(std::make_shared<Timers>(pool_->loop())) {}
 
 LinuxClock::~LinuxClock() {
-  loop_->close();
+  timers_->close();
 }
 
 WallTime LinuxClock::now() const {
@@ -76,19 +96,8 @@ std::string LinuxClock::localText(WallTime time) const {
   return calendar_.localText(time);
 }
 
-std::unique_ptr<Timer> LinuxClock::after(milliseconds delay, Job job) {
-  startThread();
-  return loop_->add(delay, TimerQueue::Repeat::never, std::move(job));
-}
-
-std::unique_ptr<Timer> LinuxClock::every(milliseconds period, Job job) {
-  startThread();
-  return loop_->add(period, TimerQueue::Repeat::always, std::move(job));
-}
-
-void LinuxClock::startThread() {
-  const std::lock_guard lock(threadMutex_);
-  if (!thread_) thread_ = std::make_unique<WorkerThread>("quillon-timer", [loop = loop_] { loop->run(); });
+std::unique_ptr<Timer> LinuxClock::makeTimer(milliseconds delay, Repeat repeat, Job job) {
+  return timers_->add(delay, repeat, std::move(job));
 }
 
 }  // namespace quillon

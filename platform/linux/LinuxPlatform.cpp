@@ -148,7 +148,7 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   const auto pool = std::make_shared<WorkPool>("quillon-work", workThreads);
   Platform platform;
   platform.console = std::make_shared<StandardConsole>();
-  platform.clock = std::make_shared<LinuxClock>();
+  platform.clock = std::make_shared<LinuxClock>(pool);
   platform.executors = std::make_shared<AsioExecutors>(pool, options.postToMainQueue);
   platform.files = std::make_shared<PosixFileSystem>(folder);
   platform.store = std::make_shared<SqliteStore>(folder, pool);

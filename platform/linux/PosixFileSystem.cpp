@@ -116,8 +116,10 @@ FileSystem::Result<std::string> PosixFileSystem::read(const std::filesystem::pat
 
 FileSystem::Result<void> PosixFileSystem::write(const std::filesystem::path& file, std::string_view bytes) {
   const HeldWriteSignals held;
-  const auto folder = Folder::openLocked(file.parent_path(), std::chrono::steady_clock::now() + turnLimit);
-  if (!folder) return std::unexpected(folder.error());
+  const auto locked = Folder::openLocked(file.parent_path(), std::chrono::steady_clock::now() + turnLimit);
+  if (!locked) return std::unexpected(locked.error());
+  const auto& folder = *locked;
+  if (!folder) return failed("lock folder of", file, EWOULDBLOCK);
 
   // It is our turn in this folder, so a file of that name has no living writer.
   auto fresh = file;

@@ -6,31 +6,32 @@ namespace quillon {
 
 namespace {
 
+Recovery recoveryFrom(int code) {
+  switch (code & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return Recovery::wait;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    // It does not know what our own statements speak of.
+    case SQLITE_ERROR:
+    case SQLITE_SCHEMA:
+    // Our own tables ask for nothing that our rows do not have.
+    case SQLITE_CONSTRAINT:
+      return Recovery::replace;
+    default:
+      return code == SQLITE_IOERR_SHORT_READ ? Recovery::replace : Recovery::none;
+  }
+}
+
 std::unexpected<SqliteError> failed(sqlite3* connection, int code) {
   // The connection's text belongs to its last call only.
   const char* text = connection != nullptr && sqlite3_extended_errcode(connection) == code ? sqlite3_errmsg(connection)
                                                                                            : sqlite3_errstr(code);
-  return std::unexpected(SqliteError{code, text});
+  return std::unexpected(SqliteError{recoveryFrom(code), text});
 }
 
 }  // namespace
-
-bool SqliteError::busy() const noexcept {
-  const int primary = code & 0xff;
-  return primary == SQLITE_BUSY || primary == SQLITE_LOCKED;
-}
-
-bool SqliteError::damage() const noexcept {
-  switch (code & 0xff) {
-    case SQLITE_CORRUPT:
-    case SQLITE_NOTADB:
-    case SQLITE_ERROR:
-    case SQLITE_SCHEMA:
-      return true;
-    default:
-      return code == SQLITE_IOERR_SHORT_READ;
-  }
-}
 
 void SqliteStatement::bind(int parameter, std::string_view text) {
   // A null pointer would bind NULL in place of the empty text.
@@ -80,6 +81,12 @@ SqliteResult<SqliteDatabase> SqliteDatabase::open(const std::filesystem::path& f
   database.connection_.reset(connection);
   if (code != SQLITE_OK) return failed(connection, code);
   return database;
+}
+
+void SqliteDatabase::trustNoSchema() noexcept {
+  for (const int feature : {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW}) {
+    sqlite3_db_config(connection_.get(), feature, 0, nullptr);
+  }
 }
 
 SqliteResult<> SqliteDatabase::run(const char* sql) {

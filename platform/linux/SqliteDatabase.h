@@ -13,14 +13,18 @@
 
 namespace quillon {
 
-struct SqliteError {
-  int code;  // an extended result code
-  std::string text;
+// What can help after an error of the store.
+enum class Recovery {
+  none,     // nothing of ours: the disk, its room, permissions or memory are at fault
+  wait,     // somebody else holds the file; later may be better
+  create,   // nothing stands at the path
+  reopen,   // this connection is of no more use, but what stands at the path may be
+  replace,  // what stands at the path is not what was written, or takes no more of it
+};
 
-  // Another connection holds the file; trying again later can help.
-  [[nodiscard]] bool busy() const noexcept;
-  // The file is not what was written: SQLite says so, or it does not know what our own statements speak of.
-  [[nodiscard]] bool damage() const noexcept;
+struct SqliteError {
+  Recovery recovery;
+  std::string text;
 };
 
 template <class T = void>
@@ -56,11 +60,14 @@ class SqliteStatement {
   int bindError_ = SQLITE_OK;
 };
 
-// Not thread-safe; must not be used across a fork. Never waits for another connection: that is an error and busy().
+// Not thread-safe; must not be used across a fork. Never waits for another connection.
 class SqliteDatabase {
  public:
   // The file must exist; no part of the path may be a link. Read-only when the file allows no more.
   static SqliteResult<SqliteDatabase> open(const std::filesystem::path& file);
+
+  // Neither triggers nor views of whoever else had the file in hand are obeyed.
+  void trustNoSchema() noexcept;
 
   // One or more statements without results.
   [[nodiscard]] SqliteResult<> run(const char* sql);

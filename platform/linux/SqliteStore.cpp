@@ -50,8 +50,12 @@ std::expected<std::filesystem::path, std::string> readyFolder(const std::filesys
 
 }  // namespace
 
-SqliteStore::SqliteStore(std::filesystem::path folder, std::shared_ptr<WorkPool> pool)
-    : folder_(std::move(folder)), standardDefaults_(std::make_shared<MemorySuite>()), pool_(std::move(pool)) {}
+SqliteStore::SqliteStore(std::filesystem::path folder, std::shared_ptr<WorkPool> pool,
+                         std::chrono::milliseconds patience)
+    : folder_(std::move(folder)),
+      standardDefaults_(std::make_shared<MemorySuite>()),
+      pool_(std::move(pool)),
+      patience_(patience) {}
 
 std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std::string_view name, Report report) try {
   if (!isFileName(name)) return std::unexpected("open store: a name like this is no file's");
@@ -64,8 +68,8 @@ std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std
   // to come back gives the suite that both use.
   const auto folder = readyFolder(folder_, report);
   if (!folder) return std::unexpected(folder.error());
-  auto suite =
-      SqliteSuite::open(*folder / (std::string(name) + ".sqlite"), std::move(report), pool_ ? pool_->loop() : nullptr);
+  auto suite = SqliteSuite::open(*folder / (std::string(name) + ".sqlite"), std::move(report),
+                                 pool_ ? pool_->loop() : nullptr, patience_);
   if (!suite) return std::unexpected(std::move(suite.error()));
   std::lock_guard lock(mutex_);
   return suites_.try_emplace(std::string(name), std::move(*suite)).first->second;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/KeyValueSuite.h"
@@ -21,13 +22,15 @@ namespace quillon {
 // Readers take the published snapshot; at intervals one of them asks the file whether another process has committed,
 // unless an update of this process has the connection just then. While somebody observes, the pool asks too, whenever
 // the file changes. Must not be used across a fork. The folder must exist
-// and its path be free of links.
+// and its path be free of links. A file that another process does not let go of at the start is taken up once it does.
 class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_this<SqliteSuite> {
  public:
-  // The error, path and reason, when the file can be neither opened nor made. Without a loop nobody is told of changes.
+  // Waits that long for another process that holds the file. The error, path and reason, when the file can be neither
+  // opened nor made. Without a loop nobody is told of changes.
   static std::expected<std::shared_ptr<SqliteSuite>, std::string> open(std::filesystem::path file,
                                                                        KeyValueStore::Report report,
-                                                                       std::shared_ptr<WorkLoop> loop);
+                                                                       std::shared_ptr<WorkLoop> loop,
+                                                                       std::chrono::milliseconds patience);
 
   std::shared_ptr<const SuiteEntries> snapshot() const override;
   std::expected<void, std::string> update(const Edit& edit) override;
@@ -37,22 +40,20 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
 
  private:
   using Deadline = SuiteFile::Deadline;
-  struct Problem {
-    std::string text;
-    // Mending the file and trying again can help.
-    bool mendable = false;
-    // The file opens and reads well, and yet it cannot be kept.
-    bool beginsAnew = false;
-  };
+  using Problem = SqliteError;
+  using Note = std::pair<KeyValueStore::ReportLevel, std::string>;
+  // Whose content is at the path now: what this object knew, or what stood there.
+  enum class Recovered { ours, anothers };
   class Transaction;
 
   SqliteSuite(std::filesystem::path file, KeyValueStore::Report report, std::shared_ptr<WorkLoop> loop);
 
+  static Deadline afterPatience();
   // False when somebody else was at the file just then.
   bool probe() const noexcept;
   std::expected<void, std::string> updateInTurn(const Edit& edit);
   void watch();
-  void note(std::string message) const;
+  void note(std::string message, KeyValueStore::ReportLevel level = KeyValueStore::ReportLevel::error) const;
   // Tells of damage, and of changes, without a lock: the receivers are the host's.
   void deliver() const noexcept;
 
@@ -67,8 +68,10 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   Problem problem(const SqliteError& error) const;
   std::expected<void, Problem> begin(std::unique_lock<std::mutex>& connection, Deadline deadline);
   std::expected<void, Problem> attempt(std::unique_lock<std::mutex>& connection, Deadline deadline, const Edit& edit,
-                                       std::optional<SuiteUpdate>& planned);
-  std::expected<void, std::string> mend(const Problem& why);
+                                       bool& isCommitted);
+  std::expected<Recovered, Problem> recover(const Problem& why);
+  std::expected<void, std::string> start(std::chrono::milliseconds patience);
+  void goOnWithout(const std::string& why);
 
   const std::filesystem::path path_;
   const KeyValueStore::Report report_;
@@ -79,7 +82,8 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   mutable std::mutex connectionMutex_;
   mutable std::optional<SuiteFile> file_;          // nothing after an error that spoilt the connection
   mutable std::optional<std::int64_t> version_;    // of the published content; nothing: read it again
-  mutable bool known_ = false;                     // content has been read at some time
+  mutable bool isKnown_ = false;                   // content has been read at some time
+  mutable bool isHeld_ = false;                    // by another process ever since the start: nothing is known
   mutable bool sound_ = true;                      // no row of the file is unreadable
   mutable std::set<std::string> unreadableNoted_;  // each of them is reported once
   mutable std::set<std::int64_t> damagedNoted_;    // of the journal, likewise
@@ -95,7 +99,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   mutable std::atomic<bool> hasChanged_{false};  // other than by an update of ours, and nobody was told yet
 
   mutable std::mutex notesMutex_;
-  mutable std::vector<std::string> notes_;
+  mutable std::vector<Note> notes_;
 };
 
 }  // namespace quillon

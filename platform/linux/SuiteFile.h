@@ -1,4 +1,4 @@
-// The database file of one suite: its layout, how it is made, opened and checked, and what is done when it is damaged.
+// The database file of one suite, how it is opened and checked, and the reading and writing of its rows.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "platform/KeyValueSuite.h"
-#include "platform/linux/Folder.h"
 #include "platform/linux/SqliteDatabase.h"
 #include "platform/linux/StoredValue.h"
 #include "platform/linux/SuiteJournal.h"
@@ -42,26 +41,14 @@ struct SuiteContent {
 class SuiteFile {
  public:
   using Deadline = std::chrono::steady_clock::time_point;
-  enum class Fault { missing, damaged, unavailable };
-  struct Failure {
-    Fault fault;
-    std::string text;
-  };
   struct Opened;
 
-  // Opens and checks the file, waiting for a writer until the deadline.
-  static std::expected<Opened, Failure> open(const std::filesystem::path& path, Deadline deadline);
-
-  // Makes a new file with these entries and this journal, complete and durable before it takes its place. What stands
-  // at that place is kept as "<path>.damaged-<UTC>-<n>", with its journal; the name is returned, empty when nothing
-  // stood there. The folder must be locked. On failure the place is as it was.
-  static std::expected<std::filesystem::path, std::string> create(const std::filesystem::path& path,
-                                                                  const SuiteEntries& entries,
-                                                                  const std::vector<JournalRecord>& journal,
-                                                                  const Folder& folder);
+  // Opens and checks the file, waiting for a writer until the deadline. What else is in the file is left alone, but for
+  // triggers on our tables.
+  static SqliteResult<Opened> open(const std::filesystem::path& path, Deadline deadline);
 
   [[nodiscard]] SqliteResult<std::int64_t> version();
-  // An error that is damage() when the rows are not a suite's.
+  // The file is to be replaced when the rows are not a suite's.
   [[nodiscard]] SqliteResult<SuiteContent> read();
 
   // The path leads elsewhere, or nowhere.
@@ -91,6 +78,7 @@ class SuiteFile {
   SuiteFile(std::filesystem::path path, SqliteDatabase database);
 
   static SqliteResult<Opened> tryOpen(const std::filesystem::path& path);
+  SqliteResult<Opened> checked();
   [[nodiscard]] SqliteResult<> prepareStatements();
 
   std::filesystem::path path_;

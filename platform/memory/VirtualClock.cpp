@@ -10,7 +10,7 @@ VirtualClock::VirtualClock(WallTime start, TimeZone zone) : calendar_(zone), wal
 
 void VirtualClock::advance(milliseconds duration, const std::function<void()>& afterEachTimer) {
   const std::lock_guard lock(advancing_);
-  const milliseconds target = elapsed() + duration;
+  const milliseconds target = elapsed() + bounded(duration);
   for (auto due = timers_.nextDue(); due && *due <= target; due = timers_.nextDue()) {
     moveTo(std::chrono::duration_cast<milliseconds>(*due));
     if (timers_.runNext(*due) && afterEachTimer) afterEachTimer();
@@ -36,12 +36,8 @@ std::string VirtualClock::localText(WallTime time) const {
   return calendar_.localText(time);
 }
 
-std::unique_ptr<Timer> VirtualClock::after(milliseconds delay, Job job) {
-  return timers_.add(elapsed(), delay, TimerQueue::Repeat::never, std::move(job));
-}
-
-std::unique_ptr<Timer> VirtualClock::every(milliseconds period, Job job) {
-  return timers_.add(elapsed(), period, TimerQueue::Repeat::always, std::move(job));
+std::unique_ptr<Timer> VirtualClock::makeTimer(milliseconds delay, Repeat repeat, Job job) {
+  return timers_.add(elapsed(), delay, repeat, std::move(job));
 }
 
 milliseconds VirtualClock::elapsed() const {

@@ -19,9 +19,10 @@ class VirtualClock : public Clock {
  public:
   explicit VirtualClock(WallTime start, TimeZone zone = TimeZone::utc);
 
-  // Lets that much time pass: every timer that falls due fires in order of time, on the calling thread and with now()
-  // at its due time. Timers that jobs start meanwhile take part. Two threads that advance do so one after the other.
-  // afterEachTimer runs after every job, for those who want to wait for what it began before time goes on.
+  // Lets that much time pass, at most a clock's longest delay: every timer that falls due fires in order of time, on
+  // the calling thread and with now() at its due time. Timers that jobs start meanwhile take part. Two threads that
+  // advance do so one after the other. afterEachTimer runs after every job, for those who want to wait for what it
+  // began before time goes on.
   void advance(std::chrono::milliseconds duration, const std::function<void()>& afterEachTimer = {});
 
   // Sets the wall time forward or back, as a user or a time server does; timers do not notice.
@@ -30,8 +31,9 @@ class VirtualClock : public Clock {
   WallTime now() const override;
   WallTime addMonths(WallTime time, std::int64_t months) const override;
   std::string localText(WallTime time) const override;
-  std::unique_ptr<Timer> after(std::chrono::milliseconds delay, Job job) override;
-  std::unique_ptr<Timer> every(std::chrono::milliseconds period, Job job) override;
+
+ protected:
+  std::unique_ptr<Timer> makeTimer(std::chrono::milliseconds delay, Repeat repeat, Job job) override;
 
  private:
   std::chrono::milliseconds elapsed() const;

@@ -9,12 +9,6 @@
 #include "platform/parts/Contained.h"
 
 namespace quillon {
-namespace {
-
-// Far enough for every purpose and near enough that sums never overflow.
-constexpr std::chrono::milliseconds longestDelay = std::chrono::years(50);
-
-}  // namespace
 
 struct TimerQueue::Entry {
   Time due;  // guarded by the state's mutex
@@ -54,14 +48,12 @@ TimerQueue::~TimerQueue() {
 }
 
 std::unique_ptr<Timer> TimerQueue::add(Time now, std::chrono::milliseconds delay, Repeat repeat, Job job) {
-  const bool repeated = repeat == Repeat::always;
-  const auto wait = std::clamp(delay, std::chrono::milliseconds(repeated ? 1 : 0), longestDelay);
   const auto entry = std::make_shared<Entry>();
-  if (repeated) entry->period = wait;
+  if (repeat == Repeat::always) entry->period = delay;
   entry->job = std::move(job);
   auto handle = std::make_unique<Handle>(state_, entry);
   const std::lock_guard lock(state_->mutex);
-  entry->due = now + wait;
+  entry->due = now + delay;
   state_->entries.emplace(entry->due, entry);
   return handle;
 }
@@ -82,6 +74,7 @@ bool TimerQueue::runNext(Time now) {
     entry = node.mapped();
     if (entry->period) {
       entry->due += *entry->period;  // counted from the due time, so that lateness does not add up
+      if (entry->due <= now) entry->due = now + *entry->period;
       node.key() = entry->due;
       state_->entries.insert(std::move(node));
     }

@@ -14,21 +14,20 @@ namespace quillon {
 class TimerQueue {
  public:
   using Time = std::chrono::nanoseconds;  // since a moment of the owner's choice; never goes back
-  enum class Repeat { never, always };
+  using Repeat = Clock::Repeat;
 
   TimerQueue();
   ~TimerQueue();
   TimerQueue(const TimerQueue&) = delete;
   TimerQueue& operator=(const TimerQueue&) = delete;
 
-  // Due `delay` after `now`, and again every `delay` when repeated. A delay below zero counts as zero, a repeated one
-  // as at least a millisecond; none exceeds fifty years.
+  // Due `delay` after `now`, and again every `delay` when repeated. The delay is within the bounds of a clock's.
   [[nodiscard]] std::unique_ptr<Timer> add(Time now, std::chrono::milliseconds delay, Repeat repeat, Job job);
 
   [[nodiscard]] std::optional<Time> nextDue() const;
 
-  // Runs the earliest job that is due at that time, on the calling thread; false when there is none. What the job
-  // throws is contained.
+  // Runs the earliest job that is due at that time, on the calling thread; false when there is none. Of a repeated one
+  // all that is due is one run. What the job throws is contained.
   bool runNext(Time now);
 
  private:

@@ -12,6 +12,7 @@ namespace quillon::test {
 std::vector<Row> fileRows();
 std::vector<Row> storeRows();
 std::vector<Row> sweepRows();
+std::vector<Row> powerRows();
 std::vector<Row> processRows();
 std::vector<Row> hostRows();
 std::vector<Row> clockRows();
@@ -29,6 +30,7 @@ inline constexpr Area areas[] = {
     {"Files", fileRows, "one thread works on a file at a time, whatever stands in it"},
     {"Store", storeRows, "as with files"},
     {"Sweep", sweepRows, "a process for each call, and in it one thread works"},
+    {"Power", powerRows, "one thread does everything"},
     {"Process", processRows, "the sanitizer does not survive the forks of a process with threads"},
     {"Host", hostRows},
     {"Clock", clockRows, "time changes nothing about threads"},

@@ -13,6 +13,7 @@
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/LinuxClock.h"
+#include "platform/linux/WorkPool.h"
 #include "tests/faults/Areas.h"
 #include "tests/faults/Damage.h"
 #include "tests/support/RawServer.h"
@@ -264,8 +265,11 @@ Seen twoStalls(Trial& trial) {
 class HurriedClock : public LinuxClock {
  public:
   static constexpr int factor = 10;
-  std::unique_ptr<Timer> after(std::chrono::milliseconds delay, Job job) override {
-    return LinuxClock::after(delay / factor, std::move(job));
+  using LinuxClock::LinuxClock;
+
+ protected:
+  std::unique_ptr<Timer> makeTimer(std::chrono::milliseconds delay, Repeat repeat, Job job) override {
+    return LinuxClock::makeTimer(delay / factor, repeat, std::move(job));
   }
 };
 
@@ -280,7 +284,8 @@ Seen silentLocation(Trial& trial) {
   banners["locations"].as_object()["US"] = "us";
   world.server.serve(document);
   world.amend = [&](Platform& platform) {
-    platform.clock = trial.isShort() ? std::make_shared<HurriedClock>() : std::make_shared<LinuxClock>();
+    const auto pool = std::make_shared<WorkPool>("timers", 1);
+    platform.clock = trial.isShort() ? std::make_shared<HurriedClock>(pool) : std::make_shared<LinuxClock>(pool);
     platform.vendorUrl = silent.url();
   };
   auto options = world.options();

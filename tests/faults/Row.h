@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quillon::test {
@@ -34,9 +35,14 @@ class Trial {
   }
   const std::vector<std::string>& failures() const { return failures_; }
 
+  // Something worth knowing for those who read the table.
+  void tell(std::string text) { told_ = std::move(text); }
+  const std::string& told() const { return told_; }
+
  private:
   const bool isShort_;
   std::vector<std::string> failures_;
+  std::string told_;
 };
 
 // Thrown by a row when this machine does not let it do its harm: the row is left out, and the table says why.

@@ -15,6 +15,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "tests/faults/power/CallRecord.h"
+
 namespace quillon::test {
 namespace {
 
@@ -122,6 +124,7 @@ extern "C" {
 
 using quillon::test::Call;
 using quillon::test::passOn;
+namespace record = quillon::test::record;
 using quillon::test::writeOn;
 
 int open64(const char* path, int flags, ...) {
@@ -130,33 +133,59 @@ int open64(const char* path, int flags, ...) {
   const mode_t mode = (flags & (O_CREAT | __O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(rest, unsigned)) : mode_t{0};
   va_end(rest);
   const auto kind = (flags & O_CREAT) != 0 ? Call::creates : Call::opens;
-  return passOn(kind, path, SYS_openat, AT_FDCWD, path, flags | O_LARGEFILE, mode);
+  const bool mayCreate = kind == Call::creates && record::isOn() && !record::isThere(path);
+  const int file = passOn(kind, path, SYS_openat, AT_FDCWD, path, flags | O_LARGEFILE, mode);
+  if (file >= 0 && mayCreate) record::created(path);
+  if (file >= 0 && !mayCreate && (flags & O_TRUNC) != 0) record::resized(file, 0);
+  return file;
 }
 int open(const char*, int, ...) __attribute__((alias("open64")));
 int mkdir(const char* path, mode_t mode) noexcept {
   return passOn(Call::needsRoom, path, SYS_mkdirat, AT_FDCWD, path, mode);
 }
 int mknod(const char* path, mode_t mode, dev_t device) noexcept {
-  return passOn(Call::needsRoom, path, SYS_mknodat, AT_FDCWD, path, mode, device);
+  const int done = passOn(Call::needsRoom, path, SYS_mknodat, AT_FDCWD, path, mode, device);
+  if (done == 0) record::created(path);
+  return done;
+}
+int link(const char* from, const char* to) noexcept {
+  const int done = passOn(Call::needsRoom, from, SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0);
+  if (done == 0) record::linked(to);
+  return done;
 }
 
 ssize_t write(int file, const void* bytes, size_t count) {
-  return writeOn(file, count, [&](size_t taken) { return ::syscall(SYS_write, file, bytes, taken); });
+  return writeOn(file, count, [&](size_t taken) {
+    const auto at = record::isOn() ? record::positionOf(file) : 0;
+    const ssize_t written = ::syscall(SYS_write, file, bytes, taken);
+    if (written > 0) record::wrote(file, bytes, static_cast<size_t>(written), at);
+    return written;
+  });
 }
 ssize_t pwrite64(int file, const void* bytes, size_t count, off64_t offset) {
-  return writeOn(file, count, [&](size_t taken) { return ::syscall(SYS_pwrite64, file, bytes, taken, offset); });
+  return writeOn(file, count, [&](size_t taken) {
+    const ssize_t written = ::syscall(SYS_pwrite64, file, bytes, taken, offset);
+    if (written > 0) record::wrote(file, bytes, static_cast<size_t>(written), static_cast<std::uint64_t>(offset));
+    return written;
+  });
 }
 int fsync(int file) {
-  return passOn(Call::needsRoom, file, SYS_fsync, file);
+  const int done = passOn(Call::needsRoom, file, SYS_fsync, file);
+  if (done == 0) record::synced(file);
+  return done;
 }
 int fdatasync(int file) {
-  return passOn(Call::needsRoom, file, SYS_fdatasync, file);
+  const int done = passOn(Call::needsRoom, file, SYS_fdatasync, file);
+  if (done == 0) record::synced(file);
+  return done;
 }
 int rename(const char* from, const char* to) noexcept {
-  return passOn(Call::needsRoom, from, SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);
+  return renameat2(AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
-  return passOn(Call::needsRoom, from, SYS_renameat2, fromFolder, from, toFolder, to, flags);
+  const int done = passOn(Call::needsRoom, from, SYS_renameat2, fromFolder, from, toFolder, to, flags);
+  if (done == 0) record::renamed(from, to);
+  return done;
 }
 
 ssize_t read(int file, void* bytes, size_t count) {
@@ -166,10 +195,15 @@ ssize_t pread64(int file, void* bytes, size_t count, off64_t offset) {
   return passOn(Call::looks, file, SYS_pread64, file, bytes, count, offset);
 }
 int ftruncate64(int file, off64_t length) noexcept {
-  return passOn(Call::looks, file, SYS_ftruncate, file, length);
+  const int done = passOn(Call::looks, file, SYS_ftruncate, file, length);
+  if (done == 0) record::resized(file, static_cast<std::uint64_t>(length));
+  return done;
 }
 int unlink(const char* path) noexcept {
-  return passOn(Call::looks, path, SYS_unlinkat, AT_FDCWD, path, 0);
+  const auto inode = record::isOn() ? record::inodeOf(path) : 0;
+  const int done = passOn(Call::looks, path, SYS_unlinkat, AT_FDCWD, path, 0);
+  if (done == 0) record::removed(path, inode);
+  return done;
 }
 int fchmod(int file, mode_t mode) noexcept {
   return passOn(Call::looks, file, SYS_fchmod, file, mode);

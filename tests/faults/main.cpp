@@ -2,6 +2,8 @@
 #include <fcntl.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <exception>
 #include <iomanip>
 #include <iostream>
@@ -34,7 +36,8 @@ int carryOut(const Row& row, bool isShort) {
   try {
     const auto [status, log, stored] = row.run(trial);
     const auto error = errorLine(log, row.sees.log);
-    std::cout << "status: " << status << "; log: " << (error.empty() ? "-" : error) << "; stored: " << stored << " | ";
+    std::cout << "status: " << status << "; log: " << (error.empty() ? "-" : error) << "; stored: " << stored
+              << (trial.told().empty() ? "" : "; " + trial.told()) << " | ";
     trial.expect(status == row.sees.status, "the status is not \"" + row.sees.status + '"');
     trial.expect(stored == row.sees.stored, "what is stored is not \"" + row.sees.stored + '"');
     trial.expect(row.sees.log.empty() ? error.empty() : error.find(row.sees.log) != std::string::npos,
@@ -79,6 +82,10 @@ Verdict print(std::string_view area, const Row& row, bool isShort) {
   return verdict;
 }
 
+bool isSame(std::string_view left, std::string_view right) {
+  return std::ranges::equal(left, right, [](char a, char b) { return std::tolower(a) == std::tolower(b); });
+}
+
 int run(bool isShort, bool threads, const std::string& only) {
   int counts[3]{};
   std::cout << "area    | name                    | what is done | what the user sees | verdict\n";
@@ -88,7 +95,7 @@ int run(bool isShort, bool threads, const std::string& only) {
       continue;
     }
     for (const Row& row : area.rows()) {
-      if (!only.empty() && row.name != only && area.name != only) continue;
+      if (!only.empty() && row.name != only && !isSame(area.name, only)) continue;
       ++counts[static_cast<int>(print(area.name, row, isShort))];
     }
   }
@@ -107,7 +114,7 @@ int main(int argc, char** argv) {
   std::string only;
   app.add_flag("--short", isShort, "few rounds of each");
   app.add_flag("--threads", threads, "those rows alone that are about threads");
-  app.add_option("--only", only, "the row, or the area, of this name alone");
+  app.add_option("--only,only", only, "the row, or the area, of this name alone");
   CLI11_PARSE(app, argc, argv);
   // No row cuts the power, so none needs a disk, and all together would wait a minute for it.
   ::setenv("TMPDIR", quillon::test::TemporaryFolder::fastParent().c_str(), 1);

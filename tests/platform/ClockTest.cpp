@@ -4,12 +4,15 @@
 
 #include <atomic>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "platform/linux/LinuxClock.h"
+#include "platform/linux/WorkPool.h"
 #include "platform/memory/VirtualClock.h"
+#include "platform/parts/TimerQueue.h"
 #include "tests/platform/Environment.h"
 #include "tests/platform/Signal.h"
 
@@ -33,6 +36,10 @@ class DeviceZone {
   const test::Environment environment_{"TZ"};
 };
 
+std::unique_ptr<LinuxClock> linuxClock() {
+  return std::make_unique<LinuxClock>(std::make_shared<WorkPool>("timers", 1));
+}
+
 struct Kind {
   const char* name;
   std::unique_ptr<Clock> (*make)();
@@ -40,8 +47,7 @@ struct Kind {
 };
 
 const Kind kinds[] = {
-    {"Linux", [] { return std::unique_ptr<Clock>(std::make_unique<LinuxClock>()); },
-     [](Clock&, std::chrono::milliseconds) {}},
+    {"Linux", [] { return std::unique_ptr<Clock>(linuxClock()); }, [](Clock&, std::chrono::milliseconds) {}},
     {"Virtual", [] { return std::unique_ptr<Clock>(std::make_unique<VirtualClock>(utc(2024, 5, 1))); },
      [](Clock& clock, std::chrono::milliseconds time) { static_cast<VirtualClock&>(clock).advance(time); }},
 };
@@ -132,7 +138,11 @@ TEST_P(ClockContract, DroppingATimerWaitsForItsJobOnAnotherThread) {
 TEST_P(ClockContract, TimersOutliveTheirClockWithoutFiring) {
   const auto captured = std::make_shared<int>();
   auto timer = clock_->after(1h, [captured] { FAIL() << "fired without a clock"; });
-  const auto endless = clock_->after(std::chrono::milliseconds::max(), [] { FAIL() << "the delay wrapped around"; });
+  const auto wrapped = [] { FAIL() << "the delay wrapped around"; };
+  const std::unique_ptr<Timer> endless[] = {
+      clock_->after(std::chrono::milliseconds::max(), wrapped), clock_->after(std::chrono::seconds::max(), wrapped),
+      clock_->after(std::chrono::hours::max(), wrapped), clock_->every(std::chrono::years::max(), wrapped),
+      clock_->after(std::chrono::duration<double>(std::numeric_limits<double>::quiet_NaN()), wrapped)};
   pass(1min);
   clock_.reset();
   timer.reset();
@@ -143,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(All, ClockContract, testing::ValuesIn(kinds),
                          [](const auto& kind) { return kind.param.name; });
 
 TEST(LinuxClockTest, CanBeDestroyedFromItsOwnTimer) {
-  auto clock = std::make_shared<LinuxClock>();
+  auto clock = std::shared_ptr<LinuxClock>(linuxClock());
   Signal gone;
   Signal begin;
   const auto timer = clock->after(1ms, [&] {
@@ -167,6 +177,32 @@ TEST(VirtualClockTest, ShowsTheDueTimeToEachJobAndTheWholeAdvanceAfterwards) {
   clock.advance(91s);
   EXPECT_EQ(seen, (std::vector<std::chrono::milliseconds>{60s, 91s, 120s}));
   EXPECT_EQ(clock.now() - start, 150s);
+}
+
+TEST(TimerQueueTest, MissedPeriodsAreOneRun) {
+  TimerQueue queue;
+  int runs = 0;
+  const auto timer = queue.add(0s, 60s, TimerQueue::Repeat::always, [&] { ++runs; });
+  const auto runAt = [&](TimerQueue::Time now) {
+    while (queue.runNext(now)) {
+    }
+    return runs;
+  };
+  EXPECT_EQ(runAt(60s), 1);
+  EXPECT_EQ(runAt(125s), 2) << "a little late";
+  EXPECT_EQ(queue.nextDue(), TimerQueue::Time(180s)) << "and so does not add up";
+  EXPECT_EQ(runAt(485s), 3) << "stopped for five minutes";
+  EXPECT_EQ(queue.nextDue(), TimerQueue::Time(545s));
+}
+
+TEST(VirtualClockTest, AYearOfHalfHoursIsQuick) {
+  VirtualClock clock(utc(2024, 5, 1));
+  int runs = 0;
+  const auto timer = clock.every(30min, [&] { ++runs; });
+  const auto begin = std::chrono::steady_clock::now();
+  clock.advance(24h * 365);
+  EXPECT_EQ(runs, 2 * 24 * 365);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
 }
 
 TEST(VirtualClockTest, AJumpOfTheWallTimeMovesNoTimer) {
@@ -235,10 +271,10 @@ TEST(CalendarTest, WritesTheTimeOfTheDevicesZone) {
   EXPECT_EQ(Calendar(TimeZone::utc).localText(utc(1969, 12, 31, 23h + 59min + 59s + 1ms)), "1969-12-31 23:59:59.001");
   {
     const DeviceZone device("CET-1CEST,M3.5.0,M10.5.0/3");
-    EXPECT_EQ(LinuxClock().localText(time), "2024-05-01 09:30:12.045");
+    EXPECT_EQ(linuxClock()->localText(time), "2024-05-01 09:30:12.045");
   }
   const DeviceZone moved("<-03>3");
-  EXPECT_EQ(LinuxClock().localText(time), "2024-05-01 04:30:12.045");
+  EXPECT_EQ(linuxClock()->localText(time), "2024-05-01 04:30:12.045");
 }
 
 }  // namespace

@@ -136,7 +136,7 @@ std::optional<ConsentStatus> UserDefaultManager::getConsent(std::string_view key
 }
 
 bool UserDefaultManager::set(std::string_view key, PropertyValue value) {
-  return transact([&](StoreTransaction& transaction) { transaction.set(key, std::move(value)); });
+  return transact([&](StoreTransaction& transaction) { transaction.set(key, value); });
 }
 
 bool UserDefaultManager::remove(std::string_view key) {

@@ -20,8 +20,11 @@ class StallingClock : public VirtualClock {
   StallingClock(WallTime start, std::function<void()> meanwhile)
       : VirtualClock(start), meanwhile_(std::move(meanwhile)) {}
 
-  std::unique_ptr<Timer> after(std::chrono::milliseconds delay, Job job) override {
-    if (std::exchange(stalled_, true)) return VirtualClock::after(delay, std::move(job));
+ protected:
+  std::unique_ptr<Timer> makeTimer(std::chrono::milliseconds delay, Repeat repeat, Job job) override {
+    if (repeat == Repeat::always || std::exchange(stalled_, true)) {
+      return VirtualClock::makeTimer(delay, repeat, std::move(job));
+    }
     job();
     meanwhile_();
     return std::make_unique<Timer>();

@@ -1,0 +1,244 @@
+// Updates of a suite, and what is done when its file does not take them.
+#include <algorithm>
+#include <exception>
+#include <thread>
+#include <utility>
+
+#include "platform/linux/Folder.h"
+#include "platform/linux/HeldWriteSignals.h"
+#include "platform/linux/SqliteSuite.h"
+#include "platform/linux/SuiteReplacement.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::chrono::seconds patience{2};
+constexpr int maximumAttempts = 4;
+
+SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
+  for (const auto& [key, value] : changes) {
+    if (value) {
+      entries.insert_or_assign(key, *value);
+    } else {
+      entries.erase(key);
+    }
+  }
+  return entries;
+}
+
+// What the changes really change, as rows; the keys belong to the changes.
+using Rows = std::vector<std::pair<std::string_view, std::optional<StoredValue>>>;
+
+std::expected<Rows, std::string> rowsToWrite(const SuiteEntries& current, const SuiteChanges& changes) {
+  Rows rows;
+  for (const auto& [key, value] : changes) {
+    if (key.empty()) return std::unexpected("a key is empty");
+    const auto existing = current.find(key);
+    if (!value) {
+      if (existing != current.end()) rows.emplace_back(key, std::nullopt);
+      continue;
+    }
+    if (existing != current.end() && existing->second == *value) continue;
+    auto stored = toStored(*value);
+    if (key.size() + stored.text.size() > maximumEntryBytes) return std::unexpected("a value is larger than 1 MiB");
+    rows.emplace_back(key, std::move(stored));
+  }
+  return rows;
+}
+
+}  // namespace
+
+// Rolls back unless committed; a connection that cannot even do that is given up.
+class SqliteSuite::Transaction {
+ public:
+  explicit Transaction(SqliteSuite& suite) : suite_(suite) {}
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  ~Transaction() {
+    if (committed_) return;
+    if (wrote_) suite_.version_.reset();
+    if (!suite_.file_->rollback()) suite_.file_.reset();
+  }
+
+  void writing() { wrote_ = true; }
+  void committed() { committed_ = true; }
+
+ private:
+  SqliteSuite& suite_;
+  bool wrote_ = false;
+  bool committed_ = false;
+};
+
+SqliteSuite::Deadline SqliteSuite::afterPatience() {
+  return std::chrono::steady_clock::now() + patience;
+}
+
+std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
+  auto done = [&]() -> std::expected<void, std::string> {
+    const HeldWriteSignals held;
+    try {
+      return updateInTurn(edit);
+    } catch (const std::exception& error) {
+      return std::unexpected(error.what());
+    } catch (...) {
+      return std::unexpected("unknown exception");
+    }
+  }();
+  deliver();
+  return done;
+}
+
+std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
+  std::lock_guard turn(writersMutex_);
+  std::unique_lock connection(connectionMutex_);
+  bool hasLookedAgain = false;
+  for (int attempts = 1;; ++attempts) {
+    bool isCommitted = false;
+    auto done = attempt(connection, afterPatience(), edit, isCommitted);
+    if (done) return {};
+    auto& problem = done.error();
+    const bool isHopeless = problem.recovery == Recovery::none || problem.recovery == Recovery::wait;
+    if (isHopeless || attempts == maximumAttempts) return std::unexpected(std::move(problem.text));
+    // At first the fault may lie with our connection, or somebody may have put things right.
+    if (problem.recovery == Recovery::replace && !std::exchange(hasLookedAgain, true)) {
+      problem.recovery = Recovery::reopen;
+    }
+    const auto recovered = recover(problem);
+    if (!recovered) return std::unexpected(recovered.error().text);
+    // What was committed to a file that had lost its place was written again with the rest of it.
+    if (isCommitted && *recovered == Recovered::ours) return {};
+  }
+}
+
+std::expected<void, SqliteSuite::Problem> SqliteSuite::begin(std::unique_lock<std::mutex>& connection,
+                                                             Deadline deadline) {
+  for (;;) {
+    if (!file_) return std::unexpected(Problem{Recovery::reopen, "its connection was lost"});
+    auto begun = file_->begin();
+    if (begun) return {};
+    if (begun.error().recovery != Recovery::wait || std::chrono::steady_clock::now() >= deadline) {
+      return std::unexpected(problem(begun.error()));
+    }
+    // Readers go on probing while another process writes.
+    connection.unlock();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    connection.lock();
+  }
+}
+
+std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<std::mutex>& connection,
+                                                               Deadline deadline, const Edit& edit, bool& isCommitted) {
+  if (auto begun = begin(connection, deadline); !begun) return begun;
+  Transaction transaction(*this);
+  if (file_->moved()) return std::unexpected(Problem{Recovery::reopen, "it was moved away"});
+  if (file_->truncated()) return std::unexpected(Problem{Recovery::reopen, "it was truncated"});
+  if (auto done = refresh(); !done) return std::unexpected(problem(done.error()));
+  if (!sound_) return std::unexpected(Problem{Recovery::reopen, "entries in it are damaged"});
+
+  const auto& current = *published_;  // only a holder of the connection publishes
+  const auto impossible = [](std::string why) { return std::unexpected(Problem{Recovery::none, std::move(why)}); };
+  SuiteUpdate planned = edit(current);
+  if (planned.settle) {
+    const auto unsettled = file_->readUnsettled();
+    if (!unsettled) return std::unexpected(problem(unsettled.error()));
+    noteDamaged(unsettled->damaged);
+    planned.complete(unsettled->records);
+  }
+  const auto rows = rowsToWrite(current, planned.changes);
+  if (!rows) return impossible(rows.error());
+  const auto tooLong = [](const std::string& text) { return text.size() > maximumJournalTextBytes; };
+  if (std::ranges::any_of(planned.appended, tooLong)) return impossible("a journal record is too long");
+  const bool writesJournal = planned.clearsJournal || !planned.marks.empty() || !planned.appended.empty();
+  if (rows->empty() && !writesJournal) return {};
+  auto next = std::make_shared<const SuiteEntries>(applied(current, planned.changes));
+  if (next->size() > maximumSuiteEntries) return impossible("the store has too many entries");
+
+  transaction.writing();
+  for (const auto& [key, stored] : *rows) {
+    const auto done = stored ? file_->put(key, *stored) : file_->remove(key);
+    if (!done) return std::unexpected(problem(done.error()));
+  }
+  if (writesJournal) {
+    if (auto done = file_->writeJournal(planned); !done) return std::unexpected(problem(done.error()));
+  }
+  if (auto done = file_->commit(afterPatience()); !done) return std::unexpected(problem(done.error()));
+  transaction.committed();
+  isCommitted = true;
+  publish(std::move(next));
+  // Set aside by another process between our look and our commit: the changes go into the file that took its place.
+  if (file_->moved()) return std::unexpected(Problem{Recovery::reopen, "it was moved away"});
+  return {};
+}
+
+SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
+  const bool isHeld = error.recovery == Recovery::wait;
+  return {file_ && file_->moved() ? Recovery::reopen : error.recovery,
+          "store " + path_.string() + (isHeld ? ": another process holds it: " : ": ") + error.text};
+}
+
+// Leaves a healthy file open at the path, holding what was last known to be committed.
+std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover(const Problem& why) {
+  const auto locked = Folder::openLocked(path_.parent_path(), afterPatience());
+  if (!locked) return std::unexpected(Problem{Recovery::none, locked.error()});
+  const auto& folder = *locked;
+  if (!folder) {
+    return std::unexpected(Problem{Recovery::wait, "another process holds folder " + path_.parent_path().string()});
+  }
+  const bool wasOpen = file_.has_value();
+  const bool isReplaced = why.recovery == Recovery::replace && wasOpen && !file_->moved();
+  std::vector<JournalRecord> journal;
+  if (wasOpen) {
+    if (file_->moved()) {
+      // Other processes may have committed to it after we last looked.
+      if (auto content = file_->read(); content && content->unreadable.empty()) publish(std::move(*content));
+    }
+    journal = file_->salvageJournal();
+    file_.reset();
+  }
+
+  SuiteEntries entries = isKnown_ ? *published_ : SuiteEntries{};
+  auto found = SuiteFile::open(path_, afterPatience());
+  if (found) {
+    if (found->content.unreadable.empty() && !isReplaced) {
+      // Another process was faster, or somebody restored a copy. What stands there counts as it is: adding our keys to
+      // it could bring back what has been erased from it since.
+      adopt(std::move(*found));
+      return Recovered::anothers;
+    }
+    // Nobody may write to it any more, nor have done so since it was read.
+    if (auto begun = found->file.begin(); !begun) return std::unexpected(problem(begun.error()));
+    const auto version = found->file.version();
+    if (!version) return std::unexpected(problem(version.error()));
+    if (*version != found->content.version) {
+      return std::unexpected(Problem{Recovery::wait, "another process goes on writing to " + path_.string()});
+    }
+    entries = found->content.entries;
+    journal = found->file.salvageJournal();
+    publish(std::move(found->content));
+  } else {
+    const auto& error = found.error();
+    if (error.recovery == Recovery::none || error.recovery == Recovery::wait) return std::unexpected(problem(error));
+    // A start that was cut off by an earlier version may have left nothing in the place of a damaged file.
+    const bool isLost = error.recovery == Recovery::replace || isSuiteFileKeptAside(path_);
+    if (!isKnown_ && isLost) entries.insert_or_assign(std::string(lostEntriesKey), true);
+  }
+
+  const auto aside = replaceSuiteFile(path_, entries, journal, *folder);
+  if (!aside) return std::unexpected(Problem{Recovery::none, why.text + "; " + aside.error()});
+  const auto count = std::to_string(entries.size());
+  if (!aside->empty()) {
+    note("Store " + path_.string() + " was damaged (" + why.text + ") and is kept as " + aside->string() +
+         "; a new one was begun with the " + count + " entries known");
+  } else if (wasOpen) {
+    note("Store " + path_.string() + " had disappeared; it was written again with the " + count + " entries known");
+  } else if (entries.contains(lostEntriesKey)) {
+    note("Store " + path_.string() + " had disappeared while a damaged one was set aside; a new one was begun");
+  }
+  auto opened = SuiteFile::open(path_, afterPatience());
+  if (!opened) return std::unexpected(problem(opened.error()));
+  adopt(std::move(*opened));
+  return found ? Recovered::anothers : Recovered::ours;
+}
+
+}  // namespace quillon

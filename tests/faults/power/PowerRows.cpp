@@ -1,0 +1,229 @@
+// The power goes in the midst of a run, at every moment, and the next start finds one of the states that the disk may
+// be in: whatever was acknowledged is there, whole, and nothing is granted that was not.
+#include <algorithm>
+#include <fstream>
+#include <set>
+#include <unordered_set>
+
+#include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/faults/Areas.h"
+#include "tests/faults/power/PowerRuns.h"
+#include "tests/faults/power/States.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quillon::test {
+namespace {
+
+using Calls = std::vector<DiskCall>;
+
+// How thoroughly.
+struct Effort {
+  std::size_t combinations;  // see forEachState
+  std::size_t oneOf = 1;     // of the states so many, told by their content, are left out but for one
+  std::size_t enough = 5;    // faults, and it ends
+};
+
+// What was done in a run, and the disk before it.
+struct Recorded {
+  Disk disk;
+  Calls calls;
+  std::vector<SuiteImage> images;  // before the run, and after each update
+};
+
+Recorded record(const PowerRun& run) {
+  const TemporaryFolder place(TemporaryFolder::fastParent());
+  const auto data = place.path() / "data";
+  std::filesystem::create_directory(data);
+  run.prepare(data);
+  Recorded recorded{Disk(data), {}, {}};
+  {
+    // A look at a copy: the run is to find everything as it was left.
+    const auto copy = place.path() / "copy";
+    std::filesystem::copy(data, copy);
+    recorded.images.push_back(imageOf(*PowerDevice(copy).suite()));
+  }
+  Chronicle chronicle;
+  recordCalls(data);
+  run.perform(data, chronicle);
+  recorded.calls = recordedCalls();
+  std::ranges::move(chronicle.images, std::back_inserter(recorded.images));
+  return recorded;
+}
+
+std::string described(const DiskState& state) {
+  std::string text;
+  for (const auto& [name, content] : state) text += " " + name + " (" + std::to_string(content.size()) + " bytes)";
+  return text;
+}
+
+void layOut(const DiskState& state, const std::filesystem::path& data) {
+  std::filesystem::remove_all(data);
+  std::filesystem::create_directory(data);
+  for (const auto& [name, content] : state) setFileBytes(data / name, content);
+}
+
+// Opens a state with the real SDK; what is wrong with it, or nothing.
+std::string fault(const PowerRun& run, const DiskState& state, const std::filesystem::path& data,
+                  const SuiteImage& acknowledged, const SuiteImage& underWay) try {
+  layOut(state, data);
+  PowerDevice device(data);
+  device.publish(3);
+  const auto found = imageOf(*device.suite());
+  if (found != acknowledged && found != underWay) {
+    return found.entries.contains(lostEntriesKey) && !run.isDamaged ? "passed for damage" : "another content is found";
+  }
+  const bool isLost = found.entries.contains(lostEntriesKey);
+  if (run.isDamaged && !isLost) return "the loss is not known";
+  const auto statusOf = [&](const std::string& key) {
+    const auto entry = found.entries.find(key);
+    return entry == found.entries.end() ? std::string() : std::get<std::string>(entry->second);
+  };
+  const bool isGrantedByDefault = !isLost && statusOf("CURRENT_COMPLIANCE_TYPE") != "opt-in";
+  for (const std::int64_t id : {1, 2, 3, 99}) {
+    const auto stored = statusOf(std::to_string(id));
+    const bool mayBeGranted = stored == "granted" || (stored.empty() && isGrantedByDefault);
+    if (device.sdk().get(id) == ConsentStatus::granted && !mayBeGranted) {
+      return std::to_string(id) + " is granted, and was not";
+    }
+  }
+  device.start();
+  if (device.sdk().getStatus() != SDKStatus::ready) return "no configuration can be had";
+  if (!device.sdk().set({.purposeId = 1}, ConsentStatus::declined)) return "nothing can be stored any more";
+  if (device.sdk().get(1) != ConsentStatus::declined) return "a new decision does not hold";
+  return {};
+} catch (const std::exception& error) {
+  return error.what();
+}
+
+struct Outcome {
+  std::size_t moments = 0;
+  std::size_t states = 0;  // different ones
+  std::vector<std::string> faults;
+};
+
+// Cuts the power after each call.
+Outcome cutPower(const PowerRun& run, const Recorded& recorded, const Effort& effort) {
+  const TemporaryFolder place(TemporaryFolder::fastParent());
+  const auto data = place.path() / "data";
+  Outcome outcome;
+  std::mt19937 random(1);
+  std::unordered_set<std::size_t> different;
+  std::set<std::tuple<std::size_t, std::size_t, std::size_t>> seen;
+  Disk disk = recorded.disk;
+  std::size_t acknowledged = 0;
+  std::size_t underWay = 0;
+  const auto cut = [&](const std::string& after) {
+    ++outcome.moments;
+    forEachState(disk, effort.combinations, random, [&](const DiskState& state) {
+      if (outcome.faults.size() >= effort.enough) return;
+      std::string whole;
+      for (const auto& [name, content] : state) {
+        whole += name + '\0' + std::to_string(content.size()) + '\0' + content;
+      }
+      const auto hash = std::hash<std::string>()(whole);
+      if (hash % effort.oneOf != 0) return;
+      different.insert(hash);
+      if (!seen.emplace(hash, acknowledged, underWay).second) return;
+      const auto& images = recorded.images;
+      const auto wrong = fault(run, state, data, images.at(acknowledged), images.at(underWay));
+      if (!wrong.empty()) outcome.faults.push_back(after + ": " + wrong + ":" + described(state));
+    });
+  };
+  cut("before anything");
+  for (std::size_t i = 0; i < recorded.calls.size(); ++i) {
+    const auto& call = recorded.calls[i];
+    if (call.kind == DiskCall::Kind::mark) {
+      ++(call.name == "begun" ? underWay : acknowledged);
+    } else {
+      disk.apply(call);
+    }
+    cut("after call " + std::to_string(i + 1) + " of " + std::to_string(recorded.calls.size()) + " (" + call.name +
+        ")");
+  }
+  outcome.states = different.size();
+  return outcome;
+}
+
+constexpr const char* allAcknowledged = "all that was acknowledged";
+
+Seen powerCuts(const PowerRun& run, Trial& trial) {
+  const auto outcome = cutPower(run, record(run), trial.isShort() ? Effort{3, 8} : Effort{250});
+  for (const auto& fault : outcome.faults) trial.expect(false, fault);
+  trial.tell(std::to_string(outcome.states) + " different states at " + std::to_string(outcome.moments) + " moments");
+  trial.expect(outcome.states > 50, "hardly a state was built");
+  return {.status = "ready", .log = {}, .stored = allAcknowledged};
+}
+
+bool isSyncOf(const DiskCall& call, std::string_view suffix) {
+  return call.kind == DiskCall::Kind::syncFile && call.name.ends_with(suffix);
+}
+
+// Takes out of a record what an SDK with a fault in it would not have done.
+struct Planted {
+  std::string_view fault;
+  std::string_view run;
+  void (*plant)(Calls&);
+};
+
+constexpr Planted plants[] = {
+    {"no sync of the store", "power-decision",
+     [](Calls& calls) { std::erase_if(calls, [](const DiskCall& call) { return isSyncOf(call, ".sqlite"); }); }},
+    {"no sync of its journal", "power-decision",
+     [](Calls& calls) { std::erase_if(calls, [](const DiskCall& call) { return isSyncOf(call, "-journal"); }); }},
+    {"no sync of the folder", "power-start",
+     [](Calls& calls) {
+       std::erase_if(calls, [](const DiskCall& call) { return call.kind == DiskCall::Kind::syncFolder; });
+     }},
+    {"a new store takes its place before it is synced", "power-start",
+     [](Calls& calls) {
+       const auto renamed = std::ranges::find_if(calls, [](const DiskCall& call) {
+         return call.kind == DiskCall::Kind::rename && call.name.ends_with(".sqlite");
+       });
+       const auto synced =
+           std::ranges::find_if(calls, [](const DiskCall& call) { return isSyncOf(call, ".sqlite.new"); });
+       if (renamed < calls.end() && synced < renamed) std::rotate(synced, synced + 1, renamed + 1);
+     }},
+    {"a damaged store moved away before the new one takes its place", "power-damage",
+     [](Calls& calls) {
+       for (auto& call : calls) {
+         if (call.kind != DiskCall::Kind::link || call.name.ends_with("-journal")) continue;
+         call = {.kind = DiskCall::Kind::rename,
+                 .file = call.file,
+                 .name = "elsewhere",
+                 .before = "quillon-cmp-sdk.sqlite"};
+       }
+     }},
+};
+
+Seen plantedFaults(Trial& trial) {
+  for (const auto& [name, runName, plant] : plants) {
+    const auto run = std::ranges::find(powerRuns(), runName, &PowerRun::name);
+    auto recorded = record(*run);
+    const auto before = recorded.calls.size();
+    plant(recorded.calls);
+    const auto outcome = cutPower(*run, recorded, {.combinations = 3, .enough = 1});
+    trial.expect(!outcome.faults.empty(), std::string(name) + ": not found in " + std::to_string(outcome.states) +
+                                              " states of " + std::to_string(before) + " calls");
+  }
+  return {.status = "ready", .log = {}, .stored = "each fault was found"};
+}
+
+}  // namespace
+
+std::vector<Row> powerRows() {
+  std::vector<Row> rows;
+  for (const PowerRun& run : powerRuns()) {
+    rows.push_back({run.name,
+                    run.what,
+                    [&run](Trial& trial) { return powerCuts(run, trial); },
+                    {"ready", "", allAcknowledged},
+                    std::chrono::seconds(3600)});
+  }
+  rows.push_back({"power-planted",
+                  "faults put into the record of a run, each of which the cuts must show",
+                  plantedFaults,
+                  {"ready", "", "each fault was found"}});
+  return rows;
+}
+
+}  // namespace quillon::test
