@@ -2,9 +2,6 @@
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY include/quillon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-# The interfaces of the platform, for applications that replace a service.
-file(GLOB seam CONFIGURE_DEPENDS platform/*.h)
-install(FILES ${seam} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quillon-platform/platform COMPONENT development)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/QuillonConsent)
 set_target_properties(quillon_include PROPERTIES EXPORT_NAME include)
