@@ -41,8 +41,11 @@ struct Platform;
 ///
 /// @code
 /// auto& sdk = quillon::ConsentSDK::shared();
-/// sdk.setup({.appUrl = "https://app.example.com/", .cdnUrl = "https://cdn.example.com/", .tenantId = "t", .appId =
-/// "a"}); sdk.isReady([&](quillon::SDKStatus status) {
+/// sdk.setup({.appUrl = "https://app.example.com/",
+///            .cdnUrl = "https://cdn.example.com/",
+///            .tenantId = "demo-tenant",
+///            .appId = "news-reader"});
+/// sdk.isReady([&](quillon::SDKStatus status) {
 ///   if (status == quillon::SDKStatus::ready && sdk.isBannerDue()) showBanner();
 /// });
 /// @endcode
