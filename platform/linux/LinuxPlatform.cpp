@@ -22,8 +22,8 @@
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/StandardConsole.h"
 #include "platform/linux/WorkPool.h"
-#include "platform/memory/FixedAppTracking.h"
 #include "platform/parts/Contained.h"
+#include "platform/parts/FixedAppTracking.h"
 #include "platform/parts/FunctionConsentSink.h"
 
 namespace quillon {

@@ -14,14 +14,14 @@
 #include <utility>
 
 #include "core/ConsentSDK/ConsentSDKCore.h"
-#include "tools/preview/PreviewDevice.h"
-#include "tools/preview/StandInPage.h"
+#include "ui/preview/PreviewDevice.h"
+#include "ui/preview/StandInPage.h"
 #include "ui/qtquick/QtScreenPresenter.h"
 #ifdef WITH_WEB_VIEW
 #include "quillon/QtWebEngine.h"
 #endif
 
-namespace quillon::tools {
+namespace quillon::preview {
 namespace {
 
 struct PreviewOptions {
@@ -210,10 +210,10 @@ class Preview {
 };
 
 }  // namespace
-}  // namespace quillon::tools
+}  // namespace quillon::preview
 
 int main(int argc, char** argv) {
-  using namespace quillon::tools;
+  using namespace quillon::preview;
   CLI::App app("Shows a screen of a consent configuration.", "quillon-consent preview");
   PreviewOptions options;
   addOptions(app, options);
