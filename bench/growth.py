@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Draws how costs grow, as docs/pictures/growth.svg, from the growth benchmarks:
-  build/bin/quillon-bench --benchmark_filter=^growth --benchmark_out=growth.json
+  build/release/bin/quillon-bench --benchmark_filter=^growth --benchmark_out=growth.json
   bench/growth.py growth.json docs/pictures/growth.svg"""
 import json
 import math

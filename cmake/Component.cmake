@@ -1,13 +1,6 @@
 # What applications link. Inside the repository quillon_NAME is an archive that hides nothing; our own libraries, tools
 # and tests are made of those. quillon::NAME is what an application gets: the archive, or with BUILD_SHARED_LIBS a shared
 # library of the same objects, libquillon-NAME, which shows what exports.map beside the sources lists and nothing else.
-#
-#   quillon_component(NAME
-#     ARCHIVES quillon_NAME ...  that of the same name first; those after it belong to several components
-#     OBJECTS ...                object libraries that belong to it
-#     USES ...                   components that come along with it
-#     LINKS ...                  libraries of others
-#     PACKAGE ...)               what it is installed with: runtime, qml, webengine or development
 
 # The versions that an application may replace one by the other: before 1.0, a minor version may break what links it.
 set(QUILLON_ABI ${PROJECT_VERSION_MAJOR})
@@ -19,41 +12,36 @@ endif()
 include(CheckLinkerFlag)
 check_linker_flag(CXX -Wl,-z,pack-relative-relocs QUILLON_PACKS_RELOCATIONS)
 
-function(quillon_component name)
-  cmake_parse_arguments(arg "" "PACKAGE" "ARCHIVES;OBJECTS;USES;LINKS" ${ARGN})
-  list(GET arg_ARCHIVES 0 archive)
+# Makes quillon::NAME of the archive quillon_NAME and of the object libraries that follow PACKAGE, the package that it is
+# installed with. The shared library links what the archive links, but other components as shared libraries.
+function(quillon_component name package)
+  set(target quillon_${name})
   if(BUILD_SHARED_LIBS)
-    set(target ${archive}_shared)
-    list(TRANSFORM arg_ARCHIVES REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
-    list(TRANSFORM arg_OBJECTS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
-    list(TRANSFORM arg_USES REPLACE "(.+)" "quillon_\\1_shared" OUTPUT_VARIABLE uses)
-    add_library(${target} SHARED ${objects} ${arg_OBJECTS})
+    get_target_property(libraries ${target} LINK_LIBRARIES)
+    set(components ${libraries})
+    list(FILTER components INCLUDE REGEX "^quillon_(core|linux|ui|qtquick)$")
+    list(REMOVE_ITEM libraries ${components} quillon_include)
+    list(TRANSFORM components APPEND _shared)
+    list(TRANSFORM ARGN REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
+    set(target ${target}_shared)
+    add_library(${target} SHARED $<TARGET_OBJECTS:quillon_${name}> ${objects})
+    target_link_libraries(${target} PUBLIC quillon_include ${components} PRIVATE ${libraries})
     configure_file(exports.map exports.map @ONLY)
-    target_link_libraries(${target} PUBLIC quillon_include ${uses} PRIVATE ${arg_LINKS})
     target_link_options(${target} PRIVATE
       -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,--gc-sections -Wl,-z,now
-      -Wl,-z,nodelete)  # the shared instance is never destroyed, nor may its code go
-    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
-    if(QUILLON_PACKS_RELOCATIONS)
-      target_link_options(${target} PRIVATE -Wl,-z,pack-relative-relocs)
-    endif()
-    if(QUILLON_SANITIZE)
-      target_link_options(${target} PRIVATE -fsanitize=${QUILLON_SANITIZE})
-    else()
-      target_link_options(${target} PRIVATE -Wl,--no-undefined)
-    endif()
-    set_target_properties(${target} PROPERTIES
-      LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${QUILLON_ABI} INSTALL_RPATH $ORIGIN AUTOMOC OFF)
-    set(exported ${target})
-  else()
-    set(target ${archive})
-    set(exported ${archive} ${arg_OBJECTS})
+      -Wl,-z,nodelete  # the shared instance is never destroyed, nor may its code go
+      $<$<BOOL:${QUILLON_PACKS_RELOCATIONS}>:-Wl,-z,pack-relative-relocs>
+      $<$<BOOL:${QUILLON_SANITIZE}>:-fsanitize=${QUILLON_SANITIZE}>
+      $<$<NOT:$<BOOL:${QUILLON_SANITIZE}>>:-Wl,--no-undefined>)
+    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX AUTOMOC OFF
+      VERSION ${PROJECT_VERSION} SOVERSION ${QUILLON_ABI} INSTALL_RPATH $ORIGIN
+      LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
+    set(ARGN "")
   endif()
   add_library(quillon::${name} ALIAS ${target})
-  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
-  set_target_properties(${archive} ${target} PROPERTIES OUTPUT_NAME quillon-${name})
+  set_target_properties(quillon_${name} ${target} PROPERTIES OUTPUT_NAME quillon-${name} EXPORT_NAME ${name})
   if(QUILLON_INSTALL)
-    quillon_install(${name} ${arg_PACKAGE} ${exported})
+    quillon_install(${name} ${package} ${target} ${ARGN})
   endif()
 endfunction()
 

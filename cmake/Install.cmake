@@ -2,9 +2,6 @@
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY include/quillon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-# The interfaces of the platform, for applications that replace a service.
-file(GLOB seam CONFIGURE_DEPENDS platform/*.h)
-install(FILES ${seam} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quillon-platform/platform COMPONENT development)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/QuillonConsent)
 set_target_properties(quillon_include PROPERTIES EXPORT_NAME include)
@@ -39,12 +36,12 @@ function(quillon_pkgconfig name description libraries archives requires)
 endfunction()
 
 set(needs sqlite3 libcurl gio-2.0)
-set(core_archives -lquillon-memory -lquillon-parts -lboost_json -lboost_url -lz -pthread)
+set(core_archives -lquillon-parts -lboost_json -lboost_url -lz -pthread)
 quillon_pkgconfig(quillon-consent "Consent management for applications"
   "-lquillon-linux;-lquillon-core" "${core_archives}" "${needs}")
 quillon_pkgconfig(quillon-consent-c "Consent management for applications, C interface" "-lquillon-consent-c" "" "")
 quillon_pkgconfig(quillon-consent-testing "A device in memory, for tests of an application's consent flow"
-  "-lquillon-testing;-lquillon-core" "${core_archives}" "")
+  "-lquillon-testing;-lquillon-core" "-lquillon-memory;${core_archives}" "")
 
 # Debian packages: `cpack -G DEB` in the build folder of a shared build.
 set(CPACK_PACKAGE_NAME quillon-consent)

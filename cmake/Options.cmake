@@ -1,6 +1,5 @@
 # What every target of ours is compiled with.
 option(QUILLON_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
-option(QUILLON_BENCH "Build the benchmarks" OFF)
 option(QUILLON_FUZZ "Build the fuzzers: with Clang, and QUILLON_SANITIZE holding fuzzer-no-link" OFF)
 set(QUILLON_QTQUICK "AUTO" CACHE STRING "Build the screens for Qt Quick: ON, OFF, or AUTO, when Qt is found")
 set_property(CACHE QUILLON_QTQUICK PROPERTY STRINGS AUTO ON OFF)
@@ -10,17 +9,18 @@ else()
   set(QUILLON_QTQUICK_NEED REQUIRED)
 endif()
 set(QUILLON_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them (address,undefined or thread)")
-
+option(QUILLON_WERROR "Make warnings errors, as our presets do" OFF)
 option(QUILLON_INSTALL "Install the SDK along with what builds it" ${PROJECT_IS_TOP_LEVEL})
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# Applies our language level, warnings and sanitizers to a target; warnings are errors only in our own builds, so that a
-# newer compiler never breaks an application that builds us along.
+# Applies our language level, include path, warnings and sanitizers to a target. Warnings are errors only where somebody
+# asks for that, so that a newer compiler breaks neither a package of ours nor an application that builds us along.
 function(quillon_target name)
   target_compile_features(${name} PRIVATE cxx_std_23)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   # Nobody replaces a function of ours at load time; without this the compiler keeps calls open for it.
   target_compile_options(${name} PRIVATE -fno-semantic-interposition)
   target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
@@ -31,7 +31,7 @@ function(quillon_target name)
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-maybe-uninitialized>)
   # So that a linker can leave out what an application never calls.
   target_compile_options(${name} PRIVATE -ffunction-sections -fdata-sections)
-  if(PROJECT_IS_TOP_LEVEL)
+  if(QUILLON_WERROR)
     target_compile_options(${name} PRIVATE -Werror)
   endif()
   if(QUILLON_SANITIZE)

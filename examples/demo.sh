@@ -7,7 +7,7 @@ cd "$(dirname "$(readlink -f "$0")")/.."
 
 work=$(mktemp -d)
 database=$work/uploads.db
-exec {log}< <(exec build/bin/quillon-consent serve examples/configuration --port 0 --db "$database")
+exec {log}< <(exec build/release/bin/quillon-consent serve examples/configuration --port 0 --db "$database")
 server=$!
 trap 'kill "$server" 2>/dev/null || true; rm -rf "$work"' EXIT
 
@@ -24,7 +24,7 @@ requests() {
 }
 
 run_host() {
-  build/bin/quillon-plain-host --app-url "$url" --cdn-url "$url" --vendor-url "$url" --data-dir "$work/data" \
+  build/release/bin/quillon-plain-host --app-url "$url" --cdn-url "$url" --vendor-url "$url" --data-dir "$work/data" \
     --language de --expect "$1"
 }
 
@@ -41,7 +41,7 @@ echo "$seen"
 grep -q '^GET /consent/.*/config_de\.json 200$' <<<"$seen" || fail "the German configuration was not fetched"
 grep -q '^POST /vantari/.* 200$' <<<"$seen" || fail "no consents were uploaded"
 
-uploads=$(build/bin/quillon-consent serve --list --db "$database")
+uploads=$(build/release/bin/quillon-consent serve --list --db "$database")
 echo "-- what the server received"
 echo "$uploads"
 [ "$(grep -c '"status":0,' <<<"$uploads")" = 1 ] || fail "expected one accepted upload"
@@ -56,7 +56,7 @@ echo "${seen:-(nothing)}"
 
 echo
 echo "== news reader"
-reader=(build/bin/quillon-newsreader --server "$url" --data "$work/reader")
+reader=(build/release/bin/quillon-newsreader --server "$url" --data "$work/reader")
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   echo "answer the banner, look around, and close the window"
   "${reader[@]}"
@@ -70,7 +70,7 @@ else
   [ "$(id -u)" != 0 ] || export QTWEBENGINE_CHROMIUM_FLAGS="--no-sandbox --disable-gpu"
   "${reader[@]}" --language en --tour "$pictures" || fail "the news reader did not get through its screens"
   ls "$pictures"/*.png
-  build/bin/quillon-consent store --data-dir "$work/reader" get 2 | grep -qx '"granted"' ||
+  build/release/bin/quillon-consent store --data-dir "$work/reader" get 2 | grep -qx '"granted"' ||
     fail "what was switched on and saved is not granted"
 fi
 seen=$(requests)

@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/Job.h"
+#include "Job.h"
 
 namespace quillon {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/Job.h"
+#include "Job.h"
 
 namespace quillon {
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/Executors.h"
+#include "Executors.h"
 
 namespace quillon {
 

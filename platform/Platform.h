@@ -5,20 +5,20 @@
 #include <memory>
 #include <string>
 
-#include "platform/AppTracking.h"
-#include "platform/Clock.h"
-#include "platform/ConsentSink.h"
-#include "platform/Console.h"
-#include "platform/Executors.h"
-#include "platform/FileSystem.h"
-#include "platform/HostApplication.h"
-#include "platform/HttpSession.h"
-#include "platform/KeyValueSuite.h"
-#include "platform/Locale.h"
-#include "platform/NetworkPathMonitor.h"
-#include "platform/PermissionSources.h"
-#include "platform/RandomSource.h"
-#include "platform/ScreenPresenter.h"
+#include "AppTracking.h"
+#include "Clock.h"
+#include "ConsentSink.h"
+#include "Console.h"
+#include "Executors.h"
+#include "FileSystem.h"
+#include "HostApplication.h"
+#include "HttpSession.h"
+#include "KeyValueSuite.h"
+#include "Locale.h"
+#include "NetworkPathMonitor.h"
+#include "PermissionSources.h"
+#include "RandomSource.h"
+#include "ScreenPresenter.h"
 
 namespace quillon {
 

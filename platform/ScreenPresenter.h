@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/ScreenServices.h"
+#include "ScreenServices.h"
 #include "quillon/VantariKey.h"
 
 namespace quillon {

@@ -11,9 +11,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Clock.h"
-#include "platform/HostApplication.h"
-#include "platform/Job.h"
+#include "Clock.h"
+#include "HostApplication.h"
+#include "Job.h"
 #include "quillon/ConsentSDKOptions.h"
 #include "quillon/Listeners.h"
 #include "quillon/LogLevel.h"

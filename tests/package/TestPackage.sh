@@ -53,6 +53,12 @@ if [ "$flavour" = shared ]; then
   [ "$size" -le 1000000 ] || fail "the SDK grew: docs/performance.md says what is in it"
 fi
 
+# The interfaces of the platform find one another where they are installed.
+for interface in "$source"/platform/*.h; do
+  echo "#include \"quillon/platform/$(basename "$interface")\""
+done >"$work/interfaces.cpp"
+quietly "$cxx" -std=c++23 -Wall -Wextra -Werror -fsyntax-only -I"$prefix/include" "$work/interfaces.cpp"
+
 # The examples away from their repository, as somebody's own project. First without anything of Qt, with both compilers.
 cp -r "$source/examples" "$work/examples"
 build_examples() {
@@ -111,7 +117,7 @@ kill "$server"
 # An application builds the SDK along: it sees include/ and nothing else, and its compiler's warnings stop nothing.
 quietly cmake -G Ninja -S "$source/tests/package/embedding" -B "$work/embedding" -DQUILLON_SOURCE="$source" \
   -DQUILLON_QTQUICK=OFF -DCMAKE_CXX_COMPILER="$cxx"
-quietly cmake --build "$work/embedding" --target CMakeFiles/application.dir/application.cpp.o
+quietly cmake --build "$work/embedding" --target CMakeFiles/{application.dir/application,service.dir/service}.cpp.o
 ! grep -q -e -Werror "$work/embedding/compile_commands.json" || fail "warnings are errors for those who build the SDK along"
 ! ninja -C "$work/embedding" -t targets all | grep -qE 'quillon-consent:|_tests' ||
   fail "those who build the SDK along build its tools and tests"

@@ -6,8 +6,8 @@
 #include <stdexcept>
 
 #include "platform/linux/LinuxPlatform.h"
-#include "platform/memory/FixedAppTracking.h"
 #include "platform/memory/FixedLocale.h"
+#include "platform/parts/FixedAppTracking.h"
 #include "platform/parts/FunctionConsentSink.h"
 #include "tools/HostApplicationId.h"
 

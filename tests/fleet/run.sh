@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Runs a fleet against nginx and the development server, each on loopback with a folder and a port of its own:
-#   tools/fleet/run.sh QUILLON-CONSENT SITE TENANT APP [options of `quillon-consent fleet`]
+#   tests/fleet/run.sh PROGRAM_FOLDER SITE TENANT APP [options of quillon-fleet]
 # SITE is a folder as `quillon-consent serve` takes it. nginx serves the configurations and passes everything else on.
 # When the environment has KEEP set, the servers' logs and uploads stay in that folder.
 set -euo pipefail
-tool=$(readlink -f "$1") site=$(readlink -f "$2") tenant=$3 application=$4
+programs=$(readlink -f "$1") site=$(readlink -f "$2") tenant=$3 application=$4
 shift 4
 
 work=$(mktemp -d)
@@ -19,7 +19,7 @@ finish() {
 trap finish EXIT
 
 : >"$work/serve.log"
-"$tool" serve "$site" --port 0 --db "$work/uploads.db" >"$work/serve.log" &
+"$programs/quillon-consent" serve "$site" --port 0 --db "$work/uploads.db" >"$work/serve.log" &
 started+=($!)
 serve=$!
 for _ in $(seq 100); do
@@ -72,7 +72,7 @@ started+=("$nginx")
 processor_time() { cat /proc/"$1"/stat $(pgrep -P "$1" | sed 's|.*|/proc/&/stat|') | awk '{sum += $14 + $15} END {print sum}'; }
 
 status=0
-"$tool" fleet --cdn "http://127.0.0.1:$front/" --app "http://127.0.0.1:$front/" --tenant "$tenant" \
+"$programs/quillon-fleet" --cdn "http://127.0.0.1:$front/" --app "http://127.0.0.1:$front/" --tenant "$tenant" \
   --app-id "$application" --outage-file "$work/outage" --uploads "$work/uploads.db" "$@" || status=$?
 
 front_time=$(processor_time $nginx)

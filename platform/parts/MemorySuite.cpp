@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "platform/memory/MemoryContent.h"
+#include "platform/parts/MemoryContent.h"
 
 namespace quillon {
 

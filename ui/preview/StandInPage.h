@@ -6,7 +6,7 @@
 #include <string>
 #include <thread>
 
-namespace quillon::tools {
+namespace quillon::preview {
 
 // Served on this machine only, at every path, as long as the object lives.
 class StandInPage {
@@ -23,4 +23,4 @@ class StandInPage {
   std::thread thread_;
 };
 
-}  // namespace quillon::tools
+}  // namespace quillon::preview

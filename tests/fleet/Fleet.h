@@ -11,10 +11,10 @@
 #include "platform/memory/ManualExecutors.h"
 #include "platform/memory/StaticNetworkPath.h"
 #include "platform/memory/VirtualClock.h"
-#include "tools/fleet/FleetDevice.h"
-#include "tools/fleet/FleetNetwork.h"
+#include "tests/fleet/FleetDevice.h"
+#include "tests/fleet/FleetNetwork.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 
 struct FleetPlan {
   int devices = 1000;
@@ -62,4 +62,4 @@ class Fleet {
   std::vector<std::unique_ptr<FleetDevice>> devices_;
 };
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet

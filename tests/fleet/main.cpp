@@ -1,17 +1,16 @@
-#include "tools/fleet/FleetCommand.h"
-
+// quillon-fleet: simulates many devices against real servers.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <map>
-#include <memory>
 #include <string>
+#include <utility>
 
-#include "tools/fleet/Accounting.h"
-#include "tools/fleet/Fleet.h"
+#include "tests/fleet/Accounting.h"
+#include "tests/fleet/Fleet.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 namespace {
 
 constexpr auto kDescription =
@@ -20,7 +19,7 @@ constexpr auto kDescription =
 Each device starts the application within the first half hour and keeps it open. Its user answers the banner in the five
 minutes after that, and later changes single purposes. The servers must be empty of earlier uploads. With --uploads the
 file in which `serve --db` keeps the uploads is read at the end, and every decision is accounted for; the exit status is
-1 when one is missing, different, repeated or unknown. tools/fleet/run.sh starts the servers and this command.)";
+1 when one is missing, different, repeated or unknown. tests/fleet/run.sh starts the servers and this command.)";
 
 struct FleetOptions {
   FleetPlan plan;
@@ -96,7 +95,7 @@ bool writeSeconds(const Fleet& fleet, const std::string& file) {
 }
 
 int fail(const std::string& message) {
-  std::fprintf(stderr, "quillon-consent fleet: %s\n", message.c_str());
+  std::fprintf(stderr, "quillon-fleet: %s\n", message.c_str());
   return 1;
 }
 
@@ -115,7 +114,7 @@ int run(FleetOptions options) {
   if (!options.seconds.empty() && !writeSeconds(fleet, options.seconds)) return fail(options.seconds + ": not written");
   if (options.uploads.empty()) return 0;
 
-  const auto store = UploadStore::open(options.uploads, UploadStore::Access::readOnly);
+  const auto store = tools::UploadStore::open(options.uploads, tools::UploadStore::Access::readOnly);
   if (!store) return fail(store.error());
   const auto accounting = account(fleet, **store);
   if (!accounting) return fail(accounting.error());
@@ -129,41 +128,42 @@ int run(FleetOptions options) {
   return accounting->isComplete() ? 0 : fail("not every decision is accounted for");
 }
 
-}  // namespace
-
-void addFleetCommand(CLI::App& app, int& exitCode) {
-  auto* const command = app.add_subcommand("fleet", "Simulates many devices against real servers");
-  command->footer(kDescription);
-  const auto options = std::make_shared<FleetOptions>();
-  FleetPlan& plan = options->plan;
-  command->add_option("--devices", plan.devices, "How many")->check(CLI::Range(1, 1'000'000))->capture_default_str();
-  command->add_option("--hours", options->hours, "Simulated time")
-      ->check(CLI::Range(0.1, 24.0 * 366))
-      ->capture_default_str();
-  command->add_option("--cdn", plan.options.cdnUrl, "Address of the configurations, ending in /")->required();
-  command->add_option("--app", plan.options.appUrl, "Address that takes locations and uploads, ending in /")
-      ->required();
-  command->add_option("--tenant", plan.options.tenantId, "Tenant of the configuration")->required();
-  command->add_option("--app-id", plan.options.appId, "Application of the configuration")->required();
-  command->add_option("--interval", options->interval, "Seconds between the checks of a device")->capture_default_str();
-  command->add_option("--step", options->step, "Seconds that are simulated at once: more is coarser and quicker")
+void addOptions(CLI::App& app, FleetOptions& options) {
+  FleetPlan& plan = options.plan;
+  app.add_option("--devices", plan.devices, "How many")->check(CLI::Range(1, 1'000'000))->capture_default_str();
+  app.add_option("--hours", options.hours, "Simulated time")->check(CLI::Range(0.1, 24.0 * 366))->capture_default_str();
+  app.add_option("--cdn", plan.options.cdnUrl, "Address of the configurations, ending in /")->required();
+  app.add_option("--app", plan.options.appUrl, "Address that takes locations and uploads, ending in /")->required();
+  app.add_option("--tenant", plan.options.tenantId, "Tenant of the configuration")->required();
+  app.add_option("--app-id", plan.options.appId, "Application of the configuration")->required();
+  app.add_option("--interval", options.interval, "Seconds between the checks of a device")->capture_default_str();
+  app.add_option("--step", options.step, "Seconds that are simulated at once: more is coarser and quicker")
       ->check(CLI::Range(1, 60))
       ->capture_default_str();
-  command->add_option("--changes", plan.changes, "How often a user changes one purpose later")
+  app.add_option("--changes", plan.changes, "How often a user changes one purpose later")
       ->check(CLI::Range(0, 1000))
       ->capture_default_str();
-  command->add_option("--outage", options->outageHours, "Hours without servers")->check(CLI::Range(0.0, 24.0 * 366));
-  command->add_option("--outage-at", options->outageAt, "The hour at which that begins")->capture_default_str();
-  command->add_option(
-      "--outage-file", plan.outageFile,
-      "File that exists while the outage lasts, for servers that refuse meanwhile; without it, requests "
-      "end on their way");
-  command->add_option("--outage-of", plan.outageOf, "Who sees it: servers, or every device's network, at once")
+  app.add_option("--outage", options.outageHours, "Hours without servers")->check(CLI::Range(0.0, 24.0 * 366));
+  app.add_option("--outage-at", options.outageAt, "The hour at which that begins")->capture_default_str();
+  app.add_option("--outage-file", plan.outageFile,
+                 "File that exists while the outage lasts, for servers that refuse meanwhile; without it, requests "
+                 "end on their way");
+  app.add_option("--outage-of", plan.outageOf, "Who sees it: servers, or every device's network, at once")
       ->transform(CLI::CheckedTransformer(std::map<std::string, FleetPlan::OutageOf>{
           {"servers", FleetPlan::OutageOf::servers}, {"network", FleetPlan::OutageOf::network}}));
-  command->add_option("--uploads", options->uploads, "File of the server's uploads, to account for every decision");
-  command->add_option("--seconds", options->seconds, "CSV file to write, with the requests of each simulated second");
-  command->callback([options, &exitCode] { exitCode = run(*options); });
+  app.add_option("--uploads", options.uploads, "File of the server's uploads, to account for every decision");
+  app.add_option("--seconds", options.seconds, "CSV file to write, with the requests of each simulated second");
 }
 
-}  // namespace quillon::tools
+}  // namespace
+}  // namespace quillon::fleet
+
+int main(int argc, char** argv) {
+  using namespace quillon::fleet;
+  CLI::App app("Simulates many devices against real servers.", "quillon-fleet");
+  app.footer(kDescription);
+  FleetOptions options;
+  addOptions(app, options);
+  CLI11_PARSE(app, argc, argv);
+  return run(std::move(options));
+}

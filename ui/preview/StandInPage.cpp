@@ -1,6 +1,6 @@
-#include "tools/preview/StandInPage.h"
+#include "ui/preview/StandInPage.h"
 
-namespace quillon::tools {
+namespace quillon::preview {
 namespace {
 
 constexpr const char* page = R"(<!DOCTYPE html>
@@ -38,4 +38,4 @@ StandInPage::~StandInPage() {
   thread_.join();
 }
 
-}  // namespace quillon::tools
+}  // namespace quillon::preview

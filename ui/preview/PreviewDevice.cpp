@@ -1,4 +1,4 @@
-#include "tools/preview/PreviewDevice.h"
+#include "ui/preview/PreviewDevice.h"
 
 #include <fstream>
 #include <iterator>
@@ -14,7 +14,7 @@
 #include "platform/memory/StaticNetworkPath.h"
 #include "ui/qtquick/MainQueue.h"
 
-namespace quillon::tools {
+namespace quillon::preview {
 
 PreviewDevice::PreviewDevice(const std::filesystem::path& configuration, std::shared_ptr<ScreenPresenter> screens)
     : platform_(linuxPlatform(
@@ -33,4 +33,4 @@ PreviewDevice::PreviewDevice(const std::filesystem::path& configuration, std::sh
   platform_.screens = std::move(screens);
 }
 
-}  // namespace quillon::tools
+}  // namespace quillon::preview

@@ -11,16 +11,17 @@
 #include <iostream>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/ScreenServices.h"
-#include "tools/preview/PreviewDevice.h"
-#include "tools/preview/StandInPage.h"
+#include "ui/preview/PreviewDevice.h"
+#include "ui/preview/StandInPage.h"
 #include "ui/qtquick/QtScreenPresenter.h"
 #ifdef WITH_WEB_VIEW
 #include "quillon/QtWebEngine.h"
 #endif
 
-namespace quillon::tools {
+namespace quillon::preview {
 namespace {
 
 struct PreviewOptions {
@@ -71,9 +72,10 @@ std::optional<QSize> sizeOf(const std::string& text) {
   return size;
 }
 
-// Lets the main loop run until the condition holds. False when that takes too long.
+// Lets the main loop run until the condition holds. False when that takes too long; a browser on a busy machine takes
+// ten seconds to start.
 bool await(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) return false;
     QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
@@ -114,11 +116,12 @@ class Preview {
   }
 
  private:
+  std::string linkOfPage() const { return page_ ? page_->address() : "https://elsewhere.example/offer?id=42"; }
+
   void present() {
     const auto sdk = sdk_.screens();
     if (options_.screen == "banner") presenter_->presentBanner(sdk);
-    if (options_.screen == "web") presenter_->presentWebView(sdk, page_->address());
-    if (options_.screen == "blocked") presenter_->presentWebView(sdk, "https://elsewhere.example/offer?id=42");
+    if (options_.isWebView()) presenter_->presentWebView(sdk, linkOfPage());
     if (options_.screen == "prompt") presenter_->presentSettingsPrompt(sdk, VantariKey::cameraUsageDescription);
     const bool isPurpose = options_.screen == "purpose";
     const bool isPermissions = options_.screen == "permissions";
@@ -148,23 +151,38 @@ class Preview {
     return item && item->property("shown").toDouble() == 1;
   }
 
-  // A browser paints some time after a page has come: once two pictures in a row are the same, it has.
+  // The title is the page's own once it has come, and stays: neither the start of loading nor its end can be missed.
+  bool hasPage(const QObject& model) const {
+    return model.property("title").toString().toStdString() != linkOfPage() && !model.property("isLoading").toBool();
+  }
+
+  // A browser paints some time after a page has come. Inside the edges of the sheet nothing else is drawn.
+  bool isPainted(const QImage& picture, const QQuickItem& page) const {
+    constexpr int edge = 24;
+    const auto place =
+        page.mapRectToScene(page.boundingRect()).toAlignedRect().adjusted(edge, edge, -edge, -edge) & picture.rect();
+    for (int y = place.top(); y <= place.bottom(); ++y) {
+      for (int x = place.left(); x <= place.right(); ++x) {
+        if (picture.pixel(x, y) != picture.pixel(place.topLeft())) return true;
+      }
+    }
+    return false;
+  }
+
+  // Null when the page does not come. It is drawn, and at rest once two pictures in a row are the same.
   QImage pictureOfPage() {
-    const auto* model = presenter_->topItem()->property("model").value<QObject*>();
-    const auto isLoading = [model] { return model->property("isLoading").toBool(); };
-    const auto hasPage = [model] { return model->property("page").value<QQuickItem*>() != nullptr; };
-    if (!await([&] { return hasPage() && isLoading(); }) || !await([&] { return !isLoading(); })) return {};
+    const auto& model = *presenter_->topItem()->property("model").value<QObject*>();
+    if (!await([&] { return hasPage(model); })) return {};
+    const auto& page = *model.property("page").value<QQuickItem*>();
     QImage last;
-    bool isAtRest = false;
-    while (!isAtRest) {
+    const bool isAtRest = await([&] {
       QEventLoop loop;
       QTimer::singleShot(std::chrono::milliseconds(300), &loop, &QEventLoop::quit);
       loop.exec();
       const QImage now = window_.grabWindow();
-      isAtRest = now == last;
-      last = now;
-    }
-    return last;
+      return now == std::exchange(last, now) && isPainted(now, page);
+    });
+    return isAtRest ? last : QImage();
   }
 
   int write() {
@@ -192,10 +210,10 @@ class Preview {
 };
 
 }  // namespace
-}  // namespace quillon::tools
+}  // namespace quillon::preview
 
 int main(int argc, char** argv) {
-  using namespace quillon::tools;
+  using namespace quillon::preview;
   CLI::App app("Shows a screen of a consent configuration.", "quillon-consent preview");
   PreviewOptions options;
   addOptions(app, options);

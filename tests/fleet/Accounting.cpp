@@ -1,4 +1,4 @@
-#include "tools/fleet/Accounting.h"
+#include "tests/fleet/Accounting.h"
 
 #include <set>
 #include <tuple>
@@ -6,13 +6,13 @@
 #include "core/Json/Codec.h"
 #include "quillon/PostConsentsRequest.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 
-std::expected<Accounting, std::string> account(const Fleet& fleet, const UploadStore& uploads) {
+std::expected<Accounting, std::string> account(const Fleet& fleet, const tools::UploadStore& uploads) {
   Accounting result;
   std::map<std::string, std::map<std::int64_t, ConsentStatus>> kept;  // by subject; later uploads replace earlier ones
   std::set<std::tuple<std::string, std::int64_t, ConsentStatus, std::int64_t>> seen;
-  const auto read = uploads.forEach([&](const UploadStore::Upload& upload) -> std::expected<void, std::string> {
+  const auto read = uploads.forEach([&](const tools::UploadStore::Upload& upload) -> std::expected<void, std::string> {
     if (upload.status != 0) return {};
     const auto request = decode<PostConsentsRequest>(upload.body);
     if (!request) return std::unexpected(request.error());
@@ -45,4 +45,4 @@ std::expected<Accounting, std::string> account(const Fleet& fleet, const UploadS
   return result;
 }
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet

@@ -4,10 +4,10 @@
 #include <expected>
 #include <string>
 
-#include "tools/fleet/Fleet.h"
+#include "tests/fleet/Fleet.h"
 #include "tools/serve/UploadStore.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 
 // What the users of a fleet decided, against what the server kept.
 struct Accounting {
@@ -23,6 +23,6 @@ struct Accounting {
   bool isComplete() const { return missing + different + repeated + unknown + contradictions == 0; }
 };
 
-std::expected<Accounting, std::string> account(const Fleet& fleet, const UploadStore& uploads);
+std::expected<Accounting, std::string> account(const Fleet& fleet, const tools::UploadStore& uploads);
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet

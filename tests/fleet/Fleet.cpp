@@ -1,16 +1,16 @@
-#include "tools/fleet/Fleet.h"
+#include "tests/fleet/Fleet.h"
 
 #include <fstream>
 #include <utility>
 
 #include "platform/linux/CurlHttpSession.h"
-#include "platform/memory/FixedAppTracking.h"
 #include "platform/memory/FixedHostApplication.h"
 #include "platform/memory/FixedLocale.h"
 #include "platform/memory/NoPermissionSources.h"
 #include "platform/parts/FatalError.h"
+#include "platform/parts/FixedAppTracking.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 namespace {
 
 constexpr WallTime kStart{std::chrono::seconds(1'700'000'000)};
@@ -85,4 +85,4 @@ void Fleet::settle() {
   while (network_->waitForAnswer());
 }
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet

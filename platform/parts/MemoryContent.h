@@ -6,7 +6,7 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/memory/MemoryStore.h"
+#include "platform/parts/MemorySuite.h"
 
 namespace quillon {
 

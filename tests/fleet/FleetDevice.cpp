@@ -1,11 +1,11 @@
-#include "tools/fleet/FleetDevice.h"
+#include "tests/fleet/FleetDevice.h"
 
 #include <utility>
 
 #include "platform/memory/MemoryFileSystem.h"
 #include "platform/memory/MemoryStore.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 namespace {
 
 constexpr double kAccepting = 0.6;  // of those who answer the banner
@@ -79,4 +79,4 @@ std::int64_t FleetDevice::contradictions() const {
   return count;
 }
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet

@@ -11,7 +11,7 @@
 #include "platform/Platform.h"
 #include "quillon/ConsentSDK.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 
 // One device with one application that stays open, and a user of it who answers the banner once and changes his mind
 // now and then. Store and files are the device's own; what it shares with the others is in the platform it is made of.
@@ -52,4 +52,4 @@ class FleetDevice {
   std::int64_t decisionCount_ = 0;
 };
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet

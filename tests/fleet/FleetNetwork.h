@@ -13,7 +13,7 @@
 #include "platform/Clock.h"
 #include "platform/HttpSession.h"
 
-namespace quillon::tools {
+namespace quillon::fleet {
 
 // What the devices asked for in one simulated second.
 struct Traffic {
@@ -73,4 +73,4 @@ class FleetNetwork : public HttpSession {
   bool cut_ = false;
 };
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet

@@ -6,7 +6,7 @@
 
 #include "platform/Platform.h"
 
-namespace quillon::tools {
+namespace quillon::preview {
 
 class PreviewDevice {
  public:
@@ -19,4 +19,4 @@ class PreviewDevice {
   Platform platform_;
 };
 
-}  // namespace quillon::tools
+}  // namespace quillon::preview

@@ -1,9 +1,9 @@
-#include "tools/fleet/FleetNetwork.h"
+#include "tests/fleet/FleetNetwork.h"
 
 #include <optional>
 #include <utility>
 
-namespace quillon::tools {
+namespace quillon::fleet {
 namespace {
 
 Traffic::Kind kindOf(const HttpRequest& request) {
@@ -97,4 +97,4 @@ std::map<std::int64_t, Traffic> FleetNetwork::traffic() const {
   return traffic_;
 }
 
-}  // namespace quillon::tools
+}  // namespace quillon::fleet
