@@ -1,35 +1,23 @@
 // An image that is handed to a toolkit has a format and a size that were found in its header and can be drawn.
-#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/Logger/LogContext.h"
 #include "fuzz/Check.h"
-#include "platform/Platform.h"
-#include "platform/memory/ManualExecutors.h"
-#include "platform/memory/MemoryStore.h"
-#include "platform/memory/VirtualClock.h"
+#include "quillon/SDKLogger.h"
 #include "ui/Common/Images/ImageHeader.h"
 
 namespace {
 
 using namespace quillon;
 
-class NoConsole : public Console {
- public:
-  void write(std::string_view) override {}
-  [[noreturn]] void fatal(std::string_view, std::string_view) override { std::abort(); }
-};
-
 // A logger whose blocks nobody reads.
-struct Log {
-  Log() {
-    platform.console = std::make_shared<NoConsole>();
-    platform.clock = std::make_shared<VirtualClock>(WallTime());
-    platform.executors = std::make_shared<ManualExecutors>();
-    platform.store = std::make_shared<MemoryStore>();
-    logger.setLogLevel(LogLevel::info);
-  }
+struct Log : LogContext {
+  void write(std::string_view) override {}
+  std::string time() override { return {}; }
+  std::int64_t configurationVersion() override { return 0; }
+  std::optional<std::string> sdkVersion() override { return std::nullopt; }
+  std::optional<std::string> advertisingIdentifier() override { return std::nullopt; }
+  std::string subjectId() override { return {}; }
 
-  Platform platform;
-  SDKLogger logger{platform, store};
-  UserDefaultManager store{platform, logger};
+  SDKLogger logger{*this};
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/EnvironmentLocale.h"
 #include "platform/linux/LinuxClock.h"
+#include "platform/linux/WorkPool.h"
 #include "tests/faults/Areas.h"
 #include "tests/faults/Damage.h"
 #include "tests/support/World.h"
@@ -101,7 +102,7 @@ Seen oddZones(Trial& trial) {
                            "America/St_Johns", "Australia/Lord_Howe", "XYZ-24:59:59", "nonsense", ""}) {
     ::setenv("TZ", zone, 1);
     ::tzset();
-    LinuxClock clock;
+    LinuxClock clock(std::make_shared<WorkPool>("timers", 1));
     const WallTime shown{std::chrono::seconds(startSeconds)};
     for (const std::int64_t months : {0, 1, 12, 24}) {
       const auto due = clock.addMonths(shown, months) - shown;

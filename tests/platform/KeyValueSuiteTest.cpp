@@ -184,7 +184,7 @@ TYPED_TEST(KeyValueSuiteContract, AReadingIsTheNewestCommitOfAnyProcessWithItsUn
   EXPECT_EQ(reading->unsettled, (std::vector<JournalRecord>{{2, "second", ""}, {1, "first", ""}}));
   ASSERT_TRUE(other->update([](const SuiteEntries&) {
     SuiteUpdate update;
-    update.settle = [](const auto&) { return std::vector<std::string>{"", "sent"}; };
+    update.settle = [](const auto&) { return SuiteUpdate::Settlement{{{1, "sent"}}, {}}; };
     return update;
   }));
   EXPECT_EQ(this->suite_->read()->unsettled, (std::vector<JournalRecord>{{2, "second", ""}}));

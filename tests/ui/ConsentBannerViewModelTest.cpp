@@ -67,7 +67,7 @@ TEST_F(Banner, LoadsWhatTheScreensShow) {
     EXPECT_TRUE(model->bannerConfig.get());
     ASSERT_TRUE(model->companyLogoResult.get().value());
     EXPECT_TRUE(*model->companyLogoResult.get().value());
-    EXPECT_EQ(world.sdk->screens()->theme.colors()->buttonBackground, "#010203");
+    EXPECT_EQ(world.sdk->screens()->colors()->buttonBackground, "#010203");
     const SettingsPromptViewModel prompt(model, VantariKey::cameraUsageDescription);
     ASSERT_TRUE(prompt.content());
     EXPECT_EQ(prompt.content()->heading, "Kopf") << "the only language that it has";

@@ -5,7 +5,7 @@
 #include <boost/json/object.hpp>
 #include <map>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/ScreenServices.h"
 #include "platform/memory/FixedHostApplication.h"
 #include "tests/support/World.h"
 

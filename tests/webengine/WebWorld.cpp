@@ -5,7 +5,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
+#include "platform/ScreenServices.h"
 
 namespace quillon::test {
 

@@ -22,6 +22,9 @@ standard error. Every answer carries "ok"; a line that is unknown or malformed i
   {"op":"status"}                  "status": "ready", "unavailable" or "fetching"; "rawValue" 0, 1 or 2; "message"
   {"op":"bannerDue"}               "due"; a positive answer counts as showing the banner
   {"op":"accept"} {"op":"reject"}  the user's answer to the banner: "stored"
+  {"op":"isAllowed","purposeId":N} "allowed": whether the application may act on it; or with "permission":KEY
+  {"op":"whileAllowed","purposeId":N}      begins to note what a gate on the purpose calls
+  {"op":"gates"}                   "gates": what was called since then: "purposeId" and "call", start or stop
   {"op":"get","purposeId":N}       "consent"; with "permission":KEY of a permission
   {"op":"set","purposeId":N,"consent":C}   "stored"; C is granted, declined, not_determined or withdrawn; with
                      "permission":KEY of a permission. The upload follows a second later on the clock

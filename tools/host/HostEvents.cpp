@@ -40,4 +40,19 @@ void HostEvents::add(json::object event) {
   events_.push_back(std::move(event));
 }
 
+void HostGates::note(ConsentSDK& sdk, std::int64_t purposeId) {
+  gates_.push_back(sdk.whileAllowed(
+      purposeId, [this, purposeId] { add(purposeId, "start"); }, [this, purposeId] { add(purposeId, "stop"); }));
+}
+
+boost::json::array HostGates::take() {
+  const std::scoped_lock lock(mutex_);
+  return std::exchange(calls_, {});
+}
+
+void HostGates::add(std::int64_t purposeId, const char* call) {
+  const std::scoped_lock lock(mutex_);
+  calls_.push_back({{"purposeId", purposeId}, {"call", call}});
+}
+
 }  // namespace quillon::tools

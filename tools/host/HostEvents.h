@@ -2,6 +2,7 @@
 #pragma once
 
 #include <boost/json/array.hpp>
+#include <cstdint>
 #include <mutex>
 #include <vector>
 
@@ -24,6 +25,23 @@ class HostEvents {
   std::mutex mutex_;  // guards events_
   boost::json::array events_;
   std::vector<Listening> listening_;
+};
+
+// Which gates were opened and shut, until it is asked for. Thread-safe.
+class HostGates {
+ public:
+  // Begins to note what a gate on that purpose calls.
+  void note(ConsentSDK& sdk, std::int64_t purposeId);
+
+  // The calls since the last call, in order.
+  boost::json::array take();
+
+ private:
+  void add(std::int64_t purposeId, const char* call);
+
+  std::mutex mutex_;  // guards calls_
+  boost::json::array calls_;
+  std::vector<Listening> gates_;
 };
 
 }  // namespace quillon::tools

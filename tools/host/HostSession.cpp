@@ -73,6 +73,9 @@ const HostSession::Entry HostSession::entries[] = {
     {"accept", &HostSession::accept},
     {"reject", &HostSession::reject},
     {"get", &HostSession::get},
+    {"isAllowed", &HostSession::isAllowed},
+    {"whileAllowed", &HostSession::whileAllowed},
+    {"gates", &HostSession::gates},
     {"set", &HostSession::set},
     {"purposes", &HostSession::purposes},
     {"permissions", &HostSession::permissions},
@@ -192,6 +195,23 @@ json::object HostSession::get(const Object& request) {
   const ConsentStatus consent =
       permission ? sdk_.get(VantariKey(*permission)) : sdk_.get(argument<std::int64_t>(request, "purposeId"));
   return {{"ok", true}, {"consent", rawValue(consent)}};
+}
+
+json::object HostSession::isAllowed(const Object& request) {
+  const auto permission = optionalArgument<std::string>(request, "permission");
+  const bool allowed = permission ? sdk_.isAllowed(VantariKey(*permission))
+                                  : sdk_.isAllowed(argument<std::int64_t>(request, "purposeId"));
+  return {{"ok", true}, {"allowed", allowed}};
+}
+
+json::object HostSession::whileAllowed(const Object& request) {
+  gates_.note(sdk_, argument<std::int64_t>(request, "purposeId"));
+  return done();
+}
+
+json::object HostSession::gates(const Object&) {
+  onMain([](HostScreens&) {});
+  return {{"ok", true}, {"gates", gates_.take()}};
 }
 
 json::object HostSession::set(const Object& request) {
@@ -339,8 +359,10 @@ void HostSession::onMain(const std::function<void(HostScreens&)>& function) {
 json::object HostSession::banner(const Object& request) {
   const auto ifDue = optionalArgument<bool>(request, "ifDue").value_or(false);
   const auto action = optionalArgument<std::string>(request, "perform");
+  bool wasShown = false;
   onMain([&](HostScreens& screens) {
-    if (screens.banner) return;
+    wasShown = screens.banner != nullptr;
+    if (wasShown) return;
     if (ifDue) {
       sdk_.presentBanner();
     } else {
@@ -349,7 +371,9 @@ json::object HostSession::banner(const Object& request) {
   });
   Object reply = done();
   onMain([&](HostScreens& screens) {
-    if (screens.banner) reply["banner"] = description(*screens.banner);
+    if (!screens.banner) return;
+    if (!wasShown) screens.banner->appeared();
+    reply["banner"] = description(*screens.banner);
   });
   if (!action) return reply;
   const auto chosen = bannerAction(*action);

@@ -35,6 +35,9 @@ class HostSession {
   Object accept(const Object& request);
   Object reject(const Object& request);
   Object get(const Object& request);
+  Object isAllowed(const Object& request);
+  Object whileAllowed(const Object& request);
+  Object gates(const Object& request);
   Object set(const Object& request);
   Object purposes(const Object& request);
   Object permissions(const Object& request);
@@ -70,6 +73,7 @@ class HostSession {
   HostDevice& device_;
   ConsentSDK sdk_;
   HostEvents events_;
+  HostGates gates_;
   bool quitting_ = false;
 };
 

@@ -129,7 +129,7 @@ std::expected<void, std::string> exportPerson(const StoreOptions& options) {
   boost::json::array decisions;
   for (const HistoryEntry& entry : history->entries | std::views::reverse) decisions.push_back(toJson(entry));
   return print(boost::json::object{{"subject_id", stored.string(key::subjectId, {})},
-                                   {"given_type", stored.consentGivenType()},
+                                   {"given_type", rawValue(stored.consentGivenType())},
                                    {"compliance_type", rawValue(stored.complianceType())},
                                    {"configuration_version", stored.integer(key::configurationVersion, 0)},
                                    {"purposes", toJson(purposes)},

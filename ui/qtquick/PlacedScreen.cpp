@@ -6,6 +6,7 @@
 
 #include "ui/qtquick/PreferenceCenterAdapter.h"
 #include "ui/qtquick/SettingsPromptAdapter.h"
+#include "ui/qtquick/Style.h"
 
 namespace quillon {
 

@@ -3,8 +3,8 @@
 
 #include <thread>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/ScreenServices.h"
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"
 

@@ -8,12 +8,12 @@
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteStore.h"
-#include "platform/memory/FixedAppTracking.h"
 #include "platform/memory/FixedHostApplication.h"
 #include "platform/memory/FixedLocale.h"
 #include "platform/memory/NoPermissionSources.h"
 #include "platform/memory/ScriptedHttpSession.h"
 #include "platform/memory/StaticNetworkPath.h"
+#include "platform/parts/FixedAppTracking.h"
 #include "tests/faults/power/CallRecord.h"
 #include "tests/support/World.h"
 
