@@ -10,6 +10,7 @@
 #include "platform/linux/Ownership.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteSuite.h"
+#include "platform/linux/WorkPool.h"
 #include "platform/parts/Contained.h"
 #include "platform/parts/MemorySuite.h"
 

@@ -7,9 +7,10 @@
 #include <mutex>
 
 #include "platform/KeyValueSuite.h"
-#include "platform/linux/WorkPool.h"
 
 namespace quillon {
+
+class WorkPool;
 
 // One SQLite file a suite, "<folder>/<name>.sqlite" (0600), readable with the sqlite3 shell. The folder is made when it
 // is missing (0700). Several processes may use it at once; a child must open its own after a fork. A damaged file is

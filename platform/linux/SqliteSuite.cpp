@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/linux/FileWatch.h"
 #include "platform/linux/HeldWriteSignals.h"
 #include "platform/parts/Contained.h"
 
@@ -137,7 +138,7 @@ std::expected<SuiteReading, std::string> SqliteSuite::read() const {
       if (auto done = ready(); !done) return std::unexpected(std::move(done.error()));
       const auto deadline = afterPatience();
       auto unsettled = readOnce();
-      while (!unsettled && unsettled.error().recovery == Recovery::wait &&
+      while (!unsettled && unsettled.error().recovery == Recovery::wait && file_ &&
              std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
         unsettled = readOnce();

@@ -13,11 +13,13 @@
 #include <vector>
 
 #include "platform/KeyValueSuite.h"
-#include "platform/linux/FileWatch.h"
 #include "platform/linux/SuiteFile.h"
 #include "platform/parts/SuiteObservers.h"
 
 namespace quillon {
+
+class FileWatch;
+class WorkLoop;
 
 // Readers take the published snapshot; at intervals one of them asks the file whether another process has committed,
 // unless an update of this process has the connection just then. While somebody observes, the pool asks too, whenever

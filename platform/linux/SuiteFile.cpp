@@ -24,12 +24,13 @@ std::unexpected<SqliteError> damaged(std::string text) {
 
 template <class Operation>
 auto retryWhileHeld(SuiteFile::Deadline deadline, Operation operation) {
-  for (;;) {
+  constexpr std::chrono::milliseconds longestPause(16);
+  for (std::chrono::milliseconds pause(1);; pause = std::min(pause * 2, longestPause)) {
     auto result = operation();
     if (result || result.error().recovery != Recovery::wait || std::chrono::steady_clock::now() >= deadline) {
       return result;
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    std::this_thread::sleep_for(pause);
   }
 }
 

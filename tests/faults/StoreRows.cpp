@@ -3,8 +3,12 @@
 #include <sys/stat.h>
 
 #include <boost/json.hpp>
+#include <thread>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/linux/SqliteDatabase.h"
+#include "platform/linux/SqliteStore.h"
+#include "platform/linux/WorkPool.h"
 #include "tests/faults/Areas.h"
 #include "tests/faults/Damage.h"
 #include "tests/platform/ChildProcess.h"
@@ -78,6 +82,62 @@ Seen answerAfterALoss(Trial& trial) {
   return seen(world);
 }
 
+// What a process writes before it ends.
+class SpokenConsole : public Console {
+ public:
+  explicit SpokenConsole(ChildProcess::Say say) : say_(std::move(say)) {}
+  void write(std::string_view block) override { say_(std::string(block) + "\n"); }
+  [[noreturn]] void fatal(std::string_view message, std::string_view) override {
+    say_(message);
+    std::abort();
+  }
+
+ private:
+  const ChildProcess::Say say_;
+};
+
+// Another process has the store in hand, as one that was stopped in the midst of a decision, for longer than a start
+// waits. Nothing is granted meanwhile, also where the law's default is a consent, and all is well once it lets go.
+Seen heldStore(Trial& trial) {
+  const TemporaryFolder place;
+  const auto data = place.path() / "data";
+  auto document = validConfiguration();
+  bannerOf(document)["compliance_type"] = "opt-out";
+  ChildProcess first([&](const auto&) {
+    World world(data);
+    world.server.serve(document);
+    world.start();
+    world.sdk->acceptOrReject(true).get();
+  });
+  trial.expect(first.finish().empty(), "not prepared");
+  ChildProcess holder([&](const auto& say) {
+    auto database = SqliteDatabase::open(data / "quillon-cmp-sdk.sqlite");
+    say(database && database->run("BEGIN EXCLUSIVE") ? "held" : "not held");
+    ::pause();
+  });
+  trial.expect(holder.hear() == "held", "the store was not held");
+
+  World world(data);
+  world.server.serve(document);
+  world.amend = [&](Platform& platform) {
+    const std::chrono::milliseconds patience = trial.isShort() ? 300ms : 10s;
+    platform.store = std::make_shared<SqliteStore>(data, std::make_shared<WorkPool>("store", 2), patience);
+  };
+  world.restart();
+  for (const int purpose : {1, 99}) {
+    trial.expect(world.sdk->get(purpose) == ConsentStatus::declined, "granted while nothing is known");
+  }
+  trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "stored while it was held");
+  holder.kill();
+  const auto deadline = std::chrono::steady_clock::now() + 10s;
+  while (world.sdk->get(1) != ConsentStatus::granted && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(10ms);
+  }
+  trial.expect(world.sdk->set({.purposeId = 3}, ConsentStatus::withDrawn), "refused though nobody holds it");
+  world.start();
+  return seen(world);
+}
+
 // Something that is no store stands in its place: the one error that stops the application.
 std::function<Seen(Trial&)> inPlaceOfTheStore(void (*put)(const std::filesystem::path&)) {
   return [put](Trial& trial) -> Seen {
@@ -85,12 +145,16 @@ std::function<Seen(Trial&)> inPlaceOfTheStore(void (*put)(const std::filesystem:
     const auto data = place.path() / "data";
     std::filesystem::create_directory(data);
     put(data / "quillon-cmp-sdk.sqlite");
-    ChildProcess process([&](const auto&) {
-      ::dup2(1, 2);
-      World(data).start();
+    ChildProcess process([&](const auto& say) {
+      World world(data);
+      world.amend = [&](Platform& platform) { platform.console = std::make_shared<SpokenConsole>(say); };
+      world.start();
     });
     const auto said = process.finish();
-    trial.expect(said == " [ended with wait status 6]", "it ended otherwise: " + said);
+    trial.expect(said.ends_with("\nCould not create or access UserDefaults suite: quillon-cmp-sdk"
+                                " [ended with wait status 6]"),
+                 "it ended otherwise: " + said);
+    trial.expect(said.find("[ERROR] Store " + data.string()) != said.npos, "the reason was not told: " + said);
     return {.status = "stopped", .log = {}, .stored = {}};
   };
 }
@@ -169,6 +233,10 @@ std::vector<Row> storeRows() {
        "a link in its place",
        inPlaceOfTheStore([](const auto& path) { std::filesystem::create_symlink("other", path); }),
        {"stopped", "", ""}},
+      {"store-held",
+       "another process holds the store for longer than a start waits",
+       heldStore,
+       {"ready", "is held by another process", "1=granted"}},
       {"store-types", "each key holds a value of each wrong type", wrongTypes, {"ready", "", "1=declined"}},
       {"store-memory",
        "SQLite runs out of memory at every point of a decision",

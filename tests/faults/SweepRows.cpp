@@ -33,7 +33,8 @@ struct Work {
   void (*perform)(World&, const std::function<void()>& acknowledge);
   // Compares what the next process finds with what was acknowledged.
   void (*check)(Trial&, World&, const Said& said, const std::string& where);
-  bool opens = false;  // the store, which may be given up
+  bool opens = false;      // the store, which may be given up
+  bool isDamaged = false;  // the store, which is then set aside
 };
 
 bool isPending(World& world) {
@@ -70,6 +71,23 @@ constexpr Work opening{
           }
         },
     .opens = true,
+};
+
+constexpr Work settingAside{
+    .prepare =
+        [](World& world) {
+          world.sdk.reset();
+          world.platform = {};
+          setFileBytes(world.data / "quillon-cmp-sdk.sqlite", "rubbish");
+        },
+    .perform = [](World& world, const auto&) { world.start(); },
+    .check =
+        [](Trial& trial, World& world, const Said&, const std::string& where) {
+          trial.expect(world.stored().boolean(key::lostEntries), where + ": the loss is not known");
+          trial.expect(world.sdk->get(99) == ConsentStatus::declined, where + ": granted after a loss");
+        },
+    .opens = true,
+    .isDamaged = true,
 };
 
 constexpr Work decision{
@@ -157,6 +175,7 @@ void checkInNextProcess(Trial& trial, const std::filesystem::path& data, const W
     Trial found(trial.isShort());
     work.check(found, next, said, where);
     for (const auto& entry : std::filesystem::directory_iterator(data)) {
+      if (work.isDamaged) break;
       found.expect(entry.path().string().find(".damaged-") == std::string::npos, where + ": passed for damage");
     }
     for (const auto& failure : found.failures()) say(failure + "\n");
@@ -217,6 +236,8 @@ std::vector<Row> sweepRows() {
       {"open-kill", "killed at each call while it starts", opening, Effect::kill, ""},
       {"open-eio", "EIO at each call while it starts", opening, Effect::failing, "disk I/O error"},
       {"open-eintr", "EINTR at each call while it starts", opening, Effect::interrupted, "disk I/O error"},
+      {"aside-kill", "killed at each call while a damaged store is set aside", settingAside, Effect::kill, "damaged"},
+      {"aside-eio", "EIO at each call of it", settingAside, Effect::failing, "damaged"},
       {"save-kill", "killed at each call of saving a configuration", savingAConfiguration, Effect::kill, ""},
       {"save-eio", "EIO at each call of it", savingAConfiguration, Effect::failing, "Error saving CDN"},
       {"save-full", "the disk full from each call of it on", savingAConfiguration, Effect::full, "Error saving CDN"},

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/linux/SqliteStore.h"
+#include "platform/linux/WorkPool.h"
 #include "platform/memory/MemoryStore.h"
 #include "tests/platform/Signal.h"
 #include "tests/support/Contains.h"

@@ -1,0 +1,83 @@
+// A suite in a folder of its own, what is in its file, and what was reported of it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+
+#include "platform/linux/SqliteDatabase.h"
+#include "platform/linux/SqliteStore.h"
+#include "platform/linux/StoredValue.h"
+#include "tests/support/Contains.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace quillon {
+
+using namespace std::chrono_literals;
+using test::contains;
+using test::fileBytes;
+using test::modeOf;
+using test::setFileBytes;
+
+inline std::expected<void, std::string> put(KeyValueSuite& suite, const std::string& key, PropertyValue value) {
+  return suite.update([&](const SuiteEntries&) { return SuiteChanges{{key, value}}; });
+}
+
+// "key=text key=text", sorted, for texts that read well in a failure.
+inline std::string listed(const KeyValueSuite& suite) {
+  const auto entries = suite.snapshot();
+  const std::map<std::string, PropertyValue> sorted(entries->begin(), entries->end());
+  std::string list;
+  for (const auto& [key, value] : sorted) list += (list.empty() ? "" : " ") + key + "=" + toStored(value).text;
+  return list;
+}
+
+class SqliteSuiteTest : public testing::Test {
+ protected:
+  // A new store each time, as another process would have.
+  std::shared_ptr<KeyValueSuite> open(const std::filesystem::path& folder) {
+    auto opened =
+        SqliteStore(folder).open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); });
+    if (opened) return *opened;
+    reports_.push_back(opened.error());
+    return nullptr;
+  }
+  std::shared_ptr<KeyValueSuite> open() { return open(folder_); }
+
+  // As somebody with the sqlite3 shell would.
+  std::string shell(const char* sql) const {
+    auto database = SqliteDatabase::open(file_);
+    if (!database) return database.error().text;
+    const auto answer = database->ask(sql);
+    return answer ? *answer : answer.error().text;
+  }
+
+  // Without a new file in its place.
+  void overwrite(const std::string& bytes) const {
+    std::fstream(file_, std::ios::binary | std::ios::in | std::ios::out) << bytes;
+  }
+
+  std::vector<std::filesystem::path> keptAside() const {
+    std::vector<std::filesystem::path> kept;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+      const auto name = entry.path().string();
+      if (name.find(".damaged-") != std::string::npos && !name.ends_with("-journal")) kept.push_back(entry.path());
+    }
+    return kept;
+  }
+
+  // Whether one of the reports has that part.
+  testing::AssertionResult reported(std::string_view part) const {
+    std::string all;
+    for (const auto& report : reports_) all += report + "\n";
+    return contains(all, part);
+  }
+
+  test::TemporaryFolder temporary_{test::TemporaryFolder::fastParent()};
+  const std::filesystem::path folder_ = temporary_.path() / "app";
+  const std::filesystem::path file_ = folder_ / "s.sqlite";
+  std::vector<std::string> reports_;
+};
+
+}  // namespace quillon
