@@ -105,5 +105,5 @@ int main(int argc, char** argv) {
   quillon_get_purposes(on_purposes, &p);
   if (!wait_for_answer(&p, &seen)) return 1;
   quillon_settle(20000);
-  return quillon_get_purpose(2) == QUILLON_GRANTED ? 0 : 1;
+  return quillon_is_purpose_allowed(2) ? 0 : 1;
 }

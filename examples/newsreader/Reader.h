@@ -25,7 +25,7 @@ class Reader : public QObject {
   void consentsChanged();
 
  private:
-  bool allows(int purposeId) const { return sdk_.get(purposeId) == quillon::ConsentStatus::granted; }
+  bool allows(int purposeId) const { return sdk_.isAllowed(purposeId); }
 
   quillon::ConsentSDK& sdk_;
   QTimer refresh_;  // Asking costs next to nothing, so the pages simply ask again.

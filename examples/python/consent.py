@@ -7,7 +7,7 @@ import ctypes
 import sys
 import threading
 
-READY, GRANTED = 0, 0
+READY, GRANTED = 0, 1
 
 
 class Platform(ctypes.Structure):
@@ -35,7 +35,7 @@ PurposesCallback = ctypes.CFUNCTYPE(None, ctypes.POINTER(ctypes.POINTER(Purpose)
 
 def main(library, server, folder):
     sdk = ctypes.CDLL(library)
-    sdk.quillon_get_purpose.argtypes = [ctypes.c_int64]
+    sdk.quillon_is_purpose_allowed.argtypes = [ctypes.c_int64]
     platform = Platform(application_id=b"news-reader", data_directory=folder.encode(), vendor_url=server.encode())
     platform.size = ctypes.sizeof(platform)
     options = Options(app_url=server.encode(), cdn_url=server.encode(), tenant_id=b"demo-tenant", app_id=b"news-reader")
@@ -68,7 +68,7 @@ def main(library, server, folder):
     listed.wait(20)
     sdk.quillon_remove_listeners()
     sdk.quillon_settle(ctypes.c_int64(20000))
-    return None if sdk.quillon_get_purpose(2) == GRANTED else "purpose 2 is not granted"
+    return None if sdk.quillon_is_purpose_allowed(2) else "purpose 2 is not allowed"
 
 
 if __name__ == "__main__":

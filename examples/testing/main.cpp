@@ -14,7 +14,7 @@ using quillon::ConsentStatus;
 class Measuring {
  public:
   explicit Measuring(quillon::ConsentSDK& sdk) : sdk_(sdk) {}
-  bool isAllowed() const { return sdk_.get(2) == ConsentStatus::granted; }
+  bool isAllowed() const { return sdk_.isAllowed(2); }
 
  private:
   quillon::ConsentSDK& sdk_;

@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
   QObject::connect(choices, &QPushButton::clicked, [&sdk] { sdk.presentPreferenceCenter(); });
   QTimer refresh;
   QObject::connect(&refresh, &QTimer::timeout, [&] {
-    const bool isAllowed = sdk.get(2) == quillon::ConsentStatus::granted;
+    const bool isAllowed = sdk.isAllowed(2);
     measuring->setText(isAllowed ? "Measuring is allowed" : "Measuring is not allowed");
   });
   refresh.start(250);

@@ -113,7 +113,7 @@ class ConsentSDK {
   /// enough for every frame.
   ///
   /// @code
-  /// if (quillon::ConsentSDK::shared().isAllowed(2)) measure();
+  /// if (!quillon::ConsentSDK::shared().isAllowed(2)) stopCounting();
   /// @endcode
   [[nodiscard]] bool isAllowed(std::int64_t purposeId) const;
 
@@ -131,7 +131,7 @@ class ConsentSDK {
   /// second.
   ///
   /// @code
-  /// auto counting = sdk.whileAllowed(2, [&] { counter.start(); }, [&] { counter.stop(); });
+  /// auto counting = sdk.whileAllowed(2, startCounting, stopCounting);
   /// @endcode
   Listening whileAllowed(std::int64_t purposeId, std::function<void()> start, std::function<void()> stop);
 

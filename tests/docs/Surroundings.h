@@ -18,6 +18,7 @@ extern const std::string configuration;
 extern quillon::testing::Device device;
 constexpr int statistics = 2;
 void showBanner();
+void startCounting();
 void stopCounting();
 #define SURROUNDINGS const std::shared_ptr<WebView>& view
 

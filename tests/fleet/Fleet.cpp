@@ -5,6 +5,7 @@
 
 #include "platform/linux/CurlHttpSession.h"
 #include "platform/memory/FixedHostApplication.h"
+#include "platform/memory/SeededRandom.h"
 #include "platform/memory/FixedLocale.h"
 #include "platform/memory/NoPermissionSources.h"
 #include "platform/parts/FatalError.h"
@@ -38,6 +39,7 @@ Fleet::Fleet(FleetPlan plan)
   shared.tracking = std::make_shared<FixedAppTracking>();
   shared.permissions = std::make_shared<NoPermissionSources>();
   shared.host = std::make_shared<FixedHostApplication>();
+  shared.random = std::make_shared<SeededRandom>();
   shared.vendorUrl = plan_.options.appUrl;
   for (int number = 0; number < plan_.devices; ++number) {
     devices_.push_back(std::make_unique<FleetDevice>(static_cast<std::uint32_t>(number), shared, plan_.options));

@@ -66,7 +66,10 @@ TEST_F(Host, TakesOneRunFromSetUpToUpload) {
   EXPECT_EQ(ask(R"({"op":"upload"})").at("uploaded"), true);
   EXPECT_EQ(ask(R"({"op":"network","status":"unsatisfied"})").at("ok"), true);
   EXPECT_EQ(ask(R"({"op":"removeConsents"})").at("ok"), true);
-  EXPECT_EQ(ask(R"({"op":"store"})").at("store"), Object());
+  const auto kept = ask(R"({"op":"store"})").at("store").as_object();
+  EXPECT_FALSE(kept.contains("1") || kept.contains("SUBJECT_ID") || kept.contains("LAST_MODE_USED"));
+  EXPECT_EQ(kept.at("CURRENT_COMPLIANCE_TYPE"), "opt-in") << "what is in force applies again";
+  EXPECT_EQ(ask(R"({"op":"isAllowed","purposeId":1})"), Object({{"ok", true}, {"allowed", false}}));
   EXPECT_EQ(ask(R"({"op":"quit"})").at("ok"), true);
   EXPECT_EQ(host->tool.wait(), 0);
   EXPECT_TRUE(contains(log(), "[INFO]Successfully removed all consents"));

@@ -170,7 +170,7 @@ TEST_P(UnansweredBanner, RecordsTheDefaultsOnceWhenItIsClosed) {
   const auto upload = world.uploads().back();
   EXPECT_EQ(upload.at("implicit_consent"), true);
   EXPECT_EQ(upload.at("banner_info"), compliance);
-  EXPECT_EQ(upload.at("ad_id"), "AD-ID");
+  EXPECT_EQ(upload.at("ad_id"), tracking == TrackingAuthorization::authorized ? "AD-ID" : "");
   EXPECT_EQ(upload.at("permissions").as_array().size(), 2u);
   perform(BannerAction::close);
   EXPECT_EQ(world.uploads().size(), 1u) << "nothing new, nothing to send";

@@ -32,13 +32,14 @@ void expectTexts(std::initializer_list<const char*> texts) {
 }
 
 TEST(RawValue, IsTheFixedTextOfEveryCase) {
-  expectTexts<ConsentStatus>({"granted", "declined", "not_determined", "withdrawn"});
+  expectTexts<ConsentStatus>({"not_determined", "granted", "declined", "withdrawn"});
   expectTexts<LogLevel>({"DEBUG", "INFO", "WARNING", "ERROR"});
   expectTexts<Mode>({"draft", "live"});
   expectTexts<ComplianceType>({"notice-only", "opt-in", "opt-out"});
   expectTexts<BannerPosition>({"bottom", "center"});
   expectTexts<ButtonShape>({"rounded", "square", "pill", "outlined", "edgeless"});
-  expectTexts<BannerReason>({"never_shown", "unanswered", "reconsent", "interval_over", "on_screen", "answered"});
+  expectTexts<BannerReason>(
+      {"never_shown", "unanswered", "reconsent", "interval_over", "on_screen", "answered", "no_configuration"});
   expectTexts<ScreenKind>({"banner", "preferenceCenter", "settingsPrompt", "webView"});
 }
 

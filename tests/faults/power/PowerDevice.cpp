@@ -9,6 +9,7 @@
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteStore.h"
 #include "platform/memory/FixedHostApplication.h"
+#include "platform/memory/SeededRandom.h"
 #include "platform/memory/FixedLocale.h"
 #include "platform/memory/NoPermissionSources.h"
 #include "platform/memory/ScriptedHttpSession.h"
@@ -90,6 +91,7 @@ PowerDevice::PowerDevice(const std::filesystem::path& data, Chronicle* chronicle
   platform_.tracking = std::make_shared<FixedAppTracking>();
   platform_.permissions = std::make_shared<NoPermissionSources>();
   platform_.host = std::make_shared<FixedHostApplication>();
+  platform_.random = std::make_shared<SeededRandom>();
   platform_.vendorUrl = testing::DeviceServers::address;
   publish(1);
 }
