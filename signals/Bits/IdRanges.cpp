@@ -30,10 +30,14 @@ std::vector<Range> rangesOf(const Ids& ids) {
   return ranges;
 }
 
-std::size_t bitsOf(const std::vector<Range>& ranges) {
-  std::size_t bits = kCountBits;
-  for (const auto& range : ranges) bits += 1 + (range.first == range.last ? 1 : 2) * kIdBits;
-  return bits;
+// The standard asks for the shorter one. This is how the IAB's own encoder guesses which that is, a few bits off where
+// they are close: the same consents make the same string everywhere.
+bool areShorter(const std::vector<Range>& ranges, std::size_t largest) {
+  constexpr std::size_t kTooSmall = 45;
+  constexpr std::size_t kAllowance = 4;
+  std::size_t bits = 0;
+  for (const auto& range : ranges) bits += range.first == range.last ? kIdBits : 1 + 2 * kIdBits;
+  return largest > kTooSmall && bits < largest + kAllowance;
 }
 
 void write(BitWriter& bits, const std::vector<Range>& ranges) {
@@ -163,7 +167,7 @@ std::expected<Ids, std::string> readOptimizedRanges(BitReader& bits, IdBudget& b
 void writeOptimizedRanges(BitWriter& bits, const Ids& ids) {
   const std::size_t largest = ids.empty() ? 0 : ids.back();
   const auto ranges = rangesOf(ids);
-  const bool areRanges = ranges.size() <= kMostEntries && bitsOf(ranges) < largest;
+  const bool areRanges = ranges.size() <= kMostEntries && areShorter(ranges, largest);
   bits.write(largest, kIdBits);
   bits.write(areRanges, 1);
   if (areRanges) {

@@ -9,12 +9,16 @@
 
 namespace quillon::signals {
 
+// How a law lets users decide about sensitive data: 1 means no consent, or opted out, and 2 the opposite.
+enum class AskedAs : std::uint8_t { consent, optOut };
+
 // The section of the United States or of one of them. Both its parts stand in one object in JSON, whose key is the
 // prefix of the pages' interface, "usca".
 struct UsSection {
   std::uint16_t id;
   Layout core;
   Layout subsection;  // without fields when there is none; a string may lack it
+  AskedAs sensitiveData = AskedAs::consent;
 
   [[nodiscard]] constexpr std::string_view prefix() const noexcept { return core.name; }
 };

@@ -22,6 +22,13 @@ struct Restriction {
   bool operator==(const Restriction&) const = default;
 };
 
+// What the members are called in JSON.
+inline constexpr struct {
+  std::string_view purposeId = "PurposeId";
+  std::string_view type = "RestrictionType";
+  std::string_view vendorIds = "VendorIds";
+} restrictionNames;
+
 // One of: integer, boolean (0 or 1), time (tenths of a second) | letters | set, vendors, values | restrictions.
 using Numbers = Ids;
 using FieldValue = std::variant<std::int64_t, std::string, Numbers, std::vector<Restriction>>;
