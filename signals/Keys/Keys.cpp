@@ -101,8 +101,4 @@ SignalKeys keysOf(const SignalRules& rules, const SignalState& state) {
   return keys;
 }
 
-bool isSignalKey(std::string_view key) {
-  return key.starts_with("IABTCF_") || key.starts_with("IABGPP_");
-}
-
 }  // namespace quillon::signals

@@ -9,7 +9,4 @@ namespace quillon::signals {
 // All keys that apply at the place of the state, and no others. Of one state, so that they belong together.
 [[nodiscard]] SignalKeys keysOf(const SignalRules& rules, const SignalState& state);
 
-// Whether a key is one of ours: whoever writes keys removes all others of these beforehand.
-[[nodiscard]] bool isSignalKey(std::string_view key);
-
 }  // namespace quillon::signals

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "quillon/SignalOptions.h"
+#include "quillon/SignalState.h"
 #include "signals/Gpp/GppString.h"
-#include "signals/Mapping/SignalState.h"
 #include "signals/VendorList/VendorList.h"
 
 namespace quillon::signals {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "quillon/Signals.h"
 #include "signals/Keys/Keys.h"
 #include "signals/Records/RecordBits.h"
 #include "tests/signals/VendorListOf.h"
@@ -49,8 +50,11 @@ Ids ids(const std::optional<TcString>& tc, std::string_view field) {
 TEST(RulesTest, WithoutANumberOfAPlatformNothingIsWritten) {
   auto nobody = options();
   nobody.cmpId = 0;
-  EXPECT_EQ(rulesOf(nobody).error(),
+  const Signals signals(nobody);
+  EXPECT_EQ(signals.mistakes(),
             std::vector<std::string>{"cmpId: without the number of a registered consent platform nothing is written"});
+  EXPECT_TRUE(signals.keys(state()).empty());
+  EXPECT_EQ(Signals(options()).keys(state()), keysOf(rules(), state()));
 }
 
 TEST(RulesTest, EveryMistakeInOptionsIsTold) {
