@@ -10,10 +10,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::check(!list.error().empty() && list.error().size() < 4096, "an error is told in bounds");
     return 0;
   }
-  for (const auto& [key, vendor] : list->vendors) {
-    fuzz::check(list->vendor(vendor.id) == (vendor.deletedDate ? nullptr : &vendor), "a vendor is found by its ID");
-    for (const auto purpose : vendor.purposes.value_or(std::vector<std::int64_t>())) {
-      fuzz::check(list->purposes.contains(std::to_string(purpose)), "a purpose is one of the list");
+  for (const auto& vendor : list->vendors) {
+    fuzz::check(list->vendor(vendor.id) == (vendor.isDeleted ? nullptr : &vendor), "a vendor is found by its ID");
+    for (std::int64_t purpose = 1; purpose <= 64; ++purpose) {
+      fuzz::check(!vendor.purposes.contains(purpose) || list->purposes.contains(std::to_string(purpose)),
+                  "a purpose is one of the list");
     }
   }
   return 0;

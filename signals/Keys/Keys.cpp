@@ -57,8 +57,8 @@ std::string capitals(std::string_view text) {
   return result;
 }
 
-void addSection(SignalKeys& keys, std::uint16_t id, const GppSection& section) {
-  keys.insert_or_assign("IABGPP_" + std::to_string(id) + "_String", *encode(section));
+void addSection(SignalKeys& keys, std::uint16_t id, const GppSection& section, std::string text) {
+  keys.insert_or_assign("IABGPP_" + std::to_string(id) + "_String", std::move(text));
   if (const auto* const us = std::get_if<UsString>(&section)) {
     const auto prefix = "IABGPP_" + capitals(sectionPrefix(id)) + "_";
     addFields(keys, prefix, us->core);
@@ -73,6 +73,12 @@ void addSection(SignalKeys& keys, std::uint16_t id, const GppSection& section) {
   addRepeatedTcfKeys(keys);
 }
 
+// The text between the tildes: 0 is the header, 1 the first section.
+std::string textOfSection(std::string_view gpp, std::size_t number) {
+  for (; number > 0; --number) gpp.remove_prefix(gpp.find('~') + 1);
+  return std::string(gpp.substr(0, gpp.find('~')));
+}
+
 }  // namespace
 
 SignalKeys keysOf(const SignalRules& rules, const SignalState& state) {
@@ -81,23 +87,31 @@ SignalKeys keysOf(const SignalRules& rules, const SignalState& state) {
   if (auto us = usStringOf(rules, state)) {
     gpp.sections.emplace(sectionOfPrefix(us->core.layout().name), std::move(*us));
   }
-  // More restrictions than a string can tell leave the libraries without a string.
-  if (!encode(gpp)) gpp.sections.clear();
+  auto text = encode(gpp);
+  if (!text) {
+    // More restrictions than a string can tell leave the libraries without a string.
+    gpp.sections.clear();
+    text = encode(gpp);
+  }
 
   SignalKeys keys;
   if (rules.options.tcf) {
     const auto tc = gpp.sections.find(tcfEuSection);
-    addTcfKeys(keys, rules, isGdprPlace(state.place),
-               tc == gpp.sections.end() ? nullptr : &std::get<TcString>(tc->second));
+    if (tc == gpp.sections.end()) {
+      addTcfKeys(keys, rules, isGdprPlace(state.place), nullptr, {});
+    } else {
+      addTcfKeys(keys, rules, true, &std::get<TcString>(tc->second), textOfSection(*text, 1));
+    }
   }
   if (!state.place) return keys;
   const auto header = headerOf(gpp);
   const auto ids = joined(header.get<Ids>("Sections"));
   keys.insert_or_assign("IABGPP_HDR_Version", std::to_string(header.get("Version")));
   keys.insert_or_assign("IABGPP_HDR_Sections", ids);
-  keys.insert_or_assign("IABGPP_HDR_GppString", *encode(gpp));
   keys.insert_or_assign("IABGPP_GppSID", ids.empty() ? kNoSection : ids);
-  for (const auto& [id, section] : gpp.sections) addSection(keys, id, section);
+  std::size_t number = 0;
+  for (const auto& [id, section] : gpp.sections) addSection(keys, id, section, textOfSection(*text, ++number));
+  keys.insert_or_assign("IABGPP_HDR_GppString", std::move(*text));
   return keys;
 }
 

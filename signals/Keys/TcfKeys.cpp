@@ -39,13 +39,13 @@ class Writer {
 constexpr std::size_t kPurposes = 24;
 constexpr std::size_t kSpecialFeatures = 12;
 
-void addCore(Writer& write, const TcString& tc) {
+void addCore(Writer& write, const TcString& tc, std::string text) {
   const Record& core = tc.core;
   const auto ids = [&](std::string_view name) -> const Ids& { return core.get<Ids>(name); };
   write("PublisherCC", core.get<std::string>("PublisherCC"));
   write("PurposeOneTreatment", core.get("PurposeOneTreatment"));
   write("UseNonStandardTexts", core.get("UseNonStandardTexts"));
-  write("TCString", *encode(tc));
+  write("TCString", std::move(text));
   write("VendorConsents", binaryString(ids("VendorConsent")));
   write("VendorLegitimateInterests", binaryString(ids("VendorLegitimateInterest")));
   write("PurposeConsents", binaryString(ids("PurposesConsent"), kPurposes));
@@ -102,14 +102,15 @@ constexpr std::string_view restrictionsKey = "IABTCF_PublisherRestrictions";  //
 
 }  // namespace
 
-void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> gdprApplies, const TcString* tc) {
+void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> gdprApplies, const TcString* tc,
+                std::string text) {
   Writer write(keys);
   write("CmpSdkID", std::int64_t{rules.options.cmpId});
   write("CmpSdkVersion", std::int64_t{rules.options.cmpVersion});
   write("PolicyVersion", rules.vendorList.tcfPolicyVersion);
   if (gdprApplies) write("gdprApplies", std::int64_t{*gdprApplies});
   if (!tc) return;
-  addCore(write, *tc);
+  addCore(write, *tc, std::move(text));
   if (tc->publisherTC) addPublisher(write, *tc->publisherTC);
 }
 

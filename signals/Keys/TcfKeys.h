@@ -8,9 +8,9 @@
 
 namespace quillon::signals {
 
-// "IABTCF_...". Without a string only who speaks, and whether the law applies as far as that is known. The
-// string can be encoded.
-void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> gdprApplies, const TcString* tc);
+// "IABTCF_...". Without a string only who speaks, and whether the law applies as far as that is known.
+void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> gdprApplies, const TcString* tc,
+                std::string text);
 
 // The same below "IABGPP_TCFEU2_", as far as the platform names them.
 void addRepeatedTcfKeys(SignalKeys& keys);

@@ -1,8 +1,7 @@
 // What decisions mean in the framework of Europe.
 #include <algorithm>
-#include <functional>
 #include <map>
-#include <set>
+#include <span>
 
 #include "signals/Mapping/SignalRules.h"
 
@@ -11,8 +10,9 @@ namespace {
 
 constexpr std::int64_t kTimeUnitsASecond = 10;
 constexpr std::uint8_t kNotAllowed = 0;
+constexpr int kPurposes = 24;
 
-using IsGiven = std::function<bool(const SignalState::Purpose& purpose)>;
+using IsGiven = bool (*)(const SignalState::Purpose& purpose);
 
 // Positive consent is what the user has said, never a default.
 bool isConsent(const SignalState::Purpose& purpose) {
@@ -26,13 +26,15 @@ bool isUnopposed(const SignalState::Purpose& purpose) {
 class TcfRules {
  public:
   TcfRules(const TcfOptions& options, const VendorList& list, const SignalState& state)
-      : options_(options), list_(list), state_(state) {
+      : options_(options), state_(state) {
     for (const auto& purpose : state.purposes) {
       for (const auto sdk : purpose.sdkIds) {
         const auto vendor = options.vendors.find(sdk);
-        if (vendor != options.vendors.end()) listings_[vendor->second].push_back(&purpose);
+        if (vendor == options.vendors.end()) continue;
+        if (const auto* const listed = list.vendor(vendor->second)) listings_.push_back({listed, &purpose});
       }
     }
+    std::ranges::stable_sort(listings_, {}, [](const Listing& listing) { return listing.vendor->id; });
   }
 
   [[nodiscard]] Ids consents() const { return given(&TcfOptions::Meaning::consent, isConsent); }
@@ -40,40 +42,39 @@ class TcfRules {
   [[nodiscard]] Ids specialFeatures() const { return given(&TcfOptions::Meaning::specialFeatures, isConsent); }
 
   [[nodiscard]] Ids disclosedVendors() const {
-    return vendors([](const Vendor&, const Listing&) { return true; });
+    return vendors([](const Vendor&, const Listings&) { return true; });
   }
   [[nodiscard]] Ids vendorConsents() const {
-    return vendors([](const Vendor& vendor, const Listing& listing) {
-      return vendor.purposes && !vendor.purposes->empty() && areAll(listing, isConsent);
+    return vendors([](const Vendor& vendor, const Listings& listings) {
+      return !vendor.purposes.empty() && areAll(listings, isConsent);
     });
   }
   [[nodiscard]] Ids vendorInterests() const {
-    return vendors([](const Vendor& vendor, const Listing& listing) {
-      const auto isEmpty = [](const auto& purposes) { return !purposes || purposes->empty(); };
-      if (!isEmpty(vendor.legIntPurposes)) return areAll(listing, isUnopposed);
+    return vendors([](const Vendor& vendor, const Listings& listings) {
+      if (!vendor.legIntPurposes.empty()) return areAll(listings, isUnopposed);
       // Nobody can object to special purposes; who has no others only needs to be shown.
-      return isEmpty(vendor.purposes) && !isEmpty(vendor.specialPurposes);
+      return vendor.purposes.empty() && !vendor.specialPurposes.empty();
     });
   }
 
   // A vendor may declare a purpose for which the user was never told of it, as none of the purposes that list it
   // stands for that one.
   [[nodiscard]] std::vector<Restriction> restrictions(const Ids& consents, const Ids& interests) const {
-    std::map<std::uint8_t, Ids> forbidden;
-    for (const auto& [id, listing] : listings_) {
-      const auto* const vendor = list_.vendor(id);
-      if (!vendor) continue;
-      std::set<int> declared;
-      collect(declared, vendor->purposes, consents);
-      collect(declared, vendor->legIntPurposes, interests);
-      for (const int purpose : declared) {
-        if (!isAsked(listing, purpose)) {
-          forbidden[static_cast<std::uint8_t>(purpose)].push_back(static_cast<Ids::value_type>(id));
+    std::map<int, Ids> forbidden;
+    eachVendor([&](const Vendor& vendor, const Listings& listings) {
+      for (int purpose = 1; purpose <= kPurposes; ++purpose) {
+        const bool isGiven =
+            (vendor.purposes.contains(purpose) && std::ranges::binary_search(consents, purpose)) ||
+            (vendor.legIntPurposes.contains(purpose) && std::ranges::binary_search(interests, purpose));
+        if (isGiven && !isAsked(listings, purpose)) {
+          forbidden[purpose].push_back(static_cast<Ids::value_type>(vendor.id));
         }
       }
-    }
+    });
     std::vector<Restriction> restrictions;
-    for (auto& [purpose, ids] : forbidden) restrictions.push_back({purpose, kNotAllowed, std::move(ids)});
+    for (auto& [purpose, ids] : forbidden) {
+      restrictions.push_back({static_cast<std::uint8_t>(purpose), kNotAllowed, std::move(ids)});
+    }
     return restrictions;
   }
 
@@ -88,22 +89,20 @@ class TcfRules {
   }
 
  private:
-  using Listing = std::vector<const SignalState::Purpose*>;
+  // A component of the vendor stands under the purpose.
+  struct Listing {
+    const Vendor* vendor;
+    const SignalState::Purpose* purpose;
+  };
+  using Listings = std::span<const Listing>;
 
-  static bool areAll(const Listing& listing, const IsGiven& isGiven) {
-    return std::ranges::all_of(listing, [&](const auto* purpose) { return isGiven(*purpose); });
+  static bool areAll(Listings listings, IsGiven isGiven) {
+    return std::ranges::all_of(listings, [&](const Listing& listing) { return isGiven(*listing.purpose); });
   }
 
-  static void collect(std::set<int>& into, const std::optional<std::vector<std::int64_t>>& declared, const Ids& given) {
-    if (!declared) return;
-    for (const auto purpose : *declared) {
-      if (std::ranges::binary_search(given, purpose)) into.insert(static_cast<int>(purpose));
-    }
-  }
-
-  [[nodiscard]] bool isAsked(const Listing& listing, int tcfPurpose) const {
-    return std::ranges::any_of(listing, [&](const auto* purpose) {
-      const auto meaning = options_.purposes.find(purpose->id);
+  [[nodiscard]] bool isAsked(Listings listings, int tcfPurpose) const {
+    return std::ranges::any_of(listings, [&](const Listing& listing) {
+      const auto meaning = options_.purposes.find(listing.purpose->id);
       if (meaning == options_.purposes.end()) return false;
       return std::ranges::count(meaning->second.consent, tcfPurpose) > 0 ||
              std::ranges::count(meaning->second.legitimateInterest, tcfPurpose) > 0;
@@ -111,7 +110,7 @@ class TcfRules {
   }
 
   // Given by every purpose that stands for it; one that the configuration does not have gives nothing.
-  [[nodiscard]] Ids given(std::vector<int> TcfOptions::Meaning::* meant, const IsGiven& isGiven) const {
+  [[nodiscard]] Ids given(std::vector<int> TcfOptions::Meaning::* meant, IsGiven isGiven) const {
     std::map<int, bool> all;
     for (const auto& [id, meaning] : options_.purposes) {
       const auto purpose = std::ranges::find(state_.purposes, id, &SignalState::Purpose::id);
@@ -128,20 +127,29 @@ class TcfRules {
     return ids;
   }
 
+  // Calls with each vendor and all that lists it.
+  template <class F>
+  void eachVendor(const F& call) const {
+    for (auto first = listings_.begin(); first != listings_.end();) {
+      const auto* const vendor = first->vendor;
+      const auto last = std::find_if(first, listings_.end(), [&](const auto& other) { return other.vendor != vendor; });
+      call(*vendor, Listings(first, last));
+      first = last;
+    }
+  }
+
   template <class F>
   [[nodiscard]] Ids vendors(const F& isMeant) const {
     Ids ids;
-    for (const auto& [id, listing] : listings_) {
-      const auto* const vendor = list_.vendor(id);
-      if (vendor && isMeant(*vendor, listing)) ids.push_back(static_cast<Ids::value_type>(id));
-    }
+    eachVendor([&](const Vendor& vendor, const Listings& listings) {
+      if (isMeant(vendor, listings)) ids.push_back(static_cast<Ids::value_type>(vendor.id));
+    });
     return ids;
   }
 
   const TcfOptions& options_;
-  const VendorList& list_;
   const SignalState& state_;
-  std::map<int, Listing> listings_;  // the purposes under which the components of a vendor stand
+  std::vector<Listing> listings_;  // by the vendors' IDs
 };
 
 // The language of the screens when it is one of two letters, else the one that everybody has.

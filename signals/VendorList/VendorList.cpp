@@ -1,12 +1,66 @@
 #include "signals/VendorList/VendorList.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <optional>
+#include <utility>
 
 #include "core/Json/JsonType.h"
 #include "core/Json/Record.h"
 
 namespace quillon {
+namespace signals {
+
+using Complaint = std::optional<std::string>;
+
+// A list of IDs as it is read: there are thousands of them, so none allocates anything.
+struct IdArray {
+  static constexpr std::size_t kMost = 64;
+
+  IdArray() {}  // the numbers are written before they are read
+
+  std::size_t count = 0;  // may be more than there is room for
+  std::array<std::int64_t, kMost> ids;
+};
+
+struct VendorRecord {
+  std::int64_t id = 0;
+  std::string name;
+  std::optional<IdArray> purposes;
+  std::optional<IdArray> legIntPurposes;
+  std::optional<IdArray> flexiblePurposes;
+  std::optional<IdArray> specialPurposes;
+  std::optional<IdArray> features;
+  std::optional<IdArray> specialFeatures;
+  std::optional<std::string> deletedDate;
+};
+
+// The vendors of a document: each is read into the same record, and kept when the next one begins.
+struct VendorRecords {
+  std::vector<Vendor> kept;
+  Complaint complaint;  // the first
+
+  VendorRecord* begin(std::string_view key);
+  void end();
+
+ private:
+  std::optional<VendorRecord> record_;
+  std::string key_;
+};
+
+struct VendorListRecord {
+  std::int64_t gvlSpecificationVersion = 0;
+  std::int64_t vendorListVersion = 0;
+  std::int64_t tcfPolicyVersion = 0;
+  VendorList::Items purposes;
+  VendorList::Items specialPurposes;
+  VendorList::Items features;
+  VendorList::Items specialFeatures;
+  VendorRecords vendors;
+};
+
+}  // namespace signals
 
 template <>
 inline constexpr auto fields<signals::VendorListItem> = std::tuple{
@@ -15,29 +69,55 @@ inline constexpr auto fields<signals::VendorListItem> = std::tuple{
 };
 
 template <>
-inline constexpr auto fields<signals::Vendor> = std::tuple{
-    Field<&signals::Vendor::id>{"id"},
-    Field<&signals::Vendor::name>{"name"},
-    Field<&signals::Vendor::purposes>{"purposes"},
-    Field<&signals::Vendor::legIntPurposes>{"legIntPurposes"},
-    Field<&signals::Vendor::flexiblePurposes>{"flexiblePurposes"},
-    Field<&signals::Vendor::specialPurposes>{"specialPurposes"},
-    Field<&signals::Vendor::features>{"features"},
-    Field<&signals::Vendor::specialFeatures>{"specialFeatures"},
-    Field<&signals::Vendor::deletedDate>{"deletedDate"},
+inline constexpr auto fields<signals::VendorRecord> = std::tuple{
+    Field<&signals::VendorRecord::id>{"id"},
+    Field<&signals::VendorRecord::name>{"name"},
+    Field<&signals::VendorRecord::purposes>{"purposes"},
+    Field<&signals::VendorRecord::legIntPurposes>{"legIntPurposes"},
+    Field<&signals::VendorRecord::flexiblePurposes>{"flexiblePurposes"},
+    Field<&signals::VendorRecord::specialPurposes>{"specialPurposes"},
+    Field<&signals::VendorRecord::features>{"features"},
+    Field<&signals::VendorRecord::specialFeatures>{"specialFeatures"},
+    Field<&signals::VendorRecord::deletedDate>{"deletedDate"},
 };
 
 template <>
-inline constexpr auto fields<signals::VendorList> = std::tuple{
-    Field<&signals::VendorList::gvlSpecificationVersion>{"gvlSpecificationVersion"},
-    Field<&signals::VendorList::vendorListVersion>{"vendorListVersion"},
-    Field<&signals::VendorList::tcfPolicyVersion>{"tcfPolicyVersion"},
-    Field<&signals::VendorList::purposes>{"purposes"},
-    Field<&signals::VendorList::specialPurposes>{"specialPurposes"},
-    Field<&signals::VendorList::features>{"features"},
-    Field<&signals::VendorList::specialFeatures>{"specialFeatures"},
-    Field<&signals::VendorList::vendors>{"vendors"},
+inline constexpr auto fields<signals::VendorListRecord> = std::tuple{
+    Field<&signals::VendorListRecord::gvlSpecificationVersion>{"gvlSpecificationVersion"},
+    Field<&signals::VendorListRecord::vendorListVersion>{"vendorListVersion"},
+    Field<&signals::VendorListRecord::tcfPolicyVersion>{"tcfPolicyVersion"},
+    Field<&signals::VendorListRecord::purposes>{"purposes"},
+    Field<&signals::VendorListRecord::specialPurposes>{"specialPurposes"},
+    Field<&signals::VendorListRecord::features>{"features"},
+    Field<&signals::VendorListRecord::specialFeatures>{"specialFeatures"},
+    Field<&signals::VendorListRecord::vendors>{"vendors"},
 };
+
+// These are read and never written.
+template <>
+const JsonType& jsonType<signals::IdArray>() {
+  static constexpr JsonType type{.kind = JsonType::Kind::array,
+                                 .size = sizeof(signals::IdArray),
+                                 .write = [](std::string&, const void*) {},
+                                 .element = &json::describe<std::int64_t>,
+                                 .append = [](void* array) -> void* {
+                                   auto& read = *static_cast<signals::IdArray*>(array);
+                                   return &read.ids[std::min(read.count++, signals::IdArray::kMost - 1)];
+                                 }};
+  return type;
+}
+
+template <>
+const JsonType& jsonType<signals::VendorRecords>() {
+  static constexpr JsonType type{.kind = JsonType::Kind::map,
+                                 .size = sizeof(signals::VendorRecords),
+                                 .write = [](std::string&, const void*) {},
+                                 .element = &json::describe<signals::VendorRecord>,
+                                 .insert = [](void* records, std::string_view key) -> void* {
+                                   return static_cast<signals::VendorRecords*>(records)->begin(key);
+                                 }};
+  return type;
+}
 
 namespace signals {
 namespace {
@@ -51,13 +131,6 @@ constexpr std::int64_t kMostFeatures = 64;
 constexpr std::int64_t kMostSpecialFeatures = 12;
 constexpr std::int64_t kLargestVendor = 65535;
 
-using Numbers = std::optional<std::vector<std::int64_t>>;
-using Complaint = std::optional<std::string>;
-
-bool holds(const Numbers& numbers, std::int64_t number) {
-  return numbers && std::ranges::find(*numbers, number) != numbers->end();
-}
-
 // A key of its map.
 Complaint checkId(std::string_view key, std::int64_t id, std::int64_t largest) {
   if (id < 1 || id > largest) return "the ID " + std::to_string(id) + " is not from 1 to " + std::to_string(largest);
@@ -65,6 +138,23 @@ Complaint checkId(std::string_view key, std::int64_t id, std::int64_t largest) {
   const auto end = std::to_chars(std::begin(digits), std::end(digits), id).ptr;
   if (key == std::string_view(digits, end)) return std::nullopt;
   return "has the ID " + std::to_string(id);
+}
+
+std::string atVendor(std::int64_t id, const std::string& what) {
+  return "vendors." + std::to_string(id) + ": " + what;
+}
+
+// Nothing when one is not from 1 to 64; twice is once.
+std::optional<DeclaredIds> declared(const std::optional<IdArray>& array) {
+  if (!array) return DeclaredIds();
+  if (array->count > IdArray::kMost) return std::nullopt;
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < array->count; ++i) {
+    const auto id = array->ids[i];
+    if (id < 1 || id > 64) return std::nullopt;
+    bits |= std::uint64_t{1} << (id - 1);
+  }
+  return DeclaredIds(bits);
 }
 
 Complaint checkItems(std::string_view path, const VendorList::Items& items, std::int64_t largest) {
@@ -76,36 +166,10 @@ Complaint checkItems(std::string_view path, const VendorList::Items& items, std:
   return std::nullopt;
 }
 
-// The IDs that the list describes, a bit for each.
 std::uint64_t bitsOf(const VendorList::Items& items) {
   std::uint64_t bits = 0;
   for (const auto& [key, item] : items) bits |= std::uint64_t{1} << (item.id - 1);
   return bits;
-}
-
-bool areKnown(const Numbers& numbers, std::uint64_t known) {
-  return !numbers || std::ranges::all_of(*numbers, [known](std::int64_t number) {
-    return number >= 1 && number <= kMostFeatures && (known >> (number - 1) & 1) != 0;
-  });
-}
-
-Complaint checkPurposes(const Vendor& vendor, std::uint64_t known) {
-  for (const auto* const numbers : {&vendor.purposes, &vendor.legIntPurposes, &vendor.flexiblePurposes}) {
-    if (!areKnown(*numbers, known)) return "names a purpose that the list does not have";
-  }
-  if (vendor.purposes) {
-    for (const auto purpose : *vendor.purposes) {
-      if (holds(vendor.legIntPurposes, purpose)) return "purpose " + std::to_string(purpose) + " is declared twice";
-    }
-  }
-  if (vendor.flexiblePurposes) {
-    for (const auto purpose : *vendor.flexiblePurposes) {
-      if (!holds(vendor.purposes, purpose) && !holds(vendor.legIntPurposes, purpose)) {
-        return "flexible purpose " + std::to_string(purpose) + " is not declared";
-      }
-    }
-  }
-  return std::nullopt;
 }
 
 Complaint checkVendors(const VendorList& list) {
@@ -113,23 +177,24 @@ Complaint checkVendors(const VendorList& list) {
   const auto specialPurposes = bitsOf(list.specialPurposes);
   const auto features = bitsOf(list.features);
   const auto specialFeatures = bitsOf(list.specialFeatures);
-  for (const auto& [key, vendor] : list.vendors) {
-    auto what = checkId(key, vendor.id, kLargestVendor);
-    if (!what) what = checkPurposes(vendor, purposes);
-    if (!what && !areKnown(vendor.specialPurposes, specialPurposes)) {
-      what = "names a special purpose that the list does not have";
-    }
-    if (!what && !areKnown(vendor.features, features)) what = "names a feature that the list does not have";
-    if (!what && !areKnown(vendor.specialFeatures, specialFeatures)) {
-      what = "names a special feature that the list does not have";
-    }
-    if (what) return "vendors." + std::to_string(vendor.id) + ": " + *what;
+  const Vendor* previous = nullptr;
+  for (const auto& vendor : list.vendors) {
+    const auto own = vendor.purposes.bits() | vendor.legIntPurposes.bits();
+    const char* what = nullptr;
+    if (previous && previous->id == vendor.id) what = "is there twice";
+    if ((own | vendor.flexiblePurposes.bits()) & ~purposes) what = "names a purpose that the list does not have";
+    if (vendor.purposes.bits() & vendor.legIntPurposes.bits()) what = "declares a purpose twice";
+    if (vendor.flexiblePurposes.bits() & purposes & ~own) what = "does not declare a flexible purpose";
+    if (vendor.specialPurposes.bits() & ~specialPurposes) what = "names a special purpose that the list does not have";
+    if (vendor.features.bits() & ~features) what = "names a feature that the list does not have";
+    if (vendor.specialFeatures.bits() & ~specialFeatures) what = "names a special feature that the list does not have";
+    if (what) return atVendor(vendor.id, what);
+    previous = &vendor;
   }
   return std::nullopt;
 }
 
 Complaint check(const VendorList& list) {
-  if (list.gvlSpecificationVersion != kSpecificationVersion) return "gvlSpecificationVersion: only 3 is known";
   if (list.vendorListVersion < 1 || list.vendorListVersion > kLargestVersion) {
     return "vendorListVersion: is not from 1 to 4095";
   }
@@ -146,15 +211,57 @@ Complaint check(const VendorList& list) {
 
 }  // namespace
 
+VendorRecord* VendorRecords::begin(std::string_view key) {
+  end();
+  key_.assign(key.substr(0, 8));
+  return &record_.emplace();
+}
+
+void VendorRecords::end() {
+  if (!record_) return;
+  VendorRecord& record = *record_;
+  auto what = checkId(key_, record.id, kLargestVendor);
+  Vendor& vendor = kept.emplace_back();
+  vendor.id = record.id;
+  vendor.name = std::move(record.name);
+  vendor.isDeleted = record.deletedDate.has_value();
+  const std::pair<DeclaredIds*, const std::optional<IdArray>*> lists[] = {
+      {&vendor.purposes, &record.purposes},
+      {&vendor.legIntPurposes, &record.legIntPurposes},
+      {&vendor.flexiblePurposes, &record.flexiblePurposes},
+      {&vendor.specialPurposes, &record.specialPurposes},
+      {&vendor.features, &record.features},
+      {&vendor.specialFeatures, &record.specialFeatures},
+  };
+  for (const auto& [ids, array] : lists) {
+    if (const auto known = declared(*array)) {
+      *ids = *known;
+    } else if (!what) {
+      what = "declares an ID that is not from 1 to 64";
+    }
+  }
+  if (what && !complaint) complaint = atVendor(record.id, *what);
+  record_.reset();
+}
+
 const Vendor* VendorList::vendor(std::int64_t id) const {
-  const auto found = vendors.find(std::to_string(id));
-  return found == vendors.end() || found->second.deletedDate ? nullptr : &found->second;
+  const auto found = std::ranges::lower_bound(vendors, id, {}, &Vendor::id);
+  return found == vendors.end() || found->id != id || found->isDeleted ? nullptr : &*found;
 }
 
 std::expected<VendorList, std::string> readVendorList(std::string_view document) {
-  auto list = decode<VendorList>(document);
-  if (!list) return list;
-  if (auto what = check(*list)) return std::unexpected(std::move(*what));
+  auto record = decode<VendorListRecord>(document);
+  if (!record) return std::unexpected(std::move(record.error()));
+  record->vendors.end();
+  if (record->gvlSpecificationVersion != kSpecificationVersion) {
+    return std::unexpected("gvlSpecificationVersion: only 3 is known");
+  }
+  if (record->vendors.complaint) return std::unexpected(std::move(*record->vendors.complaint));
+  VendorList list{record->vendorListVersion,          record->tcfPolicyVersion,    std::move(record->purposes),
+                  std::move(record->specialPurposes), std::move(record->features), std::move(record->specialFeatures),
+                  std::move(record->vendors.kept)};
+  std::ranges::sort(list.vendors, {}, &Vendor::id);
+  if (auto what = check(list)) return std::unexpected(std::move(*what));
   return list;
 }
 

@@ -5,7 +5,6 @@
 #include <expected>
 #include <functional>
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,29 +17,45 @@ struct VendorListItem {
   std::string name;
 };
 
+// Purposes or features by their IDs, from 1 to 64.
+class DeclaredIds {
+ public:
+  DeclaredIds() = default;
+  explicit DeclaredIds(std::uint64_t bits) : bits_(bits) {}
+
+  [[nodiscard]] bool empty() const noexcept { return bits_ == 0; }
+  [[nodiscard]] bool contains(std::int64_t id) const noexcept {
+    return id >= 1 && id <= 64 && (bits_ >> (id - 1) & 1) != 0;
+  }
+  // The lowest bit is ID 1.
+  [[nodiscard]] std::uint64_t bits() const noexcept { return bits_; }
+
+ private:
+  std::uint64_t bits_ = 0;
+};
+
 struct Vendor {
   std::int64_t id = 0;
   std::string name;
-  std::optional<std::vector<std::int64_t>> purposes;          // on the basis of consent
-  std::optional<std::vector<std::int64_t>> legIntPurposes;    // on that of a legitimate interest
-  std::optional<std::vector<std::int64_t>> flexiblePurposes;  // where a publisher may demand the other one
-  std::optional<std::vector<std::int64_t>> specialPurposes;
-  std::optional<std::vector<std::int64_t>> features;
-  std::optional<std::vector<std::int64_t>> specialFeatures;
-  std::optional<std::string> deletedDate;  // no longer takes part
+  DeclaredIds purposes;          // on the basis of consent
+  DeclaredIds legIntPurposes;    // on that of a legitimate interest
+  DeclaredIds flexiblePurposes;  // where a publisher may demand the other one
+  DeclaredIds specialPurposes;
+  DeclaredIds features;
+  DeclaredIds specialFeatures;
+  bool isDeleted = false;  // no longer takes part
 };
 
 struct VendorList {
   using Items = std::map<std::string, VendorListItem, std::less<>>;  // by the ID's digits
 
-  std::int64_t gvlSpecificationVersion = 0;
   std::int64_t vendorListVersion = 0;
   std::int64_t tcfPolicyVersion = 0;
   Items purposes;
   Items specialPurposes;
   Items features;
   Items specialFeatures;
-  std::map<std::string, Vendor, std::less<>> vendors;  // by the ID's digits
+  std::vector<Vendor> vendors;  // by their IDs, ascending
 
   // Null when there is none of that ID, or it has been deleted.
   [[nodiscard]] const Vendor* vendor(std::int64_t id) const;
