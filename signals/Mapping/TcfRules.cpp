@@ -34,7 +34,7 @@ class TcfRules {
         if (const auto* const listed = list.vendor(vendor->second)) listings_.push_back({listed, &purpose});
       }
     }
-    std::ranges::stable_sort(listings_, {}, [](const Listing& listing) { return listing.vendor->id; });
+    std::ranges::sort(listings_, {}, [](const Listing& listing) { return listing.vendor->id; });
   }
 
   [[nodiscard]] Ids consents() const { return given(&TcfOptions::Meaning::consent, isConsent); }
