@@ -7,6 +7,7 @@
 #include "tools/preview/PreviewCommand.h"
 #include "tools/richtext/RichTextCommand.h"
 #include "tools/serve/ServeCommand.h"
+#include "tools/signals/SignalsCommand.h"
 #include "tools/store/StoreCommand.h"
 #include "tools/validate/ValidateCommand.h"
 
@@ -21,6 +22,7 @@ int main(int argc, char** argv) {
   quillon::tools::addPreviewCommand(app, exitCode);
   quillon::tools::addRichTextCommand(app, exitCode);
   quillon::tools::addServeCommand(app, exitCode);
+  quillon::tools::addSignalsCommand(app, exitCode);
   quillon::tools::addStoreCommand(app, exitCode);
   quillon::tools::addValidateCommand(app, exitCode);
 

@@ -1,0 +1,269 @@
+#include "signals/VendorList/VendorList.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <utility>
+
+#include "core/Json/JsonType.h"
+#include "core/Json/Record.h"
+
+namespace quillon {
+namespace signals {
+
+using Complaint = std::optional<std::string>;
+
+// A list of IDs as it is read: there are thousands of them, so none allocates anything.
+struct IdArray {
+  static constexpr std::size_t kMost = 64;
+
+  IdArray() {}  // the numbers are written before they are read
+
+  std::size_t count = 0;  // may be more than there is room for
+  std::array<std::int64_t, kMost> ids;
+};
+
+struct VendorRecord {
+  std::int64_t id = 0;
+  std::string name;
+  std::optional<IdArray> purposes;
+  std::optional<IdArray> legIntPurposes;
+  std::optional<IdArray> flexiblePurposes;
+  std::optional<IdArray> specialPurposes;
+  std::optional<IdArray> features;
+  std::optional<IdArray> specialFeatures;
+  std::optional<std::string> deletedDate;
+};
+
+// The vendors of a document: each is read into the same record, and kept when the next one begins.
+struct VendorRecords {
+  std::vector<Vendor> kept;
+  Complaint complaint;  // the first
+
+  VendorRecord* begin(std::string_view key);
+  void end();
+
+ private:
+  std::optional<VendorRecord> record_;
+  std::string key_;
+};
+
+struct VendorListRecord {
+  std::int64_t gvlSpecificationVersion = 0;
+  std::int64_t vendorListVersion = 0;
+  std::int64_t tcfPolicyVersion = 0;
+  VendorList::Items purposes;
+  VendorList::Items specialPurposes;
+  VendorList::Items features;
+  VendorList::Items specialFeatures;
+  VendorRecords vendors;
+};
+
+}  // namespace signals
+
+template <>
+inline constexpr auto fields<signals::VendorListItem> = std::tuple{
+    Field<&signals::VendorListItem::id>{"id"},
+    Field<&signals::VendorListItem::name>{"name"},
+};
+
+template <>
+inline constexpr auto fields<signals::VendorRecord> = std::tuple{
+    Field<&signals::VendorRecord::id>{"id"},
+    Field<&signals::VendorRecord::name>{"name"},
+    Field<&signals::VendorRecord::purposes>{"purposes"},
+    Field<&signals::VendorRecord::legIntPurposes>{"legIntPurposes"},
+    Field<&signals::VendorRecord::flexiblePurposes>{"flexiblePurposes"},
+    Field<&signals::VendorRecord::specialPurposes>{"specialPurposes"},
+    Field<&signals::VendorRecord::features>{"features"},
+    Field<&signals::VendorRecord::specialFeatures>{"specialFeatures"},
+    Field<&signals::VendorRecord::deletedDate>{"deletedDate"},
+};
+
+template <>
+inline constexpr auto fields<signals::VendorListRecord> = std::tuple{
+    Field<&signals::VendorListRecord::gvlSpecificationVersion>{"gvlSpecificationVersion"},
+    Field<&signals::VendorListRecord::vendorListVersion>{"vendorListVersion"},
+    Field<&signals::VendorListRecord::tcfPolicyVersion>{"tcfPolicyVersion"},
+    Field<&signals::VendorListRecord::purposes>{"purposes"},
+    Field<&signals::VendorListRecord::specialPurposes>{"specialPurposes"},
+    Field<&signals::VendorListRecord::features>{"features"},
+    Field<&signals::VendorListRecord::specialFeatures>{"specialFeatures"},
+    Field<&signals::VendorListRecord::vendors>{"vendors"},
+};
+
+// These are read and never written.
+template <>
+const JsonType& jsonType<signals::IdArray>() {
+  static constexpr JsonType type{.kind = JsonType::Kind::array,
+                                 .size = sizeof(signals::IdArray),
+                                 .write = [](std::string&, const void*) {},
+                                 .element = &json::describe<std::int64_t>,
+                                 .append = [](void* array) -> void* {
+                                   auto& read = *static_cast<signals::IdArray*>(array);
+                                   return &read.ids[std::min(read.count++, signals::IdArray::kMost - 1)];
+                                 }};
+  return type;
+}
+
+template <>
+const JsonType& jsonType<signals::VendorRecords>() {
+  static constexpr JsonType type{.kind = JsonType::Kind::map,
+                                 .size = sizeof(signals::VendorRecords),
+                                 .write = [](std::string&, const void*) {},
+                                 .element = &json::describe<signals::VendorRecord>,
+                                 .insert = [](void* records, std::string_view key) -> void* {
+                                   return static_cast<signals::VendorRecords*>(records)->begin(key);
+                                 }};
+  return type;
+}
+
+namespace signals {
+namespace {
+
+constexpr std::int64_t kSpecificationVersion = 3;
+// What fits into a string.
+constexpr std::int64_t kLargestVersion = 4095;
+constexpr std::int64_t kLargestPolicy = 63;
+constexpr std::int64_t kMostPurposes = 24;
+constexpr std::int64_t kMostFeatures = 64;
+constexpr std::int64_t kMostSpecialFeatures = 12;
+constexpr std::int64_t kLargestVendor = 65535;
+
+// A key of its map.
+Complaint checkId(std::string_view key, std::int64_t id, std::int64_t largest) {
+  if (id < 1 || id > largest) return "the ID " + std::to_string(id) + " is not from 1 to " + std::to_string(largest);
+  char digits[8];
+  const auto end = std::to_chars(std::begin(digits), std::end(digits), id).ptr;
+  if (key == std::string_view(digits, end)) return std::nullopt;
+  return "has the ID " + std::to_string(id);
+}
+
+std::string atVendor(std::int64_t id, const std::string& what) {
+  return "vendors." + std::to_string(id) + ": " + what;
+}
+
+// Nothing when one is not from 1 to 64; twice is once.
+std::optional<DeclaredIds> declared(const std::optional<IdArray>& array) {
+  if (!array) return DeclaredIds();
+  if (array->count > IdArray::kMost) return std::nullopt;
+  std::uint64_t bits = 0;
+  for (std::size_t i = 0; i < array->count; ++i) {
+    const auto id = array->ids[i];
+    if (id < 1 || id > 64) return std::nullopt;
+    bits |= std::uint64_t{1} << (id - 1);
+  }
+  return DeclaredIds(bits);
+}
+
+Complaint checkItems(std::string_view path, const VendorList::Items& items, std::int64_t largest) {
+  for (const auto& [key, item] : items) {
+    if (const auto what = checkId(key, item.id, largest)) {
+      return std::string(path).append(".").append(std::to_string(item.id)).append(": ").append(*what);
+    }
+  }
+  return std::nullopt;
+}
+
+std::uint64_t bitsOf(const VendorList::Items& items) {
+  std::uint64_t bits = 0;
+  for (const auto& [key, item] : items) bits |= std::uint64_t{1} << (item.id - 1);
+  return bits;
+}
+
+Complaint checkVendors(const VendorList& list) {
+  const auto purposes = bitsOf(list.purposes);
+  const auto specialPurposes = bitsOf(list.specialPurposes);
+  const auto features = bitsOf(list.features);
+  const auto specialFeatures = bitsOf(list.specialFeatures);
+  const Vendor* previous = nullptr;
+  for (const auto& vendor : list.vendors) {
+    const auto own = vendor.purposes.bits() | vendor.legIntPurposes.bits();
+    const char* what = nullptr;
+    if (previous && previous->id == vendor.id) what = "is there twice";
+    if ((own | vendor.flexiblePurposes.bits()) & ~purposes) what = "names a purpose that the list does not have";
+    if (vendor.purposes.bits() & vendor.legIntPurposes.bits()) what = "declares a purpose twice";
+    if (vendor.flexiblePurposes.bits() & purposes & ~own) what = "does not declare a flexible purpose";
+    if (vendor.specialPurposes.bits() & ~specialPurposes) what = "names a special purpose that the list does not have";
+    if (vendor.features.bits() & ~features) what = "names a feature that the list does not have";
+    if (vendor.specialFeatures.bits() & ~specialFeatures) what = "names a special feature that the list does not have";
+    if (what) return atVendor(vendor.id, what);
+    previous = &vendor;
+  }
+  return std::nullopt;
+}
+
+Complaint check(const VendorList& list) {
+  if (list.vendorListVersion < 1 || list.vendorListVersion > kLargestVersion) {
+    return "vendorListVersion: is not from 1 to 4095";
+  }
+  if (list.tcfPolicyVersion < 1 || list.tcfPolicyVersion > kLargestPolicy) {
+    return "tcfPolicyVersion: is not from 1 to 63";
+  }
+  auto what = checkItems("purposes", list.purposes, kMostPurposes);
+  if (!what) what = checkItems("specialPurposes", list.specialPurposes, kMostFeatures);
+  if (!what) what = checkItems("features", list.features, kMostFeatures);
+  if (!what) what = checkItems("specialFeatures", list.specialFeatures, kMostSpecialFeatures);
+  if (!what) what = checkVendors(list);
+  return what;
+}
+
+}  // namespace
+
+VendorRecord* VendorRecords::begin(std::string_view key) {
+  end();
+  key_.assign(key.substr(0, 8));
+  return &record_.emplace();
+}
+
+void VendorRecords::end() {
+  if (!record_) return;
+  VendorRecord& record = *record_;
+  auto what = checkId(key_, record.id, kLargestVendor);
+  Vendor& vendor = kept.emplace_back();
+  vendor.id = record.id;
+  vendor.name = std::move(record.name);
+  vendor.isDeleted = record.deletedDate.has_value();
+  const std::pair<DeclaredIds*, const std::optional<IdArray>*> lists[] = {
+      {&vendor.purposes, &record.purposes},
+      {&vendor.legIntPurposes, &record.legIntPurposes},
+      {&vendor.flexiblePurposes, &record.flexiblePurposes},
+      {&vendor.specialPurposes, &record.specialPurposes},
+      {&vendor.features, &record.features},
+      {&vendor.specialFeatures, &record.specialFeatures},
+  };
+  for (const auto& [ids, array] : lists) {
+    if (const auto known = declared(*array)) {
+      *ids = *known;
+    } else if (!what) {
+      what = "declares an ID that is not from 1 to 64";
+    }
+  }
+  if (what && !complaint) complaint = atVendor(record.id, *what);
+  record_.reset();
+}
+
+const Vendor* VendorList::vendor(std::int64_t id) const {
+  const auto found = std::ranges::lower_bound(vendors, id, {}, &Vendor::id);
+  return found == vendors.end() || found->id != id || found->isDeleted ? nullptr : &*found;
+}
+
+std::expected<VendorList, std::string> readVendorList(std::string_view document) {
+  auto record = decode<VendorListRecord>(document);
+  if (!record) return std::unexpected(std::move(record.error()));
+  record->vendors.end();
+  if (record->gvlSpecificationVersion != kSpecificationVersion) {
+    return std::unexpected("gvlSpecificationVersion: only 3 is known");
+  }
+  if (record->vendors.complaint) return std::unexpected(std::move(*record->vendors.complaint));
+  VendorList list{record->vendorListVersion,          record->tcfPolicyVersion,    std::move(record->purposes),
+                  std::move(record->specialPurposes), std::move(record->features), std::move(record->specialFeatures),
+                  std::move(record->vendors.kept)};
+  std::ranges::sort(list.vendors, {}, &Vendor::id);
+  if (auto what = check(list)) return std::unexpected(std::move(*what));
+  return list;
+}
+
+}  // namespace signals
+}  // namespace quillon

@@ -1,0 +1,61 @@
+// Our strings beside those of the IAB's own encoders, and the standards' own examples.
+#include <glib.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+
+#include "tests/signals/RandomStates.h"
+
+namespace quillon::signals::test {
+namespace {
+
+constexpr std::uint32_t kInBlock = 1000;
+constexpr std::uint32_t kStates = 50'000;
+
+std::string sha256(const std::string& text) {
+  const std::unique_ptr<char, void (*)(void*)> sum(
+      g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.data(), static_cast<gssize>(text.size())), g_free);
+  return sum.get();
+}
+
+// Compares all states of a format with its file: first strings, then a sum for each block of them.
+template <class F>
+void compare(const std::string& file, const F& stringOf) {
+  std::ifstream lines(QUILLON_SIGNAL_VECTORS + ("/" + file));
+  ASSERT_TRUE(lines) << file;
+  std::string line;
+  std::uint32_t inFull = 0;
+  for (; std::getline(lines, line) && !line.starts_with("sha256 "); ++inFull) {
+    ASSERT_EQ(stringOf(inFull), line) << "state " << inFull;
+  }
+  EXPECT_GE(inFull, 100U);
+  for (std::uint32_t state = 0; state < kStates;) {
+    std::string block;
+    for (const auto end = state + kInBlock; state < end; ++state) block += stringOf(state) + '\n';
+    ASSERT_EQ("sha256 " + sha256(block), line) << "a state before " << state;
+    std::getline(lines, line);
+  }
+  EXPECT_TRUE(lines.eof());
+}
+
+TEST(EncodersTest, TcStringsAreThoseOfTheReferenceEncoderAndAreReadBack) {
+  compare("tcf.txt", [](std::uint32_t state) {
+    const auto tc = randomTcString(state);
+    const auto text = encode(tc).value();
+    EXPECT_EQ(decodeTcString(text), tc) << text;
+    return text;
+  });
+}
+
+TEST(EncodersTest, GppStringsAreThoseOfTheReferenceEncoderAndAreReadBack) {
+  compare("gpp.txt", [](std::uint32_t state) {
+    const auto gpp = randomGppString(state);
+    const auto text = encode(gpp).value();
+    EXPECT_EQ(decodeGppString(text), gpp) << text;
+    return text;
+  });
+}
+
+}  // namespace
+}  // namespace quillon::signals::test

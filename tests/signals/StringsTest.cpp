@@ -1,0 +1,163 @@
+// The standards' own examples, and what is refused.
+#include <gtest/gtest.h>
+
+#include "signals/Gpp/GppString.h"
+#include "signals/Records/RecordBits.h"
+#include "tests/signals/ErrorOf.h"
+
+namespace quillon::signals::test {
+namespace {
+
+constexpr std::string_view kTc = "CQSbk4AQSbk4ANwAAAENAwCgAAAAAAAAAAYgACPAAAAA";
+constexpr std::string_view kDisclosed = "IDKQA4AAgAKAGQAygAAA";
+constexpr std::string_view kPublisher = "YAAAAAAAAAAA";
+constexpr std::string_view kEarlierTc = "CPXxRfAPXxRfAAfKABENB-CgAAAAAAAAAAYgAAAAAAAA";
+
+std::string joined(std::initializer_list<std::string_view> parts, char delimiter) {
+  std::string text;
+  for (const auto part : parts) (text.empty() ? text : text += delimiter) += part;
+  return text;
+}
+
+TEST(StringsTest, ExamplesOfTheStandardsAreReadAndWrittenByteForByte) {
+  for (const auto& text :
+       {std::string(kTc), joined({kTc, kDisclosed}, '.'), joined({kTc, kDisclosed, kPublisher}, '.')}) {
+    const auto tc = decodeTcString(text);
+    ASSERT_TRUE(tc) << tc.error();
+    EXPECT_EQ(encode(*tc), text);
+  }
+  for (const auto& text : {joined({"DBABM", kEarlierTc}, '~'), joined({"DBACNY", kEarlierTc, "1YNN"}, '~'),
+                           joined({"DBABjw", kEarlierTc, "1YNN"}, '~')}) {
+    const auto gpp = decodeGppString(text);
+    ASSERT_TRUE(gpp) << gpp.error();
+    EXPECT_EQ(encode(*gpp), text);
+  }
+}
+
+TEST(StringsTest, FieldsOfTheExampleHaveTheirValues) {
+  const auto tc = decodeTcString(joined({kTc, kDisclosed}, '.')).value();
+  EXPECT_EQ(tc.core.get("LastUpdated"), 17'489'088'000);  // 3 June 2025
+  EXPECT_EQ(tc.core.get("CmpId"), 880);
+  EXPECT_EQ(tc.core.get<std::string>("PublisherCC"), "DE");
+  EXPECT_EQ(tc.core.get<Ids>("VendorConsent"), (Ids{1, 2, 3, 4}));
+  EXPECT_EQ(tc.disclosedVendors->get<Ids>("DisclosedVendors"), (Ids{1, 2, 3, 4, 5, 100, 404}));
+}
+
+TEST(StringsTest, SegmentsComeInAnyOrder) {
+  EXPECT_EQ(decodeTcString(joined({kTc, kPublisher, kDisclosed}, '.')),
+            decodeTcString(joined({kTc, kDisclosed, kPublisher}, '.')));
+}
+
+TEST(StringsTest, RangesAreThoseOfTheStandardsTables) {
+  const auto bitsOf = [](auto write) {
+    BitWriter bits;
+    EXPECT_TRUE(write(bits, Ids{3, 5, 6, 7, 8}));
+    return std::move(bits).finish(6);
+  };
+  const auto expected = [](std::string_view digits) {
+    BitWriter bits;
+    for (const char digit : digits) bits.write(digit == '1', 1);
+    return std::move(bits).finish(6);
+  };
+  EXPECT_EQ(bitsOf(writeRanges), expected("000000000010"
+                                          "0"
+                                          "0000000000000011"
+                                          "1"
+                                          "0000000000000101"
+                                          "0000000000001000"));
+  EXPECT_EQ(bitsOf(writeFibonacciRanges), expected("000000000010"
+                                                   "0"
+                                                   "0011"
+                                                   "1"
+                                                   "011"
+                                                   "0011"));
+}
+
+TEST(StringsTest, EveryFibonacciCodedDistanceIsReadBack) {
+  for (std::uint32_t id = 1; id <= 65535; ++id) {
+    BitWriter writer;
+    ASSERT_TRUE(writeFibonacciRanges(writer, {static_cast<Ids::value_type>(id)}));
+    auto reader = BitReader::over(std::move(writer).finish(6)).value();
+    IdBudget budget;
+    ASSERT_EQ(readFibonacciRanges(reader, budget), Ids{static_cast<Ids::value_type>(id)});
+  }
+}
+
+TEST(StringsTest, RangesOutOfOrderAreASet) {
+  BitWriter writer;
+  writer.write(2, 12);
+  for (const unsigned id : {9U, 4U}) {
+    writer.write(0, 1);
+    writer.write(id, 16);
+  }
+  auto reader = BitReader::over(std::move(writer).finish(6)).value();
+  IdBudget budget;
+  EXPECT_EQ(readRanges(reader, budget), (Ids{4, 9}));
+}
+
+TEST(StringsTest, UnsoundStringsAreRefusedWithTheirPlace) {
+  const auto tcError = [](const std::string& text) { return errorOf(decodeTcString(text)); };
+  const auto gppError = [](const std::string& text) { return errorOf(decodeGppString(text)); };
+  const struct {
+    std::string text;
+    std::string error;
+  } tcCases[] = {
+      {"", "core.Version: the text ends too early"},
+      {"DQSbk4", "core.Version: is 3; only 2 is known"},
+      {std::string(kTc.substr(0, 40)), "core.VendorLegitimateInterest: the text ends too early"},
+      {std::string(kTc).append("A="), "core: character 46 is not base64url"},
+      {std::string(kTc).append("AAB"), "core: more follows the last field"},
+      {std::string(kTc).append("."), "a segment has no type"},
+      {std::string(kTc).append(".QAAA"), "a segment has the unknown type 2"},
+      {joined({kTc, kDisclosed, kDisclosed}, '.'), "disclosedVendors: is there twice"},
+      {joined({kTc, "IAA"}, '.'), "disclosedVendors.DisclosedVendors: the text ends too early"},
+      {joined({kTc, "IAAwAQABA"}, '.'), "disclosedVendors.DisclosedVendors: an ID is larger than MaxVendorId"},
+  };
+  for (const auto& [text, error] : tcCases) EXPECT_EQ(tcError(text), error) << text;
+  const struct {
+    std::string text;
+    std::string error;
+  } gppCases[] = {
+      {"DBAB", "header.Sections: the text ends too early"},
+      {"DBABL", "section 7: is missing"},
+      {"DBABL~BAAgAAAAAABA", "usnat.Version: is 1; only 2 is known"},
+      {"DBABL~CAAgAAAAAABA.gA", "usnat.SubsectionType: is 2; only 1 is known"},
+      {"DBABRg~BAgAABA.Q", "usva: has no sub-section"},
+      {joined({"DBABM", kTc, "1YNN"}, '~'), "more sections follow than the header lists"},
+      {"DBABM~CQ", "tcfeuv2.core.Created: the text ends too early"},
+      {"DBABT~1Y\"N", "section 6: is no text of a section"},
+  };
+  for (const auto& [text, error] : gppCases) EXPECT_EQ(gppError(text), error) << text;
+}
+
+// As many ranges of everybody as fit would stand for three billion IDs.
+TEST(StringsTest, RangesOfEverybodyOverAndOverAreRefused) {
+  BitWriter writer;
+  const auto core = writeRecord(Record(tcCore), 6).value();
+  auto reader = BitReader::over(core).value();
+  for (unsigned bit = 0; bit < 213 + 34; ++bit) writer.write(reader.read(1), 1);
+  writer.write(40, 12);
+  for (unsigned restriction = 0; restriction < 40; ++restriction) {
+    writer.write(2 << 2, 8);
+    writer.write(1, 12);
+    writer.write(1, 1);
+    writer.write(1, 16);
+    writer.write(65535, 16);
+  }
+  EXPECT_EQ(errorOf(decodeTcString(std::move(writer).finish(24))),
+            "core.PubRestrictions: the ranges stand for more than a million IDs");
+  EXPECT_EQ(errorOf(decodeTcString(std::string(1'000'000, 'C'))), "the string is longer than 128 KiB");
+  EXPECT_EQ(errorOf(decodeGppString(std::string(1'000'000, 'D'))), "the string is longer than 128 KiB");
+}
+
+TEST(StringsTest, ValuesThatDoNotFitAreNotWritten) {
+  TcString tc;
+  tc.core.set("CmpId", std::int64_t{4096});
+  EXPECT_EQ(errorOf(encode(tc)), "core.CmpId: 4096 does not fit into 12 bits");
+  tc.core.set("CmpId", std::int64_t{2});
+  tc.core.set("PurposesConsent", Ids{25});
+  EXPECT_EQ(errorOf(encode(tc)), "core.PurposesConsent: holds an ID that is not from 1 to 24");
+}
+
+}  // namespace
+}  // namespace quillon::signals::test
