@@ -34,7 +34,7 @@ Receiver::Receiver(Options options, Tokens tokens, CommitQueue& queue, Metrics& 
 
 void Receiver::handle(HttpRequest request, HttpServer::Respond respond, const HttpServer& server) {
   respond = counted(request, std::move(respond));
-  const bool isGet = request.method == "GET" || request.method == "HEAD";
+  const bool isGet = request.method == "GET";
   if (request.path == kUploadPath) {
     if (request.method == "POST") return upload(std::move(request), std::move(respond));
     auto refusal = answer(405, 1, "uploads are posted");

@@ -24,6 +24,7 @@ begin with "quillon-check-".)";
 struct CheckOptions {
   CheckedServers servers;
   std::string traffic;
+  std::string authorities;
 };
 
 // The token that devices find in the configuration.
@@ -36,7 +37,7 @@ std::string publishedToken(Probe& probe, const CheckedServers& servers) {
 int check(CheckOptions options) {
   CheckedServers& servers = options.servers;
   servers.subject = "quillon-check-" + std::to_string(std::random_device()());
-  Probe probe(options.traffic);
+  Probe probe(options.traffic, options.authorities);
   if (servers.token.empty()) servers.token = publishedToken(probe, servers);
   if (servers.token.empty()) {
     std::fprintf(stderr, "quillon-consent check-server: the configuration has no token; give one with --token\n");
@@ -76,6 +77,7 @@ void addCheckServerCommand(CLI::App& app, int& exitCode) {
   command->add_option("--app", servers.application, "Application of the configuration")->required();
   command->add_option("--token", servers.token, "Access token, when it is not the one that the configuration carries");
   command->add_option("--traffic", options->traffic, "File to write, with every exchange as one JSON object a line");
+  command->add_option("--ca", options->authorities, "File of the authorities whose certificates are believed (PEM)");
   command->callback([options, &exitCode] { exitCode = check(*options); });
 }
 

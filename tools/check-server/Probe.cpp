@@ -79,7 +79,7 @@ std::string Probe::Answer::header(const char* name) const {
   return found == headers.end() ? "" : found->second;
 }
 
-Probe::Probe(const std::string& trafficFile) {
+Probe::Probe(const std::string& trafficFile, std::string authorities) : authorities_(std::move(authorities)) {
   if (!trafficFile.empty()) traffic_.open(trafficFile);
 }
 
@@ -125,6 +125,7 @@ Probe::Answer Probe::exchange(void* handle, const Request& request) {
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(easy, CURLOPT_URL, request.url.c_str());
   curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+  if (!authorities_.empty()) curl_easy_setopt(easy, CURLOPT_CAINFO, authorities_.c_str());
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, kLimitMilliseconds);
   curl_easy_setopt(easy, CURLOPT_HTTPHEADER, lines);

@@ -41,8 +41,9 @@ class Probe {
     [[nodiscard]] std::string header(const char* name) const;
   };
 
-  // Every exchange is written to the file, one JSON object a line; empty: none is.
-  explicit Probe(const std::string& trafficFile);
+  // Every exchange is written to the first file, one JSON object a line; empty: none is. Certificates are believed that
+  // an authority of the second file has signed; empty: one that the system knows.
+  explicit Probe(const std::string& trafficFile, std::string authorities = {});
 
   Answer send(const Request& request);
   // All at once.
@@ -59,6 +60,7 @@ class Probe {
   Answer exchange(void* handle, const Request& request);
   void note(const Request& request, const Answer& answer);
 
+  const std::string authorities_;
   mutable std::mutex mutex_;  // guards the members below
   std::ofstream traffic_;
   int count_ = 0;
