@@ -139,8 +139,8 @@ void HttpSession::respond(HttpResponse response) {
 
 void HttpSession::written(boost::system::error_code error) {
   response_.reset();
-  if (error) return close();
-  if (keepAlive_ && !server_.stopping_) return readHeader();
+  if (error || server_.stopping_) return close();
+  if (keepAlive_) return readHeader();
   beast::error_code ignored;
   stream_.socket().shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
   // A client that is still sending must get to read the answer: what it sends on is thrown away for a moment.

@@ -8,6 +8,7 @@
 namespace quillon::receiver {
 namespace {
 
+// How long another process may hold the file before uploads are told to come again.
 constexpr int kBusyMilliseconds = 5000;
 
 using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)>;
@@ -137,10 +138,8 @@ std::expected<void, StoreError> SqliteStore::execute(const char* sql) {
 StoreError SqliteStore::error() const {
   const int code = sqlite3_errcode(database_) & 0xff;
   const bool isRefused = code == SQLITE_CONSTRAINT || code == SQLITE_TOOBIG || code == SQLITE_MISMATCH;
-  const auto kind = code == SQLITE_BUSY ? StoreError::Kind::conflict
-                    : isRefused         ? StoreError::Kind::refused
-                                        : StoreError::Kind::away;
-  return {.kind = kind, .text = std::string("SQLite: ") + sqlite3_errmsg(database_)};
+  return {.kind = isRefused ? StoreError::Kind::refused : StoreError::Kind::away,
+          .text = std::string("SQLite: ") + sqlite3_errmsg(database_)};
 }
 
 }  // namespace quillon::receiver

@@ -28,19 +28,19 @@ struct Decision {
 
 // One request of a device.
 struct Upload {
-  std::string tenant;  // whose token it came with
-  std::string application;
-  std::string subject;
-  std::string device;
+  std::string tenant = {};  // whose token it came with
+  std::string application = {};
+  std::string subject = {};
+  std::string device = {};
   bool isImplicit = false;
   bool isTest = false;
-  std::int64_t version = 0;  // of the configuration that was answered
-  std::string compliance;    // what the banner obeyed, such as "opt-in"
-  std::string advertisingId;
-  std::string sdkVersion;       // empty when unknown
-  std::string place;            // as the proxy in front says, or empty
+  std::int64_t version = 0;     // of the configuration that was answered
+  std::string compliance = {};  // what the banner obeyed, such as "opt-in"
+  std::string advertisingId = {};
+  std::string sdkVersion = {};  // empty when unknown
+  std::string place = {};       // as the proxy in front says, or empty
   std::int64_t receivedAt = 0;  // seconds since 1970-01-01T00:00:00Z
-  std::vector<Decision> decisions;
+  std::vector<Decision> decisions = {};
 
   bool operator==(const Upload&) const = default;
 };
