@@ -7,7 +7,7 @@ namespace quillon::receiver {
 namespace {
 
 constexpr std::chrono::milliseconds kFirstPause{100};
-constexpr std::chrono::milliseconds kLongestPause{2000};
+constexpr std::chrono::milliseconds kLongestPause{1000};
 constexpr std::chrono::seconds kCheckWhenIdle{2};
 constexpr int kMostAttempts = 10;
 

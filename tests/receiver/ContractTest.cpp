@@ -82,19 +82,22 @@ TEST(CheckServer, FindsEachFaultAndSaysWhetherItLosesDecisions) {
   };
   const std::string configuration = sample("consent/mobile_banner/demo-tenant/news-reader/live/config.json");
   const std::string location = sample("location.json");
-  const std::vector<Row> rows{{none, "0 could lose decisions, 0 untidy\nstatus 0"},
-                              {acknowledgesAnything, "LOSES    refusal: a body cut off"},
-                              {refusesRepeats, "LOSES    upload: repeated"},
-                              {refusesLateUploads, "LOSES    upload: late"},
-                              {refusesUploadsAtOnce, "LOSES    client: ten uploads of one subject"},
-                              {answersUploadsByEntityTag, "LOSES    upload: If-None-Match of the configuration"},
-                              {takesAnyToken, "LOSES    refusal: a wrong token"},
-                              {writesStatusAsText, "LOSES    upload  "},
-                              {refusesLargeUploads, "LOSES    upload: 1500 purposes"},
-                              {dropsSlowClients, "LOSES    client: slow"},
-                              {servesPageForMissing, "LOSES    configuration: language that is not there"},
-                              {changesEntityTags, "untidy   configuration: same tag"},
-                              {tagsTheLocation, "untidy   location: entity tag"}};
+  std::vector<Row> rows{{none, "0 could lose decisions, 0 untidy\nstatus 0"},
+                        {acknowledgesAnything, "LOSES    refusal: a body cut off"},
+                        {refusesRepeats, "LOSES    upload: repeated"},
+                        {refusesLateUploads, "LOSES    upload: late"},
+                        {refusesUploadsAtOnce, "LOSES    client: ten uploads of one subject"},
+                        {answersUploadsByEntityTag, "LOSES    upload: If-None-Match of the configuration"},
+                        {takesAnyToken, "LOSES    refusal: a wrong token"},
+                        {writesStatusAsText, "LOSES    upload  "},
+                        {refusesLargeUploads, "LOSES    upload: 1500 purposes"},
+                        {dropsSlowClients, "LOSES    client: slow"},
+                        {servesPageForMissing, "LOSES    configuration: language that is not there"},
+                        {changesEntityTags, "untidy   configuration: same tag"},
+                        {tagsTheLocation, "untidy   location: entity tag"}};
+#ifdef QUILLON_SANITIZED
+  rows.resize(3);  // each is a hundred requests to a server of the test itself
+#endif
   // They wait more than they work: all at once.
   std::vector<std::string> reports(rows.size());
   {

@@ -85,6 +85,11 @@ std::string ServerProcess::output() {
   return said_;
 }
 
+bool ServerProcess::hasEnded() {
+  const std::scoped_lock lock(mutex_);
+  return ended_;
+}
+
 std::vector<pid_t> ServerProcess::children() const {
   const std::string id = std::to_string(process_);
   std::ifstream list("/proc/" + id + "/task/" + id + "/children");

@@ -25,6 +25,7 @@ class ServerProcess {
   // The first line that has the text; empty when none came before it ended, or in time.
   std::string waitForLine(const std::string& text, std::chrono::seconds limit = std::chrono::seconds(20));
   std::string output();
+  bool hasEnded();
   // SIGKILL also ends its children.
   void sendSignal(int signal) const;
   void sendSignalToChildren(int signal) const;

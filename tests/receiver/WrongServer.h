@@ -102,7 +102,7 @@ class WrongServer {
       newest_[upload->subject] = time;
       if (is(Fault::refusesUploadsAtOnce)) {
         if (underWay_[upload->subject]++ > 0) return --underWay_[upload->subject], answer(response, 409, 1);
-        changed_.wait_for(lock, std::chrono::milliseconds(200), [&] { return false; });
+        changed_.wait_for(lock, std::chrono::milliseconds(50), [&] { return false; });
         --underWay_[upload->subject];
       }
     }
