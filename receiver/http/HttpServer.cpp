@@ -96,13 +96,16 @@ void HttpServer::accepted(boost::system::error_code error, tcp::socket socket) {
   }
   boost::system::error_code ignored;
   socket.set_option(tcp::no_delay(true), ignored);
+  accept();
+  // Those that are too many hear so, as long as there are not too many of these either.
+  if (sessions_.size() >= 2 * limits_.connections) return;
+  const bool isOneTooMany = sessions_.size() >= limits_.connections;
   const auto session = std::make_shared<HttpSession>(*this, std::move(socket));
-  if (sessions_.size() > limits_.connections) {
+  if (isOneTooMany) {
     session->turnAway();
   } else {
     session->start();
   }
-  accept();
 }
 
 void HttpServer::closed(HttpSession* session) {

@@ -29,7 +29,10 @@ int servePage(DecisionStore& store, int port) {
   boost::asio::io_context context(1);
   HttpServer server(
       context, {.connections = 16}, [&store](const HttpRequest& request, const HttpServer::Respond& respond) {
-        if (request.method != "GET" || request.path != "/") {
+        // A page of elsewhere whose name leads here must not read it.
+        const std::string_view host = request.header("Host");
+        const bool isOurs = host.starts_with("127.0.0.1:") || host.starts_with("localhost:");
+        if (request.method != "GET" || request.path != "/" || !isOurs) {
           return respond({.status = 404, .body = "not found\n", .type = "text/plain"});
         }
         const auto answers = store.answers();

@@ -31,7 +31,7 @@ bool CommitQueue::submit(Upload upload, Done done) {
       return false;
     }
     waitingDecisions_ += decisions;
-    waiting_.push_back({std::move(upload), std::move(done)});
+    waiting_.push_back({std::move(upload), std::move(done), std::chrono::steady_clock::now()});
   }
   changed_.notify_one();
   return true;
@@ -120,13 +120,19 @@ std::vector<CommitQueue::Waiting> CommitQueue::takeBatch(std::unique_lock<std::m
 }
 
 bool CommitQueue::commit(DecisionStore& store, std::vector<Waiting> batch) {
+  const auto begin = std::chrono::steady_clock::now();
+  std::erase_if(batch, [begin](const Waiting& waiting) {
+    const bool isLate = begin - waiting.since > kMaxWait;
+    if (isLate) waiting.done(Outcome::busy);
+    return isLate;
+  });
+  if (batch.empty()) return true;
   std::vector<Upload> uploads;
   std::int64_t decisions = 0;
   for (Waiting& waiting : batch) {
     decisions += static_cast<std::int64_t>(waiting.upload.decisions.size());
     uploads.push_back(std::move(waiting.upload));
   }
-  const auto begin = std::chrono::steady_clock::now();
   const auto added = add(store, uploads);
   if (added) {
     if (observer_.committed) {
@@ -140,7 +146,7 @@ bool CommitQueue::commit(DecisionStore& store, std::vector<Waiting> batch) {
     bool isGood = true;
     for (std::size_t i = 0; i < batch.size(); ++i) {
       std::vector<Waiting> one(1);
-      one[0] = {std::move(uploads[i]), std::move(batch[i].done)};
+      one[0] = {std::move(uploads[i]), std::move(batch[i].done), batch[i].since};
       if (isGood) {
         isGood = commit(store, std::move(one));
       } else {

@@ -40,6 +40,8 @@ class CommitQueue {
   static constexpr std::size_t kMaxWaitingDecisions = 500'000;
   static constexpr std::size_t kMaxBatch = 512;  // uploads
   static constexpr std::size_t kMaxBatchDecisions = 10'000;
+  // What has waited longer is told to come again: by then somebody has given up on it.
+  static constexpr std::chrono::seconds kMaxWait{15};
 
   CommitQueue(Open open, int writers, Observer observer);
   // As after finish().
@@ -59,6 +61,7 @@ class CommitQueue {
   struct Waiting {
     Upload upload;
     Done done;
+    std::chrono::steady_clock::time_point since;
   };
 
   void write();

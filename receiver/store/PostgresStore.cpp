@@ -8,7 +8,6 @@
 namespace quillon::receiver {
 namespace {
 
-// Below the 15 s after which an upload is answered with 503.
 constexpr std::chrono::seconds kCommitLimit{10};
 constexpr std::chrono::seconds kStatementLimit{10};
 constexpr std::chrono::milliseconds kAsLongAsItTakes{0};

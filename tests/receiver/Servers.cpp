@@ -3,8 +3,6 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <httplib.h>
-#include <libpq-fe.h>
-#include <pwd.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -16,8 +14,6 @@ namespace quillon::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-const std::string kPostgres = "/usr/lib/postgresql/15/bin/";
 
 void replaceAll(std::string& text, const std::string& what, const std::string& by) {
   ASSERT_NE(text.find(what), std::string::npos) << what << " is not in nginx.conf any more";
@@ -38,48 +34,6 @@ int freePort() {
   getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
   close(socket);
   return ntohs(address.sin_port);
-}
-
-bool PostgresServer::isInstalled() {
-  return fs::exists(kPostgres + "postgres") && (geteuid() != 0 || getpwnam("postgres") != nullptr);
-}
-
-PostgresServer::PostgresServer() {
-  if (const passwd* const user = getpwnam("postgres"); user != nullptr && geteuid() == 0) {
-    if (chown(folder_.path().c_str(), user->pw_uid, user->pw_gid) != 0) std::abort();
-  }
-  ServerProcess initialize({kPostgres + "initdb", "-D", folder_.path() / "data", "-A", "trust", "-U", "postgres",
-                            "--locale=C.UTF-8", "--no-sync"},
-                           "postgres");
-  EXPECT_EQ(initialize.wait(std::chrono::seconds(60)), 0) << initialize.output();
-  start();
-}
-
-void PostgresServer::start() {
-  process_.reset();
-  process_.emplace(
-      std::vector<std::string>{kPostgres + "postgres", "-D", folder_.path() / "data", "-c", "listen_addresses=", "-c",
-                               "unix_socket_directories=" + folder_.path().string()},
-      "postgres");
-  EXPECT_NE(process_->waitForLine("ready to accept connections"), "") << process_->output();
-}
-
-std::string PostgresServer::address(const std::string& database) const {
-  return "postgresql:///" + database + "?user=postgres&host=" + folder_.path().string();
-}
-
-void PostgresServer::execute(const std::string& sql) const {
-  PGconn* const connection = PQconnectdb(address().c_str());
-  PGresult* const result = PQexec(connection, sql.c_str());
-  EXPECT_TRUE(PQresultStatus(result) == PGRES_COMMAND_OK || PQresultStatus(result) == PGRES_TUPLES_OK)
-      << PQerrorMessage(connection);
-  PQclear(result);
-  PQfinish(connection);
-}
-
-std::string PostgresServer::newDatabase(const std::string& name) const {
-  execute("CREATE DATABASE " + name);
-  return address(name);
 }
 
 PostgresServer& sharedPostgres() {

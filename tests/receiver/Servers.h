@@ -6,32 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "tests/receiver/ServerProcess.h"
+#include "tests/support/PostgresServer.h"
+#include "tests/support/ServerProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon::test {
 
 // A port that was free a moment ago.
 int freePort();
-
-// A server of its own in a temporary folder, which listens on a socket there alone.
-class PostgresServer {
- public:
-  static bool isInstalled();
-
-  PostgresServer();
-
-  void start();
-  void kill() { process_.reset(); }
-  std::string address(const std::string& database = "postgres") const;
-  void execute(const std::string& sql) const;
-  // An empty database of that name; its address.
-  std::string newDatabase(const std::string& name) const;
-
- private:
-  const TemporaryFolder folder_{TemporaryFolder::fastParent()};
-  std::optional<ServerProcess> process_;
-};
 
 // One for all tests of the process that do it no harm.
 PostgresServer& sharedPostgres();

@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/MainConfiguration.h"
 #include "tools/check-server/Case.h"
 

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "quillon/MainConfiguration.h"
 #include "tools/check-server/Case.h"
 

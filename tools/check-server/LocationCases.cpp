@@ -1,4 +1,4 @@
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "core/Network/Responses.h"
 #include "tools/check-server/Case.h"
 

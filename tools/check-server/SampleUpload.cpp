@@ -3,7 +3,7 @@
 #include <boost/json.hpp>
 #include <chrono>
 
-#include "core/Configuration/Codec.h"
+#include "core/Json/Codec.h"
 #include "core/Network/Responses.h"
 
 namespace quillon::tools {

@@ -1,4 +1,4 @@
-#include "tests/receiver/ServerProcess.h"
+#include "tests/support/ServerProcess.h"
 
 #include <fcntl.h>
 #include <grp.h>
