@@ -29,7 +29,9 @@ struct ServeOptions {
   std::string listen = "127.0.0.1:8090";
   std::string tokens;
   bool takesAnyToken = false;
-  int writers = 4;
+  // One takes all that came while it committed what came before: quicker than several, which wait for one another's
+  // turn at the log of the server.
+  int writers = 1;
   HttpServer::Limits limits;
   Receiver::Options receiver;
 };
@@ -131,7 +133,8 @@ void addServeOptions(CLI::App& app, int& exitCode) {
   app.add_option("--listen", options->listen, "IP address and port; port 0 takes a free one")->capture_default_str();
   app.add_option("--tokens", options->tokens, "File of lines TENANT APPLICATION TOKEN, read again on SIGHUP");
   app.add_flag("--any-token", options->takesAnyToken, "Take uploads with any token: for development");
-  app.add_option("--writers", options->writers, "Connections to PostgreSQL that commit")
+  app.add_option("--writers", options->writers,
+                 "Connections to PostgreSQL that commit; more where the server is far away")
       ->check(CLI::Range(1, 64))
       ->capture_default_str();
   app.add_option("--connections", options->limits.connections, "Connections of clients at a time")

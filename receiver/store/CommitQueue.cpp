@@ -59,11 +59,11 @@ void CommitQueue::finish() {
 
 void CommitQueue::write() {
   while (auto store = openPatiently()) {
-    if (observer_.opened) observer_.opened();
     {
       const std::scoped_lock lock(mutex_);
       ++connected_;
     }
+    if (observer_.opened) observer_.opened();
     for (bool isGood = true; isGood;) {
       std::unique_lock lock(mutex_);
       auto batch = takeBatch(lock);

@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <pwd.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -34,6 +35,8 @@ ServerProcess::ServerProcess(const std::vector<std::string>& command, const std:
   process_ = fork();
   if (process_ == 0) {
     becomeUser(user);
+    // Servers do not outlive a test that was killed; they are started by threads that live as long as it.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(ends[1], STDOUT_FILENO);
     dup2(ends[1], STDERR_FILENO);
     execvp(argv[0], argv.data());
