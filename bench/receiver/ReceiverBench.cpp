@@ -64,7 +64,7 @@ class Receiver {
 void measureUploads(benchmark::State& state, int port, int clients) {
   for (auto _ : state) {
     const auto result = uploadTo(port, {.clients = clients});
-    if (result.failed > 0) state.SkipWithError("uploads were refused");
+    if (result.failed > 0) return state.SkipWithError("uploads were refused");
     state.counters["a second"] = static_cast<double>(result.acknowledged) / result.seconds;
   }
 }
@@ -166,7 +166,7 @@ void measureSlowClients(benchmark::State& state, int count) {
     }
     // Others are answered meanwhile, after all of the above has been read.
     const auto others = uploadTo(receiver.port(), {.clients = 8, .duration = std::chrono::milliseconds(2000)});
-    if (others.acknowledged == 0) state.SkipWithError("nobody else is answered");
+    if (others.acknowledged == 0) return state.SkipWithError("nobody else is answered");
     state.counters["kilobytes for all"] = receiver.residentKilobytes() - before;
     state.counters["answers a second to others"] = static_cast<double>(others.acknowledged) / others.seconds;
     for (const int one : sockets) close(one);

@@ -31,7 +31,7 @@ PostgresServer::PostgresServer(const std::filesystem::path& parent) : folder_(pa
   ServerProcess initialize({kPostgres + "initdb", "-D", folder_.path() / "data", "-A", "trust", "-U", "postgres",
                             "--locale=C.UTF-8", "--no-sync"},
                            "postgres");
-  require(initialize.wait(std::chrono::seconds(60)) == 0, initialize.output());
+  require(initialize.wait(std::chrono::minutes(3)) == 0, initialize.output());
   start();
 }
 
@@ -41,7 +41,7 @@ void PostgresServer::start() {
       std::vector<std::string>{kPostgres + "postgres", "-D", folder_.path() / "data", "-c", "listen_addresses=", "-c",
                                "unix_socket_directories=" + folder_.path().string()},
       "postgres");
-  require(!process_->waitForLine("ready to accept connections").empty(), process_->output());
+  require(!process_->waitForLine("ready to accept connections", std::chrono::minutes(1)).empty(), process_->output());
 }
 
 std::string PostgresServer::address(const std::string& database) const {

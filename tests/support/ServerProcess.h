@@ -23,7 +23,7 @@ class ServerProcess {
   ServerProcess& operator=(const ServerProcess&) = delete;
 
   // The first line that has the text; empty when none came before it ended, or in time.
-  std::string waitForLine(const std::string& text, std::chrono::seconds limit = std::chrono::seconds(20));
+  std::string waitForLine(const std::string& text, std::chrono::seconds limit = std::chrono::seconds(60));
   std::string output();
   bool hasEnded();
   // SIGKILL also ends its children.
