@@ -9,7 +9,8 @@ work=$(mktemp -d)
 database=$work/uploads.db
 exec {log}< <(exec build/release/bin/quillon-consent serve examples/configuration --port 0 --db "$database")
 server=$!
-trap 'kill "$server" 2>/dev/null || true; rm -rf "$work"' EXIT
+started=("$server")
+trap 'kill "${started[@]}" 2>/dev/null || true; rm -rf "$work"' EXIT
 
 fail() {
   echo "demo: $*" >&2
@@ -55,8 +56,18 @@ echo "${seen:-(nothing)}"
 ! grep -q '/consent/mobile_banner/' <<<"$seen" || fail "the configuration was asked for although it is cached"
 
 echo
-echo "== news reader"
-reader=(build/release/bin/quillon-newsreader --server "$url" --data "$work/reader")
+echo "== news reader, whose uploads go to a receiver"
+printf 'demo-tenant news-reader sample-access-token\n' >"$work/tokens"
+exec {receiver_log}< <(exec build/release/bin/quillon-receiver --store "$work/decisions" --tokens "$work/tokens" \
+  --listen 127.0.0.1:0)
+started+=($!)
+read -r -t 20 -u "$receiver_log" line || fail "the receiver did not start"
+receiver=$(sed -n 's|.*"address":"\([^"]*\)".*|\1|p' <<<"$line")
+exec {reader_log}< <(exec build/release/bin/quillon-consent serve examples/configuration --port 0 \
+  --uploads-to "http://$receiver")
+started+=($!)
+read -r -t 20 -u "$reader_log" line || fail "the server did not start"
+reader=(build/release/bin/quillon-newsreader --server "${line#listening on }" --data "$work/reader")
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
   echo "answer the banner, look around, and close the window"
   "${reader[@]}"
@@ -73,11 +84,12 @@ else
   build/release/bin/quillon-consent store --data-dir "$work/reader" get 2 | grep -qx '"granted"' ||
     fail "what was switched on and saved is not granted"
 fi
-seen=$(requests)
-echo "-- what the server was asked"
-echo "$seen"
-[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || grep -q '^POST /vantari/.* 200$' <<<"$seen" ||
-  fail "the choices were not uploaded"
+subject=$(build/release/bin/quillon-consent store --data-dir "$work/reader" get SUBJECT_ID | tr -d '"')
+echo "-- what the receiver has of this subject"
+build/release/bin/quillon-receiver export --store "$work/decisions" "$subject" | tee "$work/export"
+build/release/bin/quillon-receiver stats --store "$work/decisions"
+[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || grep -q '"purpose":"2","status":"granted"' "$work/export" ||
+  fail "the choices did not arrive"
 
 kill "$server"
 wait "$server" || fail "the server did not end cleanly"

@@ -1,6 +1,7 @@
 // quillon-consent: the developer's tool. Each sub-command lives in a folder of its own.
 #include <CLI/CLI.hpp>
 
+#include "tools/check-server/CheckServerCommand.h"
 #include "tools/diff/DiffCommand.h"
 #include "tools/host/HostCommand.h"
 #include "tools/link/LinkCommand.h"
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
 
   int exitCode = 0;
+  quillon::tools::addCheckServerCommand(app, exitCode);
   quillon::tools::addDiffCommand(app, exitCode);
   quillon::tools::addHostCommand(app, exitCode);
   quillon::tools::addLinkCommand(app, exitCode);

@@ -1,6 +1,7 @@
 // quillon-fleet: simulates many devices against real servers.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <boost/json.hpp>
 #include <cstdio>
 #include <fstream>
 #include <map>
@@ -25,6 +26,7 @@ struct FleetOptions {
   FleetPlan plan;
   std::string uploads;
   std::string seconds;
+  std::string statuses;
   double hours = 24;
   double outageHours = 0;
   double outageAt = 8;
@@ -94,6 +96,20 @@ bool writeSeconds(const Fleet& fleet, const std::string& file) {
   return out.flush().good();
 }
 
+bool writeStatuses(const Fleet& fleet, const std::string& file) {
+  std::ofstream out(file);
+  for (const auto& device : fleet.devices()) {
+    boost::json::object purposes;
+    for (const auto& [purpose, status] : device->statuses()) {
+      purposes[std::to_string(purpose)] = std::string(rawValue(status));
+    }
+    out << boost::json::serialize(
+               boost::json::object{{"subject", device->subject()}, {"purposes", std::move(purposes)}})
+        << '\n';
+  }
+  return out.flush().good();
+}
+
 int fail(const std::string& message) {
   std::fprintf(stderr, "quillon-fleet: %s\n", message.c_str());
   return 1;
@@ -112,6 +128,9 @@ int run(FleetOptions options) {
   fleet.run();
   report(fleet);
   if (!options.seconds.empty() && !writeSeconds(fleet, options.seconds)) return fail(options.seconds + ": not written");
+  if (!options.statuses.empty() && !writeStatuses(fleet, options.statuses)) {
+    return fail(options.statuses + ": not written");
+  }
   if (options.uploads.empty()) return 0;
 
   const auto store = tools::UploadStore::open(options.uploads, tools::UploadStore::Access::readOnly);
@@ -152,6 +171,8 @@ void addOptions(CLI::App& app, FleetOptions& options) {
       ->transform(CLI::CheckedTransformer(std::map<std::string, FleetPlan::OutageOf>{
           {"servers", FleetPlan::OutageOf::servers}, {"network", FleetPlan::OutageOf::network}}));
   app.add_option("--uploads", options.uploads, "File of the server's uploads, to account for every decision");
+  app.add_option("--statuses", options.statuses,
+                 "File to write, with a line of JSON for each device: what it says at the end about each purpose");
   app.add_option("--seconds", options.seconds, "CSV file to write, with the requests of each simulated second");
 }
 

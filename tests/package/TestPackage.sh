@@ -129,6 +129,13 @@ if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
   done
   runtime=$(dpkg-deb -f "$work"/packages/libquillon-consent0*.deb Depends)
   [[ $runtime == *libcurl4* && $runtime != *qt6* && $runtime != *boost* ]] || fail "dependencies of the runtime package"
+  if [ -e "$prefix/bin/quillon-receiver" ]; then
+    receiver=$(dpkg-deb -f "$work"/packages/quillon-receiver*.deb Depends)
+    [[ $receiver == *libpq5* && $receiver != *quillon* && $receiver != *qt6* ]] || fail "dependencies of the receiver"
+    for file in bin/quillon-receiver lib/systemd/system/quillon-receiver@.service examples/nginx.conf servers.openapi.json; do
+      dpkg-deb -c "$work"/packages/quillon-receiver*.deb | grep -F "$file" >/dev/null || fail "$file is not packaged"
+    done
+  fi
   for file in libquillon-consent0*:libquillon-linux.so libquillon-consent-dev*:include/quillon/consent.h \
     qml6-module-quillon-consent_*:libquillon-qtquick.so quillon-consent-tools*:bin/quillon-consent; do
     # shellcheck disable=SC2086

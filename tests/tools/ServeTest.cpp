@@ -184,6 +184,22 @@ TEST_F(ServeTest, UploadNeedsTheTokenOfItsApplication) {
   EXPECT_EQ(listed().size(), 3u);
 }
 
+TEST_F(ServeTest, UploadsCanGoToAnotherServerWhoseAnswersComeBack) {
+  start();
+  ToolProcess other({"serve", folder, "--port", "0", "--uploads-to", "http://127.0.0.1:" + std::to_string(port)});
+  const int otherPort =
+      std::stoi(other.readLine().value_or("").substr(std::string("listening on http://127.0.0.1:").size()));
+  const auto post = [&](const std::string& body) {
+    return answered(httplib::Client("127.0.0.1", otherPort)
+                        .Post(uploadPath, {{"X-Auth-Token", "token"}}, body, "application/json"));
+  };
+  EXPECT_EQ(post("{").status, 400);
+  EXPECT_EQ(post(json::serialize(validUpload())).status, 200);
+  EXPECT_EQ(listed().size(), 1u);
+  stop();
+  EXPECT_EQ(post(json::serialize(validUpload())).status, 502);
+}
+
 TEST_F(ServeTest, UploadThatCannotBeKeptIsNotAccepted) {
   start();
   sqlite3* other = nullptr;

@@ -55,8 +55,9 @@ void logRequest(const httplib::Request& request, const httplib::Response& respon
 
 }  // namespace
 
-DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults)
-    : folder_(std::move(folder)), uploads_(uploads), faults_(faults) {
+DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults,
+                                     std::string uploadsTo)
+    : folder_(std::move(folder)), uploads_(uploads), uploadsTo_(std::move(uploadsTo)), faults_(faults) {
   // One handler a method: the library's own routing matches regular expressions against what the client sends.
   http_.Get(".*", [this](const auto& request, auto& response) { get(request, response); });
   http_.Post(".*", [this](const auto& request, auto& response) { post(request, response); });
@@ -139,6 +140,7 @@ void DevelopmentServer::post(const httplib::Request& request, httplib::Response&
 
   const Faults faults = faultsAfterDelay();
   if (faults.fail != 0) return answer(response, faults.fail, 1, "failure on request");
+  if (request.path == kUploadPath && !uploadsTo_.empty()) return passOn(request, response);
   if (request.path == kUploadPath) return upload(request, response, faults.uploadStatus);
   answer(response, 404, 1, "not found");
 }
@@ -157,6 +159,15 @@ void DevelopmentServer::upload(const httplib::Request& request, httplib::Respons
                                   .body = request.body});
   if (!kept) return answer(response, 500, 1, kept.error());
   answer(response, 200, status, status == 0 ? "Consents saved" : "Consents not accepted");
+}
+
+void DevelopmentServer::passOn(const httplib::Request& request, httplib::Response& response) {
+  httplib::Headers headers;
+  if (request.has_header("X-Auth-Token")) headers.emplace("X-Auth-Token", request.get_header_value("X-Auth-Token"));
+  const auto answered = httplib::Client(uploadsTo_).Post(request.path, headers, request.body, kJson);
+  if (!answered) return answer(response, 502, 1, "the server of uploads does not answer");
+  response.status = answered->status;
+  response.set_content(answered->body, kJson);
 }
 
 void DevelopmentServer::control(const httplib::Request& request, httplib::Response& response) {

@@ -19,8 +19,9 @@ class UploadStore;
 // on a pool of threads; each is logged to standard output in one line before its answer is sent.
 class DevelopmentServer {
  public:
-  // uploads must outlive the server.
-  DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults);
+  // uploads must outlive the server. With an address in uploadsTo, such as "http://127.0.0.1:8090", uploads are neither
+  // checked nor kept, but passed on to that server, and its answers back.
+  DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults, std::string uploadsTo = {});
 
   // Takes the port, or a free one for 0, and answers with its number. Connections are queued from then on.
   [[nodiscard]] std::expected<int, std::string> bind(int port);
@@ -39,11 +40,13 @@ class DevelopmentServer {
   void get(const httplib::Request& request, httplib::Response& response);
   void post(const httplib::Request& request, httplib::Response& response);
   void upload(const httplib::Request& request, httplib::Response& response, int status);
+  void passOn(const httplib::Request& request, httplib::Response& response);
   void control(const httplib::Request& request, httplib::Response& response);
   Faults faultsAfterDelay();
 
   ConfigurationFolder folder_;
   UploadStore& uploads_;
+  const std::string uploadsTo_;
   httplib::Server http_;
   socket_t listener_ = INVALID_SOCKET;
   std::atomic<bool> ended_ = false;

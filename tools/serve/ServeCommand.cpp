@@ -46,6 +46,7 @@ the server after the requests under way.)";
 struct ServeOptions {
   std::string folder;
   std::string database;
+  std::string uploadsTo;
   int port = 0;
   bool list = false;
   Faults faults;
@@ -89,7 +90,7 @@ int serve(const ServeOptions& options) {
       UploadStore::open(options.database.empty() ? ":memory:" : options.database, UploadStore::Access::readWrite);
   if (!uploads) return fail(uploads.error());
 
-  DevelopmentServer server(ConfigurationFolder(folder), **uploads, options.faults);
+  DevelopmentServer server(ConfigurationFolder(folder), **uploads, options.faults, options.uploadsTo);
   const auto port = server.bind(options.port);
   if (!port) return fail(port.error());
   std::printf("listening on http://127.0.0.1:%d/\n", *port);
@@ -116,6 +117,8 @@ void addServeCommand(CLI::App& app, int& exitCode) {
       ->check(CLI::Range(0, 65535))
       ->capture_default_str();
   command->add_option("--db", options->database, "SQLite file that keeps the uploads; without it memory keeps them");
+  command->add_option("--uploads-to", options->uploadsTo,
+                      "Pass uploads on to a server of yours, such as http://127.0.0.1:8090, in place of keeping them");
   command->add_flag("--list", options->list,
                     "Print the uploads kept in --db, one JSON object a line (\"received\" in seconds since 1970, the "
                     "\"status\" it was answered with, \"upload\"), and end; also while a server runs");

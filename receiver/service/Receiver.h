@@ -1,0 +1,39 @@
+#pragma once
+
+#include <random>
+#include <string>
+
+#include "receiver/http/HttpServer.h"
+#include "receiver/service/EventLog.h"
+#include "receiver/service/Metrics.h"
+#include "receiver/store/CommitQueue.h"
+#include "receiver/uploads/Tokens.h"
+
+namespace quillon::receiver {
+
+// What each request is answered with. For the thread of the HTTP server; what it is given must outlive it.
+class Receiver {
+ public:
+  struct Options {
+    std::string placeHeader;  // in which the proxy tells a device's place; empty: none is kept
+    bool logsEveryRequest = false;
+  };
+
+  Receiver(Options options, Tokens tokens, CommitQueue& queue, Metrics& metrics, EventLog& log);
+
+  void handle(HttpRequest request, HttpServer::Respond respond, const HttpServer& server);
+  void replaceTokens(Tokens tokens) { tokens_ = std::move(tokens); }
+
+ private:
+  void upload(HttpRequest request, HttpServer::Respond respond);
+  HttpServer::Respond counted(const HttpRequest& request, HttpServer::Respond respond);
+  std::string placeOf(const HttpRequest& request) const;
+
+  const Options options_;
+  Tokens tokens_;
+  CommitQueue& queue_;
+  Metrics& metrics_;
+  EventLog& log_;
+};
+
+}  // namespace quillon::receiver

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace quillon::receiver {
+
+// The program without a sub-command: takes uploads until SIGTERM.
+void addServeOptions(CLI::App& app, int& exitCode);
+
+}  // namespace quillon::receiver

@@ -1,0 +1,156 @@
+#include "receiver/store/PostgresStore.h"
+
+#include <libpq-fe.h>
+
+#include <array>
+#include <charconv>
+
+namespace quillon::receiver {
+namespace {
+
+constexpr std::chrono::seconds kCommitLimit{10};
+constexpr std::chrono::seconds kStatementLimit{10};
+constexpr std::chrono::milliseconds kAsLongAsItTakes{0};
+constexpr int kPartitions = 16;
+constexpr const char* kInsert = "quillon_insert";
+
+// One parameter that holds a column of many rows, as PostgreSQL writes arrays.
+class ArrayText {
+ public:
+  void text(std::string_view value) {
+    separate();
+    text_ += '"';
+    for (const char c : value) {
+      if (c == '"' || c == '\\') text_ += '\\';
+      text_ += c;
+    }
+    text_ += '"';
+  }
+  void number(std::int64_t value) {
+    separate();
+    char digits[24];
+    text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+  }
+  std::string finish() && {
+    text_ += '}';
+    return std::move(text_);
+  }
+
+ private:
+  void separate() {
+    if (text_.size() > 1) text_ += ',';
+  }
+  std::string text_ = "{";
+};
+
+}  // namespace
+
+std::expected<std::unique_ptr<DecisionStore>, StoreError> PostgresStore::open(const std::string& address) {
+  auto connection = PostgresConnection::open(address);
+  if (!connection) return std::unexpected(connection.error());
+  std::unique_ptr<PostgresStore> store(new PostgresStore(*std::move(connection)));
+  if (auto durable = store->makeDurable(); !durable) return std::unexpected(durable.error());
+  if (auto made = store->makeTable(); !made) return std::unexpected(made.error());
+  const std::string insert = "INSERT INTO quillon_decisions(" + std::string(kColumns) +
+                             ") SELECT * FROM unnest($1::text[], $2::text[], $3::text[], $4::text[], $5::text[], "
+                             "$6::bigint[], $7::text[], $8::smallint[], $9::smallint[], $10::smallint[], "
+                             "$11::bigint[], $12::text[], $13::text[], $14::text[], $15::text[], $16::text[], "
+                             "$17::bigint[]) ON CONFLICT DO NOTHING";
+  if (auto prepared = store->connection_->prepare(kInsert, insert); !prepared) return std::unexpected(prepared.error());
+  return store;
+}
+
+// A server, database or user may be set to acknowledge before the commit is on disk. What others set higher stays.
+std::expected<void, StoreError> PostgresStore::makeDurable() {
+  const auto result = query(
+      "SELECT set_config('synchronous_commit', 'on', false) WHERE current_setting('synchronous_commit', true) = 'off'",
+      {});
+  if (!result) return std::unexpected(result.error());
+  return {};
+}
+
+std::expected<void, StoreError> PostgresStore::makeTable() {
+  const auto isThere = [this]() -> std::expected<bool, StoreError> {
+    const auto found = query("SELECT to_regclass('quillon_decisions') IS NOT NULL", {});
+    if (!found) return std::unexpected(found.error());
+    return !found->rows.empty() && found->rows[0][0] == "t";
+  };
+  auto there = isThere();
+  if (!there) return std::unexpected(there.error());
+  if (*there) return {};
+
+  // Bytes are compared as bytes: quicker than by a language's rules, and the same on every machine.
+  const std::string text = " text COLLATE \"C\" NOT NULL, ";
+  const std::string table = "CREATE TABLE quillon_decisions(subject" + text + "tenant" + text + "application" + text +
+                            "kind" + text + "item" + text + "decided_at bigint NOT NULL, status" + text +
+                            "essential smallint NOT NULL, implicit smallint NOT NULL, test smallint NOT NULL, "
+                            "version bigint NOT NULL, compliance text NOT NULL, place text NOT NULL, "
+                            "device text NOT NULL, sdk_version text NOT NULL, ad_id text NOT NULL, "
+                            "received_at bigint NOT NULL, " +
+                            std::string(kKey) + ") PARTITION BY HASH (subject)";
+  // One statement, so all of it is there or nothing, whoever else does the same at the moment.
+  std::string sql = "DO $$ BEGIN " + table + ";";
+  for (int i = 0; i < kPartitions; ++i) {
+    sql += " CREATE TABLE quillon_decisions_" + std::to_string(i) +
+           " PARTITION OF quillon_decisions FOR VALUES WITH (MODULUS " + std::to_string(kPartitions) + ", REMAINDER " +
+           std::to_string(i) + ");";
+  }
+  const auto made = query(sql + " END $$", {});
+  if (made) return {};
+  there = isThere();
+  if (there && *there) return {};  // another instance was quicker
+  return std::unexpected(made.error());
+}
+
+std::expected<std::int64_t, StoreError> PostgresStore::add(std::span<const Upload> uploads) {
+  const auto rows = rowsInOrder(uploads);
+  if (rows.empty()) return 0;
+  std::array<ArrayText, kColumnCount> columns;
+  for (const auto& [upload, decision] : rows) {
+    std::size_t index = 0;
+    const auto text = [&](std::string_view value) { columns[index++].text(value); };
+    const auto number = [&](std::int64_t value) { columns[index++].number(value); };
+    text(upload->subject);
+    text(upload->tenant);
+    text(upload->application);
+    text(textOf(decision->kind));
+    text(decision->item);
+    number(decision->decidedAt);
+    text(textOf(decision->status));
+    number(decision->isEssential);
+    number(upload->isImplicit);
+    number(upload->isTest);
+    number(upload->version);
+    text(upload->compliance);
+    text(upload->place);
+    text(upload->device);
+    text(upload->sdkVersion);
+    text(upload->advertisingId);
+    number(upload->receivedAt);
+  }
+  std::vector<std::string> parameters;
+  for (ArrayText& column : columns) parameters.push_back(std::move(column).finish());
+  const auto result = connection_->executePrepared(kInsert, parameters, kCommitLimit);
+  if (!result) return std::unexpected(result.error());
+  return std::atoll(PQcmdTuples(result->get()));
+}
+
+std::expected<SqlStore::Result, StoreError> PostgresStore::query(std::string_view sql,
+                                                                 std::span<const std::string> parameters) {
+  // What looks through all decisions takes its time.
+  const bool isLong = sql.starts_with("DELETE") || sql.find("GROUP BY") != std::string_view::npos;
+  auto rows = connection_->execute(std::string(sql), parameters, isLong ? kAsLongAsItTakes : kStatementLimit);
+  if (!rows) return std::unexpected(rows.error());
+  Result result;
+  for (int row = 0; row < PQntuples(rows->get()); ++row) {
+    auto& values = result.rows.emplace_back();
+    for (int column = 0; column < PQnfields(rows->get()); ++column) {
+      values.emplace_back(PQgetvalue(rows->get(), row, column),
+                          static_cast<std::size_t>(PQgetlength(rows->get(), row, column)));
+    }
+  }
+  result.affected = std::atoll(PQcmdTuples(rows->get()));
+  return result;
+}
+
+}  // namespace quillon::receiver

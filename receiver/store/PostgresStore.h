@@ -1,0 +1,26 @@
+#pragma once
+
+#include "receiver/store/PostgresConnection.h"
+#include "receiver/store/SqlStore.h"
+
+namespace quillon::receiver {
+
+// A PostgreSQL server, or an engine that speaks its protocol.
+class PostgresStore final : public SqlStore {
+ public:
+  // Makes the table when it is missing: partitioned by subject where the server can, else plain.
+  [[nodiscard]] static std::expected<std::unique_ptr<DecisionStore>, StoreError> open(const std::string& address);
+
+  std::expected<std::int64_t, StoreError> add(std::span<const Upload> uploads) override;
+
+ private:
+  explicit PostgresStore(std::unique_ptr<PostgresConnection> connection) : connection_(std::move(connection)) {}
+
+  std::expected<Result, StoreError> query(std::string_view sql, std::span<const std::string> parameters) override;
+  std::expected<void, StoreError> makeTable();
+  std::expected<void, StoreError> makeDurable();
+
+  std::unique_ptr<PostgresConnection> connection_;
+};
+
+}  // namespace quillon::receiver

@@ -1,0 +1,48 @@
+// What a device uploads, as it is kept.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillon::receiver {
+
+enum class Kind { purpose, permission };
+enum class Status { granted, declined, notDetermined, withdrawn };
+
+[[nodiscard]] std::string_view textOf(Kind kind) noexcept;
+[[nodiscard]] std::string_view textOf(Status status) noexcept;
+[[nodiscard]] std::optional<Status> statusOf(std::string_view text) noexcept;
+
+struct Decision {
+  Kind kind = Kind::purpose;
+  std::string item;            // the number of a purpose, the name of a permission
+  std::int64_t decidedAt = 0;  // seconds since 1970-01-01T00:00:00Z, by the clock of the device
+  Status status = Status::notDetermined;
+  bool isEssential = false;
+
+  bool operator==(const Decision&) const = default;
+};
+
+// One request of a device.
+struct Upload {
+  std::string tenant = {};  // whose token it came with
+  std::string application = {};
+  std::string subject = {};
+  std::string device = {};
+  bool isImplicit = false;
+  bool isTest = false;
+  std::int64_t version = 0;     // of the configuration that was answered
+  std::string compliance = {};  // what the banner obeyed, such as "opt-in"
+  std::string advertisingId = {};
+  std::string sdkVersion = {};  // empty when unknown
+  std::string place = {};       // as the proxy in front says, or empty
+  std::int64_t receivedAt = 0;  // seconds since 1970-01-01T00:00:00Z
+  std::vector<Decision> decisions = {};
+
+  bool operator==(const Upload&) const = default;
+};
+
+}  // namespace quillon::receiver

@@ -1,0 +1,247 @@
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <signal.h>
+#include <sqlite3.h>
+
+#include "tests/receiver/Servers.h"
+#include "tests/receiver/UploadBody.h"
+#include "tests/support/Contains.h"
+
+namespace quillon::test {
+namespace {
+
+namespace json = boost::json;
+
+constexpr auto kUploadPath = "/vantari/v1/consent/mobile/singleupload";
+
+struct ReceiverTest : testing::Test {
+  static httplib::Response answered(const httplib::Result& result) {
+    EXPECT_TRUE(result) << httplib::to_string(result.error());
+    return result ? *result : httplib::Response();
+  }
+  static httplib::Response upload(const ReceiverProcess& receiver, const std::string& body,
+                                  const httplib::Headers& headers = {{"X-Auth-Token", "token"}}) {
+    return answered(httplib::Client("127.0.0.1", receiver.port()).Post(kUploadPath, headers, body, "application/json"));
+  }
+  static httplib::Response get(int port, const std::string& path) {
+    return answered(httplib::Client("127.0.0.1", port).Get(path));
+  }
+  std::string officer(const std::string& command, const std::string& arguments) const {
+    return outputOf(QUILLON_RECEIVER_PROGRAM " " + command + " --store " + store + " " + arguments);
+  }
+  // Another writer, which lets nobody else write while it lives.
+  struct Lock {
+    explicit Lock(const std::string& store) {
+      EXPECT_EQ(sqlite3_open((store + "/decisions.db").c_str(), &database), SQLITE_OK);
+      EXPECT_EQ(sqlite3_exec(database, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    }
+    ~Lock() { sqlite3_close(database); }
+    sqlite3* database = nullptr;
+  };
+
+  const TemporaryFolder folder{TemporaryFolder::fastParent()};
+  const std::string store = folder.path() / "store";
+};
+
+// A connection that the test writes to as slowly as it likes.
+class SlowClient {
+ public:
+  explicit SlowClient(int port) {
+    const sockaddr_in address{.sin_family = AF_INET,
+                              .sin_port = htons(static_cast<std::uint16_t>(port)),
+                              .sin_addr = {htonl(INADDR_LOOPBACK)},
+                              .sin_zero = {}};
+    EXPECT_EQ(connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  }
+  ~SlowClient() { close(socket_); }
+  SlowClient(const SlowClient&) = delete;
+  SlowClient& operator=(const SlowClient&) = delete;
+  void say(const std::string& text) const { EXPECT_GT(send(socket_, text.data(), text.size(), MSG_NOSIGNAL), 0); }
+  ssize_t receive(char* data, std::size_t size) const { return recv(socket_, data, size, MSG_WAITALL); }
+  // Until the server closes, or the answer's headers and body have come.
+  std::string hear() const {
+    const timeval limit{.tv_sec = 20, .tv_usec = 0};
+    setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    std::string text;
+    char chunk[4096];
+    while (text.find("}") == std::string::npos) {
+      const ssize_t count = recv(socket_, chunk, sizeof chunk, 0);
+      if (count <= 0) break;
+      text.append(chunk, static_cast<std::size_t>(count));
+    }
+    return text;
+  }
+
+ private:
+  const int socket_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
+  ReceiverProcess receiver(store, {"--place-header", "X-Place", "--log-requests"});
+  ASSERT_TRUE(receiver.waitUntilReady());
+  const std::string body = uploadBody("anna@example.org", {{2, "granted", 86'400}, {3, "declined", 86'400}});
+  const httplib::Headers headers{{"X-Auth-Token", "secret-token"}, {"X-Place", "DE"}};
+  for (int i = 0; i < 3; ++i) {
+    const auto answer = upload(receiver, body, headers);
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_EQ(answer.body, R"({"status":0,"message":"Consents saved"})");
+    EXPECT_FALSE(answer.has_header("ETag"));
+  }
+  const std::string metrics = get(receiver.port(), "/metrics").body;
+  EXPECT_TRUE(contains(metrics, "decisions_total{kept=\"new\"} 2"));
+  EXPECT_TRUE(contains(metrics, "decisions_total{kept=\"repeated\"} 4"));
+  EXPECT_EQ(get(receiver.port(), "/health").status, 200);
+  EXPECT_EQ(get(receiver.port(), "/").status, 404);
+
+  EXPECT_TRUE(
+      contains(officer("export", "anna@example.org"), R"("purpose":"2","status":"granted","decided_at":86400)"));
+  EXPECT_TRUE(contains(officer("stats", ""), R"("place":"DE","version":3,"day":86400,"status":"declined")"));
+  {
+    ServerProcess page({QUILLON_RECEIVER_PROGRAM, "stats", "--store", store, "--page", "0"});
+    const std::string line = page.waitForLine("listening on http://127.0.0.1:");
+    ASSERT_NE(line, "");
+    const auto shown = get(std::stoi(line.substr(line.rfind(':') + 1)), "/");
+    EXPECT_TRUE(contains(shown.body, "1970-01-02"));
+    EXPECT_TRUE(contains(shown.body, "<svg"));
+    EXPECT_FALSE(contains(shown.body, "anna"));
+    page.sendSignal(SIGTERM);
+    EXPECT_EQ(page.wait(), 0);
+  }
+  EXPECT_TRUE(contains(officer("erase", "anna@example.org"), "2 decisions erased\nstatus 0"));
+  EXPECT_TRUE(contains(officer("export", "anna@example.org"), R"("decisions":[])"));
+
+  receiver.process().sendSignal(SIGTERM);
+  EXPECT_EQ(receiver.process().wait(std::chrono::seconds(5)), 0);
+  const std::string log = receiver.process().output();
+  EXPECT_TRUE(contains(log, R"("event":"request","upload":true,"status":200)"));
+  for (const auto* personal : {"anna", "secret", "granted", "DE", "Linux"}) EXPECT_FALSE(contains(log, personal));
+}
+
+TEST_F(ReceiverTest, TakesTheTokensOfItsFileAndNewOnesAfterASignal) {
+  const auto tokens = folder.path() / "tokens";
+  setFileBytes(tokens, "acme reader first\n");
+  ReceiverProcess receiver(store, {"--tokens", tokens});
+  ASSERT_TRUE(receiver.waitUntilReady());
+  const auto statusWith = [&](const std::string& token) {
+    return upload(receiver, uploadBody("s", {{}}), {{"X-Auth-Token", token}}).status;
+  };
+  EXPECT_EQ(statusWith("first"), 200);
+  EXPECT_EQ(statusWith("second"), 401);
+  EXPECT_EQ(upload(receiver, uploadBody("s", {{}}), {}).status, 401);
+  setFileBytes(tokens, "acme reader first\nacme reader second\n");
+  receiver.process().sendSignal(SIGHUP);
+  EXPECT_TRUE(contains(receiver.process().waitForLine("tokens read"), "\"count\":2"));
+  EXPECT_EQ(statusWith("second"), 200);
+  EXPECT_EQ(statusWith("first"), 200);
+  EXPECT_TRUE(contains(get(receiver.port(), "/metrics").body, "token_uses_total{line=\"2\"} 1"));
+  setFileBytes(tokens, "nonsense\n");
+  receiver.process().sendSignal(SIGHUP);
+  EXPECT_NE(receiver.process().waitForLine("tokens kept"), "");
+  EXPECT_EQ(statusWith("second"), 200);
+  EXPECT_TRUE(contains(officer("export", "s --tenant acme"), "\"tenant\":\"acme\""));
+}
+
+TEST_F(ReceiverTest, RefusesWhatIsNoUploadInAnAnswerThatADeviceReads) {
+  ReceiverProcess receiver(store);
+  ASSERT_TRUE(receiver.waitUntilReady());
+  EXPECT_EQ(upload(receiver, "{").status, 400);
+  EXPECT_EQ(json::parse(upload(receiver, "{").body).at("status"), 1);
+  EXPECT_EQ(get(receiver.port(), kUploadPath).status, 405);
+  EXPECT_EQ(upload(receiver, std::string((1 << 20) + 1, ' ')).status, 413);
+  for (const auto& [request, status] : std::vector<std::pair<std::string, std::string>>{
+           {"nonsense\r\n\r\n", " 400 "},
+           {"GET / HTTP/1.1\r\nA: " + std::string(17'000, 'x') + "\r\n\r\n", " 431 "},
+           {"POST / HTTP/1.1\r\nContent-Length: x\r\n\r\n", " 400 "},
+           {"POST / HTTP/1.1\r\nContent-Length: 99999999999\r\n\r\n", " 413 "},
+           {"POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n", " 400 "}}) {
+    const SlowClient client(receiver.port());
+    client.say(request);
+    EXPECT_TRUE(contains(client.hear(), status)) << request.substr(0, 60);
+  }
+  EXPECT_EQ(upload(receiver, uploadBody("s", {{}})).status, 200);
+}
+
+TEST_F(ReceiverTest, SlowAndBrokenOffClientsCostNobodyAnAnswer) {
+  ReceiverProcess receiver(store, {"--connections", "60"});
+  ASSERT_TRUE(receiver.waitUntilReady());
+  const std::string body = uploadBody("slow", {{}});
+  const std::string head = std::string("POST ") + kUploadPath +
+                           " HTTP/1.1\r\nHost: x\r\nX-Auth-Token: t\r\nContent-Length: " + std::to_string(body.size()) +
+                           "\r\n\r\n";
+  std::vector<std::unique_ptr<SlowClient>> clients;
+  for (int i = 0; i < 50; ++i) {
+    clients.push_back(std::make_unique<SlowClient>(receiver.port()));
+    clients.back()->say(i % 2 == 0 ? head.substr(0, 20) : head + body.substr(0, 10));
+  }
+  EXPECT_EQ(upload(receiver, uploadBody("quick", {{}})).status, 200);
+  clients[1]->say(body.substr(10));
+  EXPECT_TRUE(contains(clients[1]->hear(), "Consents saved"));
+  for (int i = 0; i < 20; ++i) clients.push_back(std::make_unique<SlowClient>(receiver.port()));
+  EXPECT_TRUE(contains(clients.back()->hear(), "503 Service Unavailable"));
+  clients.clear();
+  EXPECT_TRUE(contains(officer("export", "slow"), "granted"));
+  receiver.process().sendSignal(SIGTERM);
+  EXPECT_EQ(receiver.process().wait(std::chrono::seconds(5)), 0);
+}
+
+TEST_F(ReceiverTest, WithoutItsStoreItAnswers503AndGoesOnWhenItIsBack) {
+  setFileBytes(folder.path() / "store", "no folder");
+  ReceiverProcess receiver(store);
+  ASSERT_NE(receiver.process().waitForLine("store lost"), "");
+  const auto refused = upload(receiver, uploadBody("s", {{}}));
+  EXPECT_EQ(refused.status, 503);
+  EXPECT_EQ(refused.get_header_value("Retry-After"), "30");
+  EXPECT_EQ(get(receiver.port(), "/health").status, 503);
+  std::filesystem::remove(folder.path() / "store");
+  ASSERT_TRUE(receiver.waitUntilReady());
+  EXPECT_EQ(upload(receiver, uploadBody("s", {{}})).status, 200);
+}
+
+TEST_F(ReceiverTest, LeavesWithinFiveSecondsAfterAnsweringWhatItTook) {
+  ReceiverProcess receiver(store);
+  ASSERT_TRUE(receiver.waitUntilReady());
+  const std::string body = uploadBody("taken", {{}});
+  const SlowClient client(receiver.port());
+  client.say(std::string("POST ") + kUploadPath + " HTTP/1.1\r\nX-Auth-Token: t\r\nContent-Length: " +
+             std::to_string(body.size()) + "\r\nExpect: 100-continue\r\n\r\n");
+  // Told to go on, the request is under way.
+  std::string goOn = "HTTP/1.1 100 Continue\r\n\r\n";
+  ASSERT_EQ(client.receive(goOn.data(), goOn.size()), static_cast<ssize_t>(goOn.size()));
+  const SlowClient idle(receiver.port());
+  receiver.process().sendSignal(SIGTERM);
+  ASSERT_NE(receiver.process().waitForLine("\"ending\""), "");
+  client.say(body);
+  EXPECT_TRUE(contains(client.hear(), "Consents saved"));
+  EXPECT_EQ(receiver.process().wait(std::chrono::seconds(5)), 0);
+  EXPECT_TRUE(contains(officer("export", "taken"), "granted"));
+}
+
+TEST_F(ReceiverTest, LeavesWithinFiveSecondsWhenItsStoreHoldsItUpAndAcknowledgesNothing) {
+  ReceiverProcess receiver(store);
+  ASSERT_TRUE(receiver.waitUntilReady());
+  const Lock lock(store);
+  const std::string body = uploadBody("held", {{}});
+  const SlowClient client(receiver.port());
+  client.say(std::string("POST ") + kUploadPath +
+             " HTTP/1.1\r\nX-Auth-Token: t\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+  // One thread reads both connections, and this one came later.
+  EXPECT_EQ(get(receiver.port(), "/health").status, 200);
+  receiver.process().sendSignal(SIGTERM);
+  EXPECT_EQ(receiver.process().wait(std::chrono::seconds(5)), 0);
+  EXPECT_FALSE(contains(client.hear(), "saved"));
+}
+
+TEST_F(ReceiverTest, WrongCommandLineIsAnErrorAndLookingMakesNoStore) {
+  for (const auto* arguments : {"", "--store x", "--store x --any-token --tokens y", "--store x --tokens /missing",
+                                "--store x --any-token --listen nonsense", "--store x --any-token --listen 127.0.0.1:x",
+                                "export --store /missing s", "stats --store /missing", "expire --store x"}) {
+    EXPECT_FALSE(
+        outputOf("cd " + folder.path().string() + "; " QUILLON_RECEIVER_PROGRAM " " + arguments).ends_with("status 0"))
+        << arguments;
+  }
+  EXPECT_FALSE(std::filesystem::exists("/missing"));
+}
+
+}  // namespace
+}  // namespace quillon::test
