@@ -183,7 +183,11 @@ bool ConsentUploader::isDue(const StoredValues& stored, const NewestDecisions& n
                             const ConfigurationPointer& configuration) const {
   if (stored.boolean(key::uploadConsentRequestPending)) return true;
   constexpr std::int64_t nothingRefused = -1;
-  const std::int64_t refused = stored.integer(key::uploadRefusedUpTo, nothingRefused);
+  std::int64_t refused = stored.integer(key::uploadRefusedUpTo, nothingRefused);
+  // A number beyond all that there are was never refused; believed, it would silence this process for good.
+  if (std::ranges::none_of(newest, [&](const auto& decision) { return decision.second >= refused; })) {
+    refused = nothingRefused;
+  }
   std::set<DecisionSubject> listed;
   for (const Purpose& purpose : s_.loader.purposes(configuration).purposes()) {
     if (purpose.purposeId) listed.insert({.purposeId = purpose.purposeId});

@@ -24,9 +24,11 @@ struct SignalRules;
 /// Thread-safe. Never throws.
 ///
 /// @code
-/// const quillon::Signals signals({.cmpId = 12, .tcf = ..., .us = ...});
-/// for (const auto& mistake : signals.mistakes()) log(mistake);
-/// const quillon::SignalKeys keys = signals.keys(state);
+/// quillon::SignalOptions options;
+/// options.cmpId = 12;  // that the IAB has given to the application's consent management
+/// const quillon::Signals signals(options);
+/// for (const auto& mistake : signals.mistakes()) std::cerr << mistake << "\n";
+/// const quillon::SignalKeys keys = signals.keys(quillon::SignalState());
 /// @endcode
 class Signals {
  public:

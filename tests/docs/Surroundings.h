@@ -1,5 +1,6 @@
 /* What the examples in the public headers take for granted of the application they stand in. */
 #ifdef __cplusplus
+#include <iostream>
 #include <cassert>
 #include <memory>
 #include <string>

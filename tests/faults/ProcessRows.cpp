@@ -333,7 +333,9 @@ Seen twoProcesses(Trial& trial) {
   }
   World world(data);
   world.start();
-  trial.expect(world.stored().pendingPurposes().size() >= 2, "a pending decision was overwritten");
+  const std::string sent = world.uploads().empty() ? "" : boost::json::serialize(world.uploads().back());
+  trial.expect(sent.find("\"purpose_id\":1") != sent.npos && sent.find("\"purpose_id\":2") != sent.npos,
+               "a pending decision was overwritten: " + sent);
   return seen(world, "1=" + world.text("1").value_or("nothing") + " 2=" + world.text("2").value_or("nothing"));
 }
 

@@ -159,18 +159,29 @@ TEST_F(KillTest, DevicesOfAFleetHaveTheirPresentAnswersAtTheServer) {
   const TemporaryFolder folder(TemporaryFolder::fastParent());
   const std::string statuses = folder.path() / "statuses";
   const std::string faults = folder.path() / "faults";
-  ServerProcess fleet({QUILLON_CONSENT, "fleet",
-                       "--devices",     devices,
-                       "--hours",       "36",
-                       "--changes",     "6",
-                       "--outage",      "10",
-                       "--outage-at",   "1",
-                       "--outage-file", faults,
-                       "--statuses",    statuses,
-                       "--cdn",         nginx->cdnUrl(),
-                       "--app",         nginx->appUrl(),
-                       "--tenant",      "demo-tenant",
-                       "--app-id",      "news-reader"});
+  ServerProcess fleet({QUILLON_FLEET,
+                       "--devices",
+                       devices,
+                       "--hours",
+                       "36",
+                       "--changes",
+                       "6",
+                       "--outage",
+                       "10",
+                       "--outage-at",
+                       "1",
+                       "--outage-file",
+                       faults,
+                       "--statuses",
+                       statuses,
+                       "--cdn",
+                       nginx->cdnUrl(),
+                       "--app",
+                       nginx->appUrl(),
+                       "--tenant",
+                       "demo-tenant",
+                       "--app-id",
+                       "news-reader"});
   while (!std::filesystem::exists(faults) && !fleet.hasEnded()) std::this_thread::sleep_for(1ms);
   killAtRandom(300ms, [&] { return std::filesystem::exists(faults); });
   // Its day is seconds of ours: it waits until all is well again.

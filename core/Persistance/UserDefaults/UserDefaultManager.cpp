@@ -53,7 +53,8 @@ KeyValueSuite& UserDefaultManager::suite() const {
     auto opened = platform_.store->open(key::suiteName, std::move(report));
     if (!opened) {
       // The logger reads the store, so the reason goes to the console directly.
-      platform_.console->write("[ERROR]The consent store cannot be used: " + escapedForLog(opened.error()));
+      platform_.console->write(platform_.clock->localText(platform_.clock->now()) + " [ERROR] " +
+                               escapedForLog(opened.error()));
       platform_.console->fatal("Could not create or access UserDefaults suite: " + std::string(key::suiteName),
                                sourceFile);
     }
