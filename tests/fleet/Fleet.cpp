@@ -5,9 +5,9 @@
 
 #include "platform/linux/CurlHttpSession.h"
 #include "platform/memory/FixedHostApplication.h"
-#include "platform/memory/SeededRandom.h"
 #include "platform/memory/FixedLocale.h"
 #include "platform/memory/NoPermissionSources.h"
+#include "platform/memory/SeededRandom.h"
 #include "platform/parts/FatalError.h"
 #include "platform/parts/FixedAppTracking.h"
 
