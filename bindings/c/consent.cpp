@@ -13,6 +13,7 @@
 #include "platform/ScreenServices.h"
 #include "quillon/ConsentSDK.h"
 #include "quillon/LinuxPlatform.h"
+#include "quillon/SDKLogger.h"
 
 namespace quillon {
 namespace {
@@ -113,6 +114,14 @@ std::vector<const Record*> addresses(const std::vector<Record>& records) {
   return all;
 }
 
+// A record without its size would read as one without any field.
+bool hasSize(std::size_t size, const char* function) {
+  if (size > 0) return true;
+  SDKLogger::shared().log("The record's size is 0: it should be sizeof the record", LogLevel::error, function, __FILE__,
+                          __LINE__);
+  return false;
+}
+
 std::vector<quillon_signal> signalsOf(const std::map<std::string, std::string>& values) {
   std::vector<quillon_signal> signals;
   signals.reserve(values.size());
@@ -157,7 +166,7 @@ extern "C" {
 
 int32_t quillon_configure(const quillon_platform* platform) {
   return guarded([&] {
-    if (platform == nullptr) return 0;
+    if (platform == nullptr || !hasSize(platform->size, "quillon_configure")) return 0;
     const quillon_platform given = fieldsOf(*platform);
     LinuxOptions options{.applicationId = text(given.application_id)};
     if (given.data_directory != nullptr) options.dataDirectory = given.data_directory;
@@ -170,7 +179,7 @@ int32_t quillon_configure(const quillon_platform* platform) {
 
 int32_t quillon_setup(const quillon_options* options) {
   return guarded([&] {
-    if (options == nullptr) return 0;
+    if (options == nullptr || !hasSize(options->size, "quillon_setup")) return 0;
     const quillon_options given = fieldsOf(*options);
     for (const char* required : {given.app_url, given.cdn_url, given.tenant_id, given.app_id}) {
       if (required == nullptr) return 0;

@@ -1,6 +1,7 @@
 // Putting a configuration in force: what it means for the store, and what follows.
 #include "core/Banner/BannerSelection.h"
 #include "core/ConsentSDK/ConfigurationLoader.h"
+#include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
@@ -37,6 +38,8 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   co_await place.turn();
   if (!isWanted()) co_return std::nullopt;
 
+  const auto earlier = this->inForce();
+  if (!earlier || earlier->configuration != configuration) warnOfUnknownRegion(*session, *configuration);
   const BannerConfig* banner = selectBanner(*configuration, location);
   std::optional<ComplianceType> type;
   if (banner) type = banner->complianceType.value_or(ComplianceType::noticeOnly);
@@ -57,6 +60,20 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   const bool changed = reconcile(configuration);
   s_.consentMode.updateFirebaseConsent(configuration, location);
   co_return changed;
+}
+
+void ConfigurationLoader::warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration) {
+  const auto& region = session.options.locationCode;
+  if (!region || !configuration.bannerConfig) return;
+  const auto& locations = configuration.bannerConfig->locations;
+  if (locations.contains(*region) || locations.contains(region->substr(0, region->find('#')))) return;
+  std::string known;
+  for (const auto& [place, category] : locations) known += (known.empty() ? "" : ", ") + place;
+  if (known.empty() || known == "default") return;  // it makes no difference by the region
+  UnitLog(s_.logger, "ConsentSDK/ConsentSDK+CDNUtils")(
+      LogLevel::warning,
+      "No banner of the configuration is for " + escapedForLog(*region) + "; it knows " + escapedForLog(known),
+      "setup(options:)");
 }
 
 bool ConfigurationLoader::reconcile(const ConfigurationPointer& configuration) {

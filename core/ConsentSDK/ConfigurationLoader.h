@@ -93,6 +93,7 @@ class ConfigurationLoader {
   Task<std::optional<bool>> apply(SessionPointer session, ConfigurationPointer configuration,
                                   std::function<bool()> isWanted);
   bool reconcile(const ConfigurationPointer& configuration);
+  void warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration);
   Served served(const SessionPointer& session, ConfigurationPointer cached) const;
   bool isFresh(const Served& cached);
   void setReady(const SessionPointer& session, SDKStatus status);

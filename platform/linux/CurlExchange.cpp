@@ -106,8 +106,7 @@ bool CurlExchange::prepareHop() {
   const auto left = std::chrono::ceil<milliseconds>(deadline_ - steady_clock::now());
   set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::max(left, milliseconds(1)).count()));  // zero would mean for ever
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(milliseconds(connectLimit).count()));
-  set(CURLOPT_LOW_SPEED_LIMIT, stallBytesPerSecond);
-  set(CURLOPT_LOW_SPEED_TIME, stallSeconds);
+  set(CURLOPT_LOW_SPEED_LIMIT, 0L);  // a server may think for as long as the request may take; see onHeader()
 
   if (request_.body) {
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body->size()));
@@ -221,6 +220,11 @@ void CurlExchange::complete(Outcome outcome) noexcept {
 
 std::size_t CurlExchange::onHeader(char* /*bytes*/, std::size_t size, std::size_t count, void* self) {
   auto& exchange = *static_cast<CurlExchange*>(self);
+  if (exchange.headerBytes_ == 0) {
+    // It has begun to answer: from here on silence is a stall.
+    curl_easy_setopt(exchange.handle(), CURLOPT_LOW_SPEED_LIMIT, stallBytesPerSecond);
+    curl_easy_setopt(exchange.handle(), CURLOPT_LOW_SPEED_TIME, stallSeconds);
+  }
   exchange.headerBytes_ += size * count;
   if (exchange.headerBytes_ <= mostHeaderBytes) return size * count;
   exchange.tooLarge_ = true;

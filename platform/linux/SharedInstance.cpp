@@ -52,8 +52,13 @@ bool configure(LinuxOptions options) {
 }
 
 bool configure(LinuxOptions options, std::shared_ptr<ScreenPresenter> screens) {
-  const std::scoped_lock lock(settings().mutex);
-  if (settings().taken) return false;
+  std::unique_lock lock(settings().mutex);
+  if (settings().taken) {
+    lock.unlock();  // the logger may make the instance
+    SDKLogger::shared().log("configure() was called after the first use of the SDK, and does nothing: call it first",
+                            LogLevel::error, __func__, __FILE__, __LINE__);
+    return false;
+  }
   settings().options = std::move(options);
   settings().screens = std::move(screens);
   return true;

@@ -107,11 +107,12 @@ Run saying(const std::string& text) {
 
 Run stallingAfter(const std::string& text, const std::string& scheme = "http") {
   return [text, scheme](Trial& trial) {
+    const auto limit = text.empty() && scheme == "http" ? wholeLimit : stallLimit;
     const RawServer server([&](int connection) {
       RawServer::say(connection, text);
       RawServer::fallSilent(connection);
     });
-    return whileServersAre(trial, scheme + server.url().substr(4));
+    return whileServersAre(trial, scheme + server.url().substr(4), limit);
   };
 }
 

@@ -1,5 +1,8 @@
 #include "quillon/QtQuick.h"
 
+#include <QCoreApplication>
+#include <QThread>
+
 #include "platform/linux/LinuxPlatform.h"
 #include "ui/qtquick/MainQueue.h"
 #include "ui/qtquick/Module.h"
@@ -9,6 +12,11 @@
 namespace quillon {
 
 bool configureQtQuick(LinuxOptions options, QtQuickOptions screens) {
+  const auto* application = QCoreApplication::instance();
+  if (application && application->thread() != QThread::currentThread()) {
+    qCritical("quillon::configureQtQuick: must be called on the thread of the application object; nothing is done");
+    return false;
+  }
   MainQueue& queue = MainQueue::instance();
   options.postToMainQueue = [&queue](std::function<void()> job) { queue.post(std::move(job)); };
   const auto presenter = QtScreenPresenter::make(screens);

@@ -6,6 +6,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "platform/ScreenServices.h"
+#include "quillon/Held.h"
 #include "quillon/Testing.h"
 #include "tests/support/World.h"
 
@@ -133,6 +134,30 @@ TEST_F(Safety, AGateFollowsEveryCauseInTurn) {
   sdk->acceptOrReject(false).wait();
   device.settle();
   EXPECT_EQ(calls, "e+-+");
+}
+
+TEST_F(Safety, WhatWaitsForAConsentIsDeliveredOnceOrDroppedOnce) {
+  device.publish(documentOf("opt-in"));
+  launch();
+  auto now = std::chrono::steady_clock::time_point();
+  std::string delivered;
+  Held<char> events(*sdk, 1, [&](char event) { delivered += event; }, {3, 10s, [&] { return now; }});
+  for (const char event : std::string("abcd")) events.add(event);
+  EXPECT_EQ(events.dropped(), 1u) << "the oldest goes first";
+  now += 11s;
+  events.add('e');
+  device.settle();
+  EXPECT_EQ(delivered, "");
+  EXPECT_EQ(events.waiting(), 1u);
+  sdk->acceptOrReject(true).wait();
+  device.settle();
+  events.add('f');
+  EXPECT_EQ(delivered, "ef");
+  sdk->set({.purposeId = 1}, declined);
+  events.add('g');
+  device.settle();
+  EXPECT_EQ(delivered, "ef");
+  EXPECT_EQ(events.dropped(), 5u);
 }
 
 TEST_F(Safety, ABannerWithNothingToAnswerRecordsNothing) {
