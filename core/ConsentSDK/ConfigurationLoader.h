@@ -86,8 +86,8 @@ class ConfigurationLoader {
   Task<Loaded> run(SessionPointer session, std::shared_ptr<Flight> flight);
   Task<ConfigurationPointer> download(SessionPointer session, ConfigurationPointer cached);
   // Goes on with what there is while the download takes longer than the application wants to wait.
-  std::unique_ptr<Timer> serveAfter(SessionPointer session, std::shared_ptr<Flight> flight,
-                                    ConfigurationPointer cached);
+  std::unique_ptr<Timer> serveAfter(const SessionPointer& session, const std::shared_ptr<Flight>& flight,
+                                    const ConfigurationPointer& cached);
   // True when applying changed a consent. Nothing when the session is over, or the configuration is not wanted any more
   // once its turn has come.
   Task<std::optional<bool>> apply(SessionPointer session, ConfigurationPointer configuration,

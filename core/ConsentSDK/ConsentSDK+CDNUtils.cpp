@@ -91,8 +91,9 @@ Task<ConfigurationLoader::Loaded> ConfigurationLoader::run(SessionPointer sessio
   co_return loaded;
 }
 
-std::unique_ptr<Timer> ConfigurationLoader::serveAfter(SessionPointer session, std::shared_ptr<Flight> flight,
-                                                       ConfigurationPointer cached) {
+std::unique_ptr<Timer> ConfigurationLoader::serveAfter(const SessionPointer& session,
+                                                       const std::shared_ptr<Flight>& flight,
+                                                       const ConfigurationPointer& cached) {
   const auto& limit = session->options.readyWithin;
   if (!limit || inForce()) return nullptr;
   return s_.platform.clock->after(*limit, s_.work.whileAlive([this, session, flight, cached] {

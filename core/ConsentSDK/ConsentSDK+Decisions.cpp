@@ -75,7 +75,7 @@ DecisionRecorder::FollowUp DecisionRecorder::record(const Write& write) {
   });
   if (!stored) return {};
   return [this, configuration, place = permissions_.join()]() mutable {
-    return recordPermissions(std::move(configuration), std::move(place));
+    return recordPermissions(configuration, std::move(place));
   };
 }
 

@@ -112,13 +112,15 @@ std::future<std::vector<AppPermission>> ConsentSDK::getPermissionConsents() {
 }
 
 void ConsentSDK::checkConsentBy(VantariKey permissionId, std::function<void(ConsentStatus)> callback) {
-  answer<ConsentStatus>(core_, std::move(callback),
-                        [core = core_, permissionId] { return core->questions.livePermission(permissionId); });
+  answer<ConsentStatus>(core_, std::move(callback), [core = core_, permissionId = std::move(permissionId)] {
+    return core->questions.livePermission(permissionId);
+  });
 }
 
 std::future<ConsentStatus> ConsentSDK::checkConsentBy(VantariKey permissionId) {
   return promise<ConsentStatus>(
-      core_, [core = core_, permissionId] { return core->questions.livePermission(permissionId); },
+      core_,
+      [core = core_, permissionId = std::move(permissionId)] { return core->questions.livePermission(permissionId); },
       ConsentStatus::notDetermined);
 }
 
@@ -259,8 +261,9 @@ void ConsentSDK::registerFonts(std::optional<CustomFont> heading, std::optional<
   core_->theme.registerFonts({std::move(heading), std::move(body), std::move(subHeading), std::move(headingLight)});
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): as it is declared for applications
 void ConsentSDK::registerColors(CustomColors colors) {
-  core_->theme.registerColors(std::move(colors));
+  core_->theme.registerColors(colors);
 }
 
 std::future<void> ConsentSDK::settled() {

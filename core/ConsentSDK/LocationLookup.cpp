@@ -58,7 +58,7 @@ std::shared_ptr<TaskEvent> LocationLookup::request(const std::string& language) 
     over->signal();
   });
   work_.start([this, over, end = std::move(end), language]() mutable -> Task<void> {
-    co_await ask(std::move(language));
+    co_await ask(language);
     end.reset();
     if (over->hasTimedOut()) late_();
   });

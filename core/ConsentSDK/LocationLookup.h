@@ -31,7 +31,7 @@ class LocationLookup {
 
  private:
   // Whether the time under that key lies no longer back than that.
-  bool isWithin(std::string_view timestamp, std::chrono::seconds lifetime) const;
+  bool isWithin(std::string_view timestamp, std::chrono::seconds limit) const;
   // Starts a request unless one is in flight; the event is signalled when it is over.
   std::shared_ptr<TaskEvent> request(const std::string& language);
   Task<void> ask(std::string language);

@@ -38,7 +38,7 @@ void Theme::registerFonts(ScreenFonts fonts) {
   replace(fonts_.headingLight, std::move(fonts.headingLight));
 }
 
-void Theme::registerColors(CustomColors colors) {
+void Theme::registerColors(const CustomColors& colors) {
   const std::scoped_lock lock(mutex_);
   if (!registered_) registered_.emplace();
   replaceRoles(*registered_, colors);

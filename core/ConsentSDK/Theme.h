@@ -14,7 +14,7 @@ class Theme {
  public:
   // The application's: replaces the fonts and colours that are given; the others stay. An empty colour is none.
   void registerFonts(ScreenFonts fonts);
-  void registerColors(CustomColors colors);
+  void registerColors(const CustomColors& colors);
 
   // The configuration's, for as long as that configuration is shown.
   void configureColors(std::optional<CustomColors> palette);

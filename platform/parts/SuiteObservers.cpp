@@ -23,11 +23,11 @@ class SuiteObservers::Subscription : public SuiteSubscription {
 };
 
 std::unique_ptr<SuiteSubscription> SuiteObservers::add(std::function<void()> changed) {
-  auto observer = std::make_shared<Observer>(std::move(changed));
+  const auto observer = std::make_shared<Observer>(std::move(changed));
   auto subscription = std::make_unique<Subscription>(observer);
   const std::lock_guard lock(mutex_);
   std::erase_if(observers_, [](const auto& known) { return known.expired(); });
-  observers_.push_back(std::move(observer));
+  observers_.push_back(observer);
   return subscription;
 }
 

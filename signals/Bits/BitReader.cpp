@@ -13,7 +13,9 @@ constexpr std::uint8_t kNoDigit = 64;
 constexpr auto digitValues = [] {
   std::array<std::uint8_t, 256> values{};
   values.fill(kNoDigit);
-  for (std::uint8_t i = 0; i < base64UrlDigits.size(); ++i) values[static_cast<unsigned char>(base64UrlDigits[i])] = i;
+  for (std::size_t i = 0; i < base64UrlDigits.size(); ++i) {
+    values[static_cast<unsigned char>(base64UrlDigits[i])] = static_cast<std::uint8_t>(i);
+  }
   return values;
 }();
 

@@ -18,7 +18,8 @@ using Complaint = std::optional<std::string>;
 struct IdArray {
   static constexpr std::size_t kMost = 64;
 
-  IdArray() {}  // the numbers are written before they are read
+  // The numbers are written before they are read, and a default would write them all.
+  IdArray() {}  // NOLINT(modernize-use-equals-default)
 
   std::size_t count = 0;  // may be more than there is room for
   std::array<std::int64_t, kMost> ids;

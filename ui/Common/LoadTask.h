@@ -30,8 +30,8 @@ class [[nodiscard]] LoadTask {
   static LoadTask startWithContent(const std::shared_ptr<ScreenServices>& sdk, std::weak_ptr<Model> model, Work work,
                                    Deliver deliver) {
     LoadTask task;
-    sdk->load([sdk, prepared = task.delivery(std::move(model), std::move(deliver)), work = std::move(work)](
-                  ScreenContent content) mutable { return prepared(work(std::move(content), *sdk)); });
+    sdk->load([sdk, prepared = task.delivery(std::move(model), std::move(deliver)),
+               work = std::move(work)](const ScreenContent& content) mutable { return prepared(work(content, *sdk)); });
     return task;
   }
 
