@@ -86,7 +86,9 @@ void ConfigurationLoader::reapply() {
   const auto present = inForce();
   if (!present) return;
   s_.work.start([this, present]() -> Task<void> {
-    co_await apply(present->session, present->configuration, [this, present] { return inForce() == present; });
+    // Named: GCC 12 destroys a closure twice that is a temporary of an awaited call.
+    const std::function<bool()> isWanted = [this, present] { return inForce() == present; };
+    co_await apply(present->session, present->configuration, isWanted);
   });
 }
 

@@ -82,7 +82,8 @@ Task<ConfigurationLoader::Loaded> ConfigurationLoader::run(SessionPointer sessio
   if (!configuration) configuration = cache_.bundled();
   Loaded loaded{configuration};
   if (configuration) {
-    const auto changed = co_await apply(session, configuration, [] { return true; });
+    const std::function<bool()> always = [] { return true; };
+    const auto changed = co_await apply(session, configuration, always);
     if (!changed) co_return Loaded{};
     loaded.changed = *changed;
   }
@@ -99,7 +100,7 @@ std::unique_ptr<Timer> ConfigurationLoader::serveAfter(const SessionPointer& ses
   return s_.platform.clock->after(*limit, s_.work.whileAlive([this, session, flight, cached] {
     s_.work.start([this, session, flight, cached]() mutable -> Task<void> {
       const ConfigurationPointer substitute = cached ? cached : cache_.bundled();
-      const auto isWanted = [flight] { return !flight->isOver; };
+      const std::function<bool()> isWanted = [flight] { return !flight->isOver; };
       if (substitute && !co_await apply(session, substitute, isWanted)) co_return;
       if (!flight->isOver) setReady(session, substitute ? SDKStatus::ready : SDKStatus::unavailable);
     });
