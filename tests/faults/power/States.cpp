@@ -104,7 +104,7 @@ void forEachState(const Disk& disk, std::size_t combinations, std::mt19937& rand
   std::map<std::uint64_t, std::vector<std::string>> choices;
   std::size_t product = names.size();
   for (const auto& [inode, file] : disk.files()) {
-    const auto leads = [inode = inode](const auto& entry) { return entry.second == inode; };
+    const auto leads = [number = inode](const auto& entry) { return entry.second == number; };
     if (std::ranges::none_of(names, [&](const Names& some) { return std::ranges::any_of(some, leads); })) continue;
     auto& chosen = choices[inode] = contents(file, combinations, random);
     product = std::min(product * chosen.size(), std::size_t{1} << 32);
