@@ -368,12 +368,12 @@ TEST_F(Safety, AProcessOfMonthsAsksAgain) {
 
 TEST_F(Safety, ReadinessIsToldToWhoAsksInTheMidst) {
   sdk = device.launch();
-  sdk->setup(device.options());
   std::vector<SDKStatus> heard;
   device.answer([&](const auto&) -> std::optional<quillon::testing::Response> {
     if (heard.empty()) sdk->isReady([&](SDKStatus status) { heard.push_back(status); });
     return std::nullopt;
   });
+  sdk->setup(device.options());
   device.settle();
   EXPECT_EQ(heard, (std::vector{SDKStatus::fetching, SDKStatus::unavailable}));
 }
