@@ -16,12 +16,7 @@ namespace quillon {
 class CheckCycle {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    Work& work;
-    Sessions& sessions;
-    Events& events;
+  struct Services : Foundation {
     ConfigurationLoader& loader;
     ConsentUploader& uploader;
     DecisionRecorder& recorder;

@@ -7,9 +7,8 @@
 #include <optional>
 
 #include "core/Configuration/ConfigurationCache.h"
-#include "core/ConsentSDK/Events.h"
+#include "core/ConsentSDK/Foundation.h"
 #include "core/ConsentSDK/LocationLookup.h"
-#include "core/ConsentSDK/Session.h"
 #include "core/Integrations/GoogleConsentModeHelper.h"
 #include "core/Permissions/PermissionManager.h"
 #include "core/Purposes/PurposeManager.h"
@@ -32,13 +31,7 @@ struct ConfigurationInForce {
 class ConfigurationLoader {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    SDKLogger& logger;
-    Work& work;
-    Sessions& sessions;
-    Events& events;
+  struct Services : Foundation {
     ServerApi& server;
     LocationLookup& location;
     GoogleConsentModeHelper& consentMode;

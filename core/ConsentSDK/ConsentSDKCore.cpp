@@ -15,19 +15,18 @@ ConsentSDK::Core::Core(Platform services)
       sessions(platform),
       events([this](Job job) { work.onMain(std::move(job)); },
              [this](std::int64_t purposeId) { return isAllowed(purposeId); }),
-      others({platform, store, work, events, [this] { loader.refreshConsentMode(); }}),
+      foundation{platform, store, logger, work, sessions, events},
+      others({foundation, [this] { loader.refreshConsentMode(); }}),
       server(platform, store, logger, work.stopToken()),
       location(platform, store, work, server, [this] { loader.reapply(); }),
       consentMode(platform, store, logger, work.stopToken()),
-      loader({platform, store, logger, work, sessions, events, server, location, consentMode}),
-      questions({platform, store, sessions, location, loader}),
-      uploader(
-          {platform, store, logger, work, sessions, events, server, loader, [this] { cycle.startRecurringCheck(); }}),
-      recorder({platform, store, logger, work, sessions, loader, uploader}),
-      screens({platform, store, logger, work, sessions, events, loader, recorder, theme}),
-      cycle({platform, store, work, sessions, events, loader, uploader, recorder, others,
-             [this] { return screens.explainBanner(); }}),
-      setUp({platform, store, logger, sessions, loader, cycle}) {}
+      loader({foundation, server, location, consentMode}),
+      questions({foundation, location, loader}),
+      uploader({foundation, server, loader, [this] { cycle.startRecurringCheck(); }}),
+      recorder({foundation, loader, uploader}),
+      screens({foundation, loader, recorder, theme}),
+      cycle({foundation, loader, uploader, recorder, others, [this] { return screens.explainBanner(); }}),
+      setUp({foundation, loader, cycle}) {}
 
 std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
   auto core = std::make_shared<Core>(std::move(platform));

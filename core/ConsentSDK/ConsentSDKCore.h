@@ -25,6 +25,7 @@ class ConsentSDK::Core {
   Work work;
   Sessions sessions;
   Events events;
+  const Foundation foundation;
   OtherProcesses others;
   Theme theme;
   ServerApi server;

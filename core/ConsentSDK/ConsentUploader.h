@@ -16,13 +16,7 @@ namespace quillon {
 class ConsentUploader {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    SDKLogger& logger;
-    Work& work;
-    Sessions& sessions;
-    Events& events;
+  struct Services : Foundation {
     ServerApi& server;
     ConfigurationLoader& loader;
     std::function<void()> answered;  // after every upload that was accepted or failed

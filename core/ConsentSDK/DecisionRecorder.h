@@ -15,12 +15,7 @@ namespace quillon {
 class DecisionRecorder {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    SDKLogger& logger;
-    Work& work;
-    Sessions& sessions;
+  struct Services : Foundation {
     ConfigurationLoader& loader;
     ConsentUploader& uploader;
   };

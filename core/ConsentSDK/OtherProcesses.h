@@ -6,9 +6,7 @@
 #include <mutex>
 #include <vector>
 
-#include "core/ConsentSDK/Events.h"
-#include "core/ConsentSDK/Work.h"
-#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/ConsentSDK/Foundation.h"
 
 namespace quillon {
 
@@ -16,11 +14,7 @@ namespace quillon {
 class OtherProcesses {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    Work& work;
-    Events& events;
+  struct Services : Foundation {
     std::function<void()> changed;  // in the background, after the listeners were told
   };
   explicit OtherProcesses(Services services) : s_(std::move(services)) {}

@@ -16,10 +16,7 @@ namespace quillon {
 class Questions {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    Sessions& sessions;
+  struct Services : Foundation {
     LocationLookup& location;
     ConfigurationLoader& loader;
   };

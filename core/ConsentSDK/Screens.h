@@ -16,13 +16,7 @@ namespace quillon {
 class Screens : public ScreenServices {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    SDKLogger& logger;
-    Work& work;
-    Sessions& sessions;
-    Events& events;
+  struct Services : Foundation {
     ConfigurationLoader& loader;
     DecisionRecorder& recorder;
     Theme& theme;

@@ -8,11 +8,7 @@ namespace quillon {
 class SetUp {
  public:
   // What it calls; all must outlive it.
-  struct Services {
-    const Platform& platform;
-    UserDefaultManager& store;
-    SDKLogger& logger;
-    Sessions& sessions;
+  struct Services : Foundation {
     ConfigurationLoader& loader;
     CheckCycle& cycle;
   };

@@ -72,6 +72,7 @@ class TcfRules {
       }
     });
     std::vector<Restriction> restrictions;
+    restrictions.reserve(forbidden.size());
     for (auto& [purpose, ids] : forbidden) {
       restrictions.push_back({static_cast<std::uint8_t>(purpose), kNotAllowed, std::move(ids)});
     }

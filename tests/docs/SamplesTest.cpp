@@ -74,14 +74,16 @@ constexpr const char* configuration = R"({
                                      "ad_personalization": []}}
 })";
 
-TEST(ReadmeSample, FindsTheBannerDueOnceThereIsAConfiguration) {
+TEST(ReadmeSample, MeasuresNothingUnaskedAndFindsTheBannerDueOnceThereIsAConfiguration) {
   beforeTheFirstTest();
   (void)ConsentSDK::shared();  // which no configure() changes any more
   device().publish(configuration);
   ::testing::internal::CaptureStdout();
   __real_main();
   device().settle();
-  EXPECT_NE(::testing::internal::GetCapturedStdout().find("time to ask the user\n"), std::string::npos);
+  const std::string said = ::testing::internal::GetCapturedStdout();
+  EXPECT_NE(said.find("measuring is not allowed\n"), std::string::npos) << "nobody was asked yet";
+  EXPECT_NE(said.find("time to ask the user\n"), std::string::npos);
 }
 
 TEST(TestingSample, ItsAssertionsHold) {

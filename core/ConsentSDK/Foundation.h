@@ -1,0 +1,21 @@
+// What every owner stands on.
+#pragma once
+
+#include "core/ConsentSDK/Events.h"
+#include "core/ConsentSDK/Session.h"
+#include "core/ConsentSDK/Work.h"
+#include "core/Persistance/UserDefaults/UserDefaultManager.h"
+
+namespace quillon {
+
+// All of it outlives the owners.
+struct Foundation {
+  const Platform& platform;
+  UserDefaultManager& store;
+  SDKLogger& logger;
+  Work& work;
+  Sessions& sessions;
+  Events& events;
+};
+
+}  // namespace quillon
