@@ -36,7 +36,8 @@ struct Platform {
   std::shared_ptr<HostApplication> host;
   std::shared_ptr<RandomSource> random;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
-  std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is linked
+  std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
+  bool areScreensLinked = false;             // the application has one at hand, configured or not
 
   // Base address of the vendor's application server, which answers location look-ups. Ends in "/".
   std::string vendorUrl = "https://app.quillon.example/";

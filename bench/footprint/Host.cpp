@@ -89,9 +89,9 @@ int main(int argc, char** argv) {
 #ifdef QUILLON_BENCH_SDK
   if (argc < 4) return 2;
 #ifdef QUILLON_BENCH_SCREENS
-  quillon::configureQtQuick({.applicationId = "footprint", .dataDirectory = argv[2]});
+  if (!quillon::configureQtQuick({.applicationId = "footprint", .dataDirectory = argv[2]})) return 1;
 #else
-  quillon::configure({.applicationId = "footprint", .dataDirectory = argv[2]});
+  if (!quillon::configure({.applicationId = "footprint", .dataDirectory = argv[2]})) return 1;
 #endif
   quillon::ConsentSDK& sdk = quillon::ConsentSDK::shared();
   // Marks in a trace of system calls.

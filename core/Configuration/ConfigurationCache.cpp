@@ -9,7 +9,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+CDNUtils";
 constexpr std::size_t maximumFileBytes = std::size_t{32} << 20;
 
 std::string fileUrl(const std::filesystem::path& file) {
@@ -58,8 +57,8 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
     error = configuration.error();
   }
   if (!isCache) {
-    UnitLog(logger_, sourceFile)(LogLevel::error, "Error reading or decoding CDN: " + escapedForLog(error),
-                                 "readCDNFile(isCache:)");
+    UnitLog(logger_, unit::cdnUtils)(LogLevel::error, "Error reading or decoding CDN: " + escapedForLog(error),
+                                     "readCDNFile(isCache:)");
   }
   return nullptr;
 }
@@ -85,7 +84,7 @@ ConfigurationPointer ConfigurationCache::bundled() {
 ConfigurationPointer ConfigurationCache::readBundled(std::string_view resource) const {
   constexpr std::string_view extension = "json";
   if (resource.ends_with(".json")) resource.remove_suffix(extension.size() + 1);
-  const UnitLog log(logger_, sourceFile);
+  const UnitLog log(logger_, unit::cdnUtils);
   std::string name = std::string(resource) + "_" + bundledLanguage_;
   auto document = platform_.host->resource(name, extension);
   if (!document) document = platform_.host->resource(name = resource, extension);
@@ -103,7 +102,7 @@ ConfigurationPointer ConfigurationCache::readBundled(std::string_view resource) 
 void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::string_view name, const Origin& origin,
                                        const std::function<bool()>& isWanted) {
   constexpr std::string_view function = "saveCDNToFile(config:fileName:)";
-  const UnitLog log(logger_, sourceFile);
+  const UnitLog log(logger_, unit::cdnUtils);
   FileSystem& files = *platform_.files;
   const auto folder = files.applicationSupportDirectory();
   if (!folder) return;
@@ -163,7 +162,7 @@ void ConfigurationCache::reset() {
 }
 
 void ConfigurationCache::removeCDNFile(FileSystem& files, const std::filesystem::path& file) {
-  const UnitLog log(logger_, sourceFile);
+  const UnitLog log(logger_, unit::cdnUtils);
   if (const auto removed = files.remove(file); removed) {
     log(LogLevel::info, "Existing file removed: " + escapedForLog(file.string()), "removeCDNFile(_:_:)");
   } else {

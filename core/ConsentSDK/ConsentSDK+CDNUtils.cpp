@@ -9,7 +9,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+CDNUtils";
 constexpr std::string_view function = "getCDNFile()";
 constexpr std::int64_t staleSeconds = 3601;
 
@@ -134,7 +133,7 @@ ConfigurationLoader::Served ConfigurationLoader::served(const SessionPointer& se
 }
 
 Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session, ConfigurationPointer cached) {
-  const UnitLog log(s_.logger, sourceFile);
+  const UnitLog log(s_.logger, unit::cdnUtils);
   for (;;) {
     const auto entries = s_.store.snapshot();
     const StoredValues stored(*entries);

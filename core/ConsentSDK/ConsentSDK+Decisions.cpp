@@ -3,11 +3,6 @@
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
-namespace {
-
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+Decisions";
-
-}  // namespace
 
 bool DecisionRecorder::set(const Purpose& purpose, ConsentStatus consent) {
   if (!purpose.purposeId) return false;
@@ -27,7 +22,7 @@ bool DecisionRecorder::set(const Purpose& purpose, ConsentStatus consent) {
 
 // The application may know better than the configuration at hand, so its word is kept all the same.
 void DecisionRecorder::warn(const Purpose& purpose, ConsentStatus consent) {
-  const UnitLog log(s_.logger, sourceFile);
+  const UnitLog log(s_.logger, unit::decisions);
   const auto inForce = s_.loader.inForce();
   if (!inForce) return;
   const std::string name = "Purpose " + std::to_string(*purpose.purposeId);
@@ -59,8 +54,8 @@ void DecisionRecorder::recordDefaults(const ConfigurationPointer& configuration)
 DecisionRecorder::FollowUp DecisionRecorder::record(const Write& write) {
   const ConfigurationPointer configuration = s_.loader.current();
   if (!configuration) {
-    UnitLog(s_.logger, sourceFile)(LogLevel::error, "There is no configuration whose purposes could be answered",
-                                   "record");
+    UnitLog(s_.logger, unit::decisions)(LogLevel::error, "There is no configuration whose purposes could be answered",
+                                        "record");
     return {};
   }
   const PurposeManager manager = s_.loader.purposes(configuration);

@@ -8,7 +8,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+NetworkAPIs";
 constexpr int notFound = 404;
 
 bool isMissing(const RequestFailure& failure) {
@@ -31,7 +30,7 @@ Task<Answer<MainConfiguration>> ServerApi::getCDN(SessionPointer session) {
                                                  options.cdnUrl);
   if (answer || !isMissing(answer.error())) co_return answer;
   // Applications often publish one file for all languages, so this is no error.
-  UnitLog(logger_, sourceFile)(
+  UnitLog(logger_, unit::networkAPIs)(
       LogLevel::info, "CDN Configuration with " + escapedForLog(session->language) + " language code not found",
       "getCDN(options:)");
   co_return co_await send<MainConfiguration>(GetCDNEndPoint(options, session->mode, session->language, true),
@@ -41,8 +40,8 @@ Task<Answer<MainConfiguration>> ServerApi::getCDN(SessionPointer session) {
 Task<std::optional<CurrentLocationResponse>> ServerApi::getCurrentLocation() {
   auto answer = co_await send<CurrentLocationResponse>(GetCurrentLocationEndPoint(), platform_.vendorUrl);
   if (answer) co_return std::move(answer->value);
-  UnitLog(logger_, sourceFile)(LogLevel::error, "Failed to current location: " + description(answer.error()),
-                               "getCurrentLocation()");
+  UnitLog(logger_, unit::networkAPIs)(LogLevel::error, "Failed to current location: " + description(answer.error()),
+                                      "getCurrentLocation()");
   co_return std::nullopt;
 }
 

@@ -1,14 +1,10 @@
 #include "core/Banner/BannerState.h"
 #include "core/ConsentSDK/Screens.h"
 #include "core/Logger/UnitLog.h"
+#include "core/Permissions/PermissionManager.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
-namespace {
-
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+Screens";
-
-}  // namespace
 
 bool Screens::isBannerDue() {
   if (!s_.loader.inForce()) return false;
@@ -46,10 +42,13 @@ void Screens::withPresenter(Show act) {
 
 void Screens::present(std::string_view operation, Show show) {
   if (!s_.platform.screens) {
-    UnitLog(s_.logger, sourceFile)(LogLevel::error,
-                                   "No user interface is linked or configured, nothing is shown: link "
-                                   "quillon::qtquick and call quillon::configureQtQuick() before the first use",
-                                   operation);
+    const std::string_view mistake =
+        s_.platform.areScreensLinked
+            ? "A user interface is linked but not configured, nothing is shown: call quillon::configureQtQuick() in "
+              "place of quillon::configure(), before the first use"
+            : "No user interface is linked, nothing is shown: link quillon::qtquick and call "
+              "quillon::configureQtQuick() before the first use";
+    UnitLog(s_.logger, unit::screens)(LogLevel::error, mistake, operation);
     return;
   }
   withPresenter(std::move(show));
@@ -111,13 +110,9 @@ Task<bool> Screens::offersSettingsPrompt(VantariKey permission, Offer offer) {
   const auto banner = co_await s_.loader.bannerFor(configuration);
   const auto entries = s_.store.snapshot();
   const StoredValues stored(*entries);
-  const bool wanted = banner && banner->shouldShowSettingsPrompt.value_or(false) &&
-                      stored.boolean(key::isSettingsPromptEnabled) &&
-                      (offer == Offer::always || !stored.boolean(key::hasShownSettingsPrompt));
-  if (!wanted || !configuration->settingPrompt || !configuration->settingPrompt->permissions) co_return false;
-  const auto& switches = *configuration->settingPrompt->permissions;
-  const auto found = switches.find(permission.rawValue());
-  co_return found != switches.end() && found->second;
+  if (!configuration || !banner || !banner->shouldShowSettingsPrompt.value_or(false)) co_return false;
+  if (offer == Offer::unlessClosedBefore && stored.boolean(key::hasShownSettingsPrompt)) co_return false;
+  co_return stored.boolean(key::isSettingsPromptEnabled) && hasSettingsPrompt(*configuration, permission);
 }
 
 void Screens::load(std::function<Job(ScreenContent)> prepare) {
@@ -135,7 +130,11 @@ std::vector<Purpose> Screens::purposes() {
 }
 
 std::vector<AppPermission> Screens::permissions() {
-  return s_.loader.permissions(s_.loader.current()).permissionsWithConsents();
+  auto permissions = s_.loader.permissions(s_.loader.current()).permissionsWithConsents();
+  if (!StoredValues(*s_.store.snapshot()).boolean(key::isSettingsPromptEnabled)) {
+    for (AppPermission& permission : permissions) permission.isSettingsPromptEnabled = false;
+  }
+  return permissions;
 }
 
 bool Screens::run(DecisionRecorder::FollowUp followUp) {

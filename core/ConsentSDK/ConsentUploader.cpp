@@ -11,7 +11,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK+NetworkAPIs";
 constexpr std::string_view function = "uploadConsents(url:request:)";
 constexpr std::int64_t statusAccepted = 0;
 constexpr std::int64_t statusFailed = 1;
@@ -123,7 +122,7 @@ PostConsentsRequest ConsentUploader::request(const Session& session, const Store
 }
 
 Task<bool> ConsentUploader::send(std::string url, PostConsentsRequest request, Sent sent) {
-  const UnitLog log(s_.logger, sourceFile);
+  const UnitLog log(s_.logger, unit::networkAPIs);
   const auto now = [this] { return wholeSeconds(s_.platform.clock->now()); };
   const auto answer = co_await s_.server.postConsents(std::move(url), request);
   if (!answer) {

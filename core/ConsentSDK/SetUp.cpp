@@ -7,11 +7,6 @@
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
-namespace {
-
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK";
-
-}  // namespace
 
 bool SetUp::mustReset(const Session& session) const {
   if (!s_.platform.files->applicationSupportDirectory()) return false;
@@ -27,7 +22,7 @@ void SetUp::run(ConsentSDKOptions given) {
   CheckedOptions checked = checkedOptions(std::move(given));
   s_.logger.setLogLevel(checked.options.logLevel);
   for (const std::string& mistake : checked.mistakes) {
-    UnitLog(s_.logger, sourceFile)(LogLevel::error, mistake, "setup(options:)");
+    UnitLog(s_.logger, unit::consentSDK)(LogLevel::error, mistake, "setup(options:)");
   }
   const SessionPointer session = s_.sessions.begin(std::move(checked.options));
   const bool reset = mustReset(*session);

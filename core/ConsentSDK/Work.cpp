@@ -3,16 +3,11 @@
 #include "core/Logger/UnitLog.h"
 
 namespace quillon {
-namespace {
-
-constexpr std::string_view sourceFile = "ConsentSDK/ConsentSDK";
-
-}  // namespace
 
 void Work::begin(std::weak_ptr<void> owner) {
   owner_ = std::move(owner);
   tasks_.emplace(platform_.executors->background(), whileAlive([this](const char* what) {
-                   UnitLog(logger_, sourceFile)(LogLevel::error, "A task failed: " + escapedForLog(what), "task");
+                   UnitLog(logger_, unit::consentSDK)(LogLevel::error, "A task failed: " + escapedForLog(what), "task");
                  }));
 }
 
@@ -30,7 +25,7 @@ void Work::onMain(Job job) {
 }
 
 void Work::callHost(Job& job) {
-  const UnitLog log(logger_, sourceFile);
+  const UnitLog log(logger_, unit::consentSDK);
   try {
     job();
   } catch (const std::exception& exception) {

@@ -34,7 +34,7 @@ std::string consentCall(std::string_view command, const ConsentMap& signals) {
   std::map<std::string, std::string, std::less<>> values;
   for (const auto& [type, granted] : signals) values.emplace(rawValue(type), granted ? "granted" : "denied");
   std::string json;
-  json::write(json, values);
+  writeJson(json, json::describe<decltype(values)>(), &values);
   return "window.gtag('consent','" + std::string(command) + "'," + json + ");\n";
 }
 

@@ -10,8 +10,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "Integrations/GoogleConsentModeHelper";
-
 // Whether a key such as "US#CA, US#NY" lists the code.
 bool lists(std::string_view regions, std::string_view code) {
   for (;;) {
@@ -84,7 +82,7 @@ void GoogleConsentModeHelper::send(const Request& request) {
   if (!configuration.isGcmEnabled.value_or(false) || !configuration.gcmConfig) return;
   const DefaultMapping* mapping = consentModeMapping(*configuration.gcmConfig, request.location);
   if (!mapping) {
-    UnitLog(logger_, sourceFile)(
+    UnitLog(logger_, unit::consentModeHelper)(
         LogLevel::debug, "No GCM mapping found for location: " + escapedForLog(request.location.value_or("nil")),
         "updateFirebaseConsent(mainConfiguration:location:)");
     return;
@@ -94,7 +92,7 @@ void GoogleConsentModeHelper::send(const Request& request) {
 
 void GoogleConsentModeHelper::setFirebaseConsent(const ConsentMap& consentMap) {
   constexpr std::string_view function = "setFirebaseConsent(consentMap:)";
-  const UnitLog log(logger_, sourceFile);
+  const UnitLog log(logger_, unit::consentModeHelper);
   const auto& sink = platform_.consentSink;
   if (stop_.stop_requested()) return;
   if (!sink) return log(LogLevel::debug, "Firebase Analytics not found in project", function);

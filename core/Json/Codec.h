@@ -19,8 +19,8 @@ template <class R>
 /// Fills the value-initialised @p record of type @p type from @p document, or says what is wrong with it.
 [[nodiscard]] std::optional<std::string> readJson(std::string_view document, const JsonType& type, void* record);
 
-/// Appends @p record of type @p type to @p json.
-void writeJson(std::string& json, const JsonType& type, const void* record);
+/// Appends @p value of type @p type to @p json.
+void writeJson(std::string& json, const JsonType& type, const void* value);
 
 /// The record that a document holds, or why it holds none: "purposes[3].sdks[0].sdk_id: expected an integer". Strict:
 /// one wrong value refuses the whole document; unknown keys are skipped but must be sound JSON all the same. A document

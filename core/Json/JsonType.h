@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -11,7 +12,6 @@
 #include <type_traits>
 
 #include "core/Json/Codec.h"
-#include "core/Json/JsonWriter.h"
 #include "core/Json/Record.h"
 #include "quillon/RawValue.h"
 
@@ -24,6 +24,10 @@ struct JsonField {
   bool mayBeNull;
   /// The address for the value in @p record; makes an optional member present. Null for a constant.
   void* (*open)(void* record);
+  /// The value in @p record; null when it is absent. No function: a constant.
+  const void* (*get)(const void* record) = nullptr;
+  /// The text of a constant.
+  std::string_view constant = {};
 };
 
 struct JsonType {
@@ -32,19 +36,25 @@ struct JsonType {
   Kind kind;
   /// Memory of one value, without what it allocates.
   std::size_t size;
-  void (*write)(std::string& json, const void* value);
 
   /// symbol: sets the value that @p text stands for; false when it stands for none.
   bool (*assign)(void* value, std::string_view text) = nullptr;
+  /// symbol: the text that stands for @p value.
+  std::string_view (*text)(const void* value) = nullptr;
 
   /// array, map: what it holds.
   const JsonType& (*element)() = nullptr;
   /// array: the address of a new last element.
   void* (*append)(void* array) = nullptr;
+  /// array: its elements, one after the other in memory.
+  std::span<const std::byte> (*elements)(const void* array) = nullptr;
   /// map: the address of the element of a new key; null when the map has the key.
   void* (*insert)(void* map, std::string_view key) = nullptr;
   /// map whose elements may be null: makes an element present and returns the address of its value; null otherwise.
   void* (*openElement)(void* element) = nullptr;
+  /// map: calls @p use for each element in the order of the keys; with null for an absent one.
+  void (*each)(const void* map, void (*use)(void* context, std::string_view key, const void* element),
+               void* context) = nullptr;
 
   /// record: in declaration order, at most 64, with one bit for each that must be there.
   std::span<const JsonField> fields = {};
@@ -77,78 +87,13 @@ struct Present<std::optional<T>> {
 template <class T>
 [[nodiscard]] const JsonType& describe();
 
-template <class R>
-void writeFields(std::string& json, const R& record);
-
 template <class T>
-void write(std::string& json, const T& value) {
-  if constexpr (std::is_same_v<T, bool>) {
-    json += value ? "true" : "false";
-  } else if constexpr (std::is_same_v<T, std::int64_t>) {
-    writeInteger(json, value);
-  } else if constexpr (std::is_same_v<T, std::string>) {
-    writeText(json, value);
-  } else if constexpr (std::is_same_v<T, VantariKey>) {
-    writeText(json, value.rawValue());
-  } else if constexpr (std::is_enum_v<T>) {
-    writeText(json, rawValue(value));
-  } else if constexpr (isOptional<T>) {
-    if (value) {
-      write(json, *value);
-    } else {
-      json += "null";
-    }
-  } else if constexpr (isVector<T>) {
-    json += '[';
-    for (const auto& element : value) {
-      separate(json, '[');
-      write(json, element);
-    }
-    json += ']';
-  } else if constexpr (isMap<T>) {
-    json += '{';
-    for (const auto& [key, element] : value) {
-      separate(json, '{');
-      writeText(json, key);
-      json += ':';
-      write(json, element);
-    }
-    json += '}';
+[[nodiscard]] const void* presentOrNull(const T& value) {
+  if constexpr (isOptional<T>) {
+    return value ? &*value : nullptr;
   } else {
-    jsonType<T>().write(json, &value);
+    return &value;
   }
-}
-
-template <class R, class F>
-void writeField(std::string& json, const R& record, const F& field) {
-  if constexpr (std::is_same_v<F, Constant>) {
-    writeKey(json, field.key);
-    writeText(json, field.text);
-  } else if constexpr (F::inDocument) {
-    const auto& value = field.in(record);
-    if constexpr (isOptional<typename F::Type>) {
-      if (!value) return;
-      writeKey(json, field.key);
-      write(json, *value);
-    } else {
-      writeKey(json, field.key);
-      write(json, value);
-    }
-  }
-}
-
-template <class R>
-void writeFields(std::string& json, const R& record) {
-  json += '{';
-  std::apply([&](const auto&... field) { (writeField(json, record, field), ...); }, fields<R>);
-  json += '}';
-}
-
-template <class T>
-[[nodiscard]] constexpr JsonType scalar(JsonType::Kind kind) {
-  return {.kind = kind, .size = sizeof(T), .write = [](std::string& json, const void* value) {
-            write(json, *static_cast<const T*>(value));
-          }};
 }
 
 /// The description of a type that is not a record.
@@ -156,37 +101,40 @@ template <class T>
 [[nodiscard]] constexpr JsonType describeValue() {
   using Kind = JsonType::Kind;
   if constexpr (std::is_same_v<T, bool>) {
-    return scalar<T>(Kind::boolean);
+    return {.kind = Kind::boolean, .size = sizeof(T)};
   } else if constexpr (std::is_same_v<T, std::int64_t>) {
-    return scalar<T>(Kind::integer);
+    return {.kind = Kind::integer, .size = sizeof(T)};
   } else if constexpr (std::is_same_v<T, std::string>) {
-    return scalar<T>(Kind::text);
+    return {.kind = Kind::text, .size = sizeof(T)};
   } else if constexpr (std::is_same_v<T, ConstantText>) {
-    return {.kind = Kind::symbol, .size = 0, .write = nullptr, .assign = [](void*, std::string_view) { return true; }};
+    return {.kind = Kind::symbol, .size = 0, .assign = [](void*, std::string_view) { return true; }};
   } else if constexpr (std::is_same_v<T, VantariKey>) {
-    JsonType type = scalar<T>(Kind::symbol);
+    JsonType type{.kind = Kind::symbol, .size = sizeof(T)};
     type.assign = [](void* value, std::string_view text) {
       *static_cast<T*>(value) = T(std::string(text));
       return true;
     };
+    type.text = [](const void* value) { return std::string_view(static_cast<const T*>(value)->rawValue()); };
     return type;
   } else if constexpr (std::is_enum_v<T>) {
-    JsonType type = scalar<T>(Kind::symbol);
+    JsonType type{.kind = Kind::symbol, .size = sizeof(T)};
     type.assign = [](void* value, std::string_view text) {
       const std::optional<T> known = fromRawValue<T>(text);
       if (known) *static_cast<T*>(value) = *known;
       return known.has_value();
     };
+    type.text = [](const void* value) { return std::string_view(rawValue(*static_cast<const T*>(value))); };
     return type;
   } else if constexpr (isVector<T>) {
-    JsonType type = scalar<T>(Kind::array);
+    JsonType type{.kind = Kind::array, .size = sizeof(T)};
     type.element = &describe<typename T::value_type>;
     type.append = [](void* array) -> void* { return &static_cast<T*>(array)->emplace_back(); };
+    type.elements = [](const void* array) { return std::as_bytes(std::span(*static_cast<const T*>(array))); };
     return type;
   } else {
     static_assert(isMap<T>);
     using Element = typename T::mapped_type;
-    JsonType type = scalar<T>(Kind::map);
+    JsonType type{.kind = Kind::map, .size = sizeof(T)};
     type.element = &describe<typename Present<Element>::Type>;
     type.insert = [](void* map, std::string_view key) -> void* {
       auto& entries = *static_cast<T*>(map);
@@ -194,6 +142,9 @@ template <class T>
       // Keys mostly come in order, and then the end is the right place.
       const auto entry = entries.try_emplace(entries.end(), std::string(key));
       return entries.size() == before ? nullptr : &entry->second;
+    };
+    type.each = [](const void* map, void (*use)(void*, std::string_view, const void*), void* context) {
+      for (const auto& [key, element] : *static_cast<const T*>(map)) use(context, key, presentOrNull(element));
     };
     if constexpr (isOptional<Element>) {
       type.openElement = [](void* element) { return makePresent(*static_cast<Element*>(element)); };
@@ -220,17 +171,27 @@ const JsonType& describe() {
 template <class F>
 [[nodiscard]] constexpr JsonField describeField(const F& field) {
   if constexpr (std::is_same_v<F, Constant>) {
-    return {field.key, &describe<ConstantText>, false, [](void*) -> void* { return nullptr; }};
+    return {.key = field.key,
+            .type = &describe<ConstantText>,
+            .mayBeNull = false,
+            .open = [](void*) -> void* { return nullptr; },
+            .constant = field.text};
   } else {
     using Type = typename F::Type;
-    return {field.key, &describe<typename Present<Type>::Type>, isOptional<Type>, [](void* record) -> void* {
-              auto& member = F::in(*static_cast<typename F::Record*>(record));
-              if constexpr (isOptional<Type>) {
-                return makePresent(member);
-              } else {
-                return &member;
-              }
-            }};
+    return {
+        .key = field.key,
+        .type = &describe<typename Present<Type>::Type>,
+        .mayBeNull = isOptional<Type>,
+        .open = [](void* record) -> void* {
+          auto& member = F::in(*static_cast<typename F::Record*>(record));
+          if constexpr (isOptional<Type>) {
+            return makePresent(member);
+          } else {
+            return &member;
+          }
+        },
+        .get =
+            [](const void* record) { return presentOrNull(F::in(*static_cast<const typename F::Record*>(record))); }};
   }
 }
 
@@ -255,10 +216,7 @@ template <class R>
 const JsonType& jsonType() {
   static constexpr auto described = json::describeFields<R>();
   static constexpr JsonType type = [] {
-    JsonType record{
-        .kind = JsonType::Kind::record, .size = sizeof(R), .write = [](std::string& text, const void* value) {
-          json::writeFields(text, *static_cast<const R*>(value));
-        }};
+    JsonType record{.kind = JsonType::Kind::record, .size = sizeof(R)};
     record.fields = described;
     for (std::size_t i = 0; i < described.size(); ++i) {
       if (!described[i].mayBeNull) record.required |= std::uint64_t{1} << i;

@@ -67,10 +67,84 @@ void writeInteger(std::string& json, std::int64_t value) {
   json.append(digits.data(), end);
 }
 
+namespace {
+
+void writeArray(std::string& json, const JsonType& type, const void* array) {
+  const JsonType& element = type.element();
+  json += '[';
+  for (auto rest = type.elements(array); !rest.empty(); rest = rest.subspan(element.size)) {
+    separate(json, '[');
+    writeJson(json, element, rest.data());
+  }
+  json += ']';
+}
+
+void writeMap(std::string& json, const JsonType& type, const void* map) {
+  struct Writing {
+    std::string& json;
+    const JsonType& element;
+  } writing{json, type.element()};
+  json += '{';
+  type.each(
+      map,
+      [](void* context, std::string_view key, const void* element) {
+        const auto& [text, elementType] = *static_cast<Writing*>(context);
+        separate(text, '{');
+        writeText(text, key);
+        text += ':';
+        if (element) {
+          writeJson(text, elementType, element);
+        } else {
+          text += "null";
+        }
+      },
+      &writing);
+  json += '}';
+}
+
+void writeRecord(std::string& json, const JsonType& type, const void* record) {
+  json += '{';
+  for (const JsonField& field : type.fields) {
+    const void* const value = field.get ? field.get(record) : nullptr;
+    if (value) {
+      writeKey(json, field.key);
+      writeJson(json, field.type(), value);
+    } else if (!field.get) {
+      writeKey(json, field.key);
+      writeText(json, field.constant);
+    }
+  }
+  json += '}';
+}
+
+}  // namespace
 }  // namespace json
 
-void writeJson(std::string& json, const JsonType& type, const void* record) {
-  type.write(json, record);
+void writeJson(std::string& json, const JsonType& type, const void* value) {
+  using Kind = JsonType::Kind;
+  switch (type.kind) {
+    case Kind::boolean:
+      json += *static_cast<const bool*>(value) ? "true" : "false";
+      break;
+    case Kind::integer:
+      json::writeInteger(json, *static_cast<const std::int64_t*>(value));
+      break;
+    case Kind::text:
+      json::writeText(json, *static_cast<const std::string*>(value));
+      break;
+    case Kind::symbol:
+      json::writeText(json, type.text(value));
+      break;
+    case Kind::array:
+      json::writeArray(json, type, value);
+      break;
+    case Kind::map:
+      json::writeMap(json, type, value);
+      break;
+    case Kind::record:
+      json::writeRecord(json, type, value);
+      break;
+  }
 }
 
 }  // namespace quillon

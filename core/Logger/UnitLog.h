@@ -9,6 +9,22 @@
 
 namespace quillon {
 
+// The units of the log as its readers know them; several source files may speak for one.
+namespace unit {
+inline constexpr std::string_view webView = "Common/WebView/WebViewModel";
+inline constexpr std::string_view consentBanner = "ConsentBanner/ConsentBannerViewModel";
+inline constexpr std::string_view consentSDK = "ConsentSDK/ConsentSDK";
+inline constexpr std::string_view cdnUtils = "ConsentSDK/ConsentSDK+CDNUtils";
+inline constexpr std::string_view decisions = "ConsentSDK/ConsentSDK+Decisions";
+inline constexpr std::string_view networkAPIs = "ConsentSDK/ConsentSDK+NetworkAPIs";
+inline constexpr std::string_view screens = "ConsentSDK/ConsentSDK+Screens";
+inline constexpr std::string_view consentModeHelper = "Integrations/GoogleConsentModeHelper";
+inline constexpr std::string_view networkManager = "Network/ConsentNetworkManager";
+inline constexpr std::string_view permissionManager = "Permissions/PermissionManager";
+inline constexpr std::string_view userDefaultManager = "Persistance/UserDefaults/UserDefaultManager";
+inline constexpr std::string_view purposeManager = "Purposes/PurposeManager";
+}  // namespace unit
+
 // Names the unit once; each call adds the function and the line.
 class UnitLog {
  public:

@@ -13,7 +13,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "Network/ConsentNetworkManager";
 constexpr std::string_view functionName = "processRequest(_:)";
 constexpr std::size_t maximumTagBytes = 4096;
 constexpr int notHttp = -999;
@@ -70,7 +69,7 @@ RequestFailure ConsentNetworkManager::undecodable(const Exchange& exchange, std:
 }
 
 void ConsentNetworkManager::logExchange(const std::string& text) {
-  UnitLog(logger_, sourceFile)(LogLevel::error, text, functionName);
+  UnitLog(logger_, unit::networkManager)(LogLevel::error, text, functionName);
 }
 
 }  // namespace quillon

@@ -9,8 +9,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "Permissions/PermissionManager";
-
 // The answer to permissions that are not the business of the device's permission settings.
 std::optional<ConsentStatus> answerAtOnce(const Platform& platform, const VantariKey& key) {
   switch (key.kind()) {
@@ -68,7 +66,7 @@ ConsentStatus PermissionManager::getConsentByPermission(const VantariKey& vantir
   if (const auto answer = answerAtOnce(platform_, vantiriKey)) return *answer;
   const auto value = platform_.permissions->platformValue(vantiriKey);
   if (value) return consentFromPlatformValue(vantiriKey.kind(), *value);
-  UnitLog(logger_, sourceFile)(
+  UnitLog(logger_, unit::permissionManager)(
       LogLevel::error, "Something went wrong while fetching the permission status: " + escapedForLog(value.error()),
       "getConsentByPermission(vantiriKey:)");
   return ConsentStatus::notDetermined;
@@ -106,7 +104,7 @@ bool PermissionManager::recordStatuses(const DecisionContext& context) {
 }
 
 bool PermissionManager::checkPermissions(const DecisionContext& context) {
-  const UnitLog log(logger_, sourceFile);
+  const UnitLog log(logger_, unit::permissionManager);
   log(LogLevel::info, "Permissions consent checks executed.", "checkPermissions()");
   const auto statuses = liveStatuses();
   std::vector<std::string> changed;
@@ -123,15 +121,19 @@ bool PermissionManager::checkPermissions(const DecisionContext& context) {
   return !changed.empty();
 }
 
+bool hasSettingsPrompt(const MainConfiguration& configuration, const VantariKey& permission) {
+  if (!configuration.settingPrompt || !configuration.settingPrompt->permissions) return false;
+  const auto found = configuration.settingPrompt->permissions->find(permission.rawValue());
+  return found != configuration.settingPrompt->permissions->end() && found->second;
+}
+
 std::vector<AppPermission> PermissionManager::permissionsWithConsents() const {
   std::vector<AppPermission> result = permissions();
-  const auto* prompt = configuration_ && configuration_->settingPrompt ? &*configuration_->settingPrompt : nullptr;
+  const bool hasPrompts = configuration_ && configuration_->settingPrompt && configuration_->settingPrompt->permissions;
   for (AppPermission& permission : result) {
     if (!permission.permissionId) continue;
     permission.consentStatus = getConsentByPermission(*permission.permissionId);
-    if (!prompt || !prompt->permissions) continue;
-    const auto allowed = prompt->permissions->find(permission.permissionId->rawValue());
-    permission.isSettingsPromptEnabled = allowed != prompt->permissions->end() && allowed->second;
+    if (hasPrompts) permission.isSettingsPromptEnabled = hasSettingsPrompt(*configuration_, *permission.permissionId);
   }
   return result;
 }

@@ -60,4 +60,7 @@ class PermissionManager {
   const std::shared_ptr<const MainConfiguration> configuration_;
 };
 
+// Whether the document has a settings prompt for the permission.
+[[nodiscard]] bool hasSettingsPrompt(const MainConfiguration& configuration, const VantariKey& permission);
+
 }  // namespace quillon

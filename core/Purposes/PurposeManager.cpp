@@ -9,8 +9,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "Purposes/PurposeManager";
-
 // What app tracking makes of the status of a purpose that is bound to it.
 ConsentStatus adjusted(ConsentStatus current, bool hasDecision, bool authorized) {
   if (authorized) return ConsentStatus::granted;
@@ -55,7 +53,7 @@ ConsentStatus PurposeManager::currentStatus(std::int64_t purposeId, const Stored
 }
 
 bool PurposeManager::checkPurposes(const DecisionContext& context) {
-  const UnitLog log(logger_, sourceFile);
+  const UnitLog log(logger_, unit::purposeManager);
   log(LogLevel::info, "Purposes consent checks executed", "checkPurposes()");
 
   // The flag is the host process's own; the one that setConsent() writes into the suite is for other readers.

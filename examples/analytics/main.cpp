@@ -25,8 +25,12 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string server = argv[1];
-  quillon::configure(
-      {.applicationId = "analytics-example", .dataDirectory = argv[2], .vendorUrl = server, .consentSink = setConsent});
+  if (!quillon::configure({.applicationId = "analytics-example",
+                           .dataDirectory = argv[2],
+                           .vendorUrl = server,
+                           .consentSink = setConsent})) {
+    return 1;
+  }
 
   auto& sdk = quillon::ConsentSDK::shared();
   sdk.setup({.appUrl = server, .cdnUrl = server, .tenantId = "demo-tenant", .appId = "news-reader"});

@@ -34,7 +34,7 @@ int main(int argc, char** argv) {
 
   quillon::LinuxOptions platform{.applicationId = "news-reader", .vendorUrl = server};
   if (arguments.isSet("data")) platform.dataDirectory = arguments.value("data").toStdString();
-  quillon::configureQtQuick(std::move(platform), {.isMotionReduced = arguments.isSet("tour")});
+  if (!quillon::configureQtQuick(std::move(platform), {.isMotionReduced = arguments.isSet("tour")})) return 1;
 
   auto& sdk = quillon::ConsentSDK::shared();
   quillon::ConsentSDKOptions options{

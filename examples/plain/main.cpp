@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
   quillon::LinuxOptions platform{.applicationId = "news-reader"};
   if (arguments.contains("--data-dir")) platform.dataDirectory = arguments["--data-dir"];
   if (arguments.contains("--vendor-url")) platform.vendorUrl = arguments["--vendor-url"];
-  quillon::configure(std::move(platform));
+  if (!quillon::configure(std::move(platform))) return 1;
 
   auto& sdk = quillon::ConsentSDK::shared();
   quillon::ConsentSDKOptions options{

@@ -18,8 +18,10 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string server = arguments[1].toStdString();
-  quillon::configureQtQuick(
-      {.applicationId = "widgets-example", .dataDirectory = arguments[2].toStdString(), .vendorUrl = server});
+  if (!quillon::configureQtQuick(
+          {.applicationId = "widgets-example", .dataDirectory = arguments[2].toStdString(), .vendorUrl = server})) {
+    return 1;
+  }
   auto& sdk = quillon::ConsentSDK::shared();
   sdk.setup({.appUrl = server, .cdnUrl = server, .tenantId = "demo-tenant", .appId = "news-reader"});
 

@@ -43,9 +43,9 @@ struct LinuxOptions {
 /// answer false. Thread-safe.
 ///
 /// @code
-/// quillon::configure({.applicationId = "com.example.reader"});
+/// if (!quillon::configure({.applicationId = "com.example.reader"})) std::cerr << "configured too late\n";
 /// quillon::ConsentSDK::shared().setup(options);
 /// @endcode
-bool configure(LinuxOptions options);
+[[nodiscard]] bool configure(LinuxOptions options);
 
 }  // namespace quillon

@@ -31,13 +31,13 @@ struct QtQuickOptions {
 ///
 /// @code
 /// QGuiApplication application(argc, argv);
-/// quillon::configureQtQuick({.applicationId = "com.example.reader"});
+/// if (!quillon::configureQtQuick({.applicationId = "com.example.reader"})) std::cerr << "configured too late\n";
 /// quillon::ConsentSDK::shared().setup(options);
 /// quillon::ConsentSDK::shared().isReady([](quillon::SDKStatus status) {
 ///   if (status == quillon::SDKStatus::ready) quillon::ConsentSDK::shared().presentBanner();
 /// });
 /// @endcode
-bool configureQtQuick(LinuxOptions options = {}, QtQuickOptions screens = {});
+[[nodiscard]] bool configureQtQuick(LinuxOptions options = {}, QtQuickOptions screens = {});
 
 /// Lets the pages of @p engine place the screens in layouts of their own: after `import Quillon.Consent` there are
 /// `ConsentBanner`, `PreferenceCenter` and `SettingsPrompt`, the last with the property `permission`. They show

@@ -20,7 +20,7 @@ namespace quillon {
 /// @code
 /// quillon::initializeQtWebEngine();
 /// QGuiApplication application(argc, argv);
-/// quillon::configureQtQuick({.applicationId = "com.example.reader"});
+/// if (!quillon::configureQtQuick({.applicationId = "com.example.reader"})) std::cerr << "configured too late\n";
 /// @endcode
 bool initializeQtWebEngine();
 

@@ -64,7 +64,8 @@ class Device {
   /// For an application that uses ConsentSDK::shared(): makes it live on this device, for the rest of the process.
   ///
   /// @code
-  /// quillon::configure({.applicationId = "test", .replaceServices = device.services()});
+  /// const auto services = device.services();
+  /// if (!quillon::configure({.applicationId = "test", .replaceServices = services})) std::cerr << "too late\n";
   /// @endcode
   [[nodiscard]] std::function<void(Platform&)> services() const;
   /// Options that lead to the device's servers; change what the test is about.

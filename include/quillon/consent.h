@@ -15,7 +15,7 @@
  *
  * @code
  * quillon_platform platform = {.size = sizeof platform, .application_id = "com.example.reader"};
- * quillon_configure(&platform);
+ * if (!quillon_configure(&platform)) fputs("configured too late\n", stderr);
  * quillon_options options = {.size = sizeof options,
  *                            .app_url = "https://app.example.com/",
  *                            .cdn_url = "https://cdn.example.com/",
@@ -33,6 +33,13 @@
 
 #ifdef __cplusplus
 extern "C" {
+#endif
+
+/** Marks an answer that says whether the call did anything. */
+#ifdef __GNUC__
+#define QUILLON_MUST_USE __attribute__((warn_unused_result))
+#else
+#define QUILLON_MUST_USE
 #endif
 
 /** Whether a configuration is at hand. */
@@ -126,7 +133,7 @@ typedef struct quillon_banner {
 
 /** Takes the platform's settings; later calls, and one after the first use of the SDK, change nothing. Not 0 on
  * success. */
-int32_t quillon_configure(const quillon_platform* platform);
+QUILLON_MUST_USE int32_t quillon_configure(const quillon_platform* platform);
 
 /** @name Set-up and readiness
  * @{ */

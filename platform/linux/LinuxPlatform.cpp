@@ -27,6 +27,9 @@
 #include "platform/parts/FixedAppTracking.h"
 #include "platform/parts/FunctionConsentSink.h"
 
+// Defined by the library of the screens, when the application links that.
+extern "C" [[gnu::weak]] void quillonScreensAreLinked();
+
 namespace quillon {
 namespace {
 
@@ -162,6 +165,7 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);
   if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;
   platform.screens = std::move(screens);
+  platform.areScreensLinked = quillonScreensAreLinked != nullptr;
   return options.replaceServices ? replaced(platform, options.replaceServices) : platform;
 }
 

@@ -3,6 +3,8 @@
 #include <array>
 #include <string>
 
+#include "signals/Tcf/TcString.h"
+
 namespace quillon::signals {
 namespace {
 
@@ -36,7 +38,6 @@ class Writer {
   SignalKeys& keys_;
 };
 
-constexpr std::size_t kPurposes = 24;
 constexpr std::size_t kSpecialFeatures = 12;
 
 void addCore(Writer& write, const TcString& tc, std::string text) {
@@ -48,8 +49,8 @@ void addCore(Writer& write, const TcString& tc, std::string text) {
   write("TCString", std::move(text));
   write("VendorConsents", binaryString(ids("VendorConsent")));
   write("VendorLegitimateInterests", binaryString(ids("VendorLegitimateInterest")));
-  write("PurposeConsents", binaryString(ids("PurposesConsent"), kPurposes));
-  write("PurposeLegitimateInterests", binaryString(ids("PurposesLITransparency"), kPurposes));
+  write("PurposeConsents", binaryString(ids("PurposesConsent"), tcPurposes));
+  write("PurposeLegitimateInterests", binaryString(ids("PurposesLITransparency"), tcPurposes));
   write("SpecialFeaturesOptIns", binaryString(ids("SpecialFeatureOptIns"), kSpecialFeatures));
   std::map<int, std::string> restrictions;
   for (const auto& restriction : core.get<std::vector<Restriction>>("PubRestrictions")) {
@@ -67,8 +68,8 @@ void addCore(Writer& write, const TcString& tc, std::string text) {
 void addPublisher(Writer& write, const Record& publisher) {
   const auto count = static_cast<std::size_t>(publisher.get("NumCustomPurposes"));
   const auto ids = [&](std::string_view name) -> const Ids& { return publisher.get<Ids>(name); };
-  write("PublisherConsent", binaryString(ids("PubPurposesConsent"), kPurposes));
-  write("PublisherLegitimateInterests", binaryString(ids("PubPurposesLITransparency"), kPurposes));
+  write("PublisherConsent", binaryString(ids("PubPurposesConsent"), tcPurposes));
+  write("PublisherLegitimateInterests", binaryString(ids("PubPurposesLITransparency"), tcPurposes));
   write("PublisherCustomPurposesConsents", binaryString(ids("CustomPurposesConsent"), count));
   write("PublisherCustomPurposesLegitimateInterests", binaryString(ids("CustomPurposesLITransparency"), count));
 }

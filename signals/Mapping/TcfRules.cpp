@@ -4,13 +4,13 @@
 #include <span>
 
 #include "signals/Mapping/SignalRules.h"
+#include "signals/Tcf/TcString.h"
 
 namespace quillon::signals {
 namespace {
 
 constexpr std::int64_t kTimeUnitsASecond = 10;
 constexpr std::uint8_t kNotAllowed = 0;
-constexpr int kPurposes = 24;
 
 using IsGiven = bool (*)(const SignalState::Purpose& purpose);
 
@@ -62,7 +62,7 @@ class TcfRules {
   [[nodiscard]] std::vector<Restriction> restrictions(const Ids& consents, const Ids& interests) const {
     std::map<int, Ids> forbidden;
     eachVendor([&](const Vendor& vendor, const Listings& listings) {
-      for (int purpose = 1; purpose <= kPurposes; ++purpose) {
+      for (int purpose = 1; purpose <= int{tcPurposes}; ++purpose) {
         const bool isGiven =
             (vendor.purposes.contains(purpose) && std::ranges::binary_search(consents, purpose)) ||
             (vendor.legIntPurposes.contains(purpose) && std::ranges::binary_search(interests, purpose));

@@ -24,8 +24,8 @@ constexpr Field coreFields[] = {
     boolean("IsServiceSpecific"),
     boolean("UseNonStandardTexts"),
     set("SpecialFeatureOptIns", 12),
-    set("PurposesConsent", 24),
-    set("PurposesLITransparency", 24),
+    set("PurposesConsent", tcPurposes),
+    set("PurposesLITransparency", tcPurposes),
     boolean("PurposeOneTreatment"),
     letters("PublisherCC", 2),
     vendors("VendorConsent"),
@@ -39,9 +39,12 @@ constexpr Field disclosedVendorsFields[] = {
 };
 
 constexpr Field publisherFields[] = {
-    always("SegmentType", kSegmentTypeBits, 3), set("PubPurposesConsent", 24),
-    set("PubPurposesLITransparency", 24),       integer("NumCustomPurposes", 6),
-    sizedSet("CustomPurposesConsent"),          sizedSet("CustomPurposesLITransparency"),
+    always("SegmentType", kSegmentTypeBits, 3),
+    set("PubPurposesConsent", tcPurposes),
+    set("PubPurposesLITransparency", tcPurposes),
+    integer("NumCustomPurposes", 6),
+    sizedSet("CustomPurposesConsent"),
+    sizedSet("CustomPurposesLITransparency"),
 };
 
 // Reads a segment that may be there once.

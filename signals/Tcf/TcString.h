@@ -16,6 +16,9 @@ extern const Layout tcCore;
 extern const Layout tcDisclosedVendors;
 extern const Layout tcPublisher;
 
+// Purposes that a set of them has room for.
+inline constexpr unsigned tcPurposes = 24;
+
 // The longest string of either framework that is read: what the vendors with the longest addresses accept.
 inline constexpr std::size_t longestString = std::size_t{128} << 10;
 

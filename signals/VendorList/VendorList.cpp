@@ -99,7 +99,6 @@ template <>
 const JsonType& jsonType<signals::IdArray>() {
   static constexpr JsonType type{.kind = JsonType::Kind::array,
                                  .size = sizeof(signals::IdArray),
-                                 .write = [](std::string&, const void*) {},
                                  .element = &json::describe<std::int64_t>,
                                  .append = [](void* array) -> void* {
                                    auto& read = *static_cast<signals::IdArray*>(array);
@@ -112,7 +111,6 @@ template <>
 const JsonType& jsonType<signals::VendorRecords>() {
   static constexpr JsonType type{.kind = JsonType::Kind::map,
                                  .size = sizeof(signals::VendorRecords),
-                                 .write = [](std::string&, const void*) {},
                                  .element = &json::describe<signals::VendorRecord>,
                                  .insert = [](void* records, std::string_view key) -> void* {
                                    return static_cast<signals::VendorRecords*>(records)->begin(key);

@@ -75,7 +75,7 @@ constexpr const char* configuration = R"({
 })";
 
 TEST(ReadmeSample, MeasuresNothingUnaskedAndFindsTheBannerDueOnceThereIsAConfiguration) {
-  beforeTheFirstTest();
+  ASSERT_TRUE(beforeTheFirstTest());
   (void)ConsentSDK::shared();  // which no configure() changes any more
   device().publish(configuration);
   ::testing::internal::CaptureStdout();
@@ -91,7 +91,7 @@ TEST(TestingSample, ItsAssertionsHold) {
 }
 
 TEST(TestingSample, PutsTheSharedInstanceOnTheDevice) {
-  beforeTheFirstTest();
+  ASSERT_TRUE(beforeTheFirstTest());
   device().publish(configuration);
   auto& sdk = ConsentSDK::shared();
   sdk.setup(device().options());

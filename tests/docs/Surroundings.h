@@ -33,6 +33,7 @@ extern int argc;
 extern char** argv;
 #endif
 #else
+#include <stdio.h>
 #define SURROUNDINGS void
 void start_measuring(void);
 #endif

@@ -54,7 +54,7 @@ void whileLimited(decltype(RLIMIT_FSIZE) resource, rlim_t most, const std::funct
 
 // The application's one instance, as a program has it, that is never taken down by hand.
 ConsentSDK& sharedInstance(const std::filesystem::path& data, const std::string& url) {
-  configure({.applicationId = "test", .dataDirectory = data, .vendorUrl = url});
+  if (!configure({.applicationId = "test", .dataDirectory = data, .vendorUrl = url})) std::abort();
   auto& sdk = ConsentSDK::shared();
   sdk.setup({.appUrl = url, .cdnUrl = url, .tenantId = "t1", .appId = "a1", .locationCode = "DE"});
   return sdk;

@@ -7,9 +7,9 @@
 
 namespace quillon::test {
 
-inline testing::AssertionResult contains(std::string_view text, std::string_view part) {
+inline ::testing::AssertionResult contains(std::string_view text, std::string_view part) {
   const bool found = text.find(part) != std::string_view::npos;
-  return (found ? testing::AssertionSuccess() : testing::AssertionFailure()) << '"' << part << "\" in: " << text;
+  return (found ? ::testing::AssertionSuccess() : ::testing::AssertionFailure()) << '"' << part << "\" in: " << text;
 }
 
 }  // namespace quillon::test

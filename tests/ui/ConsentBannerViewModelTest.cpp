@@ -72,6 +72,8 @@ TEST_F(Banner, LoadsWhatTheScreensShow) {
     ASSERT_TRUE(prompt.content());
     EXPECT_EQ(prompt.content()->heading, "Kopf") << "the only language that it has";
     EXPECT_EQ(prompt.content()->message, "Message");
+    EXPECT_EQ(prompt.content()->settingsButton, "Open Settings") << "a button without words is none";
+    EXPECT_EQ(prompt.content()->notNowButton, "Not Now");
   });
 }
 

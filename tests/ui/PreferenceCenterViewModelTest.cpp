@@ -181,6 +181,37 @@ TEST_F(PreferenceCenter, ClosedWithoutSavingDiscardsTheChoices) {
   EXPECT_EQ(world.text("1"), std::nullopt);
 }
 
+TEST_F(PreferenceCenter, PermissionSaysThatATapOffersThePromptExactlyWhenOneDoes) {
+  const struct {
+    bool isOn;
+    bool bannerAllows;
+    bool isListed;
+  } cases[] = {{true, true, true}, {false, true, true}, {true, false, true}, {true, true, false}};
+  for (const auto& [isOn, bannerAllows, isListed] : cases) {
+    document["version"] = document["version"].as_int64() + 1;
+    document["is_sp_enabled"] = isOn;
+    document["settings_prompt"] = {{"permissions", {{"NSCameraUsageDescription", isListed}}}};
+    bannerOf(document)["should_show_settings_prompt"] = bannerAllows;
+    world.server.serve(document);
+    if (world.sdk) {
+      world.startLater();
+    } else {
+      world.start();
+    }
+    open();
+    bool isOffered = false;
+    act([&](Model& shown) { shown.banner()->loadBannerConfig(); });
+    world.settle();
+    act([&](Model& shown) {
+      isOffered = shown.offersSettings(shown.permissions.get().at(0));
+      shown.tapPermission(VantariKey::cameraUsageDescription);
+    });
+    world.settle();
+    EXPECT_EQ(isOffered, isOn && bannerAllows && isListed);
+    EXPECT_EQ(!presenter->take().empty(), isOffered);
+  }
+}
+
 TEST_F(PreferenceCenter, PermissionOffersThePromptAlsoWhenItWasClosedBefore) {
   document["is_sp_enabled"] = true;
   document["settings_prompt"] = {{"permissions", {{"NSCameraUsageDescription", true}}}};

@@ -21,12 +21,12 @@ Seen ordinary(Probe& probe, const CheckedServers& servers) {
   return accepted(probe.send(uploadRequest(servers, sampleUpload(servers, "ordinary"))));
 }
 
-Seen withoutTag(Probe& probe, const CheckedServers& servers) {
+Seen noTagOfUploads(Probe& probe, const CheckedServers& servers) {
   const std::string tag = probe.send(uploadRequest(servers, sampleUpload(servers, "tag"))).header("ETag");
   return {tag.empty(), tag.empty() ? "none" : tag};
 }
 
-Seen ignoresTag(Probe& probe, const CheckedServers& servers) {
+Seen conditionIgnoredByUploads(Probe& probe, const CheckedServers& servers) {
   auto request = uploadRequest(servers, sampleUpload(servers, "if-none-match"));
   request.headers["If-None-Match"] = probe.send({.url = servers.configurationUrl("config.json")}).header("ETag");
   return accepted(probe.send(request));
@@ -106,9 +106,9 @@ Seen large(Probe& probe, const CheckedServers& servers) {
 std::vector<Case> uploadCases() {
   return {
       {"upload", losesDecisions, "accepted", &ordinary},
-      {"upload: entity tag", untidy, "none: a device has one slot for all answers", &withoutTag},
+      {"upload: entity tag", untidy, "none: a device has one slot for all answers", &noTagOfUploads},
       {"upload: If-None-Match of the configuration", losesDecisions, "accepted: the tag means nothing here",
-       &ignoresTag},
+       &conditionIgnoredByUploads},
       {"upload: If-None-Match: *", losesDecisions, "accepted", &anyTag},
       {"upload: repeated", losesDecisions, "accepted three times", &repeat},
       {"upload: late, behind a newer one", losesDecisions, "both accepted", &late},

@@ -11,7 +11,7 @@
 namespace quillon::tools {
 namespace {
 
-constexpr const char* footer = R"(
+constexpr const char* diffFooter = R"(
 One line for each difference: "material: WHAT" when it changes what users agree to or what happens without their answer,
 "cosmetic: WHAT" when it changes how that looks. The last line says who is asked again, and why. The exit status is 1 when
 a file is no configuration.)";
@@ -25,7 +25,7 @@ void addDiffCommand(CLI::App& app, int& exitCode) {
   };
   const auto options = std::make_shared<DiffOptions>();
   auto* const command = app.add_subcommand("diff", "Says what a new configuration changes for users");
-  command->footer(footer);
+  command->footer(diffFooter);
   command->add_option("OLD", options->before, "The configuration that users have")->required();
   command->add_option("NEW", options->after, "The one that is to be published")->required();
 

@@ -10,7 +10,7 @@
 namespace quillon::tools {
 namespace {
 
-constexpr const char* footer = R"(
+constexpr const char* hostFooter = R"(
 One JSON object a line on standard input, one JSON object a line on standard output, in order. SDK log blocks go to
 standard error. Every answer carries "ok"; a line that is unknown or malformed is answered
 {"ok":false,"error":"..."} and the host goes on. Answers come when the work is done, uploads included, except setup.
@@ -76,7 +76,7 @@ void addHostCommand(CLI::App& app, int& exitCode) {
   };
   auto settings = std::make_shared<Settings>();
   auto* host = app.add_subcommand("host", "A headless host application, driven line by line");
-  host->footer(footer);
+  host->footer(hostFooter);
   host->add_option("--data-dir", settings->device.dataDirectory, "Folder of the store and the cached configuration");
   host->add_option("--resources", settings->device.resources, "Folder of the application's own pages");
   host->add_option("--vendor-url", settings->device.vendorUrl, "Base address of the location look-up, ending in /");

@@ -12,7 +12,7 @@
 namespace quillon::tools {
 namespace {
 
-constexpr const char* footer = R"(
+constexpr const char* linkFooter = R"(
 Tells what the in-app web view opens, one line an address, with tabs between:
   allowed  TEXT          the normalised text that the browser is given
   refused  REASON  TEXT  the address as it was given
@@ -63,7 +63,7 @@ bool allPass(const LinkFilter& filter, const std::vector<std::string>& addresses
 void addLinkCommand(CLI::App& app, int& exitCode) {
   const auto options = std::make_shared<LinkOptions>();
   auto* const command = app.add_subcommand("link", "Tells which addresses the in-app web view opens");
-  command->footer(footer);
+  command->footer(linkFooter);
   command->add_option("--allowed", options->allowed, "Hosts or addresses whose pages may be shown (repeatable)");
   command->add_option("URL", options->addresses, "Addresses to test");
 

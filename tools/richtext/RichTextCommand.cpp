@@ -13,7 +13,7 @@
 namespace quillon::tools {
 namespace {
 
-constexpr const char* footer = R"(
+constexpr const char* richTextFooter = R"(
 Prints the styled text that the consent screens show for it: one JSON array with a line for each run. "font" is body, bold
 or italic, "scale" the size relative to that of the body text. The exit status is 1 when the file cannot be read or is
 refused.)";
@@ -59,7 +59,7 @@ std::expected<void, std::string> convert(const std::string& path) {
 void addRichTextCommand(CLI::App& app, int& exitCode) {
   const auto file = std::make_shared<std::string>();
   auto* const command = app.add_subcommand("richtext", "Shows what becomes of an HTML text");
-  command->footer(footer);
+  command->footer(richTextFooter);
   command->add_option("FILE", *file, "The HTML text; \"-\" is standard input")->required();
   command->callback([file, &exitCode] {
     if (const auto done = convert(*file); !done) {

@@ -18,7 +18,7 @@ namespace {
 
 using namespace quillon::signals;
 
-constexpr const char* footer = R"(
+constexpr const char* signalsFooter = R"(
 STRING is a TC string or a GPP string, or "-" for the lines of standard input. decode prints one line of JSON for each,
 its keys the names of the standards' tables; sets are lists of numbers, times whole seconds. encode reads such an object
 from a file, or with "-" from standard input, and prints its string. explain says a string in words, with names from a
@@ -102,7 +102,7 @@ void addSignalsCommand(CLI::App& app, int& exitCode) {
   const auto options = std::make_shared<SignalsOptions>();
   auto* const command =
       app.add_subcommand("signals", "Reads, writes and explains the strings of the advertising trade");
-  command->footer(footer);
+  command->footer(signalsFooter);
   command->require_subcommand(1);
   const auto finish = [&exitCode](bool isFine) {
     if (!std::cout.flush()) {

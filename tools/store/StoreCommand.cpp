@@ -23,7 +23,7 @@
 namespace quillon::tools {
 namespace {
 
-constexpr const char* footer = R"(
+constexpr const char* storeFooter = R"(
 A host may run on the folder meanwhile: reading finds what it has committed, and after a reset it finds its store empty
 within a tenth of a second. Reading neither makes nor mends a store; a damaged one is reported and left as it is, while a
 reset keeps it beside the new one. The access token is shown as "***". The exit status is 1 when the folder holds no
@@ -158,7 +158,7 @@ std::expected<void, std::string> reset(const StoreOptions& options) {
 void addStoreCommand(CLI::App& app, int& exitCode) {
   const auto options = std::make_shared<StoreOptions>();
   auto* const store = app.add_subcommand("store", "Reads or empties the stored consent state of a data folder");
-  store->footer(footer);
+  store->footer(storeFooter);
   store->require_subcommand(1);
   store->add_option("--data-dir", options->dataDirectory, "The data folder; without it, that of the command host");
 

@@ -12,7 +12,7 @@
 namespace quillon::tools {
 namespace {
 
-constexpr const char* footer = R"(
+constexpr const char* validateFooter = R"(
 Each file gets one line on standard output: "FILE: ok", or "FILE: PATH: WHAT" with the first error. The exit status is 0
 when all files are fine, else 1. With --lint, what would disappoint a user follows a file that is fine, one line each:
 "FILE: warning: PATH: WHAT"; warnings do not change the exit status.)";
@@ -38,7 +38,7 @@ void addValidateCommand(CLI::App& app, int& exitCode) {
   };
   const auto options = std::make_shared<ValidateOptions>();
   auto* const command = app.add_subcommand("validate", "Checks consent configurations");
-  command->footer(footer);
+  command->footer(validateFooter);
   command->add_option("FILE", options->files, "Configuration documents, of at most 32 MiB each")->required();
   command->add_flag("--lint", options->lint, "Also tell what would disappoint a user");
 

@@ -6,8 +6,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "ConsentBanner/ConsentBannerViewModel";
-
 using BannerResult = ConsentSDKResult<BannerConfig>;
 using LogoResult = ConsentSDKResult<std::optional<EncodedImage>>;
 using PromptResult = ConsentSDKResult<std::optional<SettingsPrompt>>;
@@ -108,9 +106,9 @@ void ConsentBannerViewModel::openLink(const std::string& link) {
 
 void ConsentBannerViewModel::recordDefaultExplicitConsents() {
   if (sdk_->recordDefaults()) return;
-  UnitLog(sdk_->logger(), sourceFile)(LogLevel::error,
-                                      "Something went wrong while recording default constents explicitly.",
-                                      "recordDefaultExplicitConsents()");
+  UnitLog(sdk_->logger(), unit::consentBanner)(LogLevel::error,
+                                               "Something went wrong while recording default constents explicitly.",
+                                               "recordDefaultExplicitConsents()");
 }
 
 std::string ConsentBannerViewModel::label(Label label) const {

@@ -51,6 +51,8 @@ enum class Label {
   reject,
   privacyNotice,
   dsrPortal,
+  openSettings,
+  notNow,
 };
 
 struct LabelText {
@@ -102,8 +104,10 @@ inline constexpr std::array labelTexts{
     LabelText{"reject", "Reject"},
     LabelText{"privacy_notice", "Privacy Notice"},
     LabelText{"dsr_portal", "Your Data Rights"},
+    LabelText{"open_settings", "Open Settings"},
+    LabelText{"not_now", "Not Now"},
 };
-static_assert(labelTexts.size() == static_cast<std::size_t>(Label::dsrPortal) + 1);
+static_assert(labelTexts.size() == static_cast<std::size_t>(Label::notNow) + 1);
 
 // The banner's translation into the language, else the English text; an empty translation counts as none.
 [[nodiscard]] std::string labelText(Label label, const std::optional<BannerConfig>& banner, std::string_view language);

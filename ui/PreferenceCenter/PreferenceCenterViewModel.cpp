@@ -161,6 +161,12 @@ void PreferenceCenterViewModel::close() {
   banner_->leave();
 }
 
+bool PreferenceCenterViewModel::offersSettings(const AppPermission& permission) const {
+  const BannerConfig* const banner = banner_->bannerConfigResult.get().value();
+  return permission.permissionId && permission.isSettingsPromptEnabled.value_or(false) && banner &&
+         banner->shouldShowSettingsPrompt.value_or(false);
+}
+
 void PreferenceCenterViewModel::tapPermission(const VantariKey& permission) {
   banner_->sdk()->presentSettingPrompt(permission);
 }

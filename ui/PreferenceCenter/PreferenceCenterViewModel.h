@@ -70,6 +70,8 @@ class PreferenceCenterViewModel : public std::enable_shared_from_this<Preference
   void close();
   // Offers the way to the system settings for a permission, where the configuration has one.
   void tapPermission(const VantariKey& permission);
+  // Whether a tap on the permission offers that way.
+  bool offersSettings(const AppPermission& permission) const;
 
   const std::shared_ptr<ConsentBannerViewModel>& banner() const { return banner_; }
 

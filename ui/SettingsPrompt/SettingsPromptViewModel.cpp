@@ -6,8 +6,13 @@ std::optional<SettingsPromptViewModel::Content> SettingsPromptViewModel::content
   const auto* result = banner_->settingsPromptResult.get().value();
   if (!result || !*result) return std::nullopt;
   const SettingsPrompt& prompt = **result;
+  const auto buttonText = [&](const std::optional<LocalizedText>& configured, Label otherwise) {
+    std::string text = banner_->text(configured);
+    return text.empty() ? banner_->label(otherwise) : text;
+  };
   return Content{banner_->text(prompt.promptHeading), banner_->text(prompt.promptMessage),
-                 banner_->text(prompt.settingsButtonText), banner_->text(prompt.notNowButtonText)};
+                 buttonText(prompt.settingsButtonText, Label::openSettings),
+                 buttonText(prompt.notNowButtonText, Label::notNow)};
 }
 
 void SettingsPromptViewModel::openSettings() {

@@ -19,7 +19,7 @@ class SettingsPromptViewModel {
   struct Content {
     std::string heading;
     std::string message;
-    std::string settingsButton;
+    std::string settingsButton;  // never empty, nor is the other
     std::string notNowButton;
 
     bool operator==(const Content&) const = default;

@@ -95,7 +95,7 @@ PermissionAdapter* PreferenceCenterAdapter::shownPermission(const AppPermission&
   shown->description->setHtml(model_->banner()->text(permission.description));
   shown->status = permission.consentStatus;
   shown->key = permission.permissionId;
-  shown->canUpdate = permission.permissionId && permission.isSettingsPromptEnabled.value_or(false);
+  shown->canUpdate = model_->offersSettings(permission);
   return shown;
 }
 
@@ -120,8 +120,11 @@ void PreferenceCenterAdapter::refreshPermissions() {
   shownPermissions_ = loaded;
   for (PermissionAdapter* shown : permissions_) {
     const auto now = std::ranges::find(loaded, shown->key, &AppPermission::permissionId);
-    if (now == loaded.end() || now->consentStatus == shown->status) continue;
+    if (now == loaded.end()) continue;
+    const bool canUpdate = model_->offersSettings(*now);
+    if (now->consentStatus == shown->status && canUpdate == shown->canUpdate) continue;
     shown->status = now->consentStatus;
+    shown->canUpdate = canUpdate;
     Q_EMIT shown->changed();
   }
 }

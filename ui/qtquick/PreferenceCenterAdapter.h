@@ -20,7 +20,7 @@ class PermissionAdapter : public QObject {
   Q_PROPERTY(QString name MEMBER name CONSTANT)
   Q_PROPERTY(quillon::RichTextAdapter* description MEMBER description CONSTANT)
   Q_PROPERTY(bool isGranted READ isGranted NOTIFY changed)
-  Q_PROPERTY(bool canUpdate MEMBER canUpdate CONSTANT)
+  Q_PROPERTY(bool canUpdate MEMBER canUpdate NOTIFY changed)
 
  public:
   using QObject::QObject;

@@ -9,6 +9,9 @@
 #include "ui/qtquick/PlacedScreen.h"
 #include "ui/qtquick/QtScreenPresenter.h"
 
+// Its presence is what matters.
+extern "C" void quillonScreensAreLinked() {}
+
 namespace quillon {
 
 bool configureQtQuick(LinuxOptions options, QtQuickOptions screens) {

@@ -2,14 +2,13 @@
 
 #include <array>
 
+#include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Text/Ascii.h"
 #include "core/Text/LogText.h"
 
 namespace quillon {
 namespace {
-
-constexpr std::string_view sourceFile = "Persistance/UserDefaults/UserDefaultManager";
 
 // Every decision that stands, taken away.
 std::vector<Decision> removalsOf(const SuiteEntries& current, std::int64_t now) {
@@ -47,7 +46,8 @@ KeyValueSuite& UserDefaultManager::suite() const {
       background->post([link, level, message = std::move(message)] {
         const auto severity = level == KeyValueStore::ReportLevel::error ? LogLevel::error : LogLevel::info;
         const std::scoped_lock lock(link->mutex);
-        if (link->logger) link->logger->log(escapedForLog(message), severity, "suite", sourceFile, __LINE__);
+        if (link->logger)
+          link->logger->log(escapedForLog(message), severity, "suite", unit::userDefaultManager, __LINE__);
       });
     };
     auto opened = platform_.store->open(key::suiteName, std::move(report));
@@ -56,7 +56,7 @@ KeyValueSuite& UserDefaultManager::suite() const {
       platform_.console->write(platform_.clock->localText(platform_.clock->now()) + " [ERROR] " +
                                escapedForLog(opened.error()));
       platform_.console->fatal("Could not create or access UserDefaults suite: " + std::string(key::suiteName),
-                               sourceFile);
+                               unit::userDefaultManager);
     }
     suite_ = std::move(*opened);
   });
@@ -77,8 +77,8 @@ std::expected<void, std::string> UserDefaultManager::change(const Update& update
 
 bool UserDefaultManager::reportOutcome(const std::expected<void, std::string>& outcome) {
   if (!outcome) {
-    logger_.log("Failed to store: " + escapedForLog(outcome.error()), LogLevel::error, "transact", sourceFile,
-                __LINE__);
+    logger_.log("Failed to store: " + escapedForLog(outcome.error()), LogLevel::error, "transact",
+                unit::userDefaultManager, __LINE__);
   }
   return outcome.has_value();
 }
@@ -112,7 +112,8 @@ bool UserDefaultManager::settle(const Settlement& edit) {
 std::optional<SuiteReading> UserDefaultManager::read() const {
   auto reading = suite().read();
   if (reading) return std::move(*reading);
-  logger_.log("Failed to read: " + escapedForLog(reading.error()), LogLevel::error, "read", sourceFile, __LINE__);
+  logger_.log("Failed to read: " + escapedForLog(reading.error()), LogLevel::error, "read", unit::userDefaultManager,
+              __LINE__);
   return std::nullopt;
 }
 
@@ -159,7 +160,8 @@ std::string UserDefaultManager::getSubjectId() {
 HistoryPage UserDefaultManager::history(std::int64_t before, std::size_t count) const {
   const auto page = suite().journal(before, count);
   if (page) return historyOf(*page, count);
-  logger_.log("Failed to read the history: " + page.error(), LogLevel::error, "history", sourceFile, __LINE__);
+  logger_.log("Failed to read the history: " + page.error(), LogLevel::error, "history", unit::userDefaultManager,
+              __LINE__);
   return {};
 }
 
@@ -178,12 +180,13 @@ bool UserDefaultManager::removeAllConsents(const Edit& edit) {
     });
   });
   if (outcome) {
-    logger_.log("Successfully removed all consents", LogLevel::info, "removeAllConsents()", sourceFile, __LINE__);
+    logger_.log("Successfully removed all consents", LogLevel::info, "removeAllConsents()", unit::userDefaultManager,
+                __LINE__);
     // At threshold debug that very line named a subject and so made a new one.
     if (logger_.logLevel() == LogLevel::debug) remove(key::subjectId);
   } else {
     logger_.log("Failed to remove all consents: " + escapedForLog(outcome.error()), LogLevel::error,
-                "removeAllConsents()", sourceFile, __LINE__);
+                "removeAllConsents()", unit::userDefaultManager, __LINE__);
   }
   return outcome.has_value();
 }

@@ -268,7 +268,7 @@ const TemporaryFolder& sharedFolder() {
 }
 
 TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
-  configure({.applicationId = "test", .dataDirectory = sharedFolder().path() / "shared"});
+  (void)configure({.applicationId = "test", .dataDirectory = sharedFolder().path() / "shared"});
   // In memory: a minute of commits would else be a minute of waiting for the disk.
   const TemporaryFolder memory(TemporaryFolder::fastParent());
   World world(memory.path() / "data");

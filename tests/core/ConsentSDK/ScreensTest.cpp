@@ -12,13 +12,17 @@ namespace {
 
 struct Screens : testing::Test {
   Screens() {
-    world.amend = [this](Platform& platform) { platform.screens = presenter; };
+    world.amend = [this](Platform& platform) {
+      platform.screens = presenter;
+      platform.areScreensLinked = areLinked;
+    };
   }
   std::vector<std::string> shown() {
     world.settle();
     return presenter->take();
   }
   std::shared_ptr<RecordingPresenter> presenter = std::make_shared<RecordingPresenter>();
+  bool areLinked = true;
   World world;
 };
 
@@ -32,13 +36,18 @@ TEST_F(Screens, AreShownOnTheMainQueueAndTheBannerOnce) {
   EXPECT_EQ(shown(), (std::vector<std::string>{"preferences", "link https://example.org/"}));
 }
 
-TEST_F(Screens, WithoutAUserInterfaceConsumeNothing) {
+TEST_F(Screens, WithoutAUserInterfaceConsumeNothingAndTellWhatIsMissing) {
   presenter = nullptr;
-  world.start();
-  world.sdk->presentBanner();
-  world.sdk->openLink("https://example.org/");
-  world.sdk->settled().wait();
-  EXPECT_TRUE(contains(world.log(), "[ERROR]No user interface is linked or configured, nothing is shown"));
+  for (const auto& [linked, mistake] : {std::pair(false, "[ERROR]No user interface is linked, nothing is shown"),
+                                        std::pair(true, "[ERROR]A user interface is linked but not configured")}) {
+    areLinked = linked;
+    world.restart();
+    world.start();
+    world.sdk->presentBanner();
+    world.sdk->openLink("https://example.org/");
+    world.sdk->settled().wait();
+    EXPECT_TRUE(contains(world.log(), mistake));
+  }
   EXPECT_TRUE(world.sdk->isBannerDue());
 }
 

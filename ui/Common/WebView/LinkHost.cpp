@@ -19,7 +19,7 @@ constexpr std::size_t longestLabel = 63;
 constexpr std::size_t longestLabelText = longestLabel * 4;  // in UTF-8
 constexpr std::string_view encodedPrefix = "xn--";
 
-using Label = std::expected<std::string, LinkRefusal>;
+using HostLabel = std::expected<std::string, LinkRefusal>;
 
 bool isAscii(std::string_view text) {
   return std::ranges::none_of(text, [](char c) { return (static_cast<unsigned char>(c) & 0x80) != 0; });
@@ -56,7 +56,7 @@ struct Idn2Free {
 };
 
 // The label as IDNA 2008 encodes it without any mapping.
-Label encoded(const std::string& label) {
+HostLabel encoded(const std::string& label) {
   if (label.front() == '-' || label.back() == '-') return std::unexpected(LinkRefusal::internationalName);
   std::uint8_t* result = nullptr;
   const int code = idn2_lookup_u8(reinterpret_cast<const std::uint8_t*>(label.c_str()), &result,
@@ -76,7 +76,7 @@ std::optional<std::string> decoded(const std::string& label) {
   return result;
 }
 
-Label canonicalLabel(std::string_view raw) {
+HostLabel canonicalLabel(std::string_view raw) {
   if (raw.empty()) return std::unexpected(LinkRefusal::emptyLabel);
   if (raw.size() > longestLabelText) return std::unexpected(LinkRefusal::hostName);
   std::string label = lowerCased(raw);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/Configuration/ConfiguredTexts.h"
+#include "core/Logger/UnitLog.h"
 #include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
@@ -13,7 +14,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "Common/WebView/WebViewModel";
 constexpr const char* vendorDomains[] = {"quillon.example", "quillon-cdn.example"};
 constexpr const char* headingScript = "document.querySelector('h1').innerText";
 constexpr std::size_t longestTitle = 1024;
@@ -53,7 +53,7 @@ Gathered gather(const ScreenContent& content, ScreenServices& sdk) {
   const auto options = sdk.options();
   const auto page = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
   return {configuration ? hostsOfLinks(*configuration) : std::set<std::string>(),
-          BlockedPage::configured(page, sdk.host(), UnitLog(sdk.logger(), sourceFile))};
+          BlockedPage::configured(page, sdk.host(), UnitLog(sdk.logger(), unit::webView))};
 }
 
 // What a page calls itself, in a length that a header can take.
@@ -71,7 +71,7 @@ std::string asTitle(std::string_view text) {
 }  // namespace
 
 WebViewModel::WebViewModel(std::shared_ptr<ScreenServices> sdk, std::unique_ptr<WebSurface> surface)
-    : sdk_(std::move(sdk)), log_(sdk_->logger(), sourceFile), webView_(std::move(surface)) {}
+    : sdk_(std::move(sdk)), log_(sdk_->logger(), unit::webView), webView_(std::move(surface)) {}
 
 std::shared_ptr<WebViewModel> WebViewModel::make(std::shared_ptr<ScreenServices> sdk,
                                                  std::unique_ptr<WebSurface> surface) {

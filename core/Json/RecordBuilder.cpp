@@ -1,0 +1,283 @@
+#include "core/Json/RecordBuilder.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <functional>
+
+#include "core/Json/WholeNumber.h"
+#include "core/Text/Ascii.h"
+
+namespace quillon::json {
+namespace {
+
+using Kind = JsonType::Kind;
+
+// How much of a key or text an error message repeats.
+constexpr std::size_t kLongestQuote = 64;
+// The hash of a skipped key, in an array that grows by doubling.
+constexpr std::size_t kSkippedKeyMemory = 2 * sizeof(std::uint64_t);
+
+std::string_view expectation(Kind kind) {
+  switch (kind) {
+    case Kind::boolean:
+      return "expected a boolean";
+    case Kind::integer:
+      return "expected an integer";
+    case Kind::text:
+    case Kind::symbol:
+      return "expected a string";
+    case Kind::array:
+      return "expected an array";
+    case Kind::map:
+    case Kind::record:
+      return "expected an object";
+  }
+  return {};
+}
+
+// Cuts on the border of a character and makes control characters harmless for a log.
+void appendQuote(std::string& message, std::string_view text) {
+  std::string_view shown = text.substr(0, kLongestQuote);
+  if (shown.size() < text.size()) {
+    while (!shown.empty() && (static_cast<unsigned char>(text[shown.size()]) & 0xC0) == 0x80) shown.remove_suffix(1);
+  }
+  for (const char c : shown) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7F) {
+      message += c;
+    } else {
+      message += "\\x";
+      appendHex(message, c);
+    }
+  }
+  if (shown.size() < text.size()) message += "...";
+}
+
+}  // namespace
+
+RecordBuilder::RecordBuilder(std::string_view document, const JsonType& type, void* record)
+    : document_(document), levels_(kDeepestNesting), target_{.type = &type, .place = record} {}
+
+std::string RecordBuilder::path() const {
+  std::string path;
+  for (std::size_t i = 0; i < depth_; ++i) {
+    const Level& level = levels_[i];
+    if (level.isArray) {
+      if (level.count > 0) path += '[' + std::to_string(level.count - 1) + ']';
+    } else if (level.key.data() != nullptr) {
+      if (!path.empty()) path += '.';
+      appendQuote(path, level.key);
+    }
+  }
+  return path.empty() ? "document" : path;
+}
+
+bool RecordBuilder::refuse(const std::string& what) {
+  error_ = path() + ": " + what;
+  return false;
+}
+
+bool RecordBuilder::refuseType() {
+  return refuse(std::string(expectation(target_.type->kind)));
+}
+
+bool RecordBuilder::take(std::size_t bytes) {
+  memory_ += bytes;
+  return memory_ <= kLargestRecord || refuse("the document takes more than 256 MiB of memory");
+}
+
+// The whole key or text, from its only piece or from the collected ones.
+std::string_view RecordBuilder::whole(std::string_view piece, std::size_t size) {
+  if (piece.size() == size) return piece;
+  pieces_ += piece;
+  return pieces_;
+}
+
+bool RecordBuilder::part(std::string_view piece) {
+  pieces_ += piece;
+  return true;
+}
+
+// Inside an array, makes its next element the target; elsewhere the latest key has chosen it.
+bool RecordBuilder::aim() {
+  if (depth_ == 0 || !levels_[depth_ - 1].isArray) return true;
+  Level& level = levels_[depth_ - 1];
+  ++level.count;
+  target_ = {};
+  if (!level.type) return true;
+  target_ = {.type = level.element, .place = level.value, .open = level.type->append};
+  // An array grows by doubling.
+  return take(2 * level.element->size);
+}
+
+bool RecordBuilder::aimAtField(Level& level, std::string_view key) {
+  const std::span<const JsonField> fields = level.type->fields;
+  std::size_t at = level.next;
+  if (at >= fields.size() || fields[at].key != key) {
+    at = 0;
+    while (at < fields.size() && fields[at].key != key) ++at;
+    if (at == fields.size()) return skipKey(key);
+  }
+  const std::uint64_t bit = std::uint64_t{1} << at;
+  if (level.seen & bit) return refuse("duplicate key");
+  level.seen |= bit;
+  level.next = at + 1;
+  const JsonField& field = fields[at];
+  target_ = {.type = &field.type(), .place = level.value, .open = field.open, .mayBeNull = field.mayBeNull};
+  return true;
+}
+
+bool RecordBuilder::aimAtEntry(Level& level, std::string_view key) {
+  // Beside key and element a node of a map holds three pointers and a colour.
+  if (!take(4 * sizeof(void*) + sizeof(std::string) + key.size() + level.element->size)) return false;
+  void* const element = level.type->insert(level.value, key);
+  if (!element) return refuse("duplicate key");
+  const auto openElement = level.type->openElement;
+  target_ = {.type = level.element, .place = element, .open = openElement, .mayBeNull = openElement != nullptr};
+  return true;
+}
+
+bool RecordBuilder::skipKey(std::string_view key) {
+  target_ = {};
+  skippedKeys_.push_back(std::hash<std::string_view>{}(key));
+  return take(kSkippedKeyMemory);
+}
+
+bool RecordBuilder::key(std::string_view piece, std::size_t size) {
+  Level& level = levels_[depth_ - 1];
+  const std::string_view key = whole(piece, size);
+  const char* const begin = document_.data();
+  if (std::greater_equal<>{}(key.data(), begin) && std::less<>{}(key.data(), begin + document_.size())) {
+    level.key = key;
+  } else {
+    level.ownKey = key.substr(0, kLongestQuote + 4);
+    level.key = level.ownKey;
+  }
+  const bool accepted = !level.type                     ? skipKey(key)
+                        : level.type->kind == Kind::map ? aimAtEntry(level, key)
+                                                        : aimAtField(level, key);
+  pieces_.clear();
+  return accepted;
+}
+
+// The address for the value that has come; makes it present.
+void* RecordBuilder::address() {
+  return target_.open ? target_.open(target_.place) : target_.place;
+}
+
+bool RecordBuilder::begin(bool isArray, const JsonType* type) {
+  Level& level = levels_[depth_++];
+  level.type = type;
+  level.element = type && type->element ? &type->element() : nullptr;
+  level.value = type ? address() : nullptr;
+  level.isArray = isArray;
+  level.count = 0;
+  level.next = 0;
+  level.seen = 0;
+  level.firstSkip = skippedKeys_.size();
+  level.key = {};
+  return true;
+}
+
+bool RecordBuilder::beginObject() {
+  if (!aim()) return false;
+  const JsonType* const type = target_.type;
+  if (type && type->kind != Kind::record && type->kind != Kind::map) return refuseType();
+  return begin(false, type);
+}
+
+bool RecordBuilder::beginArray() {
+  if (!aim()) return false;
+  const JsonType* const type = target_.type;
+  if (type && type->kind != Kind::array) return refuseType();
+  return begin(true, type);
+}
+
+bool RecordBuilder::endObject() {
+  Level& level = levels_[depth_ - 1];
+  if (level.type) {
+    if (const std::uint64_t missing = level.type->required & ~level.seen; missing != 0) {
+      level.key = level.type->fields[static_cast<std::size_t>(std::countr_zero(missing))].key;
+      return refuse("is required");
+    }
+  }
+  const auto first = skippedKeys_.begin() + static_cast<std::ptrdiff_t>(level.firstSkip);
+  std::sort(first, skippedKeys_.end());
+  if (std::adjacent_find(first, skippedKeys_.end()) != skippedKeys_.end()) {
+    level.key = {};
+    return refuse("duplicate key");
+  }
+  memory_ -= kSkippedKeyMemory * static_cast<std::size_t>(skippedKeys_.end() - first);
+  skippedKeys_.erase(first, skippedKeys_.end());
+  --depth_;
+  return true;
+}
+
+bool RecordBuilder::endArray() {
+  --depth_;
+  return true;
+}
+
+bool RecordBuilder::text(std::string_view piece, std::size_t size) {
+  const std::string_view text = whole(piece, size);
+  const bool accepted = aim() && (!target_.type || assign(text));
+  pieces_.clear();
+  return accepted;
+}
+
+bool RecordBuilder::assign(std::string_view text) {
+  switch (target_.type->kind) {
+    case Kind::text:
+      static_cast<std::string*>(address())->assign(text);
+      return take(text.size());
+    case Kind::symbol: {
+      if (target_.type->assign(address(), text)) return take(text.size());
+      std::string what = "unknown value \"";
+      appendQuote(what, text);
+      return refuse(what + '"');
+    }
+    default:
+      return refuseType();
+  }
+}
+
+bool RecordBuilder::integer(std::int64_t value) {
+  if (!aim()) return false;
+  if (!target_.type) return true;
+  if (target_.type->kind != Kind::integer) return refuseType();
+  *static_cast<std::int64_t*>(address()) = value;
+  return true;
+}
+
+bool RecordBuilder::real(double approximation, std::string_view number) {
+  if (!aim()) return false;
+  // The parser takes 0e400 for infinity times zero.
+  double exact = approximation;
+  if (!std::isfinite(approximation) &&
+      std::from_chars(number.data(), number.data() + number.size(), exact).ec != std::errc()) {
+    return refuse("the number is out of range");
+  }
+  if (!target_.type) return true;
+  if (target_.type->kind != Kind::integer) return refuseType();
+  const std::optional<std::int64_t> value = wholeNumber(number);
+  if (!value) return refuseType();
+  *static_cast<std::int64_t*>(address()) = *value;
+  return true;
+}
+
+bool RecordBuilder::boolean(bool value) {
+  if (!aim()) return false;
+  if (!target_.type) return true;
+  if (target_.type->kind != Kind::boolean) return refuseType();
+  *static_cast<bool*>(address()) = value;
+  return true;
+}
+
+bool RecordBuilder::null() {
+  if (!aim()) return false;
+  return !target_.type || target_.mayBeNull || refuseType();
+}
+
+}  // namespace quillon::json
