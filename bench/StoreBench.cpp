@@ -1,6 +1,7 @@
 // What a consent costs to read and to record, beside other stores on the same disk.
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <map>
 
 #include "bench/AllocationCount.h"
@@ -13,14 +14,24 @@ namespace {
 
 constexpr int manyChanges = 100;
 
-void readConsent(benchmark::State& state) {
+// Asks about one purpose after the other, with a decision on each and a configuration at hand.
+void askAbout(benchmark::State& state, const std::function<void(const ConsentSDK&, std::int64_t id)>& ask) {
   Device device(configurationWithPurposes(kStoredKeys));
+  device.setUp();
   device.decide(kStoredKeys);
   std::int64_t id = 0;
-  benchmark::DoNotOptimize(device.sdk().get(1));  // opens the store
+  ask(device.sdk(), 1);  // opens the store
   const AllocationCount count;
-  for (auto _ : state) benchmark::DoNotOptimize(device.sdk().get(++id % kStoredKeys + 1));
+  for (auto _ : state) ask(device.sdk(), ++id % kStoredKeys + 1);
   state.counters["allocated"] = static_cast<double>(count.peak());
+}
+
+void readConsent(benchmark::State& state) {
+  askAbout(state, [](const ConsentSDK& sdk, std::int64_t id) { benchmark::DoNotOptimize(sdk.get(id)); });
+}
+
+void askWhetherAllowed(benchmark::State& state) {
+  askAbout(state, [](const ConsentSDK& sdk, std::int64_t id) { benchmark::DoNotOptimize(sdk.isAllowed(id)); });
 }
 
 template <class Store>
@@ -75,6 +86,7 @@ void writes(benchmark::internal::Benchmark* benchmark) {
 }
 
 BENCHMARK(readConsent)->Name("read/sdk")->Apply(reads);
+BENCHMARK(askWhetherAllowed)->Name("read/sdk is allowed")->Apply(reads);
 BENCHMARK(readOther<BareSqlite>)->Name("read/sqlite select")->Apply(reads);
 BENCHMARK(readOther<Lmdb>)->Name("read/lmdb get")->Apply(reads);
 BENCHMARK(recordDecision)->Name("decision/sdk")->Apply(writes);
@@ -86,24 +98,28 @@ Figure processorTime(const char* benchmark) {
   return {benchmark, std::string(kProcessorTime)};
 }
 
-const bool registered = expectAtMost({"read of one consent, nanoseconds", processorTime("read/sdk"), {}, 60}) &&
-                        expectAtMost({"read of one consent, bytes allocated", {"read/sdk", "allocated"}, {}, 0}) &&
-                        expectAtMost({"read of one consent, against a prepared SQLite SELECT",
-                                      processorTime("read/sdk"), processorTime("read/sqlite select"), 1.0 / 30}) &&
-                        expectAtMost({"read of one consent, against LMDB", processorTime("read/sdk"),
-                                      processorTime("read/lmdb get"), 1.0 / 3}) &&
-                        expectAtMost({"durable decision, against one bare SQLite commit of as many rows",
-                                      {"decision/sdk"},
-                                      Figure{"decision/sqlite commit"},
-                                      1.15}) &&
-                        expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of one",
-                                      {"decision/sdk saves 100"},
-                                      Figure{"decision/sqlite commit"},
-                                      3}) &&
-                        expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of 100",
-                                      {"decision/sdk saves 100"},
-                                      Figure{"decision/sqlite commit of 100"},
-                                      3});
+const bool registered =
+    expectAtMost({"read of one consent, nanoseconds", processorTime("read/sdk"), {}, 60}) &&
+    expectAtMost({"read of one consent, bytes allocated", {"read/sdk", "allocated"}, {}, 0}) &&
+    expectAtMost({"whether a purpose is allowed, against a read", processorTime("read/sdk is allowed"),
+                  processorTime("read/sdk"), 1.25}) &&
+    expectAtMost({"whether a purpose is allowed, bytes allocated", {"read/sdk is allowed", "allocated"}, {}, 0}) &&
+    expectAtMost({"read of one consent, against a prepared SQLite SELECT", processorTime("read/sdk"),
+                  processorTime("read/sqlite select"), 1.0 / 30}) &&
+    expectAtMost(
+        {"read of one consent, against LMDB", processorTime("read/sdk"), processorTime("read/lmdb get"), 1.0 / 3}) &&
+    expectAtMost({"durable decision, against one bare SQLite commit of as many rows",
+                  {"decision/sdk"},
+                  Figure{"decision/sqlite commit"},
+                  1.15}) &&
+    expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of one",
+                  {"decision/sdk saves 100"},
+                  Figure{"decision/sqlite commit"},
+                  3}) &&
+    expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of 100",
+                  {"decision/sdk saves 100"},
+                  Figure{"decision/sqlite commit of 100"},
+                  3});
 
 }  // namespace
 }  // namespace quillon::bench

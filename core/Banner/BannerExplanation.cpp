@@ -7,16 +7,6 @@
 namespace quillon {
 namespace {
 
-constexpr RawValue<BannerReason> kBannerReasons[] = {
-    {BannerReason::neverShown, "never_shown"},
-    {BannerReason::unanswered, "unanswered"},
-    {BannerReason::reconsent, "reconsent"},
-    {BannerReason::intervalOver, "interval_over"},
-    {BannerReason::onScreen, "on_screen"},
-    {BannerReason::answered, "answered"},
-    {BannerReason::noConfiguration, "no_configuration"},
-};
-
 std::string sentence(const BannerExplanation& banner, std::int64_t shown) {
   switch (banner.reason) {
     case BannerReason::neverShown:
@@ -40,13 +30,10 @@ std::string sentence(const BannerExplanation& banner, std::int64_t shown) {
 
 }  // namespace
 
-std::string_view rawValue(BannerReason reason) noexcept {
-  return textOf<BannerReason>(kBannerReasons, reason);
-}
-template <>
-std::optional<BannerReason> fromRawValue(std::string_view text) noexcept {
-  return caseOf<BannerReason>(kBannerReasons, text);
-}
+QUILLON_RAW_VALUES(BannerReason, {BannerReason::neverShown, "never_shown"}, {BannerReason::unanswered, "unanswered"},
+                   {BannerReason::reconsent, "reconsent"}, {BannerReason::intervalOver, "interval_over"},
+                   {BannerReason::onScreen, "on_screen"}, {BannerReason::answered, "answered"},
+                   {BannerReason::noConfiguration, "no_configuration"});
 
 BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration,
                                 bool hasDecisions) {

@@ -5,64 +5,27 @@
 #include "core/Json/JsonType.h"
 #include "core/Json/RawValues.h"
 #include "core/Json/Record.h"
+#include "core/Text/Ascii.h"
 
 namespace quillon {
-namespace {
 
-constexpr RawValue<ComplianceType> kComplianceTypes[] = {
-    {ComplianceType::noticeOnly, "notice-only"},
-    {ComplianceType::optIn, "opt-in"},
-    {ComplianceType::optOut, "opt-out"},
-};
+QUILLON_RAW_VALUES(ComplianceType, {ComplianceType::noticeOnly, "notice-only"}, {ComplianceType::optIn, "opt-in"},
+                   {ComplianceType::optOut, "opt-out"});
 
-constexpr RawValue<BannerPosition> kBannerPositions[] = {
-    {BannerPosition::bottom, "bottom"},
-    {BannerPosition::center, "center"},
-};
+QUILLON_RAW_VALUES(BannerPosition, {BannerPosition::bottom, "bottom"}, {BannerPosition::center, "center"});
 
-constexpr RawValue<ButtonShape> kButtonShapes[] = {
-    {ButtonShape::rounded, "rounded"},   {ButtonShape::square, "square"},     {ButtonShape::pill, "pill"},
-    {ButtonShape::outlined, "outlined"}, {ButtonShape::edgeless, "edgeless"},
-};
-
-}  // namespace
-
-std::string_view rawValue(ComplianceType type) noexcept {
-  return textOf<ComplianceType>(kComplianceTypes, type);
-}
-
-template <>
-std::optional<ComplianceType> fromRawValue(std::string_view text) noexcept {
-  return caseOf<ComplianceType>(kComplianceTypes, text);
-}
-
-std::string_view rawValue(BannerPosition position) noexcept {
-  return textOf<BannerPosition>(kBannerPositions, position);
-}
-
-template <>
-std::optional<BannerPosition> fromRawValue(std::string_view text) noexcept {
-  return caseOf<BannerPosition>(kBannerPositions, text);
-}
-
-std::string_view rawValue(ButtonShape shape) noexcept {
-  return textOf<ButtonShape>(kButtonShapes, shape);
-}
-
-template <>
-std::optional<ButtonShape> fromRawValue(std::string_view text) noexcept {
-  return caseOf<ButtonShape>(kButtonShapes, text);
-}
+QUILLON_RAW_VALUES(ButtonShape, {ButtonShape::rounded, "rounded"}, {ButtonShape::square, "square"},
+                   {ButtonShape::pill, "pill"}, {ButtonShape::outlined, "outlined"},
+                   {ButtonShape::edgeless, "edgeless"});
 
 Color colorFromText(std::string_view text) noexcept {
   std::uint32_t number = 0;
   for (const char c : text) {
     if (c == '#') continue;
-    const bool digit = c >= '0' && c <= '9';
-    const char lower = static_cast<char>(c | 0x20);
-    if (!digit && (lower < 'a' || lower > 'f')) break;
+    const int digit = hexValue(c);
+    if (digit < 0) break;
     // Only the low 24 bits count, so what is shifted out does not matter.
-    number = (number << 4) + static_cast<std::uint32_t>(digit ? c - '0' : lower - 'a' + 10);
+    number = (number << 4) + static_cast<std::uint32_t>(digit);
   }
   const auto component = [number](int bit) { return static_cast<double>((number >> bit) & 0xFF) / 255; };
   return {.red = component(16), .green = component(8), .blue = component(0)};

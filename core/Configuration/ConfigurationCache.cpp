@@ -1,10 +1,12 @@
 #include "core/Configuration/ConfigurationCache.h"
 
+#include <boost/url/encode.hpp>
+#include <boost/url/rfc/unreserved_chars.hpp>
+
 #include "core/Configuration/DocumentSeal.h"
 #include "core/Json/Codec.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "core/Text/Ascii.h"
 
 namespace quillon {
 namespace {
@@ -12,17 +14,8 @@ namespace {
 constexpr std::size_t maximumFileBytes = std::size_t{32} << 20;
 
 std::string fileUrl(const std::filesystem::path& file) {
-  constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
-  std::string url = "file://";
-  for (const char c : file.string()) {
-    if (plain.find(c) != std::string_view::npos) {
-      url += c;
-    } else {
-      url += '%';
-      appendHex(url, c, upperHexDigits);
-    }
-  }
-  return url;
+  constexpr auto plain = boost::urls::unreserved_chars + boost::urls::grammar::lut_chars('/');
+  return "file://" + boost::urls::encode(file.string(), plain);
 }
 
 }  // namespace

@@ -3,24 +3,9 @@
 #include "core/Json/RawValues.h"
 
 namespace quillon {
-namespace {
 
-constexpr RawValue<ScreenKind> kScreenKinds[] = {
-    {ScreenKind::banner, "banner"},
-    {ScreenKind::preferenceCenter, "preferenceCenter"},
-    {ScreenKind::settingsPrompt, "settingsPrompt"},
-    {ScreenKind::webView, "webView"},
-};
-
-}  // namespace
-
-std::string_view rawValue(ScreenKind kind) noexcept {
-  return textOf<ScreenKind>(kScreenKinds, kind);
-}
-template <>
-std::optional<ScreenKind> fromRawValue(std::string_view text) noexcept {
-  return caseOf<ScreenKind>(kScreenKinds, text);
-}
+QUILLON_RAW_VALUES(ScreenKind, {ScreenKind::banner, "banner"}, {ScreenKind::preferenceCenter, "preferenceCenter"},
+                   {ScreenKind::settingsPrompt, "settingsPrompt"}, {ScreenKind::webView, "webView"});
 
 Listening ConsentSDK::listenToConsents(std::function<void(const Decision&)> listener) {
   return core_->events.consents.add(std::move(listener));

@@ -3,22 +3,7 @@
 #include "core/Json/RawValues.h"
 
 namespace quillon {
-namespace {
 
-constexpr RawValue<Mode> kModes[] = {
-    {Mode::draft, "draft"},
-    {Mode::live, "live"},
-};
-
-}  // namespace
-
-std::string_view rawValue(Mode mode) noexcept {
-  return textOf<Mode>(kModes, mode);
-}
-
-template <>
-std::optional<Mode> fromRawValue(std::string_view text) noexcept {
-  return caseOf<Mode>(kModes, text);
-}
+QUILLON_RAW_VALUES(Mode, {Mode::draft, "draft"}, {Mode::live, "live"});
 
 }  // namespace quillon

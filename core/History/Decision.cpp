@@ -5,51 +5,16 @@
 #include "quillon/DecisionHistory.h"
 
 namespace quillon {
-namespace {
 
-constexpr RawValue<GivenType> kGivenTypes[] = {
-    {GivenType::explicitly, "CONSENT_EXPLICIT"},
-    {GivenType::implicitly, "CONSENT_IMPLICIT"},
-    {GivenType::noAction, "CONSENT_NO_ACTION"},
-};
+QUILLON_RAW_VALUES(GivenType, {GivenType::explicitly, "CONSENT_EXPLICIT"}, {GivenType::implicitly, "CONSENT_IMPLICIT"},
+                   {GivenType::noAction, "CONSENT_NO_ACTION"});
 
-constexpr RawValue<DecisionCause> kCauses[] = {
-    {DecisionCause::user, "user"},           {DecisionCause::byDefault, "default"},
-    {DecisionCause::essential, "essential"}, {DecisionCause::trackingStatus, "tracking_status"},
-    {DecisionCause::device, "device"},       {DecisionCause::removed, "removed"},
-};
+QUILLON_RAW_VALUES(DecisionCause, {DecisionCause::user, "user"}, {DecisionCause::byDefault, "default"},
+                   {DecisionCause::essential, "essential"}, {DecisionCause::trackingStatus, "tracking_status"},
+                   {DecisionCause::device, "device"}, {DecisionCause::removed, "removed"});
 
-constexpr RawValue<UploadOutcome> kOutcomes[] = {
-    {UploadOutcome::pending, "pending"},
-    {UploadOutcome::uploaded, "uploaded"},
-    {UploadOutcome::superseded, "superseded"},
-    {UploadOutcome::dropped, "dropped"},
-};
-
-}  // namespace
-
-std::string_view rawValue(GivenType type) noexcept {
-  return textOf<GivenType>(kGivenTypes, type);
-}
-std::string_view rawValue(DecisionCause cause) noexcept {
-  return textOf<DecisionCause>(kCauses, cause);
-}
-std::string_view rawValue(UploadOutcome outcome) noexcept {
-  return textOf<UploadOutcome>(kOutcomes, outcome);
-}
-
-template <>
-std::optional<GivenType> fromRawValue(std::string_view text) noexcept {
-  return caseOf<GivenType>(kGivenTypes, text);
-}
-template <>
-std::optional<DecisionCause> fromRawValue(std::string_view text) noexcept {
-  return caseOf<DecisionCause>(kCauses, text);
-}
-template <>
-std::optional<UploadOutcome> fromRawValue(std::string_view text) noexcept {
-  return caseOf<UploadOutcome>(kOutcomes, text);
-}
+QUILLON_RAW_VALUES(UploadOutcome, {UploadOutcome::pending, "pending"}, {UploadOutcome::uploaded, "uploaded"},
+                   {UploadOutcome::superseded, "superseded"}, {UploadOutcome::dropped, "dropped"});
 
 template <>
 inline constexpr auto fields<Decision> = std::tuple{

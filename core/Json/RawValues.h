@@ -34,3 +34,18 @@ template <class E>
 }
 
 }  // namespace quillon
+
+/// Gives the cases of enumeration E of namespace quillon their texts: defines rawValue() and fromRawValue() by the rows
+/// that follow, in namespace quillon, as in QUILLON_RAW_VALUES(Mode, {Mode::draft, "draft"}, {Mode::live, "live"});
+#define QUILLON_RAW_VALUES(E, ...)                                \
+  namespace {                                                     \
+  constexpr RawValue<E> rawValuesOf##E[] = {__VA_ARGS__};         \
+  }                                                               \
+  std::string_view rawValue(E value) noexcept {                   \
+    return textOf<E>(rawValuesOf##E, value);                      \
+  }                                                               \
+  template <>                                                     \
+  std::optional<E> fromRawValue(std::string_view text) noexcept { \
+    return caseOf<E>(rawValuesOf##E, text);                       \
+  }                                                               \
+  static_assert(true, "a semicolon follows")

@@ -48,6 +48,10 @@ struct QtQuickOptions {
 /// up to the page; the decision itself is recorded by the SDK. Its implicit height is that of all it shows; given less,
 /// it scrolls.
 ///
+/// Pages ask `Consent.isAllowed(2)` and `Consent.isPermissionAllowed("NSCameraUsageDescription")` before they act, as
+/// ConsentSDK::isAllowed() answers, or follow a purpose with `ConsentGate { purposeId: 2; onAllowed: ...; onDenied: ... }`,
+/// which is ConsentSDK::whileAllowed().
+///
 /// Call it on the main thread, once for an engine and before its first page is loaded. The SDK outlives the engine.
 ///
 /// @code

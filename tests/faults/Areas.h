@@ -17,6 +17,7 @@ std::vector<Row> processRows();
 std::vector<Row> hostRows();
 std::vector<Row> clockRows();
 std::vector<Row> networkRows();
+std::vector<Row> answerRows();
 std::vector<Row> busRows();
 
 struct Area {
@@ -35,6 +36,7 @@ inline constexpr Area areas[] = {
     {"Host", hostRows},
     {"Clock", clockRows, "time changes nothing about threads"},
     {"Network", networkRows},
+    {"Answers", answerRows},
     {"Bus", busRows},
 };
 

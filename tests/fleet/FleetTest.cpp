@@ -1,10 +1,13 @@
 // A small fleet against real servers: four hours of ten devices, one hour of it without servers.
 #include <gtest/gtest.h>
 
+#include <signal.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/support/Contains.h"
@@ -30,18 +33,22 @@ struct Report {
 };
 
 struct FleetTest : testing::Test {
-  // Against the development server alone; what it writes about so few requests fits into the pipe unread.
-  Report runAgainstServe(const std::string& outageOf) {
+  // Against the development server alone.
+  Report runAgainstServe(const std::string& outageOf, const std::vector<std::string>& options = fourHours) {
     const std::string database = folder.path() / "uploads.db";
     ToolProcess server({"serve", QUILLON_SAMPLE_SITE, "--port", "0", "--db", database});
     const std::string url = server.readLine().value_or("").substr(std::string("listening on ").size());
-    return run(QUILLON_FLEET " --cdn " + url + " --app " + url +
-               " --tenant demo-tenant --app-id news-reader --outage-of " + outageOf + " --uploads " + database);
+    std::jthread reader([&server] { (void)server.readAll(); });  // a full pipe would hold it up
+    auto report =
+        run(QUILLON_FLEET " --cdn " + url + " --app " + url +
+                " --tenant demo-tenant --app-id news-reader --outage-of " + outageOf + " --uploads " + database,
+            options);
+    server.sendSignal(SIGTERM);
+    return report;
   }
 
-  // Runs the command with the options of four hours.
-  Report run(std::string command) {
-    for (const auto& option : fourHours) command += " " + option;
+  Report run(std::string command, const std::vector<std::string>& options = fourHours) {
+    for (const auto& option : options) command += " " + option;
     const auto file = folder.path() / "report";
     const int status = std::system((command + " >" + file.string()).c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileBytes(file)};
@@ -60,6 +67,29 @@ TEST_F(FleetTest, EveryDecisionReachesTheServerOnceAfterAnOutage) {
   const auto second = runAgainstServe("servers");
   EXPECT_EQ(second.status, 1);
   EXPECT_FALSE(contains(accountOf(second.output), "repeated 0"));
+}
+
+TEST_F(FleetTest, ARegionThatComesBackDoesNotArriveInOneSecond) {
+  constexpr int devices = 600;
+  constexpr int backAt = 4500;
+  const std::string file = folder.path() / "seconds";
+  const auto report = runAgainstServe("network", {"--devices", std::to_string(devices), "--hours", "1.5", "--outage",
+                                                  "0.25", "--outage-at", "1", "--seconds", file});
+  EXPECT_EQ(report.status, 0) << report.output;
+  std::istringstream lines(fileBytes(file));
+  std::string line;
+  std::getline(lines, line);
+  int second = 0;
+  int checks = 0;
+  int checksInAMinute = 0;
+  char comma = 0;
+  while (std::getline(lines, line)) {
+    std::istringstream(line) >> second >> comma >> checks;
+    if (second < backAt) continue;
+    EXPECT_LE(checks, devices / 20) << "at " << second << " s";
+    if (second <= backAt + 60) checksInAMinute += checks;
+  }
+  EXPECT_GE(checksInAMinute, devices);
 }
 
 TEST_F(FleetTest, EveryDecisionPassesAWebServerThatRefusesForAnHour) {

@@ -18,15 +18,15 @@ struct PlacedScreens : testing::Test, ScreenWorld {
 
   // A page with that element in a column; before the SDK is set up.
   void place(const std::string& element, const std::string& properties = "") {
+    load("Column { width: 400; property int dones: 0\n" + element +
+         "{ width: parent.width; onDone: parent.dones += 1; " + properties + " } }");
+  }
+  void load(const std::string& item) {
     world.restart();
     engine = std::make_unique<QQmlEngine>();
     addConsentElements(*engine, *world.sdk, {.isDark = false, .textScale = 1, .isMotionReduced = true});
     QQmlComponent component(engine.get());
-    component.setData(
-        QByteArray::fromStdString("import QtQuick; import Quillon.Consent\n"
-                                  "Column { width: 400; property int dones: 0\n" +
-                                  element + "{ width: parent.width; onDone: parent.dones += 1; " + properties + " } }"),
-        {});
+    component.setData(QByteArray::fromStdString("import QtQuick; import Quillon.Consent\n" + item), {});
     page.reset(qobject_cast<QQuickItem*>(component.create()));
     ASSERT_TRUE(page) << component.errorString().toStdString();
     page->setParentItem(window->contentItem());
@@ -122,6 +122,28 @@ TEST_F(PlacedScreens, ThePreferenceCentreSavesAndStays) {
   EXPECT_EQ(dones(), 1);
   EXPECT_EQ(status(1), "granted");
   EXPECT_TRUE(shows("Unselect All"));
+}
+
+TEST_F(PlacedScreens, APageAsksWhatIsAllowedAndFollowsIt) {
+  load(
+      "Item { id: page; property string told\n"
+      "function asked() { return [Consent.isAllowed(1), "
+      "Consent.isPermissionAllowed('NSCameraUsageDescription')].join() }\n"
+      "ConsentGate { purposeId: 1; onAllowed: page.told += '+'; onDenied: page.told += '-' } }");
+  const auto asked = [&] {
+    QVariant answer;
+    QMetaObject::invokeMethod(page.get(), "asked", Q_RETURN_ARG(QVariant, answer));
+    return answer.toString().toStdString();
+  };
+  const auto told = [&](const char* expected) { return await([&] { return page->property("told") == expected; }); };
+  EXPECT_EQ(asked(), "false,false") << "before a configuration";
+  start();
+  EXPECT_EQ(asked(), "false,true") << "a permission is what the device says";
+  world.sdk->set({.purposeId = 1}, ConsentStatus::granted);
+  EXPECT_TRUE(told("+"));
+  EXPECT_EQ(asked(), "true,true");
+  world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
+  EXPECT_TRUE(told("+-"));
 }
 
 TEST_F(PlacedScreens, ThePromptIsAboutThePermissionThatThePageNames) {

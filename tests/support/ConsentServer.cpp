@@ -83,4 +83,9 @@ bool ConsentServer::waitFor(std::string_view pathPart, std::size_t count) const 
   });
 }
 
+ConsentServer::Handler located(const std::string& country, const std::string& state) {
+  return json(R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},"CountryISOCode":)" + country +
+              R"(,"Language":{},"Location":{},"RegisteredCountry":{},"State":{},"StateISOCode":)" + state + "}}");
+}
+
 }  // namespace quillon::test

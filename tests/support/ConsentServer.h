@@ -68,6 +68,8 @@ inline constexpr std::string_view locationPath = "geo/location";
 inline constexpr std::string_view uploadPath = "singleupload";
 
 ConsentServer::Handler json(std::string body, int status = 200);
+// The place of a device: the codes in each language, as JSON objects.
+ConsentServer::Handler located(const std::string& country, const std::string& state = "{}");
 
 // The answer to an upload that counts.
 inline constexpr const char* saved = R"({"status":0,"message":"saved"})";

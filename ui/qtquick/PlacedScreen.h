@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "platform/ScreenServices.h"
+#include "quillon/ConsentSDK.h"
 #include "quillon/QtQuick.h"
 #include "ui/qtquick/ConsentBannerAdapter.h"
 
@@ -18,9 +19,10 @@ class PageSdk : public QObject {
   Q_OBJECT
 
  public:
-  PageSdk(std::shared_ptr<ScreenServices> services, QtQuickOptions screens, QQmlEngine& engine)
-      : QObject(&engine), services(std::move(services)), options(screens) {}
+  PageSdk(ConsentSDK& sdk, QtQuickOptions screens, QQmlEngine& engine)
+      : QObject(&engine), sdk(sdk), services(sdk.screens()), options(screens) {}
 
+  ConsentSDK& sdk;  // outlives the engine
   const std::shared_ptr<ScreenServices> services;
   const QtQuickOptions options;
 };

@@ -31,7 +31,7 @@ bool configureQtQuick(LinuxOptions options, QtQuickOptions screens) {
 void addConsentElements(QQmlEngine& engine, ConsentSDK& sdk, QtQuickOptions screens) {
   addModule(engine);
   // Owned by the engine.
-  new PageSdk(sdk.screens(), screens, engine);
+  new PageSdk(sdk, screens, engine);
 }
 
 }  // namespace quillon

@@ -246,13 +246,6 @@ TEST(Banner, IsSelectedByLocation) {
 struct Location : testing::Test {
   Location() { options.locationCode.reset(); }
 
-  // The server's answer, with the codes of each language.
-  static ConsentServer::Handler located(const std::string& country, const std::string& state) {
-    return json(R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},"CountryISOCode":)" +
-                country + R"(,"Language":{},"Location":{},"RegisteredCountry":{},"State":{},"StateISOCode":)" + state +
-                "}}");
-  }
-
   World world;
   ConsentSDKOptions options = world.options();
 };

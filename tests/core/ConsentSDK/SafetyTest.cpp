@@ -249,31 +249,6 @@ TEST_F(Safety, WhatTheDocumentDoesNotListStaysPendingUntilItDoes) {
             std::string::npos);
 }
 
-TEST_F(Safety, ALocationWithoutACountryIsNoAnswer) {
-  device.publish(boost::json::serialize(configurationOfTwoLaws("US")));
-  device.setLocation("US", "");
-  launch();
-  EXPECT_EQ(sdk->get(1), granted);
-  device.setLocation("", "");
-  device.advance(3h);
-  sdk->checkConsents().wait();
-  EXPECT_EQ(sdk->get(1), granted) << "the known place holds";
-}
-
-TEST_F(Safety, AFailedFirstDownloadIsTriedAgain) {
-  launch();
-  EXPECT_EQ(sdk->getStatus(), SDKStatus::unavailable);
-  std::vector<std::size_t> tries;
-  for (const auto step : {16s, 30s, 60s, 120s}) {
-    device.advance(step);
-    tries.push_back(asked("config.json"));
-  }
-  EXPECT_EQ(tries, (std::vector<std::size_t>{2, 3, 4, 5})) << "15 s, then twice as long each time";
-  device.publish(documentOf("opt-in"));
-  device.advance(5min);
-  EXPECT_EQ(sdk->getStatus(), SDKStatus::ready);
-}
-
 TEST_F(Safety, AReconnectionIsSpreadAndUploadsWhatIsPending) {
   device.publish(documentOf("opt-in"));
   launch();
@@ -286,35 +261,6 @@ TEST_F(Safety, AReconnectionIsSpreadAndUploadsWhatIsPending) {
   EXPECT_EQ(device.uploads().size(), before + 1);
   EXPECT_TRUE(sdk->uploadPendingConsents().get());
   EXPECT_EQ(device.uploads().size(), before + 1) << "nothing is left";
-}
-
-TEST_F(Safety, AStatusThatIsNeitherAcceptedNorFailedIsFinal) {
-  device.publish(documentOf("opt-in"));
-  device.answer([](const auto& request) -> std::optional<quillon::testing::Response> {
-    if (request.body.empty()) return std::nullopt;
-    return quillon::testing::Response{200, R"({"status":2,"message":"no"})"};
-  });
-  launch();
-  sdk->acceptOrReject(true).wait();
-  device.advance(24h);
-  EXPECT_EQ(device.uploads().size(), 1u);
-  launch();
-  device.advance(24h);
-  EXPECT_EQ(device.uploads().size(), 1u) << "in the next run neither";
-  sdk->set({.purposeId = 1}, declined);
-  device.advance(2s);
-  EXPECT_EQ(device.uploads().size(), 2u) << "until something changes";
-}
-
-TEST_F(Safety, TheTokenIsMaskedInWhatIsShownAndNotInWhatIsUsed) {
-  auto document = validConfiguration();
-  document["x-auth-token"] = "status";
-  device.publish(boost::json::serialize(document));
-  launch();
-  sdk->acceptOrReject(true).wait();
-  device.settle();
-  device.advance(10h);
-  EXPECT_EQ(device.uploads().size(), 1u) << "accepted at once";
 }
 
 TEST_F(Safety, AnotherApplicationsDocumentServesNobodyElsesDecisions) {

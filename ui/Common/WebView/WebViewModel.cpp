@@ -1,12 +1,12 @@
 #include "ui/Common/WebView/WebViewModel.h"
 
 #include <algorithm>
+#include <boost/url/pct_string_view.hpp>
 #include <utility>
 #include <vector>
 
 #include "core/Configuration/ConfiguredTexts.h"
 #include "core/Logger/UnitLog.h"
-#include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/WebViewUrlExtractor.h"
@@ -30,16 +30,10 @@ std::set<std::string> hostsOfLinks(const MainConfiguration& configuration) {
   return hosts;
 }
 
-// Escapes that are none stand for themselves.
+// Nothing when an escape is none; engines make no such address.
 std::string percentDecoded(std::string_view text) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const int high = text[i] == '%' && i + 2 < text.size() ? hexValue(text[i + 1]) : -1;
-    const int low = high < 0 ? -1 : hexValue(text[i + 2]);
-    result += low < 0 ? text[i] : static_cast<char>(high << 4 | low);
-    if (low >= 0) i += 2;
-  }
-  return result;
+  const auto escaped = boost::urls::make_pct_string_view(text);
+  return escaped ? escaped->decode() : std::string();
 }
 
 // What must be read before the first address can be judged.
