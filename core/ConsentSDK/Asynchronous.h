@@ -34,37 +34,47 @@ class Promise {
   bool kept_ = false;
 };
 
+// Takes the result of work, in the background.
 template <class T>
-using Background = std::move_only_function<Task<T>()>;
+using Receiver = std::move_only_function<void(T)>;
 
-// Runs the work and answers on the main queue; not at all when the work is dropped.
+// Hands the result to a callback on the main queue.
 template <class T>
-void answerLater(Work& work, std::function<void(T)> answer, Background<T> background) {
-  work.start([&work, answer = std::move(answer), background = std::move(background)]() mutable -> Task<void> {
-    T value = co_await background();
-    if (!answer) co_return;
-    work.onMain([answer = std::move(answer), value = std::move(value)]() mutable { answer(std::move(value)); });
+Receiver<T> receiver(Work& work, std::function<void(T)> callback) {
+  return [&work, callback = std::move(callback)](T value) mutable {
+    if (!callback) return;
+    work.onMain([callback = std::move(callback), value = std::move(value)]() mutable { callback(std::move(value)); });
+  };
+}
+
+template <class T>
+Receiver<T> receiver(std::shared_ptr<Promise<T>> promise) {
+  return [promise = std::move(promise)](T value) { promise->keep(std::move(value)); };
+}
+
+// Runs the work in the background; the receiver is dropped uncalled when the work is dropped.
+template <class T>
+void deliver(Work& work, std::move_only_function<T()> background, Receiver<T> receive) {
+  work.run([background = std::move(background), receive = std::move(receive)]() mutable { receive(background()); });
+}
+
+// The same for work that waits.
+template <class T>
+void deliver(Work& work, std::move_only_function<Task<T>()> background, Receiver<T> receive) {
+  work.start([background = std::move(background), receive = std::move(receive)]() mutable -> Task<void> {
+    receive(co_await background());
   });
 }
 
-inline void answerLater(Work& work, std::function<void()> done, Background<void> background) {
+// The same without a result.
+inline void answerLater(Work& work, std::function<void()> done, std::move_only_function<Task<void>()> background) {
   work.start([&work, done = std::move(done), background = std::move(background)]() mutable -> Task<void> {
     co_await background();
     if (done) work.onMain([done = std::move(done)] { done(); });
   });
 }
 
-// Runs the work; the future holds `dropped` when the work is dropped.
-template <class T>
-std::future<T> futureOf(Work& work, Background<T> background, T dropped) {
-  const auto promise = std::make_shared<Promise<T>>(std::move(dropped));
-  auto future = promise->future();
-  work.start(
-      [promise, background = std::move(background)]() mutable -> Task<void> { promise->keep(co_await background()); });
-  return future;
-}
-
-inline std::future<void> futureOf(Work& work, Background<void> background) {
+inline std::future<void> futureOf(Work& work, std::move_only_function<Task<void>()> background) {
   const std::shared_ptr<std::promise<void>> promise(new std::promise<void>, [](std::promise<void>* kept) {
     kept->set_value();
     delete kept;

@@ -109,10 +109,9 @@ bool ConfigurationLoader::removeConsents() {
     transaction.set(key::cdnCachedTimestamp, wholeSeconds(s_.platform.clock->now()));
   });
   if (!removed || !present) return removed;
-  s_.work.start([this, present]() -> Task<void> {
+  s_.work.run([this, present] {
     reconcile(present->configuration);
     refreshConsentMode();
-    co_return;
   });
   return removed;
 }

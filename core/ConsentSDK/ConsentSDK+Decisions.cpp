@@ -13,10 +13,7 @@ bool DecisionRecorder::set(const Purpose& purpose, ConsentStatus consent) {
   if (!stored) return false;
   warn(purpose, consent);
   s_.uploader.schedule();
-  s_.work.start([this]() -> Task<void> {
-    s_.loader.refreshConsentMode();
-    co_return;
-  });
+  s_.work.run([this] { s_.loader.refreshConsentMode(); });
   return true;
 }
 

@@ -170,11 +170,10 @@ void CheckCycle::startPermissionObservation() {
   }
   earlier.reset();
   auto observation = s_.platform.permissions->observe(s_.work.whileAlive([this] {
-    s_.work.start([this]() -> Task<void> {
+    s_.work.run([this] {
       auto permissions = s_.loader.permissions(s_.loader.current());
       if (permissions.checkPermissions(s_.sessions.context(GivenType::noAction))) s_.uploader.schedule();
       s_.events.gates.update();  // tracking is a permission, too
-      co_return;
     });
   }));
   const std::scoped_lock lock(mutex_);

@@ -13,20 +13,30 @@ using Signals = std::map<GoogleConsentType, ConsentStatus>;
 namespace {
 
 // An operation that comes with a callback.
-template <class T, class Core>
-void answer(const std::shared_ptr<Core>& core, std::function<void(T)> callback, Background<T> background) {
-  withoutThrowing([&] { answerLater<T>(core->work, std::move(callback), std::move(background)); });
+template <class T, class Core, class Background>
+void answer(const std::shared_ptr<Core>& core, std::function<void(T)> callback, Background background) {
+  withoutThrowing([&] {
+    std::move_only_function<std::invoke_result_t<Background&>()> erased(std::move(background));
+    deliver<T>(core->work, std::move(erased), receiver<T>(core->work, std::move(callback)));
+  });
 }
 
 // The same as a future, which holds `dropped` when the SDK is gone first.
-template <class T, class Core>
-std::future<T> promise(const std::shared_ptr<Core>& core, Background<T> background, T dropped = T()) {
-  return withoutThrowing([&] { return futureOf<T>(core->work, std::move(background), std::move(dropped)); },
-                         std::future<T>());
+template <class T, class Core, class Background>
+std::future<T> promise(const std::shared_ptr<Core>& core, Background background, T dropped = T()) {
+  return withoutThrowing(
+      [&] {
+        const auto kept = std::make_shared<Promise<T>>(std::move(dropped));
+        auto future = kept->future();
+        std::move_only_function<std::invoke_result_t<Background&>()> erased(std::move(background));
+        deliver<T>(core->work, std::move(erased), receiver<T>(kept));
+        return future;
+      },
+      std::future<T>());
 }
 
 // What a decision leaves to be done, as work that tells whether it was stored.
-Background<bool> following(DecisionRecorder::FollowUp followUp) {
+std::move_only_function<Task<bool>()> following(DecisionRecorder::FollowUp followUp) {
   return [followUp = std::move(followUp)]() mutable -> Task<bool> {
     if (!followUp) co_return false;
     co_await followUp();
@@ -35,8 +45,8 @@ Background<bool> following(DecisionRecorder::FollowUp followUp) {
 }
 
 template <class Core>
-Background<std::optional<BannerConfig>> banner(const std::shared_ptr<Core>& core,
-                                               std::optional<MainConfiguration> given) {
+std::move_only_function<Task<std::optional<BannerConfig>>()> banner(const std::shared_ptr<Core>& core,
+                                                                    std::optional<MainConfiguration> given) {
   return [core, given = std::move(given)]() mutable {
     return core->loader.bannerFor(given ? std::make_shared<const MainConfiguration>(std::move(*given))
                                         : core->loader.current());
@@ -44,11 +54,11 @@ Background<std::optional<BannerConfig>> banner(const std::shared_ptr<Core>& core
 }
 
 template <class Core>
-Background<HistoryPage> pageOfHistory(const std::shared_ptr<Core>& core, std::size_t count,
-                                      std::optional<std::int64_t> before) {
+std::move_only_function<HistoryPage()> pageOfHistory(const std::shared_ptr<Core>& core, std::size_t count,
+                                                     std::optional<std::int64_t> before) {
   return [core, count = std::clamp<std::size_t>(count, 1, maximumJournalRecords),
-          before = before.value_or(std::numeric_limits<std::int64_t>::max())]() -> Task<HistoryPage> {
-    co_return core->store.history(before, count);
+          before = before.value_or(std::numeric_limits<std::int64_t>::max())] {
+    return core->store.history(before, count);
   };
 }
 
@@ -198,8 +208,10 @@ std::future<bool> ConsentSDK::uploadPendingConsents() {
 }
 
 void ConsentSDK::acceptOrReject(bool accept, std::function<void(bool)> callback) {
-  withoutThrowing(
-      [&] { answerLater<bool>(core_->work, std::move(callback), following(core_->recorder.answer(accept))); });
+  withoutThrowing([&] {
+    deliver<bool>(core_->work, following(core_->recorder.answer(accept)),
+                  receiver<bool>(core_->work, std::move(callback)));
+  });
 }
 
 std::future<bool> ConsentSDK::acceptOrReject(bool accept) {
@@ -207,7 +219,10 @@ std::future<bool> ConsentSDK::acceptOrReject(bool accept) {
       [&] {
         DecisionRecorder::FollowUp followUp = core_->recorder.answer(accept);
         const bool stored = static_cast<bool>(followUp);
-        return futureOf<bool>(core_->work, following(std::move(followUp)), stored);
+        const auto kept = std::make_shared<Promise<bool>>(stored);
+        auto future = kept->future();
+        deliver<bool>(core_->work, following(std::move(followUp)), receiver<bool>(kept));
+        return future;
       },
       std::future<bool>());
 }

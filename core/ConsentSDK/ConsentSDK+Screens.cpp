@@ -56,11 +56,10 @@ void Screens::present(std::string_view operation, Show show) {
 
 void Screens::presentBanner() {
   // In the background, since the state of the banner is written to the store. Without screens it must stay due.
-  s_.work.start([this]() -> Task<void> {
+  s_.work.run([this] {
     if (!s_.platform.screens || isBannerDue()) {
       present("presentBanner()", [](ScreenPresenter& screens, const auto& self) { screens.presentBanner(self); });
     }
-    co_return;
   });
 }
 
@@ -144,9 +143,8 @@ bool Screens::run(DecisionRecorder::FollowUp followUp) {
 }
 
 void Screens::run(std::move_only_function<Job()> work) {
-  s_.work.start([this, work = std::move(work)]() mutable -> Task<void> {
+  s_.work.run([this, work = std::move(work)]() mutable {
     if (auto job = work()) onMain(std::move(job));
-    co_return;
   });
 }
 

@@ -27,12 +27,7 @@ void OtherProcesses::begin() {
     present.merge(told_);
     told_ = std::move(present);
   }
-  auto subscription = s_.store.observe(s_.work.whileAlive([this] {
-    s_.work.start([this]() -> Task<void> {
-      compare();
-      co_return;
-    });
-  }));
+  auto subscription = s_.store.observe(s_.work.whileAlive([this] { s_.work.run([this] { compare(); }); }));
   const std::scoped_lock lock(mutex_);
   if (!s_.work.isClosed()) subscription_.swap(subscription);
 }

@@ -52,18 +52,17 @@ bool Questions::isPermissionAllowed(const VantariKey& permission) const {
   return s_.loader.permissions(nullptr).knownConsent(permission) == ConsentStatus::granted;
 }
 
-Task<std::vector<Purpose>> Questions::purposes() {
-  co_return s_.loader.purposes(s_.loader.current()).purposesWithConsents();
+std::vector<Purpose> Questions::purposes() const {
+  return s_.loader.purposes(s_.loader.current()).purposesWithConsents();
 }
 
-Task<std::vector<AppPermission>> Questions::permissions() {
-  co_return s_.loader.permissions(s_.loader.current()).permissionsWithConsents();
+std::vector<AppPermission> Questions::permissions() const {
+  return s_.loader.permissions(s_.loader.current()).permissionsWithConsents();
 }
 
-Task<ConsentStatus> Questions::livePermission(VantariKey permission) {
+ConsentStatus Questions::livePermission(const VantariKey& permission) const {
   const auto permissions = s_.loader.permissions(s_.loader.current());
-  co_return permissions.lists(permission) ? permissions.getConsentByPermission(permission)
-                                          : ConsentStatus::notDetermined;
+  return permissions.lists(permission) ? permissions.getConsentByPermission(permission) : ConsentStatus::notDetermined;
 }
 
 Task<const DefaultMapping*> Questions::mappingFor(ConfigurationPointer configuration) {
@@ -107,7 +106,7 @@ Task<std::string> Questions::consentScript() {
   co_return quillon::consentScript(consents, signals);
 }
 
-Task<ConsentExplanation> Questions::explain(std::int64_t purposeId) {
+ConsentExplanation Questions::explain(std::int64_t purposeId) const {
   const auto entries = s_.store.snapshot();
   const StoredValues stored(*entries);
   ConsentExplanation explanation;
@@ -121,7 +120,7 @@ Task<ConsentExplanation> Questions::explain(std::int64_t purposeId) {
   }
   const bool isTypeKnown = stored.string(key::currentComplianceType).has_value();
   explanation.text = sentence(explanation, isTypeKnown ? std::optional(stored.complianceType()) : std::nullopt);
-  co_return explanation;
+  return explanation;
 }
 
 std::optional<Decision> Questions::newestDecision(std::int64_t purposeId) const {

@@ -29,18 +29,19 @@ class Questions {
   // Whether the device is known to have granted it.
   bool isPermissionAllowed(const VantariKey& permission) const;
 
-  Task<std::vector<Purpose>> purposes();
-  Task<std::vector<AppPermission>> permissions();
-  Task<ConsentStatus> livePermission(VantariKey permission);
+  // For the background: the device is asked.
+  std::vector<Purpose> purposes() const;
+  std::vector<AppPermission> permissions() const;
+  ConsentStatus livePermission(const VantariKey& permission) const;
   Task<Signals> consentModeSignals();
   Task<std::string> consentScript();
-  Task<ConsentExplanation> explain(std::int64_t purposeId);
+  ConsentExplanation explain(std::int64_t purposeId) const;
 
   // A part of the configuration at hand.
   template <class Part>
-  Task<std::optional<Part>> part(std::optional<Part> MainConfiguration::* member) {
+  std::optional<Part> part(std::optional<Part> MainConfiguration::* member) const {
     const auto configuration = s_.loader.current();
-    co_return configuration ? (*configuration).*member : std::nullopt;
+    return configuration ? (*configuration).*member : std::nullopt;
   }
 
  private:

@@ -17,6 +17,13 @@ void Work::start(std::move_only_function<Task<void>()> makeTask) {
   tasks_->start([alive = std::move(alive), makeTask = std::move(makeTask)]() mutable { return makeTask(); });
 }
 
+void Work::run(Job job) {
+  start([job = std::move(job)]() mutable -> Task<void> {
+    job();
+    co_return;
+  });
+}
+
 void Work::onMain(Job job) {
   platform_.executors->main()->post(whileAlive([this, job = std::move(job)]() mutable {
     const HostCalls::Call call(hostCalls_);  // begins before the look, so that who stops us sees one or the other

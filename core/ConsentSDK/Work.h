@@ -28,6 +28,8 @@ class Work {
 
   // Runs a task in the background. What it throws is logged.
   void start(std::move_only_function<Task<void>()> makeTask);
+  // The same for a job that waits for nothing.
+  void run(Job job);
 
   // Runs a job of the application's on the main queue, contained.
   void onMain(Job job);

@@ -1,13 +1,11 @@
 // A small fleet against real servers: four hours of ten devices, one hour of it without servers.
 #include <gtest/gtest.h>
 
-#include <signal.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/support/Contains.h"
@@ -33,18 +31,18 @@ struct Report {
 };
 
 struct FleetTest : testing::Test {
-  // Against the development server alone.
-  Report runAgainstServe(const std::string& outageOf, const std::vector<std::string>& options = fourHours) {
+  // Against the development server alone; what it writes about so few requests fits into the pipe unread.
+  Report runAgainstServe(const std::string& outageOf) {
     const std::string database = folder.path() / "uploads.db";
     ToolProcess server({"serve", QUILLON_SAMPLE_SITE, "--port", "0", "--db", database});
     const std::string url = server.readLine().value_or("").substr(std::string("listening on ").size());
-    std::jthread reader([&server] { (void)server.readAll(); });  // a full pipe would hold it up
-    auto report =
-        run(QUILLON_FLEET " --cdn " + url + " --app " + url +
-                " --tenant demo-tenant --app-id news-reader --outage-of " + outageOf + " --uploads " + database,
-            options);
-    server.sendSignal(SIGTERM);
-    return report;
+    return run(QUILLON_FLEET " --cdn " + url + " --app " + url +
+               " --tenant demo-tenant --app-id news-reader --outage-of " + outageOf + " --uploads " + database);
+  }
+
+  // Behind a real web server.
+  Report runAgainstWebServer(const std::vector<std::string>& options = fourHours) {
+    return run(QUILLON_FLEET_SCRIPT " " QUILLON_PROGRAMS " " QUILLON_SAMPLE_SITE " demo-tenant news-reader", options);
   }
 
   Report run(std::string command, const std::vector<std::string>& options = fourHours) {
@@ -70,11 +68,12 @@ TEST_F(FleetTest, EveryDecisionReachesTheServerOnceAfterAnOutage) {
 }
 
 TEST_F(FleetTest, ARegionThatComesBackDoesNotArriveInOneSecond) {
-  constexpr int devices = 600;
+  constexpr int devices = 240;
   constexpr int backAt = 4500;
+  if (std::system("command -v nginx >/dev/null") != 0) GTEST_SKIP() << "nginx is not installed";
   const std::string file = folder.path() / "seconds";
-  const auto report = runAgainstServe("network", {"--devices", std::to_string(devices), "--hours", "1.5", "--outage",
-                                                  "0.25", "--outage-at", "1", "--seconds", file});
+  const auto report = runAgainstWebServer({"--devices", std::to_string(devices), "--hours", "1.5", "--outage", "0.25",
+                                           "--outage-at", "1", "--outage-of", "network", "--seconds", file});
   EXPECT_EQ(report.status, 0) << report.output;
   std::istringstream lines(fileBytes(file));
   std::string line;
@@ -89,12 +88,12 @@ TEST_F(FleetTest, ARegionThatComesBackDoesNotArriveInOneSecond) {
     EXPECT_LE(checks, devices / 20) << "at " << second << " s";
     if (second <= backAt + 60) checksInAMinute += checks;
   }
-  EXPECT_GE(checksInAMinute, devices);
+  EXPECT_GE(checksInAMinute, devices / 3) << "the others have a fresh document";
 }
 
 TEST_F(FleetTest, EveryDecisionPassesAWebServerThatRefusesForAnHour) {
   if (std::system("command -v nginx >/dev/null") != 0) GTEST_SKIP() << "nginx is not installed";
-  const auto report = run(QUILLON_FLEET_SCRIPT " " QUILLON_PROGRAMS " " QUILLON_SAMPLE_SITE " demo-tenant news-reader");
+  const auto report = runAgainstWebServer();
   EXPECT_EQ(report.status, 0);
   EXPECT_TRUE(contains(accountOf(report.output), nothingWrong));
   EXPECT_TRUE(contains(report.output, " 503: "));
