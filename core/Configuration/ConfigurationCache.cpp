@@ -56,42 +56,6 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
   return nullptr;
 }
 
-void ConfigurationCache::setBundled(std::optional<std::string> resource, std::string language) {
-  const std::scoped_lock lock(bundledMutex_);
-  bundledResource_ = std::move(resource);
-  bundledLanguage_ = std::move(language);
-  isBundledRead_ = false;
-  bundled_.reset();
-}
-
-ConfigurationPointer ConfigurationCache::bundled() {
-  const std::scoped_lock lock(bundledMutex_);
-  if (!bundledResource_) return nullptr;
-  if (!isBundledRead_) bundled_ = readBundled(*bundledResource_);
-  isBundledRead_ = true;
-  if (!bundled_) return nullptr;
-  // An older one would make the newer look new again when it is downloaded, and ask the user once more.
-  return bundled_->version.value_or(0) < store_.getInt64(key::configurationVersion, 0) ? nullptr : bundled_;
-}
-
-ConfigurationPointer ConfigurationCache::readBundled(std::string_view resource) const {
-  constexpr std::string_view extension = "json";
-  if (resource.ends_with(".json")) resource.remove_suffix(extension.size() + 1);
-  const UnitLog log(logger_, unit::cdnUtils);
-  std::string name = std::string(resource) + "_" + bundledLanguage_;
-  auto document = platform_.host->resource(name, extension);
-  if (!document) document = platform_.host->resource(name = resource, extension);
-  name = escapedForLog(name) + "." + std::string(extension);
-  if (!document) {
-    log(LogLevel::error, "The bundled configuration is missing: " + name, "bundled()");
-    return nullptr;
-  }
-  auto configuration = decode<MainConfiguration>(*document);
-  if (configuration) return std::make_shared<const MainConfiguration>(std::move(*configuration));
-  log(LogLevel::error, "The bundled configuration is ignored: " + name + ": " + configuration.error(), "bundled()");
-  return nullptr;
-}
-
 void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::string_view name, const Origin& origin,
                                        const std::function<bool()>& isWanted) {
   constexpr std::string_view function = "saveCDNToFile(config:fileName:)";

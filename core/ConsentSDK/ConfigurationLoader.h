@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 
+#include "core/Configuration/BundledConfiguration.h"
 #include "core/Configuration/ConfigurationCache.h"
 #include "core/ConsentSDK/Foundation.h"
 #include "core/ConsentSDK/LocationLookup.h"
@@ -93,6 +94,7 @@ class ConfigurationLoader {
 
   const Services s_;
   ConfigurationCache cache_;
+  BundledConfiguration bundled_;
   TaskQueue applying_;
   mutable std::mutex mutex_;  // guards the members below; never held while anything else is called
   std::shared_ptr<Flight> flight_;

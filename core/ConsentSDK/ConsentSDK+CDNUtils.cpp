@@ -36,7 +36,9 @@ struct ConfigurationLoader::Served {
 };
 
 ConfigurationLoader::ConfigurationLoader(Services services)
-    : s_(services), cache_(services.platform, services.store, services.logger) {}
+    : s_(services),
+      cache_(services.platform, services.store, services.logger),
+      bundled_(services.platform, services.store, services.logger) {}
 
 std::shared_ptr<ConfigurationLoader::Flight> ConfigurationLoader::joinFlight(const SessionPointer& session,
                                                                              bool& isOwn) {
@@ -78,7 +80,7 @@ Task<ConfigurationLoader::Loaded> ConfigurationLoader::run(SessionPointer sessio
     const auto timer = serveAfter(session, flight, configuration);
     configuration = co_await download(session, std::move(configuration));
   }
-  if (!configuration) configuration = cache_.bundled();
+  if (!configuration) configuration = bundled_.get();
   Loaded loaded{configuration};
   if (configuration) {
     const std::function<bool()> always = [] { return true; };
@@ -98,7 +100,7 @@ std::unique_ptr<Timer> ConfigurationLoader::serveAfter(const SessionPointer& ses
   if (!limit || inForce()) return nullptr;
   return s_.platform.clock->after(*limit, s_.work.whileAlive([this, session, flight, cached] {
     s_.work.start([this, session, flight, cached]() mutable -> Task<void> {
-      const ConfigurationPointer substitute = cached ? cached : cache_.bundled();
+      const ConfigurationPointer substitute = cached ? cached : bundled_.get();
       const std::function<bool()> isWanted = [flight] { return !flight->isOver; };
       if (substitute && !co_await apply(session, substitute, isWanted)) co_return;
       if (!flight->isOver) setReady(session, substitute ? SDKStatus::ready : SDKStatus::unavailable);
@@ -164,11 +166,11 @@ Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session,
 
 ConfigurationPointer ConfigurationLoader::current() {
   auto cached = served(s_.sessions.current(), cache_.readCDNFile(true)).configuration;
-  return cached ? cached : cache_.bundled();
+  return cached ? cached : bundled_.get();
 }
 
 void ConfigurationLoader::begin(const SessionPointer& session, bool reset) {
-  cache_.setBundled(session->options.bundledConfiguration, session->language);
+  bundled_.name(session->options.bundledConfiguration, session->language);
   if (reset) cache_.reset();
   const std::scoped_lock lock(mutex_);
   // Another application's terms must not answer for this one.

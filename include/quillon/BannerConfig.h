@@ -29,15 +29,15 @@ enum class ComplianceType {
   optIn,       ///< "opt-in": nothing is granted before the user agrees
   optOut,      ///< "opt-out": granted until the user objects
 };
-[[nodiscard]] std::string_view rawValue(ComplianceType type) noexcept;
+[[nodiscard]] std::string_view rawValue(ComplianceType value) noexcept;
 
 /// Where the banner sits: "bottom" or "center".
 enum class BannerPosition { bottom, center };
-[[nodiscard]] std::string_view rawValue(BannerPosition position) noexcept;
+[[nodiscard]] std::string_view rawValue(BannerPosition value) noexcept;
 
 /// Shape of the banner's buttons: "rounded", "square", "pill", "outlined" or "edgeless".
 enum class ButtonShape { rounded, square, pill, outlined, edgeless };
-[[nodiscard]] std::string_view rawValue(ButtonShape shape) noexcept;
+[[nodiscard]] std::string_view rawValue(ButtonShape value) noexcept;
 
 /// An opaque colour in the sRGB space; every component lies between 0 and 1.
 struct Color {

@@ -19,7 +19,7 @@ enum class Mode {
 };
 
 /// The text of @p mode in paths and in the store.
-[[nodiscard]] std::string_view rawValue(Mode mode) noexcept;
+[[nodiscard]] std::string_view rawValue(Mode value) noexcept;
 
 /// How the in-app web view filters and what it shows for a refused page.
 struct WebViewConfig {

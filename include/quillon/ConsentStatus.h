@@ -18,6 +18,6 @@ enum class ConsentStatus {
 };
 
 /// The text under which @p status is stored and uploaded.
-[[nodiscard]] std::string_view rawValue(ConsentStatus status) noexcept;
+[[nodiscard]] std::string_view rawValue(ConsentStatus value) noexcept;
 
 }  // namespace quillon

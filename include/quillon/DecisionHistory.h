@@ -20,7 +20,7 @@ enum class GivenType {
   implicitly,  ///< "CONSENT_IMPLICIT": a default was recorded
   noAction,    ///< "CONSENT_NO_ACTION": neither; the device decided, or a default was recorded before a re-consent
 };
-[[nodiscard]] std::string_view rawValue(GivenType type) noexcept;
+[[nodiscard]] std::string_view rawValue(GivenType value) noexcept;
 
 /// Who or what decided.
 enum class DecisionCause {
@@ -31,7 +31,7 @@ enum class DecisionCause {
   device,          ///< "device": a permission as the device has it
   removed,         ///< "removed": the consents were removed; told to listeners, never kept in the history
 };
-[[nodiscard]] std::string_view rawValue(DecisionCause cause) noexcept;
+[[nodiscard]] std::string_view rawValue(DecisionCause value) noexcept;
 
 /// What became of a decision on its way to the application server.
 enum class UploadOutcome {
@@ -40,7 +40,7 @@ enum class UploadOutcome {
   superseded,  ///< "superseded": a later decision on the same subject was sent in its place
   dropped,     ///< "dropped": no longer pending, though an upload of the application's own did not list the subject
 };
-[[nodiscard]] std::string_view rawValue(UploadOutcome outcome) noexcept;
+[[nodiscard]] std::string_view rawValue(UploadOutcome value) noexcept;
 
 /// One decision on one purpose or one permission. A plain value.
 struct Decision {

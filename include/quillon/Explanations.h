@@ -22,7 +22,7 @@ enum class BannerReason {
   answered,         ///< "answered": not due before a date
   noConfiguration,  ///< "no_configuration": not due; there is nothing that could be asked
 };
-[[nodiscard]] std::string_view rawValue(BannerReason reason) noexcept;
+[[nodiscard]] std::string_view rawValue(BannerReason value) noexcept;
 
 struct BannerExplanation {
   bool isDue = false;

@@ -17,6 +17,6 @@ enum class GoogleConsentType {
 };
 
 /// The name of @p type as analytics libraries know it.
-[[nodiscard]] std::string_view rawValue(GoogleConsentType type) noexcept;
+[[nodiscard]] std::string_view rawValue(GoogleConsentType value) noexcept;
 
 }  // namespace quillon

@@ -45,7 +45,7 @@ class [[nodiscard]] Listening {
 /// The screens of the SDK.
 enum class ScreenKind { banner, preferenceCenter, settingsPrompt, webView };
 /// "banner", "preferenceCenter", "settingsPrompt" or "webView".
-[[nodiscard]] std::string_view rawValue(ScreenKind kind) noexcept;
+[[nodiscard]] std::string_view rawValue(ScreenKind value) noexcept;
 
 /// A screen came or went.
 struct ScreenEvent {

@@ -12,6 +12,6 @@ namespace quillon {
 enum class LogLevel { debug, info, warning, error };
 
 /// The text of @p level as it appears in log blocks.
-[[nodiscard]] std::string_view rawValue(LogLevel level) noexcept;
+[[nodiscard]] std::string_view rawValue(LogLevel value) noexcept;
 
 }  // namespace quillon
