@@ -315,6 +315,7 @@ Seen twoProcesses(Trial& trial) {
   const auto deciding = [&](std::int64_t purpose) {
     return [&, purpose](const ChildProcess::Say& say) {
       World world(data);
+      world.server.onUpload(json("", 503));  // one may find at its start what the other has decided
       world.start();
       for (int round = 0; round < rounds; ++round) {
         const auto consent = round % 2 == 0 ? ConsentStatus::granted : ConsentStatus::withDrawn;

@@ -1,6 +1,7 @@
 #include "ui/qtquick/Consent.h"
 
 #include <QQmlInfo>
+#include <cmath>
 
 #include "ui/qtquick/PlacedScreen.h"
 
@@ -19,8 +20,11 @@ ConsentSDK* sdkOf(QQmlEngine& engine, QObject* asking) {
 Consent::Consent(QQmlEngine& engine) : QObject(&engine), sdk_(sdkOf(engine, this)) {}
 
 void ConsentGate::componentComplete() {
+  constexpr double largestExact = 9007199254740992;  // 2^53
+  if (!(std::abs(purposeId_) <= largestExact)) return;
   if (auto* sdk = sdkOf(*qmlEngine(this), this)) {
-    gate_ = sdk->whileAllowed(purposeId_, [this] { Q_EMIT allowed(); }, [this] { Q_EMIT denied(); });
+    gate_ =
+        sdk->whileAllowed(static_cast<qint64>(purposeId_), [this] { Q_EMIT allowed(); }, [this] { Q_EMIT denied(); });
   }
 }
 

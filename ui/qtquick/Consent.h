@@ -36,7 +36,7 @@ class ConsentGate : public QObject, public QQmlParserStatus {
   Q_OBJECT
   QML_ELEMENT
   Q_INTERFACES(QQmlParserStatus)
-  Q_PROPERTY(qint64 purposeId MEMBER purposeId_ REQUIRED)
+  Q_PROPERTY(double purposeId MEMBER purposeId_ REQUIRED)
 
  public:
   void classBegin() override {}
@@ -47,7 +47,7 @@ class ConsentGate : public QObject, public QQmlParserStatus {
   void denied();
 
  private:
-  qint64 purposeId_ = 0;
+  double purposeId_ = 0;  // QML has no larger integers
   std::optional<Listening> gate_;
 };
 
