@@ -30,6 +30,7 @@ class ConsentSDK::Core {
   Theme theme;
   ServerApi server;
   LocationLookup location;
+  HonouredSignal signal;
   GoogleConsentModeHelper consentMode;
   ConfigurationLoader loader;
   Questions questions;

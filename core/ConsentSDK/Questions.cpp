@@ -32,6 +32,8 @@ std::string sentence(const ConsentExplanation& consent, std::optional<Compliance
       return "It follows the tracking status of the device: " + status + on;
     case DecisionCause::device:
       return "The device decided it: " + status + on;
+    case DecisionCause::signal:
+      return "A privacy signal is honoured: " + status + on;
     case DecisionCause::removed:
       return "It was removed" + on;
   }

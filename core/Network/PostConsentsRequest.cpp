@@ -11,6 +11,7 @@ inline constexpr auto fields<PurposeConsent> = std::tuple{
     Field<&PurposeConsent::consentStatus>{"consent_status"},
     Field<&PurposeConsent::timestamp>{"timestamp"},
     Field<&PurposeConsent::isEssential>{"is_essential"},
+    Field<&PurposeConsent::cause>{"cause"},
 };
 
 template <>
