@@ -22,7 +22,7 @@ ConsentSDK::Core::Core(Platform services)
       signal(platform),
       consentMode(platform, store, logger, work.stopToken()),
       loader({foundation, server, location, consentMode, signal}),
-      questions({foundation, location, loader}),
+      questions({foundation, location, loader, pageScripts}),
       uploader({foundation, server, loader, [this] { cycle.startRecurringCheck(); }}),
       recorder({foundation, loader, uploader}),
       screens({foundation, loader, recorder, theme}),

@@ -33,6 +33,7 @@ class ConsentSDK::Core {
   HonouredSignal signal;
   GoogleConsentModeHelper consentMode;
   ConfigurationLoader loader;
+  Followers<std::string&> pageScripts;
   Questions questions;
   ConsentUploader uploader;
   DecisionRecorder recorder;

@@ -13,13 +13,12 @@ void HonouredSignal::follow(const Session& session, const MainConfiguration* con
 }
 
 OptOuts HonouredSignal::optOuts() const {
-  std::shared_ptr<const SignalMapping> mapping;
-  {
-    const std::scoped_lock lock(mutex_);
-    mapping = mapping_;
-    if (!mapping || isGiven_) return OptOuts(std::move(mapping));
-  }
-  return platform_.signals && platform_.signals->isOn() ? OptOuts(std::move(mapping)) : OptOuts();
+  std::unique_lock lock(mutex_);
+  auto mapping = mapping_;
+  const bool isGiven = isGiven_;
+  lock.unlock();
+  const bool isOn = mapping && (isGiven || (platform_.signals && platform_.signals->isOn()));
+  return isOn ? OptOuts(std::move(mapping)) : OptOuts();
 }
 
 std::unique_ptr<PrivacySignalSubscription> HonouredSignal::observe(std::function<void()> changed) const {

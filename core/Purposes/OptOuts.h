@@ -33,6 +33,7 @@ class OptOuts {
   OptOuts() = default;
   explicit OptOuts(std::shared_ptr<const SignalMapping> mapping) : mapping_(std::move(mapping)) {}
 
+  [[nodiscard]] bool isSignalOn() const noexcept { return mapping_ != nullptr; }
   // Whether a signal counts as an opt-out of the purpose. Never against the user's own answer. Allocates nothing.
   [[nodiscard]] bool include(std::int64_t purposeId, const StoredValues& stored) const {
     return mapping_ && mapping_->covers(purposeId) && !stored.isAnswered(purposeId);
