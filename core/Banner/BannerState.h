@@ -14,7 +14,7 @@ struct BannerState {
   // Who has seen the banner before and said nothing has agreed to the defaults: they count as explicit from now on.
   bool promotesDefaults;
 
-  bool isDue() const { 
+  bool isDue() const {
     return reason != BannerReason::onScreen && reason != BannerReason::answered && reason != BannerReason::signal;
   }
 };

@@ -177,11 +177,10 @@ template <class F>
             .open = [](void*) -> void* { return nullptr; },
             .constant = field.text};
   } else if constexpr (std::is_same_v<F, Ignored>) {
-    return {.key = field.key,
-            .type = nullptr,
-            .mayBeNull = true,
-            .open = nullptr,
-            .get = [](const void*) -> const void* { return nullptr; }};
+    return {
+        .key = field.key, .type = nullptr, .mayBeNull = true, .open = nullptr, .get = [](const void*) -> const void* {
+          return nullptr;
+        }};
   } else {
     using Type = typename F::Type;
     return {

@@ -30,8 +30,8 @@ enum class DecisionCause {
   trackingStatus,  ///< "tracking_status": the purpose is bound to the device's tracking authorization
   device,          ///< "device": a permission as the device has it
   signal,          ///< "signal": a privacy signal is honoured
-  removed,         ///< "removed": by removeConsents(), or with the end of a signal; told to listeners, never kept in the
-                   ///< history
+  removed,  ///< "removed": by removeConsents(), or with the end of a signal; told to listeners, never kept in the
+            ///< history
 };
 [[nodiscard]] std::string_view rawValue(DecisionCause value) noexcept;
 

@@ -124,12 +124,11 @@ inline constexpr auto fields<signals::VendorListRecord> = std::tuple{
 // These are read and never written.
 template <>
 const JsonType& jsonType<signals::IdArray>() {
-  static constexpr JsonType type{.kind = JsonType::Kind::array,
-                                 .size = sizeof(signals::IdArray),
-                                 .element = &json::describe<std::int64_t>,
-                                 .append = [](void* array) -> void* {
-                                   return static_cast<signals::IdArray*>(array)->append();
-                                 }};
+  static constexpr JsonType type{
+      .kind = JsonType::Kind::array,
+      .size = sizeof(signals::IdArray),
+      .element = &json::describe<std::int64_t>,
+      .append = [](void* array) -> void* { return static_cast<signals::IdArray*>(array)->append(); }};
   return type;
 }
 

@@ -5,8 +5,8 @@
 #include <boost/json/serialize.hpp>
 #include <thread>
 
-#include "platform/linux/LinuxPlatform.h"
 #include "platform/ScreenServices.h"
+#include "platform/linux/LinuxPlatform.h"
 #include "quillon/SignalPublisher.h"
 #include "quillon/Signals.h"
 #include "quillon/Testing.h"

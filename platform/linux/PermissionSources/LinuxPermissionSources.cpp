@@ -13,8 +13,8 @@
 #include "platform/linux/PermissionSources/FingerprintSource.h"
 #include "platform/linux/PermissionSources/NfcSource.h"
 #include "platform/linux/PermissionSources/PermissionStore.h"
-#include "platform/parts/Contained.h"
 #include "platform/parts/ChangeObservers.h"
+#include "platform/parts/Contained.h"
 
 namespace quillon {
 namespace {

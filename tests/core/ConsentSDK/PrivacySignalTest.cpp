@@ -101,7 +101,7 @@ TEST_F(PrivacySignalTest, CountsAsAnOptOutUnlessTheUserHasAnsweredAndEndsWithThe
   for (const Row& row : rule) {
     for (const Given signal : {Given::no, Given::byDevice, Given::byApplication, Given::byDeviceUnheeded}) {
       SCOPED_TRACE(::testing::Message() << row.type << " " << static_cast<int>(row.decided) << " "
-                                      << static_cast<int>(signal));
+                                        << static_cast<int>(signal));
       sdk.reset();
       device.setPrivacySignal(false);
       device.publish(documentOf(row.type));
