@@ -106,6 +106,15 @@ void refuse(benchmark::State& state, const std::string& text, bool isRefused) {
   }
 }
 
+void refuseGpp(benchmark::State& state) {
+  const std::string text = "DBABLA~" + std::string(1'000'000, 'C');
+  for (auto _ : state) {
+    auto read = signals::decodeGppString(text);
+    if (read) return state.SkipWithError("it was not refused");
+    benchmark::DoNotOptimize(read);
+  }
+}
+
 void repeated(benchmark::internal::Benchmark* benchmark) {
   benchmark->Unit(benchmark::kMillisecond)->MinTime(0.1)->Repetitions(9)->ReportAggregatesOnly();
 }
@@ -114,6 +123,7 @@ BENCHMARK(readVendorList)->Name("vendor list/quillon")->Apply(repeated);
 BENCHMARK(readVendorListTree)->Name("vendor list/nlohmann")->Apply(repeated);
 BENCHMARK(makeKeys)->Name("signals/keys")->Apply(repeated);
 BENCHMARK_CAPTURE(refuse, million, std::string(1'000'000, 'C'), true)->Name("signals/1 MB")->Apply(repeated);
+BENCHMARK(refuseGpp)->Name("signals/1 MB of GPP")->Apply(repeated);
 BENCHMARK_CAPTURE(refuse, longest, hostileString() + std::string(4, 'B'), true)
     ->Name("signals/longest hostile string")
     ->Apply(repeated);
@@ -129,6 +139,7 @@ const bool limits =
     expectAtMost(
         {"make the keys of a decision, 2,000 vendors, in ms", processorTime("signals/keys"), std::nullopt, 1.0}) &&
     expectAtMost({"refuse a string of 1 MB, in ms", processorTime("signals/1 MB"), std::nullopt, 10.0}) &&
+    expectAtMost({"refuse a GPP string of 1 MB, in ms", processorTime("signals/1 MB of GPP"), std::nullopt, 10.0}) &&
     expectAtMost({"refuse the longest hostile string, in ms", processorTime("signals/longest hostile string"),
                   std::nullopt, 10.0});
 

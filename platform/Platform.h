@@ -17,6 +17,7 @@
 #include "Locale.h"
 #include "NetworkPathMonitor.h"
 #include "PermissionSources.h"
+#include "PrivacySignals.h"
 #include "RandomSource.h"
 #include "ScreenPresenter.h"
 
@@ -36,6 +37,7 @@ struct Platform {
   std::shared_ptr<HostApplication> host;
   std::shared_ptr<RandomSource> random;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
+  std::shared_ptr<PrivacySignals> signals;   // null: a device on which users cannot ask for privacy
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
   bool areScreensLinked = false;             // the application has one at hand, configured or not
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "signals/Keys/Keys.h"
+#include "signals/Pages/PageScript.h"
 
 namespace quillon {
 
@@ -17,6 +18,10 @@ Signals::Signals(SignalOptions options) {
 
 SignalKeys Signals::keys(const SignalState& state) const {
   return rules_ ? signals::keysOf(*rules_, state) : SignalKeys();
+}
+
+std::string Signals::pageScript(const SignalState& state) const {
+  return rules_ ? signals::pageScript(*rules_, state) : std::string();
 }
 
 bool isSignalKey(std::string_view key) noexcept {

@@ -15,6 +15,7 @@
 #include "platform/memory/ScriptedHttpSession.h"
 #include "platform/memory/SeededRandom.h"
 #include "platform/memory/SettablePermissionSources.h"
+#include "platform/memory/SettablePrivacySignals.h"
 #include "platform/memory/StaticNetworkPath.h"
 #include "platform/memory/VirtualClock.h"
 #include "platform/parts/FixedAppTracking.h"
@@ -66,6 +67,7 @@ class Device::World {
     platform.locale = std::make_shared<FixedLocale>(languages);
     platform.tracking = std::make_shared<FixedAppTracking>();
     platform.permissions = permissions;
+    platform.signals = signals;
     platform.host = std::make_shared<FixedHostApplication>();
     platform.random = random;
     platform.consentSink = consentSink;
@@ -81,6 +83,7 @@ class Device::World {
   const std::shared_ptr<DeviceServers> servers = std::make_shared<DeviceServers>();
   const std::shared_ptr<StaticNetworkPath> network = std::make_shared<StaticNetworkPath>();
   const std::shared_ptr<SettablePermissionSources> permissions = std::make_shared<SettablePermissionSources>();
+  const std::shared_ptr<SettablePrivacySignals> signals = std::make_shared<SettablePrivacySignals>();
   const std::shared_ptr<RecordingPresenter> screens = std::make_shared<RecordingPresenter>();
   const std::shared_ptr<NotingConsentSink> consentSink = std::make_shared<NotingConsentSink>();
   const std::shared_ptr<std::atomic<bool>> isDiskFull = std::make_shared<std::atomic<bool>>(false);
@@ -163,6 +166,10 @@ bool Device::setPermission(const VantariKey& permission, ConsentStatus status) {
     return true;
   }
   return false;
+}
+
+void Device::setPrivacySignal(bool isOn) {
+  world_->signals->set(isOn);
 }
 
 void Device::setLanguages(std::vector<std::string> languages) {

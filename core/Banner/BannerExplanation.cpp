@@ -22,6 +22,8 @@ std::string sentence(const BannerExplanation& banner, std::int64_t shown) {
       return "The banner is not due: it is on screen.";
     case BannerReason::answered:
       return "The banner is not due: it is answered until " + dateText(banner.expires.value_or(0)) + ".";
+    case BannerReason::signal:
+      return "The banner is not due: a privacy signal is honoured and settles all that it would ask.";
     case BannerReason::noConfiguration:
       return "The banner is not due: no configuration is known yet.";
   }
@@ -33,11 +35,11 @@ std::string sentence(const BannerExplanation& banner, std::int64_t shown) {
 QUILLON_RAW_VALUES(BannerReason, {BannerReason::neverShown, "never_shown"}, {BannerReason::unanswered, "unanswered"},
                    {BannerReason::reconsent, "reconsent"}, {BannerReason::intervalOver, "interval_over"},
                    {BannerReason::onScreen, "on_screen"}, {BannerReason::answered, "answered"},
-                   {BannerReason::noConfiguration, "no_configuration"});
+                   {BannerReason::signal, "signal"}, {BannerReason::noConfiguration, "no_configuration"});
 
-BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration,
+BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration, bool isSettled,
                                 bool hasDecisions) {
-  const BannerState state = bannerState(stored, clock);
+  const BannerState state = bannerState(stored, clock, isSettled);
   BannerExplanation banner{.isDue = hasConfiguration && state.isDue(), .reason = state.reason};
   if (!hasConfiguration && state.isDue()) {
     banner.reason = BannerReason::noConfiguration;

@@ -14,13 +14,16 @@ struct BannerState {
   // Who has seen the banner before and said nothing has agreed to the defaults: they count as explicit from now on.
   bool promotesDefaults;
 
-  bool isDue() const { return reason != BannerReason::onScreen && reason != BannerReason::answered; }
+  bool isDue() const {
+    return reason != BannerReason::onScreen && reason != BannerReason::answered && reason != BannerReason::signal;
+  }
 };
 
-[[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock);
+// `isSettled`: privacy signals answer all that it would ask.
+[[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isSettled);
 
 // The state in words. `hasDecisions`: a purpose has been decided about before.
 [[nodiscard]] BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration,
-                                              bool hasDecisions);
+                                              bool isSettled, bool hasDecisions);
 
 }  // namespace quillon

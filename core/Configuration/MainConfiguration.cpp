@@ -32,6 +32,7 @@ inline constexpr auto fields<Purpose> = std::tuple{
     Field<&Purpose::hideDetails>{"hide_details"},
     NotInDocument<&Purpose::isATTMapped>{},
     NotInDocument<&Purpose::attDescription>{},
+    NotInDocument<&Purpose::isOptedOutBySignal>{},
 };
 
 template <>
@@ -103,6 +104,7 @@ inline constexpr auto fields<MainConfiguration> = std::tuple{
     Field<&MainConfiguration::isSettingsPromptEnabled>{"is_sp_enabled"},
     Field<&MainConfiguration::isGcmEnabled>{"is_gcm_enabled"},
     Field<&MainConfiguration::gcmConfig>{"gcm_config"},
+    Field<&MainConfiguration::privacySignalPurposes>{"privacy_signal_purposes"},
 };
 
 bool operator==(const SDK& left, const SDK& right) {

@@ -21,12 +21,15 @@ class CheckCycle {
     ConsentUploader& uploader;
     DecisionRecorder& recorder;
     OtherProcesses& others;
+    const HonouredSignal& signal;
     std::function<BannerExplanation()> explainBanner;
   };
   explicit CheckCycle(Services services) : s_(std::move(services)) {}
 
   // Loads for a session that has just begun, and then watches on its behalf.
   void begin(SessionPointer session);
+  // Makes privacy signals count as the session wants it, now and whenever they change.
+  void honourSignals();
   // Ends timers and observations. Does not wait for a check.
   void close();
 
@@ -59,6 +62,7 @@ class CheckCycle {
   std::unique_ptr<NetworkSubscription> monitor_;
   std::optional<NetworkStatus> networkStatus_;
   std::unique_ptr<PermissionSubscription> permissionObservation_;
+  std::unique_ptr<PrivacySignalSubscription> signalObservation_;
   bool wasBannerDue_ = false;
 };
 

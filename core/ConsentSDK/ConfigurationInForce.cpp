@@ -56,6 +56,7 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
     const std::scoped_lock lock(mutex_);
     inForce_ = inForce;
   }
+  s_.signal.follow(*session, configuration.get());
   s_.events.gates.update();
   const bool changed = reconcile(configuration);
   s_.consentMode.updateFirebaseConsent(configuration, location);
@@ -80,6 +81,16 @@ bool ConfigurationLoader::reconcile(const ConfigurationPointer& configuration) {
   const DecisionContext context = s_.sessions.context(GivenType::noAction);
   const bool purposesChanged = purposes(configuration).checkPurposes(context);
   return permissions(configuration).checkPermissions(context) || purposesChanged;
+}
+
+bool ConfigurationLoader::honourSignals() {
+  const auto session = s_.sessions.current();
+  if (!session) return false;
+  const bool isHonoured = session->options.privacySignal.has_value();
+  const ConfigurationPointer configuration = isHonoured ? current() : nullptr;
+  s_.signal.follow(*session, configuration.get());
+  if (!isHonoured && StoredValues(*s_.store.snapshot()).decidedBySignal().empty()) return false;
+  return purposes(configuration).honourSignals(s_.sessions.context(GivenType::noAction));
 }
 
 void ConfigurationLoader::reapply() {

@@ -9,6 +9,7 @@
 #include "core/Configuration/BundledConfiguration.h"
 #include "core/Configuration/ConfigurationCache.h"
 #include "core/ConsentSDK/Foundation.h"
+#include "core/ConsentSDK/HonouredSignal.h"
 #include "core/ConsentSDK/LocationLookup.h"
 #include "core/Integrations/GoogleConsentModeHelper.h"
 #include "core/Permissions/PermissionManager.h"
@@ -36,6 +37,7 @@ class ConfigurationLoader {
     ServerApi& server;
     LocationLookup& location;
     GoogleConsentModeHelper& consentMode;
+    HonouredSignal& signal;
   };
   explicit ConfigurationLoader(Services services);
 
@@ -55,6 +57,10 @@ class ConfigurationLoader {
   // What was applied last; null before that and after close().
   std::shared_ptr<const ConfigurationInForce> inForce() const;
 
+  // Brings what is stored in line with privacy signals, and with what the session has them stand for. True when that
+  // changed something.
+  bool honourSignals();
+
   // Applies what is in force anew, in the background: more is known of the user's location.
   void reapply();
   // Empties the store and writes what is in force again, in one transaction.
@@ -66,7 +72,7 @@ class ConfigurationLoader {
   void refreshConsentMode();
 
   PurposeManager purposes(ConfigurationPointer configuration) const {
-    return PurposeManager(s_.platform, s_.store, s_.logger, std::move(configuration));
+    return PurposeManager(s_.platform, s_.store, s_.logger, std::move(configuration), s_.signal.optOuts());
   }
   PermissionManager permissions(ConfigurationPointer configuration) const {
     return PermissionManager(s_.platform, s_.store, s_.logger, std::move(configuration));

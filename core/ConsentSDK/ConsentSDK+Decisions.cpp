@@ -94,7 +94,9 @@ DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, b
   return record([&selectedPurposes](const PurposeManager& manager, StoreTransaction& transaction,
                                     const DecisionContext& context) {
     for (const auto& resolution : manager.choices(selectedPurposes, transaction)) {
-      if (transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status) continue;
+      const bool isSame = transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status;
+      // What a signal decided was shown, and is the user's own choice now.
+      if (isSame && !manager.isOptedOutBySignal(resolution.purposeId, transaction)) continue;
       PurposeManager::setConsent(transaction, resolution, context);
     }
     return GivenType::explicitly;

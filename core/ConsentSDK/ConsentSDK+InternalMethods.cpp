@@ -51,12 +51,14 @@ void CheckCycle::close() {
   std::unique_ptr<Timer> timers[3];
   std::unique_ptr<NetworkSubscription> monitor;
   std::unique_ptr<PermissionSubscription> permissionObservation;
+  std::unique_ptr<PrivacySignalSubscription> signalObservation;
   const std::scoped_lock lock(mutex_);
   timers[0] = std::move(recurring_);
   timers[1] = std::move(reconnected_);
   timers[2] = std::move(retry_);
   monitor = std::move(monitor_);
   permissionObservation = std::move(permissionObservation_);
+  signalObservation = std::move(signalObservation_);
 }
 
 void CheckCycle::startRecurringCheck() {
@@ -178,6 +180,31 @@ void CheckCycle::startPermissionObservation() {
   }));
   const std::scoped_lock lock(mutex_);
   if (!s_.work.isClosed()) permissionObservation_.swap(observation);
+}
+
+void CheckCycle::honourSignals() {
+  std::unique_ptr<PrivacySignalSubscription> observation;  // The earlier one, dropped outside the lock as above.
+  const auto session = s_.sessions.current();
+  if (session && session->options.privacySignal) {
+    observation = s_.signal.observe(s_.work.whileAlive([this] {
+      s_.events.gates.update();
+      s_.work.start([this]() -> Task<void> {
+        if (s_.loader.honourSignals()) {
+          s_.loader.refreshConsentMode();
+          s_.uploader.schedule();
+        }
+        judgeBanner();
+        co_return;
+      });
+    }));
+  }
+  {
+    const std::scoped_lock lock(mutex_);
+    if (!s_.work.isClosed()) signalObservation_.swap(observation);
+  }
+  // On this thread: what is asked from here on must see it.
+  if (s_.loader.honourSignals()) s_.uploader.schedule();
+  s_.events.gates.update();
 }
 
 void CheckCycle::judgeBanner() {

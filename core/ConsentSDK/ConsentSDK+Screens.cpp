@@ -7,10 +7,12 @@
 namespace quillon {
 
 bool Screens::isBannerDue() {
-  if (!s_.loader.inForce()) return false;
+  const auto inForce = s_.loader.inForce();
+  if (!inForce) return false;
+  const PurposeManager purposes = s_.loader.purposes(inForce->configuration);
   bool due = false;
   const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
-    const BannerState state = bannerState(transaction, *s_.platform.clock);
+    const BannerState state = bannerState(transaction, *s_.platform.clock, purposes.areSettledBySignal(transaction));
     due = state.isDue();
     if (state.promotesDefaults) transaction.giveConsents(GivenType::explicitly);
     if (transaction.integer(key::bannerShownDate, now()) > now()) {
@@ -29,8 +31,9 @@ BannerExplanation Screens::explainBanner() {
   const auto entries = s_.store.snapshot();
   const StoredValues stored(*entries);
   const auto inForce = s_.loader.inForce();
-  const bool hasDecisions = inForce && s_.loader.purposes(inForce->configuration).hasDecisions(stored);
-  return quillon::explainBanner(stored, *s_.platform.clock, inForce != nullptr, hasDecisions);
+  const PurposeManager purposes = s_.loader.purposes(inForce ? inForce->configuration : nullptr);
+  return quillon::explainBanner(stored, *s_.platform.clock, inForce != nullptr, purposes.areSettledBySignal(stored),
+                                purposes.hasDecisions(stored));
 }
 
 void Screens::withPresenter(Show act) {

@@ -19,13 +19,14 @@ ConsentSDK::Core::Core(Platform services)
       others({foundation, [this] { loader.refreshConsentMode(); }}),
       server(platform, store, logger, work.stopToken()),
       location(platform, store, work, server, [this] { loader.reapply(); }),
+      signal(platform),
       consentMode(platform, store, logger, work.stopToken()),
-      loader({foundation, server, location, consentMode}),
-      questions({foundation, location, loader}),
+      loader({foundation, server, location, consentMode, signal}),
+      questions({foundation, location, loader, pageScripts}),
       uploader({foundation, server, loader, [this] { cycle.startRecurringCheck(); }}),
       recorder({foundation, loader, uploader}),
       screens({foundation, loader, recorder, theme}),
-      cycle({foundation, loader, uploader, recorder, others, [this] { return screens.explainBanner(); }}),
+      cycle({foundation, loader, uploader, recorder, others, signal, [this] { return screens.explainBanner(); }}),
       setUp({foundation, loader, cycle}) {}
 
 std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
@@ -45,7 +46,8 @@ void ConsentSDK::Core::close() {
 bool ConsentSDK::Core::isAllowed(std::int64_t purposeId) const {
   const auto entries = store.snapshot();
   const auto inForce = loader.inForce();
-  return isPurposeAllowed(purposeId, StoredValues(*entries), inForce ? &inForce->terms : nullptr, *platform.tracking);
+  return isPurposeAllowed(purposeId, StoredValues(*entries), inForce ? &inForce->terms : nullptr, *platform.tracking,
+                          signal.optOuts());
 }
 
 }  // namespace quillon

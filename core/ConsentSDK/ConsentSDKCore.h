@@ -30,8 +30,10 @@ class ConsentSDK::Core {
   Theme theme;
   ServerApi server;
   LocationLookup location;
+  HonouredSignal signal;
   GoogleConsentModeHelper consentMode;
   ConfigurationLoader loader;
+  Followers<std::string&> pageScripts;
   Questions questions;
   ConsentUploader uploader;
   DecisionRecorder recorder;

@@ -36,6 +36,18 @@ std::int64_t numberOf(const NewestDecisions& decisions, const DecisionSubject& s
   return found == decisions.end() ? 0 : found->second;
 }
 
+// What a signal decided must not pass for the user's word, so it goes in a request of its own. True when the request has
+// to be followed by that.
+bool keepBackSignals(PostConsentsRequest& request) {
+  auto& consents = request.purposeConsents;
+  const auto isSignals = [](const PurposeConsent& consent) { return consent.cause.has_value(); };
+  if (request.implicitConsent || std::ranges::none_of(consents, isSignals)) return false;
+  request.implicitConsent = std::ranges::all_of(consents, isSignals) && request.permissions.empty();
+  if (request.implicitConsent) return false;
+  std::erase_if(consents, isSignals);
+  return true;
+}
+
 std::int64_t newestNumber(const std::vector<JournalRecord>& unsettled) {
   return unsettled.empty() ? 0 : unsettled.front().number;
 }
@@ -77,15 +89,19 @@ Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
     schedule();
     co_return false;
   }
-  const auto reading = s_.store.read();
-  if (!reading) co_return false;
-  const StoredValues stored(*reading->entries);
-  if (!stored.isAnythingPending()) co_return true;  // another process has sent it
-  const NewestDecisions newest = newestDecisions(reading->unsettled);
-  if (trigger == Trigger::automatic && !isDue(stored, newest, configuration)) co_return false;
-  PostConsentsRequest upload = request(*session, stored, configuration);
-  Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unsettled)};
-  co_return co_await send(session->options.appUrl, std::move(upload), std::move(sent));
+  for (;;) {
+    const auto reading = s_.store.read();
+    if (!reading) co_return false;
+    const StoredValues stored(*reading->entries);
+    if (!stored.isAnythingPending()) co_return true;  // another process has sent it
+    const NewestDecisions newest = newestDecisions(reading->unsettled);
+    if (trigger == Trigger::automatic && !isDue(stored, newest, configuration)) co_return false;
+    PostConsentsRequest upload = request(*session, stored, configuration);
+    const bool isAll = !keepBackSignals(upload);
+    Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unsettled)};
+    const bool isAccepted = co_await send(session->options.appUrl, std::move(upload), std::move(sent));
+    if (!isAccepted || isAll) co_return isAccepted;
+  }
 }
 
 Task<void> ConsentUploader::upload(std::string url, PostConsentsRequest request) {

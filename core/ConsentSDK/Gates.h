@@ -8,6 +8,7 @@
 #include <mutex>
 #include <vector>
 
+#include "core/ConsentSDK/Followers.h"
 #include "core/ConsentSDK/HostCallback.h"
 #include "platform/Job.h"
 #include "quillon/Listeners.h"
@@ -25,6 +26,8 @@ class Gates {
 
   // Something has changed that an answer may depend on.
   void update();
+  // Those who are told so, on the thread that has changed it; they must only hand work on.
+  Followers<> followers;
 
  private:
   struct Gate;

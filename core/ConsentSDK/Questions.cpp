@@ -32,6 +32,8 @@ std::string sentence(const ConsentExplanation& consent, std::optional<Compliance
       return "It follows the tracking status of the device: " + status + on;
     case DecisionCause::device:
       return "The device decided it: " + status + on;
+    case DecisionCause::signal:
+      return "A privacy signal is honoured: " + status + on;
     case DecisionCause::removed:
       return "It was removed" + on;
   }
@@ -86,7 +88,7 @@ Task<std::string> Questions::consentScript() {
   PageConsents consents;
   std::optional<PageSignals> signals;
   const auto configuration = s_.loader.current();
-  if (!configuration) co_return quillon::consentScript(consents, signals);
+  if (!configuration) co_return withPageScripts(quillon::consentScript(consents, signals));
   const std::string language = s_.sessions.language();
   for (const Purpose& purpose : s_.loader.purposes(configuration).purposesWithConsents()) {
     if (!purpose.purposeId) continue;
@@ -103,7 +105,12 @@ Task<std::string> Questions::consentScript() {
         {std::string(key::currentComplianceType), std::string(rawValue(stored.complianceType()))}};
     signals.emplace(consentMap(*mapping, StoredValues(undecided)), consentMap(*mapping, stored));
   }
-  co_return quillon::consentScript(consents, signals);
+  co_return withPageScripts(quillon::consentScript(consents, signals));
+}
+
+std::string Questions::withPageScripts(std::string script) const {
+  s_.pageScripts.tell(script);
+  return script;
 }
 
 ConsentExplanation Questions::explain(std::int64_t purposeId) const {

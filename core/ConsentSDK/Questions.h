@@ -19,6 +19,7 @@ class Questions {
   struct Services : Foundation {
     LocationLookup& location;
     ConfigurationLoader& loader;
+    const Followers<std::string&>& pageScripts;  // each appends what pages are told besides
   };
   explicit Questions(Services services) : s_(services) {}
 
@@ -45,6 +46,7 @@ class Questions {
   }
 
  private:
+  std::string withPageScripts(std::string script) const;
   // The mapping that applies to the user; null unless the configuration drives consent mode. Owned by it.
   Task<const DefaultMapping*> mappingFor(ConfigurationPointer configuration);
   std::optional<Decision> newestDecision(std::int64_t purposeId) const;

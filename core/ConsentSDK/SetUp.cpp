@@ -35,6 +35,7 @@ void SetUp::run(ConsentSDKOptions given) {
     transaction.set(key::isBannerPresent, false);
     ensureSubjectId(transaction, *s_.platform.random);
   });
+  s_.cycle.honourSignals();
   s_.cycle.begin(session);
 }
 

@@ -11,7 +11,8 @@ QUILLON_RAW_VALUES(GivenType, {GivenType::explicitly, "CONSENT_EXPLICIT"}, {Give
 
 QUILLON_RAW_VALUES(DecisionCause, {DecisionCause::user, "user"}, {DecisionCause::byDefault, "default"},
                    {DecisionCause::essential, "essential"}, {DecisionCause::trackingStatus, "tracking_status"},
-                   {DecisionCause::device, "device"}, {DecisionCause::removed, "removed"});
+                   {DecisionCause::device, "device"}, {DecisionCause::signal, "signal"},
+                   {DecisionCause::removed, "removed"});
 
 QUILLON_RAW_VALUES(UploadOutcome, {UploadOutcome::pending, "pending"}, {UploadOutcome::uploaded, "uploaded"},
                    {UploadOutcome::superseded, "superseded"}, {UploadOutcome::dropped, "dropped"});

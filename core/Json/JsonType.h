@@ -20,7 +20,7 @@ namespace quillon {
 /// A field of a record in a document.
 struct JsonField {
   std::string_view key;
-  const JsonType& (*type)();
+  const JsonType& (*type)();  // null: whatever stands there is skipped
   bool mayBeNull;
   /// The address for the value in @p record; makes an optional member present. Null for a constant.
   void* (*open)(void* record);
@@ -176,6 +176,11 @@ template <class F>
             .mayBeNull = false,
             .open = [](void*) -> void* { return nullptr; },
             .constant = field.text};
+  } else if constexpr (std::is_same_v<F, Ignored>) {
+    return {
+        .key = field.key, .type = nullptr, .mayBeNull = true, .open = nullptr, .get = [](const void*) -> const void* {
+          return nullptr;
+        }};
   } else {
     using Type = typename F::Type;
     return {

@@ -63,6 +63,13 @@ struct Constant {
   std::string_view text;
 };
 
+/// A field that documents are known to have and nobody reads: so that it costs least.
+struct Ignored {
+  static constexpr bool inDocument = true;
+
+  std::string_view key;
+};
+
 /// The fields of R in declaration order, a std::tuple of the above; specialised beside each record's other operations.
 template <class R>
 inline constexpr std::tuple<> fields = {};

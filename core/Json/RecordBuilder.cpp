@@ -4,6 +4,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <functional>
 
 #include "core/Json/WholeNumber.h"
@@ -18,6 +19,24 @@ using Kind = JsonType::Kind;
 constexpr std::size_t kLongestQuote = 64;
 // The hash of a skipped key, in an array that grows by doubling.
 constexpr std::size_t kSkippedKeyMemory = 2 * sizeof(std::uint64_t);
+
+std::uint64_t wordAt(const char* place) {
+  std::uint64_t word;
+  std::memcpy(&word, place, sizeof word);
+  return word;
+}
+
+// For keys, of which a document has a great many: most are compared in two steps, the last of which looks back.
+bool areSame(std::string_view left, std::string_view right) {
+  constexpr std::size_t step = sizeof(std::uint64_t);
+  if (left.size() != right.size()) return false;
+  if (left.size() < step) return left == right;
+  const std::size_t last = left.size() - step;
+  for (std::size_t i = 0; i < last; i += step) {
+    if (wordAt(left.data() + i) != wordAt(right.data() + i)) return false;
+  }
+  return wordAt(left.data() + last) == wordAt(right.data() + last);
+}
 
 std::string_view expectation(Kind kind) {
   switch (kind) {
@@ -58,12 +77,11 @@ void appendQuote(std::string& message, std::string_view text) {
 }  // namespace
 
 RecordBuilder::RecordBuilder(std::string_view document, const JsonType& type, void* record)
-    : document_(document), levels_(kDeepestNesting), target_{.type = &type, .place = record} {}
+    : document_(document), levels_(kDeepestNesting + 1), target_{.type = &type, .place = record} {}
 
 std::string RecordBuilder::path() const {
   std::string path;
-  for (std::size_t i = 0; i < depth_; ++i) {
-    const Level& level = levels_[i];
+  for (const Level& level : std::span(levels_).subspan(1, static_cast<std::size_t>(top_ - levels_.data()))) {
     if (level.isArray) {
       if (level.count > 0) path += '[' + std::to_string(level.count - 1) + ']';
     } else if (level.key.data() != nullptr) {
@@ -102,22 +120,21 @@ bool RecordBuilder::part(std::string_view piece) {
 
 // Inside an array, makes its next element the target; elsewhere the latest key has chosen it.
 bool RecordBuilder::aim() {
-  if (depth_ == 0 || !levels_[depth_ - 1].isArray) return true;
-  Level& level = levels_[depth_ - 1];
+  Level& level = *top_;
+  if (!level.isArray) return true;
   ++level.count;
-  target_ = {};
-  if (!level.type) return true;
+  target_.type = level.element;
+  if (!level.element) return true;
   target_ = {.type = level.element, .place = level.value, .open = level.type->append};
-  // An array grows by doubling.
-  return take(2 * level.element->size);
+  return take(level.elementBytes);
 }
 
 bool RecordBuilder::aimAtField(Level& level, std::string_view key) {
   const std::span<const JsonField> fields = level.type->fields;
   std::size_t at = level.next;
-  if (at >= fields.size() || fields[at].key != key) {
+  if (at >= fields.size() || !areSame(fields[at].key, key)) {
     at = 0;
-    while (at < fields.size() && fields[at].key != key) ++at;
+    while (at < fields.size() && !areSame(fields[at].key, key)) ++at;
     if (at == fields.size()) return skipKey(key);
   }
   const std::uint64_t bit = std::uint64_t{1} << at;
@@ -125,6 +142,8 @@ bool RecordBuilder::aimAtField(Level& level, std::string_view key) {
   level.seen |= bit;
   level.next = at + 1;
   const JsonField& field = fields[at];
+  target_ = {};
+  if (!field.type) return true;
   target_ = {.type = &field.type(), .place = level.value, .open = field.open, .mayBeNull = field.mayBeNull};
   return true;
 }
@@ -146,7 +165,7 @@ bool RecordBuilder::skipKey(std::string_view key) {
 }
 
 bool RecordBuilder::key(std::string_view piece, std::size_t size) {
-  Level& level = levels_[depth_ - 1];
+  Level& level = *top_;
   const std::string_view key = whole(piece, size);
   const char* const begin = document_.data();
   if (std::greater_equal<>{}(key.data(), begin) && std::less<>{}(key.data(), begin + document_.size())) {
@@ -168,9 +187,10 @@ void* RecordBuilder::address() {
 }
 
 bool RecordBuilder::begin(bool isArray, const JsonType* type) {
-  Level& level = levels_[depth_++];
+  Level& level = *++top_;
   level.type = type;
   level.element = type && type->element ? &type->element() : nullptr;
+  level.elementBytes = level.element ? 2 * level.element->size : 0;  // An array grows by doubling.
   level.value = type ? address() : nullptr;
   level.isArray = isArray;
   level.count = 0;
@@ -196,27 +216,29 @@ bool RecordBuilder::beginArray() {
 }
 
 bool RecordBuilder::endObject() {
-  Level& level = levels_[depth_ - 1];
+  Level& level = *top_;
   if (level.type) {
     if (const std::uint64_t missing = level.type->required & ~level.seen; missing != 0) {
       level.key = level.type->fields[static_cast<std::size_t>(std::countr_zero(missing))].key;
       return refuse("is required");
     }
   }
+  --top_;
+  if (skippedKeys_.size() == level.firstSkip) return true;
   const auto first = skippedKeys_.begin() + static_cast<std::ptrdiff_t>(level.firstSkip);
   std::sort(first, skippedKeys_.end());
   if (std::adjacent_find(first, skippedKeys_.end()) != skippedKeys_.end()) {
+    ++top_;
     level.key = {};
     return refuse("duplicate key");
   }
   memory_ -= kSkippedKeyMemory * static_cast<std::size_t>(skippedKeys_.end() - first);
   skippedKeys_.erase(first, skippedKeys_.end());
-  --depth_;
   return true;
 }
 
 bool RecordBuilder::endArray() {
-  --depth_;
+  --top_;
   return true;
 }
 

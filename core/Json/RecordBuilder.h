@@ -51,12 +51,13 @@ class RecordBuilder {
     const JsonType* element = nullptr;  ///< what an array or map holds
     void* value = nullptr;
     bool isArray = false;
-    std::size_t count = 0;      ///< array: elements begun
-    std::size_t next = 0;       ///< record: the field that probably comes next
-    std::uint64_t seen = 0;     ///< record: a bit for each field met
-    std::size_t firstSkip = 0;  ///< where its keys begin in skippedKeys_
-    std::string_view key;       ///< object: the latest key
-    std::string ownKey;         ///< holds that key when the document spells it with escapes
+    std::size_t count = 0;         ///< array: elements begun
+    std::size_t elementBytes = 0;  ///< array: what one more takes
+    std::size_t next = 0;          ///< record: the field that probably comes next
+    std::uint64_t seen = 0;        ///< record: a bit for each field met
+    std::size_t firstSkip = 0;     ///< where its keys begin in skippedKeys_
+    std::string_view key;          ///< object: the latest key
+    std::string ownKey;            ///< holds that key when the document spells it with escapes
   };
 
   /// Where the next value goes.
@@ -80,8 +81,8 @@ class RecordBuilder {
   std::string_view whole(std::string_view piece, std::size_t size);
 
   std::string_view document_;
-  std::vector<Level> levels_;  // full length from the start; depth_ of them are in use
-  std::size_t depth_ = 0;
+  std::vector<Level> levels_;    // full length from the start; the first is that of the document
+  Level* top_ = levels_.data();  // the innermost
   Target target_;
   std::string pieces_;
   std::vector<std::uint64_t> skippedKeys_;  // hashes, to find duplicates where keys are not kept

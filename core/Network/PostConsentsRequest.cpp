@@ -7,10 +7,9 @@ namespace quillon {
 
 template <>
 inline constexpr auto fields<PurposeConsent> = std::tuple{
-    Field<&PurposeConsent::purposeID>{"purpose_id"},
-    Field<&PurposeConsent::consentStatus>{"consent_status"},
-    Field<&PurposeConsent::timestamp>{"timestamp"},
-    Field<&PurposeConsent::isEssential>{"is_essential"},
+    Field<&PurposeConsent::purposeID>{"purpose_id"}, Field<&PurposeConsent::consentStatus>{"consent_status"},
+    Field<&PurposeConsent::timestamp>{"timestamp"},  Field<&PurposeConsent::isEssential>{"is_essential"},
+    Field<&PurposeConsent::cause>{"cause"},
 };
 
 template <>

@@ -30,11 +30,12 @@ std::string listText(const std::vector<std::int64_t>& numbers) {
 }  // namespace
 
 PurposeManager::PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
-                               std::shared_ptr<const MainConfiguration> configuration)
+                               std::shared_ptr<const MainConfiguration> configuration, OptOuts optOuts)
     : platform_(platform),
       store_(store),
       logger_(logger),
       configuration_(std::move(configuration)),
+      optOuts_(std::move(optOuts)),
       tracking_(platform.tracking->authorization() == TrackingAuthorization::authorized) {
   if (!configuration_) return;
   const auto bound = purposesBoundToTracking(*configuration_);
@@ -47,6 +48,7 @@ const std::vector<Purpose>& PurposeManager::purposes() const {
 }
 
 ConsentStatus PurposeManager::currentStatus(std::int64_t purposeId, const StoredValues& stored) const {
+  if (optOuts_.include(purposeId, stored)) return ConsentStatus::declined;
   const auto decision = stored.consent(PurposeKey(purposeId));
   const ConsentStatus status = decision.value_or(stored.complianceDefault());
   return isATTMapped(purposeId) ? adjusted(status, decision.has_value(), tracking_) : status;
@@ -59,10 +61,12 @@ bool PurposeManager::checkPurposes(const DecisionContext& context) {
   // The flag is the host process's own; the one that setConsent() writes into the suite is for other readers.
   const bool flagged = StoredValues(*platform_.store->standardDefaults()->snapshot()).boolean(key::arePurposesChanged);
   bool undecided = false;
+  bool signalled = false;
   std::vector<std::int64_t> changedIds;
   store_.transact([&](StoreTransaction& transaction) {
     undecided = false;
     changedIds.clear();
+    signalled = honourSignals(transaction, context);
     for (const Purpose& purpose : purposes()) {
       if (!purpose.purposeId) continue;
       const std::int64_t id = *purpose.purposeId;
@@ -80,7 +84,39 @@ bool PurposeManager::checkPurposes(const DecisionContext& context) {
   if (!changedIds.empty()) {
     log(LogLevel::debug, "Changed Purposes: " + listText(changedIds), "checkPurposes()");
   }
-  return flagged || undecided || !changedIds.empty();
+  return flagged || undecided || signalled || !changedIds.empty();
+}
+
+bool PurposeManager::honourSignals(const DecisionContext& context) {
+  bool changed = false;
+  store_.transact([&](StoreTransaction& transaction) { changed = honourSignals(transaction, context); });
+  return changed;
+}
+
+bool PurposeManager::honourSignals(StoreTransaction& transaction, const DecisionContext& context) const {
+  bool changed = false;
+  for (const std::int64_t id : transaction.decidedBySignal()) {
+    if (optOuts_.include(id, transaction)) continue;
+    transaction.endSignal(id, context.time);
+    changed = true;
+  }
+  for (const Purpose& purpose : purposes()) {
+    if (!purpose.purposeId || !optOuts_.include(*purpose.purposeId, transaction)) continue;
+    if (transaction.isDecidedBySignal(*purpose.purposeId)) continue;
+    setConsent(transaction, {*purpose.purposeId, ConsentStatus::declined, DecisionCause::signal}, context);
+    changed = true;
+  }
+  return changed;
+}
+
+bool PurposeManager::areSettledBySignal(const StoredValues& stored) const {
+  bool asks = false;
+  for (const Purpose& purpose : purposes()) {
+    if (!purpose.purposeId || purpose.disableOptOut.value_or(false) || isATTMapped(*purpose.purposeId)) continue;
+    if (!optOuts_.include(*purpose.purposeId, stored)) return false;
+    asks = true;
+  }
+  return asks;
 }
 
 std::vector<Purpose> PurposeManager::purposesWithConsents() const {
@@ -90,6 +126,7 @@ std::vector<Purpose> PurposeManager::purposesWithConsents() const {
   for (Purpose& purpose : result) {
     if (!purpose.purposeId) continue;
     purpose.consentStatus = currentStatus(*purpose.purposeId, stored);
+    purpose.isOptedOutBySignal = optOuts_.include(*purpose.purposeId, stored);
     if (!isATTMapped(*purpose.purposeId)) continue;
     purpose.isATTMapped = true;
     if (configuration_->attConfig->showInfoOnPrefCenter.value_or(false)) {
@@ -137,7 +174,8 @@ PurposeManager::Resolutions PurposeManager::choices(const std::map<std::int64_t,
 
 bool PurposeManager::hasDecisions(const StoredValues& stored) const {
   return std::ranges::any_of(purposes(), [&](const Purpose& purpose) {
-    return purpose.purposeId && !isATTMapped(*purpose.purposeId) && stored.consent(PurposeKey(*purpose.purposeId));
+    return purpose.purposeId && !isATTMapped(*purpose.purposeId) && !stored.isDecidedBySignal(*purpose.purposeId) &&
+           stored.consent(PurposeKey(*purpose.purposeId));
   });
 }
 
@@ -146,6 +184,7 @@ GivenType PurposeManager::recordDefaults(StoreTransaction& transaction, Decision
   context.givenType = awaitsAnswer ? GivenType::noAction : GivenType::implicitly;
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId || transaction.consent(PurposeKey(*purpose.purposeId))) continue;
+    if (optOuts_.include(*purpose.purposeId, transaction)) continue;
     const bool essential = purpose.disableOptOut.value_or(false);
     const bool granted = essential || transaction.complianceDefault() == ConsentStatus::granted;
     const auto cause = essential ? DecisionCause::essential : DecisionCause::byDefault;
@@ -163,6 +202,7 @@ std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& 
     if (!purpose.purposeId || !pending.contains(*purpose.purposeId)) continue;
     const auto status = stored.consentOrDefault(PurposeKey(*purpose.purposeId));
     consents.push_back({*purpose.purposeId, status, changeTime, purpose.disableOptOut.value_or(false)});
+    if (stored.isDecidedBySignal(*purpose.purposeId)) consents.back().cause = DecisionCause::signal;
   }
   return consents;
 }
@@ -185,7 +225,7 @@ void PurposeManager::setConsent(StoreTransaction& transaction, const Resolution&
   }
   transaction.giveConsents(context.givenType);
   transaction.addPendingPurpose(resolution.purposeId);
-  transaction.set(purposeKey, std::string(rawValue(resolution.status)));
+  transaction.decide(resolution.purposeId, resolution.status, resolution.cause);
 }
 
 }  // namespace quillon

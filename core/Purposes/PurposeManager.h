@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/Purposes/OptOuts.h"
 #include "quillon/MainConfiguration.h"
 #include "quillon/PostConsentsRequest.h"
 
@@ -21,11 +22,21 @@ class PurposeManager {
   // Asks the device for the tracking status, so no transaction has to. Platform, store and logger must outlive it; the
   // configuration may be null, and lists no purposes then.
   PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
-                 std::shared_ptr<const MainConfiguration> configuration);
+                 std::shared_ptr<const MainConfiguration> configuration, OptOuts optOuts = {});
 
-  // Brings the purposes that are bound to app tracking in line with its status. True when a purpose has no consent yet,
-  // a consent followed the tracking status, or the process's own change flag is set.
+  // Brings the purposes that are bound to app tracking in line with its status, and others with privacy signals. True
+  // when a purpose has no consent yet, a consent followed either, or the process's own change flag is set.
   bool checkPurposes(const DecisionContext& context);
+
+  // Brings the purposes in line with privacy signals alone. True when that changed something.
+  bool honourSignals(const DecisionContext& context);
+
+  // Whether a signal decides about the purpose.
+  bool isOptedOutBySignal(std::int64_t purposeId, const StoredValues& stored) const {
+    return optOuts_.include(purposeId, stored);
+  }
+  // Whether there is something that a banner would ask, and privacy signals settle all of it.
+  bool areSettledBySignal(const StoredValues& stored) const;
 
   // The purposes in display order, each with its present consent and, when app tracking governs it, marked so.
   std::vector<Purpose> purposesWithConsents() const;
@@ -46,7 +57,7 @@ class PurposeManager {
   // purposes without a choice are left out.
   Resolutions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
 
-  // Whether anything is stored for a purpose that app tracking does not govern.
+  // Whether anything is stored for a purpose that neither app tracking nor a privacy signal has decided.
   bool hasDecisions(const StoredValues& stored) const;
 
   // Gives every purpose without a decision its default: what app tracking says, granted when essential, else what the
@@ -63,6 +74,7 @@ class PurposeManager {
   const std::vector<Purpose>& purposes() const;
 
  private:
+  bool honourSignals(StoreTransaction& transaction, const DecisionContext& context) const;
   bool isATTMapped(std::int64_t purposeId) const { return attMapped_.contains(purposeId); }
   // The present status: the decision or the default, then what app tracking makes of it.
   ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored) const;
@@ -73,6 +85,7 @@ class PurposeManager {
   UserDefaultManager& store_;
   SDKLogger& logger_;
   const std::shared_ptr<const MainConfiguration> configuration_;
+  const OptOuts optOuts_;
   const bool tracking_;                         // authorized
   std::unordered_set<std::int64_t> attMapped_;  // the purposes that app tracking governs
 };

@@ -41,14 +41,14 @@ bool PurposeTerms::isBoundToTracking(std::int64_t purposeId) const {
 }
 
 bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const PurposeTerms* terms,
-                      const AppTracking& tracking) {
+                      const AppTracking& tracking, const OptOuts& optOuts) {
   const auto decision = stored.consent(PurposeKey(purposeId));
   const bool isAllowed = decision ? *decision == ConsentStatus::granted
                                   : terms && terms->allowsUndecided(purposeId) && !stored.boolean(key::lostEntries);
+  if (!isAllowed || optOuts.include(purposeId, stored)) return false;
   // The store tells before there are terms, the terms where they could not be stored.
   const bool isBound = stored.isBoundToTracking(purposeId) || (terms && terms->isBoundToTracking(purposeId));
-  if (!isAllowed || !isBound) return isAllowed;
-  return tracking.authorization() == TrackingAuthorization::authorized;
+  return !isBound || tracking.authorization() == TrackingAuthorization::authorized;
 }
 
 }  // namespace quillon

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/Persistance/UserDefaults/StoredValues.h"
+#include "core/Purposes/OptOuts.h"
 #include "platform/AppTracking.h"
 #include "quillon/MainConfiguration.h"
 
@@ -36,8 +37,8 @@ class PurposeTerms {
 
 // Whether an application may act on a purpose. Fails closed: without a decision only what the terms in force allow,
 // which are null while there are none, and nothing after a loss of entries; never what is bound to tracking while the
-// device has not authorized that. Allocates nothing.
+// device has not authorized that, nor what a privacy signal opts out of. Allocates nothing.
 [[nodiscard]] bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const PurposeTerms* terms,
-                                    const AppTracking& tracking);
+                                    const AppTracking& tracking, const OptOuts& optOuts);
 
 }  // namespace quillon

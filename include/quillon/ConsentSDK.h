@@ -25,6 +25,7 @@
 namespace quillon {
 
 class SDKLogger;
+class SignalPublisher;
 class ScreenServices;
 struct Platform;
 
@@ -170,7 +171,7 @@ class ConsentSDK {
   /// holds the purposes (id, name, status) and permissions (permission, status), and where the configuration drives
   /// consent mode, `gtag('consent', 'default' | 'update', …)` is called with the four signals, before any decision and
   /// now. Run it before the page's own scripts, and again after a change. It is safe inside a script element, whatever
-  /// the configured texts hold. Empty when the SDK is destroyed first.
+  /// the configured texts hold. With a SignalPublisher it also offers the trade's interfaces, `__tcfapi` and `__gpp`. Empty when the SDK is destroyed first.
   ///
   /// @code
   /// sdk.consentScript([view](std::string script) { view->addScriptAtDocumentStart(std::move(script)); });
@@ -310,6 +311,7 @@ class ConsentSDK {
   [[nodiscard]] std::shared_ptr<ScreenServices> screens() const;
 
  private:
+  friend class SignalPublisher;
   class Core;
   std::shared_ptr<Core> core_;
 };

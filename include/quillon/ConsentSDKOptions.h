@@ -31,6 +31,19 @@ struct WebViewConfig {
   bool operator==(const WebViewConfig&) const = default;
 };
 
+/// Has the signals honoured by which users have asked for privacy before: those of the device, and the application's own.
+/// While one of them is on it counts as an opt-out of the purposes named here, other than essential ones and those that
+/// the device's tracking authorization governs. It never beats an answer that the user gave, is never stored as one, and
+/// ends with the signal.
+struct PrivacySignal {
+  /// The application's own: it knows that its user wants privacy. Set up again when that changes.
+  bool isGiven = false;
+  /// By their purpose_id. Without a list the configuration names them ("privacy_signal_purposes").
+  std::optional<std::vector<std::int64_t>> purposes = std::nullopt;
+
+  bool operator==(const PrivacySignal&) const = default;
+};
+
 /// Period of the recurring consent check: at least 60 seconds and at most a year; what is less or more becomes that.
 class ConsentsCheckInterval {
  public:
@@ -128,6 +141,8 @@ struct ConsentSDKOptions {
   /// cached or bundled configuration, or `unavailable`) and reports that; the result of the download is reported when
   /// it is there. Without one the first report comes when the download is over.
   std::optional<std::chrono::milliseconds> readyWithin = std::nullopt;
+  /// Without one no privacy signal is asked for. All processes of an application should agree in this.
+  std::optional<PrivacySignal> privacySignal = std::nullopt;
 
   bool operator==(const ConsentSDKOptions&) const = default;
 };

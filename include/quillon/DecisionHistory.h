@@ -29,7 +29,9 @@ enum class DecisionCause {
   essential,       ///< "essential": the user may not opt out of that purpose
   trackingStatus,  ///< "tracking_status": the purpose is bound to the device's tracking authorization
   device,          ///< "device": a permission as the device has it
-  removed,         ///< "removed": the consents were removed; told to listeners, never kept in the history
+  signal,          ///< "signal": a privacy signal is honoured
+  removed,  ///< "removed": by removeConsents(), or with the end of a signal; told to listeners, never kept in the
+            ///< history
 };
 [[nodiscard]] std::string_view rawValue(DecisionCause value) noexcept;
 

@@ -20,6 +20,7 @@ enum class BannerReason {
   intervalOver,     ///< "interval_over": due; the answer has expired
   onScreen,         ///< "on_screen": not due
   answered,         ///< "answered": not due before a date
+  signal,           ///< "signal": not due; a privacy signal is honoured and settles all that there is to ask
   noConfiguration,  ///< "no_configuration": not due; there is nothing that could be asked
 };
 [[nodiscard]] std::string_view rawValue(BannerReason value) noexcept;

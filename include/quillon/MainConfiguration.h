@@ -49,6 +49,8 @@ struct Purpose {
   std::optional<bool> isATTMapped = false;
   /// Not part of the document: the explanation shown for such a purpose.
   std::optional<LocalizedText> attDescription = std::nullopt;
+  /// Not part of the document: true for a purpose that is off because a privacy signal is honoured.
+  bool isOptedOutBySignal = false;
 };
 
 /// A device permission that the application declares.
@@ -123,6 +125,8 @@ struct MainConfiguration {
   std::optional<bool> isSettingsPromptEnabled = std::nullopt;  ///< "is_sp_enabled"
   std::optional<bool> isGcmEnabled = std::nullopt;
   std::optional<GcmConfig> gcmConfig = std::nullopt;
+  /// Those that a privacy signal opts out of, where the application honours signals and names none itself.
+  std::optional<std::vector<std::int64_t>> privacySignalPurposes = std::nullopt;
 };
 
 [[nodiscard]] bool operator==(const SDK& left, const SDK& right);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "quillon/ConsentStatus.h"
+#include "quillon/DecisionHistory.h"
 #include "quillon/VantariKey.h"
 
 namespace quillon {
@@ -20,6 +21,8 @@ struct PurposeConsent {
   /// When the decision was recorded, whole seconds since 1970-01-01T00:00:00Z.
   std::int64_t timestamp = 0;
   bool isEssential = false;
+  /// `signal` where a privacy signal decided; omitted elsewhere.
+  std::optional<DecisionCause> cause = std::nullopt;
 
   bool operator==(const PurposeConsent&) const = default;
 };

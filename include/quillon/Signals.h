@@ -43,6 +43,11 @@ class Signals {
   /// replaces every key that isSignalKey() knows, in one step, so that nobody sees half of them.
   [[nodiscard]] SignalKeys keys(const SignalState& state) const;
 
+  /// What pages in the application's own web view are told: `__tcfapi` and `__gpp`, for the page and its frames. Run it
+  /// before the page's own scripts, and again in the same page after a change, of which it tells the page's listeners.
+  /// It is safe inside a script element. Empty when there are mistakes.
+  [[nodiscard]] std::string pageScript(const SignalState& state) const;
+
  private:
   std::vector<std::string> mistakes_;
   std::shared_ptr<const signals::SignalRules> rules_;  // null when there are mistakes

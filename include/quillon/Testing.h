@@ -106,6 +106,8 @@ class Device {
   /// What the device says about a permission from now on. False when no answer of it means that: then nothing changes.
   /// A device never says `withDrawn`.
   bool setPermission(const VantariKey& permission, ConsentStatus status);
+  /// Whether the user has asked all applications of the device for privacy; see ConsentSDKOptions::privacySignal.
+  void setPrivacySignal(bool isOn);
   /// The languages of the device, best first, for the next launch. Default: "en".
   void setLanguages(std::vector<std::string> languages);
   /// On a full disk no decision can be stored and no configuration saved; what is there can be read.

@@ -16,6 +16,7 @@
 #include "platform/linux/FileCalls.h"
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxHostApplication.h"
+#include "platform/linux/LinuxPrivacySignals.h"
 #include "platform/linux/NetlinkPathMonitor.h"
 #include "platform/linux/PermissionSources/LinuxPermissionSources.h"
 #include "platform/linux/PosixFileSystem.h"
@@ -130,6 +131,7 @@ Platform replaced(const Platform& ours, const std::function<void(Platform&)>& re
   keep(&Platform::random);
   keep(&Platform::permissions);
   keep(&Platform::host);
+  if (theirs.signals == nullptr) theirs.signals = ours.signals;
   return theirs;
 }
 
@@ -160,6 +162,7 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   platform.locale = std::make_shared<EnvironmentLocale>();
   platform.tracking = std::make_shared<FixedAppTracking>();
   platform.permissions = std::make_shared<LinuxPermissionSources>(options.applicationId);
+  platform.signals = std::make_shared<LinuxPrivacySignals>();
   platform.random = std::make_shared<SystemRandom>();
   platform.host = std::make_shared<LinuxHostApplication>(resourceDirectory(options));
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/PermissionSources.h"
-#include "platform/parts/PermissionObservers.h"
+#include "platform/parts/ChangeObservers.h"
 
 namespace quillon {
 
@@ -32,7 +32,7 @@ class SettablePermissionSources : public PermissionSources {
   std::optional<std::expected<Value, std::string>> given(const VantariKey& key) const;
 
   const std::shared_ptr<PermissionSources> device_;
-  PermissionObservers observers_;
+  ChangeObservers<PermissionSubscription> observers_;
   mutable std::mutex mutex_;                                                       // guards the member below
   std::map<std::string, std::expected<Value, std::string>, std::less<>> answers_;  // by raw value of the key
 };

@@ -42,183 +42,61 @@ constexpr Field california[] = {
     integer("MspaServiceProviderMode", 2),
 };
 
-constexpr Field virginia[] = {
-    always("Version", 6, 1),
-    integer("SharingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    integer("KnownChildSensitiveDataConsents", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
+// The law of a state as the first version of its section tells it: nearly all have the same fields.
+struct StateLaw {
+  std::string_view notice;                // of what is done with the data
+  unsigned sensitiveKinds;                // of sensitive data
+  unsigned childrensKinds;                // of the data of children
+  bool hasAdditional = false;             // a consent to processing beyond what was disclosed
+  std::string_view sensitiveNotice = {};  // where there is one of sensitive data
+  std::string_view childrensName = "KnownChildSensitiveDataConsents";
 };
 
-constexpr Field colorado[] = {
-    always("Version", 6, 1),
-    integer("SharingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 7),
-    integer("KnownChildSensitiveDataConsents", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
+class StateFields {
+ public:
+  constexpr explicit StateFields(const StateLaw& law) {
+    add(always("Version", 6, 1));
+    add(integer(law.notice, 2));
+    add(integer("SaleOptOutNotice", 2));
+    add(integer("TargetedAdvertisingOptOutNotice", 2));
+    if (!law.sensitiveNotice.empty()) add(integer(law.sensitiveNotice, 2));
+    add(integer("SaleOptOut", 2));
+    add(integer("TargetedAdvertisingOptOut", 2));
+    add(values("SensitiveDataProcessing", 2, law.sensitiveKinds));
+    add(law.childrensKinds == 1 ? integer(law.childrensName, 2) : values(law.childrensName, 2, law.childrensKinds));
+    if (law.hasAdditional) add(integer("AdditionalDataProcessingConsent", 2));
+    add(integer("MspaCoveredTransaction", 2));
+    add(integer("MspaOptOutOptionMode", 2));
+    add(integer("MspaServiceProviderMode", 2));
+  }
+
+  // NOLINTNEXTLINE(google-explicit-constructor): a layout takes it like any other table
+  constexpr operator std::span<const Field>() const { return std::span(fields_).first(count_); }
+
+ private:
+  constexpr void add(const Field& field) { fields_[count_++] = field; }
+
+  std::array<Field, 13> fields_{};
+  std::size_t count_ = 0;
 };
 
-constexpr Field utah[] = {
-    always("Version", 6, 1),
-    integer("SharingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SensitiveDataProcessingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    integer("KnownChildSensitiveDataConsents", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
+constexpr std::string_view sharing = "SharingNotice";
+constexpr std::string_view processing = "ProcessingNotice";
 
-constexpr Field connecticut[] = {
-    always("Version", 6, 1),
-    integer("SharingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    values("KnownChildSensitiveDataConsents", 2, 3),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
+constexpr StateFields virginia({sharing, 8, 1});
+constexpr StateFields colorado({sharing, 7, 1});
+constexpr StateFields utah({sharing, 8, 1, false, "SensitiveDataProcessingOptOutNotice"});
+constexpr StateFields connecticut({sharing, 8, 3});
+constexpr StateFields montana({sharing, 8, 3, true});
+constexpr StateFields floridaNewHampshire({processing, 8, 3, true});
+constexpr StateFields oregon({processing, 11, 3, true});
+constexpr StateFields texasNebraskaMinnesota({processing, 8, 1, true});
+constexpr StateFields delaware({processing, 9, 5, true});
+constexpr StateFields iowa({processing, 8, 1, false, "SensitiveDataOptOutNotice"});
+constexpr StateFields newJersey({processing, 10, 5, true});
+constexpr StateFields tennessee({processing, 8, 1, true, {}, "KnownChildSensitiveDataConsent"});
 
-constexpr Field floridaNewHampshire[] = {
-    always("Version", 6, 1),
-    integer("ProcessingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    values("KnownChildSensitiveDataConsents", 2, 3),
-    integer("AdditionalDataProcessingConsent", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
-constexpr Field montana[] = {
-    always("Version", 6, 1),
-    integer("SharingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    values("KnownChildSensitiveDataConsents", 2, 3),
-    integer("AdditionalDataProcessingConsent", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
-constexpr Field oregon[] = {
-    always("Version", 6, 1),
-    integer("ProcessingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 11),
-    values("KnownChildSensitiveDataConsents", 2, 3),
-    integer("AdditionalDataProcessingConsent", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
-constexpr Field texasNebraskaMinnesota[] = {
-    always("Version", 6, 1),
-    integer("ProcessingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    integer("KnownChildSensitiveDataConsents", 2),
-    integer("AdditionalDataProcessingConsent", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
-constexpr Field delaware[] = {
-    always("Version", 6, 1),
-    integer("ProcessingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 9),
-    values("KnownChildSensitiveDataConsents", 2, 5),
-    integer("AdditionalDataProcessingConsent", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
-constexpr Field iowa[] = {
-    always("Version", 6, 1),
-    integer("ProcessingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SensitiveDataOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    integer("KnownChildSensitiveDataConsents", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
-constexpr Field newJersey[] = {
-    always("Version", 6, 1),
-    integer("ProcessingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 10),
-    values("KnownChildSensitiveDataConsents", 2, 5),
-    integer("AdditionalDataProcessingConsent", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
-constexpr Field tennessee[] = {
-    always("Version", 6, 1),
-    integer("ProcessingNotice", 2),
-    integer("SaleOptOutNotice", 2),
-    integer("TargetedAdvertisingOptOutNotice", 2),
-    integer("SaleOptOut", 2),
-    integer("TargetedAdvertisingOptOut", 2),
-    values("SensitiveDataProcessing", 2, 8),
-    integer("KnownChildSensitiveDataConsent", 2),
-    integer("AdditionalDataProcessingConsent", 2),
-    integer("MspaCoveredTransaction", 2),
-    integer("MspaOptOutOptionMode", 2),
-    integer("MspaServiceProviderMode", 2),
-};
-
+// Two later versions, which have the agreement first.
 constexpr Field maryland[] = {
     integer("MspaVersion", 6),
     integer("MspaCoveredTransaction", 2),

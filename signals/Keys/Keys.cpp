@@ -82,25 +82,14 @@ std::string textOfSection(std::string_view gpp, std::size_t number) {
 }  // namespace
 
 SignalKeys keysOf(const SignalRules& rules, const SignalState& state) {
-  GppString gpp;
-  if (auto tc = tcStringOf(rules, state)) gpp.sections.emplace(tcfEuSection, std::move(*tc));
-  if (auto us = usStringOf(rules, state)) {
-    gpp.sections.emplace(sectionOfPrefix(us->core.layout().name), std::move(*us));
-  }
-  auto text = encode(gpp);
-  if (!text) {
-    // More restrictions than a string can tell leave the libraries without a string.
-    gpp.sections.clear();
-    text = encode(gpp);
-  }
-
+  auto [gpp, text] = gppOf(rules, state);
   SignalKeys keys;
   if (rules.options.tcf) {
     const auto tc = gpp.sections.find(tcfEuSection);
     if (tc == gpp.sections.end()) {
       addTcfKeys(keys, rules, isGdprPlace(state.place), nullptr, {});
     } else {
-      addTcfKeys(keys, rules, true, &std::get<TcString>(tc->second), textOfSection(*text, 1));
+      addTcfKeys(keys, rules, true, &std::get<TcString>(tc->second), textOfSection(text, 1));
     }
   }
   if (!state.place) return keys;
@@ -110,8 +99,8 @@ SignalKeys keysOf(const SignalRules& rules, const SignalState& state) {
   keys.insert_or_assign("IABGPP_HDR_Sections", ids);
   keys.insert_or_assign("IABGPP_GppSID", ids.empty() ? kNoSection : ids);
   std::size_t number = 0;
-  for (const auto& [id, section] : gpp.sections) addSection(keys, id, section, textOfSection(*text, ++number));
-  keys.insert_or_assign("IABGPP_HDR_GppString", std::move(*text));
+  for (const auto& [id, section] : gpp.sections) addSection(keys, id, section, textOfSection(text, ++number));
+  keys.insert_or_assign("IABGPP_HDR_GppString", std::move(text));
   return keys;
 }
 

@@ -113,4 +113,16 @@ std::optional<bool> isGdprPlace(const std::optional<std::string>& place) {
          (place->size() == 2 || (*place)[2] == '#');
 }
 
+EncodedGpp gppOf(const SignalRules& rules, const SignalState& state) {
+  GppString gpp;
+  if (auto tc = tcStringOf(rules, state)) gpp.sections.emplace(tcfEuSection, std::move(*tc));
+  if (auto us = usStringOf(rules, state)) {
+    gpp.sections.emplace(sectionOfPrefix(us->core.layout().name), std::move(*us));
+  }
+  if (auto text = encode(gpp)) return {std::move(gpp), std::move(*text)};
+  // More restrictions than a string can tell leave the libraries without a string.
+  gpp.sections.clear();
+  return {gpp, encode(gpp).value_or(std::string())};
+}
+
 }  // namespace quillon::signals

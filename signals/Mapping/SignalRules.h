@@ -30,4 +30,11 @@ struct SignalRules {
 // The section that applies at the place; nothing when none does.
 [[nodiscard]] std::optional<UsString> usStringOf(const SignalRules& rules, const SignalState& state);
 
+// Both, as far as they apply, and the text that they make.
+struct EncodedGpp {
+  GppString gpp;
+  std::string text;
+};
+[[nodiscard]] EncodedGpp gppOf(const SignalRules& rules, const SignalState& state);
+
 }  // namespace quillon::signals

@@ -1,7 +1,6 @@
 #include "signals/VendorList/VendorList.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <optional>
 #include <utility>
@@ -15,17 +14,37 @@ namespace signals {
 using Complaint = std::optional<std::string>;
 
 // A list of IDs as it is read: there are thousands of them, so none allocates anything.
-struct IdArray {
-  static constexpr std::size_t kMost = 64;
+class IdArray {
+ public:
+  // The place for the next one.
+  std::int64_t* append() {
+    take();
+    hasLatest_ = true;
+    return &latest_;
+  }
+  // Nothing when one is not from 1 to 64; twice is once.
+  std::optional<DeclaredIds> declared() {
+    take();
+    return isSound_ ? std::optional(DeclaredIds(bits_)) : std::nullopt;
+  }
 
-  // The numbers are written before they are read, and a default would write them all.
-  IdArray() {}  // NOLINT(modernize-use-equals-default)
+ private:
+  void take() {
+    if (!std::exchange(hasLatest_, false)) return;
+    isSound_ = isSound_ && latest_ >= 1 && latest_ <= 64;
+    bits_ |= std::uint64_t{1} << ((latest_ - 1) & 63);
+  }
 
-  std::size_t count = 0;  // may be more than there is room for
-  std::array<std::int64_t, kMost> ids;
+  std::int64_t latest_ = 0;
+  std::uint64_t bits_ = 0;
+  bool hasLatest_ = false;
+  bool isSound_ = true;
 };
 
 struct VendorRecord {
+  // A default would write zeros first, for every vendor.
+  VendorRecord() {}  // NOLINT(modernize-use-equals-default)
+
   std::int64_t id = 0;
   std::string name;
   std::optional<IdArray> purposes;
@@ -79,6 +98,14 @@ inline constexpr auto fields<signals::VendorRecord> = std::tuple{
     Field<&signals::VendorRecord::specialPurposes>{"specialPurposes"},
     Field<&signals::VendorRecord::features>{"features"},
     Field<&signals::VendorRecord::specialFeatures>{"specialFeatures"},
+    Ignored{"usesCookies"},
+    Ignored{"cookieMaxAgeSeconds"},
+    Ignored{"cookieRefresh"},
+    Ignored{"usesNonCookieAccess"},
+    Ignored{"dataRetention"},
+    Ignored{"urls"},
+    Ignored{"dataDeclaration"},
+    Ignored{"deviceStorageDisclosureUrl"},
     Field<&signals::VendorRecord::deletedDate>{"deletedDate"},
 };
 
@@ -97,13 +124,11 @@ inline constexpr auto fields<signals::VendorListRecord> = std::tuple{
 // These are read and never written.
 template <>
 const JsonType& jsonType<signals::IdArray>() {
-  static constexpr JsonType type{.kind = JsonType::Kind::array,
-                                 .size = sizeof(signals::IdArray),
-                                 .element = &json::describe<std::int64_t>,
-                                 .append = [](void* array) -> void* {
-                                   auto& read = *static_cast<signals::IdArray*>(array);
-                                   return &read.ids[std::min(read.count++, signals::IdArray::kMost - 1)];
-                                 }};
+  static constexpr JsonType type{
+      .kind = JsonType::Kind::array,
+      .size = sizeof(signals::IdArray),
+      .element = &json::describe<std::int64_t>,
+      .append = [](void* array) -> void* { return static_cast<signals::IdArray*>(array)->append(); }};
   return type;
 }
 
@@ -141,19 +166,6 @@ Complaint checkId(std::string_view key, std::int64_t id, std::int64_t largest) {
 
 std::string atVendor(std::int64_t id, const std::string& what) {
   return "vendors." + std::to_string(id) + ": " + what;
-}
-
-// Nothing when one is not from 1 to 64; twice is once.
-std::optional<DeclaredIds> declared(const std::optional<IdArray>& array) {
-  if (!array) return DeclaredIds();
-  if (array->count > IdArray::kMost) return std::nullopt;
-  std::uint64_t bits = 0;
-  for (std::size_t i = 0; i < array->count; ++i) {
-    const auto id = array->ids[i];
-    if (id < 1 || id > 64) return std::nullopt;
-    bits |= std::uint64_t{1} << (id - 1);
-  }
-  return DeclaredIds(bits);
 }
 
 Complaint checkItems(std::string_view path, const VendorList::Items& items, std::int64_t largest) {
@@ -220,25 +232,14 @@ void VendorRecords::end() {
   if (!record_) return;
   VendorRecord& record = *record_;
   auto what = checkId(key_, record.id, kLargestVendor);
-  Vendor& vendor = kept.emplace_back();
-  vendor.id = record.id;
-  vendor.name = std::move(record.name);
-  vendor.isDeleted = record.deletedDate.has_value();
-  const std::pair<DeclaredIds*, const std::optional<IdArray>*> lists[] = {
-      {&vendor.purposes, &record.purposes},
-      {&vendor.legIntPurposes, &record.legIntPurposes},
-      {&vendor.flexiblePurposes, &record.flexiblePurposes},
-      {&vendor.specialPurposes, &record.specialPurposes},
-      {&vendor.features, &record.features},
-      {&vendor.specialFeatures, &record.specialFeatures},
+  const auto declared = [&what](std::optional<IdArray>& array) {
+    const auto ids = array ? array->declared() : DeclaredIds();
+    if (!ids && !what) what = "declares an ID that is not from 1 to 64";
+    return ids.value_or(DeclaredIds());
   };
-  for (const auto& [ids, array] : lists) {
-    if (const auto known = declared(*array)) {
-      *ids = *known;
-    } else if (!what) {
-      what = "declares an ID that is not from 1 to 64";
-    }
-  }
+  kept.push_back({record.id, std::move(record.name), declared(record.purposes), declared(record.legIntPurposes),
+                  declared(record.flexiblePurposes), declared(record.specialPurposes), declared(record.features),
+                  declared(record.specialFeatures), record.deletedDate.has_value()});
   if (what && !complaint) complaint = atVendor(record.id, *what);
   record_.reset();
 }
@@ -259,7 +260,7 @@ std::expected<VendorList, std::string> readVendorList(std::string_view document)
   VendorList list{record->vendorListVersion,          record->tcfPolicyVersion,    std::move(record->purposes),
                   std::move(record->specialPurposes), std::move(record->features), std::move(record->specialFeatures),
                   std::move(record->vendors.kept)};
-  std::ranges::sort(list.vendors, {}, &Vendor::id);
+  if (!std::ranges::is_sorted(list.vendors, {}, &Vendor::id)) std::ranges::sort(list.vendors, {}, &Vendor::id);
   if (auto what = check(list)) return std::unexpected(std::move(*what));
   return list;
 }

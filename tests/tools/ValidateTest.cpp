@@ -99,6 +99,7 @@ TEST_F(Validate, LintReportsExactlyWhatIsWrong) {
        {"purposes[2].purpose_id: purposes[0] has the same"}},
       {documentWith(R"({"att_or_gad_config": {"purpose_ids": [1, 9]}})"),
        {"att_or_gad_config.purpose_ids[1]: there is no purpose 9"}},
+      {documentWith(R"({"privacy_signal_purposes": [9]})"), {"privacy_signal_purposes[0]: there is no purpose 9"}},
       {documentWith(R"({"gcm_config": {
                "default_mapping": {"analytics_storage": [7, 1], "ad_storage": [1]},
                "region_overrides": {"US#CA, US#VA": {"ad_user_data": [1, -8], "ad_personalization": [6]}}}})"),

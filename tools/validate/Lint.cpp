@@ -11,6 +11,7 @@ constexpr Rule rules[] = {
     purposesAreComplete,
     purposeIdsAreUnique,
     trackingNamesPurposes,
+    privacySignalNamesPurposes,
     consentModeNamesPurposes,
     permissionKeysAreUsable,
     promptsNamePermissions,

@@ -88,6 +88,11 @@ void trackingNamesPurposes(const MainConfiguration& configuration, const Report&
                  DocumentPath().at("att_or_gad_config").at("purpose_ids"), report);
 }
 
+void privacySignalNamesPurposes(const MainConfiguration& configuration, const Report& report) {
+  expectPurposes(configuration.privacySignalPurposes, identifiersOf(configuration),
+                 DocumentPath().at("privacy_signal_purposes"), report);
+}
+
 void consentModeNamesPurposes(const MainConfiguration& configuration, const Report& report) {
   if (!configuration.gcmConfig) return;
   const auto& consentMode = *configuration.gcmConfig;

@@ -14,6 +14,7 @@ void purposesAreThere(const MainConfiguration& configuration, const Report& repo
 void purposesAreComplete(const MainConfiguration& configuration, const Report& report);
 void purposeIdsAreUnique(const MainConfiguration& configuration, const Report& report);
 void trackingNamesPurposes(const MainConfiguration& configuration, const Report& report);
+void privacySignalNamesPurposes(const MainConfiguration& configuration, const Report& report);
 void consentModeNamesPurposes(const MainConfiguration& configuration, const Report& report);
 
 // PermissionRules.cpp

@@ -46,6 +46,7 @@ enum class Label {
   hintPrefix,
   essentialPurposeExplanation,
   attManagedPurposeExplanation,
+  privacySignalExplanation,
   // For buttons to which the configuration gives no text.
   accept,
   reject,
@@ -100,6 +101,8 @@ inline constexpr std::array labelTexts{
     LabelText{
         "att_managed_purpose_explanation",
         "You can't toggle this Purpose because it\u2019s managed by Apple's App Tracking Transparency framework."},
+    LabelText{"privacy_signal_explanation",
+              "A privacy signal of your device or this application is honoured here unless you accept this Purpose."},
     LabelText{"accept", "Accept"},
     LabelText{"reject", "Reject"},
     LabelText{"privacy_notice", "Privacy Notice"},

@@ -45,6 +45,8 @@ PurposeAdapter::PurposeAdapter(std::shared_ptr<const Purpose> purpose,
     disclaimer_->setHtml(banner->text(purpose_->attDescription));
   } else if (purpose_->disableOptOut.value_or(false)) {
     disclaimer_->setHtml(banner->text(purpose_->optOutText));
+  } else if (purpose_->isOptedOutBySignal) {
+    disclaimer_->setHtml(banner->label(Label::privacySignalExplanation));
   }
 }
 

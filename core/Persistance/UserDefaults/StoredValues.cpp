@@ -63,6 +63,11 @@ std::optional<PropertyDate> StoredValues::date(std::string_view key) const {
   return time ? std::optional(*time) : std::nullopt;
 }
 
+std::vector<std::int64_t> StoredValues::numbers(std::string_view key) const {
+  const auto* list = find<std::vector<std::int64_t>>(key);
+  return list ? *list : std::vector<std::int64_t>();
+}
+
 std::optional<ConsentStatus> StoredValues::consent(std::string_view key) const {
   const auto* text = find<std::string>(key);
   return text ? fromRawValue<ConsentStatus>(*text) : std::nullopt;
@@ -99,6 +104,21 @@ bool StoredValues::isBoundToTracking(std::int64_t purposeId) const {
   return list && std::ranges::find(*list, purposeId) != list->end();
 }
 
+// The list that this version writes ascends; in another one at most less is found.
+bool StoredValues::isAnswered(std::int64_t purposeId) const {
+  const auto* list = find<std::vector<std::int64_t>>(key::answeredPurposesList);
+  return list && std::ranges::binary_search(*list, purposeId);
+}
+
+bool StoredValues::isDecidedBySignal(std::int64_t purposeId) const {
+  const auto* list = find<std::vector<std::int64_t>>(key::signalPurposesList);
+  return list && std::ranges::binary_search(*list, purposeId);
+}
+
+std::vector<std::int64_t> StoredValues::decidedBySignal() const {
+  return numbers(key::signalPurposesList);
+}
+
 bool StoredValues::isDecidedByNoOther(std::string_view applicationId) const {
   const auto* list = find<std::vector<std::string>>(key::decidedApplicationsList);
   return !list || std::ranges::all_of(*list, [&](const std::string& decided) { return decided == applicationId; });
@@ -112,8 +132,7 @@ bool StoredValues::isAnythingPending() const {
 }
 
 std::vector<std::int64_t> StoredValues::pendingPurposes() const {
-  const auto* list = find<std::vector<std::int64_t>>(key::pendingPurposesList);
-  return list ? *list : std::vector<std::int64_t>();
+  return numbers(key::pendingPurposesList);
 }
 
 std::vector<std::string> StoredValues::pendingPermissions() const {
@@ -144,8 +163,9 @@ void StoreTransaction::askAgain() {
 void StoreTransaction::append(Decision decision, std::string_view applicationId) {
   decision.configurationVersion = integer(key::configurationVersion, 0);
   decision.complianceType = complianceType();
-  // What the device decides it decides for every application.
-  const bool isDevices = decision.cause == DecisionCause::device || decision.cause == DecisionCause::trackingStatus;
+  // What the device decides it decides for every application; a signal's effect ends with it.
+  const bool isDevices = decision.cause == DecisionCause::device || decision.cause == DecisionCause::trackingStatus ||
+                         decision.cause == DecisionCause::signal;
   decisions_.push_back(std::move(decision));
   if (isDevices || applicationId.empty()) return;
   const auto* known = find<std::vector<std::string>>(key::decidedApplicationsList);
@@ -158,7 +178,9 @@ void StoreTransaction::append(Decision decision, std::string_view applicationId)
 SuiteUpdate StoreTransaction::take() {
   SuiteUpdate update(std::move(changes_));
   update.marks = std::exchange(marks_, {});
-  for (const Decision& decision : decisions_) update.appended.push_back(journalText(decision));
+  for (const Decision& decision : decisions_) {
+    if (decision.cause != DecisionCause::removed) update.appended.push_back(journalText(decision));
+  }
   return update;
 }
 
@@ -171,6 +193,35 @@ void StoreTransaction::addPendingPurpose(std::int64_t purposeId) {
   }
   if (!pendingPurposes_->insert(purposeId).second) return;
   std::get<std::vector<std::int64_t>>(*changes_.find(key::pendingPurposesList)->second).push_back(purposeId);
+}
+
+void StoreTransaction::include(std::string_view key, std::int64_t number, bool isIn) {
+  const auto* present = find<std::vector<std::int64_t>>(key);
+  if ((present && std::ranges::binary_search(*present, number)) == isIn) return;
+  if (!present || !changes_.contains(key)) set(key, present ? *present : std::vector<std::int64_t>());
+  auto& list = std::get<std::vector<std::int64_t>>(*changes_.find(key)->second);
+  const auto place = std::ranges::lower_bound(list, number);
+  if (isIn) {
+    list.insert(place, number);
+  } else {
+    list.erase(place);
+  }
+}
+
+void StoreTransaction::decide(std::int64_t purposeId, ConsentStatus status, DecisionCause cause) {
+  include(key::answeredPurposesList, purposeId, cause == DecisionCause::user);
+  include(key::signalPurposesList, purposeId, cause == DecisionCause::signal);
+  set(PurposeKey(purposeId), std::string(rawValue(status)));
+}
+
+void StoreTransaction::endSignal(std::int64_t purposeId, std::int64_t time) {
+  const PurposeKey purpose(purposeId);
+  decisions_.push_back(
+      {.time = time, .purposeId = purposeId, .from = consent(purpose), .cause = DecisionCause::removed});
+  include(key::signalPurposesList, purposeId, false);
+  remove(purpose);
+  auto pending = pendingPurposes();
+  if (std::erase(pending, purposeId) != 0) set(key::pendingPurposesList, std::move(pending));
 }
 
 void StoreTransaction::addPendingPermission(const std::string& permission) {

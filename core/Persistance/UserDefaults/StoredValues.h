@@ -54,6 +54,11 @@ class StoredValues {
   GivenType consentGivenType() const;
   // Whether the configuration applied last binds the purpose to app tracking. Allocates nothing.
   bool isBoundToTracking(std::int64_t purposeId) const;
+  // Whether the consent that is stored for a purpose is the user's own answer. Allocates nothing.
+  bool isAnswered(std::int64_t purposeId) const;
+  // Whether it is there because a privacy signal was honoured; all such purposes.
+  bool isDecidedBySignal(std::int64_t purposeId) const;
+  std::vector<std::int64_t> decidedBySignal() const;
   // Whether nothing was decided but, at most, under this application id.
   bool isDecidedByNoOther(std::string_view applicationId) const;
 
@@ -70,6 +75,8 @@ class StoredValues {
   const T* find(std::string_view key) const;
 
  private:
+  std::vector<std::int64_t> numbers(std::string_view key) const;
+
   const SuiteEntries& entries_;
   const SuiteChanges* changes_ = nullptr;
 };
@@ -85,6 +92,11 @@ class StoreTransaction : public StoredValues {
   void remove(std::string_view key);
   void addPendingPurpose(std::int64_t purposeId);
   void addPendingPermission(const std::string& permission);
+
+  // Stores a purpose's consent, and whose it is.
+  void decide(std::int64_t purposeId, ConsentStatus status, DecisionCause cause);
+  // Takes back what a privacy signal decided: the purpose is undecided again.
+  void endSignal(std::int64_t purposeId, std::int64_t time);
 
   // How the present consents came about from now on. A default never takes the place of an answer, and what the device
   // decides leaves it as it is.
@@ -102,6 +114,9 @@ class StoreTransaction : public StoredValues {
   SuiteUpdate take();
 
  private:
+  // Whether the ascending list holds a number, from now on.
+  void include(std::string_view key, std::int64_t number, bool isIn);
+
   SuiteChanges changes_;
   std::vector<Decision> decisions_;
   std::map<std::int64_t, std::string> marks_;

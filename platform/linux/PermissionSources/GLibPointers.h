@@ -13,6 +13,8 @@ struct GLibRelease {
   void operator()(GIOStream* stream) const { g_object_unref(stream); }
   void operator()(GError* error) const { g_error_free(error); }
   void operator()(GMainContext* context) const { g_main_context_unref(context); }
+  void operator()(GSettings* settings) const { g_object_unref(settings); }
+  void operator()(GSettingsSchema* schema) const { g_settings_schema_unref(schema); }
   void operator()(GVariant* variant) const { g_variant_unref(variant); }
   // A source that still runs does so no more.
   void operator()(GSource* source) const {

@@ -13,8 +13,8 @@
 #include "platform/linux/PermissionSources/FingerprintSource.h"
 #include "platform/linux/PermissionSources/NfcSource.h"
 #include "platform/linux/PermissionSources/PermissionStore.h"
+#include "platform/parts/ChangeObservers.h"
 #include "platform/parts/Contained.h"
-#include "platform/parts/PermissionObservers.h"
 
 namespace quillon {
 namespace {
@@ -153,7 +153,7 @@ class LinuxPermissionSources::Device {
   MessageBus session_{loop_, sessionBusAddress()};
   MessageBus system_{loop_, systemBusAddress()};
   BusService store_{permissionStore(session_)};
-  PermissionObservers observers_;
+  ChangeObservers<PermissionSubscription> observers_;
   mutable std::mutex mutex_;  // guards what is known
   std::array<Entry, sourceCount> entries_;
 };

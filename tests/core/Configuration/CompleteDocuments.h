@@ -103,7 +103,8 @@ inline const CompleteDocument completeDocument<MainConfiguration>{
     "region_overrides": {
       "US#CA": {"analytics_storage": *, "ad_storage": *, "ad_user_data": *, "ad_personalization": *}
     }
-  }
+  },
+  "privacy_signal_purposes": *
 })json"),
     R"(banner_config\.(categories|names_map|locations)|.*\.palette\.(button|banner|preference_center)_.*)",
     R"((?!i18n\.(de|fr)$).*\.(de|en|all|default|US#CA|NSCameraUsageDescription))"};
@@ -111,11 +112,11 @@ inline const CompleteDocument completeDocument<MainConfiguration>{
 template <>
 inline const CompleteDocument completeDocument<PostConsentsRequest>{filled(R"json({
   "uuid": %, "app_uuid": %, "device": %, "implicit_consent": true, "version": ?,
-  "purpose_consents": [{"purpose_id": ?, "consent_status": "granted", "timestamp": ?, "is_essential": true}],
+  "purpose_consents": [{"purpose_id": ?, "consent_status": "granted", "timestamp": ?, "is_essential": true, "cause": "signal"}],
   "permissions": [{"permission": "NSCameraUsageDescription", "consent_status": "declined", "timestamp": ?}],
   "is_test_mode": true, "ad_id": %, "banner_info": %, "platform": "ios", "sdk_version": %
 })json"),
-                                                                    "(?!sdk_version).*"};
+                                                                    R"((?!sdk_version|.*\.cause).*)"};
 
 template <>
 inline const CompleteDocument completeDocument<GenericResponse>{R"({"status": -4, "message": "m"})", ".*"};

@@ -42,6 +42,14 @@ WebEngineView {
             injectionPoint: WebEngineScript.DocumentCreation,
             worldId: WebEngineScript.MainWorld,
             runsOnSubFrames: true
+        },
+        {
+            // What the header Sec-GPC says, for scripts.
+            name: "globalPrivacyControl",
+            sourceCode: "Object.defineProperty(Navigator.prototype, 'globalPrivacyControl', {get: () => true, enumerable: true, configurable: false})",
+            injectionPoint: WebEngineScript.DocumentCreation,
+            worldId: WebEngineScript.MainWorld,
+            runsOnSubFrames: true
         }
     ]
     settings {

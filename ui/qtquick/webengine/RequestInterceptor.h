@@ -18,6 +18,7 @@ class RequestInterceptor : public QWebEngineUrlRequestInterceptor {
   void interceptRequest(QWebEngineUrlRequestInfo& request) override {
     if (!gate_->allowsSubresource(request.requestUrl().toEncoded().toStdString())) return request.block(true);
     request.setHttpHeader("DNT", "1");
+    request.setHttpHeader("Sec-GPC", "1");
   }
 
  private:

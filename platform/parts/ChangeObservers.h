@@ -1,4 +1,4 @@
-// Those who want to hear of changed permissions.
+// Those who want to hear of changes at a service.
 #pragma once
 
 #include <functional>
@@ -7,16 +7,16 @@
 #include <utility>
 #include <vector>
 
-#include "platform/PermissionSources.h"
 #include "platform/parts/CallGate.h"
 #include "platform/parts/Contained.h"
 
 namespace quillon {
 
-// Thread-safe.
-class PermissionObservers {
+// Thread-safe. `Base` is what the service calls a subscription.
+template <class Base>
+class ChangeObservers {
  public:
-  [[nodiscard]] std::unique_ptr<PermissionSubscription> add(std::function<void()> changed) {
+  [[nodiscard]] std::unique_ptr<Base> add(std::function<void()> changed) {
     auto observer = std::make_shared<Observer>();
     observer->changed = std::move(changed);
     const std::lock_guard lock(mutex_);
@@ -45,7 +45,7 @@ class PermissionObservers {
     CallGate gate;
   };
 
-  class Subscription : public PermissionSubscription {
+  class Subscription : public Base {
    public:
     explicit Subscription(std::shared_ptr<Observer> observer) : observer_(std::move(observer)) {}
     ~Subscription() override { observer_->gate.close(); }
