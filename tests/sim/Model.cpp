@@ -72,6 +72,11 @@ bool Model::allowsUndecided(const Life& life, int version, int purpose) const {
          std::ranges::any_of(lawsOf(terms, life), [](Law law) { return law != Law::optIn; });
 }
 
+void Model::began(int owner) {
+  std::erase_if(lives_, [](const auto& life) { return life.second.isEnded; });
+  lives_[owner] = {};
+}
+
 void Model::setUp(int owner, const SessionView& session) {
   Life& life = lives_.at(owner);
   if (life.isClosed) return;
@@ -230,6 +235,8 @@ void Model::keepTold(const ActReport& act, const StoreView& before, const StoreV
   const bool isUsers = act.effect == Effect::decision || act.effect == Effect::answer || act.effect == Effect::save;
   if (act.effect == Effect::removal) {
     if (after.decisions.empty()) told_.clear();
+  } else if (act.wasDisturbed) {
+    for (auto& [purpose, status] : told_) status = after.decision(purpose).value_or(status);
   } else if (isUsers && after.given == explicitly && act.result != false) {
     for (const auto& [purpose, status] : after.decisions) {
       const bool isChosen = act.effect == Effect::answer || act.chosen.contains(purpose);
@@ -309,7 +316,9 @@ void Model::judgeAnswers(int owner, const Answers& answers, const StoreView& sto
 void Model::judgeSink(const std::map<std::string, std::string>& signals, const StoreView& store) {
   const auto found = signals.find("analytics_storage");
   if (found == signals.end() || found->second != granted) return;
-  const bool isRight = std::ranges::any_of(everywhere(), [&](int version) {
+  std::set<int> versions = everywhere();
+  if (disk_) versions.insert(*disk_);
+  const bool isRight = std::ranges::any_of(versions, [&](int version) {
     const auto& behind = document(version).analytics;
     return !behind.empty() && std::ranges::all_of(behind, [&](int purpose) {
       const auto decision = store.decision(purpose);
@@ -341,9 +350,12 @@ void Model::uploadTaken(const Upload& upload) {
 
 void Model::judgeEnd(const Document& published, const StoreView& store) {
   if (store.hasUploadFailed) trail_.fail(4, "an upload still counts as failed");
-  if (store.isAnyPermissionPending) trail_.fail(4, "permissions are still pending");
+  // What the device says goes out with what the user says.
+  if (store.isAnyPermissionPending && store.given != noAction) trail_.fail(4, "permissions are still pending");
+  if (store.subject != subjectOnServer_) onServer_.clear();
   for (const int purpose : purposes) {
-    if (!published.lists(purpose)) continue;
+    // What tracking says, too, goes out with what the user says.
+    if (!published.lists(purpose) || (purpose == trackedPurpose && store.given == noAction)) continue;
     if (std::ranges::find(store.pending, purpose) != store.pending.end()) {
       trail_.fail(4, "purpose " + std::to_string(purpose) + " is still pending");
     }

@@ -50,8 +50,9 @@ class Model {
   Model(const std::vector<Document>& documents, Trail& trail) : documents_(documents), trail_(trail) {}
 
   // What happens to the processes and around them.
-  void began(int owner) { lives_[owner] = {}; }
-  void ended(int owner) { lives_.erase(owner); }
+  void began(int owner);
+  // What it was about to do may still be judged.
+  void ended(int owner) { lives_.at(owner).isEnded = true; }
   void closed(int owner) { lives_.at(owner).isClosed = true; }
   void setUp(int owner, const SessionView& session);
   void delivered(int owner, const std::string& url, int version);
@@ -78,6 +79,7 @@ class Model {
     std::set<std::optional<std::string>> places;  // for which it may be
     bool isSetUp = false;
     bool isClosed = false;
+    bool isEnded = false;
     bool isCertain = false;  // one of the versions is in force
   };
 

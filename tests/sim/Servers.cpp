@@ -223,6 +223,7 @@ void Servers::complete(const Pointer& exchange, std::expected<HttpResponse, Tran
   std::erase(underWay_, exchange);
   exchange->limit.reset();
   exchange->delay.reset();
+  if (!outcome || exchange->fault) events_.disturbed();
   if (events_.noted) {
     events_.noted("  p" + std::to_string(exchange->owner) + " " + exchange->request.method + " " +
                   exchange->request.url.substr(std::string_view(address).size()) + ": " +

@@ -52,6 +52,7 @@ class Servers {
     std::function<void(const Upload& upload)> uploadTaken;
     // `url` is that of the request; a version that is answered out of the cache of the process is not told.
     std::function<void(int owner, const std::string& url, int version)> configurationDelivered;
+    std::function<void()> disturbed;  // a request failed
     std::function<void(const std::string& line)> noted;
   };
 

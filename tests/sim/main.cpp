@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "tests/sim/Shrinker.h"
 #include "tests/sim/World.h"
 
 namespace quillon::sim {
@@ -15,6 +16,7 @@ struct Options {
   std::size_t steps = 60;
   std::size_t failures = 1;
   bool trail = false;
+  bool shrink = false;
 };
 
 int run(const Options& options) {
@@ -26,6 +28,7 @@ int run(const Options& options) {
     const Outcome outcome = live(plan, options.trail ? Keep::trail : Keep::nothing);
     if (options.trail) std::fputs(outcome.trail.c_str(), stdout);
     if (!outcome.failure) continue;
+    if (options.shrink) std::fputs(live(shrunk(plan), Keep::trail).trail.c_str(), stdout);
     ++failed;
     std::printf("seed %llu, step %zu: %s\n", static_cast<unsigned long long>(seed), outcome.steps,
                 outcome.failure->c_str());
@@ -51,6 +54,7 @@ int main(int argc, char** argv) {
   app.add_option("--steps", options.steps, "Steps of each")->capture_default_str();
   app.add_option("--failures", options.failures, "Goes on until so many have failed")->capture_default_str();
   app.add_flag("--trail", options.trail, "Prints what happened");
+  app.add_flag("--shrink", options.shrink, "Makes what fails as short as it can and prints what happened");
   CLI11_PARSE(app, argc, argv);
   return run(options);
 }
