@@ -113,7 +113,7 @@ void ConfigurationCache::reset() {
   const auto folder = platform_.files->applicationSupportDirectory();
   if (!folder) return;
   const std::scoped_lock lock(mutex_);
-  removeCDNFile(*platform_.files, *folder / fileName);
+  if (platform_.files->stamp(*folder / fileName)) removeCDNFile(*platform_.files, *folder / fileName);
   // A backup left by a save that was cut short would come back as the configuration.
   if (platform_.files->stamp(*folder / backupName)) removeCDNFile(*platform_.files, *folder / backupName);
 }

@@ -35,6 +35,8 @@ class CheckCycle {
 
   // Starts the repeating check anew, one period from now.
   void startRecurringCheck();
+  // Starts it when the consents were given meanwhile, by another process, and it does not run yet.
+  void followOtherProcesses();
   // Runs one check, or joins the one that is in flight.
   Task<void> check();
 

@@ -43,8 +43,9 @@ Task<void> CheckCycle::follow(SessionPointer session) {
     co_return;
   }
   judgeBanner();
-  // What an earlier run left behind need not wait for the first period to pass.
-  if (isAnswered && wasPending) co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
+  // What an earlier run left behind need not wait for the first period to pass, nor for the next answer where the
+  // document asks again.
+  if (wasPending) co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
 void CheckCycle::close() {
@@ -65,6 +66,14 @@ void CheckCycle::startRecurringCheck() {
   auto timer = s_.platform.clock->every(periodOf(s_.sessions.current()), s_.work.whileAlive([this] { startCheck(); }));
   const std::scoped_lock lock(mutex_);
   if (!s_.work.isClosed()) recurring_.swap(timer);
+}
+
+void CheckCycle::followOtherProcesses() {
+  {
+    const std::scoped_lock lock(mutex_);
+    if (recurring_) return;
+  }
+  if (StoredValues(*s_.store.snapshot()).consentGivenType() != GivenType::noAction) startRecurringCheck();
 }
 
 void CheckCycle::startCheck() {

@@ -16,7 +16,11 @@ ConsentSDK::Core::Core(Platform services)
       events([this](Job job) { work.onMain(std::move(job)); },
              [this](std::int64_t purposeId) { return isAllowed(purposeId); }),
       foundation{platform, store, logger, work, sessions, events},
-      others({foundation, [this] { loader.refreshConsentMode(); }}),
+      others({foundation,
+              [this] {
+                loader.refreshConsentMode();
+                cycle.followOtherProcesses();
+              }}),
       server(platform, store, logger, work.stopToken()),
       location(platform, store, work, server, [this] { loader.reapply(); }),
       signal(platform),

@@ -24,11 +24,16 @@ struct Events {
         bannerDue(onMain),
         gates(onMain, std::move(isAllowed)) {}
 
+  // Whether the listeners hear of it.
+  static bool isChange(const Decision& decision) {
+    return decision.from != decision.to || decision.cause == DecisionCause::removed;
+  }
+
   // Queues one notification per changed status; run the returned job to deliver them.
   Job announce(std::vector<Decision> decisions) {
     std::vector<Job> deliveries;
     for (Decision& decision : decisions) {
-      if (decision.from != decision.to) deliveries.push_back(consents.queue(std::move(decision)));
+      if (isChange(decision)) deliveries.push_back(consents.queue(std::move(decision)));
     }
     return [this, deliveries = std::move(deliveries)]() mutable {
       for (Job& deliver : deliveries) deliver();

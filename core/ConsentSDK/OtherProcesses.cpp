@@ -8,10 +8,16 @@
 namespace quillon {
 namespace {
 
-std::optional<ConsentStatus> statusOf(const std::map<DecisionSubject, ConsentStatus>& consents,
-                                      const DecisionSubject& subject) {
+using Consents = std::map<DecisionSubject, std::optional<ConsentStatus>>;
+
+std::optional<ConsentStatus> statusOf(const Consents& consents, const DecisionSubject& subject) {
   const auto found = consents.find(subject);
-  return found == consents.end() ? std::nullopt : std::optional(found->second);
+  return found == consents.end() ? std::nullopt : found->second;
+}
+
+Consents storedIn(const SuiteEntries& entries) {
+  const auto stored = StoredValues(entries).consents();
+  return {stored.begin(), stored.end()};
 }
 
 }  // namespace
@@ -21,15 +27,28 @@ void OtherProcesses::begin() {
     const std::scoped_lock lock(mutex_);
     if (std::exchange(isObserving_, true)) return;
   }
-  Consents present = StoredValues(*s_.store.snapshot()).consents();
   {
+    // What is stored already is nothing new, but where this process has told of something else.
+    Consents present = storedIn(*s_.store.snapshot());
     const std::scoped_lock lock(mutex_);
-    present.merge(told_);
-    told_ = std::move(present);
+    told_.merge(present);
   }
   auto subscription = s_.store.observe(s_.work.whileAlive([this] { s_.work.run([this] { compare(); }); }));
-  const std::scoped_lock lock(mutex_);
-  if (!s_.work.isClosed()) subscription_.swap(subscription);
+  {
+    const std::scoped_lock lock(mutex_);
+    if (!s_.work.isClosed()) subscription_.swap(subscription);
+  }
+  compareIfDifferent();  // another process has been at it before anybody looked
+}
+
+void OtherProcesses::compareIfDifferent() {
+  const Consents present = storedIn(*s_.store.snapshot());
+  {
+    const std::scoped_lock lock(mutex_);
+    std::erase_if(told_, [](const auto& consent) { return !consent.second; });
+    if (present == told_) return;
+  }
+  compare();
 }
 
 void OtherProcesses::close() {
@@ -41,9 +60,11 @@ void OtherProcesses::close() {
 void OtherProcesses::note(const std::vector<Decision>& decisions) {
   const std::scoped_lock lock(mutex_);
   for (const Decision& decision : decisions) {
+    // The listeners hear of changes only: of this one as soon as what another process has stored is compared.
+    if (!Events::isChange(decision)) continue;
     const DecisionSubject subject{decision.purposeId, decision.permission};
     if (decision.cause == DecisionCause::removed) {
-      told_.erase(subject);
+      told_[subject] = std::nullopt;
     } else {
       told_.insert_or_assign(subject, decision.to);
     }
@@ -52,7 +73,7 @@ void OtherProcesses::note(const std::vector<Decision>& decisions) {
 
 void OtherProcesses::compare() {
   constexpr std::size_t pageSize = 500;
-  Consents present = StoredValues(*s_.store.snapshot()).consents();
+  Consents present = storedIn(*s_.store.snapshot());
   const HistoryPage history = s_.store.history(std::numeric_limits<std::int64_t>::max(), pageSize);
   std::vector<Decision> decisions;
   {

@@ -27,9 +27,8 @@ class OtherProcesses {
   void note(const std::vector<Decision>& decisions);
 
  private:
-  using Consents = std::map<DecisionSubject, ConsentStatus>;
-
   void compare();
+  void compareIfDifferent();
   // How a consent came about that is new to this process.
   Decision decisionOn(const DecisionSubject& subject, std::optional<ConsentStatus> from,
                       std::optional<ConsentStatus> to, const HistoryPage& history) const;
@@ -37,7 +36,8 @@ class OtherProcesses {
   const Services s_;
   std::mutex mutex_;  // guards the members below; never held while anything else is called
   bool isObserving_ = false;
-  Consents told_;
+  // Nothing where the listeners were told that a consent was removed.
+  std::map<DecisionSubject, std::optional<ConsentStatus>> told_;
   std::unique_ptr<SuiteSubscription> subscription_;
 };
 

@@ -101,8 +101,10 @@ Task<std::string> Questions::consentScript() {
   if (const auto* mapping = co_await mappingFor(configuration)) {
     const auto entries = s_.store.snapshot();
     const StoredValues stored(*entries);
-    const SuiteEntries undecided{
-        {std::string(key::currentComplianceType), std::string(rawValue(stored.complianceType()))}};
+    SuiteEntries undecided;
+    if (const auto type = stored.string(key::currentComplianceType)) {
+      undecided.emplace(key::currentComplianceType, *type);
+    }
     signals.emplace(consentMap(*mapping, StoredValues(undecided)), consentMap(*mapping, stored));
   }
   co_return withPageScripts(quillon::consentScript(consents, signals));

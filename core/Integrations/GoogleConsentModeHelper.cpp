@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/Logger/UnitLog.h"
+#include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Text/Ascii.h"
 
 namespace quillon {
@@ -38,9 +39,12 @@ const DefaultMapping* consentModeMapping(const GcmConfig& configuration, const s
 }
 
 ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored) {
+  // A configuration without a banner has no compliance type, so nobody has granted what is undecided.
+  const bool isTypeKnown = stored.string(key::currentComplianceType).has_value();
+  const ConsentStatus undecided = isTypeKnown ? stored.complianceDefault() : ConsentStatus::notDetermined;
   const auto isGranted = [&](const std::optional<std::vector<std::int64_t>>& purposes) {
     return purposes && !purposes->empty() && std::ranges::all_of(*purposes, [&](std::int64_t id) {
-             return stored.consentOrDefault(PurposeKey(id)) == ConsentStatus::granted;
+             return stored.consent(PurposeKey(id)).value_or(undecided) == ConsentStatus::granted;
            });
   };
   return {{GoogleConsentType::analyticsStorage, isGranted(mapping.analyticsStorage)},

@@ -1,0 +1,27 @@
+// The numbers that a seed decides.
+#pragma once
+
+#include <cstdint>
+
+namespace quillon::sim {
+
+// SplitMix64: the same on every machine and in every library, which the distributions of the standard are not.
+class Choices {
+ public:
+  explicit Choices(std::uint64_t seed) : state_(seed) {}
+
+  std::uint64_t next() {
+    std::uint64_t mixed = state_ += 0x9e3779b97f4a7c15;
+    mixed = (mixed ^ mixed >> 30) * 0xbf58476d1ce4e5b9;
+    mixed = (mixed ^ mixed >> 27) * 0x94d049bb133111eb;
+    return mixed ^ mixed >> 31;
+  }
+  // From 0 to one less than the limit, which is above 0.
+  std::size_t below(std::size_t limit) { return static_cast<std::size_t>(next() % limit); }
+  bool oneIn(std::size_t count) { return below(count) == 0; }
+
+ private:
+  std::uint64_t state_;
+};
+
+}  // namespace quillon::sim

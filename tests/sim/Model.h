@@ -1,0 +1,112 @@
+// What must hold, whatever happens: written from what the documentation promises. It shares no code with the SDK.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/sim/Documents.h"
+#include "tests/sim/Servers.h"
+#include "tests/sim/StoreView.h"
+#include "tests/sim/Trail.h"
+
+namespace quillon::sim {
+
+// What a process was set up with, as far as it decides which document is in force.
+struct SessionView {
+  std::string application = "a";
+  std::string channel = "live";
+  std::optional<std::string> place;
+  std::optional<int> bundled;  // version
+  bool operator==(const SessionView&) const = default;
+};
+
+// What one process answers at one moment.
+struct Answers {
+  bool isReady = false;
+  std::map<int, std::string> get;
+  std::map<int, bool> isAllowed;
+  std::map<int, bool> isDecided;
+  bool isBannerDue = false;  // as it is explained
+};
+
+// What an act may change in the store before it returns.
+enum class Effect { nothing, decision, answer, save, defaults, removal, bannerTest, bannerGone };
+
+struct ActReport {
+  int owner = 0;
+  Effect effect = Effect::nothing;
+  std::map<int, std::string> chosen = {};  // by the user, where it is about single purposes
+  bool accepts = false;               // for an answer
+  std::optional<bool> result = {};         // what the call answered, where it does
+  bool wasDisturbed = false;          // an update failed, or the process ended, within the call
+};
+
+class Model {
+ public:
+  Model(const std::vector<Document>& documents, Trail& trail) : documents_(documents), trail_(trail) {}
+
+  // What happens to the processes and around them.
+  void began(int owner);
+  // What it was about to do may still be judged.
+  void ended(int owner) { lives_.at(owner).isEnded = true; }
+  void closed(int owner) { lives_.at(owner).isClosed = true; }
+  void setUp(int owner, const SessionView& session);
+  void delivered(int owner, const std::string& url, int version);
+  void diskHolds(std::optional<int> version);
+  void trackingIs(bool isAuthorized) { isTrackingAuthorized_ = isAuthorized; }
+  // Everything that was under way in the process is over, a load for the present session among it, and nothing failed.
+  void settled(int owner);
+
+  // Two moments of the store: around an act, and around the jobs that ran after it.
+  void judgeAct(const ActReport& act, const StoreView& before, const StoreView& after);
+  void judgeJobs(const StoreView& before, const StoreView& after);
+  void judgeAnswers(int owner, const Answers& answers, const StoreView& store, std::int64_t now);
+  void judgeSink(const std::map<std::string, std::string>& signals, const StoreView& store);
+
+  void uploadSent(int owner, const Upload& upload, const StoreView& store);
+  void uploadTaken(const Upload& upload);
+  // Everything has healed, and had its time.
+  void judgeEnd(const Document& published, const StoreView& store);
+
+ private:
+  struct Life {
+    SessionView session;
+    std::set<int> versions;  // of the documents of which one may be in force; none before the first load
+    std::set<std::optional<std::string>> places;  // for which it may be
+    bool isSetUp = false;
+    bool isClosed = false;
+    bool isEnded = false;
+    bool isCertain = false;  // one of the versions is in force
+  };
+
+  const Document& document(int version) const { return documents_[static_cast<std::size_t>(version - 1)]; }
+  static std::set<Law> lawsOf(const Document& document, const Life& life);
+  std::set<int> everywhere() const;
+  std::set<std::string> lawsInForce() const;
+  bool allowsUndecided(const Life& life, int version, int purpose) const;
+  // Whether a default of that status may be recorded by some process.
+  bool isDefault(int purpose, const std::string& status, const StoreView& before, const StoreView& after) const;
+  bool isFollowingTracking(int purpose, const std::string& status) const;
+  bool isGivenByJobs(const StoreView& before, const StoreView& after) const;
+  bool isAnswerBy(const Document& at, const ActReport& act, const StoreView& before, const StoreView& after) const;
+  bool isEffect(const ActReport& act, const StoreView& before, const StoreView& after) const;
+  void keepTold(const ActReport& act, const StoreView& before, const StoreView& after);
+  bool isBannerDue(const StoreView& store, std::int64_t now, bool& isNear) const;
+
+  const std::vector<Document>& documents_;
+  Trail& trail_;
+  std::map<int, Life> lives_;
+  std::optional<int> disk_;
+  std::set<std::string> applications_;  // that were ever set up
+  bool isTrackingAuthorized_ = false;
+  std::map<int, std::string> told_;  // what the user decided last and was told is stored
+  int lastTaken_ = 0;
+  std::map<int, std::string> onServer_;
+  std::string subjectOnServer_;
+};
+
+}  // namespace quillon::sim

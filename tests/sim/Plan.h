@@ -1,0 +1,66 @@
+// What happens in a world, in which order: all that a seed decides beforehand.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quillon::sim {
+
+enum class Act {
+  setUp,
+  close,
+  restart,
+  kill,
+  decide,
+  decideOnPermission,
+  answer,
+  removeConsents,
+  askBannerDue,
+  presentBanner,
+  tapBanner,
+  presentPreferences,
+  tapPreferences,
+  check,
+  upload,
+  ask,
+  gate,
+  hold,
+  pass,
+  jumpClock,
+  network,
+  tracking,
+  permission,
+  language,
+  publish,
+  failRequest,
+  failStore,
+  failFile,
+};
+inline constexpr std::size_t actCount = static_cast<std::size_t>(Act::failFile) + 1;
+[[nodiscard]] const char* nameOf(Act act);
+
+// One act. The numbers say which, as far as the act has variants; each takes what it needs of them, so that a step means
+// the same whatever steps were left out before it.
+struct Step {
+  Act act = Act::pass;
+  unsigned process = 0;
+  unsigned what = 0;
+  unsigned how = 0;
+  // Which jobs run after it, and in which order; 0 for all of them, first come first served.
+  std::uint64_t order = 0;
+};
+
+struct Plan {
+  std::uint64_t seed = 0;
+  unsigned processes = 1;
+  std::int64_t checkInterval = 1800;  // seconds
+  bool hasLanguageFiles = false;      // a document for each language, rather than one for all
+  bool hasSummerTime = false;         // else the device is in UTC
+  bool isVerbose = false;             // the SDK logs all that it has to say
+  std::vector<Step> steps;
+};
+
+[[nodiscard]] Plan makePlan(std::uint64_t seed, std::size_t steps);
+
+}  // namespace quillon::sim

@@ -1,0 +1,394 @@
+#include "tests/sim/Process.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/Platform.h"
+#include "platform/memory/FixedHostApplication.h"
+#include "platform/memory/FixedLocale.h"
+#include "platform/memory/SeededRandom.h"
+#include "platform/parts/FatalError.h"
+#include "platform/parts/FunctionConsentSink.h"
+
+namespace quillon::sim {
+namespace {
+
+class Tracking : public AppTracking {
+ public:
+  explicit Tracking(std::shared_ptr<const bool> isAuthorized) : isAuthorized_(std::move(isAuthorized)) {}
+  TrackingAuthorization authorization() const override {
+    return *isAuthorized_ ? TrackingAuthorization::authorized : TrackingAuthorization::denied;
+  }
+  std::optional<std::string> advertisingIdentifier() const override { return "AD"; }
+
+ private:
+  const std::shared_ptr<const bool> isAuthorized_;
+};
+
+std::string words(ConsentStatus status) {
+  return std::string(rawValue(status));
+}
+
+}  // namespace
+
+class Process::HostConsole : public Console {
+ public:
+  HostConsole(Surroundings& around, Process& process) : around_(around), process_(&process) {}
+  void leave() { process_ = nullptr; }
+
+  void write(std::string_view block) override {
+    if (!process_) return;
+    if (around_.trail.isKept()) {
+      around_.trail.note("  p" + std::to_string(process_->owner_) + " log: " + std::string(block));
+    }
+    if (block.find("[ERROR]") != std::string_view::npos) around_.errorLogged(std::string(block));
+  }
+  [[noreturn]] void fatal(std::string_view message, std::string_view file) override { abortWithMessage(message, file); }
+
+ private:
+  Surroundings& around_;
+  Process* process_;
+};
+
+Process::Process(Surroundings& around, int owner, std::function<void()> killed)
+    : around_(around),
+      owner_(owner),
+      killed_(std::move(killed)),
+      storage_(*around.store, around.files, [this] { kill(owner_ % 2 == 0); }),
+      console_(std::make_shared<HostConsole>(around, *this)),
+      screens_(std::make_shared<Screens>(around)),
+      sdk_(std::make_unique<ConsentSDK>(platform())) {
+  around_.model.began(owner_);
+  listen();
+}
+
+Process::~Process() {
+  screens_->clear();
+  keepings_.clear();
+  gates_.clear();
+  listenings_.clear();
+  const bool wasKilled = isDead_;
+  isDead_ = true;
+  if (!wasKilled) around_.model.ended(owner_);
+  sdk_.reset();
+  console_->leave();
+}
+
+Platform Process::platform() {
+  Platform platform;
+  platform.console = console_;
+  platform.clock = around_.clock;
+  platform.executors = around_.scheduler->executorsFor(owner_);
+  platform.files = storage_.files();
+  platform.store = storage_.store();
+  platform.http = around_.servers.sessionFor(owner_);
+  platform.network = around_.network;
+  platform.locale = std::make_shared<FixedLocale>(std::vector<std::string>{around_.language});
+  platform.tracking = std::make_shared<Tracking>(around_.isTrackingAuthorized);
+  platform.permissions = around_.permissions;
+  platform.host = std::make_shared<FixedHostApplication>(
+      FixedHostApplication::Description{.resources = {{"bundled.json", around_.documents.front().json()}}});
+  platform.random = std::make_shared<SeededRandom>(around_.plan.seed + static_cast<unsigned>(owner_));
+  platform.consentSink =
+      std::make_shared<FunctionConsentSink>([this](const std::map<std::string, std::string>& signals) {
+        if (isDead_) return;
+        if (isClosed_) fail(7, "analytics was called after the end");
+        around_.model.judgeSink(signals, around_.view());
+        signals_ = signals;
+      });
+  platform.screens = screens_;
+  platform.vendorUrl = Servers::address;
+  return platform;
+}
+
+void Process::fail(int claim, const std::string& reason) const {
+  around_.trail.fail(claim, "process " + std::to_string(owner_) + ": " + reason);
+}
+
+void Process::listen() {
+  const auto live = [this] {
+    if (isDead_ || isClosed_) fail(7, "a listener was called after the end");
+  };
+  listenings_.push_back(sdk_->listenToConsents([this, live](const Decision& decision) {
+    live();
+    if (!decision.purposeId) return;
+    const int purpose = static_cast<int>(*decision.purposeId);
+    const bool isRemoved = decision.cause == DecisionCause::removed;
+    heard_[purpose] = isRemoved ? "" : words(decision.to);
+  }));
+  listenings_.push_back(sdk_->listenToUploads([live](const UploadEvent&) { live(); }));
+  listenings_.push_back(sdk_->listenToScreens([live](const ScreenEvent&) { live(); }));
+  listenings_.push_back(sdk_->listenToBannerDue([live](const BannerExplanation&) { live(); }));
+  sdk_->isReady([this, live](SDKStatus status) {
+    live();
+    if (heardStatus_ == status) fail(7, "a status was reported twice");
+    heardStatus_ = status;
+  });
+}
+
+std::shared_ptr<Process::Call> Process::expect(std::string what) {
+  return calls_.emplace_back(std::make_shared<Call>(Call{std::move(what), 0}));
+}
+
+void Process::called(Call& call) {
+  if (isDead_ || isClosed_) fail(7, call.what + " was answered after the end");
+  if (++call.times > 1) fail(7, call.what + " was answered twice");
+}
+
+template <class T>
+void Process::expectFuture(std::future<T> future) {
+  unready_.push_back([future = std::make_shared<std::future<T>>(std::move(future))] {
+    return future->wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+  });
+}
+
+void Process::setUp(unsigned what, unsigned how) {
+  SessionView session;
+  ConsentSDKOptions options{.appUrl = Servers::address, .cdnUrl = Servers::address, .tenantId = "tenant", .appId = "a"};
+  if (how % 16 == 1) options.appId = session.application = "b";
+  if (how / 16 % 8 == 1) {
+    options.testingMode = true;
+    session.channel = "draft";
+  }
+  if (how / 128 % 3 == 1) options.locationCode = session.place = lawfulPlace;
+  if (how / 128 % 3 == 2) options.locationCode = session.place = "DE";
+  if (what % 3 == 1) options.languageCode = "en";
+  if (what % 3 == 2) options.languageCode = "de";
+  if (what / 3 % 4 == 1) {
+    options.bundledConfiguration = "bundled";
+    session.bundled = around_.documents.front().version;
+  }
+  if (what / 12 % 4 == 1) options.readyWithin = std::chrono::seconds(2);
+  options.logLevel = around_.plan.isVerbose ? LogLevel::debug : LogLevel::error;
+  options.consentsCheckInterval = around_.plan.checkInterval;
+  around_.model.setUp(owner_, session);
+  isSetUp_ = true;
+  hasLoaded_ = true;
+  sdk_->setup(options);
+}
+
+void Process::close() {
+  // Waits, in real time, for what is under way; so it is tried where nothing is.
+  if (isClosed_ || !isQuiet()) return;
+  screens_->clear();
+  sdk_->close();
+  isClosed_ = true;
+  around_.model.closed(owner_);
+}
+
+void Process::kill(bool arrives) {
+  if (std::exchange(isDead_, true)) return;
+  storage_.end();
+  around_.scheduler->end(owner_);
+  around_.servers.end(owner_, arrives);
+  around_.model.ended(owner_);
+  console_->leave();
+  killed_();
+}
+
+void Process::decide(unsigned what, unsigned how, ActReport& report) {
+  constexpr std::array statuses{ConsentStatus::granted, ConsentStatus::declined, ConsentStatus::granted,
+                                ConsentStatus::declined, ConsentStatus::withDrawn, ConsentStatus::notDetermined};
+  const int purpose = purposes[what % purposes.size()];
+  const ConsentStatus status = statuses[how % (how % 4 == 0 ? statuses.size() : 2)];
+  report.effect = Effect::decision;
+  report.chosen[purpose] = words(status);
+  report.result = sdk_->set(Purpose{.purposeId = purpose}, status);
+}
+
+void Process::decideOnPermission(unsigned what) {
+  const auto status = what % 2 == 0 ? ConsentStatus::granted : ConsentStatus::declined;
+  sdk_->set(AppPermission{.permissionId = VantariKey::cameraUsageDescription}, status);
+}
+
+void Process::answer(unsigned what, ActReport& report) {
+  report.effect = Effect::answer;
+  report.accepts = what % 2 == 0;
+  switch (what / 2 % 3) {
+    case 0: {
+      const auto call = isClosed_ ? std::make_shared<Call>() : expect("acceptOrReject");
+      sdk_->acceptOrReject(report.accepts, [this, call](bool) { called(*call); });
+      break;
+    }
+    case 1:
+      expectFuture(sdk_->acceptOrReject(report.accepts));
+      break;
+    default:
+      report.result = sdk_->screens()->answer(report.accepts);
+      break;
+  }
+}
+
+void Process::askBannerDue(ActReport& report) {
+  report.effect = Effect::bannerTest;
+  report.result = sdk_->isBannerDue();
+}
+
+void Process::ask(unsigned what) {
+  if (isClosed_) return;
+  const std::size_t since = around_.views.empty() ? 0 : around_.views.size() - 1;
+  switch (what % 8) {
+    case 0:
+    case 1: {
+      const auto call = expect("getHistory");
+      sdk_->getHistory(100, std::nullopt, [this, call, since](const HistoryPage& page) {
+        called(*call);
+        judgeHistory(since, page);
+      });
+      break;
+    }
+    case 2:
+    case 3: {
+      const auto call = expect("getPurposeConsents");
+      sdk_->getPurposeConsents([this, call, since](const std::vector<Purpose>& list) {
+        called(*call);
+        judgeStatuses("getPurposeConsents", since, list);
+      });
+      break;
+    }
+    case 4: {
+      const auto call = expect("consentScript");
+      sdk_->consentScript([this, call, since](const std::string& script) {
+        called(*call);
+        judgeScript(since, script);
+      });
+      break;
+    }
+    case 5:
+      expectFuture(sdk_->getGCMConsents());
+      expectFuture(sdk_->getBannerConfig());
+      break;
+    case 6:
+      expectFuture(sdk_->getPermissionConsents());
+      expectFuture(sdk_->explain(purposes[what / 8 % purposes.size()]));
+      break;
+    default: {
+      const auto call = expect("checkConsentBy");
+      sdk_->checkConsentBy(VantariKey::cameraUsageDescription, [this, call](ConsentStatus) { called(*call); });
+      break;
+    }
+  }
+}
+
+void Process::judgeStatuses(const char* what, std::size_t since, const std::vector<Purpose>& list) const {
+  for (const Purpose& purpose : list) {
+    const int id = static_cast<int>(purpose.purposeId.value_or(0));
+    const std::string status = words(purpose.consentStatus.value_or(ConsentStatus::notDetermined));
+    if (id == trackedPurpose || around_.wasStored(since, id, status)) continue;
+    fail(1, std::string(what) + " says " + status + " of purpose " + std::to_string(id));
+  }
+}
+
+void Process::judgeHistory(std::size_t since, const HistoryPage& page) const {
+  std::map<int, std::string> newest;
+  for (const HistoryEntry& entry : page.entries) {
+    if (entry.decision.purposeId) newest.emplace(*entry.decision.purposeId, words(entry.decision.to));
+  }
+  for (const auto& [purpose, status] : newest) {
+    if (!around_.wasStored(since, purpose, status)) {
+      fail(1, "the history's newest entry on purpose " + std::to_string(purpose) + " says " + status);
+    }
+  }
+}
+
+void Process::judgeScript(std::size_t since, const std::string& script) const {
+  for (const int purpose : purposes) {
+    if (purpose == trackedPurpose) continue;
+    const std::string id = "\"id\":" + std::to_string(purpose) + ",";
+    const auto found = script.find(id);
+    if (found == std::string::npos) continue;
+    const auto end = script.find('}', found);
+    const bool isGranted = script.substr(found, end - found).find("\"granted\"") != std::string::npos;
+    if (isGranted && !around_.wasStored(since, purpose, "granted")) {
+      fail(2, "the script grants purpose " + std::to_string(purpose));
+    }
+  }
+}
+
+void Process::checkConsents(unsigned what) {
+  if (what % 2 == 0) return expectFuture(sdk_->checkConsents());
+  if (isClosed_) return;
+  const auto call = expect("checkConsents");
+  sdk_->checkConsents([this, call] { called(*call); });
+}
+
+void Process::uploadPending(unsigned what) {
+  if (what % 2 == 0) return expectFuture(sdk_->uploadPendingConsents());
+  if (isClosed_) return;
+  const auto call = expect("uploadPendingConsents");
+  sdk_->uploadPendingConsents([this, call](bool) { called(*call); });
+}
+
+void Process::watchGate(unsigned what) {
+  if (isClosed_ || (what % 3 == 0 && !gates_.empty())) return gates_.clear();
+  Gate& gate = gates_.emplace_back(Gate{purposes[what / 3 % purposes.size()], false, {}});
+  const auto turn = [this, &gate](bool isOpen) {
+    return [this, &gate, isOpen] {
+      if (isDead_ || isClosed_) fail(9, "a gate was called after the end");
+      if (gate.isOpen == isOpen) fail(9, "a gate was " + std::string(isOpen ? "started" : "stopped") + " twice");
+      gate.isOpen = isOpen;
+    };
+  };
+  gate.listening = sdk_->whileAllowed(gate.purpose, turn(true), turn(false));
+}
+
+void Process::hold(unsigned what) {
+  if (isClosed_) return keepings_.clear();
+  if (keepings_.empty()) {
+    Keeping& keeping = keepings_.emplace_back();
+    HeldLimits limits;
+    limits.now = [clock = around_.clock] {
+      return std::chrono::steady_clock::time_point(clock->now().time_since_epoch());
+    };
+    keeping.held = std::make_unique<Held<int>>(
+        *sdk_, purposes[what % purposes.size()], [&keeping](int event) { keeping.delivered.push_back(event); }, limits);
+  }
+  Keeping& keeping = keepings_.front();
+  keeping.held->add(keeping.added++);
+  const bool isInOrder = std::ranges::is_sorted(keeping.delivered, std::less_equal());
+  const std::size_t all = keeping.delivered.size() + keeping.held->dropped() + keeping.held->waiting();
+  if (!isInOrder || all != static_cast<std::size_t>(keeping.added)) fail(9, "what was held was lost or repeated");
+}
+
+Answers Process::answers() const {
+  Answers answers;
+  answers.isReady = sdk_->getStatus() == SDKStatus::ready;
+  for (const int purpose : purposes) {
+    answers.get[purpose] = words(sdk_->get(purpose));
+    answers.isAllowed[purpose] = sdk_->isAllowed(purpose);
+    answers.isDecided[purpose] = sdk_->isDecided(purpose);
+  }
+  answers.isBannerDue = sdk_->explainBanner().isDue;
+  return answers;
+}
+
+bool Process::isQuiet() const {
+  return !around_.scheduler->hasJobsOf(owner_) && !around_.servers.hasRequestsOf(owner_) &&
+         sdk_->settled().wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+void Process::judgeQuiet() {
+  std::erase_if(unready_, [](const auto& isUnready) { return !isUnready(); });
+  if (!unready_.empty()) fail(7, "a future is not ready");
+  if (isClosed_) return;
+  for (const auto& call : calls_) {
+    if (call->times != 1) fail(7, call->what + " was not answered");
+  }
+  calls_.clear();
+  if (heardStatus_ != sdk_->getStatus()) fail(7, "the status was not reported");
+  if (!isSetUp_) return;
+  for (const Gate& gate : gates_) {
+    if (gate.isOpen != sdk_->isAllowed(gate.purpose)) {
+      fail(9, "the gate of purpose " + std::to_string(gate.purpose) + " is " + (gate.isOpen ? "open" : "closed"));
+    }
+  }
+  for (const auto& [purpose, status] : heard_) {
+    const std::string present = sdk_->isDecided(purpose) ? words(sdk_->get(purpose)) : "";
+    if (status != present) {
+      fail(7, "the listener heard '" + status + "' last of purpose " + std::to_string(purpose) + ", which is '" +
+                  present + "'");
+    }
+  }
+}
+
+}  // namespace quillon::sim

@@ -1,0 +1,238 @@
+#include "tests/sim/Servers.h"
+
+#include <algorithm>
+#include <boost/json/parse.hpp>
+#include <utility>
+
+namespace quillon::sim {
+namespace {
+
+constexpr std::chrono::seconds slowness{9};
+
+Upload uploadOf(const std::string& body, int number) {
+  Upload upload{.number = number};
+  boost::system::error_code error;
+  const auto parsed = boost::json::parse(body, error);
+  const auto* root = parsed.if_object();
+  if (!root) return upload;
+  upload.isImplicit = root->at("implicit_consent").as_bool();
+  upload.subject = root->at("uuid").as_string();
+  for (const auto& consent : root->at("purpose_consents").as_array()) {
+    upload.purposes.emplace(static_cast<int>(consent.at("purpose_id").as_int64()),
+                            std::string(consent.at("consent_status").as_string()));
+  }
+  return upload;
+}
+
+Server serverOf(const HttpRequest& request) {
+  if (request.method == "POST") return Server::uploads;
+  return request.url.ends_with("/location") ? Server::location : Server::configuration;
+}
+
+}  // namespace
+
+struct Servers::Exchange {
+  int owner;
+  Server server;
+  HttpRequest request;
+  HttpSession::Completion completion;
+  std::optional<RequestFault> fault;
+  Upload upload;
+  std::optional<int> version;  // of the document that is on its way
+  bool hasArrived = false;
+  bool isOver = false;
+  std::unique_ptr<Timer> limit;
+  std::unique_ptr<Timer> delay;
+  std::optional<std::stop_callback<std::function<void()>>> stop;
+};
+
+class Servers::Session : public HttpSession {
+ public:
+  Session(Servers& servers, int owner) : servers_(servers), owner_(owner) {}
+  void send(HttpRequest request, std::stop_token stop, Completion completion) override {
+    servers_.send(owner_, std::move(request), std::move(stop), std::move(completion));
+  }
+
+ private:
+  Servers& servers_;
+  const int owner_;
+};
+
+Servers::Servers(std::shared_ptr<Scheduler> scheduler, std::shared_ptr<VirtualClock> clock, Events events)
+    : scheduler_(std::move(scheduler)), clock_(std::move(clock)), events_(std::move(events)) {}
+
+Servers::~Servers() = default;
+
+void Servers::publish(const std::string& name, const Document* document) {
+  published_[name] = document;
+}
+
+void Servers::fail(Server server, RequestFault fault) {
+  faults_[static_cast<std::size_t>(server)].push_back(fault);
+}
+
+void Servers::heal() {
+  for (auto& faults : faults_) faults.clear();
+}
+
+std::shared_ptr<HttpSession> Servers::sessionFor(int owner) {
+  return std::make_shared<Session>(*this, owner);
+}
+
+void Servers::end(int owner, bool arrives) {
+  for (const Pointer& exchange : std::exchange(underWay_, {})) {
+    if (exchange->owner != owner) {
+      underWay_.push_back(exchange);
+      continue;
+    }
+    if (arrives && !exchange->hasArrived && exchange->fault != RequestFault::lost) answerTo(*exchange);
+    exchange->isOver = true;
+    exchange->stop.reset();
+    exchange->completion = {};
+    exchange->limit.reset();
+    exchange->delay.reset();
+  }
+}
+
+bool Servers::hasRequestsOf(int owner) const {
+  return std::ranges::any_of(underWay_, [&](const Pointer& exchange) { return exchange->owner == owner; });
+}
+
+void Servers::send(int owner, HttpRequest request, std::stop_token stop, HttpSession::Completion completion) {
+  const auto exchange = std::make_shared<Exchange>();
+  exchange->owner = owner;
+  exchange->server = serverOf(request);
+  exchange->request = std::move(request);
+  exchange->completion = std::move(completion);
+  underWay_.push_back(exchange);
+  events_.asked(owner, exchange->server);
+  if (exchange->server == Server::uploads) {
+    exchange->upload = uploadOf(exchange->request.body.value_or(""), ++lastUpload_);
+    events_.uploadSent(owner, exchange->upload);
+  }
+  auto& faults = faults_[static_cast<std::size_t>(exchange->server)];
+  if (!faults.empty()) {
+    exchange->fault = faults.front();
+    faults.pop_front();
+  }
+  exchange->stop.emplace(std::move(stop), [this, weak = std::weak_ptr(exchange)] {
+    if (const auto stopped = weak.lock()) {
+      complete(stopped, std::unexpected(TransportError{TransportError::Kind::cancelled, "The request was cancelled"}));
+    }
+  });
+  if (exchange->isOver) return;
+  exchange->limit = clock_->after(exchange->request.timeout, [this, weak = std::weak_ptr(exchange)] {
+    if (const auto late = weak.lock()) {
+      complete(late, std::unexpected(TransportError{TransportError::Kind::timedOut, "The server did not answer"}));
+    }
+  });
+  if (!isReachable_ || exchange->fault == RequestFault::lost) {
+    travel(exchange, [this, exchange] {
+      complete(exchange, std::unexpected(TransportError{TransportError::Kind::unreachable, "There is no network"}));
+    });
+  } else if (exchange->fault != RequestFault::timesOut) {
+    travel(exchange, [this, exchange] { arrive(exchange); });
+  }
+}
+
+void Servers::travel(const Pointer& exchange, Job job) {
+  if (exchange->fault != RequestFault::slow) {
+    scheduler_->post(Scheduler::network, Scheduler::unordered, std::move(job));
+    return;
+  }
+  exchange->delay = clock_->after(slowness, [this, job = std::move(job)]() mutable {
+    scheduler_->post(Scheduler::network, Scheduler::unordered, std::move(job));
+  });
+}
+
+void Servers::arrive(const Pointer& exchange) {
+  if (exchange->isOver) return;
+  exchange->hasArrived = true;
+  HttpResponse response = answerTo(*exchange);
+  if (exchange->fault == RequestFault::answerLost) return;
+  travel(exchange,
+         [this, exchange, response = std::move(response)]() mutable { complete(exchange, std::move(response)); });
+}
+
+HttpResponse Servers::answerTo(Exchange& exchange) {
+  HttpResponse response{.url = exchange.request.url, .status = 200, .headers = {}, .body = {}};
+  // The tags of one server reach every other, as all requests share the store's only slot for them.
+  if (++answered_ % 5 == 0) response.headers["Etag"] = "\"other\"";
+  switch (exchange.fault.value_or(RequestFault::lost)) {
+    case RequestFault::serverError:
+      response.status = 500;
+      return response;
+    case RequestFault::notFound:
+      response.status = 404;
+      return response;
+    case RequestFault::notModified:
+      response.status = 304;
+      return response;
+    case RequestFault::garbage:
+      response.body = R"({"version":)";
+      return response;
+    default:
+      break;
+  }
+  switch (exchange.server) {
+    case Server::configuration:
+      response.body = documentFor(exchange, response);
+      break;
+    case Server::location: {
+      const std::string place = exchange.fault == RequestFault::failed ? "" : place_.value_or("");
+      const auto hash = place.find('#');
+      const std::string country = place.substr(0, hash);
+      const std::string state = hash == std::string::npos ? "" : place.substr(hash + 1);
+      response.body = R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},"CountryISOCode":{"en":")" +
+                      country + R"("},"Language":{},"Location":{},"RegisteredCountry":{},"State":{},"StateISOCode":{"en":")" +
+                      state + R"("}}})";
+      break;
+    }
+    case Server::uploads: {
+      const bool isRefused = exchange.fault == RequestFault::failed || exchange.fault == RequestFault::refused;
+      if (!isRefused) events_.uploadTaken(exchange.upload);
+      const int status = !isRefused ? 0 : exchange.fault == RequestFault::failed ? 1 : 2;
+      response.body = R"({"status":)" + std::to_string(status) + R"(,"message":"answered"})";
+      break;
+    }
+  }
+  return response;
+}
+
+std::string Servers::documentFor(Exchange& exchange, HttpResponse& response) {
+  constexpr std::string_view folder = "consent/mobile_banner/tenant/";
+  const auto found = published_.find(exchange.request.url.substr(std::string_view(address).size() + folder.size()));
+  if (found == published_.end() || !found->second) {
+    response.status = 404;
+    return {};
+  }
+  const Document& document = *found->second;
+  const std::string tag = "\"v" + std::to_string(document.version) + "\"";
+  const auto known = exchange.request.headers.find("If-None-Match");
+  if (known != exchange.request.headers.end() && known->second == tag) {
+    response.status = 304;
+    return {};
+  }
+  response.headers["Etag"] = tag;
+  exchange.version = document.version;
+  return document.json();
+}
+
+void Servers::complete(const Pointer& exchange, std::expected<HttpResponse, TransportError> outcome) {
+  if (std::exchange(exchange->isOver, true)) return;
+  std::erase(underWay_, exchange);
+  exchange->limit.reset();
+  exchange->delay.reset();
+  if (!outcome || exchange->fault) events_.disturbed();
+  if (events_.noted) {
+    events_.noted("  p" + std::to_string(exchange->owner) + " " + exchange->request.method + " " +
+                  exchange->request.url.substr(std::string_view(address).size()) + ": " +
+                  (outcome ? std::to_string(outcome->status.value_or(0)) : outcome.error().description));
+  }
+  if (outcome && exchange->version) {
+    events_.configurationDelivered(exchange->owner, exchange->request.url, *exchange->version);
+  }
+  if (auto completion = std::exchange(exchange->completion, {})) completion(std::move(outcome));
+}
+
+}  // namespace quillon::sim

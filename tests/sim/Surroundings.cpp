@@ -1,0 +1,80 @@
+#include "tests/sim/Surroundings.h"
+
+#include <algorithm>
+
+namespace quillon::sim {
+namespace {
+
+// Noon of 1 January 2025, UTC.
+constexpr WallTime start{std::chrono::seconds(1'735'732'800)};
+
+Servers::Events eventsOf(Surroundings& world) {
+  Servers::Events events;
+  events.asked = [](int, Server) {};
+  events.uploadSent = [&world](int owner, const Upload& upload) {
+    world.model.uploadSent(owner, upload, world.view());
+  };
+  events.uploadTaken = [&world](const Upload& upload) { world.model.uploadTaken(upload); };
+  events.configurationDelivered = [&world](int owner, const std::string& url, int version) {
+    world.model.delivered(owner, url, version);
+  };
+  events.disturbed = [&world] { world.isDisturbed = true; };
+  if (world.trail.isKept()) events.noted = [&world](const std::string& line) { world.trail.note(line); };
+  return events;
+}
+
+}  // namespace
+
+Surroundings::Surroundings(const Plan& of, Trail& to)
+    : plan(of),
+      trail(to),
+      documents(makeDocuments(Choices(of.seed))),
+      model(documents, trail),
+      clock(std::make_shared<VirtualClock>(start, of.hasSummerTime ? TimeZone::device : TimeZone::utc)),
+      servers(scheduler, clock, eventsOf(*this)),
+      suite_(store->open("quillon-cmp-sdk", {}).value()) {
+  permissions->set(VantariKey::cameraUsageDescription, 0);
+  publishEverywhere(documents.front());
+}
+
+StoreView Surroundings::view() const {
+  return viewOf(*suite_->snapshot());
+}
+
+bool Surroundings::wasStored(std::size_t since, int purpose, const std::string& status) const {
+  const auto isIt = [&](const StoreView& view) {
+    return view.decision(purpose).value_or(view.law == "opt-in" ? "declined" : "granted") == status;
+  };
+  return isIt(view()) || std::any_of(views.begin() + static_cast<std::ptrdiff_t>(since), views.end(), isIt);
+}
+
+std::optional<int> Surroundings::versionOnDisk() const {
+  constexpr std::size_t longest = std::size_t{1} << 20;
+  for (const char* name : {"/data/quillon-sdk-cdn.json", "/data/quillon-sdk-cdn-backup.json"}) {
+    if (const auto bytes = files->read(name, longest)) return versionIn(*bytes);
+  }
+  return std::nullopt;
+}
+
+void Surroundings::errorLogged(const std::string& block) {
+  // Nothing is wrong with an application that has nothing to answer, but it is told so.
+  const bool isTold = block.find("There is no configuration whose purposes could be answered") != std::string::npos ||
+                      block.find("Something went wrong while recording default") != std::string::npos;
+  if (!isDisturbed && !isTold) trail.fail(10, "an error without a fault: " + block);
+}
+
+void Surroundings::publishEverywhere(const Document& document) {
+  for (const char* application : {"a", "b"}) {
+    for (const char* channel : {"live", "draft"}) {
+      const std::string folder = std::string(application) + "/" + channel + "/";
+      if (plan.hasLanguageFiles) {
+        servers.publish(folder + "config_en.json", &document);
+        servers.publish(folder + "config_de.json", &document);
+      } else {
+        servers.publish(folder + "config.json", &document);
+      }
+    }
+  }
+}
+
+}  // namespace quillon::sim

@@ -1,0 +1,58 @@
+// What the processes of one world share.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/memory/MemoryFileSystem.h"
+#include "platform/memory/MemoryStore.h"
+#include "platform/memory/SettablePermissionSources.h"
+#include "platform/memory/StaticNetworkPath.h"
+#include "platform/memory/VirtualClock.h"
+#include "tests/sim/Documents.h"
+#include "tests/sim/Model.h"
+#include "tests/sim/Plan.h"
+#include "tests/sim/Scheduler.h"
+#include "tests/sim/Servers.h"
+#include "tests/sim/StoreView.h"
+#include "tests/sim/Trail.h"
+
+namespace quillon::sim {
+
+class Surroundings {
+ public:
+  Surroundings(const Plan& of, Trail& to);
+
+  const Plan& plan;
+  Trail& trail;
+  const std::vector<Document> documents;
+  Model model;
+  const std::shared_ptr<Scheduler> scheduler = std::make_shared<Scheduler>();
+  const std::shared_ptr<VirtualClock> clock;
+  const std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>();
+  const std::shared_ptr<MemoryFileSystem> files = std::make_shared<MemoryFileSystem>("/data");
+  const std::shared_ptr<StaticNetworkPath> network = std::make_shared<StaticNetworkPath>();
+  const std::shared_ptr<SettablePermissionSources> permissions = std::make_shared<SettablePermissionSources>();
+  Servers servers;
+  std::shared_ptr<bool> isTrackingAuthorized = std::make_shared<bool>(false);
+  std::string language = "en";
+  // An error of the SDK's; explained, or not.
+  void errorLogged(const std::string& block);
+  // Whether anything was put out of order since the beginning, or since everything healed.
+  bool isDisturbed = false;
+
+  [[nodiscard]] StoreView view() const;
+  // Every content that the store had after an act or the jobs behind it, without repetitions.
+  std::vector<StoreView> views;
+  // Whether the store held that status of the purpose at some moment since it had that many contents.
+  [[nodiscard]] bool wasStored(std::size_t since, int purpose, const std::string& status) const;
+  [[nodiscard]] std::optional<int> versionOnDisk() const;
+  // The document under every name that it may be asked for by.
+  void publishEverywhere(const Document& document);
+
+ private:
+  const std::shared_ptr<KeyValueSuite> suite_;
+};
+
+}  // namespace quillon::sim

@@ -1,0 +1,355 @@
+#include "tests/sim/World.h"
+
+#include <cstdio>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "tests/sim/Process.h"
+#include "tests/sim/Surroundings.h"
+
+namespace quillon::sim {
+namespace {
+
+using namespace std::chrono_literals;
+
+class World {
+ public:
+  World(const Plan& plan, Trail& trail) : around_(plan, trail), trail_(trail), processes_(plan.processes) {}
+  ~World();
+  World(const World&) = delete;
+  World& operator=(const World&) = delete;
+
+  void make(const Step& step);
+  // Nothing is wrong any more: in the end all is as it must be.
+  void heal();
+
+ private:
+  Process& process(unsigned index);
+  void apply(const Step& step, ActReport& report);
+  void applyToDevice(const Step& step);
+  void applyFault(const Step& step);
+  void publish(unsigned what, unsigned how);
+  void jumpClock(unsigned what);
+  void pass(std::chrono::milliseconds time, Choices* choices);
+  // Runs jobs: all, some or none of them.
+  void run(Choices* choices);
+  void runAll(Choices* choices);
+  void bury();
+  void describe(const Step& step) const;
+  void judge(const StoreView& before);
+
+  Surroundings around_;
+  Trail& trail_;
+  std::vector<std::unique_ptr<Process>> processes_;
+  std::vector<std::unique_ptr<Process>> dead_;
+  int lastOwner_ = -1;
+  std::optional<int> versionBefore_;
+};
+
+World::~World() {
+  processes_.clear();
+  dead_.clear();
+  // What waits for a time or an answer goes with it.
+  around_.isDisturbed = true;
+  for (int i = 0; i < 3; ++i) {
+    runAll(nullptr);
+    around_.clock->advance(61s, [this] { runAll(nullptr); });
+  }
+  around_.scheduler->bury();
+}
+
+Process& World::process(unsigned index) {
+  auto& place = processes_[index % processes_.size()];
+  if (!place) {
+    place = std::make_unique<Process>(around_, ++lastOwner_, [this, &place] {
+      around_.isDisturbed = true;
+      dead_.push_back(std::move(place));
+    });
+  }
+  return *place;
+}
+
+void World::bury() {
+  dead_.clear();
+  around_.scheduler->bury();
+}
+
+void World::run(Choices* choices) {
+  constexpr std::size_t seldom = 8;
+  if (!choices) return runAll(nullptr);
+  if (choices->oneIn(seldom)) return;
+  if (!choices->oneIn(seldom)) return runAll(choices);
+  for (std::size_t left = 1 + choices->below(seldom); left > 0 && around_.scheduler->runOne(choices); --left) bury();
+}
+
+void World::runAll(Choices* choices) {
+  constexpr int most = 100'000;
+  int count = 0;
+  while (around_.scheduler->runOne(choices)) {
+    if (!dead_.empty()) bury();
+    if (++count < most) continue;
+    return trail_.fail(8, "the work has no end");
+  }
+}
+
+void World::pass(std::chrono::milliseconds time, Choices* choices) {
+  around_.clock->advance(time, [&] { run(choices); });
+}
+
+void World::describe(const Step& step) const {
+  if (!trail_.isKept()) return;
+  char line[120];
+  std::snprintf(line, sizeof line, "%s p%u what=%u how=%u order=%llx", nameOf(step.act), step.process, step.what,
+                step.how, static_cast<unsigned long long>(step.order));
+  trail_.note(around_.clock->localText(around_.clock->now()) + " " + line);
+}
+
+void World::make(const Step& step) {
+  describe(step);
+  Choices chosen(step.order);
+  Choices* const choices = step.order == 0 ? nullptr : &chosen;
+  const StoreView before = around_.view();
+  versionBefore_ = around_.versionOnDisk();
+  Process& acting = process(step.process);
+  ActReport report{.owner = acting.owner()};
+  const unsigned failures = acting.storage().storeFailures() + acting.storage().fileFailures();
+  apply(step, report);
+  report.wasDisturbed =
+      acting.isDead() || acting.storage().storeFailures() + acting.storage().fileFailures() != failures;
+  if (report.wasDisturbed) around_.isDisturbed = true;
+  const StoreView after = around_.view();
+  around_.model.judgeAct(report, before, after);
+  bury();
+  around_.views.push_back(after);
+  if (step.act == Act::pass) {
+    const std::chrono::seconds interval(around_.plan.checkInterval);
+    const std::chrono::milliseconds times[] = {500ms, 1s, 5s, 20s, 70s, interval, interval, 3601s, 3601s + interval};
+    run(choices);
+    pass(times[step.what % std::size(times)], choices);
+  }
+  run(choices);
+  judge(after);
+}
+
+void World::judge(const StoreView& before) {
+  const StoreView after = around_.view();
+  const auto version = around_.versionOnDisk();
+  around_.model.diskHolds(version);
+  around_.model.judgeJobs(before, after);
+  around_.views.push_back(after);
+  const std::int64_t now = wholeSeconds(around_.clock->now());
+  for (const auto& process : processes_) {
+    if (!process) continue;
+    const Answers answers = process->answers();
+    if (process->isQuiet()) {
+      const bool isAlone = processes_.size() == 1;
+      const bool hasLoaded = process->takeLoaded() && version == versionBefore_;
+      if (process->isSetUp() && !process->isClosed() && answers.isReady && (isAlone || hasLoaded)) {
+        around_.model.settled(process->owner());
+      }
+      process->judgeQuiet();
+    }
+    around_.model.judgeAnswers(process->owner(), answers, after, now);
+  }
+}
+
+void World::apply(const Step& step, ActReport& report) {
+  Process& acting = process(step.process);
+  switch (step.act) {
+    case Act::setUp:
+      acting.setUp(step.what, step.how);
+      if (step.what / 48 % 6 == 1) acting.setUp(step.what / 7, step.how / 7);
+      break;
+    case Act::close:
+      acting.close();
+      break;
+    case Act::restart:
+      acting.screens().clear();
+      processes_[step.process % processes_.size()].reset();
+      process(step.process).setUp(step.what, step.how % 4 == 0 ? step.how : 0);
+      break;
+    case Act::kill:
+      acting.kill(step.what % 2 == 0);
+      break;
+    case Act::decide:
+      acting.decide(step.what, step.how, report);
+      break;
+    case Act::decideOnPermission:
+      report.effect = Effect::decision;
+      acting.decideOnPermission(step.what);
+      break;
+    case Act::answer:
+      acting.answer(step.what, report);
+      break;
+    case Act::removeConsents:
+      report.effect = Effect::removal;
+      acting.sdk().removeConsents();
+      break;
+    case Act::askBannerDue:
+      acting.askBannerDue(report);
+      break;
+    case Act::presentBanner:
+      acting.sdk().presentBanner();
+      break;
+    case Act::tapBanner:
+      acting.screens().tapBanner(step.what, report);
+      break;
+    case Act::presentPreferences:
+      acting.sdk().presentPreferenceCenter();
+      break;
+    case Act::tapPreferences:
+      acting.screens().tapPreferences(step.what, report);
+      break;
+    case Act::check:
+      acting.checkConsents(step.what);
+      break;
+    case Act::upload:
+      acting.uploadPending(step.what);
+      break;
+    case Act::ask:
+      acting.ask(step.what);
+      break;
+    case Act::gate:
+      acting.watchGate(step.what);
+      break;
+    case Act::hold:
+      acting.hold(step.what);
+      break;
+    case Act::failRequest:
+    case Act::failStore:
+    case Act::failFile:
+      applyFault(step);
+      break;
+    default:
+      applyToDevice(step);
+      break;
+  }
+}
+
+void World::applyToDevice(const Step& step) {
+  switch (step.act) {
+    case Act::jumpClock:
+      jumpClock(step.what);
+      break;
+    case Act::network: {
+      const bool isOn = step.what % 2 == 0;
+      around_.servers.setReachable(isOn);
+      around_.network->set(isOn ? NetworkStatus::satisfied : NetworkStatus::unsatisfied);
+      if (!isOn) around_.isDisturbed = true;
+      break;
+    }
+    case Act::tracking:
+      *around_.isTrackingAuthorized = step.what % 2 == 0;
+      around_.model.trackingIs(*around_.isTrackingAuthorized);
+      around_.permissions->set(VantariKey::userTrackingUsageDescription, *around_.isTrackingAuthorized ? 3 : 2);
+      break;
+    case Act::permission:
+      around_.permissions->set(VantariKey::cameraUsageDescription, static_cast<int>(step.what % 4));
+      break;
+    case Act::language:
+      around_.language = step.what % 2 == 0 ? "en" : "de-AT";
+      break;
+    case Act::publish:
+      publish(step.what, step.how);
+      break;
+    default:
+      break;
+  }
+}
+
+void World::applyFault(const Step& step) {
+  around_.isDisturbed = true;
+  Process& acting = process(step.process);
+  const StorageFault fault{.changesBefore = step.what % 4, .endsProcess = step.how % 2 == 0, .takesEffect = step.how % 4 == 0};
+  if (step.act == Act::failStore) {
+    acting.storage().failStore(fault);
+  } else if (step.act == Act::failFile) {
+    acting.storage().failFiles(fault);
+  } else {
+    around_.servers.fail(static_cast<Server>(step.what % serverCount),
+                         static_cast<RequestFault>(step.how % requestFaultCount));
+  }
+}
+
+void World::publish(unsigned what, unsigned how) {
+  if (how % 12 == 0) {
+    return around_.servers.setPlace(what % 2 == 0 ? std::optional<std::string>(lawfulPlace) : std::nullopt);
+  }
+  const Document& document = around_.documents[what % around_.documents.size()];
+  if (how % 12 < 6) return around_.publishEverywhere(document);
+  const char* folder = how % 12 == 11 ? "b/live/" : how % 12 == 10 ? "a/draft/" : "a/live/";
+  const char* file = !around_.plan.hasLanguageFiles ? "config.json" : what / 8 % 2 == 0 ? "config_en.json" : "config_de.json";
+  const bool isGone = how / 12 % 6 == 0;
+  if (isGone) around_.isDisturbed = true;
+  around_.servers.publish(std::string(folder) + file, isGone ? nullptr : &document);
+}
+
+void World::jumpClock(unsigned what) {
+  using std::chrono::days;
+  constexpr std::chrono::hours jumps[] = {1h, -1h, days(1), days(-1), days(32), days(32), days(400), days(-400)};
+  if (what % 16 == 0) {
+    // Half an hour before clocks are put forward in Europe.
+    constexpr WallTime summer{std::chrono::seconds(1'743'294'600)};
+    around_.clock->jump(summer - around_.clock->now());
+  } else {
+    around_.clock->jump(jumps[what % std::size(jumps)]);
+  }
+}
+
+void World::heal() {
+  trail_.note("everything heals");
+  around_.servers.heal();
+  around_.servers.setReachable(true);
+  around_.network->set(NetworkStatus::satisfied);
+  around_.publishEverywhere(around_.documents.back());
+  bool hasAny = false;
+  const StoreView present = around_.view();
+  versionBefore_ = around_.versionOnDisk();
+  for (const auto& process : processes_) {
+    if (!process) continue;
+    process->storage().heal();
+    if (process->isClosed()) continue;
+    // An application that nobody has answered is not watched: it is started again at some time.
+    if (!process->isSetUp() || present.given == "CONSENT_NO_ACTION") process->setUp(0, 0);
+    hasAny = true;
+  }
+  if (!hasAny) {
+    for (auto& process : processes_) process.reset();
+    process(0).setUp(0, 0);
+  }
+  const StoreView started = around_.view();
+  const std::chrono::seconds interval(around_.plan.checkInterval);
+  Choices choices(around_.plan.seed);
+  runAll(&choices);
+  const auto wait = [&](std::chrono::seconds time) {
+    around_.clock->advance(time, [&] { runAll(&choices); });
+  };
+  wait(70s);
+  wait(3601s + interval);
+  around_.isDisturbed = false;
+  wait(2 * interval);
+  judge(started);
+  around_.model.judgeEnd(around_.documents.back(), around_.view());
+}
+
+}  // namespace
+
+Outcome live(const Plan& plan, Keep keep) {
+  Trail trail(keep == Keep::trail);
+  Outcome outcome;
+  {
+    World world(plan, trail);
+    for (const Step& step : plan.steps) {
+      world.make(step);
+      ++outcome.steps;
+      if (trail.failure()) break;
+    }
+    if (!trail.failure()) world.heal();
+  }
+  outcome.failure = trail.failure();
+  outcome.trail = trail.text();
+  return outcome;
+}
+
+}  // namespace quillon::sim
