@@ -54,4 +54,8 @@ std::shared_ptr<ScreenServices> ConsentSDK::screens() const {
   return {core_, &core_->screens};
 }
 
+std::shared_ptr<SignalSource> ConsentSDK::signalSource() const {
+  return {core_, &core_->tradeSignals};
+}
+
 }  // namespace quillon

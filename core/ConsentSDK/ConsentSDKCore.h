@@ -8,6 +8,7 @@
 #include "core/ConsentSDK/Screens.h"
 #include "core/ConsentSDK/SetUp.h"
 #include "core/ConsentSDK/StoredLogContext.h"
+#include "core/ConsentSDK/TradeSignals.h"
 #include "quillon/ConsentSDK.h"
 
 namespace quillon {
@@ -33,7 +34,7 @@ class ConsentSDK::Core {
   HonouredSignal signal;
   GoogleConsentModeHelper consentMode;
   ConfigurationLoader loader;
-  Followers<std::string&> pageScripts;
+  TradeSignals tradeSignals;
   Questions questions;
   ConsentUploader uploader;
   DecisionRecorder recorder;

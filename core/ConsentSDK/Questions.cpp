@@ -88,7 +88,7 @@ Task<std::string> Questions::consentScript() {
   PageConsents consents;
   std::optional<PageSignals> signals;
   const auto configuration = s_.loader.current();
-  if (!configuration) co_return withPageScripts(quillon::consentScript(consents, signals));
+  if (!configuration) co_return withTradeSignals(quillon::consentScript(consents, signals));
   const std::string language = s_.sessions.language();
   for (const Purpose& purpose : s_.loader.purposes(configuration).purposesWithConsents()) {
     if (!purpose.purposeId) continue;
@@ -107,11 +107,11 @@ Task<std::string> Questions::consentScript() {
     }
     signals.emplace(consentMap(*mapping, StoredValues(undecided)), consentMap(*mapping, stored));
   }
-  co_return withPageScripts(quillon::consentScript(consents, signals));
+  co_return withTradeSignals(quillon::consentScript(consents, signals));
 }
 
-std::string Questions::withPageScripts(std::string script) const {
-  s_.pageScripts.tell(script);
+std::string Questions::withTradeSignals(std::string script) const {
+  s_.tradeSignals.complete(script);
   return script;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/ConsentSDK/ConfigurationLoader.h"
+#include "core/ConsentSDK/TradeSignals.h"
 #include "quillon/Explanations.h"
 
 namespace quillon {
@@ -19,7 +20,7 @@ class Questions {
   struct Services : Foundation {
     LocationLookup& location;
     ConfigurationLoader& loader;
-    const Followers<std::string&>& pageScripts;  // each appends what pages are told besides
+    const TradeSignals& tradeSignals;
   };
   explicit Questions(Services services) : s_(services) {}
 
@@ -46,7 +47,7 @@ class Questions {
   }
 
  private:
-  std::string withPageScripts(std::string script) const;
+  std::string withTradeSignals(std::string script) const;
   // The mapping that applies to the user; null unless the configuration drives consent mode. Owned by it.
   Task<const DefaultMapping*> mappingFor(ConfigurationPointer configuration);
   std::optional<Decision> newestDecision(std::int64_t purposeId) const;

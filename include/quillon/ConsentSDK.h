@@ -27,6 +27,7 @@ namespace quillon {
 class SDKLogger;
 class SignalPublisher;
 class ScreenServices;
+class SignalSource;
 struct Platform;
 
 /// Keeps the user's consents, decides when the banner is due and uploads what was decided.
@@ -309,9 +310,10 @@ class ConsentSDK {
 
   /// What user interfaces are built on; no business of applications that use ours.
   [[nodiscard]] std::shared_ptr<ScreenServices> screens() const;
+  /// The same for SignalPublisher.
+  [[nodiscard]] std::shared_ptr<SignalSource> signalSource() const;
 
  private:
-  friend class SignalPublisher;
   class Core;
   std::shared_ptr<Core> core_;
 };

@@ -37,8 +37,11 @@ class SignalDefaults {
 /// place. Thread-safe. With mistakes in the options, which are logged, there are no keys.
 ///
 /// @code
+/// std::shared_ptr<quillon::SignalDefaults> defaults;  // the application's own
+/// quillon::SignalOptions signals;
+/// signals.cmpId = 12;  // that the IAB has given to the application's consent management
 /// quillon::ConsentSDK::shared().setup(options);
-/// const quillon::SignalPublisher publisher(quillon::ConsentSDK::shared(), signalOptions, defaults);
+/// const quillon::SignalPublisher publisher(quillon::ConsentSDK::shared(), signals, defaults);
 /// @endcode
 class SignalPublisher {
  public:

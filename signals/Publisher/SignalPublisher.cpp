@@ -1,39 +1,28 @@
 #include "quillon/SignalPublisher.h"
 
-#include <limits>
 #include <mutex>
 #include <optional>
 #include <utility>
 
-#include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/ConsentSDK/WithoutThrowing.h"
 #include "core/Logger/UnitLog.h"
-#include "core/Purposes/PurposeTerms.h"
+#include "platform/SignalSource.h"
+#include "quillon/ConsentSDK.h"
 #include "quillon/Signals.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view sourceFile = "Signals/SignalPublisher";
-
-// When the newest of the decisions on purposes was made; the first page of the history has it in all but odd cases, and
-// then an earlier time does no harm.
-std::chrono::sys_seconds newestDecision(const UserDefaultManager& store) {
-  constexpr std::size_t pageSize = 100;
-  for (const auto& entry : store.history(std::numeric_limits<std::int64_t>::max(), pageSize).entries) {
-    if (entry.decision.purposeId) return std::chrono::sys_seconds(std::chrono::seconds(entry.decision.time));
-  }
-  return {};
-}
+constexpr std::string_view publisherUnit = "Signals/SignalPublisher";
 
 }  // namespace
 
 // Shared with what is under way. Thread-safe.
 class SignalPublisher::Publication {
  public:
-  Publication(const std::shared_ptr<ConsentSDK::Core>& core, SignalOptions options,
+  Publication(const std::shared_ptr<SignalSource>& source, SignalOptions options,
               std::shared_ptr<SignalDefaults> defaults)
-      : core_(core), signals_(std::move(options)), defaults_(std::move(defaults)) {}
+      : source_(source), signals_(std::move(options)), defaults_(std::move(defaults)) {}
 
   const Signals& signals() const { return signals_; }
 
@@ -48,8 +37,8 @@ class SignalPublisher::Publication {
   }
 
   std::string pageScript() const {
-    const auto core = core_.lock();
-    return core ? signals_.pageScript(stateOf(*core)) : std::string();
+    const auto source = source_.lock();
+    return source ? signals_.pageScript(source->state()) : std::string();
   }
 
  private:
@@ -60,48 +49,17 @@ class SignalPublisher::Publication {
   }
 
   void write() {
-    const auto core = core_.lock();
-    if (!core) return;
-    SignalKeys keys = signals_.keys(stateOf(*core));
+    const auto source = source_.lock();
+    if (!source) return;
+    SignalKeys keys = signals_.keys(source->state());
     if (written_ == keys) return;
     written_.reset();
-    if (withoutThrowing([&] { return defaults_->replace(keys); }, false)) {
+    if (defaults_ && withoutThrowing([&] { return defaults_->replace(keys); }, false)) {
       written_ = std::move(keys);
     } else {
-      UnitLog(core->logger, sourceFile)(LogLevel::error, "The keys of the trade's libraries could not be written",
-                                        "write()");
+      UnitLog(source->logger(), publisherUnit)(LogLevel::error,
+                                               "The keys of the trade's libraries could not be written", "write()");
     }
-  }
-
-  // All from one content of the store.
-  static SignalState stateOf(ConsentSDK::Core& core) {
-    const auto session = core.sessions.current();
-    const auto entries = core.store.snapshot();
-    const StoredValues stored(*entries);
-    const OptOuts optOuts = core.signal.optOuts();
-    SignalState state;
-    state.isDisclosed = stored.consentGivenType() != GivenType::noAction;
-    state.decidedAt = newestDecision(core.store);
-    state.language = core.sessions.language();
-    if (!session) return state;
-    state.place = core.location.known(session);
-    if (session->options.privacySignal) state.globalPrivacyControl = optOuts.isSignalOn();
-    const auto configuration = core.loader.current();
-    if (!configuration || !configuration->purposes) return state;
-    const auto inForce = core.loader.inForce();
-    for (const Purpose& purpose : *configuration->purposes) {
-      if (!purpose.purposeId) continue;
-      const std::int64_t id = *purpose.purposeId;
-      auto& told = state.purposes.emplace_back();
-      told.id = id;
-      told.isGranted =
-          isPurposeAllowed(id, stored, inForce ? &inForce->terms : nullptr, *core.platform.tracking, optOuts);
-      told.isExplicit = stored.isAnswered(id);
-      for (const SDK& sdk : purpose.sdks.value_or(std::vector<SDK>())) {
-        if (sdk.sdkId) told.sdkIds.push_back(*sdk.sdkId);
-      }
-    }
-    return state;
   }
 
  public:
@@ -110,7 +68,7 @@ class SignalPublisher::Publication {
   std::shared_ptr<void> script;
 
  private:
-  const std::weak_ptr<ConsentSDK::Core> core_;
+  const std::weak_ptr<SignalSource> source_;
   const Signals signals_;
   const std::shared_ptr<SignalDefaults> defaults_;
   std::optional<SignalKeys> written_;  // only touched by the thread that publishes; nothing when that is not known
@@ -120,21 +78,18 @@ class SignalPublisher::Publication {
 };
 
 SignalPublisher::SignalPublisher(ConsentSDK& sdk, SignalOptions options, std::shared_ptr<SignalDefaults> defaults)
-    : publication_(std::make_shared<Publication>(sdk.core_, std::move(options), std::move(defaults))) {
+    : publication_(std::make_shared<Publication>(sdk.signalSource(), std::move(options), std::move(defaults))) {
   withoutThrowing([&] {
-    ConsentSDK::Core& core = *sdk.core_;
+    const auto source = sdk.signalSource();
     for (const std::string& mistake : mistakes()) {
-      UnitLog(core.logger, sourceFile)(LogLevel::error, mistake, "init(options:)");
+      UnitLog(source->logger(), publisherUnit)(LogLevel::error, mistake, "init(options:)");
     }
     const std::weak_ptr<Publication> weak = publication_;
-    publication_->script = core.pageScripts.add([weak](std::string& script) {
+    publication_->script = source->followPageScripts([weak](std::string& script) {
       if (const auto publication = weak.lock()) script += publication->pageScript();
     });
-    publication_->changes = core.events.gates.followers.add([weak, work = &core.work] {
-      work->start([weak]() -> Task<void> {
-        if (const auto publication = weak.lock()) publication->publish();
-        co_return;
-      });
+    publication_->changes = source->followChanges([weak] {
+      if (const auto publication = weak.lock()) publication->publish();
     });
     publication_->publish();
   });
