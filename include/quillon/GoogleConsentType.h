@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// A signal that analytics libraries obey.
+/// A consent-mode signal, as analytics libraries read it.
 enum class GoogleConsentType {
   analyticsStorage,   ///< "analytics_storage"
   adStorage,          ///< "ad_storage"
