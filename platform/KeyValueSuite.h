@@ -43,7 +43,7 @@ using SuiteChanges = std::map<std::string, std::optional<PropertyValue>, std::le
 struct JournalRecord {
   std::int64_t number = 0;  // given by the suite, ascending
   std::string text;
-  std::string mark;  // empty until the record is settled
+  std::string mark;  // empty until it is set
 
   bool operator==(const JournalRecord&) const = default;
 };
@@ -69,27 +69,27 @@ struct SuiteUpdate {
   // Receives the records without a mark, newest first, of the same moment as the entries that the edit saw, and adds to
   // the update: marks of records, by number, and further changes. May be called more than once; must not call back into
   // the suite.
-  struct Settlement {
+  struct Marking {
     std::map<std::int64_t, std::string> marks = {};
     SuiteChanges changes = {};
   };
-  std::function<Settlement(const std::vector<JournalRecord>& unsettled)> settle = {};
+  std::function<Marking(const std::vector<JournalRecord>& unmarked)> markRecords = {};
   std::map<std::int64_t, std::string> marks = {};
   std::vector<std::string> appended = {};  // texts, in this order
 
-  // For suites: asks `settle` and takes what it answers into the update.
-  void complete(const std::vector<JournalRecord>& unsettled) {
-    if (!settle) return;
-    Settlement settlement = settle(unsettled);
-    marks.merge(settlement.marks);
-    for (auto& [key, value] : settlement.changes) changes.insert_or_assign(key, std::move(value));
+  // For suites: asks `markRecords` and takes what it answers into the update.
+  void complete(const std::vector<JournalRecord>& unmarked) {
+    if (!markRecords) return;
+    Marking marking = markRecords(unmarked);
+    marks.merge(marking.marks);
+    for (auto& [key, value] : marking.changes) changes.insert_or_assign(key, std::move(value));
   }
 };
 
 // One consistent look at the newest commit of any process.
 struct SuiteReading {
   std::shared_ptr<const SuiteEntries> entries;
-  std::vector<JournalRecord> unsettled;  // records without a mark, newest first; damaged ones are left out
+  std::vector<JournalRecord> unmarked;  // records without a mark, newest first; damaged ones are left out
 };
 
 // Thread-safe. No call begins once it is dropped, and dropping waits for one that is under way on another thread: so it
@@ -122,7 +122,7 @@ class KeyValueSuite {
   // May wait for the disk and for a commit of this process.
   virtual std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const = 0;
 
-  // The entries and the unsettled records of the same moment, as new as there are. May wait for the disk and for a
+  // The entries and the unmarked records of the same moment, as new as there are. May wait for the disk and for a
   // commit of any process, at most two seconds; the error says why nothing can be read.
   virtual std::expected<SuiteReading, std::string> read() const = 0;
 

@@ -1,4 +1,4 @@
-// Why the banner is due, or is not, in words.
+// The English explanation of the banner's state.
 #include "core/Banner/BannerState.h"
 #include "core/Json/RawValues.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"

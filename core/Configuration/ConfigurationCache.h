@@ -21,10 +21,10 @@ class ConfigurationCache {
   static constexpr std::string_view fileName = "quillon-sdk-cdn.json";
   static constexpr std::string_view backupName = "quillon-sdk-cdn-backup.json";
 
-  // Where a document comes from.
+  // The source of a document.
   struct Origin {
-    std::string address;   // that was asked first, before any fall-back
-    std::string language;  // that was asked for
+    std::string address;   // requested first, before any fallback
+    std::string language;  // requested
     std::optional<std::string> etag;
   };
 
@@ -32,8 +32,8 @@ class ConfigurationCache {
   ConfigurationCache(const Platform& platform, UserDefaultManager& store, SDKLogger& logger)
       : platform_(platform), store_(store), logger_(logger) {}
 
-  // The cached configuration; null when there is none that can be read. Decoded again only after the file changed.
-  // isCache: a silent probe, which logs no failure.
+  // The cached configuration; null when there is none or it is unreadable. Decoded again only when the file has
+  // changed. isCache: do not log failures.
   ConfigurationPointer readCDNFile(bool isCache);
 
   // Writes the file, keeping the earlier one as a backup until the new one is safe, and remembers when and where it was
@@ -42,7 +42,7 @@ class ConfigurationCache {
   void saveCDNToFile(const MainConfiguration& config, std::string_view fileName, const Origin& origin,
                      const std::function<bool()>& isWanted);
 
-  // Removes the cached file. The caller drops the entity tag.
+  // Removes the cached file. The caller removes the entity tag.
   void reset();
 
  private:

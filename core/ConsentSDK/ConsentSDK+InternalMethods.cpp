@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::seconds periodWithoutOptions = 1800s;
 constexpr std::chrono::seconds firstRetry = 15s;
-// Devices of a region that lost and regained the network together must not come back together.
+// Spreads the checks of devices that regain the network together.
 constexpr std::chrono::seconds longestReconnectionDelay = 60s;
 
 std::chrono::milliseconds periodOf(const SessionPointer& session) {
@@ -20,7 +20,7 @@ std::chrono::milliseconds periodOf(const SessionPointer& session) {
 }  // namespace
 
 void CheckCycle::begin(SessionPointer session) {
-  std::unique_ptr<Timer> retry;  // Dropped outside the lock, as below: that may wait for its job.
+  std::unique_ptr<Timer> retry;  // destroyed outside the lock, as below: that may wait for its job
   {
     const std::scoped_lock lock(mutex_);
     retry.swap(retry_);
@@ -94,7 +94,7 @@ Task<void> CheckCycle::check() {
     co_await over->wait();
     co_return;
   }
-  // Also when the task is dropped, or fails.
+  // Signals also when the task is dropped or fails.
   const std::shared_ptr<void> end(nullptr, [this](void*) {
     std::shared_ptr<TaskEvent> ended;
     {
@@ -115,10 +115,10 @@ Task<void> CheckCycle::runCheck() {
     co_return;
   }
   s_.events.gates.update();
-  judgeBanner();
+  reportDueBanner();
   if (!loaded.changed && !s_.uploader.isUploadDue(loaded.configuration)) co_return;
   co_await s_.loader.bannerFor(loaded.configuration);
-  // Without a banner for the user there is no compliance type whose defaults could be recorded.
+  // Without a banner for the user there is no compliance type to take defaults from.
   const auto inForce = s_.loader.inForce();
   if (inForce && inForce->type) s_.recorder.recordDefaults(loaded.configuration);
   s_.loader.refreshConsentMode();
@@ -147,7 +147,7 @@ std::chrono::milliseconds CheckCycle::atRandom(std::chrono::milliseconds limit) 
 }
 
 void CheckCycle::startNetworkMonitor() {
-  std::unique_ptr<NetworkSubscription> earlier;  // Dropped outside the lock: that may wait for its handler.
+  std::unique_ptr<NetworkSubscription> earlier;  // destroyed outside the lock: that may wait for its handler
   {
     const std::scoped_lock lock(mutex_);
     earlier = std::move(monitor_);
@@ -184,7 +184,7 @@ void CheckCycle::startPermissionObservation() {
     s_.work.run([this] {
       auto permissions = s_.loader.permissions(s_.loader.current());
       if (permissions.checkPermissions(s_.sessions.context(GivenType::noAction))) s_.uploader.schedule();
-      s_.events.gates.update();  // tracking is a permission, too
+      s_.events.gates.update();  // tracking is a permission too
     });
   }));
   const std::scoped_lock lock(mutex_);
@@ -223,7 +223,7 @@ void CheckCycle::judgeBanner() {
     const std::scoped_lock lock(mutex_);
     if (std::exchange(wasBannerDue_, banner.isDue) == banner.isDue) return;
   }
-  if (banner.isDue) s_.events.bannerDue.tell(std::move(banner));
+  if (banner.isDue) s_.events.bannerDue.notify(std::move(banner));
 }
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// What applications can hear of an instance.
+// The events of an instance.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-// Thread-safe: each member by itself.
+// Each member is thread-safe.
 struct Events {
   Events(const std::function<void(Job)>& onMain, std::function<bool(std::int64_t)> isAllowed)
       : readiness(onMain),

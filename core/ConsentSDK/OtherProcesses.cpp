@@ -52,12 +52,12 @@ void OtherProcesses::compareIfDifferent() {
 }
 
 void OtherProcesses::close() {
-  std::unique_ptr<SuiteSubscription> subscription;  // Dropped outside the lock: that may wait for its handler.
+  std::unique_ptr<SuiteSubscription> subscription;  // destroyed outside the lock: that may wait for its handler
   const std::scoped_lock lock(mutex_);
   subscription.swap(subscription_);
 }
 
-void OtherProcesses::note(const std::vector<Decision>& decisions) {
+void OtherProcesses::addOwn(const std::vector<Decision>& decisions) {
   const std::scoped_lock lock(mutex_);
   for (const Decision& decision : decisions) {
     // The listeners hear of changes only: of this one as soon as what another process has stored is compared.
@@ -66,7 +66,7 @@ void OtherProcesses::note(const std::vector<Decision>& decisions) {
     if (decision.cause == DecisionCause::removed) {
       told_[subject] = std::nullopt;
     } else {
-      told_.insert_or_assign(subject, decision.to);
+      reported_.insert_or_assign(subject, decision.to);
     }
   }
 }
@@ -79,14 +79,14 @@ void OtherProcesses::compare() {
   {
     const std::scoped_lock lock(mutex_);
     std::set<DecisionSubject> subjects;
-    for (const auto& [subject, status] : told_) subjects.insert(subject);
+    for (const auto& [subject, status] : reported_) subjects.insert(subject);
     for (const auto& [subject, status] : present) subjects.insert(subject);
     for (const auto& subject : subjects) {
-      const auto from = statusOf(told_, subject);
+      const auto from = statusOf(reported_, subject);
       const auto to = statusOf(present, subject);
       if (from != to) decisions.push_back(decisionOn(subject, from, to, history));
     }
-    told_ = std::move(present);
+    reported_ = std::move(present);
   }
   s_.events.announce(std::move(decisions))();
   s_.changed();

@@ -1,4 +1,4 @@
-// What other processes of the application decide.
+// Reports decisions of the application's other processes.
 #pragma once
 
 #include <map>
@@ -10,21 +10,21 @@
 
 namespace quillon {
 
-// Thread-safe. Knows which consents the listeners of this process have heard of, and tells them of the others.
+// Thread-safe. Tracks the consents reported to this process's listeners, and reports the differences.
 class OtherProcesses {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
-    std::function<void()> changed;  // in the background, after the listeners were told
+    std::function<void()> changed;  // called in the background, after the listeners
   };
   explicit OtherProcesses(Services services) : s_(std::move(services)) {}
 
-  // Begins to observe the store; a second call does nothing.
+  // Starts observing the store; a second call does nothing.
   void begin();
   void close();
 
-  // This process has decided.
-  void note(const std::vector<Decision>& decisions);
+  // Notes decisions made by this process.
+  void addOwn(const std::vector<Decision>& decisions);
 
  private:
   void compare();

@@ -1,4 +1,4 @@
-// What applications ask that takes reading the configuration, asking the device or waiting for the location.
+// Queries that read the configuration, ask the device or wait for the location.
 #pragma once
 
 #include <cstdint>
@@ -12,10 +12,10 @@
 
 namespace quillon {
 
-// Thread-safe; without state. Every answer is computed anew.
+// Thread-safe and stateless.
 class Questions {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     LocationLookup& location;
     ConfigurationLoader& loader;
@@ -25,9 +25,9 @@ class Questions {
 
   using Signals = std::map<GoogleConsentType, ConsentStatus>;
 
-  // What the device is known to say, else what is stored; see ConsentSDK::get().
+  // The device's known answer, else the stored value; see ConsentSDK::get().
   ConsentStatus permissionStatus(const VantariKey& permission) const;
-  // Whether the device is known to have granted it.
+  // Whether the device is known to grant the permission.
   bool isPermissionAllowed(const VantariKey& permission) const;
 
   // For the background: the device is asked.
@@ -38,7 +38,7 @@ class Questions {
   Task<std::string> consentScript();
   ConsentExplanation explain(std::int64_t purposeId) const;
 
-  // A part of the configuration at hand.
+  // A member of the available configuration.
   template <class Part>
   std::optional<Part> part(std::optional<Part> MainConfiguration::* member) const {
     const auto configuration = s_.loader.current();

@@ -8,10 +8,10 @@
 
 namespace quillon {
 
-// Thread-safe. The device's setting is read once; a change while the process runs is not followed.
+// Thread-safe. The device's setting is read once; later changes are ignored.
 class LocaleUtils {
  public:
-  // The platform must outlive it. A device without any preferred language stops the process at the first question.
+  // The platform must outlive it. Stops the process on first use if the device has no preferred language.
   explicit LocaleUtils(const Platform& platform) noexcept : platform_(platform) {}
 
   // The device's first preferred language, such as "zh-Hant-TW".

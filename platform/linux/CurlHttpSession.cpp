@@ -67,11 +67,11 @@ class CurlHttpSession::Loop {
 
   void run() {
     blockBrokenPipeSignal();
-    while (adopt()) {
+    while (takeIncoming()) {
       cancelStopped();
       int running = 0;
       CURLMcode code = curl_multi_perform(multi_.get(), &running);
-      harvest();
+      processFinished();
       if (code == CURLM_OK) code = curl_multi_poll(multi_.get(), nullptr, 0, longestPollMilliseconds, nullptr);
       if (code != CURLM_OK) abandonAll(failed(Kind::unreachable, curl_multi_strerror(code)));
     }
@@ -93,7 +93,7 @@ class CurlHttpSession::Loop {
   };
 
   // Begins what was sent since; false when the session has ended.
-  bool adopt() {
+  bool takeIncoming() {
     std::vector<std::unique_ptr<CurlExchange>> fresh;
     bool closed = false;
     {
@@ -123,7 +123,7 @@ class CurlHttpSession::Loop {
   }
 
   // Takes what libcurl has done with.
-  void harvest() {
+  void processFinished() {
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
       if (message->msg != CURLMSG_DONE) continue;

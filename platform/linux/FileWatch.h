@@ -22,14 +22,14 @@ namespace quillon {
 class FileWatch : public std::enable_shared_from_this<FileWatch> {
  public:
   // Looks at the file; false when it could not and wants to be called again soon, less and less often.
-  using Look = std::function<bool()>;
+  using Check = std::function<bool()>;
 
   // The look is called on the pool, one call at a time, after the file or its rollback journal was written to, made,
   // removed or replaced. The error says why nothing can be watched, above all for want of descriptors.
   static std::expected<std::shared_ptr<FileWatch>, std::string> start(std::shared_ptr<WorkLoop> loop,
-                                                                      std::filesystem::path file, Look look);
+                                                                      std::filesystem::path file, Check check);
 
-  FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Look look, int descriptor);
+  FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check, int descriptor);
 
  private:
   using Strand = boost::asio::strand<boost::asio::io_context::executor_type>;
@@ -37,11 +37,11 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
   bool addFolder();
   void waitForEvents();
   void takeEvents();
-  void look();
+  void check();
 
   const std::shared_ptr<WorkLoop> loop_;
   const std::filesystem::path file_;
-  const Look look_;
+  const Check check_;
   Strand strand_;
   // The rest belongs to the strand.
   boost::asio::posix::basic_stream_descriptor<Strand> events_;

@@ -52,11 +52,11 @@ std::expected<std::filesystem::path, std::string> readyFolder(const std::filesys
 }  // namespace
 
 SqliteStore::SqliteStore(std::filesystem::path folder, std::shared_ptr<WorkPool> pool,
-                         std::chrono::milliseconds patience)
+                         std::chrono::milliseconds openWait)
     : folder_(std::move(folder)),
       standardDefaults_(std::make_shared<MemorySuite>()),
       pool_(std::move(pool)),
-      patience_(patience) {}
+      openWait_(openWait) {}
 
 std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std::string_view name, Report report) try {
   if (!isFileName(name)) return std::unexpected("open store: a name like this is no file's");
@@ -70,7 +70,7 @@ std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std
   const auto folder = readyFolder(folder_, report);
   if (!folder) return std::unexpected(folder.error());
   auto suite = SqliteSuite::open(*folder / (std::string(name) + ".sqlite"), std::move(report),
-                                 pool_ ? pool_->loop() : nullptr, patience_);
+                                 pool_ ? pool_->loop() : nullptr, openWait_);
   if (!suite) return std::unexpected(std::move(suite.error()));
   std::lock_guard lock(mutex_);
   return suites_.try_emplace(std::string(name), std::move(*suite)).first->second;

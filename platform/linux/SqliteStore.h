@@ -22,7 +22,7 @@ class SqliteStore final : public KeyValueStore {
   // Changes by other processes are noticed on the pool's threads; without a pool nobody who observes hears of them. A
   // start waits so long for a process that holds the suite.
   explicit SqliteStore(std::filesystem::path folder, std::shared_ptr<WorkPool> pool = nullptr,
-                       std::chrono::milliseconds patience = std::chrono::seconds(10));
+                       std::chrono::milliseconds openWait = std::chrono::seconds(10));
 
   std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) override;
   std::unique_ptr<StoreTurn> tryTurn(std::string_view name) override;
@@ -34,7 +34,7 @@ class SqliteStore final : public KeyValueStore {
   const std::filesystem::path folder_;
   const std::shared_ptr<KeyValueSuite> standardDefaults_;
   const std::shared_ptr<WorkPool> pool_;
-  const std::chrono::milliseconds patience_;
+  const std::chrono::milliseconds openWait_;
   std::mutex mutex_;  // guards the members below
   Report report_;     // of the first suite
   bool isTurnFaultReported_ = false;

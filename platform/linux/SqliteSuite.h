@@ -32,7 +32,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   static std::expected<std::shared_ptr<SqliteSuite>, std::string> open(std::filesystem::path file,
                                                                        KeyValueStore::Report report,
                                                                        std::shared_ptr<WorkLoop> loop,
-                                                                       std::chrono::milliseconds patience);
+                                                                       std::chrono::milliseconds openWait);
 
   std::shared_ptr<const SuiteEntries> snapshot() const override;
   std::expected<void, std::string> update(const Edit& edit) override;
@@ -50,7 +50,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
 
   SqliteSuite(std::filesystem::path file, KeyValueStore::Report report, std::shared_ptr<WorkLoop> loop);
 
-  static Deadline afterPatience();
+  static Deadline writerDeadline();
   // False when somebody else was at the file just then.
   bool probe() const noexcept;
   std::expected<void, std::string> updateInTurn(const Edit& edit);
@@ -64,7 +64,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   SqliteResult<JournalPage> readOnce() const;
   void noteDamaged(const std::vector<std::int64_t>& records) const;
   SqliteResult<> refresh() const;
-  void adopt(SuiteFile::Opened opened) const;
+  void useFile(SuiteFile::Opened opened) const;
   void publish(SuiteContent content) const;
   void publish(std::shared_ptr<const SuiteEntries> entries) const;
   Problem problem(const SqliteError& error) const;
@@ -72,8 +72,8 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   std::expected<void, Problem> attempt(std::unique_lock<std::mutex>& connection, Deadline deadline, const Edit& edit,
                                        bool& isCommitted);
   std::expected<Recovered, Problem> recover(const Problem& why);
-  std::expected<void, std::string> start(std::chrono::milliseconds patience);
-  void goOnWithout(const std::string& why);
+  std::expected<void, std::string> start(std::chrono::milliseconds openWait);
+  void startHeld(const std::string& why);
 
   const std::filesystem::path path_;
   const KeyValueStore::Report report_;

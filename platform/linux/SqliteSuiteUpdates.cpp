@@ -13,7 +13,7 @@ namespace quillon {
 
 namespace {
 
-constexpr std::chrono::seconds patience{2};
+constexpr std::chrono::seconds writerWait{2};
 constexpr int maximumAttempts = 4;
 
 SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
@@ -70,8 +70,8 @@ class SqliteSuite::Transaction {
   bool committed_ = false;
 };
 
-SqliteSuite::Deadline SqliteSuite::afterPatience() {
-  return std::chrono::steady_clock::now() + patience;
+SqliteSuite::Deadline SqliteSuite::writerDeadline() {
+  return std::chrono::steady_clock::now() + writerWait;
 }
 
 std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
@@ -92,16 +92,16 @@ std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
 std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
   std::lock_guard turn(writersMutex_);
   std::unique_lock connection(connectionMutex_);
-  bool hasLookedAgain = false;
+  bool hasReopened = false;
   for (int attempts = 1;; ++attempts) {
     bool isCommitted = false;
-    auto done = attempt(connection, afterPatience(), edit, isCommitted);
+    auto done = attempt(connection, writerDeadline(), edit, isCommitted);
     if (done) return {};
     auto& problem = done.error();
     const bool isHopeless = problem.recovery == Recovery::none || problem.recovery == Recovery::wait;
     if (isHopeless || attempts == maximumAttempts) return std::unexpected(std::move(problem.text));
     // At first the fault may lie with our connection, or somebody may have put things right.
-    if (problem.recovery == Recovery::replace && !std::exchange(hasLookedAgain, true)) {
+    if (problem.recovery == Recovery::replace && !std::exchange(hasReopened, true)) {
       problem.recovery = Recovery::reopen;
     }
     const auto recovered = recover(problem);
@@ -139,11 +139,11 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   const auto& current = *published_;  // only a holder of the connection publishes
   const auto impossible = [](std::string why) { return std::unexpected(Problem{Recovery::none, std::move(why)}); };
   SuiteUpdate planned = edit(current);
-  if (planned.settle) {
-    const auto unsettled = file_->readUnsettled();
-    if (!unsettled) return std::unexpected(problem(unsettled.error()));
-    noteDamaged(unsettled->damaged);
-    planned.complete(unsettled->records);
+  if (planned.markRecords) {
+    const auto unmarked = file_->readUnmarked();
+    if (!unmarked) return std::unexpected(problem(unmarked.error()));
+    noteDamaged(unmarked->damaged);
+    planned.complete(unmarked->records);
   }
   const auto rows = rowsToWrite(current, planned.changes);
   if (!rows) return impossible(rows.error());
@@ -162,7 +162,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   if (writesJournal) {
     if (auto done = file_->writeJournal(planned); !done) return std::unexpected(problem(done.error()));
   }
-  if (auto done = file_->commit(afterPatience()); !done) return std::unexpected(problem(done.error()));
+  if (auto done = file_->commit(writerDeadline()); !done) return std::unexpected(problem(done.error()));
   transaction.committed();
   isCommitted = true;
   publish(std::move(next));
@@ -179,7 +179,7 @@ SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
 
 // Leaves a healthy file open at the path, holding what was last known to be committed.
 std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover(const Problem& why) {
-  const auto locked = Folder::openLocked(path_.parent_path(), afterPatience());
+  const auto locked = Folder::openLocked(path_.parent_path(), writerDeadline());
   if (!locked) return std::unexpected(Problem{Recovery::none, locked.error()});
   const auto& folder = *locked;
   if (!folder) {
@@ -193,17 +193,17 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
       // Other processes may have committed to it after we last looked.
       if (auto content = file_->read(); content && content->unreadable.empty()) publish(std::move(*content));
     }
-    journal = file_->salvageJournal();
+    journal = file_->readableJournal();
     file_.reset();
   }
 
   SuiteEntries entries = isKnown_ ? *published_ : SuiteEntries{};
-  auto found = SuiteFile::open(path_, afterPatience());
+  auto found = SuiteFile::open(path_, writerDeadline());
   if (found) {
     if (found->content.unreadable.empty() && !isReplaced) {
       // Another process was faster, or somebody restored a copy. What stands there counts as it is: adding our keys to
       // it could bring back what has been erased from it since.
-      adopt(std::move(*found));
+      useFile(std::move(*found));
       return Recovered::anothers;
     }
     // Nobody may write to it any more, nor have done so since it was read.
@@ -214,7 +214,7 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
       return std::unexpected(Problem{Recovery::wait, "another process goes on writing to " + path_.string()});
     }
     entries = found->content.entries;
-    journal = found->file.salvageJournal();
+    journal = found->file.readableJournal();
     publish(std::move(found->content));
   } else {
     const auto& error = found.error();
@@ -235,9 +235,9 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
   } else if (entries.contains(lostEntriesKey)) {
     note("Store " + path_.string() + " had disappeared while a damaged one was set aside; a new one was begun");
   }
-  auto opened = SuiteFile::open(path_, afterPatience());
+  auto opened = SuiteFile::open(path_, writerDeadline());
   if (!opened) return std::unexpected(problem(opened.error()));
-  adopt(std::move(*opened));
+  useFile(std::move(*opened));
   return found ? Recovered::anothers : Recovered::ours;
 }
 

@@ -65,9 +65,9 @@ class SuiteFile {
   // Waits for a writer until the deadline.
   [[nodiscard]] SqliteResult<JournalPage> readJournal(std::int64_t before, std::size_t count, Deadline deadline);
   // One try.
-  [[nodiscard]] SqliteResult<JournalPage> readUnsettled() { return journal_.unsettled(database_); }
+  [[nodiscard]] SqliteResult<JournalPage> readUnmarked() { return journal_.unmarked(database_); }
   // What can be had of the journal of a damaged file, oldest first.
-  [[nodiscard]] std::vector<JournalRecord> salvageJournal() { return journal_.salvage(database_); }
+  [[nodiscard]] std::vector<JournalRecord> readableJournal() { return journal_.readableRecords(database_); }
   // Waits until the deadline for readers to let go; begin() is tried once, for the caller has better things to do
   // between.
   [[nodiscard]] SqliteResult<> commit(Deadline deadline);

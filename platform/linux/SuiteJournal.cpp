@@ -70,8 +70,7 @@ SqliteResult<bool> SuiteJournal::prepare(SqliteDatabase& database, Missing missi
   for (auto& [statement, sql] :
        {Prepared{fresh.page,
                  "SELECT number, mark, text, checksum FROM journal WHERE number<? ORDER BY number DESC LIMIT ?"},
-        Prepared{fresh.unsettled,
-                 "SELECT number, mark, text, checksum FROM journal WHERE mark='' ORDER BY number DESC"},
+        Prepared{fresh.unmarked, "SELECT number, mark, text, checksum FROM journal WHERE mark='' ORDER BY number DESC"},
         // Numbers beyond are none of ours.
         Prepared{fresh.range,
                  "SELECT (SELECT min(number) FROM journal), "
@@ -100,14 +99,14 @@ SqliteResult<> SuiteJournal::write(SqliteDatabase& database, const SuiteUpdate& 
     if (auto done = database.run("DELETE FROM journal"); !done) return done;
   }
   if (!update.marks.empty()) {
-    if (auto done = settle(update); !done) return done;
+    if (auto done = writeMarks(update); !done) return done;
   }
   return append(database, update.appended);
 }
 
-SqliteResult<> SuiteJournal::settle(const SuiteUpdate& update) {
+SqliteResult<> SuiteJournal::writeMarks(const SuiteUpdate& update) {
   JournalPage page;
-  if (auto done = collect(statements_->unsettled, page); !done) return done;
+  if (auto done = collect(statements_->unmarked, page); !done) return done;
   for (const auto& record : page.records) {
     const auto mark = update.marks.find(record.number);
     if (mark == update.marks.end() || mark->second.empty()) continue;
@@ -176,16 +175,16 @@ SqliteResult<JournalPage> SuiteJournal::read(SqliteDatabase& database, std::int6
   return page;
 }
 
-SqliteResult<JournalPage> SuiteJournal::unsettled(SqliteDatabase& database) {
+SqliteResult<JournalPage> SuiteJournal::unmarked(SqliteDatabase& database) {
   JournalPage page;
   const auto prepared = prepare(database, Missing::leave);
   if (!prepared) return std::unexpected(prepared.error());
   if (!*prepared) return page;
-  if (auto done = collect(statements_->unsettled, page); !done) return std::unexpected(done.error());
+  if (auto done = collect(statements_->unmarked, page); !done) return std::unexpected(done.error());
   return page;
 }
 
-std::vector<JournalRecord> SuiteJournal::salvage(SqliteDatabase& database) {
+std::vector<JournalRecord> SuiteJournal::readableRecords(SqliteDatabase& database) {
   JournalPage page;
   if (const auto prepared = prepare(database, Missing::leave); prepared && *prepared) {
     statements_->page.bind(0, std::numeric_limits<std::int64_t>::max());

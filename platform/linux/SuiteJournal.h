@@ -26,13 +26,13 @@ class SuiteJournal {
   [[nodiscard]] SqliteResult<JournalPage> read(SqliteDatabase& database, std::int64_t before, std::size_t count);
 
   // Those without a mark, newest first; the table need not exist.
-  [[nodiscard]] SqliteResult<JournalPage> unsettled(SqliteDatabase& database);
+  [[nodiscard]] SqliteResult<JournalPage> unmarked(SqliteDatabase& database);
 
   // Writes a record of another file under its own number.
   [[nodiscard]] SqliteResult<> put(SqliteDatabase& database, const JournalRecord& record);
 
   // Every sound row that can still be reached in a file that is damaged, oldest first.
-  [[nodiscard]] std::vector<JournalRecord> salvage(SqliteDatabase& database);
+  [[nodiscard]] std::vector<JournalRecord> readableRecords(SqliteDatabase& database);
 
   void transactionEnded(bool committed);
 
@@ -46,14 +46,14 @@ class SuiteJournal {
   };
   // False when there is no table.
   [[nodiscard]] SqliteResult<bool> prepare(SqliteDatabase& database, Missing missing);
-  [[nodiscard]] SqliteResult<> settle(const SuiteUpdate& update);
+  [[nodiscard]] SqliteResult<> writeMarks(const SuiteUpdate& update);
   [[nodiscard]] SqliteResult<> append(SqliteDatabase& database, const std::vector<std::string>& texts);
   [[nodiscard]] SqliteResult<Range> range();
   [[nodiscard]] SqliteResult<> dropOldest(SqliteDatabase& database);
 
   struct Statements {
     SqliteStatement page;
-    SqliteStatement unsettled;
+    SqliteStatement unmarked;
     SqliteStatement range;
     SqliteStatement put;
     SqliteStatement mark;

@@ -20,7 +20,7 @@ void SettablePermissionSources::set(const VantariKey& key, std::expected<Value, 
     const std::lock_guard lock(mutex_);
     answers_.insert_or_assign(key.rawValue(), std::move(answer));
   }
-  observers_.tell();
+  observers_.notify();
 }
 
 std::optional<std::expected<PermissionSources::Value, std::string>> SettablePermissionSources::given(

@@ -24,7 +24,7 @@ class ChangeObservers {
     return std::make_unique<Subscription>(std::move(observer));
   }
 
-  void tell() {
+  void notify() {
     std::vector<std::shared_ptr<Observer>> told;
     {
       const std::lock_guard lock(mutex_);

@@ -21,7 +21,7 @@ class MemorySuite::Content {
 
   void add(std::shared_ptr<Process> process, std::weak_ptr<SuiteObservers> observers);
   // Those of processes that have ended hear nothing.
-  void tellAllBut(const SuiteObservers& writer) const;
+  void notifyOthers(const SuiteObservers& writer) const;
 
  private:
   struct Viewer {

@@ -16,7 +16,7 @@ class SuiteObservers {
   [[nodiscard]] std::unique_ptr<SuiteSubscription> add(std::function<void()> changed);
 
   // Calls all of them on this thread, each through its own gate. To be called without a lock.
-  void tell() noexcept;
+  void notify() noexcept;
 
   [[nodiscard]] bool empty() const noexcept;
 

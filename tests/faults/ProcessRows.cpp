@@ -253,7 +253,7 @@ Seen noDescriptors(Trial& trial) {
                "something else than acknowledged");
   world.clock->jump(2h);
   world.start();
-  trial.expect(mendCalls(), "nothing was opened");
+  trial.expect(restoreCalls(), "nothing was opened");
   Seen result = seen(world);
   trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::declined), "refused with descriptors again");
   trial.expect(world.sdk->uploadPendingConsents().get(), "no upload with descriptors again");

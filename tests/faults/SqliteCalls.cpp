@@ -51,7 +51,7 @@ void breakSqlite(int code, int number) {
   left = number;
 }
 
-bool mendSqlite() {
+bool restoreSqlite() {
   left = 0;
   return struck;
 }

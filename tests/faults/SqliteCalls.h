@@ -8,6 +8,6 @@ namespace quillon::test {
 // SQLite itself calls.
 void breakSqlite(int code, int number);
 // Ends that. True when the fault has struck.
-bool mendSqlite();
+bool restoreSqlite();
 
 }  // namespace quillon::test

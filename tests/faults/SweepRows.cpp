@@ -137,18 +137,18 @@ constexpr Work clearingThePending{
 // What a sweep strikes: of the calls that it counts, the one of that number, from 1 on.
 struct Fault {
   std::function<void(const std::filesystem::path& data, int number)> strike;
-  bool (*mend)();  // ends it, and tells whether it has struck
+  bool (*restore)();  // ends it, and tells whether it has struck
   bool kills = false;
 };
 
 Fault systemCalls(Effect effect) {
   return {.strike = [effect](const auto& data, int number) { breakCalls(data, effect, number); },
-          .mend = mendCalls,
+          .restore = restoreCalls,
           .kills = effect == Effect::kill};
 }
 
 Fault sqliteCalls(int code) {
-  return {.strike = [code](const auto&, int number) { breakSqlite(code, number); }, .mend = mendSqlite};
+  return {.strike = [code](const auto&, int number) { breakSqlite(code, number); }, .restore = restoreSqlite};
 }
 
 Said underFault(const std::filesystem::path& data, const Work& work, const Fault& fault, int number) {
@@ -164,7 +164,7 @@ Said underFault(const std::filesystem::path& data, const Work& work, const Fault
     say("* prepared\n");
     fault.strike(data, number);
     work.perform(world, [&] { say("* acknowledged\n"); });
-    const bool struck = fault.mend();
+    const bool struck = fault.restore();
     say(world.log() + (struck ? "\n* struck\n" : "\n* done\n"));
   });
   return {process.finish()};

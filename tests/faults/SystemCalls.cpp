@@ -111,7 +111,7 @@ void breakCalls(const std::filesystem::path& folder, Effect effect, int number) 
   armed.store(true, std::memory_order_release);
 }
 
-bool mendCalls() {
+bool restoreCalls() {
   armed = false;
   return struck;
 }

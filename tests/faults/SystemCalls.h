@@ -18,6 +18,6 @@ enum class Effect {
 // from 1, is struck. Left alone is what cannot usefully fail, such as close.
 void breakCalls(const std::filesystem::path& folder, Effect effect, int number);
 // Ends that. True when the fault has struck.
-bool mendCalls();
+bool restoreCalls();
 
 }  // namespace quillon::test

@@ -29,7 +29,7 @@ within a tenth of a second. Reading neither makes nor mends a store; a damaged o
 reset keeps it beside the new one. The access token is shown as "***". The exit status is 1 when the folder holds no
 store, the key is absent, or the store cannot be read or written.)";
 
-constexpr std::chrono::seconds patience{2};
+constexpr std::chrono::seconds writerWait{2};
 
 struct StoreOptions {
   std::filesystem::path dataDirectory;  // empty: that of `quillon-consent host`
@@ -56,7 +56,7 @@ std::expected<std::filesystem::path, std::string> storeFile(const Platform& plat
 std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) {
   const auto file = storeFile(platformOver(options));
   if (!file) return std::unexpected(file.error());
-  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + patience);
+  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + writerWait);
   if (!opened) return std::unexpected(file->string() + ": " + opened.error().text);
   for (const auto& damaged : opened->content.unreadable) {
     std::cerr << "quillon-consent store: a damaged entry is left out: " << damaged << '\n';
@@ -93,7 +93,7 @@ std::expected<void, std::string> get(const StoreOptions& options) {
 
 std::expected<HistoryPage, std::string> historyIn(SuiteFile& file) {
   const auto journal = file.readJournal(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords,
-                                        std::chrono::steady_clock::now() + patience);
+                                        std::chrono::steady_clock::now() + writerWait);
   if (!journal) return std::unexpected(journal.error().text);
   auto history = historyOf(*journal, maximumJournalRecords);
   if (history.damaged > 0) {

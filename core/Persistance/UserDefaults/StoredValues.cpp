@@ -10,7 +10,7 @@ namespace quillon {
 
 namespace {
 
-// What a key of the store is about; nothing for one of the SDK's own, or of no subject.
+// The subject of a store key; nullopt for an SDK key or any other.
 std::optional<DecisionSubject> subjectUnder(std::string_view name) {
   if (!key::isPurpose(name)) {
     if (key::isReserved(name)) return std::nullopt;
@@ -150,13 +150,13 @@ void StoreTransaction::remove(std::string_view key) {
   changes_.insert_or_assign(std::string(key), std::nullopt);
 }
 
-void StoreTransaction::giveConsents(GivenType type) {
+void StoreTransaction::setGivenType(GivenType type) {
   if (type == GivenType::noAction) return;
   if (type == GivenType::implicitly && consentGivenType() == GivenType::explicitly) return;
   set(key::consentGivenType, std::string(rawValue(type)));
 }
 
-void StoreTransaction::askAgain() {
+void StoreTransaction::requestReconsent() {
   set(key::consentGivenType, std::string(rawValue(GivenType::noAction)));
 }
 

@@ -125,7 +125,7 @@ class LinuxPermissionSources::Device {
     entries_[source].source->ask([this, source, done = std::move(done)](const Answer& answer) mutable {
       const bool changed = learn(source, answer);
       done(answer);
-      if (changed) observers_.tell();
+      if (changed) observers_.notify();
     });
   }
 
