@@ -43,7 +43,7 @@ std::expected<std::shared_ptr<FileWatch>, std::string> FileWatch::start(std::sha
     if (!self || self->loop_->isClosed()) return;
     contained([&] {
       self->waitForEvents();
-      self->check();  // at what changed before
+      self->check();  // for changes made before
     });
   });
   return watch;

@@ -14,10 +14,10 @@ namespace quillon {
 
 namespace {
 
-// The application depends on it, so an error that passes is worth another look.
+// The application depends on the store, so transient errors are retried.
 constexpr int maximumAttempts = 3;
 
-// Somewhat less than the 100 ms promised, for this clock lags by up to a tick (10 ms at most).
+// Below the promised 100 ms, as this clock lags by up to a tick (10 ms at most).
 constexpr std::int64_t probeIntervalNanoseconds = 90'000'000;
 
 std::int64_t coarseNanoseconds() {
@@ -72,7 +72,7 @@ std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds op
   }
 }
 
-// What is stored may be anything, so nothing counts as decided.
+// The stored content is unknown, so nothing counts as decided.
 void SqliteSuite::startHeld(const std::string& why) {
   isHeld_ = true;
   publish(std::make_shared<const SuiteEntries>(SuiteEntries{{std::string(lostEntriesKey), true}}));
@@ -92,8 +92,8 @@ bool SqliteSuite::probe() const noexcept {
     if (!connection) return false;
     bool hasProbed = true;
     if (!file_ || file_->moved()) {
-      // Another process has set the file aside and begun a new one, or somebody has put back an older one. When nothing
-      // usable stands there, what we know stays valid until the next update mends the file.
+      // Another process has replaced the file, or an older copy was restored. Without a usable file the last known
+      // content stays valid until the next update repairs the file.
       auto opened = SuiteFile::open(path_, Deadline::min());
       if (opened) {
         useFile(std::move(*opened));
@@ -101,7 +101,7 @@ bool SqliteSuite::probe() const noexcept {
         hasProbed = false;
       }
     } else if (const auto done = refresh(); !done) {
-      if (done.error().recovery == Recovery::wait) return false;  // a commit is under way: the next reader asks again
+      if (done.error().recovery == Recovery::wait) return false;  // during a commit; the next reader probes again
       if (version_) note("Store " + path_.string() + " cannot be read any more: " + done.error().text);
       version_.reset();
     }
@@ -110,7 +110,7 @@ bool SqliteSuite::probe() const noexcept {
     deliver();
     return hasProbed;
   } catch (...) {
-    return false;  // out of memory: the snapshot stays, and the next reader tries again
+    return false;  // out of memory: the snapshot stays, and the next reader retries
   }
 }
 
@@ -145,7 +145,7 @@ std::expected<SuiteReading, std::string> SqliteSuite::read() const {
       }
       if (!unmarked) return std::unexpected(problem(unmarked.error()).text);
       noteDamaged(unmarked->damaged);
-      return SuiteReading{published_, std::move(unmarked->records)};  // only a holder of the connection publishes
+      return SuiteReading{published_, std::move(unmarked->records)};  // unchanged while the connection is held
     } catch (const std::exception& error) {
       return std::unexpected(error.what());
     }
@@ -166,7 +166,7 @@ SqliteResult<JournalPage> SqliteSuite::readOnce() const {
   return file_->readUnmarked();
 }
 
-// An open file stands at the path.
+// Ensures that an open file is at the path.
 std::expected<void, std::string> SqliteSuite::ready() const {
   if (file_ && !file_->moved()) return {};
   auto opened = SuiteFile::open(path_, writerDeadline());
@@ -221,7 +221,7 @@ SqliteResult<> SqliteSuite::refresh() const {
   if (version_ == *seen) return {};
   auto content = file_->read();
   if (!content) return std::unexpected(content.error());
-  if (version_) hasChanged_ = true;  // perhaps in the journal alone
+  if (version_) hasChanged_ = true;  // possibly only in the journal
   publish(std::move(*content));
   return {};
 }
@@ -265,7 +265,7 @@ void SqliteSuite::deliver() const noexcept {
     notes.swap(notes_);
   }
   for (auto& [level, message] : notes) {
-    // The host's own failure, and nobody to tell it to.
+    // An exception of the host's report; there is nowhere to report it.
     if (report_) contained([&] { report_(level, std::move(message)); });
   }
   if (!hasChanged_.exchange(false) || !loop_ || observers_->empty()) return;

@@ -1,4 +1,4 @@
-// Updates of a suite, and what is done when its file does not take them.
+// Updates of a suite, and recovery when the file fails.
 #include <algorithm>
 #include <exception>
 #include <thread>
@@ -27,7 +27,7 @@ SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
   return entries;
 }
 
-// What the changes really change, as rows; the keys belong to the changes.
+// The effective changes as rows; keys refer into the changes.
 using Rows = std::vector<std::pair<std::string_view, std::optional<StoredValue>>>;
 
 std::expected<Rows, std::string> rowsToWrite(const SuiteEntries& current, const SuiteChanges& changes) {
@@ -49,7 +49,7 @@ std::expected<Rows, std::string> rowsToWrite(const SuiteEntries& current, const 
 
 }  // namespace
 
-// Rolls back unless committed; a connection that cannot even do that is given up.
+// Rolls back unless committed; drops a connection that fails to roll back.
 class SqliteSuite::Transaction {
  public:
   explicit Transaction(SqliteSuite& suite) : suite_(suite) {}
@@ -100,13 +100,13 @@ std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
     auto& problem = done.error();
     const bool isHopeless = problem.recovery == Recovery::none || problem.recovery == Recovery::wait;
     if (isHopeless || attempts == maximumAttempts) return std::unexpected(std::move(problem.text));
-    // At first the fault may lie with our connection, or somebody may have put things right.
+    // First try a new connection: the fault may be ours, or repaired by another process.
     if (problem.recovery == Recovery::replace && !std::exchange(hasReopened, true)) {
       problem.recovery = Recovery::reopen;
     }
     const auto recovered = recover(problem);
     if (!recovered) return std::unexpected(recovered.error().text);
-    // What was committed to a file that had lost its place was written again with the rest of it.
+    // A commit to a file that was moved away was written again by recover().
     if (isCommitted && *recovered == Recovered::ours) return {};
   }
 }
@@ -120,7 +120,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::begin(std::unique_lock<st
     if (begun.error().recovery != Recovery::wait || std::chrono::steady_clock::now() >= deadline) {
       return std::unexpected(problem(begun.error()));
     }
-    // Readers go on probing while another process writes.
+    // Unlocked while another process writes, so that readers can probe.
     connection.unlock();
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
     connection.lock();
@@ -166,7 +166,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   transaction.committed();
   isCommitted = true;
   publish(std::move(next));
-  // Set aside by another process between our look and our commit: the changes go into the file that took its place.
+  // Moved away by another process since it was checked: the update must go into its replacement.
   if (file_->moved()) return std::unexpected(Problem{Recovery::reopen, "it was moved away"});
   return {};
 }
@@ -177,7 +177,7 @@ SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
           "store " + path_.string() + (isHeld ? ": another process holds it: " : ": ") + error.text};
 }
 
-// Leaves a healthy file open at the path, holding what was last known to be committed.
+// Opens or creates a healthy file at the path, with the content last known to be committed.
 std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover(const Problem& why) {
   const auto locked = Folder::openLocked(path_.parent_path(), writerDeadline());
   if (!locked) return std::unexpected(Problem{Recovery::none, locked.error()});
@@ -190,7 +190,7 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
   std::vector<JournalRecord> journal;
   if (wasOpen) {
     if (file_->moved()) {
-      // Other processes may have committed to it after we last looked.
+      // Other processes may have committed since the last read.
       if (auto content = file_->read(); content && content->unreadable.empty()) publish(std::move(*content));
     }
     journal = file_->readableJournal();
@@ -201,12 +201,12 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
   auto found = SuiteFile::open(path_, writerDeadline());
   if (found) {
     if (found->content.unreadable.empty() && !isReplaced) {
-      // Another process was faster, or somebody restored a copy. What stands there counts as it is: adding our keys to
-      // it could bring back what has been erased from it since.
+      // Another process was faster, or a copy was restored. That content counts as it is: adding our keys could restore
+      // erased ones.
       useFile(std::move(*found));
       return Recovered::anothers;
     }
-    // Nobody may write to it any more, nor have done so since it was read.
+    // No process may write to it from now on, nor have written since it was read.
     if (auto begun = found->file.begin(); !begun) return std::unexpected(problem(begun.error()));
     const auto version = found->file.version();
     if (!version) return std::unexpected(problem(version.error()));
@@ -219,7 +219,7 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
   } else {
     const auto& error = found.error();
     if (error.recovery == Recovery::none || error.recovery == Recovery::wait) return std::unexpected(problem(error));
-    // A start that was cut off by an earlier version may have left nothing in the place of a damaged file.
+    // An interrupted start of an earlier version may have set a damaged file aside and left none in its place.
     const bool isLost = error.recovery == Recovery::replace || isSuiteFileKeptAside(path_);
     if (!isKnown_ && isLost) entries.insert_or_assign(std::string(lostEntriesKey), true);
   }

@@ -113,7 +113,7 @@ std::expected<void, std::string> MemorySuite::update(const Edit& edit) {
   try {
     if (process_->hasEnded) return std::unexpected("the process has ended");
     const auto fault = process_->fault ? process_->fault() : MemoryFault::none;
-    // The edit is called all the same, as on a disk that turns out to be full when there is something to write.
+    // The edit runs anyway, as on a disk that turns out to be full only when writing.
     if (fault == MemoryFault::before) {
       static_cast<void>(edit(*snapshot()));
       return std::unexpected("the disk is full");
