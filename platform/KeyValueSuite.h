@@ -154,7 +154,6 @@ class KeyValueStore {
   // Waits up to ten seconds for another process that holds the suite. After that it reports so and continues without
   // the stored content: snapshots contain only lostEntriesKey and updates fail until the other process releases the
   // suite. It is then loaded automatically within a few seconds, and observers are called.
-  //
   virtual std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) = 0;
 
   // Tries to acquire the named turn; null while another owner has it, in any process of the application. Never blocks.

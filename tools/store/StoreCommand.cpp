@@ -42,7 +42,7 @@ Platform platformOver(const StoreOptions& options) {
   return linuxPlatform(linux_);
 }
 
-// The store's file, by a way without links; an error when there is none.
+// The store's file, with links resolved; an error when there is none.
 std::expected<std::filesystem::path, std::string> storeFile(const Platform& platform) {
   const auto folder = platform.files->applicationSupportDirectory();
   if (!folder) return std::unexpected("there is no data folder; give one with --data-dir");
@@ -52,7 +52,7 @@ std::expected<std::filesystem::path, std::string> storeFile(const Platform& plat
   return file;
 }
 
-// Opens the file itself: the store would set a damaged one aside and begin a new one, which is no way of looking at it.
+// Opens the file directly: the store would replace a damaged one, which a read must not do.
 std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) {
   const auto file = storeFile(platformOver(options));
   if (!file) return std::unexpected(file.error());
@@ -64,7 +64,7 @@ std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) 
   return std::move(*opened);
 }
 
-// With the token masked.
+// The entries, with the token masked.
 std::expected<SuiteEntries, std::string> read(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
@@ -102,7 +102,7 @@ std::expected<HistoryPage, std::string> historyIn(SuiteFile& file) {
   return history;
 }
 
-// One decision a line, oldest first.
+// One decision per line, oldest first.
 std::expected<void, std::string> history(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
@@ -114,7 +114,7 @@ std::expected<void, std::string> history(const StoreOptions& options) {
   return {};
 }
 
-// All that is kept of the person, but for the token, which is the application's.
+// All data stored about the person; excludes the token, which belongs to the application.
 std::expected<void, std::string> exportPerson(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
