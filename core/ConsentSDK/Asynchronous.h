@@ -66,7 +66,7 @@ void deliver(Work& work, std::move_only_function<Task<T>()> background, Receiver
   });
 }
 
-// The same without a result.
+// As above, without a result.
 inline void answerLater(Work& work, std::function<void()> done, std::move_only_function<Task<void>()> background) {
   work.start([&work, done = std::move(done), background = std::move(background)]() mutable -> Task<void> {
     co_await background();

@@ -30,7 +30,7 @@ class Questions {
   // Whether the device is known to grant the permission.
   bool isPermissionAllowed(const VantariKey& permission) const;
 
-  // For the background: the device is asked.
+  // Background threads only: asks the device.
   std::vector<Purpose> purposes() const;
   std::vector<AppPermission> permissions() const;
   ConsentStatus livePermission(const VantariKey& permission) const;
