@@ -46,7 +46,7 @@ long privateMemory() {
   return sumOf("/proc/self/smaps_rollup", "Private_Clean:") + sumOf("/proc/self/smaps_rollup", "Private_Dirty:");
 }
 
-// Of each thread but this one.
+// Wake-ups of each thread but this one.
 std::map<std::string, long> wakeUps() {
   std::map<std::string, long> counts;
   for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
@@ -56,7 +56,7 @@ std::map<std::string, long> wakeUps() {
   return counts;
 }
 
-// A thread that has ended meanwhile was woken for that.
+// A thread that ended meanwhile counts as one wake-up.
 long wakeUpsSince(std::map<std::string, long> before) {
   long sum = 0;
   for (const auto& [thread, count] : wakeUps()) {
@@ -94,7 +94,7 @@ int main(int argc, char** argv) {
   if (!quillon::configure({.applicationId = "footprint", .dataDirectory = argv[2]})) return 1;
 #endif
   quillon::ConsentSDK& sdk = quillon::ConsentSDK::shared();
-  // Marks in a trace of system calls.
+  // Marks a position in a trace of system calls.
   syscall(SYS_getppid);
   sdk.setup(
       {.appUrl = argv[3], .cdnUrl = argv[3], .tenantId = "demo-tenant", .appId = "news-reader", .locationCode = "DE"});

@@ -1,4 +1,4 @@
-// What every store promises, over every store there is.
+// The contract of every store, tested on all implementations.
 #include "platform/KeyValueSuite.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 using test::contains;
 using test::Signal;
 
-// A second store shows what a later process finds, where there is such a thing.
+// A second store shows what a later process finds, where possible.
 struct OnDisk {
   test::TemporaryFolder folder{test::TemporaryFolder::fastParent()};
   std::shared_ptr<WorkPool> pool = std::make_shared<WorkPool>("work", 2);
