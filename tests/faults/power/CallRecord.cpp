@@ -17,7 +17,7 @@ namespace quillon::test {
 namespace {
 
 std::atomic<bool> isRecording{false};
-std::mutex mutex;  // guards the two below
+std::mutex mutex;  // guards the two members below
 std::string recordedFolder;
 std::vector<DiskCall> calls;
 
