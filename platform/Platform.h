@@ -37,7 +37,7 @@ struct Platform {
   std::shared_ptr<HostApplication> host;
   std::shared_ptr<RandomSource> random;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
-  std::shared_ptr<PrivacySignals> signals;   // null: a device on which users cannot ask for privacy
+  std::shared_ptr<PrivacySignals> signals;   // null: a device without privacy signals
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
   bool areScreensLinked = false;             // a user interface is linked, configured or not
 

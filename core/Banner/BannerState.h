@@ -20,11 +20,11 @@ struct BannerState {
   }
 };
 
-// `isSettled`: privacy signals answer all that it would ask.
-[[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isSettled);
+// `isCoveredBySignals`: privacy signals answer everything that the banner would ask.
+[[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isCoveredBySignals);
 
 // The state as text. `hasDecisions`: a purpose was decided before.
 [[nodiscard]] BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration,
-                                              bool isSettled, bool hasDecisions);
+                                              bool isCoveredBySignals, bool hasDecisions);
 
 }  // namespace quillon

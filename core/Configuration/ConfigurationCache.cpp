@@ -114,7 +114,7 @@ void ConfigurationCache::reset() {
   if (!folder) return;
   const std::scoped_lock lock(mutex_);
   if (platform_.files->stamp(*folder / fileName)) removeCDNFile(*platform_.files, *folder / fileName);
-  // A backup left by a save that was cut short would come back as the configuration.
+  // A backup left by an interrupted save would be restored as the configuration.
   if (platform_.files->stamp(*folder / backupName)) removeCDNFile(*platform_.files, *folder / backupName);
 }
 

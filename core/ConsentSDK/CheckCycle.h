@@ -27,16 +27,16 @@ class CheckCycle {
 
   // Loads the configuration of a new session and starts watching network, permissions and the store.
   void begin(SessionPointer session);
-  // Makes privacy signals count as the session wants it, now and whenever they change.
+  // Applies the session's privacy-signal options, now and whenever a signal changes.
   void honourSignals();
-  // Ends timers and observations. Does not wait for a check.
+  // Stops timers and observations. Does not wait for a running check.
   void close();
 
   // Restarts the recurring check, one period from now.
   void startRecurringCheck();
-  // Starts it when the consents were given meanwhile, by another process, and it does not run yet.
+  // Starts the recurring check if it is not running and consents were given meanwhile, by another process.
   void followOtherProcesses();
-  // Runs one check, or joins the one that is in flight.
+  // Runs a check, or joins the one in flight.
   Task<void> check();
 
  private:

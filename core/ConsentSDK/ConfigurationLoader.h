@@ -56,11 +56,10 @@ class ConfigurationLoader {
   // The configuration applied last; null before the first and after close().
   std::shared_ptr<const ConfigurationInForce> inForce() const;
 
-  // Brings what is stored in line with privacy signals, and with what the session has them stand for. True when that
-  // changed something.
+  // Updates stored consents to privacy signals and the session's mapping of them. True when a consent changed.
   bool honourSignals();
 
-  // Applies what is in force anew, in the background: more is known of the user's location.
+  // Re-applies the configuration in force, in the background, after the user's location became known.
   void reapply();
   // Empties the store and re-applies the configuration in force, in one transaction.
   bool removeConsents();

@@ -95,7 +95,7 @@ DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, b
                                    const DecisionContext& context) {
     for (const auto& resolution : manager.choices(selectedPurposes, transaction)) {
       const bool isSame = transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status;
-      // What a signal decided was shown, and is the user's own choice now.
+      // Signal decisions were shown to the user, and become the user's own choice.
       if (isSame && !manager.isOptedOutBySignal(resolution.purposeId, transaction)) continue;
       PurposeManager::setConsent(transaction, resolution, context);
     }

@@ -42,9 +42,9 @@ Task<void> CheckCycle::follow(SessionPointer session) {
     scheduleRetry(session);
     co_return;
   }
-  judgeBanner();
-  // What an earlier run left behind need not wait for the first period to pass, nor for the next answer where the
-  // document asks again.
+  reportDueBanner();
+  // Uploads what an earlier run left pending without waiting for the first period, or for the next answer if the
+  // configuration asks again.
   if (wasPending) co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
@@ -192,7 +192,7 @@ void CheckCycle::startPermissionObservation() {
 }
 
 void CheckCycle::honourSignals() {
-  std::unique_ptr<PrivacySignalSubscription> observation;  // The earlier one, dropped outside the lock as above.
+  std::unique_ptr<PrivacySignalSubscription> observation;  // the earlier one, destroyed outside the lock as above
   const auto session = s_.sessions.current();
   if (session && session->options.privacySignal) {
     observation = s_.signal.observe(s_.work.whileAlive([this] {
@@ -202,7 +202,7 @@ void CheckCycle::honourSignals() {
           s_.loader.refreshConsentMode();
           s_.uploader.schedule();
         }
-        judgeBanner();
+        reportDueBanner();
         co_return;
       });
     }));
@@ -211,12 +211,12 @@ void CheckCycle::honourSignals() {
     const std::scoped_lock lock(mutex_);
     if (!s_.work.isClosed()) signalObservation_.swap(observation);
   }
-  // On this thread: what is asked from here on must see it.
+  // On this thread, so that later queries see it.
   if (s_.loader.honourSignals()) s_.uploader.schedule();
   s_.events.gates.update();
 }
 
-void CheckCycle::judgeBanner() {
+void CheckCycle::reportDueBanner() {
   if (s_.events.bannerDue.isEmpty()) return;
   BannerExplanation banner = s_.explainBanner();
   {

@@ -36,8 +36,8 @@ std::int64_t numberOf(const NewestDecisions& decisions, const DecisionSubject& s
   return found == decisions.end() ? 0 : found->second;
 }
 
-// What a signal decided must not pass for the user's word, so it goes in a request of its own. True when the request has
-// to be followed by that.
+// Signal decisions must not be uploaded as the user's, so they go into a separate request. True when that request must
+// follow.
 bool keepBackSignals(PostConsentsRequest& request) {
   auto& consents = request.purposeConsents;
   const auto isSignals = [](const PurposeConsent& consent) { return consent.cause.has_value(); };
@@ -48,8 +48,8 @@ bool keepBackSignals(PostConsentsRequest& request) {
   return true;
 }
 
-std::int64_t newestNumber(const std::vector<JournalRecord>& unsettled) {
-  return unsettled.empty() ? 0 : unsettled.front().number;
+std::int64_t newestNumber(const std::vector<JournalRecord>& unmarked) {
+  return unmarked.empty() ? 0 : unmarked.front().number;
 }
 
 // Each subject with the number of its newest decision; 0 without a history entry.
@@ -93,12 +93,12 @@ Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
     const auto reading = s_.store.read();
     if (!reading) co_return false;
     const StoredValues stored(*reading->entries);
-    if (!stored.isAnythingPending()) co_return true;  // another process has sent it
-    const NewestDecisions newest = newestDecisions(reading->unsettled);
+    if (!stored.isAnythingPending()) co_return true;  // another process has uploaded it
+    const NewestDecisions newest = newestDecisions(reading->unmarked);
     if (trigger == Trigger::automatic && !isDue(stored, newest, configuration)) co_return false;
     PostConsentsRequest upload = request(*session, stored, configuration);
     const bool isAll = !keepBackSignals(upload);
-    Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unsettled)};
+    Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unmarked)};
     const bool isAccepted = co_await send(session->options.appUrl, std::move(upload), std::move(sent));
     if (!isAccepted || isAll) co_return isAccepted;
   }

@@ -28,7 +28,7 @@ Listening Gates::add(std::int64_t purposeId, std::function<void()> start, std::f
 }
 
 void Gates::update() {
-  followers.tell();
+  followers.notify();
   std::vector<std::weak_ptr<Gate>> gates;
   {
     const std::scoped_lock lock(mutex_);

@@ -26,7 +26,7 @@ class Gates {
 
   // Re-evaluates every gate.
   void update();
-  // Those who are told so, on the thread that has changed it; they must only hand work on.
+  // Notified of changes on the thread that made them; must only post work.
   Followers<> followers;
 
  private:

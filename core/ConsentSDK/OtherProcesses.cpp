@@ -28,10 +28,10 @@ void OtherProcesses::begin() {
     if (std::exchange(isObserving_, true)) return;
   }
   {
-    // What is stored already is nothing new, but where this process has told of something else.
+    // Stored consents count as reported, except where this process has reported something else.
     Consents present = storedIn(*s_.store.snapshot());
     const std::scoped_lock lock(mutex_);
-    told_.merge(present);
+    reported_.merge(present);
   }
   auto subscription = s_.store.observe(s_.work.whileAlive([this] { s_.work.run([this] { compare(); }); }));
   {
@@ -45,8 +45,8 @@ void OtherProcesses::compareIfDifferent() {
   const Consents present = storedIn(*s_.store.snapshot());
   {
     const std::scoped_lock lock(mutex_);
-    std::erase_if(told_, [](const auto& consent) { return !consent.second; });
-    if (present == told_) return;
+    std::erase_if(reported_, [](const auto& consent) { return !consent.second; });
+    if (present == reported_) return;
   }
   compare();
 }
@@ -60,11 +60,11 @@ void OtherProcesses::close() {
 void OtherProcesses::addOwn(const std::vector<Decision>& decisions) {
   const std::scoped_lock lock(mutex_);
   for (const Decision& decision : decisions) {
-    // The listeners hear of changes only: of this one as soon as what another process has stored is compared.
+    // Listeners receive changes only; this one follows when another process's content is compared.
     if (!Events::isChange(decision)) continue;
     const DecisionSubject subject{decision.purposeId, decision.permission};
     if (decision.cause == DecisionCause::removed) {
-      told_[subject] = std::nullopt;
+      reported_[subject] = std::nullopt;
     } else {
       reported_.insert_or_assign(subject, decision.to);
     }

@@ -29,15 +29,15 @@ class OtherProcesses {
  private:
   void compare();
   void compareIfDifferent();
-  // How a consent came about that is new to this process.
+  // The decision behind a consent that is new to this process.
   Decision decisionOn(const DecisionSubject& subject, std::optional<ConsentStatus> from,
                       std::optional<ConsentStatus> to, const HistoryPage& history) const;
 
   const Services s_;
   std::mutex mutex_;  // guards the members below; never held while anything else is called
   bool isObserving_ = false;
-  // Nothing where the listeners were told that a consent was removed.
-  std::map<DecisionSubject, std::optional<ConsentStatus>> told_;
+  // nullopt: reported to listeners as removed.
+  std::map<DecisionSubject, std::optional<ConsentStatus>> reported_;
   std::unique_ptr<SuiteSubscription> subscription_;
 };
 

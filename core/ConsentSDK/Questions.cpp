@@ -111,7 +111,7 @@ Task<std::string> Questions::consentScript() {
 }
 
 std::string Questions::withPageScripts(std::string script) const {
-  s_.pageScripts.tell(script);
+  s_.pageScripts.notify(script);
   return script;
 }
 

@@ -19,7 +19,7 @@ class Questions {
   struct Services : Foundation {
     LocationLookup& location;
     ConfigurationLoader& loader;
-    const Followers<std::string&>& pageScripts;  // each appends what pages are told besides
+    const Followers<std::string&>& pageScripts;  // each appends to the pages' script
   };
   explicit Questions(Services services) : s_(services) {}
 
@@ -47,7 +47,8 @@ class Questions {
 
  private:
   std::string withPageScripts(std::string script) const;
-  // The mapping that applies to the user; null unless the configuration drives consent mode. Owned by it.
+  // The mapping that applies to the user; null unless the configuration drives consent mode. Owned by the
+  // configuration.
   Task<const DefaultMapping*> mappingFor(ConfigurationPointer configuration);
   std::optional<Decision> newestDecision(std::int64_t purposeId) const;
 

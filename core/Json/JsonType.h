@@ -20,7 +20,7 @@ namespace quillon {
 /// A field of a structure in a document.
 struct JsonField {
   std::string_view key;
-  const JsonType& (*type)();  // null: whatever stands there is skipped
+  const JsonType& (*type)();  // null: the value is skipped
   bool mayBeNull;
   /// The address of the value in @p record; makes an optional member present. Null for a constant.
   void* (*open)(void* record);

@@ -62,14 +62,14 @@ struct Constant {
   std::string_view text;
 };
 
-/// A field that documents are known to have and nobody reads: so that it costs least.
+/// A known field that is skipped.
 struct Ignored {
   static constexpr bool inDocument = true;
 
   std::string_view key;
 };
 
-/// The fields of R in declaration order, a std::tuple of the above; specialised beside each record's other operations.
+/// The fields of R in declaration order, as a std::tuple of the above; specialised where R's other operations are.
 template <class R>
 inline constexpr std::tuple<> fields = {};
 

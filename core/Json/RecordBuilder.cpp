@@ -26,7 +26,7 @@ std::uint64_t wordAt(const char* place) {
   return word;
 }
 
-// For keys, of which a document has a great many: most are compared in two steps, the last of which looks back.
+// Compares keys, of which a document has very many: mostly in two overlapping loads.
 bool areSame(std::string_view left, std::string_view right) {
   constexpr std::size_t step = sizeof(std::uint64_t);
   if (left.size() != right.size()) return false;
@@ -190,7 +190,7 @@ bool RecordBuilder::begin(bool isArray, const JsonType* type) {
   Level& level = *++top_;
   level.type = type;
   level.element = type && type->element ? &type->element() : nullptr;
-  level.elementBytes = level.element ? 2 * level.element->size : 0;  // An array grows by doubling.
+  level.elementBytes = level.element ? 2 * level.element->size : 0;  // the array doubles as it grows
   level.value = type ? address() : nullptr;
   level.isArray = isArray;
   level.count = 0;

@@ -51,9 +51,9 @@ class RecordBuilder {
     void* value = nullptr;
     bool isArray = false;
     std::size_t count = 0;         ///< array: elements begun
-    std::size_t elementBytes = 0;  ///< array: what one more takes
-    std::size_t next = 0;          ///< record: the field that probably comes next
-    std::uint64_t seen = 0;        ///< record: a bit for each field met
+    std::size_t elementBytes = 0;  ///< array: memory of one more element
+    std::size_t next = 0;          ///< record: the field expected next
+    std::uint64_t seen = 0;        ///< record: a bit for each field seen
     std::size_t firstSkip = 0;     ///< where its keys begin in skippedKeys_
     std::string_view key;          ///< object: the latest key
     std::string ownKey;            ///< holds that key when the document spells it with escapes
@@ -80,7 +80,7 @@ class RecordBuilder {
   std::string_view whole(std::string_view piece, std::size_t size);
 
   std::string_view document_;
-  std::vector<Level> levels_;    // full length from the start; the first is that of the document
+  std::vector<Level> levels_;    // allocated in full; the first is the document's
   Level* top_ = levels_.data();  // the innermost
   Target target_;
   std::string pieces_;

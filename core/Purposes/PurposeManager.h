@@ -24,21 +24,21 @@ class PurposeManager {
   PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
                  std::shared_ptr<const MainConfiguration> configuration, OptOuts optOuts = {});
 
-  // Brings the purposes that are bound to app tracking in line with its status, and others with privacy signals. True
-  // when a purpose has no consent yet, a consent followed either, or the process's own change flag is set.
+  // Updates the purposes bound to app tracking to its status, and others to privacy signals. True when a purpose has no
+  // consent yet, a consent changed with either, or the process's change flag is set.
   bool checkPurposes(const DecisionContext& context);
 
-  // Brings the purposes in line with privacy signals alone. True when that changed something.
+  // Updates the purposes to privacy signals only. True when a consent changed.
   bool honourSignals(const DecisionContext& context);
 
   // Whether a signal decides about the purpose.
   bool isOptedOutBySignal(std::int64_t purposeId, const StoredValues& stored) const {
     return optOuts_.include(purposeId, stored);
   }
-  // Whether there is something that a banner would ask, and privacy signals settle all of it.
+  // Whether a banner would ask something, and privacy signals answer all of it.
   bool areSettledBySignal(const StoredValues& stored) const;
 
-  // The purposes in display order, each with its present consent and, when app tracking governs it, marked so.
+  // The purposes in display order with their current consents, marked when governed by app tracking.
   std::vector<Purpose> purposesWithConsents() const;
 
   struct Resolution {
@@ -57,7 +57,7 @@ class PurposeManager {
   // shown. Other purposes without a choice are omitted.
   Resolutions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
 
-  // Whether anything is stored for a purpose that neither app tracking nor a privacy signal has decided.
+  // Whether a purpose decided neither by app tracking nor by a privacy signal has a stored decision.
   bool hasDecisions(const StoredValues& stored) const;
 
   // Stores the default of every undecided purpose: the tracking status, granted when essential, else the compliance

@@ -35,9 +35,9 @@ class PurposeTerms {
   bool isGrantedByDefault_;
 };
 
-// Whether an application may act on a purpose. Fails closed: without a decision only what the terms in force allow,
-// which are null while there are none, and nothing after a loss of entries; never what is bound to tracking while the
-// device has not authorized that, nor what a privacy signal opts out of. Allocates nothing.
+// Whether an application may act on a purpose. Fails closed: an undecided purpose needs terms (null while none are in
+// force) that allow it, and no lost entries; a purpose bound to tracking also needs the device's authorization; a
+// privacy signal's opt-out denies. Allocates nothing.
 [[nodiscard]] bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const PurposeTerms* terms,
                                     const AppTracking& tracking, const OptOuts& optOuts);
 

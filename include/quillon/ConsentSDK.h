@@ -163,11 +163,12 @@ class ConsentSDK {
   void getGCMConsents(std::function<void(std::map<GoogleConsentType, ConsentStatus>)> callback);
   [[nodiscard]] std::future<std::map<GoogleConsentType, ConsentStatus>> getGCMConsents();
 
-  /// A script that hands the present consents to a page in the application's own web view: `window.quillonConsents`
-  /// holds the purposes (id, name, status) and permissions (permission, status), and where the configuration drives
-  /// consent mode, `gtag('consent', 'default' | 'update', …)` is called with the four signals, before any decision and
-  /// now. Run it before the page's own scripts, and again after a change. It is safe inside a script element, whatever
-  /// the configured texts hold. With a SignalPublisher it also offers the trade's interfaces, `__tcfapi` and `__gpp`. Empty when the SDK is destroyed first.
+  /// A JavaScript that passes the current consents to a page in the application's own web view. It sets
+  /// `window.quillonConsents` to the purposes (id, name, status) and permissions (permission, status). Where the
+  /// configuration drives consent mode, it calls `gtag('consent', 'default' | 'update', …)` with the four signals: as
+  /// before any decision, and as of now. Run it before the page's own scripts, and again after a change. Safe inside a
+  /// script element, whatever the configured texts contain. With a SignalPublisher it also provides `__tcfapi` and
+  /// `__gpp`. Empty when the SDK is destroyed first.
   ///
   /// @code
   /// sdk.consentScript([view](std::string script) { view->addScriptAtDocumentStart(std::move(script)); });

@@ -31,20 +31,19 @@ struct WebViewConfig {
   bool operator==(const WebViewConfig&) const = default;
 };
 
-/// Has the signals honoured by which users have asked for privacy before: those of the device, and the application's own.
-/// While one of them is on it counts as an opt-out of the purposes named here, other than essential ones and those that
-/// the device's tracking authorization governs. It never beats an answer that the user gave, is never stored as one, and
-/// ends with the signal.
+/// Honours privacy signals: those of the device, and the application's own. While one is on it counts as an opt-out of
+/// the purposes named here, except essential ones and those governed by the device's tracking authorization. It never
+/// overrides the user's own answer, is never stored as one, and ends with the signal.
 struct PrivacySignal {
-  /// The application's own: it knows that its user wants privacy. Set up again when that changes.
+  /// The application's own signal: its user wants privacy. Call setup() again when it changes.
   bool isGiven = false;
-  /// By their purpose_id. Without a list the configuration names them ("privacy_signal_purposes").
+  /// Purposes by purpose_id. Default: those named by the configuration ("privacy_signal_purposes").
   std::optional<std::vector<std::int64_t>> purposes = std::nullopt;
 
   bool operator==(const PrivacySignal&) const = default;
 };
 
-/// Period of the recurring consent check: at least 60 seconds and at most a year; what is less or more becomes that.
+/// Period of the recurring consent check, clamped to 60 seconds to one year.
 class ConsentsCheckInterval {
  public:
   constexpr ConsentsCheckInterval(std::int64_t seconds) noexcept
@@ -141,7 +140,7 @@ struct ConsentSDKOptions {
   /// configuration, or reports `unavailable`; the result of the download is reported when it arrives. Default: the
   /// first report comes when the download is over.
   std::optional<std::chrono::milliseconds> readyWithin = std::nullopt;
-  /// Without one no privacy signal is asked for. All processes of an application should agree in this.
+  /// Default: no privacy signal is queried. All processes of an application should set the same.
   std::optional<PrivacySignal> privacySignal = std::nullopt;
 
   bool operator==(const ConsentSDKOptions&) const = default;

@@ -28,9 +28,9 @@ enum class DecisionCause {
   byDefault,       ///< "default": the compliance type's default, in the absence of a choice
   essential,       ///< "essential": users cannot opt out of the purpose
   trackingStatus,  ///< "tracking_status": the purpose is bound to the device's tracking authorization
-  device,          ///< "device": a permission as the device has it
+  device,          ///< "device": the device's answer for a permission
   signal,          ///< "signal": a privacy signal is honoured
-  removed,  ///< "removed": by removeConsents(), or with the end of a signal; told to listeners, never kept in the
+  removed,  ///< "removed": by removeConsents(), or with the end of a signal; reported to listeners, not stored in the
             ///< history
 };
 [[nodiscard]] std::string_view rawValue(DecisionCause value) noexcept;

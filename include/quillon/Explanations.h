@@ -20,8 +20,8 @@ enum class BannerReason {
   intervalOver,     ///< "interval_over": due; the answer has expired
   onScreen,         ///< "on_screen": not due
   answered,         ///< "answered": not due before a date
-  signal,           ///< "signal": not due; a privacy signal is honoured and settles all that there is to ask
-  noConfiguration,  ///< "no_configuration": not due; there is nothing that could be asked
+  signal,           ///< "signal": not due; an honoured privacy signal answers everything it would ask
+  noConfiguration,  ///< "no_configuration": not due; no configuration is in force
 };
 [[nodiscard]] std::string_view rawValue(BannerReason value) noexcept;
 

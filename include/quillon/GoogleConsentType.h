@@ -16,7 +16,7 @@ enum class GoogleConsentType {
   adPersonalization,  ///< "ad_personalization"
 };
 
-/// The name of @p type as analytics libraries know it.
+/// The name of @p type in analytics libraries.
 [[nodiscard]] std::string_view rawValue(GoogleConsentType value) noexcept;
 
 }  // namespace quillon

@@ -49,7 +49,7 @@ struct Purpose {
   std::optional<bool> isATTMapped = false;
   /// Not part of the document: the explanation shown for a purpose governed by tracking.
   std::optional<LocalizedText> attDescription = std::nullopt;
-  /// Not part of the document: true for a purpose that is off because a privacy signal is honoured.
+  /// Not part of the document: true for a purpose that is off because of a privacy signal.
   bool isOptedOutBySignal = false;
 };
 
@@ -125,7 +125,7 @@ struct MainConfiguration {
   std::optional<bool> isSettingsPromptEnabled = std::nullopt;  ///< "is_sp_enabled"
   std::optional<bool> isGcmEnabled = std::nullopt;
   std::optional<GcmConfig> gcmConfig = std::nullopt;
-  /// Those that a privacy signal opts out of, where the application honours signals and names none itself.
+  /// The purposes that a privacy signal opts out of, if the application honours signals and names none itself.
   std::optional<std::vector<std::int64_t>> privacySignalPurposes = std::nullopt;
 };
 

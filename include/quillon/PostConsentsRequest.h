@@ -21,7 +21,7 @@ struct PurposeConsent {
   /// Time of the decision, whole seconds since 1970-01-01T00:00:00Z.
   std::int64_t timestamp = 0;
   bool isEssential = false;
-  /// `signal` where a privacy signal decided; omitted elsewhere.
+  /// `signal` for a privacy signal's decision, else omitted.
   std::optional<DecisionCause> cause = std::nullopt;
 
   bool operator==(const PurposeConsent&) const = default;

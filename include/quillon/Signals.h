@@ -42,9 +42,9 @@ class Signals {
   /// isSignalKey() is true in one step, so that readers never see a mixture.
   [[nodiscard]] SignalKeys keys(const SignalState& state) const;
 
-  /// What pages in the application's own web view are told: `__tcfapi` and `__gpp`, for the page and its frames. Run it
-  /// before the page's own scripts, and again in the same page after a change, of which it tells the page's listeners.
-  /// It is safe inside a script element. Empty when there are mistakes.
+  /// A script with the interfaces `__tcfapi` and `__gpp` for pages in the application's own web view and their frames.
+  /// Run it before the page's own scripts, and again in the same page after a change, which it reports to the page's
+  /// listeners. Safe inside a script element. Empty when there are errors in the options.
   [[nodiscard]] std::string pageScript(const SignalState& state) const;
 
  private:

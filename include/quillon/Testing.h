@@ -106,9 +106,9 @@ class Device {
   /// Sets the device's answer for a permission. Returns false, changing nothing, when no answer of that permission's
   /// source means this status; `withDrawn` never does.
   bool setPermission(const VantariKey& permission, ConsentStatus status);
-  /// Whether the user has asked all applications of the device for privacy; see ConsentSDKOptions::privacySignal.
+  /// Sets whether the user has asked all applications of the device for privacy; see ConsentSDKOptions::privacySignal.
   void setPrivacySignal(bool isOn);
-  /// The languages of the device, best first, for the next launch. Default: "en".
+  /// The device's preferred languages, best first, for the next launch. Default: "en".
   void setLanguages(std::vector<std::string> languages);
   /// On a full disk, decisions and configurations cannot be stored; stored ones can be read.
   void setDiskFull(bool isFull);

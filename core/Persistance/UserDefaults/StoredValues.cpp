@@ -104,7 +104,7 @@ bool StoredValues::isBoundToTracking(std::int64_t purposeId) const {
   return list && std::ranges::find(*list, purposeId) != list->end();
 }
 
-// The list that this version writes ascends; in another one at most less is found.
+// This version writes sorted lists; in others some purposes may not be found.
 bool StoredValues::isAnswered(std::int64_t purposeId) const {
   const auto* list = find<std::vector<std::int64_t>>(key::answeredPurposesList);
   return list && std::ranges::binary_search(*list, purposeId);
@@ -119,7 +119,7 @@ std::vector<std::int64_t> StoredValues::decidedBySignal() const {
   return numbers(key::signalPurposesList);
 }
 
-bool StoredValues::isDecidedByNoOther(std::string_view applicationId) const {
+bool StoredValues::isDecidedOnlyBy(std::string_view applicationId) const {
   const auto* list = find<std::vector<std::string>>(key::decidedApplicationsList);
   return !list || std::ranges::all_of(*list, [&](const std::string& decided) { return decided == applicationId; });
 }
@@ -163,7 +163,7 @@ void StoreTransaction::requestReconsent() {
 void StoreTransaction::append(Decision decision, std::string_view applicationId) {
   decision.configurationVersion = integer(key::configurationVersion, 0);
   decision.complianceType = complianceType();
-  // What the device decides it decides for every application; a signal's effect ends with it.
+  // A device's decision holds for every application; a signal's effect ends with it.
   const bool isDevices = decision.cause == DecisionCause::device || decision.cause == DecisionCause::trackingStatus ||
                          decision.cause == DecisionCause::signal;
   decisions_.push_back(std::move(decision));

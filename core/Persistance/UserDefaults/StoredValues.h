@@ -54,13 +54,13 @@ class StoredValues {
   GivenType consentGivenType() const;
   // Whether the configuration applied last binds the purpose to app tracking. Allocates nothing.
   bool isBoundToTracking(std::int64_t purposeId) const;
-  // Whether the consent that is stored for a purpose is the user's own answer. Allocates nothing.
+  // Whether a purpose's stored consent is the user's own answer. Allocates nothing.
   bool isAnswered(std::int64_t purposeId) const;
-  // Whether it is there because a privacy signal was honoured; all such purposes.
+  // Whether it stems from a privacy signal; all such purposes.
   bool isDecidedBySignal(std::int64_t purposeId) const;
   std::vector<std::int64_t> decidedBySignal() const;
-  // Whether nothing was decided but, at most, under this application id.
-  bool isDecidedByNoOther(std::string_view applicationId) const;
+  // Whether no application other than this one has made decisions.
+  bool isDecidedOnlyBy(std::string_view applicationId) const;
 
   // Whether an upload has failed, or a decision is pending.
   bool isAnythingPending() const;
@@ -93,16 +93,16 @@ class StoreTransaction : public StoredValues {
   void addPendingPurpose(std::int64_t purposeId);
   void addPendingPermission(const std::string& permission);
 
-  // Stores a purpose's consent, and whose it is.
+  // Stores a purpose's consent and its cause.
   void decide(std::int64_t purposeId, ConsentStatus status, DecisionCause cause);
-  // Takes back what a privacy signal decided: the purpose is undecided again.
+  // Removes a privacy signal's decision: the purpose is undecided again.
   void endSignal(std::int64_t purposeId, std::int64_t time);
 
-  // How the present consents came about from now on. A default never takes the place of an answer, and what the device
-  // decides leaves it as it is.
-  void giveConsents(GivenType type);
-  // The users' answer is asked for again.
-  void askAgain();
+  // Sets how the current consents were given. A default does not override an answer, and a device's decision leaves it
+  // unchanged.
+  void setGivenType(GivenType type);
+  // Requests the user's answer again.
+  void requestReconsent();
 
   // Adds a decision to the history, with the stored configuration version and compliance type.
   void append(Decision decision, std::string_view applicationId);
@@ -114,7 +114,7 @@ class StoreTransaction : public StoredValues {
   SuiteUpdate take();
 
  private:
-  // Whether the ascending list holds a number, from now on.
+  // Sets whether the sorted list contains a number.
   void include(std::string_view key, std::int64_t number, bool isIn);
 
   SuiteChanges changes_;

@@ -154,7 +154,7 @@ class LinuxPermissionSources::Device {
   MessageBus system_{loop_, systemBusAddress()};
   BusService store_{permissionStore(session_)};
   ChangeObservers<PermissionSubscription> observers_;
-  mutable std::mutex mutex_;  // guards what is known
+  mutable std::mutex mutex_;  // guards the `known` answers
   std::array<Entry, sourceCount> entries_;
 };
 

@@ -1,4 +1,4 @@
-// What a privacy signal does to purposes, and what it leaves alone: on a device in memory.
+// The effect of privacy signals on purposes, on an in-memory device.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,7 +24,7 @@ std::string documentOf(std::string_view type, bool hasUnmapped = true) {
   return boost::json::serialize(document);
 }
 
-// Where the signal comes from, and whether the application has it honoured.
+// The source of the signal, and whether the application honours it.
 enum class Given { no, byDevice, byApplication, byDeviceUnheeded };
 
 class PrivacySignalTest : public ::testing::Test {
@@ -76,7 +76,7 @@ enum class Decided { not_, grantedByUser, declinedByUser, byDefault };
 struct Row {
   const char* type;
   Decided decided;
-  const char* without;  // what is allowed while no signal counts
+  const char* without;  // what is allowed without a signal
   const char* with;
 };
 
