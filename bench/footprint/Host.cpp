@@ -1,9 +1,10 @@
-// A small host application, to be measured from outside: compiled with QUILLON_BENCH_SDK it sets the SDK up, else it
-// does nothing. With QUILLON_BENCH_SCREENS it has a window of Qt Quick, and the SDK shows its preference centre there.
-// `footprint.sh` compares them.
-//   host SECONDS [FOLDER CDN-URL]
-// Prints, in this order: its private memory in KiB when everything is ready, and how often its threads were woken in
-// that many seconds after it.
+// A small host application for external measurement: compiled with QUILLON_BENCH_SDK it sets the SDK up, else it does
+// nothing; with QUILLON_BENCH_SCREENS the SDK shows the preference centre over its Qt Quick window. `footprint.sh`
+// compares them.
+//
+// host SECONDS [FOLDER CDN-URL]
+//
+// Prints its private memory in KiB when ready, then the number of wake-ups of its threads in the following SECONDS.
 #include <unistd.h>
 
 #include <chrono>

@@ -31,7 +31,7 @@ class PurposeManager {
   // Updates the purposes to privacy signals only. True when a consent changed.
   bool honourSignals(const DecisionContext& context);
 
-  // Whether a signal decides about the purpose.
+  // Whether a privacy signal decides about the purpose.
   bool isOptedOutBySignal(std::int64_t purposeId, const StoredValues& stored) const {
     return optOuts_.include(purposeId, stored);
   }

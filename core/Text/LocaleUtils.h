@@ -18,7 +18,7 @@ class LocaleUtils {
   const std::string& preferredLanguage() const;
   // Its part before the first "-".
   std::string languageCode() const;
-  // The same with retired codes replaced.
+  // The language code with retired codes replaced.
   std::string currentLanguageCode() const;
 
  private:

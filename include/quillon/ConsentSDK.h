@@ -180,9 +180,6 @@ class ConsentSDK {
   /// given. The last 10,000 are kept (at times 200 fewer): every choice, recorded default and change by the device,
   /// each written in the same transaction as its consent. A set() that failed leaves no entry. Damaged entries are left
   /// out and counted. Empty when the store cannot be read.
-  /// @p before when that is given. Kept are the last 10,000 (at times 200 fewer): every choice, recorded default and
-  /// change of the device's, each written in the same transaction as its consent. Nothing is kept of set() calls that
-  /// failed. A damaged entry is left out and counted. Empty when the store cannot be read.
   ///
   /// @code
   /// auto page = sdk.getHistory(50).get();

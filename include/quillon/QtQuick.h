@@ -42,7 +42,6 @@ struct QtQuickOptions {
 /// Makes the screens available to pages of @p engine: `import Quillon.Consent` provides `ConsentBanner`,
 /// `PreferenceCenter` and `SettingsPrompt`, the last with the property `permission`. All use @p sdk, one per engine,
 /// whose main queue must be the Qt main loop.
-/// @p sdk, one for each engine, whose main queue must be the Qt main loop.
 ///
 /// An element shows a loading state until the SDK has a configuration, and an error with a retry on failure. It emits
 /// `done()` when it was answered, saved or closed; the page decides what becomes of it, and the SDK stores the decision

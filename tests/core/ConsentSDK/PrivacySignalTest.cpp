@@ -15,7 +15,7 @@ namespace {
 
 using enum ConsentStatus;
 
-// Purpose 1 is mapped, and so are 2, which is essential, and 3, which app tracking governs; 4 is not.
+// Purposes 1, 2 (essential) and 3 (governed by app tracking) are mapped; 4 is not.
 std::string documentOf(std::string_view type, bool hasUnmapped = true) {
   auto document = validConfiguration();
   bannerOf(document)["compliance_type"] = type;
@@ -80,7 +80,8 @@ struct Row {
   const char* with;
 };
 
-// The rule: signal by compliance type by stored decision. Purpose 3 waits for the device's authorization in all cells.
+// All combinations of signal, compliance type and stored decision. Purpose 3 needs the device's authorization in all of
+// them.
 constexpr Row rule[] = {
     {"opt-in", Decided::not_, "2", "2"},
     {"opt-in", Decided::byDefault, "2", "2"},
