@@ -106,8 +106,9 @@ class ConsentSDK {
   /// Whether the application may act on a purpose now. True in two cases. With a stored decision: the decision is
   /// `granted`. Without one: a configuration in force in this process lists the purpose, the purpose is essential or
   /// the compliance type needs no question, and no store entries were lost to damage. A purpose bound to app tracking
-  /// also needs the device's authorization. False otherwise: before the first configuration, after close() without a
-  /// decision, when in doubt. Any thread; allocates nothing; cheap enough to call every frame.
+  /// also needs the device's authorization, and an honoured privacy signal denies purposes that the user has not
+  /// answered. False otherwise: before the first configuration, after close() without a decision, when in doubt. Any
+  /// thread; allocates nothing; cheap enough to call every frame.
   ///
   /// @code
   /// if (!quillon::ConsentSDK::shared().isAllowed(2)) stopCounting();
