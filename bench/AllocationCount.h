@@ -1,12 +1,11 @@
-// How much memory a piece of work takes from operator new.
+// Memory taken from operator new.
 #pragma once
 
 #include <cstddef>
 
 namespace quillon::bench {
 
-/// Counts, on all threads, what is allocated and freed between its construction and the reading of its figures. One at
-/// a time.
+/// Counts allocations and deallocations on all threads from its construction on. One instance at a time.
 class AllocationCount {
  public:
   AllocationCount();
@@ -14,7 +13,7 @@ class AllocationCount {
   AllocationCount(const AllocationCount&) = delete;
   AllocationCount& operator=(const AllocationCount&) = delete;
 
-  /// Bytes in use now, and the most that were in use at once.
+  /// Bytes in use now, and the peak.
   [[nodiscard]] std::size_t kept() const;
   [[nodiscard]] std::size_t peak() const;
 };

@@ -1,4 +1,4 @@
-// Decoding and encoding of a large configuration, beside other JSON libraries that fill the same records.
+// Decoding and encoding a large configuration, beside other JSON libraries that fill the same structures.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-// A device with one application on it: the real store, files and threads, and a network of one document.
+// A device with one application: the real store, files and threads, and a network with one document.
 #pragma once
 
 #include <cstdint>
@@ -14,27 +14,27 @@
 
 namespace quillon::bench {
 
-/// As much as an application with a handful of purposes and their switches keeps.
+/// The keys of an application with a handful of purposes.
 inline constexpr int kStoredKeys = 300;
 
-/// Runs a job in a later turn of the main loop.
+/// Posts a job to the main loop.
 using MainQueuePost = std::function<void(std::function<void()> job)>;
 
 class Device {
  public:
-  /// A device whose clock stands still, so that nothing happens but what is measured. The configuration can be
-  /// downloaded; every upload fails at once, so that saving costs no more than it does without a network.
+  /// A device with a stopped clock, so that only measured work runs. The configuration can be downloaded; every upload
+  /// fails at once, so that saving costs the same as without a network.
   explicit Device(std::string configuration);
-  /// The same with the clock of the machine.
+  /// As above, with the real clock.
   static Device ticking(std::string configuration) { return Device(std::move(configuration), nullptr); }
-  /// The same with screens, and with the main loop that they are on.
+  /// As above, with screens and their main loop.
   static Device showing(std::string configuration, std::shared_ptr<ScreenPresenter> screens, MainQueuePost post);
 
-  /// As after a start of the process, before set-up.
+  /// Starts the application, before setup.
   void launch();
   /// Sets up and waits until the configuration is in use.
   void setUp();
-  /// Stores a decision on each of that many purposes, from 1 on.
+  /// Stores a decision on each of the purposes from 1 to `purposes`.
   void decide(int purposes);
 
   ConsentSDK& sdk() { return *sdk_; }
@@ -47,7 +47,7 @@ class Device {
 
   std::unique_ptr<TemporaryFolder> folder_ = std::make_unique<TemporaryFolder>();
   std::string configuration_;
-  std::shared_ptr<Clock> clock_;  // null: the machine's
+  std::shared_ptr<Clock> clock_;  // null: the real clock
   std::shared_ptr<ScreenPresenter> screens_;
   MainQueuePost post_;
   std::shared_ptr<KeyValueStore> store_;
@@ -55,7 +55,7 @@ class Device {
 };
 
 Purpose purpose(std::int64_t id);
-/// A document with that many purposes, numbered from 1.
+/// A document with `count` purposes, numbered from 1.
 std::string configurationWithPurposes(int count);
 
 }  // namespace quillon::bench

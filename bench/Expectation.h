@@ -1,4 +1,4 @@
-// What we hold ourselves to: a figure of a run stays within a limit, alone or compared with another of the same run.
+// Limits of the benchmarks: a figure stays within a limit, alone or relative to another of the same run.
 #pragma once
 
 #include <optional>
@@ -9,11 +9,11 @@
 
 namespace quillon::bench {
 
-/// Names the processor time among the figures of a benchmark. A busy machine disturbs it least: the right figure for
-/// work that waits for nothing.
+/// The name of a benchmark's processor time, which is least affected by a busy machine: the right figure for work that
+/// does not wait.
 inline constexpr std::string_view kProcessorTime = "processor time";
 
-/// A figure of a benchmark, in its unit: its real time, its processor time, or the counter of the given name.
+/// A figure of a benchmark, in its unit: real time, processor time, or a named counter.
 struct Figure {
   std::string benchmark;
   std::string counter = {};
@@ -27,8 +27,8 @@ struct Expectation {
   double limit;
 };
 
-/// All expectations, compared and printed after the run. Add to it from a static initialiser:
-/// `const bool registered = expectAtMost({...});`. The benchmarks named need Repetitions for a meaningful median.
+/// All expectations, checked and printed after the run. Add one from a static initialiser: `const bool registered =
+/// expectAtMost({...});`. The benchmarks named need Repetitions for a meaningful median.
 inline std::vector<Expectation>& expectations() {
   static std::vector<Expectation> all;
   return all;

@@ -1,5 +1,5 @@
-// How the cost of a check, a save and a list grows with the purposes of the configuration and with the decisions that
-// are stored. `bench/growth.py` draws it.
+// The growth of a check, a save and a list with the configuration's purposes and the stored decisions.
+// `bench/growth.py` draws it.
 #include <benchmark/benchmark.h>
 
 #include <map>
@@ -59,7 +59,7 @@ const bool registered = [] {
             measure(state, operation, purposes, purposes);
           });
     }
-    // The store takes at most 100,000 keys.
+    // The store holds at most 100,000 keys.
     for (const int decisions : {1, 10, 100, 1000, 10'000, 90'000}) {
       add("growth/" + std::string(name) + " by decisions/" + std::to_string(decisions),
           [operation = operation, decisions](benchmark::State& state) {

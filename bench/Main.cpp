@@ -1,4 +1,4 @@
-// Runs the benchmarks, then compares medians; fails when a comparison is over its limit.
+// Runs the benchmarks and compares medians; fails when a limit is exceeded.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -14,7 +14,7 @@
 namespace quillon::bench {
 namespace {
 
-// The console's report, with the median of every figure remembered.
+// The console report, which also stores all medians.
 class Medians : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override {
@@ -42,7 +42,7 @@ bool holdsLimits(const Medians& medians) {
   for (const Expectation& expectation : expectations()) {
     const auto measured = medians.at(expectation.measured);
     const auto reference = expectation.reference ? medians.at(*expectation.reference) : 1.0;
-    if (!measured || !reference) continue;  // not among the benchmarks that were asked for
+    if (!measured || !reference) continue;  // not selected
     const double value = *measured / *reference;
     const bool within = value <= expectation.limit;
     std::printf("%-72s %9.3f %8.3f%s\n", expectation.claim.c_str(), value, expectation.limit, within ? "" : "  OVER");
@@ -56,7 +56,7 @@ bool holdsLimits(const Medians& medians) {
 
 int main(int argc, char** argv) {
   if (const auto status = quillon::bench::runAsNewProcess(argc, argv)) return *status;
-  // Repetitions in turn, so that a busy moment of the machine does not fall on one side of a comparison.
+  // Interleaved repetitions, so that a busy moment affects both sides of a comparison.
   std::string interleaving = "--benchmark_enable_random_interleaving=true";
   std::vector<char*> arguments(argv, argv + argc);
   arguments.insert(arguments.begin() + 1, interleaving.data());

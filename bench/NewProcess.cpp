@@ -20,7 +20,7 @@ std::map<std::string, FirstWork, std::less<>>& works() {
   return all;
 }
 
-// Reads the file outside the heap, which stays as the start of the process has left it.
+// Maps the file, so that the heap stays as at process start.
 std::string_view contentsOf(const char* file) {
   const int descriptor = open(file, O_RDONLY | O_CLOEXEC);
   struct stat information{};

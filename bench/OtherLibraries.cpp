@@ -15,7 +15,7 @@
 namespace quillon::bench {
 namespace {
 
-// simdjson's On-Demand interface: values are converted while the text is read.
+// simdjson's On-Demand interface: converts values while parsing.
 struct Simdjson {
   using Value = simdjson::ondemand::value;
   using Object = simdjson::ondemand::object;
@@ -47,7 +47,7 @@ struct Simdjson {
   }
 };
 
-// RapidJSON's tree.
+// RapidJSON's DOM.
 struct RapidJson {
   using Value = const rapidjson::Value;
   using Object = const rapidjson::Value&;
@@ -72,7 +72,7 @@ struct RapidJson {
   }
 };
 
-// nlohmann's tree.
+// nlohmann's DOM.
 struct Nlohmann {
   using Value = const nlohmann::json;
   using Object = const nlohmann::json&;
@@ -169,7 +169,7 @@ MainConfiguration decodeWithNlohmann(std::string_view json) {
 
 namespace {
 
-// RapidJSON's Writer as the target of a record's fields.
+// RapidJSON's Writer as the target of a structure's fields.
 struct RapidJsonWriter {
   using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
   Writer& writer;

@@ -1,5 +1,5 @@
-// The same records through other JSON libraries. Each is used as its documentation advises for speed and checks UTF-8
-// and the syntax of what it reads; none of them finds duplicate keys or bounds the memory. Errors are exceptions.
+// Decodes the same structures with other JSON libraries. Each is used as its documentation advises for speed, and
+// validates UTF-8 and syntax; none detects duplicate keys or limits memory. Errors are exceptions.
 #pragma once
 
 #include <cstddef>
@@ -10,12 +10,12 @@
 
 namespace quillon::bench {
 
-/// What must be readable after the text that simdjson decodes.
+/// The readable bytes that simdjson requires after the text.
 inline constexpr std::size_t kReadablePadding = 64;
 
-/// Into the records while the text is read (On-Demand), with a parser that is kept.
+/// Converts values while parsing (On-Demand), with a reused parser.
 MainConfiguration decodeWithSimdjson(std::string_view json);
-/// By way of a tree.
+/// Through a DOM.
 MainConfiguration decodeWithRapidJson(std::string_view json);
 MainConfiguration decodeWithNlohmann(std::string_view json);
 std::string encodeWithRapidJson(const MainConfiguration& configuration);

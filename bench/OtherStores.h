@@ -1,5 +1,5 @@
-// What the SDK's store is compared with, holding as many keys: SQLite without a checksum, a snapshot or an SDK around
-// it, in the same journal mode; and LMDB, whose reads come from mapped memory. Errors are exceptions.
+// Stores for comparison with the SDK's, with the same number of keys: SQLite without checksum, snapshot or SDK, in the
+// same journal mode; and LMDB, which reads mapped memory. Errors are exceptions.
 #pragma once
 
 #include <lmdb.h>
@@ -19,10 +19,10 @@ class BareSqlite {
   BareSqlite(const BareSqlite&) = delete;
   BareSqlite& operator=(const BareSqlite&) = delete;
 
-  /// By a prepared statement.
+  /// With a prepared statement.
   bool isGranted(int key);
-  /// One transaction, durable when it returns, that changes the keys from 1 to `count` and appends a record for each,
-  /// as long as what the SDK keeps of a decision in its history.
+  /// One transaction, durable on return, that changes the keys from 1 to `count` and appends a record per key, as long
+  /// as the SDK's history record.
   void commit(int count, const char* value);
 
  private:
@@ -46,7 +46,7 @@ class Lmdb {
   Lmdb(const Lmdb&) = delete;
   Lmdb& operator=(const Lmdb&) = delete;
 
-  /// In a read transaction that is kept and renewed, as its documentation advises, to see the newest content.
+  /// In a reused and renewed read transaction, as its documentation advises, to see the newest content.
   bool isGranted(int key);
 
  private:

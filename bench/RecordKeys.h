@@ -1,5 +1,4 @@
-// The keys of each record for the readers and writers that ours are compared with, in the order of the document, which
-// spares them a search.
+// The keys of each structure in document order, for the compared readers and writers, which saves them a search.
 #pragma once
 
 #include <concepts>

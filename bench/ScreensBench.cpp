@@ -1,6 +1,6 @@
-// What a screen costs the application that it is shown over, with a configuration of 1.5 MB: how long the call holds
-// the main loop, the longest turn of the loop until the screen is complete, and when the first picture with it is
-// there. Beside it a sheet with one line of text, which is the least that any screen of the toolkit costs.
+// The cost of a screen with a configuration of 1.5 MB: how long the call blocks the main loop, the loop's longest turn
+// until the screen is complete, and the time to the first frame. For comparison, a sheet with one line of text, the
+// minimum for any screen of the toolkit.
 #include <benchmark/benchmark.h>
 
 #include <time.h>
@@ -36,25 +36,25 @@ double millisecondsSince(SteadyClock::time_point begin) {
   return std::chrono::duration<double, std::milli>(SteadyClock::now() - begin).count();
 }
 
-// That the calling thread has used: what the loop is held by us, whatever else the machine does meanwhile.
+// Processor time of the calling thread: how long we block the loop, independent of other load.
 double processorMilliseconds() {
   timespec time{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
   return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
-// One for the process, as in every application. Pictures are drawn by the processor, and in the main loop.
+// One application per process, rendered by the processor in the main loop.
 void startApplication() {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("QT_QUICK_BACKEND", "software");
   static int count = 1;
   static char name[] = "bench";
   static char* arguments[] = {name, nullptr};
-  // Never destroyed: parts of the toolkit are before it, when the process ends.
+  // Never destroyed: parts of the toolkit are destroyed first at process exit.
   [[maybe_unused]] static const auto* const application = new QGuiApplication(count, arguments);
 }
 
-// An application with a window and a main loop that is watched.
+// An application with a window and a monitored main loop.
 class Application {
  public:
   Application() {
@@ -67,7 +67,7 @@ class Application {
     idle(20);
   }
 
-  // Calls, then lets the loop run until `isComplete` has held for a while.
+  // Calls, then runs the loop until `isComplete` has held for a while.
   void measure(const std::function<void()>& call, const std::function<bool()>& isComplete) {
     begin_ = SteadyClock::now();
     const double before = processorMilliseconds();
@@ -91,7 +91,7 @@ class Application {
   std::optional<double> firstFrame;
 
  private:
-  // What the loop does between two sleeps, in milliseconds of the processor.
+  // One turn of the loop, in milliseconds of processor time.
   static double turn() {
     const double before = processorMilliseconds();
     const bool hasWorked = QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents);
@@ -115,11 +115,11 @@ struct Screens {
   Screens() {
     device.setUp();
     presenter->prepare();
-    // An application starts for longer than this takes.
+    // Applications take longer to start than this.
     QThreadPool::globalInstance()->waitForDone();
   }
 
-  // Until the screen is complete.
+  // Shows the screen and waits until it is complete.
   void show(Application& application, void (*present)(Screens&)) {
     const auto shown = [this] {
       const QQuickItem* item = presenter->topItem();
@@ -160,7 +160,7 @@ void show(benchmark::State& state) {
   }
 }
 
-// Of a process that has shown no text before.
+// The longest turn in a process without earlier text.
 double longestTurnOfTheFirst(std::string_view /*contents*/) {
   startApplication();
   Screens screens;
@@ -203,20 +203,20 @@ BENCHMARK(show<presentPreferenceCenter>)->Name("screens/preference centre")->App
 BENCHMARK(showTheFirst)->Name("screens/longest turn, first of a process")->Apply(showings);
 BENCHMARK(showAnEmptySheet)->Name("screens/empty sheet")->Apply(showings);
 
-constexpr double kHeldAtMost = 8;  // milliseconds
+constexpr double kLongestTurn = 8;  // milliseconds
 const bool registered =
-    expectAtMost({"call that presents the banner, ms", {"screens/banner", "call"}, {}, kHeldAtMost}) &&
-    expectAtMost({"longest turn of the loop, banner, ms", {"screens/banner", "longest turn"}, {}, kHeldAtMost}) &&
+    expectAtMost({"call that presents the banner, ms", {"screens/banner", "call"}, {}, kLongestTurn}) &&
+    expectAtMost({"longest turn of the loop, banner, ms", {"screens/banner", "longest turn"}, {}, kLongestTurn}) &&
     expectAtMost(
-        {"call that presents the preference centre, ms", {"screens/preference centre", "call"}, {}, kHeldAtMost}) &&
+        {"call that presents the preference centre, ms", {"screens/preference centre", "call"}, {}, kLongestTurn}) &&
     expectAtMost({"longest turn of the loop, preference centre, ms",
                   {"screens/preference centre", "longest turn"},
                   {},
-                  kHeldAtMost}) &&
+                  kLongestTurn}) &&
     expectAtMost({"longest turn of the loop, first screen of a process, ms",
                   {"screens/longest turn, first of a process"},
                   {},
-                  kHeldAtMost});
+                  kLongestTurn});
 
 }  // namespace
 }  // namespace quillon::bench

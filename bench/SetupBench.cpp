@@ -1,6 +1,5 @@
-// What a start of the application costs with a cached configuration of 1.5 MB and a store that has been used: the call
-// itself, on the host's main thread, and the time until the SDK is ready, beside the bare reading and decoding of that
-// file.
+// The cost of an application start with a cached configuration of 1.5 MB and a used store: the call itself on the main
+// thread, and the time until ready, compared with reading and decoding the file.
 #include <benchmark/benchmark.h>
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// The strings of the advertising trade: reading a vendor list, making a decision's keys, refusing hostile strings.
+// Advertising signals: reading a vendor list, computing keys, rejecting hostile strings.
 #include <benchmark/benchmark.h>
 
 #include <nlohmann/json.hpp>
@@ -28,7 +28,7 @@ std::string items(int count) {
   return text + "}";
 }
 
-// As long and as deep as the published list is for each vendor.
+// The size and depth of a vendor in the published list.
 std::string vendor(int id) {
   const auto number = std::to_string(id);
   return '"' + number + R"(":{"id":)" + number + R"(,"name":"Vendor )" + number + R"( Advertising Ltd.","purposes":)" +
@@ -69,7 +69,7 @@ void readVendorListTree(benchmark::State& state) {
   }
 }
 
-// Every second component stands under a purpose that was refused.
+// Every second component belongs to a refused purpose.
 void makeKeys(benchmark::State& state) {
   TcfOptions tcf{.purposes = {{1, {.consent = {1, 2, 3, 4}, .legitimateInterest = {7}}},
                               {2, {.consent = {8}, .legitimateInterest = {9, 10}}}},
@@ -87,7 +87,7 @@ void makeKeys(benchmark::State& state) {
   }
 }
 
-// The most work that a text can ask for: as many ranges of as many vendors as it may hold.
+// The most expensive string: the maximum number of ranges of the maximum number of vendors.
 std::string hostileString() {
   signals::TcString tc;
   signals::Ids everySecond;

@@ -1,4 +1,4 @@
-// What a consent costs to read and to record, beside other stores on the same disk.
+// Reading and storing a consent, compared with other stores on the same disk.
 #include <benchmark/benchmark.h>
 
 #include <functional>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int manyChanges = 100;
 
-// Asks about one purpose after the other, with a decision on each and a configuration at hand.
+// Queries one purpose after the other, with decisions on all and a configuration in force.
 void askAbout(benchmark::State& state, const std::function<void(const ConsentSDK&, std::int64_t id)>& ask) {
   Device device(configurationWithPurposes(kStoredKeys));
   device.setUp();
@@ -53,7 +53,7 @@ void recordDecision(benchmark::State& state) {
   }
 }
 
-// Saving in the preference centre, from the choices to what the user is told.
+// Saving in the preference centre, from the choices to the result shown to the user.
 void saveChoices(benchmark::State& state) {
   Device device(configurationWithPurposes(kStoredKeys));
   device.setUp();

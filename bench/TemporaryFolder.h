@@ -1,4 +1,4 @@
-// A fresh folder that goes with its benchmark.
+// A temporary folder, removed with its benchmark.
 #pragma once
 
 #include <stdlib.h>

@@ -49,7 +49,7 @@ def panel(lines, name, label, left):
     for cost in costs:
         out.append(f'<path d="M{left + MARGIN} {y(cost):.1f}h{WIDTH}" stroke="#ddd"/>')
         out.append(f'<text x="{left + MARGIN - 6}" y="{y(cost) + 4:.1f}" text-anchor="end">{number(cost)}</text>')
-    # In proportion, from the first decade's end on, for the eye to compare with.
+    # Linear growth from the end of the first decade, for comparison.
     start = sizes[1]
     out.append(
         f'<path d="M{x(start):.1f} {y(costs[1]):.1f}L{x(sizes[-1]):.1f} {y(min(costs[-1], costs[1] * sizes[-1] / start)):.1f}" '

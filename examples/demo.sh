@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# One run of the plain example application against a development server, then a second one from its cache; succeeds only
-# when the server saw what both runs should have asked for. Then the news reader with its screens: for you to use where
-# there is a display, else by itself, leaving pictures in build/demo.
+# Runs the plain example application against a development server, and once more from its cache; succeeds only if the
+# server received the expected requests. Then runs the news reader: interactively with a display, else by itself, saving
+# pictures in build/demo.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
@@ -17,8 +17,7 @@ fail() {
   exit 1
 }
 
-# The requests that the server logged since the last call. It logs a request before it answers, so those of a run that
-# has ended are all there.
+# The requests logged since the last call. The server logs before it responds, so those of an ended run are complete.
 requests() {
   local line
   while read -r -t 0 -u "$log" && read -r -u "$log" line; do echo "$line"; done
@@ -77,7 +76,7 @@ else
   mkdir -p "$pictures" "$work/runtime"
   chmod 700 "$work/runtime"
   export QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software XDG_RUNTIME_DIR=$work/runtime
-  # The browser's sandbox does not work for the super-user; the tour opens nothing but a page of our own.
+  # The browser's sandbox does not work for the super-user; the tour opens only our own page.
   [ "$(id -u)" != 0 ] || export QTWEBENGINE_CHROMIUM_FLAGS="--no-sandbox --disable-gpu"
   "${reader[@]}" --language en --tour "$pictures" || fail "the news reader did not get through its screens"
   ls "$pictures"/*.png

@@ -1,4 +1,4 @@
-// The device's answer to "may this application track the user?".
+// The device's app-tracking authorization.
 #pragma once
 
 #include <optional>
@@ -6,16 +6,16 @@
 
 namespace quillon {
 
-// The numbers are those of the permission table's standard values.
+// Values as in the permission table's standard values.
 enum class TrackingAuthorization { notDetermined = 0, restricted = 1, denied = 2, authorized = 3 };
 
-// Thread-safe; answers at once.
+// Thread-safe; never waits.
 class AppTracking {
  public:
   virtual ~AppTracking() = default;
 
   virtual TrackingAuthorization authorization() const = 0;
-  // The advertising identifier in its canonical text form; nothing where the device offers none.
+  // The advertising identifier in canonical text form; nullopt where the device has none.
   virtual std::optional<std::string> advertisingIdentifier() const = 0;
 };
 

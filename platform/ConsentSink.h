@@ -1,4 +1,4 @@
-// The analytics library of the host application, if it contains one.
+// The host application's analytics library, if any.
 #pragma once
 
 #include <map>
@@ -12,9 +12,9 @@ class ConsentSink {
  public:
   virtual ~ConsentSink() = default;
 
-  // Whether the library that was found takes consents at all.
+  // Whether the library accepts consents at all.
   virtual bool takesConsent() const = 0;
-  // The consent-mode signals by name ("ad_storage"), each "granted" or "denied". May throw: that is contained.
+  // Passes the consent-mode signals by name ("ad_storage"), each "granted" or "denied". Exceptions are contained.
   virtual void setConsent(const std::map<std::string, std::string>& values) = 0;
 };
 

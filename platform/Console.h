@@ -1,19 +1,19 @@
-// Where diagnostics go.
+// The destination of diagnostics.
 #pragma once
 
 #include <string_view>
 
 namespace quillon {
 
-// Thread-safe. Blocks of several threads do not mix.
+// Thread-safe. Blocks of different threads are not interleaved.
 class Console {
  public:
   virtual ~Console() = default;
 
-  // Writes the text and a line feed as one item.
+  // Writes the text and a line feed atomically.
   virtual void write(std::string_view block) = 0;
 
-  // Stops the process with a message and the source file that gave up. Only for what leaves no way on.
+  // Terminates the process with a message and the reporting source file. Only for errors without recovery.
   [[noreturn]] virtual void fatal(std::string_view message, std::string_view file) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Where work runs.
+// Executors: queues that run jobs.
 #pragma once
 
 #include <memory>
@@ -8,11 +8,11 @@
 
 namespace quillon {
 
-// Thread-safe. A job that throws is contained. Jobs that have not begun when the owner goes away are dropped.
+// Thread-safe. Exceptions of jobs are contained. Jobs that have not begun when the owner is destroyed are dropped.
 class Executor {
  public:
   virtual ~Executor() = default;
-  // Runs the job later, never within this call.
+  // Runs the job later, never inside this call.
   virtual void post(Job job) = 0;
 };
 
@@ -20,11 +20,11 @@ class Executors {
  public:
   virtual ~Executors() = default;
 
-  // The host's main queue: one job at a time, in order. Screens and host callbacks live here.
+  // The host's main queue: one job at a time, in order. Screens and host callbacks run here.
   virtual std::shared_ptr<Executor> main() = 0;
-  // Many jobs at a time, in no order. A job must not block for long.
+  // Concurrent jobs, unordered. A job must not block for long.
   virtual std::shared_ptr<Executor> background() = 0;
-  // A queue of its own: one job at a time, in order. The label is for people who debug.
+  // A separate queue: one job at a time, in order. The label is for debugging.
   virtual std::shared_ptr<Executor> serial(std::string label) = 0;
 };
 

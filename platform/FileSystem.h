@@ -1,4 +1,4 @@
-// Whole files in folders of the application's own.
+// Reading and writing whole files in the application's folders.
 #pragma once
 
 #include <compare>
@@ -12,7 +12,7 @@
 
 namespace quillon {
 
-// Equal for as long as a file has not been rewritten or replaced.
+// Equal until the file is rewritten or replaced.
 struct FileStamp {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
@@ -22,7 +22,7 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
-// Thread-safe. Never throws. Errors are texts for the log. Links are not followed at the last step of a path.
+// Thread-safe. Never throws. Errors are texts for the log. A symbolic link as the last path component is not followed.
 class FileSystem {
  public:
   template <class T>
@@ -30,20 +30,20 @@ class FileSystem {
 
   virtual ~FileSystem() = default;
 
-  // Where this application keeps its data; nothing when the platform offers no place. The folder need not exist.
+  // The application's data folder; nullopt when the platform has none. It need not exist.
   virtual std::optional<std::filesystem::path> applicationSupportDirectory() const = 0;
 
-  // Makes the folder and its parents, readable by this user alone. An existing folder is a success.
+  // Creates the folder and its parents, accessible to this user only. An existing folder is a success.
   virtual Result<void> createDirectories(const std::filesystem::path& folder) = 0;
 
-  // Nothing when there is no file at that path.
+  // nullopt when there is no such file.
   virtual std::optional<FileStamp> stamp(const std::filesystem::path& file) const = 0;
 
-  // The whole file; an error when it holds more than maximumBytes.
+  // Reads the whole file; an error when it exceeds maximumBytes.
   virtual Result<std::string> read(const std::filesystem::path& file, std::size_t maximumBytes) const = 0;
 
-  // Replaces the whole file: after a crash at any moment it holds the old or the new bytes, and the new ones are
-  // durable when this returns.
+  // Replaces the whole file atomically: after a crash it holds the old or the new bytes; the new ones are durable on
+  // return.
   virtual Result<void> write(const std::filesystem::path& file, std::string_view bytes) = 0;
 
   // Fails when the destination exists.

@@ -1,4 +1,4 @@
-// One HTTP exchange at a time, without cookies, credentials or a cache.
+// HTTP exchanges without cookies, credentials or a cache.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-// Orders header names without regard to the case of ASCII letters.
+// Compares header names, ignoring ASCII case.
 struct HeaderNameLess {
   using is_transparent = void;
   bool operator()(std::string_view left, std::string_view right) const noexcept {
@@ -31,12 +31,12 @@ struct HttpRequest {
   HttpHeaders headers;
   std::optional<std::string> body;
   std::chrono::seconds timeout{60};                      // for the whole exchange
-  std::size_t maximumBodyBytes = std::size_t{32} << 20;  // of the decoded answer
+  std::size_t maximumBodyBytes = std::size_t{32} << 20;  // of the decoded response
 };
 
 struct HttpResponse {
   std::string url;            // after redirects
-  std::optional<int> status;  // nothing when the answer is not an HTTP answer
+  std::optional<int> status;  // nullopt when the response is not HTTP
   HttpHeaders headers;
   std::string body;
 };
@@ -49,17 +49,17 @@ struct TransportError {
 
 // Thread-safe. Never throws and never blocks the caller.
 //
-// Contract of every implementation: http and https only, certificates verified; at most five redirects, none for a
-// request with a body, none from https to http; "X-Auth-Token" goes to the requested origin alone; a request whose URL
-// or headers hold control characters is refused; bodies are counted while they arrive.
+// Contract of every implementation: http and https only, with verified certificates; at most five redirects, none for a
+// request with a body, none from https to http; "X-Auth-Token" is sent to the requested origin only; a request with
+// control characters in its URL or headers is refused; the body limit is enforced while receiving.
 class HttpSession {
  public:
   using Completion = std::move_only_function<void(std::expected<HttpResponse, TransportError>)>;
 
   virtual ~HttpSession() = default;
 
-  // Calls completion exactly once, after send returned or from within it, on a thread of the session's or the caller's;
-  // completion must not block. A stop request ends the exchange soon with `cancelled`.
+  // Calls completion exactly once, after send() has returned or from within it, on the session's or the caller's
+  // thread; it must not block. A stop request ends the exchange soon, with `cancelled`.
   virtual void send(HttpRequest request, std::stop_token stop, Completion completion) = 0;
 };
 

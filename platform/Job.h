@@ -1,4 +1,4 @@
-// A piece of work that is run once, or again and again by a timer.
+// A unit of work, run once or repeatedly by a timer.
 #pragma once
 
 #include <functional>

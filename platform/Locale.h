@@ -1,4 +1,4 @@
-// The languages that the user prefers.
+// The user's preferred languages.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ class Locale {
  public:
   virtual ~Locale() = default;
 
-  // BCP 47 tags, best first ("de-DE", "zh-Hant-TW"). Empty only when the device has no setting at all.
+  // BCP 47 tags, best first ("de-DE", "zh-Hant-TW"). Empty only when the device has no language setting.
   virtual std::vector<std::string> preferredLanguages() const = 0;
 };
 

@@ -1,4 +1,4 @@
-// Whether the device has a usable way to the network.
+// Monitors whether the device has a network path.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@ namespace quillon {
 
 enum class NetworkStatus { satisfied, unsatisfied };
 
-// Dropping it stops the reports: the handler is not called afterwards, and a call on another thread has ended.
+// Destruction stops the reports: the handler is not called afterwards, and a call on another thread has ended.
 class NetworkSubscription {
  public:
   virtual ~NetworkSubscription() = default;
@@ -21,7 +21,7 @@ class NetworkPathMonitor {
  public:
   virtual ~NetworkPathMonitor() = default;
 
-  // Reports the present status soon after the call and then every change, on the given queue.
+  // Reports the current status soon after the call, then every change, on the given queue.
   [[nodiscard]] virtual std::unique_ptr<NetworkSubscription> start(std::shared_ptr<Executor> queue,
                                                                    std::function<void(NetworkStatus)> handler) = 0;
 };

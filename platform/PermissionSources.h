@@ -1,4 +1,4 @@
-// The device's own permission statuses.
+// The device's permission statuses.
 #pragma once
 
 #include <expected>
@@ -11,7 +11,7 @@
 
 namespace quillon {
 
-// Dropping it ends the reports; it waits for one that is running on another thread.
+// Destruction ends the reports and waits for one running on another thread.
 class PermissionSubscription {
  public:
   virtual ~PermissionSubscription() = default;
@@ -20,21 +20,20 @@ class PermissionSubscription {
 // Thread-safe. Never throws.
 class PermissionSources {
  public:
-  // What the source behind a permission key says; its meaning depends on the key. Nothing when the device has no such
-  // source.
+  // The value from the source behind a permission key; its meaning depends on the key. nullopt when the device has no
+  // such source.
   using Value = std::optional<int>;
 
   virtual ~PermissionSources() = default;
 
-  // Asks the source now, or says why that failed. Waits at most two seconds, so never on the main queue.
+  // Queries the source. Waits up to two seconds, so never call it on the main queue. The error is for the log.
   virtual std::expected<Value, std::string> platformValue(const VantariKey& key) const = 0;
 
-  // What the source is known to say, without waiting: kept up to date where the device reports changes. An error when
-  // nothing is known yet.
+  // The source's last known value, without waiting; kept current where the device reports changes. An error when none
+  // is known yet.
   virtual std::expected<Value, std::string> knownValue(const VantariKey& key) const = 0;
 
-  // Calls back, from any thread, after the answer of some source may have become another one. The handler must not
-  // block.
+  // Calls `changed` from any thread when a source's value may have changed. It must not block.
   [[nodiscard]] virtual std::unique_ptr<PermissionSubscription> observe(std::function<void()> changed) = 0;
 };
 

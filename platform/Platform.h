@@ -1,5 +1,5 @@
-// Everything the consent logic asks of an operating system, as one value. Each member can be replaced by another
-// implementation of its interface; all are set but those that may be null.
+// The operating-system services of the consent logic. Each member can be replaced by another implementation; all are
+// set except those that may be null.
 #pragma once
 
 #include <memory>
@@ -37,11 +37,11 @@ struct Platform {
   std::shared_ptr<HostApplication> host;
   std::shared_ptr<RandomSource> random;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
-  std::shared_ptr<PrivacySignals> signals;   // null: a device on which users cannot ask for privacy
+  std::shared_ptr<PrivacySignals> signals;   // null: a device without privacy signals
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
-  bool areScreensLinked = false;             // the application has one at hand, configured or not
+  bool areScreensLinked = false;             // a user interface is linked, configured or not
 
-  // Base address of the vendor's application server, which answers location look-ups. Ends in "/".
+  // Base URL of the vendor's application server, for location look-ups. Ends in "/".
   std::string vendorUrl = "https://app.quillon.example/";
 };
 

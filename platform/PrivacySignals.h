@@ -1,4 +1,4 @@
-// Whether the user has asked all applications on the device for privacy.
+// The device's privacy signals, by which the user asks all applications for privacy.
 #pragma once
 
 #include <functional>
@@ -6,22 +6,22 @@
 
 namespace quillon {
 
-// Dropping it ends the reports; it waits for one that is running on another thread.
+// Destruction ends the reports and waits for one running on another thread.
 class PrivacySignalSubscription {
  public:
   virtual ~PrivacySignalSubscription() = default;
 };
 
-// Thread-safe. Never throws. Nothing is asked of the device before the first call.
+// Thread-safe. Never throws. The device is not queried before the first call.
 class PrivacySignals {
  public:
   virtual ~PrivacySignals() = default;
 
-  // Answers at once and without an allocation, but for the first call, which may take a few milliseconds. What cannot
-  // be told for now counts as on.
+  // Never waits and allocates nothing, except in the first call, which may take a few milliseconds. An unknown state
+  // counts as on.
   virtual bool isOn() const = 0;
 
-  // Calls back, from any thread, after the answer may have become another one. The handler must not block.
+  // Calls `changed` from any thread when the state may have changed. It must not block.
   [[nodiscard]] virtual std::unique_ptr<PrivacySignalSubscription> observe(std::function<void()> changed) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Chance: for identifiers, and so that devices do not march in step.
+// Random numbers, for identifiers and to spread the timing of devices.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ class RandomSource {
  public:
   virtual ~RandomSource() = default;
 
-  // 64 bits, each of them as likely set as not, which nobody outside can foresee.
+  // 64 uniformly random, unpredictable bits.
   virtual std::uint64_t next() = 0;
 };
 

@@ -1,4 +1,4 @@
-// The user interface, when one is linked.
+// The user interface, if linked.
 #pragma once
 
 #include <memory>
@@ -9,25 +9,24 @@
 
 namespace quillon {
 
-// Called on the main queue only; returns at once. One presenter may serve several SDKs.
+// Called on the main queue only; must not block. One presenter may serve several SDKs.
 class ScreenPresenter {
  public:
   virtual ~ScreenPresenter() = default;
 
-  // The SDK that a screen is about; kept as long as the screen lives.
+  // The SDK a screen belongs to; kept alive by the screen.
   using Services = std::shared_ptr<ScreenServices>;
 
-  // Each shows a screen over the application's top-most one. While the user sees it, it holds what
-  // ScreenServices::shown() gave.
+  // Each shows a screen over the application's top-most one, which holds ScreenServices::shown() while visible.
   virtual void presentBanner(Services sdk) = 0;
   virtual void presentPreferenceCenter(Services sdk) = 0;
   virtual void presentSettingsPrompt(Services sdk, const VantariKey& permission) = 0;
   virtual void presentWebView(Services sdk, const std::string& link) = 0;
 
   virtual void dismissTopMost() = 0;
-  // Takes the banner of that SDK away, wherever it lies; nothing when it is not shown.
+  // Dismisses that SDK's banner, wherever it is; nothing when it is not shown.
   virtual void dismissBanner(Services sdk) = 0;
-  // The application's page in the system settings.
+  // Opens the application's page in the system settings.
   virtual void openSystemSettings() = 0;
 };
 

@@ -1,4 +1,4 @@
-// What a screen may ask of the SDK that it belongs to.
+// The SDK as its screens see it.
 #pragma once
 
 #include <chrono>
@@ -25,10 +25,10 @@ namespace quillon {
 
 class SDKLogger;
 
-// What the screens show of the configuration.
+// The configuration's content for a screen.
 struct ScreenContent {
   std::shared_ptr<const MainConfiguration> configuration;  // null when there is none
-  std::optional<BannerConfig> banner;                      // for the user's location, with the interface's texts
+  std::optional<BannerConfig> banner;                      // for the user's location, with interface texts
 };
 
 struct ScreenFonts {
@@ -38,39 +38,39 @@ struct ScreenFonts {
   std::optional<CustomFont> headingLight = std::nullopt;
 };
 
-// Thread-safe unless said otherwise. Holding it keeps the SDK's services alive. Once the SDK is closed, nothing that
-// was asked for is done or delivered any more.
+// Thread-safe unless documented otherwise. Keeps the SDK's services alive. After close() requests are dropped and
+// nothing is delivered.
 class ScreenServices {
  public:
   virtual ~ScreenServices() = default;
 
-  // What is shown. `prepare` runs in the background; the job that it returns, on the main queue.
+  // Loads the screen content. `prepare` runs in the background; the job it returns runs on the main queue.
   virtual void load(std::function<Job(ScreenContent)> prepare) = 0;
-  // For the background only: the purposes and permissions in display order with their present consents. The permissions
-  // wait for the device.
+  // Background threads only: purposes and permissions in display order, with current consents. permissions() waits for
+  // the device.
   virtual std::vector<Purpose> purposes() = 0;
   virtual std::vector<AppPermission> permissions() = 0;
 
-  // What the user decides. Stored when the call returns, uploaded in the background. False when it was not stored.
+  // The user's decisions. Stored on return, uploaded in the background. False when not stored.
   virtual bool answer(bool accept) = 0;
   virtual bool save(const std::map<std::int64_t, bool>& selectedPurposes) = 0;
-  // The banner was seen and not answered.
+  // The banner was shown and not answered.
   virtual bool recordDefaults() = 0;
-  // The settings prompt is not to be offered again.
+  // Stops the settings prompt from being offered again.
   virtual void closeSettingsPrompt() = 0;
 
-  // Further screens, and the end of one. All on the main queue, later.
+  // Shows or dismisses screens, later on the main queue.
   virtual void presentPreferenceCenter() = 0;
   virtual void presentSettingPrompt(const VantariKey& permission) = 0;
   virtual void openLink(std::string link) = 0;
   virtual void dismissTopMost() = 0;
-  // The banner is answered: takes it away, wherever it is shown.
+  // Dismisses the answered banner, wherever it is.
   virtual void dismissBanner() = 0;
   virtual void openSystemSettings() = 0;
-  // The screen is on screen now; it is gone when what is returned goes.
+  // Reports the screen as shown until the result is destroyed.
   [[nodiscard]] virtual std::shared_ptr<void> shown(ScreenKind screen) = 0;
 
-  // How it is shown.
+  // Language and appearance.
   virtual std::string language() const = 0;
   virtual ScreenFonts fonts() const = 0;
   virtual std::optional<CustomColors> colors() const = 0;
@@ -78,16 +78,16 @@ class ScreenServices {
   virtual const HostApplication& host() const = 0;
   virtual SDKLogger& logger() = 0;
   virtual SDKStatus status() const = 0;
-  // Calls on the main queue with every later status, until the handle is dropped there.
+  // Calls `changed` on the main queue with every later status, until the handle is dropped there.
   [[nodiscard]] virtual std::shared_ptr<void> followStatus(std::function<void(SDKStatus)> changed) = 0;
 
-  // Calls on the main queue when the banner is taken away by dismissBanner(), until the handle is dropped there.
+  // Calls `dismissed` on the main queue when dismissBanner() is called, until the handle is dropped there.
   [[nodiscard]] virtual std::shared_ptr<void> followBannerDismissal(std::function<void()> dismissed) = 0;
 
-  // Work of a screen's own. `work` runs in the background; the job that it returns, on the main queue.
+  // Runs `work` in the background; the job it returns runs on the main queue.
   virtual void run(std::move_only_function<Job()> work) = 0;
   virtual void onMain(Job job) = 0;
-  // Runs the job on the main queue after the delay, unless the timer is dropped before.
+  // Runs the job on the main queue after the delay, unless the timer is destroyed first.
   [[nodiscard]] virtual std::unique_ptr<Timer> after(std::chrono::milliseconds delay, std::function<void()> job) = 0;
 };
 

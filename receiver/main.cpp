@@ -1,4 +1,4 @@
-// quillon-receiver: takes the consent uploads of devices and keeps every decision once.
+// quillon-receiver: accepts devices' consent uploads and stores every decision once.
 #include <CLI/CLI.hpp>
 
 #include "receiver/officer/OfficerCommands.h"

@@ -26,7 +26,7 @@
 namespace quillon::testing {
 namespace {
 
-// The analytics library of the application: it keeps what it was told last. Thread-safe.
+// The application's analytics library: stores the last signals. Thread-safe.
 class NotingConsentSink : public ConsentSink {
  public:
   bool takesConsent() const override { return true; }
@@ -50,8 +50,7 @@ class Device::World {
  public:
   explicit World(std::chrono::sys_seconds now) : clock(std::make_shared<VirtualClock>(now)) {}
 
-  // Everything of the platform but the languages outlives a launch. Services are called by the SDK's own threads, so
-  // what they share with this object they hold themselves.
+  // All services except the locale outlive a launch. They run on SDK threads and share ownership of what they use.
   Platform platform() {
     Platform platform;
     platform.console = console;
@@ -158,7 +157,7 @@ std::vector<std::string> Device::uploads() const {
 }
 
 bool Device::setPermission(const VantariKey& permission, ConsentStatus status) {
-  // The sources answer with small numbers, each kind with its own.
+  // Sources use small numbers, each kind its own.
   constexpr int greatestAnswer = 9;
   for (int answer = 0; answer <= greatestAnswer; ++answer) {
     if (consentFromPlatformValue(permission.kind(), answer) != status) continue;

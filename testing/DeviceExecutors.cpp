@@ -26,7 +26,7 @@ class DeviceExecutors::Background : public Executor {
       busy_ = true;
       lock.unlock();
       contained(job);
-      job = nullptr;  // what it captured goes before the queue counts as idle
+      job = nullptr;  // destroys its captures before the queue counts as idle
       lock.lock();
       busy_ = false;
       changed_.notify_all();
@@ -39,7 +39,7 @@ class DeviceExecutors::Background : public Executor {
   }
 
   void close() {
-    std::deque<Job> dropped;  // what jobs captured goes away without the lock held
+    std::deque<Job> dropped;  // captures are destroyed without the lock
     const std::scoped_lock lock(mutex_);
     closed_ = true;
     dropped.swap(jobs_);
@@ -59,7 +59,7 @@ DeviceExecutors::DeviceExecutors()
 
 DeviceExecutors::~DeviceExecutors() {
   background_->close();
-  // The last owner may be a job of the queue's own.
+  // A job of this queue may be the last owner.
   if (thread_.get_id() == std::this_thread::get_id()) {
     thread_.detach();
   } else {

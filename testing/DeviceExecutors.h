@@ -1,4 +1,4 @@
-// The queues of a device: a thread of their own for all work but the main queue's, which waits for the test.
+// The executors of a device: one thread for all queues except the main queue, which runs on demand.
 #pragma once
 
 #include <condition_variable>
@@ -12,13 +12,13 @@
 
 namespace quillon::testing {
 
-// Thread-safe. Background and serial queues share one order. Jobs that have not begun when this goes are dropped.
+// Thread-safe. Background and serial queues share one order. Jobs that have not begun on destruction are dropped.
 class DeviceExecutors : public Executors {
  public:
   DeviceExecutors();
   ~DeviceExecutors() override;
 
-  // Runs the main queue on the calling thread until nothing is left to do, there or in the background.
+  // Runs the main queue on the calling thread until no job is left there or in the background.
   void settle();
 
   std::shared_ptr<Executor> main() override { return mainQueue_.main(); }

@@ -1,4 +1,4 @@
-// The servers that a device reaches: configurations, location and uploads.
+// The servers of a device: configuration, location and uploads.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,4 @@
-// A configuration in a file that the command line names.
+// Reads a configuration file named on the command line.
 #pragma once
 
 #include <expected>
@@ -8,7 +8,7 @@
 
 namespace quillon::tools {
 
-// The configuration, or the first error and its place in the words of the SDK.
+// The configuration, or the SDK's error text with the path of the first error.
 [[nodiscard]] std::expected<MainConfiguration, std::string> configurationOf(const std::string& path);
 
 }  // namespace quillon::tools

@@ -1,4 +1,4 @@
-// The content of a file that the command line names.
+// Reads a file named on the command line.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ namespace quillon::tools {
 
 inline constexpr std::size_t largestDocument = std::size_t{32} << 20;
 
-// All of it, or so much of one larger than a document may be that whoever decodes it refuses it; "-" is the standard
+// The content; a file above the document limit is cut just beyond it, so that decoding rejects it. "-" is standard
 // input. The error is the system's.
 [[nodiscard]] std::expected<std::string, std::string> contentOf(const std::string& path);
 

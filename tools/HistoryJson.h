@@ -1,4 +1,4 @@
-// An entry of the history of decisions as JSON, for output.
+// A history entry as JSON, for output.
 #pragma once
 
 #include <boost/json/object.hpp>

@@ -1,4 +1,4 @@
-// The content of a key-value suite as JSON, for output. Dates become whole seconds since 1970.
+// A suite's content as JSON, for output. Dates become whole seconds since 1970.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -9,7 +9,7 @@ namespace quillon::tools {
 
 [[nodiscard]] boost::json::value toJson(const PropertyValue& value);
 
-// With its keys in byte order.
+// Keys in byte order.
 [[nodiscard]] boost::json::object toJson(const SuiteEntries& entries);
 
 }  // namespace quillon::tools

@@ -1,4 +1,4 @@
-// quillon-consent: the developer's tool. Each sub-command lives in a folder of its own.
+// quillon-consent, the developer tool. Each sub-command has its own folder.
 #include <CLI/CLI.hpp>
 
 #include "tools/check-server/CheckServerCommand.h"

@@ -1,9 +1,10 @@
-// A small host application, to be measured from outside: compiled with QUILLON_BENCH_SDK it sets the SDK up, else it
-// does nothing. With QUILLON_BENCH_SCREENS it has a window of Qt Quick, and the SDK shows its preference centre there.
-// `footprint.sh` compares them.
-//   host SECONDS [FOLDER CDN-URL]
-// Prints, in this order: its private memory in KiB when everything is ready, and how often its threads were woken in
-// that many seconds after it.
+// A small host application for external measurement: compiled with QUILLON_BENCH_SDK it sets the SDK up, else it does
+// nothing; with QUILLON_BENCH_SCREENS the SDK shows the preference centre over its Qt Quick window. `footprint.sh`
+// compares them.
+//
+// host SECONDS [FOLDER CDN-URL]
+//
+// Prints its private memory in KiB when ready, then the number of wake-ups of its threads in the following SECONDS.
 #include <unistd.h>
 
 #include <chrono>
@@ -46,7 +47,7 @@ long privateMemory() {
   return sumOf("/proc/self/smaps_rollup", "Private_Clean:") + sumOf("/proc/self/smaps_rollup", "Private_Dirty:");
 }
 
-// Of each thread but this one.
+// Wake-ups of each thread but this one.
 std::map<std::string, long> wakeUps() {
   std::map<std::string, long> counts;
   for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
@@ -56,7 +57,7 @@ std::map<std::string, long> wakeUps() {
   return counts;
 }
 
-// A thread that has ended meanwhile was woken for that.
+// A thread that ended meanwhile counts as one wake-up.
 long wakeUpsSince(std::map<std::string, long> before) {
   long sum = 0;
   for (const auto& [thread, count] : wakeUps()) {
@@ -94,7 +95,7 @@ int main(int argc, char** argv) {
   if (!quillon::configure({.applicationId = "footprint", .dataDirectory = argv[2]})) return 1;
 #endif
   quillon::ConsentSDK& sdk = quillon::ConsentSDK::shared();
-  // Marks in a trace of system calls.
+  // Marks a position in a trace of system calls.
   syscall(SYS_getppid);
   sdk.setup(
       {.appUrl = argv[3], .cdnUrl = argv[3], .tenantId = "demo-tenant", .appId = "news-reader", .locationCode = "DE"});

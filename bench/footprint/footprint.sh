@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# What the SDK adds to a host application: size, memory, wake-ups while idle, and the system calls that the thread that
-# sets it up makes for it.
+# The SDK's cost for a host application: size, memory, idle wake-ups, and system calls on the thread that calls setup.
 #   bench/footprint/footprint.sh BUILD-FOLDER [SECONDS OF IDLENESS]
 set -euo pipefail
 bin=$1/bin seconds=${2:-60}

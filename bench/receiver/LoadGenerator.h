@@ -16,7 +16,7 @@ struct LoadResult {
   double seconds = 0;
 };
 
-// Uploads of one decision each, of subjects at random. One thread.
+// Sends uploads of one decision each, for random subjects. One thread.
 LoadResult uploadTo(int port, const Load& load);
 
 }  // namespace quillon::bench

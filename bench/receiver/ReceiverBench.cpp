@@ -1,5 +1,5 @@
-// Uploads that the receiver acknowledges, beside single inserts of the same rows by PostgreSQL's own benchmark; how
-// that grows with what is stored; and what a thousand slow clients cost.
+// Uploads acknowledged by the receiver, compared with pgbench's single inserts of the same rows; their growth with
+// stored decisions; and the cost of a thousand slow clients.
 #include <arpa/inet.h>
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -28,7 +28,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// On a disk, where a commit costs what it costs.
+// On a real disk, where commits have their real cost.
 const fs::path kDisk = "/var/tmp";
 
 test::PostgresServer& postgres() {
@@ -47,7 +47,7 @@ class Receiver {
     port_ = std::atoi(line.c_str() + line.rfind(':') + 1);
   }
   int port() const { return port_; }
-  // Kilobytes of its own, from the kernel's account.
+  // Private memory in kilobytes, as reported by the kernel.
   double residentKilobytes() const {
     std::ifstream status("/proc/" + std::to_string(process_.id()) + "/status");
     for (std::string line; std::getline(status, line);) {
@@ -69,7 +69,7 @@ void measureUploads(benchmark::State& state, int port, int clients) {
   }
 }
 
-// The rate that pgbench reports with single inserts into the same table, over the socket that the receiver uses too.
+// pgbench's rate of single inserts into the same table, over the same socket.
 void measurePgbench(benchmark::State& state, int clients) {
   const test::TemporaryFolder folder(kDisk);
   test::setFileBytes(folder.path() / "script",
@@ -91,7 +91,7 @@ void measurePgbench(benchmark::State& state, int clients) {
   }
 }
 
-// Puts that many decisions into an empty store, in the order of the key, by the database itself.
+// Fills an empty store with decisions in key order, using the database.
 void fill(const std::string& store, std::int64_t count) {
   const std::string columns =
       "INSERT INTO quillon_decisions(subject, tenant, application, kind, item, decided_at, status, essential, "
@@ -99,7 +99,7 @@ void fill(const std::string& store, std::int64_t count) {
       "test, version, compliance, place, device, sdk_version, ad_id, received_at) ";
   const std::string values =
       ", '', 'reader', 'purpose', '2', 1700000000, 'granted', 0, 0, 0, 3, 'opt-in', '', 'Linux', '', '', 1700000000 ";
-  // Numbers that lie apart, so that those of the uploads fall between them.
+  // Spaced numbers, so that uploads' numbers fall in between.
   const std::string apart = std::to_string(INT64_MAX / count);
   if (receiver::isPostgres(store)) {
     const auto connection = receiver::PostgresConnection::open(store).value();
@@ -120,7 +120,7 @@ void fill(const std::string& store, std::int64_t count) {
   sqlite3_close(database);
 }
 
-// A receiver whose store began with so many decisions. Repetitions come in any order, so each size has a store.
+// A receiver with a store of `decisions`. Repetitions come in any order, so each size has its own store.
 const Receiver& receiverWith(bool isPostgres, std::int64_t decisions) {
   static const test::TemporaryFolder folder(kDisk);
   static std::map<std::pair<bool, std::int64_t>, std::unique_ptr<Receiver>> receivers;
@@ -139,7 +139,7 @@ void measureGrowth(benchmark::State& state, bool isPostgres, std::int64_t decisi
   measureUploads(state, receiverWith(isPostgres, decisions).port(), 64);
 }
 
-// Clients that have sent half of a body, and send no more.
+// Clients that sent half a body and then stopped.
 void measureSlowClients(benchmark::State& state, int count) {
   const test::TemporaryFolder folder(kDisk);
   const Receiver receiver(folder.path() / "store");
@@ -164,7 +164,7 @@ void measureSlowClients(benchmark::State& state, int count) {
       }
       sockets.push_back(one);
     }
-    // Others are answered meanwhile, after all of the above has been read.
+    // Other clients are served meanwhile, after all of the above has been read.
     const auto others = uploadTo(receiver.port(), {.clients = 8, .duration = std::chrono::milliseconds(2000)});
     if (others.acknowledged == 0) return state.SkipWithError("nobody else is answered");
     state.counters["kilobytes for all"] = receiver.residentKilobytes() - before;

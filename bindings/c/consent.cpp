@@ -1,4 +1,4 @@
-// The C functions over the facade. Nothing is decided here: values change their form, and exceptions end.
+// The C functions: converts values and contains exceptions, without logic of its own.
 #include "quillon/consent.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ static_assert(QUILLON_READY == static_cast<int>(SDKStatus::ready) &&
               QUILLON_UNAVAILABLE == static_cast<int>(SDKStatus::unavailable) &&
               QUILLON_FETCHING == static_cast<int>(SDKStatus::fetching));
 
-// Runs the call; what it throws, which is lack of memory at most, becomes the empty result.
+// Runs the call; returns the empty result when it throws, which only happens out of memory.
 template <class Call>
 auto guarded(Call&& call) noexcept -> decltype(call()) {
   using Result = decltype(call());
@@ -33,7 +33,7 @@ auto guarded(Call&& call) noexcept -> decltype(call()) {
   }
 }
 
-// The fields that the caller's header knew; those that it did not are empty.
+// Copies the fields known to the caller's header; later ones are empty.
 template <class Record>
 Record fieldsOf(const Record& given) {
   Record known{};
@@ -105,7 +105,7 @@ std::string inUsersLanguage(const std::optional<LocalizedText>& texts) {
   return texts ? textIn(sdk().screens()->language(), *texts) : std::string();
 }
 
-// Records that grow at their end are handed over one by one: an array of them would change its stride.
+// Passes extensible structures by pointer: growing them would change an array's stride.
 template <class Record>
 std::vector<const Record*> addresses(const std::vector<Record>& records) {
   std::vector<const Record*> all;
@@ -114,7 +114,7 @@ std::vector<const Record*> addresses(const std::vector<Record>& records) {
   return all;
 }
 
-// A record without its size would read as one without any field.
+// A structure without a size would read as one without fields.
 bool hasSize(std::size_t size, const char* function) {
   if (size > 0) return true;
   SDKLogger::shared().log("The record's size is 0: it should be sizeof the record", LogLevel::error, function, __FILE__,
@@ -129,7 +129,7 @@ std::vector<quillon_signal> signalsOf(const std::map<std::string, std::string>& 
   return signals;
 }
 
-// Jobs leave as a plain address, and come back to be run and freed.
+// Jobs are passed as a pointer, and freed after they were run.
 std::function<void(std::function<void()>)> mainQueue(const quillon_platform& platform) {
   if (platform.post_to_main_queue == nullptr) return {};
   return [post = platform.post_to_main_queue, context = platform.post_context](std::function<void()> job) {
@@ -150,7 +150,7 @@ std::function<void(const std::map<std::string, std::string>&)> consentSink(const
   };
 }
 
-// Answers a yes or no, and nothing at all when nobody asked.
+// Passes a boolean to the callback, if there is one.
 std::function<void(bool)> answering(void (*callback)(int32_t, void*), void* context) {
   return [=](bool yes) {
     if (callback != nullptr) callback(yes ? 1 : 0, context);
@@ -291,7 +291,7 @@ void quillon_get_purposes(void (*callback)(const quillon_purpose* const* purpose
       std::vector<quillon_purpose> records;
       for (std::size_t i = 0; i < purposes.size(); ++i) {
         const Purpose& purpose = purposes[i];
-        if (!purpose.purposeId) continue;  // nobody could ask for it or set it
+        if (!purpose.purposeId) continue;  // cannot be queried or set
         records.push_back({.id = *purpose.purposeId,
                            .name = texts[i].first.c_str(),
                            .description = texts[i].second.c_str(),

@@ -1,4 +1,4 @@
-// Why the banner is due, or is not, in words.
+// The English explanation of the banner's state.
 #include "core/Banner/BannerState.h"
 #include "core/Json/RawValues.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -37,9 +37,9 @@ QUILLON_RAW_VALUES(BannerReason, {BannerReason::neverShown, "never_shown"}, {Ban
                    {BannerReason::onScreen, "on_screen"}, {BannerReason::answered, "answered"},
                    {BannerReason::signal, "signal"}, {BannerReason::noConfiguration, "no_configuration"});
 
-BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration, bool isSettled,
-                                bool hasDecisions) {
-  const BannerState state = bannerState(stored, clock, isSettled);
+BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration,
+                                bool isCoveredBySignals, bool hasDecisions) {
+  const BannerState state = bannerState(stored, clock, isCoveredBySignals);
   BannerExplanation banner{.isDue = hasConfiguration && state.isDue(), .reason = state.reason};
   if (!hasConfiguration && state.isDue()) {
     banner.reason = BannerReason::noConfiguration;

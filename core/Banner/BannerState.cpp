@@ -8,11 +8,11 @@
 
 namespace quillon {
 
-BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isSettled) {
+BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isCoveredBySignals) {
   const std::int64_t now = wholeSeconds(clock.now());
   constexpr auto never = std::numeric_limits<std::int64_t>::min();
   const bool wasShown = stored.integer(key::bannerShownDate, never) != never;
-  // Within what the clock can count from.
+  // Keeps the sum within the clock's range.
   constexpr std::int64_t farAway = 1'000'000'000'000;
   const std::int64_t shown = std::clamp(stored.integer(key::bannerShownDate, now), -farAway, farAway);
   const GivenType given = stored.consentGivenType();
@@ -30,7 +30,7 @@ BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isS
   } else {
     state.reason = wasShown ? BannerReason::unanswered : BannerReason::neverShown;
   }
-  if (isSettled && state.isDue()) state.reason = BannerReason::signal;
+  if (isCoveredBySignals && state.isDue()) state.reason = BannerReason::signal;
   return state;
 }
 

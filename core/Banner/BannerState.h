@@ -1,4 +1,4 @@
-// When the banner is due: the one rule by which it is shown, and explained.
+// The rule by which the banner is due.
 #pragma once
 
 #include "core/Persistance/UserDefaults/StoredValues.h"
@@ -8,10 +8,11 @@
 namespace quillon {
 
 struct BannerState {
-  // Never `reconsent`: explainBanner() tells that from `unanswered`. Never `noConfiguration`, which only callers know.
+  // Never `reconsent`, which explainBanner() distinguishes from `unanswered`, and never `noConfiguration`, which only
+  // callers know.
   BannerReason reason;
   std::int64_t expires;  // whole seconds since 1970
-  // Who has seen the banner before and said nothing has agreed to the defaults: they count as explicit from now on.
+  // The user has seen the banner and not answered: the recorded defaults count as explicit from now on.
   bool promotesDefaults;
 
   bool isDue() const {
@@ -19,11 +20,11 @@ struct BannerState {
   }
 };
 
-// `isSettled`: privacy signals answer all that it would ask.
-[[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isSettled);
+// `isCoveredBySignals`: privacy signals answer everything that the banner would ask.
+[[nodiscard]] BannerState bannerState(const StoredValues& stored, const Clock& clock, bool isCoveredBySignals);
 
-// The state in words. `hasDecisions`: a purpose has been decided about before.
+// The state as text. `hasDecisions`: a purpose was decided before.
 [[nodiscard]] BannerExplanation explainBanner(const StoredValues& stored, const Clock& clock, bool hasConfiguration,
-                                              bool isSettled, bool hasDecisions);
+                                              bool isCoveredBySignals, bool hasDecisions);
 
 }  // namespace quillon

@@ -1,2 +1,2 @@
-// The library itself, compiled into ours: see quillon_boost.
+// The library's sources, compiled into ours: see quillon_boost.
 #include <boost/url/src.hpp>

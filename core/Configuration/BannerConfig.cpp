@@ -24,7 +24,7 @@ Color colorFromText(std::string_view text) noexcept {
     if (c == '#') continue;
     const int digit = hexValue(c);
     if (digit < 0) break;
-    // Only the low 24 bits count, so what is shifted out does not matter.
+    // Only the low 24 bits are used, so overflow is harmless.
     number = (number << 4) + static_cast<std::uint32_t>(digit);
   }
   const auto component = [number](int bit) { return static_cast<double>((number >> bit) & 0xFF) / 255; };

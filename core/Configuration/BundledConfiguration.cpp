@@ -20,7 +20,7 @@ ConfigurationPointer BundledConfiguration::get() {
   if (!isRead_) configuration_ = read();
   isRead_ = true;
   if (!configuration_) return nullptr;
-  // An older one would make the newer look new again when it is downloaded, and ask the user once more.
+  // A version older than the one applied before would let the next download look new, and ask the user again.
   const bool isOlder = configuration_->version.value_or(0) < store_.getInt64(key::configurationVersion, 0);
   return isOlder ? nullptr : configuration_;
 }

@@ -1,4 +1,4 @@
-// The configuration that ships with the application.
+// The bundled configuration.
 #pragma once
 
 #include <mutex>
@@ -11,18 +11,18 @@
 
 namespace quillon {
 
-// Thread-safe. Read once for each set-up.
+// Thread-safe. Read once per setup.
 class BundledConfiguration {
  public:
   // All must outlive it.
   BundledConfiguration(const Platform& platform, UserDefaultManager& store, SDKLogger& logger)
       : platform_(platform), store_(store), logger_(logger) {}
 
-  // Names the resource; nothing when the application ships none.
+  // Sets the resource's name; nullopt when the application ships none.
   void name(std::optional<std::string> resource, std::string language);
 
-  // In the user's language, else the common one. Null when there is none, when it cannot be read (logged once), and when
-  // a newer one was applied before.
+  // The configuration in the user's language, else the common one. Null when there is none, when it is unreadable
+  // (logged once), and when a newer version was applied before.
   ConfigurationPointer get();
 
  private:

@@ -28,7 +28,7 @@ ConfigurationPointer ConfigurationCache::readCDNFile(bool isCache) {
 
   auto stamp = platform_.files->stamp(file);
   if (!stamp && platform_.files->move(*folder / backupName, file)) {
-    stamp = platform_.files->stamp(file);  // A save was cut short before it wrote anything.
+    stamp = platform_.files->stamp(file);  // An interrupted save had moved the file but not written the new one.
   }
   if (stamp && stamp == stamp_) return decoded_;
   stamp_.reset();
@@ -75,7 +75,7 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
   const auto target = *folder / name;
   const auto backup = *folder / backupName;
   if (files.stamp(target)) {
-    if (files.stamp(backup)) removeCDNFile(files, backup);  // of a save that was cut short after it had written
+    if (files.stamp(backup)) removeCDNFile(files, backup);  // left by a save that was interrupted after writing
     if (const auto moved = files.move(target, backup); moved) {
       log(LogLevel::info, "Backup created: " + escapedForLog(backup.string()), function);
     } else {
@@ -114,7 +114,7 @@ void ConfigurationCache::reset() {
   if (!folder) return;
   const std::scoped_lock lock(mutex_);
   if (platform_.files->stamp(*folder / fileName)) removeCDNFile(*platform_.files, *folder / fileName);
-  // A backup left by a save that was cut short would come back as the configuration.
+  // A backup left by an interrupted save would be restored as the configuration.
   if (platform_.files->stamp(*folder / backupName)) removeCDNFile(*platform_.files, *folder / backupName);
 }
 

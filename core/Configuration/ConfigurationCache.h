@@ -1,4 +1,4 @@
-// The one copy of the configuration on disk, and its decoded form in memory.
+// The cached configuration: the file and its decoded form in memory.
 #pragma once
 
 #include <filesystem>
@@ -14,17 +14,17 @@
 
 namespace quillon {
 
-// Thread-safe; file operations of one process do not overlap. Killed at any moment it leaves the old configuration or
-// the new one, at worst under the name of the backup, from where the next reading brings it back.
+// Thread-safe; file operations of one process do not overlap. A crash at any moment leaves the old or the new
+// configuration, possibly under the backup's name, from which the next read restores it.
 class ConfigurationCache {
  public:
   static constexpr std::string_view fileName = "quillon-sdk-cdn.json";
   static constexpr std::string_view backupName = "quillon-sdk-cdn-backup.json";
 
-  // Where a document comes from.
+  // The source of a document.
   struct Origin {
-    std::string address;   // that was asked first, before any fall-back
-    std::string language;  // that was asked for
+    std::string address;   // requested first, before any fallback
+    std::string language;  // requested
     std::optional<std::string> etag;
   };
 
@@ -32,17 +32,16 @@ class ConfigurationCache {
   ConfigurationCache(const Platform& platform, UserDefaultManager& store, SDKLogger& logger)
       : platform_(platform), store_(store), logger_(logger) {}
 
-  // The cached configuration; null when there is none that can be read. Decoded again only after the file changed.
-  // isCache: a silent probe, which logs no failure.
+  // The cached configuration; null when there is none or it is unreadable. Decoded again only when the file has
+  // changed. isCache: do not log failures.
   ConfigurationPointer readCDNFile(bool isCache);
 
-  // Writes the file, keeping the earlier one as a backup until the new one is safe, and remembers when and where it was
-  // saved and where it comes from. On failure the earlier file is back in place. Does nothing when the document is not
-  // wanted any more once it is its turn to be written.
+  // Writes the file, keeping the previous one as a backup until the new one is durable, and stores the time, address
+  // and origin. On failure the previous file is restored. Does nothing when `isWanted` is false once the lock is taken.
   void saveCDNToFile(const MainConfiguration& config, std::string_view fileName, const Origin& origin,
                      const std::function<bool()>& isWanted);
 
-  // Removes the cached file. The caller drops the entity tag.
+  // Removes the cached file. The caller removes the entity tag.
   void reset();
 
  private:

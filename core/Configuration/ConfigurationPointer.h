@@ -1,4 +1,4 @@
-// A decoded configuration as it is passed around: shared and immutable; null for none.
+// A shared, immutable decoded configuration; null for none.
 #pragma once
 
 #include <memory>

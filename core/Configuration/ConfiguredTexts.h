@@ -1,4 +1,4 @@
-// Everything that a configuration says in several languages, and every address that it links to.
+// Visitors for a configuration's localized texts and links.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-// The place of a text for those who do not want to know it.
+// A path for callers that need none.
 struct NoPath {
   [[nodiscard]] NoPath at(std::string_view /*key*/) const { return {}; }
   [[nodiscard]] NoPath at(std::size_t /*index*/) const { return {}; }
@@ -60,8 +60,7 @@ void visitTexts(const Record& record, const Text<Record> (&texts)[count], const 
 
 }  // namespace configured
 
-// Calls back with the path below the root and the value of every such text that is there. The labels of the screens
-// ("i18n") are not among them.
+// Calls `visit` with the path and value of every localized text present. Interface labels ("i18n") are excluded.
 template <class Path, class Visit>
 void forEachText(const MainConfiguration& configuration, const Path& root, Visit visit) {
   using namespace configured;
@@ -96,7 +95,7 @@ void forEachText(const MainConfiguration& configuration, const Path& root, Visit
   }
 }
 
-// Calls back with the path and the value of every link that is there, as it was written.
+// Calls `visit` with the path and the unmodified value of every link present.
 template <class Path, class Visit>
 void forEachLink(const MainConfiguration& configuration, const Path& root, Visit visit) {
   const auto visitLink = [&visit](const std::optional<std::string>& link, const Path& path) {

@@ -6,7 +6,7 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t bits = 32;
-// No single changed bit makes one of them of the other.
+// The characters differ in more than one bit.
 constexpr char zero = ' ';
 constexpr char one = '\t';
 
@@ -26,7 +26,7 @@ std::string sealed(std::string document) {
 
 bool sealIsIntact(std::string_view bytes) {
   const auto end = bytes.find_last_not_of(" \t\r\n") + 1;
-  // Less white space is not a seal, or one that was cut off behind a whole document.
+  // Less white space is no seal, or a seal cut off after a complete document.
   if (bytes.size() - end <= bits) return true;
   return bytes.substr(end) == sealOf(bytes.substr(0, end));
 }

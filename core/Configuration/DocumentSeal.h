@@ -1,5 +1,4 @@
-// Tells a document that was damaged on disk from one that was written so: a changed bit can turn a law that asks for
-// consent into one that takes it for given, and still be a valid document.
+// Detects damage to a stored document. A flipped bit can turn opt-in into opt-out and still leave a valid document.
 #pragma once
 
 #include <string>
@@ -7,10 +6,10 @@
 
 namespace quillon {
 
-// The document followed by its checksum, in white space, so that every reader of JSON finds the document alone.
+// The document followed by its checksum, encoded as white space so that every JSON reader sees only the document.
 [[nodiscard]] std::string sealed(std::string document);
 
-// False when the bytes are not what was sealed. A document without a seal, which somebody else wrote, counts as intact.
+// False when document and seal disagree. A document without a seal, written by somebody else, counts as intact.
 [[nodiscard]] bool sealIsIntact(std::string_view bytes);
 
 }  // namespace quillon

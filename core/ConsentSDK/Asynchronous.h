@@ -1,4 +1,4 @@
-// How the public interface runs work in the background: with a callback, or as a future.
+// Runs background work for the public interface, with a callback or as a future.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-// The promise behind a future of the public interface: kept with `dropped` when the work behind it is dropped.
+// The promise behind a public future: holds `dropped` when its work is dropped.
 template <class T>
 class Promise {
  public:
@@ -34,11 +34,11 @@ class Promise {
   bool kept_ = false;
 };
 
-// Takes the result of work, in the background.
+// Receives the result of background work.
 template <class T>
 using Receiver = std::move_only_function<void(T)>;
 
-// Hands the result to a callback on the main queue.
+// Passes the result to a callback on the main queue.
 template <class T>
 Receiver<T> receiver(Work& work, std::function<void(T)> callback) {
   return [&work, callback = std::move(callback)](T value) mutable {
@@ -52,13 +52,13 @@ Receiver<T> receiver(std::shared_ptr<Promise<T>> promise) {
   return [promise = std::move(promise)](T value) { promise->keep(std::move(value)); };
 }
 
-// Runs the work in the background; the receiver is dropped uncalled when the work is dropped.
+// Runs the work in the background; when the work is dropped, so is the receiver, uncalled.
 template <class T>
 void deliver(Work& work, std::move_only_function<T()> background, Receiver<T> receive) {
   work.run([background = std::move(background), receive = std::move(receive)]() mutable { receive(background()); });
 }
 
-// The same for work that waits.
+// As above, for work that waits.
 template <class T>
 void deliver(Work& work, std::move_only_function<Task<T>()> background, Receiver<T> receive) {
   work.start([background = std::move(background), receive = std::move(receive)]() mutable -> Task<void> {
@@ -66,7 +66,7 @@ void deliver(Work& work, std::move_only_function<Task<T>()> background, Receiver
   });
 }
 
-// The same without a result.
+// As above, without a result.
 inline void answerLater(Work& work, std::function<void()> done, std::move_only_function<Task<void>()> background) {
   work.start([&work, done = std::move(done), background = std::move(background)]() mutable -> Task<void> {
     co_await background();

@@ -1,5 +1,4 @@
-// What happens again and again while the application runs: the repeating check, and the checks for which the network,
-// the device's permissions or a failed download are the occasion.
+// Recurring consent checks, triggered by the timer, the network, the device's permissions or a failed download.
 #pragma once
 
 #include <functional>
@@ -15,7 +14,7 @@ namespace quillon {
 // Thread-safe. At most one check is in flight.
 class CheckCycle {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     ConfigurationLoader& loader;
     ConsentUploader& uploader;
@@ -26,18 +25,18 @@ class CheckCycle {
   };
   explicit CheckCycle(Services services) : s_(std::move(services)) {}
 
-  // Loads for a session that has just begun, and then watches on its behalf.
+  // Loads the configuration of a new session and starts watching network, permissions and the store.
   void begin(SessionPointer session);
-  // Makes privacy signals count as the session wants it, now and whenever they change.
+  // Applies the session's privacy-signal options, now and whenever a signal changes.
   void honourSignals();
-  // Ends timers and observations. Does not wait for a check.
+  // Stops timers and observations. Does not wait for a running check.
   void close();
 
-  // Starts the repeating check anew, one period from now.
+  // Restarts the recurring check, one period from now.
   void startRecurringCheck();
-  // Starts it when the consents were given meanwhile, by another process, and it does not run yet.
+  // Starts the recurring check if it is not running and consents were given meanwhile, by another process.
   void followOtherProcesses();
-  // Runs one check, or joins the one that is in flight.
+  // Runs a check, or joins the one in flight.
   Task<void> check();
 
  private:
@@ -47,11 +46,11 @@ class CheckCycle {
   void startNetworkMonitor();
   void networkChanged(NetworkStatus status);
   void startPermissionObservation();
-  // Tries a first download again that has failed.
+  // Schedules another attempt at a failed first download.
   void scheduleRetry(const SessionPointer& session);
-  // Tells the application when the banner has become due.
-  void judgeBanner();
-  // At most the limit, evenly distributed.
+  // Notifies listeners when the banner has become due.
+  void reportDueBanner();
+  // A uniformly distributed duration from zero to the limit.
   std::chrono::milliseconds atRandom(std::chrono::milliseconds limit);
 
   const Services s_;

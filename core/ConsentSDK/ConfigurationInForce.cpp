@@ -1,4 +1,4 @@
-// Putting a configuration in force: what it means for the store, and what follows.
+// Applies a configuration: stores its values and updates what depends on it.
 #include "core/Banner/BannerSelection.h"
 #include "core/ConsentSDK/ConfigurationLoader.h"
 #include "core/Logger/UnitLog.h"
@@ -19,8 +19,8 @@ void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
   transaction.set(key::trackingPurposesList, purposesBoundToTracking(configuration));
   if (configuration.version) {
     const bool isNewer = *configuration.version > transaction.integer(key::configurationVersion, 0);
-    if (isNewer && configuration.reConsentEnabled.value_or(false)) transaction.askAgain();
-    // What the server refused of an older document it may take with a newer one.
+    if (isNewer && configuration.reConsentEnabled.value_or(false)) transaction.requestReconsent();
+    // The server may accept with a newer document what it rejected with an older one.
     if (isNewer) transaction.remove(key::uploadRefusedUpTo);
     transaction.set(key::configurationVersion, *configuration.version);
   }
@@ -34,7 +34,7 @@ void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
 Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, ConfigurationPointer configuration,
                                                      std::function<bool()> isWanted) {
   const auto location = co_await s_.location.locationFor(session, configuration);
-  const auto place = applying_.join();  // not before: whoever waits for a location holds up nobody
+  const auto place = applying_.join();  // only now: waiting for a location must not block other applications
   co_await place.turn();
   if (!isWanted()) co_return std::nullopt;
 
@@ -70,7 +70,7 @@ void ConfigurationLoader::warnOfUnknownRegion(const Session& session, const Main
   if (locations.contains(*region) || locations.contains(region->substr(0, region->find('#')))) return;
   std::string known;
   for (const auto& [place, category] : locations) known += (known.empty() ? "" : ", ") + place;
-  if (known.empty() || known == "default") return;  // it makes no difference by the region
+  if (known.empty() || known == "default") return;  // the configuration has no regional banners
   UnitLog(s_.logger, "ConsentSDK/ConsentSDK+CDNUtils")(
       LogLevel::warning,
       "No banner of the configuration is for " + escapedForLog(*region) + "; it knows " + escapedForLog(known),
@@ -97,7 +97,7 @@ void ConfigurationLoader::reapply() {
   const auto present = inForce();
   if (!present) return;
   s_.work.start([this, present]() -> Task<void> {
-    // Named: GCC 12 destroys a closure twice that is a temporary of an awaited call.
+    // A named variable: GCC 12 destroys a temporary closure of an awaited call twice.
     const std::function<bool()> isWanted = [this, present] { return inForce() == present; };
     co_await apply(present->session, present->configuration, isWanted);
   });
@@ -114,7 +114,7 @@ bool ConfigurationLoader::removeConsents() {
   const bool removed = s_.store.removeAllConsents([&](StoreTransaction& transaction) {
     if (!present) return;
     write(transaction, *present);
-    // The document stays, so what it was asked for stays known.
+    // The document stays, so its address and language stay known.
     transaction.set(key::cdnAddress, present->session->configurationAddress());
     transaction.set(key::languageCode, present->session->language);
     transaction.set(key::cdnCachedTimestamp, wholeSeconds(s_.platform.clock->now()));

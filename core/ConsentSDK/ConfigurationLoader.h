@@ -1,4 +1,4 @@
-// Brings the configuration of a session, and puts it in force.
+// Loads and applies the configuration of a session.
 #pragma once
 
 #include <functional>
@@ -22,17 +22,16 @@ namespace quillon {
 // A configuration that was applied in this process. Immutable.
 struct ConfigurationInForce {
   ConfigurationPointer configuration;
-  SessionPointer session;              // that it was applied for
-  std::optional<ComplianceType> type;  // of the banner for the user's location; nothing when there is no banner
+  SessionPointer session;              // for which it was applied
+  std::optional<ComplianceType> type;  // of the banner for the user's location; nullopt without a banner
   std::string bannerInterval;
   PurposeTerms terms;
 };
 
-// Thread-safe. One load at a time for a session; what was loaded for a session that is no longer the current one is
-// dropped.
+// Thread-safe. One load at a time per session; results for a session that is no longer current are dropped.
 class ConfigurationLoader {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     ServerApi& server;
     LocationLookup& location;
@@ -41,34 +40,33 @@ class ConfigurationLoader {
   };
   explicit ConfigurationLoader(Services services);
 
-  // Prepares the loads of a session that has just begun. With `reset` the cached document goes, too.
+  // Prepares loading for a new session. `reset` removes the cached document.
   void begin(const SessionPointer& session, bool reset);
 
   struct Loaded {
-    ConfigurationPointer configuration;  // null when none could be had
-    bool changed = false;                // reconciling it with the stored consents changed something
+    ConfigurationPointer configuration;  // null when there is none
+    bool changed = false;                // applying it changed a stored consent
   };
-  // Loads for the current session, or joins the load that is in flight for it: takes the cached document, downloads, or
-  // falls back to what there is; applies it and sets the status.
+  // Loads for the current session, or joins the load in flight: takes the cached document, a download, or the bundled
+  // document; applies it and sets the status.
   Task<Loaded> load();
 
-  // The configuration at hand for the current session: cached, else bundled. Reads a file when that has changed.
+  // The configuration available for the current session: cached, else bundled. Reads the file if it has changed.
   ConfigurationPointer current();
-  // What was applied last; null before that and after close().
+  // The configuration applied last; null before the first and after close().
   std::shared_ptr<const ConfigurationInForce> inForce() const;
 
-  // Brings what is stored in line with privacy signals, and with what the session has them stand for. True when that
-  // changed something.
+  // Updates stored consents to privacy signals and the session's mapping of them. True when a consent changed.
   bool honourSignals();
 
-  // Applies what is in force anew, in the background: more is known of the user's location.
+  // Re-applies the configuration in force, in the background, after the user's location became known.
   void reapply();
-  // Empties the store and writes what is in force again, in one transaction.
+  // Empties the store and re-applies the configuration in force, in one transaction.
   bool removeConsents();
 
-  // The banner of a configuration for the user's location, with the interface's texts; remembers its interval.
+  // The banner for the user's location, with interface texts; stores its interval.
   Task<std::optional<BannerConfig>> bannerFor(ConfigurationPointer configuration);
-  // Hands the signals that follow from the present consents to the application's analytics library.
+  // Passes the current consent-mode signals to the application's analytics library.
   void refreshConsentMode();
 
   PurposeManager purposes(ConfigurationPointer configuration) const {
@@ -85,11 +83,11 @@ class ConfigurationLoader {
   std::shared_ptr<Flight> joinFlight(const SessionPointer& session, bool& isOwn);
   Task<Loaded> run(SessionPointer session, std::shared_ptr<Flight> flight);
   Task<ConfigurationPointer> download(SessionPointer session, ConfigurationPointer cached);
-  // Goes on with what there is while the download takes longer than the application wants to wait.
+  // After `readyWithin`, applies the cached or bundled document while the download continues.
   std::unique_ptr<Timer> serveAfter(const SessionPointer& session, const std::shared_ptr<Flight>& flight,
                                     const ConfigurationPointer& cached);
-  // True when applying changed a consent. Nothing when the session is over, or the configuration is not wanted any more
-  // once its turn has come.
+  // True when applying changed a consent. nullopt when the session has ended, or `isWanted` is false once it is this
+  // call's turn.
   Task<std::optional<bool>> apply(SessionPointer session, ConfigurationPointer configuration,
                                   std::function<bool()> isWanted);
   bool reconcile(const ConfigurationPointer& configuration);

@@ -19,20 +19,20 @@ bool isNotModified(const RequestFailure& failure) {
 
 }  // namespace
 
-// A load under way.
+// A load in flight.
 struct ConfigurationLoader::Flight {
   explicit Flight(SessionPointer of) : session(std::move(of)) {}
 
   const SessionPointer session;
   TaskEvent over;
-  Loaded loaded;  // written before the signal, read after it
+  Loaded loaded;  // written before `over` is signalled, read afterwards
   std::atomic<bool> isOver = false;
 };
 
-// A cached document as far as it may serve a session.
+// A cached document and how it may be used for a session.
 struct ConfigurationLoader::Served {
-  ConfigurationPointer configuration;  // null when it may not
-  bool isAskedFor = false;             // it is the very document that the session asks for
+  ConfigurationPointer configuration;  // null when it may not be used
+  bool isAskedFor = false;             // its address is the one the session requests
 };
 
 ConfigurationLoader::ConfigurationLoader(Services services)
@@ -55,7 +55,7 @@ Task<ConfigurationLoader::Loaded> ConfigurationLoader::load() {
     bool isOwn = false;
     const auto flight = joinFlight(session, isOwn);
     if (isOwn) {
-      // Also when the task is dropped, or fails.
+      // Signals also when the task is dropped or fails.
       const std::shared_ptr<void> end(nullptr, [this, flight](void*) {
         {
           const std::scoped_lock lock(mutex_);
@@ -114,11 +114,11 @@ bool ConfigurationLoader::isFresh(const Served& cached) {
   constexpr std::int64_t never = -1;
   const std::int64_t saved = s_.store.getInt64(key::cdnCachedTimestamp, never);
   if (saved == never) {
-    // A document of unknown age counts as new, once: from here on it grows old like any other.
+    // A document of unknown age counts as new once; from then on it ages normally.
     s_.store.set(key::cdnCachedTimestamp, now);
     return true;
   }
-  // Nothing was saved in the future: a clock that was put back says nothing about the age.
+  // A timestamp in the future means the clock was set back; the age is unknown.
   return saved != 0 && saved <= now && saved > now - staleSeconds;
 }
 
@@ -129,8 +129,8 @@ ConfigurationLoader::Served ConfigurationLoader::served(const SessionPointer& se
   const StoredValues stored(*entries);
   const auto address = stored.string(key::cdnAddress);
   if (!address || *address == session->configurationAddress()) return {std::move(cached), true};
-  // Consents for another application's purposes would go out under this one's name.
-  if (!stored.isDecidedByNoOther(session->options.appId)) return {};
+  // Otherwise consents for another application's purposes would be uploaded under this one's name.
+  if (!stored.isDecidedOnlyBy(session->options.appId)) return {};
   return {std::move(cached)};
 }
 
@@ -150,7 +150,7 @@ Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session,
       co_return served(session, cache_.readCDNFile(false)).configuration;
     }
     if (!isNotModified(downloaded.error())) {
-      // Leaving in the midst of a download is no failure.
+      // Closing during a download is not a failure.
       log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error,
           "Failed to fetch CDN File: " + description(downloaded.error()), function);
       co_return cached;
@@ -159,7 +159,7 @@ Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session,
       log(LogLevel::info, "CDN Configuration is up to date", function);
       co_return cached;
     }
-    // "Unchanged" speaks of a document that is not the one at hand: it was never saved, or is gone. Ask for it anew.
+    // 304 refers to a document that was never saved, or is gone. Request it again without the tag.
     s_.store.remove(key::etag);
   }
 }
@@ -173,7 +173,7 @@ void ConfigurationLoader::begin(const SessionPointer& session, bool reset) {
   bundled_.name(session->options.bundledConfiguration, session->language);
   if (reset) cache_.reset();
   const std::scoped_lock lock(mutex_);
-  // Another application's terms must not answer for this one.
+  // Terms of another application must not answer for this one.
   if (inForce_ && !inForce_->session->isOfSameApplication(*session)) inForce_.reset();
 }
 

@@ -17,7 +17,7 @@ bool DecisionRecorder::set(const Purpose& purpose, ConsentStatus consent) {
   return true;
 }
 
-// The application may know better than the configuration at hand, so its word is kept all the same.
+// The application may know better than the available configuration, so its decision is stored anyway.
 void DecisionRecorder::warn(const Purpose& purpose, ConsentStatus consent) {
   const UnitLog log(s_.logger, unit::decisions);
   const auto inForce = s_.loader.inForce();
@@ -48,7 +48,7 @@ void DecisionRecorder::recordDefaults(const ConfigurationPointer& configuration)
   s_.store.transact([&](StoreTransaction& transaction) { manager.recordDefaults(transaction, context); });
 }
 
-DecisionRecorder::FollowUp DecisionRecorder::record(const Write& write) {
+DecisionRecorder::FollowUp DecisionRecorder::store(const Write& write) {
   const ConfigurationPointer configuration = s_.loader.current();
   if (!configuration) {
     UnitLog(s_.logger, unit::decisions)(LogLevel::error, "There is no configuration whose purposes could be answered",
@@ -59,30 +59,30 @@ DecisionRecorder::FollowUp DecisionRecorder::record(const Write& write) {
   const DecisionContext context = s_.sessions.context(GivenType::explicitly);
   const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
     const GivenType given = write(manager, transaction, context);
-    // Also an application without purposes has been answered, and so has one whose purposes all stay as they were.
-    transaction.giveConsents(given);
+    // The answer counts even without purposes, and when no purpose changed.
+    transaction.setGivenType(given);
     if (given != GivenType::explicitly) return;
     transaction.remove(key::lostEntries);
     transaction.set(key::isBannerPresent, false);
   });
   if (!stored) return {};
   return [this, configuration, place = permissions_.join()]() mutable {
-    return recordPermissions(configuration, std::move(place));
+    return storePermissions(configuration, std::move(place));
   };
 }
 
-Task<void> DecisionRecorder::recordPermissions(ConfigurationPointer configuration, TaskQueue::Place place) {
+Task<void> DecisionRecorder::storePermissions(ConfigurationPointer configuration, TaskQueue::Place place) {
   s_.loader.refreshConsentMode();
   {
     const auto held = std::move(place);
     co_await held.turn();
-    s_.loader.permissions(configuration).recordStatuses(s_.sessions.context(GivenType::noAction));
+    s_.loader.permissions(configuration).storeStatuses(s_.sessions.context(GivenType::noAction));
   }
   co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
 DecisionRecorder::FollowUp DecisionRecorder::answer(bool accept) {
-  return record([accept](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
+  return store([accept](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
     for (const auto& resolution : manager.answer(accept, transaction)) {
       PurposeManager::setConsent(transaction, resolution, context);
     }
@@ -91,11 +91,11 @@ DecisionRecorder::FollowUp DecisionRecorder::answer(bool accept) {
 }
 
 DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, bool>& selectedPurposes) {
-  return record([&selectedPurposes](const PurposeManager& manager, StoreTransaction& transaction,
-                                    const DecisionContext& context) {
+  return store([&selectedPurposes](const PurposeManager& manager, StoreTransaction& transaction,
+                                   const DecisionContext& context) {
     for (const auto& resolution : manager.choices(selectedPurposes, transaction)) {
       const bool isSame = transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status;
-      // What a signal decided was shown, and is the user's own choice now.
+      // Signal decisions were shown to the user, and become the user's own choice.
       if (isSame && !manager.isOptedOutBySignal(resolution.purposeId, transaction)) continue;
       PurposeManager::setConsent(transaction, resolution, context);
     }
@@ -105,8 +105,8 @@ DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, b
 
 DecisionRecorder::FollowUp DecisionRecorder::recordDefaults() {
   const auto inForce = s_.loader.inForce();
-  if (!inForce || !inForce->type) return {};  // There was nothing that could have been answered.
-  return record([](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
+  if (!inForce || !inForce->type) return {};  // no banner could have been answered
+  return store([](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
     return manager.recordDefaults(transaction, context);
   });
 }

@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::seconds periodWithoutOptions = 1800s;
 constexpr std::chrono::seconds firstRetry = 15s;
-// Devices of a region that lost and regained the network together must not come back together.
+// Spreads the checks of devices that regain the network together.
 constexpr std::chrono::seconds longestReconnectionDelay = 60s;
 
 std::chrono::milliseconds periodOf(const SessionPointer& session) {
@@ -20,7 +20,7 @@ std::chrono::milliseconds periodOf(const SessionPointer& session) {
 }  // namespace
 
 void CheckCycle::begin(SessionPointer session) {
-  std::unique_ptr<Timer> retry;  // Dropped outside the lock, as below: that may wait for its job.
+  std::unique_ptr<Timer> retry;  // destroyed outside the lock, as below: that may wait for its job
   {
     const std::scoped_lock lock(mutex_);
     retry.swap(retry_);
@@ -42,9 +42,9 @@ Task<void> CheckCycle::follow(SessionPointer session) {
     scheduleRetry(session);
     co_return;
   }
-  judgeBanner();
-  // What an earlier run left behind need not wait for the first period to pass, nor for the next answer where the
-  // document asks again.
+  reportDueBanner();
+  // Uploads what an earlier run left pending without waiting for the first period, or for the next answer if the
+  // configuration asks again.
   if (wasPending) co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
@@ -94,7 +94,7 @@ Task<void> CheckCycle::check() {
     co_await over->wait();
     co_return;
   }
-  // Also when the task is dropped, or fails.
+  // Signals also when the task is dropped or fails.
   const std::shared_ptr<void> end(nullptr, [this](void*) {
     std::shared_ptr<TaskEvent> ended;
     {
@@ -115,10 +115,10 @@ Task<void> CheckCycle::runCheck() {
     co_return;
   }
   s_.events.gates.update();
-  judgeBanner();
+  reportDueBanner();
   if (!loaded.changed && !s_.uploader.isUploadDue(loaded.configuration)) co_return;
   co_await s_.loader.bannerFor(loaded.configuration);
-  // Without a banner for the user there is no compliance type whose defaults could be recorded.
+  // Without a banner for the user there is no compliance type to take defaults from.
   const auto inForce = s_.loader.inForce();
   if (inForce && inForce->type) s_.recorder.recordDefaults(loaded.configuration);
   s_.loader.refreshConsentMode();
@@ -147,7 +147,7 @@ std::chrono::milliseconds CheckCycle::atRandom(std::chrono::milliseconds limit) 
 }
 
 void CheckCycle::startNetworkMonitor() {
-  std::unique_ptr<NetworkSubscription> earlier;  // Dropped outside the lock: that may wait for its handler.
+  std::unique_ptr<NetworkSubscription> earlier;  // destroyed outside the lock: that may wait for its handler
   {
     const std::scoped_lock lock(mutex_);
     earlier = std::move(monitor_);
@@ -184,7 +184,7 @@ void CheckCycle::startPermissionObservation() {
     s_.work.run([this] {
       auto permissions = s_.loader.permissions(s_.loader.current());
       if (permissions.checkPermissions(s_.sessions.context(GivenType::noAction))) s_.uploader.schedule();
-      s_.events.gates.update();  // tracking is a permission, too
+      s_.events.gates.update();  // tracking is a permission too
     });
   }));
   const std::scoped_lock lock(mutex_);
@@ -192,7 +192,7 @@ void CheckCycle::startPermissionObservation() {
 }
 
 void CheckCycle::honourSignals() {
-  std::unique_ptr<PrivacySignalSubscription> observation;  // The earlier one, dropped outside the lock as above.
+  std::unique_ptr<PrivacySignalSubscription> observation;  // the earlier one, destroyed outside the lock as above
   const auto session = s_.sessions.current();
   if (session && session->options.privacySignal) {
     observation = s_.signal.observe(s_.work.whileAlive([this] {
@@ -202,7 +202,7 @@ void CheckCycle::honourSignals() {
           s_.loader.refreshConsentMode();
           s_.uploader.schedule();
         }
-        judgeBanner();
+        reportDueBanner();
         co_return;
       });
     }));
@@ -211,19 +211,19 @@ void CheckCycle::honourSignals() {
     const std::scoped_lock lock(mutex_);
     if (!s_.work.isClosed()) signalObservation_.swap(observation);
   }
-  // On this thread: what is asked from here on must see it.
+  // On this thread, so that later queries see it.
   if (s_.loader.honourSignals()) s_.uploader.schedule();
   s_.events.gates.update();
 }
 
-void CheckCycle::judgeBanner() {
+void CheckCycle::reportDueBanner() {
   if (s_.events.bannerDue.isEmpty()) return;
   BannerExplanation banner = s_.explainBanner();
   {
     const std::scoped_lock lock(mutex_);
     if (std::exchange(wasBannerDue_, banner.isDue) == banner.isDue) return;
   }
-  if (banner.isDue) s_.events.bannerDue.tell(std::move(banner));
+  if (banner.isDue) s_.events.bannerDue.notify(std::move(banner));
 }
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// What applications listen to.
+// The operations that add listeners.
 #include "core/ConsentSDK/ConsentSDKCore.h"
 #include "core/Json/RawValues.h"
 

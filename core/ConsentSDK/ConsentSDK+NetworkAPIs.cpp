@@ -1,4 +1,4 @@
-// Downloads and uploads.
+// The requests of ServerApi.
 #include "core/ConsentSDK/ServerApi.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Network/ExchangeText.h"
@@ -29,7 +29,7 @@ Task<Answer<MainConfiguration>> ServerApi::getCDN(SessionPointer session) {
   auto answer = co_await send<MainConfiguration>(GetCDNEndPoint(options, session->mode, session->language, false),
                                                  options.cdnUrl);
   if (answer || !isMissing(answer.error())) co_return answer;
-  // Applications often publish one file for all languages, so this is no error.
+  // Many applications publish one file for all languages, so 404 is not an error here.
   UnitLog(logger_, unit::networkAPIs)(
       LogLevel::info, "CDN Configuration with " + escapedForLog(session->language) + " language code not found",
       "getCDN(options:)");

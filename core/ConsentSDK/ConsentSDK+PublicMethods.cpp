@@ -1,4 +1,4 @@
-// The operations that applications call once set-up has run: one line each.
+// The public operations, one line each.
 #include <algorithm>
 #include <limits>
 
@@ -12,7 +12,7 @@ using Signals = std::map<GoogleConsentType, ConsentStatus>;
 
 namespace {
 
-// An operation that comes with a callback.
+// Runs an operation with a callback.
 template <class T, class Core, class Background>
 void answer(const std::shared_ptr<Core>& core, std::function<void(T)> callback, Background background) {
   withoutThrowing([&] {
@@ -21,7 +21,7 @@ void answer(const std::shared_ptr<Core>& core, std::function<void(T)> callback, 
   });
 }
 
-// The same as a future, which holds `dropped` when the SDK is gone first.
+// Runs an operation as a future, which holds `dropped` when the SDK is destroyed first.
 template <class T, class Core, class Background>
 std::future<T> promise(const std::shared_ptr<Core>& core, Background background, T dropped = T()) {
   return withoutThrowing(
@@ -35,7 +35,7 @@ std::future<T> promise(const std::shared_ptr<Core>& core, Background background,
       std::future<T>());
 }
 
-// What a decision leaves to be done, as work that tells whether it was stored.
+// Runs a decision's follow-up, and returns whether the decision was stored.
 std::move_only_function<Task<bool>()> following(DecisionRecorder::FollowUp followUp) {
   return [followUp = std::move(followUp)]() mutable -> Task<bool> {
     if (!followUp) co_return false;

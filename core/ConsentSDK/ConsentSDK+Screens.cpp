@@ -14,9 +14,9 @@ bool Screens::isBannerDue() {
   const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
     const BannerState state = bannerState(transaction, *s_.platform.clock, purposes.areSettledBySignal(transaction));
     due = state.isDue();
-    if (state.promotesDefaults) transaction.giveConsents(GivenType::explicitly);
+    if (state.promotesDefaults) transaction.setGivenType(GivenType::explicitly);
     if (transaction.integer(key::bannerShownDate, now()) > now()) {
-      // The clock was put back since. Counted from now, the interval passes at some time.
+      // The clock was set back since. Counting from now, the interval does end.
       transaction.set(key::bannerShownDate, now());
     }
     if (!due) return;
@@ -58,7 +58,7 @@ void Screens::present(std::string_view operation, Show show) {
 }
 
 void Screens::presentBanner() {
-  // In the background, since the state of the banner is written to the store. Without screens it must stay due.
+  // In the background, because isBannerDue() writes to the store. Without screens the banner must stay due.
   s_.work.run([this] {
     if (!s_.platform.screens || isBannerDue()) {
       present("presentBanner()", [](ScreenPresenter& screens, const auto& self) { screens.presentBanner(self); });
@@ -156,12 +156,12 @@ void Screens::closeSettingsPrompt() {
 }
 
 std::shared_ptr<void> Screens::shown(ScreenKind screen) {
-  s_.events.screens.tell({screen, true, now()});
+  s_.events.screens.notify({screen, true, now()});
   return std::shared_ptr<void>(this, [this, alive = self_, screen](void*) {
     const auto self = alive.lock();
     if (!self) return;
-    s_.events.screens.tell({screen, false, now()});
-    // A process may run for months: what has left the screen must be able to come again.
+    s_.events.screens.notify({screen, false, now()});
+    // A process may run for months: a closed banner must be able to reappear.
     if (screen == ScreenKind::banner) s_.store.set(key::isBannerPresent, false);
   });
 }

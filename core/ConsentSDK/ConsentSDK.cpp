@@ -1,4 +1,4 @@
-// Life, set-up and readiness of an instance.
+// Construction, setup and readiness of an instance.
 #include "quillon/ConsentSDK.h"
 
 #include "core/ConsentSDK/ConsentSDKCore.h"
@@ -7,7 +7,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::chrono::seconds leavingLimit{2};
+constexpr std::chrono::seconds closeLimit{2};
 
 }  // namespace
 
@@ -20,7 +20,7 @@ ConsentSDK::~ConsentSDK() {
 void ConsentSDK::close() {
   withoutThrowing([&] {
     core_->close();
-    core_->work.waitUntilQuiet(leavingLimit);
+    core_->work.waitUntilIdle(closeLimit);
   });
 }
 

@@ -6,7 +6,7 @@ ConsentSDK::Core::Core(Platform services)
     : platform(std::move(services)),
       store(platform, logger,
             [this](std::vector<Decision> decisions) {
-              others.note(decisions);
+              others.addOwn(decisions);
               return events.announce(std::move(decisions));
             }),
       logContext(platform, store),

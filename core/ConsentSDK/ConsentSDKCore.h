@@ -1,4 +1,4 @@
-// What stands behind the facade: the services of one instance, made in the order of this list.
+// The services of one instance, constructed in the order of this list.
 #pragma once
 
 #include <memory>
@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-// Whoever works for it keeps it alive, so it lives until the last task and the last call are over.
+// Running work shares ownership, so it lives until the last task and host callback end.
 class ConsentSDK::Core {
  public:
   static std::shared_ptr<Core> make(Platform platform);
@@ -42,7 +42,7 @@ class ConsentSDK::Core {
   CheckCycle cycle;
   SetUp setUp;
 
-  // Ends timers, observations and exchanges. Does not wait.
+  // Stops timers, observations and exchanges. Does not wait.
   void close();
   // Whether an application may act on a purpose. Allocates nothing.
   bool isAllowed(std::int64_t purposeId) const;

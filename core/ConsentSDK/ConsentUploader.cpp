@@ -36,8 +36,8 @@ std::int64_t numberOf(const NewestDecisions& decisions, const DecisionSubject& s
   return found == decisions.end() ? 0 : found->second;
 }
 
-// What a signal decided must not pass for the user's word, so it goes in a request of its own. True when the request has
-// to be followed by that.
+// Signal decisions must not be uploaded as the user's, so they go into a separate request. True when that request must
+// follow.
 bool keepBackSignals(PostConsentsRequest& request) {
   auto& consents = request.purposeConsents;
   const auto isSignals = [](const PurposeConsent& consent) { return consent.cause.has_value(); };
@@ -48,11 +48,11 @@ bool keepBackSignals(PostConsentsRequest& request) {
   return true;
 }
 
-std::int64_t newestNumber(const std::vector<JournalRecord>& unsettled) {
-  return unsettled.empty() ? 0 : unsettled.front().number;
+std::int64_t newestNumber(const std::vector<JournalRecord>& unmarked) {
+  return unmarked.empty() ? 0 : unmarked.front().number;
 }
 
-// The subjects with the numbers of their newest decisions; 0 where the history does not tell.
+// Each subject with the number of its newest decision; 0 without a history entry.
 NewestDecisions numbered(const std::set<DecisionSubject>& subjects, const NewestDecisions& newest) {
   NewestDecisions result;
   for (const auto& subject : subjects) result.emplace(subject, numberOf(newest, subject));
@@ -62,7 +62,7 @@ NewestDecisions numbered(const std::set<DecisionSubject>& subjects, const Newest
 }  // namespace
 
 void ConsentUploader::close() {
-  std::unique_ptr<Timer> followUp;  // Dropped outside the lock: that may wait for its job.
+  std::unique_ptr<Timer> followUp;  // destroyed outside the lock: that may wait for its job
   const std::scoped_lock lock(mutex_);
   isScheduled_ = true;
   followUp.swap(followUp_);
@@ -93,12 +93,12 @@ Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
     const auto reading = s_.store.read();
     if (!reading) co_return false;
     const StoredValues stored(*reading->entries);
-    if (!stored.isAnythingPending()) co_return true;  // another process has sent it
-    const NewestDecisions newest = newestDecisions(reading->unsettled);
+    if (!stored.isAnythingPending()) co_return true;  // another process has uploaded it
+    const NewestDecisions newest = newestDecisions(reading->unmarked);
     if (trigger == Trigger::automatic && !isDue(stored, newest, configuration)) co_return false;
     PostConsentsRequest upload = request(*session, stored, configuration);
     const bool isAll = !keepBackSignals(upload);
-    Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unsettled)};
+    Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unmarked)};
     const bool isAccepted = co_await send(session->options.appUrl, std::move(upload), std::move(sent));
     if (!isAccepted || isAll) co_return isAccepted;
   }
@@ -109,11 +109,11 @@ Task<void> ConsentUploader::upload(std::string url, PostConsentsRequest request)
   const auto place = turns_.join();
   co_await place.turn();
   std::unique_ptr<StoreTurn> turn;
-  takeTurn(turn);  // sent in any case: whoever makes requests of their own decides when
+  takeTurn(turn);  // sent in any case: the application decides when
   Sent sent;
   if (const auto reading = s_.store.read()) {
-    sent = {numbered(pendingSubjects(StoredValues(*reading->entries)), newestDecisions(reading->unsettled)),
-            newestNumber(reading->unsettled)};
+    sent = {numbered(pendingSubjects(StoredValues(*reading->entries)), newestDecisions(reading->unmarked)),
+            newestNumber(reading->unmarked)};
   }
   co_await send(std::move(url), std::move(request), std::move(sent));
 }
@@ -145,41 +145,42 @@ Task<bool> ConsentUploader::send(std::string url, PostConsentsRequest request, S
     s_.store.set(key::uploadConsentRequestPending, true);
     const std::string problem = description(answer.error());
     log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error, problem, function);
-    s_.events.uploads.tell({false, std::nullopt, problem, now()});
+    s_.events.uploads.notify({false, std::nullopt, problem, now()});
     s_.answered();
     co_return false;
   }
   const GenericResponse& response = answer->value;
-  settle(response, request, sent);
+  applyAnswer(response, request, sent);
   const bool isAccepted = response.status == statusAccepted;
   log(response.status == statusFailed ? LogLevel::error : LogLevel::info, escapedForLog(response.message), function);
-  s_.events.uploads.tell({isAccepted, response.status, response.message, now()});
+  s_.events.uploads.notify({isAccepted, response.status, response.message, now()});
   if (isAccepted) s_.answered();
   co_return isAccepted;
 }
 
-void ConsentUploader::settle(const GenericResponse& response, const PostConsentsRequest& request, const Sent& sent) {
-  s_.store.settle([&](StoreTransaction& transaction, const std::vector<JournalRecord>& unsettled) {
+void ConsentUploader::applyAnswer(const GenericResponse& response, const PostConsentsRequest& request,
+                                  const Sent& sent) {
+  s_.store.markOutcomes([&](StoreTransaction& transaction, const std::vector<JournalRecord>& unmarked) {
     transaction.set(key::uploadConsentRequestPending, response.status == statusFailed);
     if (response.status != statusAccepted && response.status != statusFailed) {
       transaction.set(key::uploadRefusedUpTo, sent.newest);
     }
     if (response.status != statusAccepted) return;
     transaction.remove(key::uploadRefusedUpTo);
-    // A decision made while the upload was under way stays pending, and so does what the upload did not carry.
-    const NewestDecisions newest = newestDecisions(unsettled);
-    const auto isSettled = [&](const DecisionSubject& subject) {
+    // Decisions made during the upload, and those it did not carry, stay pending.
+    const NewestDecisions newest = newestDecisions(unmarked);
+    const auto wasSent = [&](const DecisionSubject& subject) {
       const auto carried = sent.decisions.find(subject);
       return carried != sent.decisions.end() && numberOf(newest, subject) <= carried->second;
     };
     auto purposes = transaction.pendingPurposes();
-    std::erase_if(purposes, [&](std::int64_t id) { return isSettled({.purposeId = id}); });
+    std::erase_if(purposes, [&](std::int64_t id) { return wasSent({.purposeId = id}); });
     transaction.set(key::pendingPurposesList, std::move(purposes));
     auto permissions = transaction.pendingPermissions();
-    std::erase_if(permissions, [&](const std::string& name) { return isSettled({.permission = VantariKey(name)}); });
+    std::erase_if(permissions, [&](const std::string& name) { return wasSent({.permission = VantariKey(name)}); });
     transaction.set(key::pendingPermissionsList, std::move(permissions));
 
-    for (const auto& [number, outcome] : outcomesOf(unsettled, sent.decisions, subjectsOf(request))) {
+    for (const auto& [number, outcome] : outcomesOf(unmarked, sent.decisions, subjectsOf(request))) {
       transaction.mark(number, rawValue(outcome));
     }
   });
@@ -191,7 +192,7 @@ bool ConsentUploader::isUploadDue(const ConfigurationPointer& configuration) con
   if (stored.boolean(key::uploadConsentRequestPending)) return true;
   if (pendingSubjects(stored).empty()) return false;
   const auto reading = s_.store.read();
-  return reading && isDue(StoredValues(*reading->entries), newestDecisions(reading->unsettled), configuration);
+  return reading && isDue(StoredValues(*reading->entries), newestDecisions(reading->unmarked), configuration);
 }
 
 bool ConsentUploader::isDue(const StoredValues& stored, const NewestDecisions& newest,
@@ -199,7 +200,7 @@ bool ConsentUploader::isDue(const StoredValues& stored, const NewestDecisions& n
   if (stored.boolean(key::uploadConsentRequestPending)) return true;
   constexpr std::int64_t nothingRefused = -1;
   std::int64_t refused = stored.integer(key::uploadRefusedUpTo, nothingRefused);
-  // A number beyond all that there are was never refused; believed, it would silence this process for good.
+  // A number above every existing one was never rejected; accepting it would stop uploads from this process for good.
   if (std::ranges::none_of(newest, [&](const auto& decision) { return decision.second >= refused; })) {
     refused = nothingRefused;
   }
@@ -228,8 +229,8 @@ void ConsentUploader::schedule() {
   };
   auto timer = s_.platform.clock->after(followUpDelay, s_.work.whileAlive(upload));
   const std::scoped_lock lock(mutex_);
-  if (!timer) isScheduled_ = false;  // for the next one to try; a check uploads it in any case
-  // Held up until the timer had fired, this thread must not put it in the place of a later one.
+  if (!timer) isScheduled_ = false;  // the next decision tries again; a check uploads in any case
+  // If this thread was delayed until the timer fired, it must not replace a later timer.
   if (number == number_) followUp_.swap(timer);
 }
 

@@ -1,4 +1,4 @@
-// Decisions on their way to the application server.
+// Uploads decisions to the application server.
 #pragma once
 
 #include <cstdint>
@@ -11,52 +11,52 @@
 
 namespace quillon {
 
-// Thread-safe. Uploads take turns, in this process and among all processes of the application: overtaking one another
-// they would leave an earlier decision on the server. What is still to be sent is told by the numbers of the history.
+// Thread-safe. Uploads are serialised, in this process and across the application's processes: an upload that overtakes
+// another would leave an earlier decision on the server. Pending decisions are identified by history number.
 class ConsentUploader {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     ServerApi& server;
     ConfigurationLoader& loader;
-    std::function<void()> answered;  // after every upload that was accepted or failed
+    std::function<void()> answered;  // called after every accepted or failed upload
   };
   explicit ConsentUploader(Services services) : s_(std::move(services)) {}
 
-  // Drops the follow-up upload. Nothing is scheduled any more.
+  // Cancels the scheduled upload. Nothing is scheduled afterwards.
   void close();
 
   enum class Trigger {
-    automatic,    // leaves what the server has refused for good
-    application,  // sends everything that is pending
+    automatic,    // skips decisions that the server has rejected for good
+    application,  // sends all pending decisions
   };
-  // Uploads what is pending and listed by the configuration. True when the server took it or there was nothing. While
-  // another process uploads it answers false, and the upload follows a second later.
+  // Uploads pending decisions that the configuration lists. True when the server accepted them or there were none.
+  // While another process uploads it returns false, and retries a second later.
   Task<bool> uploadPending(Trigger trigger);
 
-  // The application's own request; what was pending when it is sent counts as sent with it.
+  // Sends the application's own request; decisions pending when it is sent count as sent with it.
   Task<void> upload(std::string url, PostConsentsRequest request);
 
-  // Uploads what is pending about a second from now, together with what else is decided until then.
+  // Schedules an upload of pending decisions in about a second, so that decisions are batched.
   void schedule();
 
   // Whether an automatic upload would send something.
   bool isUploadDue(const ConfigurationPointer& configuration) const;
 
  private:
-  // What an upload carries, to tell later whether it was changed meanwhile.
+  // The decisions an upload carries, to detect changes made during it.
   struct Sent {
     NewestDecisions decisions;
-    std::int64_t newest = 0;  // record of the history when it was made
+    std::int64_t newest = 0;  // history number when the request was made
   };
 
-  // Whether it is this process's turn: it is, without one, when another has had it for longer than any exchange takes,
-  // since a process that stands still must not hold up the others for good.
+  // Whether this process may upload. Also true, without a turn, once another process has held the turn for longer than
+  // any exchange takes: a stopped process must not block the others for good.
   bool takeTurn(std::unique_ptr<StoreTurn>& turn);
   PostConsentsRequest request(const Session& session, const StoredValues& stored,
                               const ConfigurationPointer& configuration);
   Task<bool> send(std::string url, PostConsentsRequest request, Sent sent);
-  void settle(const GenericResponse& response, const PostConsentsRequest& request, const Sent& sent);
+  void applyAnswer(const GenericResponse& response, const PostConsentsRequest& request, const Sent& sent);
   bool isDue(const StoredValues& stored, const NewestDecisions& newest,
              const ConfigurationPointer& configuration) const;
 

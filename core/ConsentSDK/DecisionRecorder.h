@@ -1,4 +1,4 @@
-// What is recorded of the user's answers, and in their absence.
+// Stores the user's answers, and the defaults in their absence.
 #pragma once
 
 #include <cstdint>
@@ -9,40 +9,40 @@
 
 namespace quillon {
 
-// Thread-safe. Owns the order of decisions: what concerns purposes is stored on the calling thread before the call
-// returns, so that the calls of one thread take effect in their order. The permissions, about which the device must be
-// asked, follow in the background in the order of the calls.
+// Thread-safe. Owns the order of decisions: purposes are stored on the calling thread before the call returns, so calls
+// from one thread take effect in order. Permissions, which require asking the device, follow in the background in call
+// order.
 class DecisionRecorder {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     ConfigurationLoader& loader;
     ConsentUploader& uploader;
   };
   explicit DecisionRecorder(Services services) : s_(services) {}
 
-  // The user's choice; uploaded about a second later. False when it could not be stored.
+  // Stores the user's choice, uploaded about a second later. False when it could not be stored.
   bool set(const Purpose& purpose, ConsentStatus consent);
   bool set(const AppPermission& permission, ConsentStatus consent);
 
-  // Each stores decisions on purposes now, in one transaction, and returns what is to be run in the background then: it
-  // stores the present state of every permission and uploads. Empty when the decisions could not be stored.
+  // Each operation stores decisions on purposes in one transaction and returns the background work to run next: it
+  // stores the current state of every permission and uploads. Empty when the decisions could not be stored.
   using FollowUp = std::move_only_function<Task<void>()>;
   // The answer to the banner.
   [[nodiscard]] FollowUp answer(bool accept);
-  // The choices made in the preference centre: true for granted.
+  // The choices of the preference centre: true for granted.
   [[nodiscard]] FollowUp save(const std::map<std::int64_t, bool>& selectedPurposes);
-  // A banner that was seen and not answered: the default of every purpose without a decision.
+  // The banner was shown and not answered: stores the default of every undecided purpose.
   [[nodiscard]] FollowUp recordDefaults();
 
-  // Gives every purpose without a decision the default of the compliance type; nothing is uploaded.
+  // Stores the compliance type's default for every undecided purpose; uploads nothing.
   void recordDefaults(const ConfigurationPointer& configuration);
 
  private:
-  // Writes decisions and answers how they were given.
+  // Writes decisions and returns how they were given.
   using Write = std::function<GivenType(const PurposeManager&, StoreTransaction&, const DecisionContext&)>;
-  FollowUp record(const Write& write);
-  Task<void> recordPermissions(ConfigurationPointer configuration, TaskQueue::Place place);
+  FollowUp store(const Write& write);
+  Task<void> storePermissions(ConfigurationPointer configuration, TaskQueue::Place place);
   void warn(const Purpose& purpose, ConsentStatus consent);
 
   const Services s_;

@@ -1,4 +1,4 @@
-// What applications can hear of an instance.
+// The events of an instance.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-// Thread-safe: each member by itself.
+// Each member is thread-safe.
 struct Events {
   Events(const std::function<void(Job)>& onMain, std::function<bool(std::int64_t)> isAllowed)
       : readiness(onMain),
@@ -24,12 +24,12 @@ struct Events {
         bannerDue(onMain),
         gates(onMain, std::move(isAllowed)) {}
 
-  // Whether the listeners hear of it.
+  // Whether listeners are notified of the decision.
   static bool isChange(const Decision& decision) {
     return decision.from != decision.to || decision.cause == DecisionCause::removed;
   }
 
-  // Queues one notification per changed status; run the returned job to deliver them.
+  // Queues one notification per changed status; the returned job delivers them.
   Job announce(std::vector<Decision> decisions) {
     std::vector<Job> deliveries;
     for (Decision& decision : decisions) {

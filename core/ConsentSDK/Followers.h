@@ -1,4 +1,4 @@
-// Our own libraries that have to know of something, beside the application's listeners.
+// Internal followers, besides the application's listeners.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-// Thread-safe. Each is called until its handle is dropped, and once more when that happens meanwhile.
+// Thread-safe. A follower is called until its handle is dropped; a concurrent call may still run then.
 template <class... Arguments>
 class Followers {
  public:
@@ -23,7 +23,7 @@ class Followers {
     return follower;
   }
 
-  void tell(Arguments... arguments) const {
+  void notify(Arguments... arguments) const {
     std::vector<std::weak_ptr<Call>> followers;
     {
       const std::scoped_lock lock(mutex_);

@@ -1,4 +1,4 @@
-// What every owner stands on.
+// The services that every owner uses.
 #pragma once
 
 #include "core/ConsentSDK/Events.h"
@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-// All of it outlives the owners.
+// All members outlive the owners.
 struct Foundation {
   const Platform& platform;
   UserDefaultManager& store;

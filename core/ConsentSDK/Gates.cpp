@@ -9,7 +9,7 @@ struct Gates::Gate {
 
   const std::int64_t purposeId;
   HostCallback<bool> changed;
-  std::atomic<bool> isDue = false;  // it is going to be judged
+  std::atomic<bool> isDue = false;  // an evaluation is queued
   bool isOpen = false;              // on the main queue only
 };
 
@@ -23,28 +23,28 @@ Listening Gates::add(std::int64_t purposeId, std::function<void()> start, std::f
     std::erase_if(gates_, [](const auto& earlier) { return earlier.expired(); });
     gates_.push_back(gate);
   }
-  judge(gate);
+  evaluate(gate);
   return Listening([gate] { gate->changed.end(); });
 }
 
 void Gates::update() {
-  followers.tell();
+  followers.notify();
   std::vector<std::weak_ptr<Gate>> gates;
   {
     const std::scoped_lock lock(mutex_);
     gates = gates_;
   }
   for (const auto& each : gates) {
-    if (const auto gate = each.lock()) judge(gate);
+    if (const auto gate = each.lock()) evaluate(gate);
   }
 }
 
-void Gates::judge(const std::shared_ptr<Gate>& gate) {
+void Gates::evaluate(const std::shared_ptr<Gate>& gate) {
   if (gate->isDue.exchange(true)) return;
   onMain_([this, weak = std::weak_ptr(gate)] {
     const auto present = weak.lock();
     if (!present) return;
-    present->isDue = false;  // before the look: a later change is looked at again
+    present->isDue = false;  // before evaluating: a later change queues another evaluation
     const bool isAllowed = isAllowed_(present->purposeId);
     if (std::exchange(present->isOpen, isAllowed) != isAllowed) present->changed(isAllowed);
   });

@@ -1,4 +1,4 @@
-// What runs only while a purpose is allowed.
+// The callbacks of ConsentSDK::whileAllowed().
 #pragma once
 
 #include <atomic>
@@ -15,8 +15,8 @@
 
 namespace quillon {
 
-// Thread-safe. Each gate is judged on the main queue, at the moment of the call, so that the application never starts
-// what has been refused meanwhile.
+// Thread-safe. Each gate is evaluated on the main queue, at the moment of the call, so that the application never
+// starts what was refused meanwhile.
 class Gates {
  public:
   Gates(std::function<void(Job)> onMain, std::function<bool(std::int64_t)> isAllowed)
@@ -24,19 +24,19 @@ class Gates {
 
   Listening add(std::int64_t purposeId, std::function<void()> start, std::function<void()> stop);
 
-  // Something has changed that an answer may depend on.
+  // Re-evaluates every gate.
   void update();
-  // Those who are told so, on the thread that has changed it; they must only hand work on.
+  // Notified of changes on the thread that made them; must only post work.
   Followers<> followers;
 
  private:
   struct Gate;
 
-  void judge(const std::shared_ptr<Gate>& gate);
+  void evaluate(const std::shared_ptr<Gate>& gate);
 
   const std::function<void(Job)> onMain_;
   const std::function<bool(std::int64_t)> isAllowed_;
-  std::mutex mutex_;  // guards the member below; never held while a gate is judged
+  std::mutex mutex_;  // guards the member below; never held while a gate is evaluated
   std::vector<std::weak_ptr<Gate>> gates_;
 };
 

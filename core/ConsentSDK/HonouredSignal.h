@@ -1,4 +1,4 @@
-// The privacy signal that the application wants honoured.
+// The privacy signal honoured by the application.
 #pragma once
 
 #include <functional>
@@ -11,19 +11,19 @@
 
 namespace quillon {
 
-// Thread-safe. Knows what the signal stands for; whether it is on the device is asked each time.
+// Thread-safe. Stores the signal's mapping; queries the device's signal each time.
 class HonouredSignal {
  public:
   // The platform must outlive it.
   explicit HonouredSignal(const Platform& platform) : platform_(platform) {}
 
-  // What the signal stands for from now on, unless a later session has said so. Null: no configuration is at hand.
+  // Sets the signal's mapping, unless a later session has already set it. Null without a configuration.
   void follow(const Session& session, const MainConfiguration* configuration);
 
-  // Nothing while none is honoured, or it is off. Allocates nothing.
+  // The opt-outs; none while no signal is honoured or on. Allocates nothing.
   [[nodiscard]] OptOuts optOuts() const;
 
-  // Calls after the device's signal may have changed; null where there is none. The handler must not block.
+  // Calls `changed` when the device's signal may have changed; null without such a signal. It must not block.
   [[nodiscard]] std::unique_ptr<PrivacySignalSubscription> observe(std::function<void()> changed) const;
 
  private:

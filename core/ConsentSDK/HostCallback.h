@@ -1,4 +1,4 @@
-// One callback of the application's that can be ended from any thread.
+// A callback of the application that can be ended from any thread.
 #pragma once
 
 #include <condition_variable>
@@ -18,9 +18,9 @@ class HostCallback {
 
   explicit HostCallback(Call call) : call_(std::make_shared<const Call>(std::move(call))) {}
 
-  // Does nothing once it has ended. Calls come from one thread, possibly from within one another.
+  // Calls the callback unless it has ended. Calls come from one thread and may nest.
   void operator()(Arguments... arguments) {
-    std::shared_ptr<const Call> call;  // outlives an end from within
+    std::shared_ptr<const Call> call;  // survives an end() from within the call
     {
       const std::scoped_lock lock(mutex_);
       if (!call_) return;
@@ -35,7 +35,7 @@ class HostCallback {
     (*call)(arguments...);
   }
 
-  // Waits for a call that runs on another thread. What the callback holds goes with it.
+  // Waits for a call running on another thread, then destroys the callback.
   void end() {
     std::shared_ptr<const Call> call;
     std::unique_lock lock(mutex_);
@@ -52,7 +52,7 @@ class HostCallback {
   mutable std::mutex mutex_;  // guards the members below
   std::condition_variable idle_;
   std::shared_ptr<const Call> call_;
-  std::thread::id thread_;  // of the call that runs
+  std::thread::id thread_;  // of the running call
   int running_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// The host's callbacks that run at the moment.
+// The host callbacks currently running.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace quillon {
 // Thread-safe.
 class HostCalls {
  public:
-  // One of them, for as long as it runs; on one thread.
+  // One running callback, on one thread.
   class Call {
    public:
     explicit Call(HostCalls& calls) : calls_(calls) {
@@ -32,7 +32,7 @@ class HostCalls {
     HostCalls& calls_;
   };
 
-  // Waits until none runs on another thread than this one.
+  // Waits until none runs on another thread, at most until the deadline.
   void waitForOthers(std::chrono::steady_clock::time_point deadline) {
     std::unique_lock lock(mutex_);
     over_.wait_until(lock, deadline, [this] {

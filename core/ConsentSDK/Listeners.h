@@ -1,4 +1,4 @@
-// Those who listen to one kind of event.
+// The listeners of one kind of event.
 #pragma once
 
 #include <deque>
@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-// Thread-safe. Lives as long as what `onMain` lets through.
+// Thread-safe. Must outlive the jobs posted through `onMain`.
 template <class Event>
 class Listeners {
  public:
@@ -37,9 +37,9 @@ class Listeners {
     return listeners_.empty();
   }
 
-  void tell(Event event) { queue(std::move(event))(); }
+  void notify(Event event) { queue(std::move(event))(); }
 
-  // Takes the event up in order; the job that is handed back delivers it, and calls what may be the host's.
+  // Queues the event; the returned job delivers it and may call host code.
   Job queue(Event event) {
     std::size_t calls = 0;
     const auto shared = std::make_shared<const Event>(std::move(event));
@@ -50,7 +50,7 @@ class Listeners {
       calls = listeners_.size();
     }
     return [this, calls] {
-      // One job for each call, so that one that throws keeps no other from being made.
+      // One job per call, so that an exception cannot prevent the others.
       for (std::size_t i = 0; i < calls; ++i) onMain_([this] { deliverNext(); });
     };
   }
@@ -75,7 +75,7 @@ class Listeners {
   const std::function<void(Job)> onMain_;
   mutable std::mutex mutex_;  // guards the members below; never held while a listener is called
   std::vector<std::shared_ptr<Listener>> listeners_;
-  std::deque<Report> reports_;  // on their way to the main queue
+  std::deque<Report> reports_;  // waiting for the main queue
 };
 
 }  // namespace quillon

@@ -8,11 +8,11 @@ namespace quillon {
 namespace {
 
 constexpr std::chrono::seconds lifetime{3600};
-// How long the user waits for the location before the banner is chosen without it.
-constexpr std::chrono::seconds patience{5};
-// The same for so long after a failure: not every start is to pay for a server that is out of order.
+// How long to wait for the location before choosing the banner without it.
+constexpr std::chrono::seconds waitLimit{5};
+// A shorter wait for ten minutes after a failure: not every start should wait for a broken server.
 constexpr std::chrono::seconds failureLifetime{600};
-constexpr std::chrono::seconds patienceAfterFailure{1};
+constexpr std::chrono::seconds waitLimitAfterFailure{1};
 
 }  // namespace
 
@@ -26,14 +26,14 @@ Task<std::optional<std::string>> LocationLookup::locationFor(SessionPointer sess
   if (session && session->options.locationCode) co_return session->options.locationCode;
   if (!dependsOnLocation(*configuration)) co_return std::nullopt;
   if (session && !isWithin(key::currentLocationTimestamp, lifetime)) {
-    const bool hasFailedLately = isWithin(key::locationFailedTimestamp, failureLifetime);
+    const bool hasFailedRecently = isWithin(key::locationFailedTimestamp, failureLifetime);
     const auto over = request(session->language);
-    co_await over->waitFor(hasFailedLately ? patienceAfterFailure : patience, *platform_.clock);
-    if (!hasFailedLately && !isWithin(key::currentLocationTimestamp, lifetime)) {
+    co_await over->waitFor(hasFailedRecently ? waitLimitAfterFailure : waitLimit, *platform_.clock);
+    if (!hasFailedRecently && !isWithin(key::currentLocationTimestamp, lifetime)) {
       store_.set(key::locationFailedTimestamp, platform_.clock->now());
     }
   }
-  co_return known(session);  // An old answer is better than none.
+  co_return known(session);  // an old location is better than none
 }
 
 bool LocationLookup::isWithin(std::string_view timestamp, std::chrono::seconds limit) const {
@@ -49,7 +49,7 @@ std::shared_ptr<TaskEvent> LocationLookup::request(const std::string& language) 
     if (inFlight_) return inFlight_;
     over = inFlight_ = std::make_shared<TaskEvent>();
   }
-  // Signals also when the task fails, or never starts.
+  // Signals also when the task fails or never starts.
   std::shared_ptr<void> end(nullptr, [this, over](void*) {
     {
       const std::scoped_lock lock(mutex_);
@@ -60,7 +60,7 @@ std::shared_ptr<TaskEvent> LocationLookup::request(const std::string& language) 
   work_.start([this, over, end = std::move(end), language]() mutable -> Task<void> {
     co_await ask(language);
     end.reset();
-    if (over->hasTimedOut()) late_();
+    if (over->hasTimedOut()) lateAnswer_();
   });
   return over;
 }
@@ -70,7 +70,7 @@ Task<void> LocationLookup::ask(std::string language) {
   if (!answer || !answer->data) co_return;
   const std::string country = textIn(language, answer->data->countryISOCode);
   const std::string state = textIn(language, answer->data->stateISOCode);
-  if (country.empty()) co_return;  // no answer: a place that was known is better
+  if (country.empty()) co_return;  // keep the known location
   store_.transact([&](StoreTransaction& transaction) {
     transaction.set(key::currentCountryCode, country);
     transaction.set(key::currentLocation, state.empty() ? country : country + "#" + state);

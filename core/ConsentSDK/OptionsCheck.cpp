@@ -9,13 +9,13 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t longestCode = 3;  // of a language, and of a state
+constexpr std::size_t longestCode = 3;  // of a language or a state
 
 bool isWord(std::string_view text, std::size_t shortest, std::size_t longest, bool (*isAllowed)(char)) {
   return text.size() >= shortest && text.size() <= longest && std::ranges::all_of(text, isAllowed);
 }
 
-// An address that requests are appended to.
+// A base URL.
 void checkAddress(std::string_view name, std::string& address, std::vector<std::string>& mistakes) {
   const std::string lower = lowerCase(address);
   const bool hasScheme = lower.starts_with("https://") || lower.starts_with("http://");
@@ -28,7 +28,7 @@ void checkAddress(std::string_view name, std::string& address, std::vector<std::
   if (!address.ends_with('/')) address += '/';
 }
 
-// A part of a path.
+// A path segment.
 void checkIdentifier(std::string_view name, const std::string& identifier, std::vector<std::string>& mistakes) {
   const bool isPathPart = !identifier.empty() && std::ranges::all_of(identifier, [](char c) {
     return static_cast<unsigned char>(c) > 0x20 && !std::string_view("/?#%\\").contains(c);

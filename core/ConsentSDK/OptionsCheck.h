@@ -1,4 +1,4 @@
-// What is wrong with the options of a set-up, told at once and in words that help.
+// Validation of the setup options.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@
 namespace quillon {
 
 struct CheckedOptions {
-  ConsentSDKOptions options;          // with everything understood that has one meaning only
-  std::vector<std::string> mistakes;  // one line each: which option, what it is, what it should be
+  ConsentSDKOptions options;          // normalised where the meaning is unambiguous
+  std::vector<std::string> mistakes;  // one line each: the option, its value, the expected form
 };
 
 [[nodiscard]] CheckedOptions checkedOptions(ConsentSDKOptions options);

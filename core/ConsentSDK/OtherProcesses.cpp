@@ -28,10 +28,10 @@ void OtherProcesses::begin() {
     if (std::exchange(isObserving_, true)) return;
   }
   {
-    // What is stored already is nothing new, but where this process has told of something else.
+    // Stored consents count as reported, except where this process has reported something else.
     Consents present = storedIn(*s_.store.snapshot());
     const std::scoped_lock lock(mutex_);
-    told_.merge(present);
+    reported_.merge(present);
   }
   auto subscription = s_.store.observe(s_.work.whileAlive([this] { s_.work.run([this] { compare(); }); }));
   {
@@ -45,28 +45,28 @@ void OtherProcesses::compareIfDifferent() {
   const Consents present = storedIn(*s_.store.snapshot());
   {
     const std::scoped_lock lock(mutex_);
-    std::erase_if(told_, [](const auto& consent) { return !consent.second; });
-    if (present == told_) return;
+    std::erase_if(reported_, [](const auto& consent) { return !consent.second; });
+    if (present == reported_) return;
   }
   compare();
 }
 
 void OtherProcesses::close() {
-  std::unique_ptr<SuiteSubscription> subscription;  // Dropped outside the lock: that may wait for its handler.
+  std::unique_ptr<SuiteSubscription> subscription;  // destroyed outside the lock: that may wait for its handler
   const std::scoped_lock lock(mutex_);
   subscription.swap(subscription_);
 }
 
-void OtherProcesses::note(const std::vector<Decision>& decisions) {
+void OtherProcesses::addOwn(const std::vector<Decision>& decisions) {
   const std::scoped_lock lock(mutex_);
   for (const Decision& decision : decisions) {
-    // The listeners hear of changes only: of this one as soon as what another process has stored is compared.
+    // Listeners receive changes only; this one follows when another process's content is compared.
     if (!Events::isChange(decision)) continue;
     const DecisionSubject subject{decision.purposeId, decision.permission};
     if (decision.cause == DecisionCause::removed) {
-      told_[subject] = std::nullopt;
+      reported_[subject] = std::nullopt;
     } else {
-      told_.insert_or_assign(subject, decision.to);
+      reported_.insert_or_assign(subject, decision.to);
     }
   }
 }
@@ -79,14 +79,14 @@ void OtherProcesses::compare() {
   {
     const std::scoped_lock lock(mutex_);
     std::set<DecisionSubject> subjects;
-    for (const auto& [subject, status] : told_) subjects.insert(subject);
+    for (const auto& [subject, status] : reported_) subjects.insert(subject);
     for (const auto& [subject, status] : present) subjects.insert(subject);
     for (const auto& subject : subjects) {
-      const auto from = statusOf(told_, subject);
+      const auto from = statusOf(reported_, subject);
       const auto to = statusOf(present, subject);
       if (from != to) decisions.push_back(decisionOn(subject, from, to, history));
     }
-    told_ = std::move(present);
+    reported_ = std::move(present);
   }
   s_.events.announce(std::move(decisions))();
   s_.changed();

@@ -11,7 +11,7 @@
 namespace quillon {
 namespace {
 
-// `type` is nothing while no configuration is known.
+// `type` is nullopt while no configuration is known.
 std::string sentence(const ConsentExplanation& consent, std::optional<ComplianceType> type) {
   const std::string status(rawValue(consent.status));
   if (!consent.cause) return "It is stored as " + status + ", and the history does not tell how that came about.";

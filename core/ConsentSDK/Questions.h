@@ -1,4 +1,4 @@
-// What applications ask that takes reading the configuration, asking the device or waiting for the location.
+// Queries that read the configuration, ask the device or wait for the location.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +13,10 @@
 
 namespace quillon {
 
-// Thread-safe; without state. Every answer is computed anew.
+// Thread-safe and stateless.
 class Questions {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     LocationLookup& location;
     ConfigurationLoader& loader;
@@ -26,12 +26,12 @@ class Questions {
 
   using Signals = std::map<GoogleConsentType, ConsentStatus>;
 
-  // What the device is known to say, else what is stored; see ConsentSDK::get().
+  // The device's known answer, else the stored value; see ConsentSDK::get().
   ConsentStatus permissionStatus(const VantariKey& permission) const;
-  // Whether the device is known to have granted it.
+  // Whether the device is known to grant the permission.
   bool isPermissionAllowed(const VantariKey& permission) const;
 
-  // For the background: the device is asked.
+  // Background threads only: asks the device.
   std::vector<Purpose> purposes() const;
   std::vector<AppPermission> permissions() const;
   ConsentStatus livePermission(const VantariKey& permission) const;
@@ -39,7 +39,7 @@ class Questions {
   Task<std::string> consentScript();
   ConsentExplanation explain(std::int64_t purposeId) const;
 
-  // A part of the configuration at hand.
+  // A member of the available configuration.
   template <class Part>
   std::optional<Part> part(std::optional<Part> MainConfiguration::* member) const {
     const auto configuration = s_.loader.current();
@@ -48,7 +48,8 @@ class Questions {
 
  private:
   std::string withTradeSignals(std::string script) const;
-  // The mapping that applies to the user; null unless the configuration drives consent mode. Owned by it.
+  // The mapping that applies to the user; null unless the configuration drives consent mode. Owned by the
+  // configuration.
   Task<const DefaultMapping*> mappingFor(ConfigurationPointer configuration);
   std::optional<Decision> newestDecision(std::int64_t purposeId) const;
 

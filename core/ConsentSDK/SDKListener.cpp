@@ -29,13 +29,13 @@ void SDKListener::setReady(SDKStatus status) {
   }
 }
 
-// One call for each report, so that reports keep the order of the changes whoever's call comes first.
+// One job per report, so that reports keep the order of the changes.
 void SDKListener::deliverNext() {
   std::shared_ptr<Observer> observer;
   SDKStatus status;
   {
     const std::scoped_lock lock(mutex_);
-    if (reports_.front().observer == observer_ && !observer_->isGreeted) {
+    if (reports_.front().observer == observer_ && !observer_->isInitialized) {
       ++observer_->heldBack;
       return;
     }
@@ -47,8 +47,7 @@ void SDKListener::deliverNext() {
   observer->callback(status);
 }
 
-// The observer first hears the status of this moment, whatever is on its way to the main queue, and then what differs
-// from it.
+// The observer first gets the current status, whatever reports are queued, and then only changes from it.
 void SDKListener::observe(Callback callback) {
   const auto observer = std::make_shared<Observer>(std::move(callback));
   SDKStatus present;
@@ -57,11 +56,11 @@ void SDKListener::observe(Callback callback) {
     observer_ = observer;
     present = reported_ = status_;
   }
-  const std::shared_ptr<void> greeted(nullptr, [this, observer](void*) {
+  const std::shared_ptr<void> initialized(nullptr, [this, observer](void*) {
     int heldBack = 0;
     {
       const std::scoped_lock lock(mutex_);
-      observer->isGreeted = true;
+      observer->isInitialized = true;
       heldBack = observer->heldBack;
     }
     for (int i = 0; i < heldBack; ++i) onMain_([this] { deliverNext(); });

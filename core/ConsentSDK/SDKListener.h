@@ -1,4 +1,4 @@
-// The live readiness, and the one who watches it.
+// The readiness status and its observer.
 #pragma once
 
 #include <deque>
@@ -22,21 +22,20 @@ class SDKListener {
   SDKStatus isReady() const;
   void setReady(SDKStatus status);
 
-  // Calls back at once on this thread, then on the main queue for every status that differs from the one reported last.
-  // Replaces an earlier observer, which is not called any more.
+  // Calls back at once on this thread, then on the main queue with every status that differs from the last one
+  // reported. Replaces the earlier observer.
   void observe(Callback callback);
   void removeObserver();
 
-  // For what must follow besides the observer: calls back on the main queue with every change from now on, until the
-  // handle is dropped there.
+  // For internal followers: calls back on the main queue with every later change, until the handle is dropped there.
   [[nodiscard]] std::shared_ptr<void> follow(Callback callback);
 
  private:
   struct Observer {
     explicit Observer(Callback call) : callback(std::move(call)) {}
     const Callback callback;
-    bool isGreeted = false;  // it has been told the status of the moment when it came
-    int heldBack = 0;        // reports that came before that
+    bool isInitialized = false;  // it has received its first status
+    int heldBack = 0;            // reports that arrived before that
   };
   struct Report {
     std::shared_ptr<Observer> observer;
@@ -51,7 +50,7 @@ class SDKListener {
   SDKStatus reported_ = SDKStatus::unavailable;
   std::shared_ptr<Observer> observer_;
   std::vector<std::weak_ptr<Callback>> followers_;
-  std::deque<Report> reports_;  // on their way to the main queue
+  std::deque<Report> reports_;  // waiting for the main queue
 };
 
 }  // namespace quillon

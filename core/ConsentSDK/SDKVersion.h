@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-// The version of the core component, else of the user-interface component; nothing when neither tells one.
+// The version of the core component, else of the user-interface component; nullopt when neither states one.
 [[nodiscard]] std::optional<std::string> installedSDKVersion(const HostApplication& host);
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// The screens: which are shown, and when; and what they ask of the SDK.
+// Decides which screens are shown, and answers their requests.
 #pragma once
 
 #include <atomic>
@@ -12,10 +12,10 @@
 
 namespace quillon {
 
-// Thread-safe. Everything that it shows is in the store.
+// Thread-safe. All durable state is in the store.
 class Screens : public ScreenServices {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     ConfigurationLoader& loader;
     DecisionRecorder& recorder;
@@ -23,18 +23,17 @@ class Screens : public ScreenServices {
   };
   explicit Screens(Services services) : s_(services) {}
 
-  // Must be called once, before anything is shown. The interface shares the ownership of all services.
+  // Must be called once, before anything is shown. The user interface shares ownership of all services.
   void begin(std::weak_ptr<ScreenServices> self) { self_ = std::move(self); }
 
-  // Whether the banner must be shown now; a positive answer counts as showing it. Never while no configuration is in
-  // force.
+  // Whether the banner must be shown now; true counts as showing it. Always false without a configuration in force.
   bool isBannerDue();
-  // Why it is due, or is not; changes nothing.
+  // Why the banner is due or not; changes nothing.
   BannerExplanation explainBanner();
 
   void presentBanner();
   void presentPreferenceCenter() override;
-  // When the configuration offers it for the permission, and the user has not closed it before or that does not matter.
+  // Whether a prompt that the user has closed before is offered again.
   enum class Offer { unlessClosedBefore, always };
   void presentSettingPrompt(VantariKey permission, Offer offer);
 
@@ -69,14 +68,14 @@ class Screens : public ScreenServices {
 
   bool run(DecisionRecorder::FollowUp followUp);
   void present(std::string_view operation, Show show);
-  // Lets the user interface do something, later on the main queue; nothing when there is none.
+  // Calls the user interface later, on the main queue; does nothing without one.
   void withPresenter(Show act);
   Task<bool> offersSettingsPrompt(VantariKey permission, Offer offer);
   std::int64_t now() const { return wholeSeconds(s_.platform.clock->now()); }
 
   const Services s_;
   std::weak_ptr<ScreenServices> self_;
-  std::atomic<bool> isShownUnstored_ = false;  // the disk is full; once a process is enough then
+  std::atomic<bool> isShownUnstored_ = false;  // shown although the store failed: once per process
   std::mutex mutex_;                           // guards the member below
   std::vector<std::weak_ptr<std::function<void()>>> dismissalFollowers_;
 };

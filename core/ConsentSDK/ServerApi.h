@@ -1,4 +1,4 @@
-// The three requests that the SDK knows.
+// The three server requests.
 #pragma once
 
 #include <expected>
@@ -13,18 +13,18 @@ namespace quillon {
 template <class Value>
 using Answer = std::expected<Reply<Value>, RequestFailure>;
 
-// Thread-safe; without state.
+// Thread-safe and stateless.
 class ServerApi {
  public:
   // All must outlive it.
   ServerApi(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, std::stop_token stop)
       : platform_(platform), store_(store), logger_(logger), network_(platform, store, logger, std::move(stop)) {}
 
-  // The configuration in the session's language, else the default one when the server has none in that language.
+  // The configuration in the session's language; the default file when the server has none in that language.
   Task<Answer<MainConfiguration>> getCDN(SessionPointer session);
-  // Where the device is; a failure is logged.
+  // The device's location; a failure is logged.
   Task<std::optional<CurrentLocationResponse>> getCurrentLocation();
-  // Sends decisions to the application server at that base address. Its message is fit for a log.
+  // Sends decisions to the application server at base URL `url`. The message of the answer is safe to log.
   Task<Answer<GenericResponse>> postConsents(std::string url, PostConsentsRequest request);
 
  private:

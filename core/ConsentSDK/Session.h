@@ -1,4 +1,4 @@
-// What one set-up asked for.
+// The session begun by one setup.
 #pragma once
 
 #include <cstdint>
@@ -13,37 +13,37 @@
 
 namespace quillon {
 
-// Immutable. Whoever loads something for a session keeps it, and drops the result when it is no longer the current one.
+// Immutable. A load holds its session, and drops its result when the session is no longer current.
 struct Session {
-  ConsentSDKOptions options;  // checked
+  ConsentSDKOptions options;  // validated
   Mode mode;
-  std::string language;          // code in which the user is addressed
-  std::uint64_t generation = 0;  // ascending with every set-up
+  std::string language;          // code of the user interface's language
+  std::uint64_t generation = 0;  // increases with every setup
 
-  // The address under which its configuration is asked for first.
+  // The URL requested first for its configuration.
   [[nodiscard]] std::string configurationAddress() const;
-  // Whether both are about the same application of the same tenant, on the same channel of the same server.
+  // Whether both use the same application and tenant, on the same channel of the same server.
   [[nodiscard]] bool isOfSameApplication(const Session& other) const;
 };
 
 using SessionPointer = std::shared_ptr<const Session>;
 
-// The session in force. Thread-safe.
+// The current session.
 class Sessions {
  public:
   // The platform must outlive it.
   explicit Sessions(const Platform& platform) : platform_(platform), locale_(platform) {}
 
-  // Null before the first set-up.
+  // Null before the first setup.
   [[nodiscard]] SessionPointer current() const;
   [[nodiscard]] bool isCurrent(const Session& session) const;
 
-  // Makes a session of these options the current one.
+  // Creates a session with these options and makes it current.
   SessionPointer begin(ConsentSDKOptions options);
 
-  // In which the user is addressed: the session's language, before a set-up the device's.
+  // The user interface's language: the session's, before a setup the device's.
   [[nodiscard]] std::string language() const;
-  // The context of a decision that is made now.
+  // The context of a decision made now.
   [[nodiscard]] DecisionContext context(GivenType given) const;
 
  private:

@@ -1,4 +1,4 @@
-// Taking the application's options.
+// Applies the application's options.
 #pragma once
 
 #include "core/ConsentSDK/CheckCycle.h"
@@ -7,19 +7,19 @@ namespace quillon {
 
 class SetUp {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     ConfigurationLoader& loader;
     CheckCycle& cycle;
   };
   explicit SetUp(Services services) : s_(services) {}
 
-  // Begins a session, applies the cache-reset rules and starts loading. Thread-safe: of two set-ups at once the one
-  // that begins its session later holds.
+  // Begins a session, applies the cache-reset rules and starts loading. Thread-safe: of two concurrent calls, the one
+  // whose session begins later wins.
   void run(ConsentSDKOptions given);
 
  private:
-  // Whether the cached document must not serve this session.
+  // Whether the cached document must not be used for this session.
   bool mustReset(const Session& session) const;
 
   const Services s_;

@@ -1,4 +1,4 @@
-// The log's surroundings as the store and the platform know them.
+// The log context from store and platform.
 #pragma once
 
 #include <functional>

@@ -18,7 +18,7 @@ void replace(std::optional<std::string>& present, const std::optional<std::strin
   if (given && !given->empty()) present = given;
 }
 
-// Takes over every role that is given.
+// Replaces every role that is given.
 void replaceRoles(CustomColors& present, const CustomColors& given) {
   const auto take = [&](auto... roles) { (replace(present.*roles, given.*roles), ...); };
   take(&CustomColors::buttonBackground, &CustomColors::buttonText, &CustomColors::buttonBorder,

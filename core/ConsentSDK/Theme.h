@@ -1,4 +1,4 @@
-// The fonts and colours that the application and the banner's configuration gave the screens.
+// The screens' fonts and colours, from the application and the configuration.
 #pragma once
 
 #include <mutex>
@@ -12,15 +12,15 @@ namespace quillon {
 // Thread-safe.
 class Theme {
  public:
-  // The application's: replaces the fonts and colours that are given; the others stay. An empty colour is none.
+  // Sets the application's fonts and colours; roles not given, or empty, keep their value.
   void registerFonts(ScreenFonts fonts);
   void registerColors(const CustomColors& colors);
 
-  // The configuration's, for as long as that configuration is shown.
+  // Sets the configuration's colours.
   void configureColors(std::optional<CustomColors> palette);
 
   ScreenFonts fonts() const;
-  // For each role the configuration's colour, else the application's, else an empty one; nothing when neither gave any.
+  // Per role the configuration's colour, else the application's, else an empty one; nullopt when neither set any.
   std::optional<CustomColors> colors() const;
 
  private:

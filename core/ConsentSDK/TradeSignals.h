@@ -26,7 +26,7 @@ class TradeSignals : public SignalSource {
   SDKLogger& logger() override { return s_.logger; }
 
   // Lets the followers append to a script for the application's own pages.
-  void complete(std::string& script) const { pageScripts_.tell(script); }
+  void complete(std::string& script) const { pageScripts_.notify(script); }
 
  private:
   const Services s_;

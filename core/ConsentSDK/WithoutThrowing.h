@@ -1,12 +1,12 @@
-// What stands around every public operation, which never throws.
+// The exception barrier of the public operations.
 #pragma once
 
 #include <utility>
 
 namespace quillon {
 
-// Runs the operation. What escapes it is want of memory or of the system's resources, which nobody up here can mend;
-// the answer is `otherwise` then, and never a consent.
+// Runs the operation; returns `otherwise`, never a consent, when it throws. Only exhausted memory or system resources
+// get here, which no caller can handle.
 template <class Operation, class Answer>
 [[nodiscard]] Answer withoutThrowing(Operation operation, Answer otherwise) noexcept {
   try {

@@ -26,7 +26,7 @@ void Work::run(Job job) {
 
 void Work::onMain(Job job) {
   platform_.executors->main()->post(whileAlive([this, job = std::move(job)]() mutable {
-    const HostCalls::Call call(hostCalls_);  // begins before the look, so that who stops us sees one or the other
+    const HostCalls::Call call(hostCalls_);  // before isClosed(), so that close() sees the call or stops it
     if (!isClosed()) callHost(job);
   }));
 }
@@ -47,7 +47,7 @@ void Work::close() {
   stop_.request_stop();
 }
 
-void Work::waitUntilQuiet(std::chrono::milliseconds limit) {
+void Work::waitUntilIdle(std::chrono::milliseconds limit) {
   const auto deadline = std::chrono::steady_clock::now() + limit;
   tasks_->settled().wait_until(deadline);
   hostCalls_.waitForOthers(deadline);

@@ -1,4 +1,4 @@
-// What one instance has under way: tasks in the background, and calls of the application on the main queue.
+// The running work of one instance: background tasks, and host calls on the main queue.
 #pragma once
 
 #include <chrono>
@@ -16,27 +16,27 @@
 
 namespace quillon {
 
-// Thread-safe. Whatever it runs keeps the owner alive meanwhile, so a task or call may use all that the owner has.
-// After close() nothing begins any more.
+// Thread-safe. Running work shares ownership of the owner, so tasks and calls may use all of it. Nothing begins after
+// close().
 class Work {
  public:
   // Both must outlive it.
   Work(const Platform& platform, SDKLogger& logger) : platform_(platform), logger_(logger) {}
 
-  // Must be called once, before anything is started.
+  // Must be called once, before anything starts.
   void begin(std::weak_ptr<void> owner);
 
-  // Runs a task in the background. What it throws is logged.
+  // Runs a task in the background. Exceptions are logged.
   void start(std::move_only_function<Task<void>()> makeTask);
-  // The same for a job that waits for nothing.
+  // As above, for a job that does not wait.
   void run(Job job);
 
-  // Runs a job of the application's on the main queue, contained.
+  // Runs a host job on the main queue. Exceptions are logged.
   void onMain(Job job);
-  // Calls the application now, on this thread. What it throws is logged.
+  // Calls the host now, on this thread. Exceptions are logged.
   void callHost(Job& job);
 
-  // The function as a job for a service to call at any time: it does nothing once the owner is gone.
+  // Wraps the function as a job for a service to call at any time; does nothing once the owner is gone.
   template <class Function>
   [[nodiscard]] auto whileAlive(Function function) const {
     return [owner = owner_, function = std::move(function)](auto... arguments) mutable {
@@ -47,14 +47,13 @@ class Work {
   [[nodiscard]] std::stop_token stopToken() const { return stop_.get_token(); }
   [[nodiscard]] bool isClosed() const { return stop_.stop_requested(); }
 
-  // Becomes ready as soon as no task is under way.
+  // Becomes ready when no task is running.
   [[nodiscard]] std::future<void> settled() { return tasks_->settled(); }
 
-  // Stops the intake and aborts exchanges. Does not wait.
+  // Rejects new work and cancels exchanges. Does not wait.
   void close();
-  // Waits until no task is under way and none of the application's callbacks runs, but for the one that this is called
-  // in.
-  void waitUntilQuiet(std::chrono::milliseconds limit);
+  // Waits, up to the limit, until no task and no host callback is running, except the one that called this.
+  void waitUntilIdle(std::chrono::milliseconds limit);
 
  private:
   const Platform& platform_;

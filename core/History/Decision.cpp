@@ -1,4 +1,4 @@
-// The texts of a decision, and its form in the journal.
+// The texts and the journal format of a decision.
 #include "core/Json/JsonType.h"
 #include "core/Json/RawValues.h"
 #include "core/Json/Record.h"

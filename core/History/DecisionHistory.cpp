@@ -19,7 +19,7 @@ DecisionSubject subjectOf(const Decision& decision) {
 
 std::string journalText(const Decision& decision) {
   if (decision.language.size() <= longestLanguage) return encode(decision);
-  Decision shortened = decision;  // The host's text may be of any length.
+  Decision shortened = decision;  // the host's text may have any length
   shortened.language.resize(longestLanguage);
   return encode(shortened);
 }
@@ -43,26 +43,26 @@ HistoryPage historyOf(const JournalPage& page, std::size_t count) {
   return history;
 }
 
-NewestDecisions newestDecisions(const std::vector<JournalRecord>& unsettled) {
+NewestDecisions newestDecisions(const std::vector<JournalRecord>& unmarked) {
   NewestDecisions newest;
-  for (const JournalRecord& record : unsettled) {
+  for (const JournalRecord& record : unmarked) {
     if (const auto decision = decode<Decision>(record.text)) newest.emplace(subjectOf(*decision), record.number);
   }
   return newest;
 }
 
-std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unsettled,
+std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unmarked,
                                                  const NewestDecisions& sent,
                                                  const std::set<DecisionSubject>& carried) {
   std::map<std::int64_t, UploadOutcome> outcomes;
-  for (const JournalRecord& record : unsettled) {
+  for (const JournalRecord& record : unmarked) {
     const auto decision = decode<Decision>(record.text);
     if (!decision) continue;
-    const auto settled = sent.find(subjectOf(*decision));
-    if (settled == sent.end() || record.number > settled->second) continue;
-    const auto outcome = record.number < settled->second    ? UploadOutcome::superseded
-                         : carried.contains(settled->first) ? UploadOutcome::uploaded
-                                                            : UploadOutcome::dropped;
+    const auto newest = sent.find(subjectOf(*decision));
+    if (newest == sent.end() || record.number > newest->second) continue;
+    const auto outcome = record.number < newest->second    ? UploadOutcome::superseded
+                         : carried.contains(newest->first) ? UploadOutcome::uploaded
+                                                           : UploadOutcome::dropped;
     outcomes.emplace(record.number, outcome);
   }
   return outcomes;

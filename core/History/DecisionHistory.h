@@ -1,4 +1,4 @@
-// The history of decisions over the journal of the store.
+// The history of decisions, kept in the store's journal.
 #pragma once
 
 #include <compare>
@@ -15,22 +15,21 @@
 
 namespace quillon {
 
-// What every decision of one moment has in common.
+// What the decisions of one moment share.
 struct DecisionContext {
   GivenType givenType;
   std::int64_t time;        // whole seconds since 1970
-  std::string language;     // in which the user was addressed
-  std::string application;  // the application's id; empty before a set-up
+  std::string language;     // of the user interface
+  std::string application;  // the application's id; empty before a setup
 };
 
-// The text of a decision in the journal. Never longer than a record may be.
+// The journal text of a decision. Never longer than a record may be.
 [[nodiscard]] std::string journalText(const Decision& decision);
 
-// The entries of a page that the journal was asked for with that count. A record whose text is none of a decision
-// counts as damaged.
+// The entries of a journal page requested with `count`. A record that is no decision counts as damaged.
 [[nodiscard]] HistoryPage historyOf(const JournalPage& page, std::size_t count);
 
-// What a decision is about: one purpose or one permission.
+// The subject of a decision: one purpose or one permission.
 struct DecisionSubject {
   std::optional<std::int64_t> purposeId = std::nullopt;
   std::optional<VantariKey> permission = std::nullopt;
@@ -38,15 +37,14 @@ struct DecisionSubject {
   auto operator<=>(const DecisionSubject&) const = default;
 };
 
-// The numbers of the newest unsettled decision on each subject. They tell whether anything was decided after an upload
-// was made, which the values cannot: a decision may return to what it was.
+// The number of the newest unmarked decision on each subject. It shows whether anything was decided after an upload was
+// made; values cannot, since a decision may return to an earlier value.
 using NewestDecisions = std::map<DecisionSubject, std::int64_t>;
-[[nodiscard]] NewestDecisions newestDecisions(const std::vector<JournalRecord>& unsettled);
+[[nodiscard]] NewestDecisions newestDecisions(const std::vector<JournalRecord>& unmarked);
 
-// The outcome of each unsettled decision that an upload settles, by number: of every subject in `sent`, everything up
-// to the decision that was the newest when the upload was made. That one was uploaded when the upload carried the
-// subject.
-[[nodiscard]] std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unsettled,
+// The outcome of each unmarked decision that an upload covers, by number: for every subject in `sent`, all decisions up
+// to its number there. The newest of them was uploaded if the upload carried the subject.
+[[nodiscard]] std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unmarked,
                                                                const NewestDecisions& sent,
                                                                const std::set<DecisionSubject>& carried);
 

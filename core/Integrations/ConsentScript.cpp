@@ -29,7 +29,7 @@ inline constexpr auto fields<PageConsents> = std::tuple{
 
 namespace {
 
-// A call of the page's consent-mode function.
+// A call to the page's consent-mode function.
 std::string consentCall(std::string_view command, const ConsentMap& signals) {
   std::map<std::string, std::string, std::less<>> values;
   for (const auto& [type, granted] : signals) values.emplace(rawValue(type), granted ? "granted" : "denied");
@@ -41,7 +41,7 @@ std::string consentCall(std::string_view command, const ConsentMap& signals) {
 }  // namespace
 
 std::string consentScript(const PageConsents& consents, const std::optional<PageSignals>& signals) {
-  // Lists of records, since names as keys could be those of every object, such as "__proto__".
+  // Lists, because names as object keys could collide with built-in ones such as "__proto__".
   std::string script = "window.quillonConsents=" + scriptText(encode(consents)) + ";\n";
   if (!signals) return script;
   script +=

@@ -1,4 +1,4 @@
-// The consents for pages that the host shows in a web view of its own.
+// The consents as a script for pages in the host's own web view.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-// What a page is told.
+// The data passed to a page.
 struct PageConsents {
   struct OfPurpose {
     std::int64_t id = 0;
@@ -24,13 +24,13 @@ struct PageConsents {
   std::vector<OfPermission> permissions;
 };
 
-// The signals before any decision, and now.
+// The signals before any decision, and the current ones.
 struct PageSignals {
   ConsentMap byDefault;
   ConsentMap present;
 };
 
-// A script without its element, safe to stand in one whatever the texts are. Without signals it has no consent mode.
+// The content of a script element, safe whatever the texts contain. Without signals it omits consent mode.
 [[nodiscard]] std::string consentScript(const PageConsents& consents, const std::optional<PageSignals>& signals);
 
 }  // namespace quillon

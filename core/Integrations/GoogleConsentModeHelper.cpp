@@ -39,7 +39,7 @@ const DefaultMapping* consentModeMapping(const GcmConfig& configuration, const s
 }
 
 ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored) {
-  // A configuration without a banner has no compliance type, so nobody has granted what is undecided.
+  // A configuration without a banner has no compliance type, so undecided purposes are not granted.
   const bool isTypeKnown = stored.string(key::currentComplianceType).has_value();
   const ConsentStatus undecided = isTypeKnown ? stored.complianceDefault() : ConsentStatus::notDetermined;
   const auto isGranted = [&](const std::optional<std::vector<std::int64_t>>& purposes) {

@@ -1,4 +1,4 @@
-// The user's purpose consents as the four consent-mode signals, and their way to the host's analytics library.
+// Computes the four consent-mode signals and passes them to the host's analytics library.
 #pragma once
 
 #include <map>
@@ -18,28 +18,28 @@ namespace quillon {
 // Whether each signal is granted.
 using ConsentMap = std::map<GoogleConsentType, bool>;
 
-// The mapping for a location such as "US#CA": the region override that lists it, else the one that lists its state,
-// else the default mapping. Null when there is none. Owned by the configuration.
+// The mapping for a location such as "US#CA": the region override that lists it, else the one that lists its state
+// alone ("CA"), else the default mapping. Null when there is none. Owned by the configuration.
 [[nodiscard]] const DefaultMapping* consentModeMapping(const GcmConfig& configuration,
                                                        const std::optional<std::string>& location);
 
-// A signal is granted when it lists purposes and every one of them is.
+// A signal is granted when it lists purposes and all of them are granted.
 [[nodiscard]] ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored);
 
-// Thread-safe. Signals are handed over one set at a time and always computed from the newest consents, so the set that
-// arrives last is the one that holds.
+// Thread-safe. Sets of signals are passed on one at a time, each computed from the newest consents, so the last one
+// delivered is current.
 class GoogleConsentModeHelper {
  public:
-  // All must outlive it. Nothing is handed over once a stop is requested.
+  // All must outlive it. Nothing is passed on once a stop is requested.
   GoogleConsentModeHelper(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, std::stop_token stop)
       : platform_(platform), store_(store), logger_(logger), stop_(std::move(stop)) {}
 
-  // Computes the signals from the stored consents and sends them, or leaves that to the thread that is sending just
-  // now. Does nothing unless the configuration drives consent mode. The location is the newest known one.
+  // Computes the signals from the stored consents and sends them, or leaves that to the thread currently sending. Does
+  // nothing unless the configuration drives consent mode. `location` is the newest known one.
   void updateFirebaseConsent(std::shared_ptr<const MainConfiguration> mainConfiguration,
                              std::optional<std::string> location);
 
-  // Sends the signals; an application without an analytics library that takes them is only logged.
+  // Sends the signals; logs when the application has no analytics library that takes them.
   void setFirebaseConsent(const ConsentMap& consentMap);
 
  private:

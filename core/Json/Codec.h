@@ -1,4 +1,4 @@
-// JSON documents to records and back.
+// JSON documents to structures and back.
 #pragma once
 
 #include <expected>
@@ -9,23 +9,23 @@
 
 namespace quillon {
 
-/// How one C++ type stands in JSON.
+/// The JSON mapping of one C++ type.
 struct JsonType;
 
-/// The description of record type R, made from its field table in the file of its operations.
+/// The mapping of structure R, built from its field table where its operations are defined.
 template <class R>
 [[nodiscard]] const JsonType& jsonType();
 
-/// Fills the value-initialised @p record of type @p type from @p document, or says what is wrong with it.
+/// Fills the value-initialised @p record of type @p type from @p document, or returns the error.
 [[nodiscard]] std::optional<std::string> readJson(std::string_view document, const JsonType& type, void* record);
 
 /// Appends @p value of type @p type to @p json.
 void writeJson(std::string& json, const JsonType& type, const void* value);
 
-/// The record that a document holds, or why it holds none: "purposes[3].sdks[0].sdk_id: expected an integer". Strict:
-/// one wrong value refuses the whole document; unknown keys are skipped but must be sound JSON all the same. A document
-/// is UTF-8, at most 32 MiB and 64 levels deep, and may take at most 256 MiB when decoded. The error text is bounded
-/// and free of control characters. Thread-safe.
+/// Decodes a document; the error is such as "purposes[3].sdks[0].sdk_id: expected an integer". Strict: one wrong value
+/// rejects the whole document; unknown keys are skipped but must be valid JSON. A document is UTF-8, at most 32 MiB and
+/// 64 levels deep, and may take at most 256 MiB when decoded. The error text is bounded and free of control characters.
+/// Thread-safe.
 template <class R>
 [[nodiscard]] std::expected<R, std::string> decode(std::string_view json) {
   std::expected<R, std::string> record;
@@ -33,8 +33,8 @@ template <class R>
   return record;
 }
 
-/// The document of @p record, without blanks; absent fields are omitted. Always valid UTF-8: a byte of a text that is
-/// not UTF-8 becomes U+FFFD. Thread-safe.
+/// Encodes @p record without white space; absent fields are omitted. Always valid UTF-8: invalid bytes become U+FFFD.
+/// Thread-safe.
 template <class R>
 [[nodiscard]] std::string encode(const R& record) {
   std::string json;

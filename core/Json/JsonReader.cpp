@@ -8,7 +8,7 @@ namespace quillon {
 namespace json {
 namespace {
 
-// What the parser calls; turns refusals into its error codes.
+// The parser's event handler; turns rejections into parser error codes.
 struct Events {
   static constexpr std::size_t max_array_size = std::numeric_limits<std::size_t>::max();
   static constexpr std::size_t max_object_size = max_array_size;
@@ -34,7 +34,7 @@ struct Events {
   bool on_key(Text piece, std::size_t size, Error& error) { return pass(builder.key(view(piece), size), error); }
   bool on_string_part(Text piece, std::size_t, Error& error) { return pass(builder.part(view(piece)), error); }
   bool on_string(Text piece, std::size_t size, Error& error) { return pass(builder.text(view(piece), size), error); }
-  bool on_number_part(Text, Error&) { return true; }  // comes only before the end of a document that is cut off
+  bool on_number_part(Text, Error&) { return true; }  // only at the end of a truncated document
   bool on_int64(std::int64_t value, Text, Error& error) { return pass(builder.integer(value), error); }
   bool on_uint64(std::uint64_t, Text number, Error& error) { return pass(builder.real(0, view(number)), error); }
   bool on_double(double value, Text number, Error& error) { return pass(builder.real(value, view(number)), error); }

@@ -1,5 +1,5 @@
-// What the JSON reader and writer need to know of a C++ type, made from the type and, for a record, from its table of
-// fields. Reader and writer work on these descriptions, so that they exist once and not once per record.
+// Type-erased JSON mappings, built from a C++ type and, for structures, its field table. Reader and writer use these,
+// so they are compiled once and not per structure.
 #pragma once
 
 #include <array>
@@ -17,14 +17,14 @@
 
 namespace quillon {
 
-/// A field of a record in a document.
+/// A field of a structure in a document.
 struct JsonField {
   std::string_view key;
-  const JsonType& (*type)();  // null: whatever stands there is skipped
+  const JsonType& (*type)();  // null: the value is skipped
   bool mayBeNull;
-  /// The address for the value in @p record; makes an optional member present. Null for a constant.
+  /// The address of the value in @p record; makes an optional member present. Null for a constant.
   void* (*open)(void* record);
-  /// The value in @p record; null when it is absent. No function: a constant.
+  /// The value in @p record; null when absent. No function for a constant.
   const void* (*get)(const void* record) = nullptr;
   /// The text of a constant.
   std::string_view constant = {};
@@ -34,36 +34,36 @@ struct JsonType {
   enum class Kind : std::uint8_t { boolean, integer, text, symbol, array, map, record };
 
   Kind kind;
-  /// Memory of one value, without what it allocates.
+  /// Size of one value, without its allocations.
   std::size_t size;
 
-  /// symbol: sets the value that @p text stands for; false when it stands for none.
+  /// symbol: sets the value for @p text; false when there is none.
   bool (*assign)(void* value, std::string_view text) = nullptr;
-  /// symbol: the text that stands for @p value.
+  /// symbol: the text of @p value.
   std::string_view (*text)(const void* value) = nullptr;
 
-  /// array, map: what it holds.
+  /// array, map: the element's mapping.
   const JsonType& (*element)() = nullptr;
-  /// array: the address of a new last element.
+  /// array: appends an element and returns its address.
   void* (*append)(void* array) = nullptr;
-  /// array: its elements, one after the other in memory.
+  /// array: its elements, contiguous in memory.
   std::span<const std::byte> (*elements)(const void* array) = nullptr;
-  /// map: the address of the element of a new key; null when the map has the key.
+  /// map: inserts a key and returns its element's address; null for a duplicate.
   void* (*insert)(void* map, std::string_view key) = nullptr;
-  /// map whose elements may be null: makes an element present and returns the address of its value; null otherwise.
+  /// map with nullable elements: makes an element present and returns its value's address; null otherwise.
   void* (*openElement)(void* element) = nullptr;
-  /// map: calls @p use for each element in the order of the keys; with null for an absent one.
+  /// map: calls @p use for each element in key order, with null for an absent one.
   void (*each)(const void* map, void (*use)(void* context, std::string_view key, const void* element),
                void* context) = nullptr;
 
-  /// record: in declaration order, at most 64, with one bit for each that must be there.
+  /// record: fields in declaration order, at most 64, with a bit for each required one.
   std::span<const JsonField> fields = {};
   std::uint64_t required = 0;
 };
 
 namespace json {
 
-/// A text of which only the presence matters: the value of a constant.
+/// A text of which only the presence is checked: the value of a constant.
 struct ConstantText {};
 
 template <class T>
@@ -96,7 +96,7 @@ template <class T>
   }
 }
 
-/// The description of a type that is not a record.
+/// The mapping of a type that is not a structure.
 template <class T>
 [[nodiscard]] constexpr JsonType describeValue() {
   using Kind = JsonType::Kind;
@@ -139,7 +139,7 @@ template <class T>
     type.insert = [](void* map, std::string_view key) -> void* {
       auto& entries = *static_cast<T*>(map);
       const std::size_t before = entries.size();
-      // Keys mostly come in order, and then the end is the right place.
+      // Keys are mostly sorted, so the end is the right hint.
       const auto entry = entries.try_emplace(entries.end(), std::string(key));
       return entries.size() == before ? nullptr : &entry->second;
     };
@@ -200,7 +200,7 @@ template <class F>
   }
 }
 
-/// The fields of R that stand in documents.
+/// The fields of R that appear in documents.
 template <class R>
 [[nodiscard]] constexpr auto describeFields() {
   constexpr std::size_t count =

@@ -1,4 +1,4 @@
-// The pieces of a JSON document, appended to a string. Independent of the locale.
+// Appends pieces of a JSON document to a string. Locale-independent.
 #pragma once
 
 #include <cstdint>
@@ -7,16 +7,16 @@
 
 namespace quillon::json {
 
-/// A text with its quotation marks. Bytes that are not UTF-8 become U+FFFD.
+/// A quoted text. Invalid UTF-8 becomes U+FFFD.
 void writeText(std::string& json, std::string_view text);
 void writeInteger(std::string& json, std::int64_t value);
 
-/// A comma, unless the array or object has just been opened with @p bracket.
+/// A comma, unless the array or object was just opened with @p bracket.
 inline void separate(std::string& json, char bracket) {
   if (json.back() != bracket) json += ',';
 }
 
-/// The key of the next field of the object under way; @p key needs no escapes.
+/// The key of the next field; @p key needs no escapes.
 inline void writeKey(std::string& json, std::string_view key) {
   separate(json, '{');
   json += '"';

@@ -1,4 +1,4 @@
-// Enumerations with fixed texts: one table of case and text per enumeration, read in both directions.
+// One table of cases and texts per enumeration, read in both directions.
 #pragma once
 
 #include <optional>
@@ -15,7 +15,7 @@ struct RawValue {
   std::string_view text;
 };
 
-/// The text of @p value in @p table; empty for a number that is no case of E.
+/// The text of @p value in @p table; empty for a value that is no case of E.
 template <class E>
 [[nodiscard]] constexpr std::string_view textOf(std::span<const RawValue<E>> table, E value) noexcept {
   for (const RawValue<E>& row : table) {
@@ -35,8 +35,8 @@ template <class E>
 
 }  // namespace quillon
 
-/// Gives the cases of enumeration E of namespace quillon their texts: defines rawValue() and fromRawValue() by the rows
-/// that follow, in namespace quillon, as in QUILLON_RAW_VALUES(Mode, {Mode::draft, "draft"}, {Mode::live, "live"});
+/// Defines rawValue() and fromRawValue() of enumeration E from the rows that follow. Used in namespace quillon:
+/// QUILLON_RAW_VALUES(Mode, {Mode::draft, "draft"}, {Mode::live, "live"});
 #define QUILLON_RAW_VALUES(E, ...)                                \
   namespace {                                                     \
   constexpr RawValue<E> rawValuesOf##E[] = {__VA_ARGS__};         \

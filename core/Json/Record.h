@@ -1,5 +1,5 @@
-// Records are described once: a table of fields, from which equality, hashing, decoding and encoding follow. Adding a
-// field to a record is one line in its table.
+// One field table per structure, from which equality, hashing, decoding and encoding follow. A new field is one new
+// line in the table.
 #pragma once
 
 #include <cstddef>
@@ -35,8 +35,7 @@ R recordOf(T R::*);
 template <class R, class T>
 T typeOf(T R::*);
 
-/// A field under its JSON key. It may be absent (or null) from a document when the member is a std::optional and must
-/// be there otherwise.
+/// A field with its JSON key. A std::optional member may be absent or null in a document; others are required.
 template <auto Member>
 struct Field {
   using Record = decltype(recordOf(Member));
@@ -49,13 +48,13 @@ struct Field {
   [[nodiscard]] static constexpr const Type& in(const Record& record) noexcept { return record.*Member; }
 };
 
-/// A field that takes part in equality and hashing but is neither read from a document nor written to one.
+/// A field for equality and hashing only, neither decoded nor encoded.
 template <auto Member>
 struct NotInDocument : Field<Member> {
   static constexpr bool inDocument = false;
 };
 
-/// A text that every document of this kind carries and that is the same for all records.
+/// A fixed text in every document of this kind.
 struct Constant {
   static constexpr bool inDocument = true;
 
@@ -63,18 +62,18 @@ struct Constant {
   std::string_view text;
 };
 
-/// A field that documents are known to have and nobody reads: so that it costs least.
+/// A known field that is skipped.
 struct Ignored {
   static constexpr bool inDocument = true;
 
   std::string_view key;
 };
 
-/// The fields of R in declaration order, a std::tuple of the above; specialised beside each record's other operations.
+/// The fields of R in declaration order, as a std::tuple of the above; specialised where R's other operations are.
 template <class R>
 inline constexpr std::tuple<> fields = {};
 
-/// Whether both records have the same value in every field; an absent value equals only an absent one.
+/// Whether both have the same value in every field; an absent value equals only an absent one.
 template <class R>
 [[nodiscard]] bool equalFields(const R& left, const R& right) {
   return std::apply([&](auto... field) { return ((field.in(left) == field.in(right)) && ...); }, fields<R>);

@@ -15,9 +15,9 @@ namespace {
 
 using Kind = JsonType::Kind;
 
-// How much of a key or text an error message repeats.
+// The longest quote of a key or text in an error message.
 constexpr std::size_t kLongestQuote = 64;
-// The hash of a skipped key, in an array that grows by doubling.
+// The memory of a skipped key's hash, in an array that doubles as it grows.
 constexpr std::size_t kSkippedKeyMemory = 2 * sizeof(std::uint64_t);
 
 std::uint64_t wordAt(const char* place) {
@@ -26,7 +26,7 @@ std::uint64_t wordAt(const char* place) {
   return word;
 }
 
-// For keys, of which a document has a great many: most are compared in two steps, the last of which looks back.
+// Compares keys, of which a document has very many: mostly in two overlapping loads.
 bool areSame(std::string_view left, std::string_view right) {
   constexpr std::size_t step = sizeof(std::uint64_t);
   if (left.size() != right.size()) return false;
@@ -56,7 +56,7 @@ std::string_view expectation(Kind kind) {
   return {};
 }
 
-// Cuts on the border of a character and makes control characters harmless for a log.
+// Truncates at a character boundary and escapes control characters.
 void appendQuote(std::string& message, std::string_view text) {
   std::string_view shown = text.substr(0, kLongestQuote);
   if (shown.size() < text.size()) {
@@ -106,7 +106,7 @@ bool RecordBuilder::take(std::size_t bytes) {
   return memory_ <= kLargestRecord || refuse("the document takes more than 256 MiB of memory");
 }
 
-// The whole key or text, from its only piece or from the collected ones.
+// The whole key or text, from its only piece or from the collected pieces.
 std::string_view RecordBuilder::whole(std::string_view piece, std::size_t size) {
   if (piece.size() == size) return piece;
   pieces_ += piece;
@@ -118,7 +118,7 @@ bool RecordBuilder::part(std::string_view piece) {
   return true;
 }
 
-// Inside an array, makes its next element the target; elsewhere the latest key has chosen it.
+// In an array, appends an element as the target; elsewhere the latest key has selected the target.
 bool RecordBuilder::aim() {
   Level& level = *top_;
   if (!level.isArray) return true;
@@ -149,7 +149,7 @@ bool RecordBuilder::aimAtField(Level& level, std::string_view key) {
 }
 
 bool RecordBuilder::aimAtEntry(Level& level, std::string_view key) {
-  // Beside key and element a node of a map holds three pointers and a colour.
+  // A map node holds three pointers and a colour besides key and element.
   if (!take(4 * sizeof(void*) + sizeof(std::string) + key.size() + level.element->size)) return false;
   void* const element = level.type->insert(level.value, key);
   if (!element) return refuse("duplicate key");
@@ -181,7 +181,7 @@ bool RecordBuilder::key(std::string_view piece, std::size_t size) {
   return accepted;
 }
 
-// The address for the value that has come; makes it present.
+// The address for the current value; makes it present.
 void* RecordBuilder::address() {
   return target_.open ? target_.open(target_.place) : target_.place;
 }
@@ -190,7 +190,7 @@ bool RecordBuilder::begin(bool isArray, const JsonType* type) {
   Level& level = *++top_;
   level.type = type;
   level.element = type && type->element ? &type->element() : nullptr;
-  level.elementBytes = level.element ? 2 * level.element->size : 0;  // An array grows by doubling.
+  level.elementBytes = level.element ? 2 * level.element->size : 0;  // the array doubles as it grows
   level.value = type ? address() : nullptr;
   level.isArray = isArray;
   level.count = 0;
@@ -275,7 +275,7 @@ bool RecordBuilder::integer(std::int64_t value) {
 
 bool RecordBuilder::real(double approximation, std::string_view number) {
   if (!aim()) return false;
-  // The parser takes 0e400 for infinity times zero.
+  // The parser reads 0e400 as infinity times zero.
   double exact = approximation;
   if (!std::isfinite(approximation) &&
       std::from_chars(number.data(), number.data() + number.size(), exact).ec != std::errc()) {

@@ -1,4 +1,4 @@
-// From the events of a JSON parser to a record, in one pass and without a tree in between.
+// Builds a structure from JSON parser events, in one pass and without a tree.
 #pragma once
 
 #include <cstdint>
@@ -14,53 +14,52 @@ namespace quillon::json {
 /// Limits of a document.
 inline constexpr std::size_t kLargestDocument = std::size_t{32} << 20;
 inline constexpr std::size_t kDeepestNesting = 64;
-/// What a decoded document may take in memory, so that a short text cannot ask for a great many large records.
+/// Memory limit of a decoded document: a short text must not expand into many large structures.
 inline constexpr std::size_t kLargestRecord = std::size_t{256} << 20;
 
-/// Builds one record. The parser reports what it meets, in the order of the document; each report returns whether to go
-/// on. After a refusal error() says why.
+/// Builds one structure. Each event returns whether to continue; after a rejection error() gives the reason.
 class RecordBuilder {
  public:
-  /// Fills @p record of type @p type from @p document, which the parser reads from the same place in memory.
+  /// Fills @p record of type @p type. The parser must read @p document from the same memory.
   RecordBuilder(std::string_view document, const JsonType& type, void* record);
 
   bool beginObject();
   bool beginArray();
   bool endObject();
   bool endArray();
-  /// Part of a key or text that arrives in several pieces.
+  /// A piece of a key or text that arrives in several pieces.
   bool part(std::string_view piece);
-  /// The last piece of a key or text of @p size bytes in all.
+  /// The last piece of a key or text with @p size bytes in total.
   bool key(std::string_view piece, std::size_t size);
   bool text(std::string_view piece, std::size_t size);
   bool integer(std::int64_t value);
-  /// A number with a fraction or an exponent, or too large for a signed integer of 64 bits; @p number is its text.
+  /// A number with a fraction or exponent, or beyond 64-bit signed integers; @p number is its text.
   bool real(double approximation, std::string_view number);
   bool boolean(bool value);
   bool null();
 
-  /// The refusal; empty while all is well.
+  /// The error; empty if there is none.
   [[nodiscard]] const std::string& error() const noexcept { return error_; }
-  /// The place that has been reached, such as "purposes[3].sdks[0].sdk_id", or "document".
+  /// The current path, such as "purposes[3].sdks[0].sdk_id", or "document".
   [[nodiscard]] std::string path() const;
 
  private:
-  /// An object or array that has begun and not ended.
+  /// An open object or array.
   struct Level {
     const JsonType* type = nullptr;     ///< null: skipped
-    const JsonType* element = nullptr;  ///< what an array or map holds
+    const JsonType* element = nullptr;  ///< of an array or map
     void* value = nullptr;
     bool isArray = false;
     std::size_t count = 0;         ///< array: elements begun
-    std::size_t elementBytes = 0;  ///< array: what one more takes
-    std::size_t next = 0;          ///< record: the field that probably comes next
-    std::uint64_t seen = 0;        ///< record: a bit for each field met
+    std::size_t elementBytes = 0;  ///< array: memory of one more element
+    std::size_t next = 0;          ///< record: the field expected next
+    std::uint64_t seen = 0;        ///< record: a bit for each field seen
     std::size_t firstSkip = 0;     ///< where its keys begin in skippedKeys_
     std::string_view key;          ///< object: the latest key
     std::string ownKey;            ///< holds that key when the document spells it with escapes
   };
 
-  /// Where the next value goes.
+  /// The target of the next value.
   struct Target {
     const JsonType* type = nullptr;  ///< null: it is skipped
     void* place = nullptr;
@@ -81,11 +80,11 @@ class RecordBuilder {
   std::string_view whole(std::string_view piece, std::size_t size);
 
   std::string_view document_;
-  std::vector<Level> levels_;    // full length from the start; the first is that of the document
+  std::vector<Level> levels_;    // allocated in full; the first is the document's
   Level* top_ = levels_.data();  // the innermost
   Target target_;
   std::string pieces_;
-  std::vector<std::uint64_t> skippedKeys_;  // hashes, to find duplicates where keys are not kept
+  std::vector<std::uint64_t> skippedKeys_;  // hashes, to detect duplicates among skipped keys
   std::size_t memory_ = 0;
   std::string error_;
 };

@@ -10,7 +10,7 @@ namespace quillon::json {
 
 std::optional<std::int64_t> wholeNumber(std::string_view number) {
   constexpr std::int64_t kLargest = std::int64_t{1} << 53;
-  // No document has room for more digits, so none brings such a number back into reach.
+  // No document has room for enough digits to cancel a larger exponent.
   constexpr std::int64_t kLargestExponent = std::int64_t{32} << 20;
   const bool negative = number.starts_with('-');
   if (negative) number.remove_prefix(1);

@@ -1,4 +1,4 @@
-// What a log block tells besides its message, and where blocks go.
+// The context lines of a log block, and its destination.
 #pragma once
 
 #include <cstdint>
@@ -13,17 +13,17 @@ class LogContext {
  public:
   virtual ~LogContext() = default;
 
-  // One block, without what a terminal would obey.
+  // Writes a block, already free of terminal control sequences.
   virtual void write(std::string_view block) = 0;
   // "yyyy-MM-dd HH:mm:ss.SSS" in the device's time zone.
   virtual std::string time() = 0;
   virtual std::int64_t configurationVersion() = 0;
 
-  // Asked at threshold debug only.
+  // Called at threshold debug only.
   virtual std::optional<std::string> sdkVersion() = 0;
-  // Nothing unless the configuration handles app tracking.
+  // nullopt unless the configuration handles app tracking.
   virtual std::optional<std::string> advertisingIdentifier() = 0;
-  // Makes one when there is none.
+  // Creates one if there is none.
   virtual std::string subjectId() = 0;
 };
 

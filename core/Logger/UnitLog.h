@@ -1,4 +1,4 @@
-// The logger as one source unit uses it.
+// The logger bound to a source unit.
 #pragma once
 
 #include <source_location>
@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-// The units of the log as its readers know them; several source files may speak for one.
+// The unit names in the log; several source files may share one.
 namespace unit {
 inline constexpr std::string_view webView = "Common/WebView/WebViewModel";
 inline constexpr std::string_view consentBanner = "ConsentBanner/ConsentBannerViewModel";
@@ -25,7 +25,7 @@ inline constexpr std::string_view userDefaultManager = "Persistance/UserDefaults
 inline constexpr std::string_view purposeManager = "Purposes/PurposeManager";
 }  // namespace unit
 
-// Names the unit once; each call adds the function and the line.
+// Each call adds function and line.
 class UnitLog {
  public:
   UnitLog(SDKLogger& logger, std::string_view unit) noexcept : logger_(logger), unit_(unit) {}

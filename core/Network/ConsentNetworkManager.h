@@ -1,4 +1,4 @@
-// Sends one request and turns the answer into a decoded value.
+// Sends a request and decodes the response.
 #pragma once
 
 #include <expected>
@@ -17,7 +17,7 @@
 
 namespace quillon {
 
-// The name of a type of answer in error messages.
+// The response type's name in error messages.
 template <class Value>
 inline constexpr std::string_view replyName = {};
 template <>
@@ -27,26 +27,26 @@ inline constexpr std::string_view replyName<GenericResponse> = "GenericResponse"
 template <>
 inline constexpr std::string_view replyName<CurrentLocationResponse> = "CurrentLocationResponse";
 
-// A decoded answer.
+// A decoded response.
 template <class Value>
 struct Reply {
   Value value;
-  std::optional<std::string> etag;  // as the server sent it, when it can be sent back
+  std::optional<std::string> etag;  // the server's entity tag, if isSendableTag()
 };
 
-// Whether an entity tag can go into a request: not empty, of bounded length, without control characters. What came from
-// a server is checked before it is kept, or one answer would end all requests for good.
+// Whether an entity tag may go into a request: not empty, of bounded length, no control characters. Checked before it
+// is stored, or one bad response would break all later requests.
 [[nodiscard]] bool isSendableTag(std::string_view tag);
 
-// Thread-safe; keeps no state but the entity tag in the store. Several requests may be under way at once.
+// Thread-safe; its only state is the entity tag in the store. Requests may run concurrently.
 class ConsentNetworkManager {
  public:
-  // All must outlive it. A stop request ends what is under way with a cancelled transport error.
+  // All must outlive it. A stop request ends running requests with a cancelled transport error.
   ConsentNetworkManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, std::stop_token stop)
       : platform_(platform), store_(store), logger_(logger), stop_(std::move(stop)) {}
 
-  // A success updates the stored entity tag before the body is decoded. Failures but 304, 404 and those of the
-  // transport are logged, with the access token masked: what failed at ERROR, the exchange in full at DEBUG.
+  // A success updates the stored entity tag before decoding the body. Failures except 304, 404 and transport errors are
+  // logged with the access token masked: the error at ERROR, the full exchange at DEBUG.
   template <class Value>
   Task<std::expected<Reply<Value>, RequestFailure>> processRequest(HttpRequest request) {
     auto exchange = co_await send(std::move(request));

@@ -1,4 +1,4 @@
-// What is called: the three requests that the SDK knows.
+// The endpoints of the three requests.
 #pragma once
 
 #include <map>
@@ -23,16 +23,16 @@ struct EndPoint {
   HttpMethod httpMethod = HttpMethod::get;
   std::optional<std::map<QueryParam, std::string>> queryParams = std::nullopt;
   std::optional<std::map<HeaderParam, std::string>> headerParams = std::nullopt;
-  std::string pathURL;  // appended to the base address as it stands
+  std::string pathURL;  // appended to the base URL unchanged
   std::optional<std::string> body = std::nullopt;
 };
 
-// The configuration of an application in one language, or its default file.
+// An application's configuration in one language, or its default file.
 struct GetCDNEndPoint : EndPoint {
   GetCDNEndPoint(const ConsentSDKOptions& options, Mode mode, std::string_view languageCode, bool useDefaultFile);
 };
 
-// Where the device is.
+// The device's location.
 struct GetCurrentLocationEndPoint : EndPoint {
   GetCurrentLocationEndPoint();
 };

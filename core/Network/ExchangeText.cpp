@@ -13,7 +13,7 @@ constexpr const char* tokenHeader = "X-Auth-Token";
 constexpr std::string_view tokenMember = "\"x-auth-token\"";
 constexpr std::string_view mask = "***";
 
-// A header map as the platform prints dictionaries.
+// A header map in the platform's dictionary format.
 std::string printed(const HttpHeaders& headers) {
   if (headers.empty()) return "[:]";
   std::string text = "[";
@@ -26,8 +26,8 @@ std::string printed(const HttpHeaders& headers) {
   return text + "]";
 }
 
-// The body may be a configuration that could not be decoded, so its token is found by its member name, in whatever
-// surroundings; of a value that does not end, all the rest is masked.
+// Masks the token by its member name, since the body may be an undecodable configuration; an unterminated value is
+// masked to the end.
 std::string withoutToken(std::string_view body) {
   std::string text;
   for (;;) {

@@ -1,4 +1,4 @@
-// A failed exchange in words.
+// Describes a failed exchange for the log.
 #pragma once
 
 #include <cstddef>
@@ -9,12 +9,12 @@
 
 namespace quillon {
 
-// Request, response and body for the log. Line breaks inside values are escaped, bodies cut, and the access token is
-// masked wherever it stands, in the answer as well. Of the answer's body at most so many bytes are shown.
+// Request, response and body for the log. Line breaks in values are escaped, bodies truncated, and the access token is
+// masked everywhere. At most `shownBytes` of the response body are shown.
 [[nodiscard]] std::string exchangeText(const HttpRequest& request, const HttpResponse& response,
                                        std::size_t shownBytes = std::size_t{64} << 10);
 
-// A text of the server's with the access token that the request carried masked, wherever it stands.
+// A server's text with the request's access token masked.
 [[nodiscard]] std::string withoutEcho(std::string text, std::string_view token);
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// What can go wrong between a request and its decoded answer.
+// Errors between a request and its decoded response.
 #pragma once
 
 #include <string>
@@ -23,17 +23,17 @@ struct NetworkError {
 
   Case kind;
   std::string message = {};  // of invalidPath, badUrl, decodingError and invalidURL
-  int code = 0;              // of invalidStatusCode; -999 for an answer that is not HTTP
+  int code = 0;              // of invalidStatusCode; -999 for a response that is not HTTP
 
   // The text for logs.
   std::string description() const;
-  // The text for users, in the host application's own translation when it has one.
+  // The text for users, translated by the host application if it can.
   std::string localizedDescription(const HostApplication& host) const;
 
   bool operator==(const NetworkError&) const = default;
 };
 
-// Why a request gave no value: an error of ours, or the transport's own, passed on unchanged.
+// Why a request failed: our error, or the transport's, unchanged.
 using RequestFailure = std::variant<NetworkError, TransportError>;
 
 [[nodiscard]] std::string description(const RequestFailure& failure);

@@ -1,4 +1,4 @@
-// How an end point is called: address, headers, entity tag, time limit.
+// Builds the request for an endpoint: URL, headers, entity tag, timeout.
 #pragma once
 
 #include <expected>
@@ -11,14 +11,14 @@
 
 namespace quillon {
 
-// Made for one request, used once.
+// For one request.
 class RequestBuilder {
  public:
   RequestBuilder(EndPoint endPoint, std::string baseURL)
       : endPoint_(std::move(endPoint)), baseURL_(std::move(baseURL)) {}
 
-  // Carries the stored entity tag whatever the end point. Fails with invalidURL when the base address, or the base
-  // address and the path run together, are not an address.
+  // Adds the stored entity tag for every endpoint. Fails with invalidURL when the base URL, or the base URL with the
+  // path appended, is not a URL.
   std::expected<HttpRequest, NetworkError> build(const UserDefaultManager& store) &&;
 
  private:

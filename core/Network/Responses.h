@@ -1,4 +1,4 @@
-// What the application server answers.
+// The responses of the application server.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-/// The reply to a consent upload; status 0 means that the consents are recorded.
+/// The response to a consent upload; status 0 means that the consents are stored.
 struct GenericResponse {
   std::int64_t status = 0;
   std::string message;
@@ -17,9 +17,9 @@ struct GenericResponse {
   bool operator==(const GenericResponse&) const = default;
 };
 
-/// The reply to a location lookup.
+/// The response to a location look-up.
 struct CurrentLocationResponse {
-  /// Where the device seems to be; each name by language or variant, as the server sends it.
+  /// The estimated location; each name by language or variant, as sent by the server.
   struct Place {
     LocalizedText city;
     LocalizedText continent;

@@ -9,7 +9,7 @@
 namespace quillon {
 namespace {
 
-// The answer to permissions that are not the business of the device's permission settings.
+// The answer for permissions outside the device's permission settings.
 std::optional<ConsentStatus> answerAtOnce(const Platform& platform, const VantariKey& key) {
   switch (key.kind()) {
     case VantariKey::custom:
@@ -25,7 +25,7 @@ std::optional<ConsentStatus> answerAtOnce(const Platform& platform, const Vantar
   }
 }
 
-// The status, the wait for its upload and the record of it.
+// Stores the status, marks it pending and appends it to the history.
 void store(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status, DecisionCause cause,
            const DecisionContext& context) {
   const std::string& name = permission.rawValue();
@@ -81,7 +81,7 @@ std::optional<ConsentStatus> PermissionManager::knownConsent(const VantariKey& p
 std::vector<std::pair<VantariKey, ConsentStatus>> PermissionManager::liveStatuses() const {
   std::vector<std::pair<VantariKey, ConsentStatus>> statuses;
   for (const AppPermission& permission : permissions()) {
-    // A key of the SDK's own would let a configuration overwrite identity, token or decisions.
+    // Otherwise a configuration could overwrite identity, token or decisions.
     if (permission.permissionId && !key::isReserved(permission.permissionId->rawValue())) {
       statuses.emplace_back(*permission.permissionId, getConsentByPermission(*permission.permissionId));
     }
@@ -89,7 +89,7 @@ std::vector<std::pair<VantariKey, ConsentStatus>> PermissionManager::liveStatuse
   return statuses;
 }
 
-bool PermissionManager::recordStatuses(const DecisionContext& context) {
+bool PermissionManager::storeStatuses(const DecisionContext& context) {
   const auto statuses = liveStatuses();
   bool changed = false;
   store_.transact([&](StoreTransaction& transaction) {
@@ -153,7 +153,7 @@ void PermissionManager::setConsent(StoreTransaction& transaction, const VantariK
     transaction.set(key::arePermissionsChanged, true);
     transaction.set(key::permissionsChangeTimestamp, context.time);
   }
-  transaction.giveConsents(context.givenType);
+  transaction.setGivenType(context.givenType);
   store(transaction, permission, status, cause, context);
 }
 

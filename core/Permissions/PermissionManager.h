@@ -1,4 +1,4 @@
-// App permissions as consents: what the device says, translated, stored and watched for changes.
+// App permissions as consents: the device's answers, translated, stored and checked for changes.
 #pragma once
 
 #include <cstdint>
@@ -22,32 +22,31 @@ class PermissionManager {
                     std::shared_ptr<const MainConfiguration> configuration)
       : platform_(platform), store_(store), logger_(logger), configuration_(std::move(configuration)) {}
 
-  // What the device says now; a source that fails is logged and counts as not determined. May wait for a source, so
-  // never on the main queue.
+  // The device's current answer; a failing source is logged and gives notDetermined. May wait for a source, so never
+  // call it on the main queue.
   ConsentStatus getConsentByPermission(const VantariKey& vantiriKey) const;
 
-  // What the device is known to say, without waiting; nothing when it is not known yet.
+  // The device's last known answer, without waiting; nullopt when unknown.
   std::optional<ConsentStatus> knownConsent(const VantariKey& permission) const;
 
-  // Stores what changed on the device since the last check and marks it for upload. True when anything did.
+  // Stores changes on the device since the last check and marks them for upload. True when there were any.
   bool checkPermissions(const DecisionContext& context);
 
-  // Stores what the device says now wherever that differs from what is stored. True when anything did.
-  bool recordStatuses(const DecisionContext& context);
+  // Stores the device's current answers where they differ from the stored ones. True when any did.
+  bool storeStatuses(const DecisionContext& context);
 
-  // Every configured permission with a key, in display order, with what the device says now.
+  // Every configured permission with a key, in display order, with the device's current answer.
   std::vector<std::pair<VantariKey, ConsentStatus>> liveStatuses() const;
 
-  // The permissions in display order, each with what the device says now and whether the settings prompt may be
-  // offered.
+  // The permissions in display order, with the device's current answer and whether the settings prompt may be offered.
   std::vector<AppPermission> permissionsWithConsents() const;
 
-  // The pending states as the upload carries them, read from one content of the store.
+  // The pending states as uploaded, from one snapshot of the store.
   std::vector<PermissionConsent> pendingConsents(const StoredValues& stored) const;
 
   bool lists(const VantariKey& permission) const;
 
-  // Writes one state and everything that belongs to it.
+  // Writes one state and all values that depend on it.
   static void setConsent(StoreTransaction& transaction, const VantariKey& permission, ConsentStatus status,
                          DecisionCause cause, const DecisionContext& context);
 
@@ -60,7 +59,7 @@ class PermissionManager {
   const std::shared_ptr<const MainConfiguration> configuration_;
 };
 
-// Whether the document has a settings prompt for the permission.
+// Whether the configuration has a settings prompt for the permission.
 [[nodiscard]] bool hasSettingsPrompt(const MainConfiguration& configuration, const VantariKey& permission);
 
 }  // namespace quillon

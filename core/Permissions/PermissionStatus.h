@@ -1,4 +1,4 @@
-// What a platform says about a permission, in the words that all platforms share.
+// A platform's permission status, in terms common to all platforms.
 #pragma once
 
 #include <string_view>
@@ -25,7 +25,7 @@ enum class PermissionStatus {
 
 [[nodiscard]] std::string_view rawValue(PermissionStatus status) noexcept;
 
-// The consent that a status stands for.
+// The consent for a status.
 [[nodiscard]] ConsentStatus consentStatus(PermissionStatus status) noexcept;
 
 }  // namespace quillon

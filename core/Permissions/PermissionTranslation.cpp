@@ -13,7 +13,7 @@ using Key = VantariKey;
 constexpr std::array standard{ConsentStatus::notDetermined, ConsentStatus::declined, ConsentStatus::declined,
                               ConsentStatus::granted, ConsentStatus::granted};
 
-// The first `count` values follow the standard table, every other one says nothing.
+// The first `count` values follow the standard table; others give notDetermined.
 ConsentStatus below(int count, int value) noexcept {
   return value >= 0 && value < count ? standard[static_cast<std::size_t>(value)] : ConsentStatus::notDetermined;
 }
@@ -23,7 +23,7 @@ ConsentStatus lookedUp(std::span<const PermissionStatus> statuses, int value) no
   return consentStatus(known ? statuses[static_cast<std::size_t>(value)] : PermissionStatus::unknown);
 }
 
-// The sources' own numbers, each in order from 0.
+// The sources' values, in order from 0.
 constexpr std::array notifications{PermissionStatus::notDetermined, PermissionStatus::denied,
                                    PermissionStatus::authorized, PermissionStatus::provisional,
                                    PermissionStatus::ephemeral};
@@ -33,9 +33,9 @@ constexpr std::array speech{PermissionStatus::notDetermined, PermissionStatus::d
                             PermissionStatus::authorized};
 constexpr std::array home{PermissionStatus::notDetermined, PermissionStatus::restricted, PermissionStatus::authorized,
                           PermissionStatus::unknown, PermissionStatus::unknown};
-// Whether the device keeps health data says nothing about whether the application may read it.
+// The availability of health data says nothing about access to it.
 constexpr std::array health{PermissionStatus::notAvailable, PermissionStatus::notDetermined};
-// No sensor, a sensor that may be used, a sensor that may not.
+// No sensor, a usable sensor, an unusable sensor.
 constexpr std::array biometrics{PermissionStatus::notAvailable, PermissionStatus::authorized, PermissionStatus::denied};
 
 }  // namespace

@@ -1,4 +1,4 @@
-// How the numbers and texts of each permission source become a consent.
+// Translates the values of each permission source to a consent.
 #pragma once
 
 #include <optional>
@@ -9,10 +9,10 @@
 
 namespace quillon {
 
-// The meaning of a platform value of the source behind a key; nothing when the device has no such source.
+// The consent for a platform value of the source behind a key; `answer` is nullopt when the device has no such source.
 [[nodiscard]] ConsentStatus consentFromPlatformValue(VantariKey::Case key, std::optional<int> answer) noexcept;
 
-// The meaning of an entry of the application's information dictionary, absent or present.
+// The consent for an entry of the application's information dictionary, absent or present.
 [[nodiscard]] ConsentStatus consentFromInformation(const std::optional<std::string>& entry) noexcept;
 
 }  // namespace quillon

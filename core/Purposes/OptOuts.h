@@ -1,4 +1,4 @@
-// What privacy signals opt users out of.
+// Opt-outs by privacy signals.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@
 
 namespace quillon {
 
-// The purposes that a signal stands for. Immutable.
+// The purposes that a signal opts out of. Immutable.
 class SignalMapping {
  public:
-  // As the application names them, else the configuration. Not essential purposes, which nobody can opt out of, nor
-  // those that app tracking governs: what a user has told the device of this application says more than a signal to all
-  // of them. Without a configuration (null) and a list of the application's it may be any purpose.
+  // As named by the application, else by the configuration. Excludes essential purposes, and those governed by app
+  // tracking: the user's setting for this application is more specific than a signal to all. Without a configuration
+  // (null) and a list of the application, any purpose may be covered.
   SignalMapping(const PrivacySignal& options, const MainConfiguration* configuration);
 
   [[nodiscard]] bool covers(std::int64_t purposeId) const;
@@ -27,14 +27,14 @@ class SignalMapping {
   std::vector<std::int64_t> purposes_;  // sorted
 };
 
-// What holds at one moment: nothing, unless a signal is honoured and on. Thread-safe, immutable.
+// The opt-outs at one moment: none unless a signal is honoured and on. Thread-safe, immutable.
 class OptOuts {
  public:
   OptOuts() = default;
   explicit OptOuts(std::shared_ptr<const SignalMapping> mapping) : mapping_(std::move(mapping)) {}
 
   [[nodiscard]] bool isSignalOn() const noexcept { return mapping_ != nullptr; }
-  // Whether a signal counts as an opt-out of the purpose. Never against the user's own answer. Allocates nothing.
+  // Whether a signal opts out of the purpose. Never overrides the user's own answer. Allocates nothing.
   [[nodiscard]] bool include(std::int64_t purposeId, const StoredValues& stored) const {
     return mapping_ && mapping_->covers(purposeId) && !stored.isAnswered(purposeId);
   }

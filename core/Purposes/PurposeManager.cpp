@@ -9,11 +9,11 @@
 namespace quillon {
 namespace {
 
-// What app tracking makes of the status of a purpose that is bound to it.
+// The status of a purpose bound to app tracking.
 ConsentStatus adjusted(ConsentStatus current, bool hasDecision, bool authorized) {
   if (authorized) return ConsentStatus::granted;
   if (!hasDecision) return ConsentStatus::declined;
-  // A consent that existed is taken back, not declined.
+  // An existing consent is withdrawn, not declined.
   const bool existed = current == ConsentStatus::granted || current == ConsentStatus::withDrawn;
   return existed ? ConsentStatus::withDrawn : ConsentStatus::declined;
 }
@@ -58,7 +58,7 @@ bool PurposeManager::checkPurposes(const DecisionContext& context) {
   const UnitLog log(logger_, unit::purposeManager);
   log(LogLevel::info, "Purposes consent checks executed", "checkPurposes()");
 
-  // The flag is the host process's own; the one that setConsent() writes into the suite is for other readers.
+  // The flag in the host's standard defaults; the one that setConsent() writes into the suite is for other readers.
   const bool flagged = StoredValues(*platform_.store->standardDefaults()->snapshot()).boolean(key::arePurposesChanged);
   bool undecided = false;
   bool signalled = false;
@@ -75,7 +75,7 @@ bool PurposeManager::checkPurposes(const DecisionContext& context) {
       const ConsentStatus before = decision.value_or(transaction.complianceDefault());
       const ConsentStatus status = currentStatus(id, transaction);
       if (isATTMapped(id) && status != before) {
-        // The device decided, not the user: the context says so, and how the consents were given stays as it is.
+        // The device's decision: `context` says so, and how the consents were given stays unchanged.
         setConsent(transaction, {id, status, DecisionCause::trackingStatus}, context);
         changedIds.push_back(id);
       }
@@ -161,7 +161,7 @@ PurposeManager::Resolutions PurposeManager::choices(const std::map<std::int64_t,
   for (const Purpose& purpose : purposes()) {
     if (!purpose.purposeId) continue;
     if (purpose.disableOptOut.value_or(false)) {
-      // The user cannot choose about it; what is shown as active is recorded as granted.
+      // Not the user's choice; what is shown as active is stored as granted.
       resolutions.push_back(decided(*purpose.purposeId, true, DecisionCause::essential, stored));
       continue;
     }
@@ -223,7 +223,7 @@ void PurposeManager::setConsent(StoreTransaction& transaction, const Resolution&
     transaction.set(key::arePurposesChanged, true);
     transaction.set(key::purposesChangeTimestamp, context.time);
   }
-  transaction.giveConsents(context.givenType);
+  transaction.setGivenType(context.givenType);
   transaction.addPendingPurpose(resolution.purposeId);
   transaction.decide(resolution.purposeId, resolution.status, resolution.cause);
 }

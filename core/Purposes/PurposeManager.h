@@ -1,4 +1,4 @@
-// Which consent holds for every purpose of a configuration.
+// The consents of a configuration's purposes.
 #pragma once
 
 #include <cstdint>
@@ -19,26 +19,26 @@ namespace quillon {
 // Thread-safe; all durable state is in the store.
 class PurposeManager {
  public:
-  // Asks the device for the tracking status, so no transaction has to. Platform, store and logger must outlive it; the
-  // configuration may be null, and lists no purposes then.
+  // Queries the tracking status here, so that no transaction has to. Platform, store and logger must outlive it; a null
+  // configuration lists no purposes.
   PurposeManager(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
                  std::shared_ptr<const MainConfiguration> configuration, OptOuts optOuts = {});
 
-  // Brings the purposes that are bound to app tracking in line with its status, and others with privacy signals. True
-  // when a purpose has no consent yet, a consent followed either, or the process's own change flag is set.
+  // Updates the purposes bound to app tracking to its status, and others to privacy signals. True when a purpose has no
+  // consent yet, a consent changed with either, or the process's change flag is set.
   bool checkPurposes(const DecisionContext& context);
 
-  // Brings the purposes in line with privacy signals alone. True when that changed something.
+  // Updates the purposes to privacy signals only. True when a consent changed.
   bool honourSignals(const DecisionContext& context);
 
-  // Whether a signal decides about the purpose.
+  // Whether a privacy signal decides about the purpose.
   bool isOptedOutBySignal(std::int64_t purposeId, const StoredValues& stored) const {
     return optOuts_.include(purposeId, stored);
   }
-  // Whether there is something that a banner would ask, and privacy signals settle all of it.
+  // Whether a banner would ask something, and privacy signals answer all of it.
   bool areSettledBySignal(const StoredValues& stored) const;
 
-  // The purposes in display order, each with its present consent and, when app tracking governs it, marked so.
+  // The purposes in display order with their current consents, marked when governed by app tracking.
   std::vector<Purpose> purposesWithConsents() const;
 
   struct Resolution {
@@ -48,27 +48,27 @@ class PurposeManager {
   };
   using Resolutions = std::vector<Resolution>;
 
-  // What an answer to the banner means for each purpose: all granted or all declined, but essential purposes are
-  // granted and those bound to app tracking follow its status.
+  // The status of each purpose after an answer to the banner: all granted or all declined, except that essential
+  // purposes are granted and those bound to app tracking follow its status.
   Resolutions answer(bool accept, const StoredValues& stored) const;
 
-  // What the choices made in the preference centre mean: granted where true, else declined; essential purposes are
-  // granted, and those bound to app tracking follow its status, which may have changed since they were shown. Other
-  // purposes without a choice are left out.
+  // The status of each purpose after choices in the preference centre: granted where true, else declined; essential
+  // purposes are granted, and those bound to app tracking follow its status, which may have changed since they were
+  // shown. Other purposes without a choice are omitted.
   Resolutions choices(const std::map<std::int64_t, bool>& selected, const StoredValues& stored) const;
 
-  // Whether anything is stored for a purpose that neither app tracking nor a privacy signal has decided.
+  // Whether a purpose decided neither by app tracking nor by a privacy signal has a stored decision.
   bool hasDecisions(const StoredValues& stored) const;
 
-  // Gives every purpose without a decision its default: what app tracking says, granted when essential, else what the
-  // compliance type implies. Answers the given type that goes with it: implicit, or none while a re-consent is being
-  // waited for, which defaults must not answer.
+  // Stores the default of every undecided purpose: the tracking status, granted when essential, else the compliance
+  // type's default. Returns how they were given: implicitly, or noAction while a re-consent is requested, which
+  // defaults must not answer.
   GivenType recordDefaults(StoreTransaction& transaction, DecisionContext context) const;
 
-  // The pending consents as the upload carries them, read from one content of the store.
+  // The pending consents as uploaded, from one snapshot of the store.
   std::vector<PurposeConsent> pendingConsents(const StoredValues& stored) const;
 
-  // Writes one decision and everything that belongs to it.
+  // Writes one decision and all values that depend on it.
   static void setConsent(StoreTransaction& transaction, const Resolution& resolution, const DecisionContext& context);
 
   const std::vector<Purpose>& purposes() const;
@@ -76,9 +76,9 @@ class PurposeManager {
  private:
   bool honourSignals(StoreTransaction& transaction, const DecisionContext& context) const;
   bool isATTMapped(std::int64_t purposeId) const { return attMapped_.contains(purposeId); }
-  // The present status: the decision or the default, then what app tracking makes of it.
+  // The current status: the decision or default, adjusted to app tracking.
   ConsentStatus currentStatus(std::int64_t purposeId, const StoredValues& stored) const;
-  // What comes of a decision of that cause, which tracking may overrule.
+  // The status from a decision of this cause, which tracking may override.
   Resolution decided(std::int64_t purposeId, bool granted, DecisionCause cause, const StoredValues& stored) const;
 
   const Platform& platform_;

@@ -46,7 +46,7 @@ bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const 
   const bool isAllowed = decision ? *decision == ConsentStatus::granted
                                   : terms && terms->allowsUndecided(purposeId) && !stored.boolean(key::lostEntries);
   if (!isAllowed || optOuts.include(purposeId, stored)) return false;
-  // The store tells before there are terms, the terms where they could not be stored.
+  // The store covers the time before there are terms; the terms cover a failed store.
   const bool isBound = stored.isBoundToTracking(purposeId) || (terms && terms->isBoundToTracking(purposeId));
   return !isBound || tracking.authorization() == TrackingAuthorization::authorized;
 }

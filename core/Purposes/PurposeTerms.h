@@ -1,4 +1,4 @@
-// What a configuration says of its purposes, in the form in which applications' questions are answered.
+// A configuration's purposes, prepared for fast queries.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +11,17 @@
 
 namespace quillon {
 
-// The purposes that app tracking governs; none unless the configuration enables that.
+// The purposes governed by app tracking; none unless the configuration enables it.
 [[nodiscard]] std::vector<std::int64_t> purposesBoundToTracking(const MainConfiguration& configuration);
 
 // Immutable.
 class PurposeTerms {
  public:
-  // The type is that of the banner which the configuration has for the user; without one nothing is granted by default.
+  // `type` is that of the user's banner; without one nothing is granted by default.
   PurposeTerms(const MainConfiguration& configuration, std::optional<ComplianceType> type);
 
-  // Whether the purpose may be acted on although nothing was decided about it: it is listed, and essential or not
-  // subject to a question. Allocates nothing.
+  // Whether an undecided purpose may be acted on: it is listed, and essential or of a type that needs no question.
+  // Allocates nothing.
   [[nodiscard]] bool allowsUndecided(std::int64_t purposeId) const;
   [[nodiscard]] bool lists(std::int64_t purposeId) const;
   [[nodiscard]] bool isEssential(std::int64_t purposeId) const;
@@ -35,9 +35,9 @@ class PurposeTerms {
   bool isGrantedByDefault_;
 };
 
-// Whether an application may act on a purpose. Fails closed: without a decision only what the terms in force allow,
-// which are null while there are none, and nothing after a loss of entries; never what is bound to tracking while the
-// device has not authorized that, nor what a privacy signal opts out of. Allocates nothing.
+// Whether an application may act on a purpose. Fails closed: an undecided purpose needs terms (null while none are in
+// force) that allow it, and no lost entries; a purpose bound to tracking also needs the device's authorization; a
+// privacy signal's opt-out denies. Allocates nothing.
 [[nodiscard]] bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const PurposeTerms* terms,
                                     const AppTracking& tracking, const OptOuts& optOuts);
 

@@ -1,4 +1,4 @@
-// The one way in which a task waits for something that is no task.
+// Suspends a task until a callback.
 #pragma once
 
 #include <functional>
@@ -7,9 +7,9 @@
 
 namespace quillon {
 
-// Calls the function with a job and suspends the task that awaits it until that job is run, once and on any thread; the
-// task then goes on on its own executor. A job that is dropped ends the task, with everything that it holds. What the
-// function refers to may be gone as soon as it has given the job away.
+// Calls `start` with a job and suspends the awaiting task until the job runs, once and on any thread; the task resumes
+// on its own executor. Dropping the job destroys the task. What `start` refers to may be gone as soon as it has passed
+// the job on.
 Task<void> suspendedUntilRun(std::move_only_function<void(Job)> start);
 
 }  // namespace quillon

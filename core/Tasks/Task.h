@@ -1,4 +1,4 @@
-// Asynchronous work as coroutines over the executors of the seam.
+// Coroutines on the platform's executors.
 #pragma once
 
 #include <boost/asio/any_io_executor.hpp>
@@ -11,11 +11,11 @@
 
 namespace quillon {
 
-// Work that runs when awaited or started, on the executor that it was started on.
+// A coroutine: runs when awaited or started, on the executor it was started on.
 template <class T>
 using Task = boost::asio::awaitable<T>;
 
-// An executor of the seam in the form that coroutines take. One pointer in size, so that Asio keeps it in place.
+// Adapts a platform executor for Asio. One pointer in size, so that Asio stores it inline.
 class TaskExecutor {
  public:
   explicit TaskExecutor(std::shared_ptr<Executor> executor) : target_(std::make_shared<Target>(std::move(executor))) {}

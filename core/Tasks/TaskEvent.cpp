@@ -32,7 +32,7 @@ Task<void> TaskEvent::wait() {
 }
 
 Task<bool> TaskEvent::waitFor(std::chrono::milliseconds limit, Clock& clock) {
-  const auto first = std::make_shared<TaskEvent>();  // of the signal and the timeout
+  const auto first = std::make_shared<TaskEvent>();  // signalled by whichever comes first
   onSignal([first] { first->signal(); });
   {
     const auto timer = clock.after(limit, [first] { first->signal(); });

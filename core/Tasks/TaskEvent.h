@@ -1,4 +1,4 @@
-// An event that is signalled once, and for which tasks wait.
+// A one-shot event that tasks can await.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@
 
 namespace quillon {
 
-// Thread-safe. A task that waits holds no thread.
+// Thread-safe. Waiting blocks no thread.
 class TaskEvent {
  public:
   void signal();
@@ -25,7 +25,7 @@ class TaskEvent {
   [[nodiscard]] bool hasTimedOut() const;
 
  private:
-  // Runs the job at the signal, or now when that has been given.
+  // Runs the job when signalled; at once if it already is.
   void onSignal(Job job);
 
   mutable std::mutex mutex_;  // guards the members below

@@ -16,7 +16,7 @@ struct TaskGroup::State {
   std::vector<std::promise<void>> waiting;
 };
 
-// Held by a task for as long as it is under way, also when it is dropped without having been finished.
+// Held by a task until it finishes or is dropped.
 class TaskGroup::Ticket {
  public:
   explicit Ticket(std::shared_ptr<State> state) : state_(std::move(state)) {}

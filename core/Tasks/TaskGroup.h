@@ -1,4 +1,4 @@
-// The tasks that one owner has under way.
+// The running tasks of one owner.
 #pragma once
 
 #include <functional>
@@ -9,20 +9,20 @@
 
 namespace quillon {
 
-// Thread-safe. Tasks may outlive the group: what they use they must keep alive themselves.
+// Thread-safe. Tasks may outlive the group, and must keep alive what they use.
 class TaskGroup {
  public:
-  // Tasks run on the executor. What a task throws is handed to the function, in words, from the task's thread.
+  // Tasks run on the executor. Exceptions are passed as text to `onException`, on the task's thread.
   TaskGroup(std::shared_ptr<Executor> executor, std::function<void(const char*)> onException);
 
-  // Starts what the function returns; the function and all that it captured live until the task is over. Does nothing
-  // once the group is closed. Type-erased: one instantiation of what Asio makes of a task instead of one for each call.
+  // Starts the task that the function returns; the function and its captures live until the task ends. Does nothing
+  // once closed. Type-erased, so that Asio's task machinery is instantiated once.
   void start(std::move_only_function<Task<void>()> makeTask);
 
-  // Becomes ready as soon as no task is under way.
+  // Becomes ready when no task is running.
   std::future<void> settled();
 
-  // No task starts from now on.
+  // Prevents further tasks from starting.
   void close();
 
  private:

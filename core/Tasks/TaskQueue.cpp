@@ -10,12 +10,12 @@ namespace quillon {
 
 struct TaskQueue::Line {
   std::mutex mutex;                              // guards the member below
-  std::deque<std::shared_ptr<TaskEvent>> turns;  // the first one's has come
+  std::deque<std::shared_ptr<TaskEvent>> turns;  // the first is signalled
 
   void join(const std::shared_ptr<TaskEvent>& turn) {
     const std::scoped_lock lock(mutex);
     turns.push_back(turn);
-    if (turns.size() == 1) turn->signal();  // nobody waits for it yet
+    if (turns.size() == 1) turn->signal();  // not awaited yet
   }
 
   void leave(const std::shared_ptr<TaskEvent>& turn) {

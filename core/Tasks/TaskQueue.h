@@ -7,17 +7,17 @@
 
 namespace quillon {
 
-// Thread-safe. A task that waits holds no thread.
+// Thread-safe. Waiting blocks no thread.
 class TaskQueue {
   struct Line;
 
  public:
   TaskQueue();
 
-  // A place in the line, held until it is dropped, whether its turn has come by then or not. The last copy counts.
+  // A place in the queue, held until the last copy is dropped, even before its turn.
   class Place {
    public:
-    // Returns when every earlier place has been left.
+    // Waits until all earlier places are released.
     Task<void> turn() const;
 
    private:
@@ -27,7 +27,7 @@ class TaskQueue {
     std::shared_ptr<Held> held_;
   };
 
-  // Takes the next place. The order of these calls is the order of the turns, whenever the tasks get to wait for them.
+  // Takes the next place. Turns follow the order of these calls, whenever tasks begin to wait.
   [[nodiscard]] Place join();
 
  private:

@@ -1,4 +1,4 @@
-// Texts as bytes of ASCII, whatever the locale.
+// ASCII text functions, independent of the locale.
 #pragma once
 
 #include <algorithm>
@@ -33,7 +33,7 @@ namespace quillon {
   return std::ranges::equal(left, right, {}, [](char c) { return lowerCase(c); }, [](char c) { return lowerCase(c); });
 }
 
-// Without blanks, tabs and line breaks at its ends.
+// Without leading and trailing white space.
 [[nodiscard]] constexpr std::string_view trimmed(std::string_view text) noexcept {
   constexpr std::string_view blanks = " \t\r\n";
   const auto first = text.find_first_not_of(blanks);
@@ -44,13 +44,13 @@ namespace quillon {
 inline constexpr std::string_view hexDigits = "0123456789abcdef";
 inline constexpr std::string_view upperHexDigits = "0123456789ABCDEF";
 
-// Of a hexadecimal digit; -1 for another character.
+// The value of a hexadecimal digit; -1 for any other character.
 [[nodiscard]] constexpr int hexValue(char c) noexcept {
   const auto at = hexDigits.find(lowerCase(c));
   return at == std::string_view::npos ? -1 : static_cast<int>(at);
 }
 
-// The two digits of a byte.
+// Appends the two hexadecimal digits of a byte.
 inline void appendHex(std::string& text, char c, std::string_view digits = hexDigits) {
   const auto byte = static_cast<unsigned char>(c);
   text += digits[byte >> 4];

@@ -1,4 +1,4 @@
-// Dates for people to read.
+// Human-readable dates.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-// The day of a time in whole seconds since 1970, such as "2023-11-14", of UTC; the seconds where the calendar ends.
+// The UTC day of a time in seconds since 1970, such as "2023-11-14"; the number of seconds outside the years 0 to 9999.
 [[nodiscard]] std::string dateText(std::int64_t time);
 
 }  // namespace quillon

@@ -6,7 +6,7 @@
 namespace quillon {
 namespace {
 
-// Codes that were retired, which some systems still report.
+// Retired codes that some systems still report.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 3> substitutions{{
     {"iw", "he"},
     {"in", "id"},

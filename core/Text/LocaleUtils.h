@@ -8,17 +8,17 @@
 
 namespace quillon {
 
-// Thread-safe. The device's setting is read once; a change while the process runs is not followed.
+// Thread-safe. The device's setting is read once; later changes are ignored.
 class LocaleUtils {
  public:
-  // The platform must outlive it. A device without any preferred language stops the process at the first question.
+  // The platform must outlive it. Stops the process on first use if the device has no preferred language.
   explicit LocaleUtils(const Platform& platform) noexcept : platform_(platform) {}
 
   // The device's first preferred language, such as "zh-Hant-TW".
   const std::string& preferredLanguage() const;
   // Its part before the first "-".
   std::string languageCode() const;
-  // The same with retired codes replaced.
+  // The language code with retired codes replaced.
   std::string currentLanguageCode() const;
 
  private:

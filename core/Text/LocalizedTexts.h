@@ -1,4 +1,4 @@
-// The text that a user is shown of one that comes in several languages.
+// Selects the language of a localized text.
 #pragma once
 
 #include <string>
@@ -8,8 +8,7 @@
 
 namespace quillon {
 
-// In the language, else in English, else the first there is; empty when there is none. An entry that is empty counts as
-// none.
+// The text in the language, else in English, else the first one; empty when there is none. Empty entries are skipped.
 [[nodiscard]] std::string textIn(std::string_view language, const LocalizedText& text);
 
 }  // namespace quillon

@@ -12,14 +12,14 @@ constexpr bool isBetween(unsigned code, unsigned first, unsigned last) {
   return code >= first && code <= last;
 }
 
-// The code point of a character of two or three bytes; longer ones are never escaped.
+// The code point of a two- or three-byte character; longer ones are never escaped.
 unsigned codeOf(std::string_view character) {
   const auto bits = [&](std::size_t i, unsigned mask) { return static_cast<unsigned char>(character[i]) & mask; };
   if (character.size() == 2) return bits(0, 0x1f) << 6 | bits(1, 0x3f);
   return bits(0, 0x0f) << 12 | bits(1, 0x3f) << 6 | bits(2, 0x3f);
 }
 
-// Control characters above ASCII, line and paragraph separators, and the marks that turn the order of writing.
+// Control characters beyond ASCII, line and paragraph separators, and bidirectional controls.
 bool isUnsafeForTerminal(unsigned code) {
   return isBetween(code, 0x80, 0x9f) || code == 0x61c || isBetween(code, 0x200e, 0x200f) ||
          isBetween(code, 0x2028, 0x202e) || isBetween(code, 0x2066, 0x2069);

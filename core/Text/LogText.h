@@ -1,4 +1,4 @@
-// Texts as they may stand in a log that people read on a terminal.
+// Escaping for logs shown on a terminal.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 
 namespace quillon {
 
-// A value from outside, on one line: line breaks, what terminals obey, what changes the order of writing and what is no
-// UTF-8 become escapes such as \n, \x1b or \u202e. What exceeds 64 KiB is cut and counted.
+// An untrusted value on one line: line breaks, terminal controls, bidirectional controls and invalid UTF-8 are escaped,
+// such as \n, \x1b or \u202e. Beyond 64 KiB it is cut and the size noted.
 [[nodiscard]] std::string escapedForLog(std::string_view value);
 
-// A whole message: the same without the cut, but for its line breaks and tabs, which stay.
+// A whole message: escaped in the same way, but not cut, and with line breaks and tabs kept.
 [[nodiscard]] std::string printableForLog(std::string_view message);
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// JSON inside a script element of a page.
+// JSON for a script element of a page.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace quillon {
 
-// The same JSON, with everything escaped that could end the script element, or a line in older engines. A text of JSON
-// is one of JavaScript then.
+// The JSON with every character escaped that could end the script element, or a line in older engines; the result is
+// valid JavaScript.
 [[nodiscard]] std::string scriptText(std::string_view json);
 
 }  // namespace quillon

@@ -15,7 +15,7 @@ std::size_t utf8Length(std::string_view text) noexcept {
   for (std::size_t i = 1; i < length; ++i) {
     if ((at(i) & 0xC0) != 0x80) return 0;
   }
-  // Overlong forms, surrogates and what lies beyond U+10FFFF.
+  // Rejects overlong forms, surrogates and code points above U+10FFFF.
   const unsigned second = at(1);
   if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) || (lead == 0xF0 && second < 0x90) ||
       (lead == 0xF4 && second > 0x8F)) {

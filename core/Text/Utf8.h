@@ -1,4 +1,4 @@
-// UTF-8 as it must be: no overlong forms, no surrogates, nothing beyond U+10FFFF.
+// Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
 #pragma once
 
 #include <cstddef>
@@ -6,8 +6,7 @@
 
 namespace quillon {
 
-// The length in bytes, one to four, of the character at the start of a text that is not empty; 0 when there is no sound
-// one.
+// The length in bytes (1 to 4) of the first character of a non-empty text; 0 when it is invalid.
 [[nodiscard]] std::size_t utf8Length(std::string_view text) noexcept;
 
 [[nodiscard]] bool isUtf8(std::string_view text) noexcept;

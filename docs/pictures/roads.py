@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws the roads of docs/architecture.md beside this file: who does what, on which thread, in which order.
+"""Draws the sequences of docs/architecture.md beside this file: component, action, thread and order.
 
 usage: docs/pictures/roads.py
 """
@@ -9,43 +9,43 @@ import pathlib
 import textwrap
 
 LANES = ["calling thread", "pool", "server"]
-# Of each road its steps: the lane, who acts, and what it does. A step is reached from the one before it.
+# The steps of each sequence: lane, component, action.
 ROADS = {
     "road-of-a-decision": (
-        "The road of a decision",
+        "The path of a decision",
         [
             (0, "ConsentSDK", "acceptOrReject, set, save: one line each"),
-            (0, "DecisionRecorder", "takes the ticket for the permissions, then writes the purposes"),
-            (0, "UserDefaultManager", "one transaction: statuses, given type, lists of what is pending, history"),
-            (0, "ConsentSDK", "answers: stored, or not; the calls of one thread hold in their order"),
-            (1, "Events", "listeners and gates are told on the main queue, in the order of storing"),
-            (1, "DecisionRecorder", "asks the device for the permissions, ticket by ticket, and stores them"),
-            (1, "ConsentUploader", "is told that something is pending"),
+            (0, "DecisionRecorder", "takes a place in the permission queue, then writes the purposes"),
+            (0, "UserDefaultManager", "one transaction: statuses, given type, pending lists, history"),
+            (0, "ConsentSDK", "returns whether it was stored; calls of one thread take effect in order"),
+            (1, "Events", "listeners and gates are called on the main queue, in the order of storing"),
+            (1, "DecisionRecorder", "queries the device's permissions, in queue order, and stores them"),
+            (1, "ConsentUploader", "uploads the pending decisions"),
         ],
     ),
     "road-of-a-configuration": (
-        "The road of a configuration",
+        "The path of a configuration",
         [
-            (0, "SetUp", "checks the options and begins a session"),
-            (1, "ConfigurationLoader", "joins the load in flight for that session, or begins one"),
-            (1, "ConfigurationCache", "a fresh document of the same address is used without a request"),
-            (2, "ServerApi", "the file of the language, with the entity tag; else the default file"),
-            (1, "ConfigurationLoader", "drops the result when the session is over; else saves it, stamped with its address"),
-            (1, "LocationLookup", "the place, once an hour, where the document has more than one banner"),
+            (0, "SetUp", "validates the options and begins a session"),
+            (1, "ConfigurationLoader", "joins the session's load in flight, or begins one"),
+            (1, "ConfigurationCache", "a fresh document of the same URL is used without a request"),
+            (2, "ServerApi", "the language's file, with the entity tag; else the default file"),
+            (1, "ConfigurationLoader", "drops the result if the session has ended; else saves it with its URL"),
+            (1, "LocationLookup", "the location, once an hour, if the document depends on it"),
             (1, "ConfigurationLoader", "one transaction: compliance type, new purposes, re-consent; in force from now on"),
-            (1, "Events", "ready, or unavailable: told to everybody who asks, newest last"),
+            (1, "Events", "ready or unavailable, reported in order"),
         ],
     ),
     "road-of-an-upload": (
-        "The road of an upload",
+        "The path of an upload",
         [
-            (1, "ConsentUploader", "a second after the last decision, at a check, or when the network is back"),
+            (1, "ConsentUploader", "a second after a decision, at a check, or when the network is back"),
             (1, "StoreTurn", "a lock on a file: one process of the application at a time"),
-            (1, "ConsentUploader", "reads the store once: what is pending and listed, and the newest number of each"),
+            (1, "ConsentUploader", "reads the store once: pending, listed decisions and their newest numbers"),
             (2, "ServerApi", "one request, at most 60 s; the answer is 0, 1 or final"),
-            (1, "ConsentUploader", "settles by number: what was decided later stays pending, whatever its value"),
+            (1, "ConsentUploader", "marks by number: later decisions stay pending, whatever their value"),
             (1, "UserDefaultManager", "one transaction: marks in the history, lists, flag"),
-            (1, "Events", "the outcome is told; what is left is sent at the next occasion"),
+            (1, "Events", "reports the outcome; decisions still pending are sent later"),
         ],
     ),
 }

@@ -1,5 +1,5 @@
-// How an application connects its analytics library to consent mode: one function, handed over before the first use of
-// the SDK. Here the library is a stand-in that prints what it may do.
+// Connects an analytics library to consent mode with one function, passed before the first use of the SDK. The library
+// here is a stand-in that prints what it may do.
 #include <iostream>
 #include <map>
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace {
 
-// Your analytics library. Called from a thread of the SDK's, after every change of a consent and with every
-// configuration; pass the signals on and return.
+// Your analytics library. Called from an SDK thread, after every change of a consent and with every configuration; pass
+// the signals on and return.
 void setConsent(const std::map<std::string, std::string>& signals) {
   for (const auto& [signal, value] : signals) std::cout << signal << ": " << value << '\n';
   std::cout << std::flush;

@@ -1,4 +1,4 @@
-// The application's own state: what it may do, as its pages ask.
+// The application's state, as its pages see it.
 #pragma once
 
 #include <QObject>

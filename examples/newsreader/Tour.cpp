@@ -27,7 +27,7 @@ Tour::Tour(QQuickWindow* window, quillon::ConsentSDK& sdk, QString folder, bool 
       {"news", pressed("Save Changes")},
   };
   if (hasWebView) {
-    // The browser starts for longer than a picture stays the same.
+    // The browser takes longer to start than a picture must stay unchanged.
     steps_.push_back({"refused-link", [this, &sdk, isOpened = false]() mutable {
                         if (!std::exchange(isOpened, true)) sdk.openLink("https://elsewhere.example/");
                         return isShown("This page is blocked");

@@ -1,4 +1,4 @@
-// Walks through every screen as a user would, and leaves pictures.
+// Walks through every screen as a user would, and saves pictures.
 #pragma once
 
 #include <QImage>
@@ -13,20 +13,20 @@
 
 class QAccessibleInterface;
 
-// Controls are found and pressed by way of the accessibility tree, as assistive technology does it.
+// Finds and activates controls through the accessibility tree, as assistive technology does.
 class Tour : public QObject {
   Q_OBJECT
 
  public:
-  // Pictures are written to the folder, which must exist.
+  // Writes pictures to the folder, which must exist.
   Tour(QQuickWindow* window, quillon::ConsentSDK& sdk, QString folder, bool hasWebView);
 
  signals:
-  // With an empty text when every step succeeded.
+  // Called with an empty text when every step succeeded, else with the error.
   void finished(const QString& failure);
 
  private:
-  // A picture is taken when the step's action has succeeded and the window has come to rest.
+  // Takes a picture when the step's action has succeeded and the window has come to rest.
   struct Step {
     QString picture;
     std::function<bool()> act;  // false: not possible yet

@@ -1,5 +1,5 @@
-// A plain C++ application that asks for consent: it sets the SDK up, waits until it is ready, shows a banner when one
-// is due (here: a line of text) and records the answer. Exit status 0 when what it expected happened.
+// A plain C++ application that asks for consent: it sets the SDK up, waits until it is ready, shows a banner when due
+// (here a line of text) and stores the answer. Exit status 0 when everything went as expected.
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -30,7 +30,7 @@ std::string inLanguage(const std::optional<quillon::LocalizedText>& text, const 
   return entry != text->end() ? entry->second : text->empty() ? std::string() : text->begin()->second;
 }
 
-// Ready or unavailable, whichever the SDK arrives at; the steps on the way are printed.
+// Waits for ready or unavailable, printing intermediate statuses.
 quillon::SDKStatus waitUntilLoaded(quillon::ConsentSDK& sdk, bool& fetched) {
   // The state is shared with the callback, which may run once more after this function has returned.
   auto loaded = std::make_shared<std::promise<quillon::SDKStatus>>();
@@ -102,7 +102,7 @@ int main(int argc, char** argv) {
   for (const quillon::Purpose& purpose : sdk.getPurposeConsents().get()) {
     const auto status = purpose.consentStatus.value_or(quillon::ConsentStatus::notDetermined);
     std::cout << "  " << inLanguage(purpose.purposeName, language) << ": " << rawValue(status) << std::endl;
-    // A purpose that is bound to app tracking follows the device's setting instead.
+    // A purpose bound to app tracking follows the device's setting instead.
     if (status != quillon::ConsentStatus::granted && !purpose.isATTMapped.value_or(false)) {
       return fail("an accepted purpose is not granted");
     }

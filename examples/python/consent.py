@@ -44,7 +44,7 @@ def main(library, server, folder):
         return "the options were refused"
 
     ready, answered = threading.Event(), threading.Event()
-    # Callbacks must be kept for as long as the SDK may call them.
+    # Callback objects must be kept as long as the SDK may call them.
     on_status = StatusCallback(lambda status, _: ready.set() if status == READY else None)
     on_stored = StatusCallback(lambda stored, _: answered.set() if stored else None)
     sdk.quillon_is_ready(on_status, None)

@@ -1,4 +1,4 @@
-// How an application tests its own consent flow: on a device in memory, in no time, without a network.
+// Tests an application's consent flow on an in-memory device, instantly and without a network.
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -10,7 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 using quillon::ConsentStatus;
 
-// The part of the application that is under test: it measures only what it may.
+// The code under test: it measures only when allowed.
 class Measuring {
  public:
   explicit Measuring(quillon::ConsentSDK& sdk) : sdk_(sdk) {}

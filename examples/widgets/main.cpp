@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
     if (status == quillon::SDKStatus::ready) sdk.presentBanner();
   });
 
-  // Leaves by itself as soon as the banner lies over the window; fails when it does not come.
+  // Exits as soon as the banner is over the window; fails when it does not appear.
   QTimer look;
   if (arguments.contains("--check")) {
     QObject::connect(&look, &QTimer::timeout, [&] {

@@ -1,8 +1,8 @@
 /// @file
-/// What the consent banner and the preference centre show, and how they look.
+/// Content and appearance of the consent banner and the preference centre.
 ///
-/// All records are plain values with structural equality; an absent optional equals only an absent one. A member named
-/// after its JSON key in camel case is read from that key in snake case; where the key differs, the comment gives it.
+/// All structures are plain values with structural equality. A member is read from the JSON key of the same name in
+/// snake case; a comment gives the key where it differs.
 #pragma once
 
 #include <cstddef>
@@ -20,18 +20,18 @@ namespace quillon {
 /// A text in several languages: language code ("en", "de") to text.
 using LocalizedText = std::map<std::string, std::string, std::less<>>;
 
-/// Texts of the interface per language: language code, then text key; a language may be listed without texts.
+/// Interface texts: language code, then text key. A language may be listed without texts.
 using Translations = std::map<std::string, std::optional<LocalizedText>, std::less<>>;
 
 /// The consent model of a banner.
 enum class ComplianceType {
-  noticeOnly,  ///< "notice-only": the user is told, nothing is asked
-  optIn,       ///< "opt-in": nothing is granted before the user agrees
+  noticeOnly,  ///< "notice-only": the user is informed, not asked
+  optIn,       ///< "opt-in": declined until the user agrees
   optOut,      ///< "opt-out": granted until the user objects
 };
 [[nodiscard]] std::string_view rawValue(ComplianceType value) noexcept;
 
-/// Where the banner sits: "bottom" or "center".
+/// Position of the banner: "bottom" or "center".
 enum class BannerPosition { bottom, center };
 [[nodiscard]] std::string_view rawValue(BannerPosition value) noexcept;
 
@@ -39,7 +39,7 @@ enum class BannerPosition { bottom, center };
 enum class ButtonShape { rounded, square, pill, outlined, edgeless };
 [[nodiscard]] std::string_view rawValue(ButtonShape value) noexcept;
 
-/// An opaque colour in the sRGB space; every component lies between 0 and 1.
+/// An opaque sRGB colour; components from 0 to 1.
 struct Color {
   double red = 0;
   double green = 0;
@@ -48,12 +48,11 @@ struct Color {
   bool operator==(const Color&) const = default;
 };
 
-/// The colour that a configured text means: "#" characters are dropped, the leading hexadecimal digits are read as one
-/// number and its low 24 bits are red, green and blue. There is no short form and no alpha; an unreadable text is
-/// black.
+/// Parses a configured colour: "#" characters are ignored, the leading hexadecimal digits are read as one number, and
+/// its low 24 bits are red, green and blue. No short form, no alpha; an unreadable text is black.
 [[nodiscard]] Color colorFromText(std::string_view text) noexcept;
 
-/// Custom colours ("palette"), each a colour text; the last four are optional.
+/// Custom colours ("palette") as colour texts; the last four are optional.
 struct CustomColors {
   std::string buttonBackground;
   std::string buttonText;
@@ -69,7 +68,7 @@ struct CustomColors {
   std::optional<std::string> purposeDisclaimerBackgroundColor = std::nullopt;  ///< "purpose_disclaimer_background"
 };
 
-/// A font of the screens: family name, size in points and weight (100 thin to 900 black, 400 regular).
+/// A screen font: family name, size in points, weight (100 thin to 900 black, 400 regular).
 struct CustomFont {
   std::string name;
   double size = 0;
@@ -88,7 +87,7 @@ struct BannerConfig {
   std::optional<std::string> name = std::nullopt;
   std::optional<std::string> dsrPortalLink = std::nullopt;
   std::optional<ComplianceType> complianceType = std::nullopt;
-  /// How long an answered banner stays answered: a count, one blank and "month" or "year", such as "12 month".
+  /// How long an answer stays valid: a count, one space and "month" or "year", such as "12 month".
   std::optional<std::string> bannerReappearanceTime = std::nullopt;
   std::optional<std::string> privacyNoticeLink = std::nullopt;
   std::optional<LocalizedText> accept = std::nullopt;
@@ -113,11 +112,11 @@ struct BannerConfig {
   std::optional<std::string> companyLogo = std::nullopt;          ///< base64 text of an image
   std::optional<CustomColors> customPaletteTheme = std::nullopt;  ///< "palette"
   std::optional<bool> shouldShowSettingsPrompt = std::nullopt;
-  /// Not part of the document: texts of the interface, filled when the banner is prepared.
+  /// Not part of the document: interface texts, set when the banner is prepared.
   std::optional<Translations> translations = std::nullopt;
 };
 
-/// All banners of a configuration and the maps by which one is chosen for the user's location.
+/// All banners of a configuration, and the maps that select one by the user's location.
 struct ConsentBannerConfig {
   std::map<std::string, BannerConfig, std::less<>> categories;
   std::map<std::string, std::string, std::less<>> namesMap;

@@ -8,17 +8,16 @@
 
 namespace quillon {
 
-/// An error that carries one message for the user.
+/// An error with one message for the user.
 struct CustomError {
   std::string error;
 
-  /// The message, or "Unexpected Error" when there is none.
+  /// The message, or "Unexpected Error" if it is empty.
   [[nodiscard]] std::string localizedDescription() const { return error.empty() ? "Unexpected Error" : error; }
   bool operator==(const CustomError&) const = default;
 };
 
-/// The state of something that is being loaded: nothing asked yet, loading, a value, or an error.
-/// A value type without any locking.
+/// The state of a load: not requested, loading, a value, or an error. A value type without locking.
 template <class Value>
 class ConsentSDKResult {
  public:
@@ -31,9 +30,9 @@ class ConsentSDKResult {
   static ConsentSDKResult none() { return ConsentSDKResult(State(std::in_place_index<2>)); }
   static ConsentSDKResult loading() { return ConsentSDKResult(State(std::in_place_index<3>)); }
 
-  /// The value of a success, otherwise null. Owned by this object.
+  /// The value of a success, else null. Owned by this object.
   [[nodiscard]] const Value* value() const noexcept { return std::get_if<0>(&state_); }
-  /// The error of a failure, otherwise null. Owned by this object.
+  /// The error of a failure, else null. Owned by this object.
   [[nodiscard]] const CustomError* error() const noexcept { return std::get_if<1>(&state_); }
   [[nodiscard]] bool isNone() const noexcept { return state_.index() == 2; }
   [[nodiscard]] bool isLoading() const noexcept { return state_.index() == 3; }

@@ -1,5 +1,5 @@
 /// @file
-/// The consent value that is used everywhere: in the store, on the wire and in query results.
+/// The consent value used in the store, on the wire and in query results.
 #pragma once
 
 #include <string_view>
@@ -8,13 +8,13 @@
 
 namespace quillon {
 
-/// What the user decided about one purpose, or what the device says about one permission.
-/// The first is what a value-initialised status is: no consent.
+/// The user's decision on a purpose, or the device's answer for a permission. A value-initialised status is
+/// `notDetermined`: no consent.
 enum class ConsentStatus {
-  notDetermined,  ///< "not_determined": nobody has decided yet
+  notDetermined,  ///< "not_determined": not decided yet
   granted,        ///< "granted"
   declined,       ///< "declined"
-  withDrawn,      ///< "withdrawn": a consent that existed was taken back
+  withDrawn,      ///< "withdrawn": an earlier consent was revoked
 };
 
 /// The text under which @p status is stored and uploaded.

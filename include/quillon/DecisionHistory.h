@@ -1,5 +1,5 @@
 /// @file
-/// What was decided, when and how: the record that an application can show, and hand out on a data-subject request.
+/// The history of decisions: an audit record that an application can show, or export for a data-subject request.
 #pragma once
 
 #include <cstdint>
@@ -18,29 +18,29 @@ namespace quillon {
 enum class GivenType {
   explicitly,  ///< "CONSENT_EXPLICIT": the user chose
   implicitly,  ///< "CONSENT_IMPLICIT": a default was recorded
-  noAction,    ///< "CONSENT_NO_ACTION": neither; the device decided, or a default was recorded before a re-consent
+  noAction,    ///< "CONSENT_NO_ACTION": neither: the device decided, or a default was recorded before a re-consent
 };
 [[nodiscard]] std::string_view rawValue(GivenType value) noexcept;
 
-/// Who or what decided.
+/// The cause of a decision.
 enum class DecisionCause {
   user,            ///< "user": a choice on a screen, or ConsentSDK::set()
-  byDefault,       ///< "default": what the compliance type says in the absence of a choice
-  essential,       ///< "essential": the user may not opt out of that purpose
+  byDefault,       ///< "default": the compliance type's default, in the absence of a choice
+  essential,       ///< "essential": users cannot opt out of the purpose
   trackingStatus,  ///< "tracking_status": the purpose is bound to the device's tracking authorization
-  device,          ///< "device": a permission as the device has it
+  device,          ///< "device": the device's answer for a permission
   signal,          ///< "signal": a privacy signal is honoured
-  removed,  ///< "removed": by removeConsents(), or with the end of a signal; told to listeners, never kept in the
+  removed,  ///< "removed": by removeConsents(), or with the end of a signal; reported to listeners, not stored in the
             ///< history
 };
 [[nodiscard]] std::string_view rawValue(DecisionCause value) noexcept;
 
-/// What became of a decision on its way to the application server.
+/// The upload state of a decision.
 enum class UploadOutcome {
-  pending,     ///< "pending": still to be sent
-  uploaded,    ///< "uploaded": the server took it
-  superseded,  ///< "superseded": a later decision on the same subject was sent in its place
-  dropped,     ///< "dropped": no longer pending, though an upload of the application's own did not list the subject
+  pending,     ///< "pending": not yet uploaded
+  uploaded,    ///< "uploaded": accepted by the server
+  superseded,  ///< "superseded": a later decision on the same subject was uploaded instead
+  dropped,     ///< "dropped": no longer pending, but missing from the application's own upload request
 };
 [[nodiscard]] std::string_view rawValue(UploadOutcome value) noexcept;
 
@@ -48,26 +48,26 @@ enum class UploadOutcome {
 struct Decision {
   /// Whole seconds since 1970-01-01T00:00:00Z.
   std::int64_t time = 0;
-  /// Either this is set or `permission`.
+  /// Set for a decision on a purpose; otherwise `permission` is set.
   std::optional<std::int64_t> purposeId = std::nullopt;
   std::optional<VantariKey> permission = std::nullopt;
-  /// What was stored before; nothing when this is the first decision.
+  /// The value stored before; nullopt for the first decision.
   std::optional<ConsentStatus> from = std::nullopt;
   ConsentStatus to = ConsentStatus::notDetermined;
   DecisionCause cause = DecisionCause::user;
   GivenType givenType = GivenType::noAction;
-  /// Of the configuration in force; 0 when there was none yet.
+  /// Version of the configuration in force; 0 before the first one.
   std::int64_t configurationVersion = 0;
   ComplianceType complianceType = ComplianceType::noticeOnly;
-  /// Code of the language in which the user was addressed, such as "de".
+  /// Language code of the user interface, such as "de".
   std::string language = {};
 
   bool operator==(const Decision&) const = default;
 };
 
-/// A decision as it is kept.
+/// A history entry.
 struct HistoryEntry {
-  /// Ascending in the order of the decisions, from 1; begins anew after ConsentSDK::removeConsents().
+  /// Ascending in decision order, from 1; restarts after ConsentSDK::removeConsents().
   std::int64_t number = 0;
   Decision decision;
   UploadOutcome upload = UploadOutcome::pending;
@@ -75,12 +75,12 @@ struct HistoryEntry {
   bool operator==(const HistoryEntry&) const = default;
 };
 
-/// A part of the history.
+/// One page of the history.
 struct HistoryPage {
   std::vector<HistoryEntry> entries;  ///< newest first
-  /// How many kept entries of this part are damaged and therefore left out.
+  /// Number of damaged entries left out of this page.
   std::int64_t damaged = 0;
-  /// For the page that follows; nothing when this is the last one.
+  /// Argument for the next page; nullopt on the last page.
   std::optional<std::int64_t> before = std::nullopt;
 };
 

@@ -1,5 +1,5 @@
 /// @file
-/// Why the banner is due, and why a consent is what it is: for support, logs and developers.
+/// Explanations for support, logs and developers: why the banner is due, and why a consent has its status.
 #pragma once
 
 #include <cstdint>
@@ -12,25 +12,25 @@
 
 namespace quillon {
 
-/// What the answer to ConsentSDK::isBannerDue() follows from.
+/// The reason behind ConsentSDK::isBannerDue().
 enum class BannerReason {
   neverShown,       ///< "never_shown": due
-  unanswered,       ///< "unanswered": due; it was shown and the application ended before an answer
-  reconsent,        ///< "reconsent": due; a newer configuration asks for the consents again
+  unanswered,       ///< "unanswered": due; shown, but the application ended before an answer
+  reconsent,        ///< "reconsent": due; a newer configuration asks for consent again
   intervalOver,     ///< "interval_over": due; the answer has expired
   onScreen,         ///< "on_screen": not due
   answered,         ///< "answered": not due before a date
-  signal,           ///< "signal": not due; a privacy signal is honoured and settles all that there is to ask
-  noConfiguration,  ///< "no_configuration": not due; there is nothing that could be asked
+  signal,           ///< "signal": not due; an honoured privacy signal answers everything it would ask
+  noConfiguration,  ///< "no_configuration": not due; no configuration is in force
 };
 [[nodiscard]] std::string_view rawValue(BannerReason value) noexcept;
 
 struct BannerExplanation {
   bool isDue = false;
   BannerReason reason = BannerReason::neverShown;
-  /// When the answer expires or has expired, whole seconds since 1970-01-01T00:00:00Z; for answered and intervalOver.
+  /// Expiry of the answer, whole seconds since 1970-01-01T00:00:00Z; for answered and intervalOver.
   std::optional<std::int64_t> expires = std::nullopt;
-  /// The version that asks; for reconsent.
+  /// The configuration version that asks again; for reconsent.
   std::optional<std::int64_t> version = std::nullopt;
   /// One English sentence, with dates of UTC.
   std::string text = {};
@@ -39,12 +39,12 @@ struct BannerExplanation {
 };
 
 struct ConsentExplanation {
-  /// What ConsentSDK::get() answers.
+  /// The result of ConsentSDK::get().
   ConsentStatus status = ConsentStatus::notDetermined;
-  /// Nothing when a status is stored that the history does not tell of.
+  /// nullopt when the history has no entry for the stored status.
   std::optional<DecisionCause> cause = std::nullopt;
-  /// When it was decided, whole seconds since 1970-01-01T00:00:00Z; nothing when no decision is known: then the default
-  /// of the compliance type holds, or the history does not tell.
+  /// Time of the decision, whole seconds since 1970-01-01T00:00:00Z; nullopt when the status is the default of the
+  /// compliance type, or the history has no entry for it.
   std::optional<std::int64_t> time = std::nullopt;
   /// One English sentence, with dates of UTC.
   std::string text = {};

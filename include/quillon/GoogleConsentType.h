@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// A signal that analytics libraries obey.
+/// A consent-mode signal, as analytics libraries read it.
 enum class GoogleConsentType {
   analyticsStorage,   ///< "analytics_storage"
   adStorage,          ///< "ad_storage"
@@ -16,7 +16,7 @@ enum class GoogleConsentType {
   adPersonalization,  ///< "ad_personalization"
 };
 
-/// The name of @p type as analytics libraries know it.
+/// The name of @p type in analytics libraries.
 [[nodiscard]] std::string_view rawValue(GoogleConsentType value) noexcept;
 
 }  // namespace quillon

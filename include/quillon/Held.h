@@ -1,5 +1,5 @@
 /// @file
-/// What waits for a consent.
+/// Events held back until a consent.
 #pragma once
 
 #include <chrono>
@@ -15,20 +15,20 @@
 
 namespace quillon {
 
-/// How much is kept, and for how long; what is older or more goes, the oldest first.
+/// Limits on held events; beyond them the oldest are dropped.
 struct HeldLimits {
   std::size_t count = 1000;
   std::chrono::steady_clock::duration age = std::chrono::hours(1);
-  /// The time, for tests; by default that of the machine's steady clock.
+  /// The current time, replaceable in tests. Default: the steady clock.
   std::function<std::chrono::steady_clock::time_point()> now = [] { return std::chrono::steady_clock::now(); };
 };
 
-/// Holds events back until the user has answered: what is handed to it is delivered at once while a purpose is allowed,
-/// kept while it is not and nothing was decided about it, and dropped as soon as the answer is no.
+/// Holds events until the user has decided on a purpose: delivers at once while the purpose is allowed, keeps events
+/// while it is undecided, and drops them when it is refused.
 ///
-/// Thread-safe. Events are delivered in their order, one at a time: on the thread that adds one while the purpose is
-/// allowed, else on the main queue. `deliver` must not throw, and may add further events; nothing is delivered once the
-/// object is gone. The SDK must outlive it.
+/// Thread-safe. Events are delivered in order, one at a time: on the thread that calls add() while the purpose is
+/// allowed, else on the main queue. `deliver` must not throw and may add events. No delivery happens after destruction.
+/// The SDK must outlive this object.
 ///
 /// @code
 /// quillon::Held<std::string> events(sdk, 2, [](std::string event) { std::cout << event << "\n"; });
@@ -40,23 +40,23 @@ class Held {
   Held(ConsentSDK& sdk, std::int64_t purposeId, std::function<void(T)> deliver, HeldLimits limits = {})
       : state_(std::make_shared<State>(sdk, purposeId, std::move(deliver), std::move(limits))),
         gate_(sdk.whileAllowed(
-            purposeId, [state = state_] { state->settle(); }, [state = state_] { state->settle(); })),
-        decisions_(sdk.listenToConsents([state = state_](const Decision&) { state->settle(); })) {}
+            purposeId, [state = state_] { state->deliverAllowed(); }, [state = state_] { state->deliverAllowed(); })),
+        decisions_(sdk.listenToConsents([state = state_](const Decision&) { state->deliverAllowed(); })) {}
   Held(const Held&) = delete;
   Held& operator=(const Held&) = delete;
 
   void add(T event) {
     state_->add(std::move(event));
-    state_->settle();
+    state_->deliverAllowed();
   }
 
-  /// How many events were dropped, be it by an answer or by a limit.
+  /// Number of events dropped, by a refusal or a limit.
   [[nodiscard]] std::size_t dropped() const {
     const std::lock_guard lock(state_->mutex);
     return state_->dropped;
   }
 
-  /// How many wait for an answer.
+  /// Number of events held.
   [[nodiscard]] std::size_t waiting() const {
     const std::lock_guard lock(state_->mutex);
     return state_->events.size();
@@ -74,7 +74,7 @@ class Held {
       dropOld(now);
     }
 
-    // With the lock held.
+    // Requires the lock.
     void dropOld(std::chrono::steady_clock::time_point now) {
       while (!events.empty() && (events.size() > limits.count || now - events.front().first > limits.age)) {
         events.pop_front();
@@ -82,10 +82,11 @@ class Held {
       }
     }
 
-    // One thread at a time delivers; another one that comes meanwhile leaves its event to it.
-    void settle() {
+    // Delivers or drops the held events. One thread at a time: a concurrent caller returns at once and leaves its event
+    // to that thread.
+    void deliverAllowed() {
       std::unique_lock lock(mutex);
-      if (std::exchange(isSettling, true)) return;
+      if (std::exchange(isDelivering, true)) return;
       while (!events.empty()) {
         lock.unlock();
         const bool isAllowed = sdk.isAllowed(purposeId);
@@ -104,7 +105,7 @@ class Held {
         deliver(std::move(event));
         lock.lock();
       }
-      isSettling = false;
+      isDelivering = false;
     }
 
     ConsentSDK& sdk;
@@ -114,11 +115,11 @@ class Held {
     std::mutex mutex;  // guards the members below; never held while others are called
     std::deque<std::pair<std::chrono::steady_clock::time_point, T>> events;
     std::size_t dropped = 0;
-    bool isSettling = false;
+    bool isDelivering = false;
   };
 
   const std::shared_ptr<State> state_;
-  // Dropped first, so that nothing is delivered once this is gone.
+  // Destroyed first, so that nothing is delivered after destruction.
   Listening gate_;
   Listening decisions_;
 };

@@ -1,5 +1,5 @@
 /// @file
-/// What an application can listen to, and how it stops listening.
+/// Events that an application can listen to, and the listener handle.
 #pragma once
 
 #include <cstdint>
@@ -11,14 +11,13 @@
 
 namespace quillon {
 
-/// Keeps one listener listening; dropped, it ends that. A move-only value that may outlive the SDK.
+/// The handle of one listener: destroying it removes the listener. Move-only; may outlive the SDK.
 ///
-/// The listener is called on the main queue, never before the call that added it has returned, once for each event
-/// since then, in the order of the events; one main queue that stands still holds them all up. After the handle is
-/// gone nothing is called any more, also of what was already on its way; dropped on another thread than the main queue
-/// it waits for a call that is under way, so drop it without a lock that the listener takes. A listener may drop its
-/// own handle. The arguments are valid during the call; copy what is to stay. What a listener throws is contained and
-/// logged.
+/// The listener is called on the main queue, never before the call that added it has returned, once per event, in
+/// order. A blocked main queue delays all of them. Once the handle is destroyed no call begins, not even for an event
+/// already queued. Destroying it on a thread other than the main queue waits for a running call, so hold no lock that
+/// the listener takes. A listener may destroy its own handle. Arguments are valid during the call; copy what you keep.
+/// Exceptions are contained and logged.
 class [[nodiscard]] Listening {
  public:
   Listening() noexcept = default;
@@ -33,7 +32,7 @@ class [[nodiscard]] Listening {
   }
   ~Listening() { end(); }
 
-  /// Stops listening now; later calls do nothing.
+  /// Removes the listener now; later calls do nothing.
   void end() noexcept {
     if (const auto stop = std::exchange(end_, nullptr)) stop();
   }
@@ -47,7 +46,7 @@ enum class ScreenKind { banner, preferenceCenter, settingsPrompt, webView };
 /// "banner", "preferenceCenter", "settingsPrompt" or "webView".
 [[nodiscard]] std::string_view rawValue(ScreenKind value) noexcept;
 
-/// A screen came or went.
+/// A screen was shown or closed.
 struct ScreenEvent {
   ScreenKind screen = ScreenKind::banner;
   bool isShown = false;
@@ -57,13 +56,13 @@ struct ScreenEvent {
   bool operator==(const ScreenEvent&) const = default;
 };
 
-/// An upload is over.
+/// An upload attempt ended.
 struct UploadEvent {
-  /// Whether the server took the decisions; else they stay pending.
+  /// Whether the server accepted the decisions; otherwise they stay pending.
   bool isAccepted = false;
-  /// The status in the server's answer; nothing when there was no answer that could be read.
+  /// The status in the server's response; nullopt without a readable response.
   std::optional<std::int64_t> status = std::nullopt;
-  /// The server's own words, or what went wrong. For a log, not for users.
+  /// The server's message, or the error. For a log, not for users.
   std::string message = {};
   /// Whole seconds since 1970-01-01T00:00:00Z.
   std::int64_t time = 0;

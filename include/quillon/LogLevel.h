@@ -1,5 +1,5 @@
 /// @file
-/// Severity of a log message, and the threshold of the logger.
+/// Severity of a log message, and the logger's threshold.
 #pragma once
 
 #include <string_view>

@@ -1,8 +1,8 @@
 /// @file
-/// The consent configuration of an application, as its privacy team publishes it.
+/// The consent configuration document of an application.
 ///
-/// All records are plain values with structural equality; an absent optional equals only an absent one. A member named
-/// after its JSON key in camel case is read from that key in snake case; where the key differs, the comment gives it.
+/// All structures are plain values with structural equality. A member is read from the JSON key of the same name in
+/// snake case; a comment gives the key where it differs.
 #pragma once
 
 #include <cstddef>
@@ -41,19 +41,19 @@ struct Purpose {
   std::optional<LocalizedText> purposeDescription = std::nullopt;
   std::optional<std::vector<SDK>> sdks = std::nullopt;
   std::optional<ConsentStatus> consentStatus = std::nullopt;
-  /// True for an essential purpose, which the user may not opt out of.
+  /// True for an essential purpose: users cannot opt out.
   std::optional<bool> disableOptOut = std::nullopt;
   std::optional<LocalizedText> optOutText = std::nullopt;
   std::optional<bool> hideDetails = std::nullopt;
-  /// Not part of the document: true for a purpose that the device's tracking authorization governs.
+  /// Not part of the document: true for a purpose governed by the device's tracking authorization.
   std::optional<bool> isATTMapped = false;
-  /// Not part of the document: the explanation shown for such a purpose.
+  /// Not part of the document: the explanation shown for a purpose governed by tracking.
   std::optional<LocalizedText> attDescription = std::nullopt;
-  /// Not part of the document: true for a purpose that is off because a privacy signal is honoured.
+  /// Not part of the document: true for a purpose that is off because of a privacy signal.
   bool isOptedOutBySignal = false;
 };
 
-/// A device permission that the application declares.
+/// A device permission declared by the application.
 struct AppPermission {
   std::optional<std::int64_t> id = std::nullopt;
   std::optional<std::string> name = std::nullopt;
@@ -84,7 +84,7 @@ struct SettingsPrompt {
       std::nullopt;  ///< usage-description key to switch
 };
 
-/// Purposes that each consent-mode signal depends on.
+/// The purposes that each consent-mode signal depends on.
 struct DefaultMapping {
   std::optional<std::vector<std::int64_t>> analyticsStorage = std::nullopt;
   std::optional<std::vector<std::int64_t>> adStorage = std::nullopt;
@@ -92,7 +92,7 @@ struct DefaultMapping {
   std::optional<std::vector<std::int64_t>> adPersonalization = std::nullopt;
 };
 
-/// The consent-mode mapping, with overrides by region ("gcm_config").
+/// The consent-mode mapping, with regional overrides ("gcm_config").
 struct GcmConfig {
   std::optional<bool> showGcmDescription = std::nullopt;
   std::optional<LocalizedText> gcmDescription = std::nullopt;
@@ -125,7 +125,7 @@ struct MainConfiguration {
   std::optional<bool> isSettingsPromptEnabled = std::nullopt;  ///< "is_sp_enabled"
   std::optional<bool> isGcmEnabled = std::nullopt;
   std::optional<GcmConfig> gcmConfig = std::nullopt;
-  /// Those that a privacy signal opts out of, where the application honours signals and names none itself.
+  /// The purposes that a privacy signal opts out of, if the application honours signals and names none itself.
   std::optional<std::vector<std::int64_t>> privacySignalPurposes = std::nullopt;
 };
 

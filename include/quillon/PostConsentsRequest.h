@@ -1,5 +1,5 @@
 /// @file
-/// What a consent upload sends to the application server.
+/// The body of a consent upload.
 #pragma once
 
 #include <cstdint>
@@ -14,14 +14,14 @@
 
 namespace quillon {
 
-/// The decision on one purpose.
+/// A decision on one purpose.
 struct PurposeConsent {
   std::int64_t purposeID = 0;
   ConsentStatus consentStatus = ConsentStatus::notDetermined;
-  /// When the decision was recorded, whole seconds since 1970-01-01T00:00:00Z.
+  /// Time of the decision, whole seconds since 1970-01-01T00:00:00Z.
   std::int64_t timestamp = 0;
   bool isEssential = false;
-  /// `signal` where a privacy signal decided; omitted elsewhere.
+  /// `signal` for a privacy signal's decision, else omitted.
   std::optional<DecisionCause> cause = std::nullopt;
 
   bool operator==(const PurposeConsent&) const = default;
@@ -31,25 +31,25 @@ struct PurposeConsent {
 struct PermissionConsent {
   VantariKey permission = VantariKey(std::string());
   ConsentStatus consentStatus = ConsentStatus::notDetermined;
-  /// When the state was recorded, whole seconds since 1970-01-01T00:00:00Z.
+  /// Time of the state, whole seconds since 1970-01-01T00:00:00Z.
   std::int64_t timestamp = 0;
 
   bool operator==(const PermissionConsent&) const = default;
 };
 
-/// One upload: the subject, the application and the decisions that are still to be sent.
+/// One upload: the subject, the application and the pending decisions.
 struct PostConsentsRequest {
   std::string uuid;              ///< the subject identifier
   std::string appUUID;           ///< "app_uuid": the application identifier
   std::string device;            ///< description of the device
   bool implicitConsent = false;  ///< true when the consents are defaults rather than the user's choice
-  std::int64_t version = 0;      ///< version of the configuration that was answered
+  std::int64_t version = 0;      ///< version of the answered configuration
   std::vector<PurposeConsent> purposeConsents;
   std::vector<PermissionConsent> permissions;
   bool testingMode = false;  ///< "is_test_mode"
   std::string adId;          ///< advertising identifier, empty unless tracking is handled
   std::string bannerInfo;    ///< the compliance type of the banner
-  /// The platform family under which the server files consents; the same for every caller.
+  /// The platform family under which the server files consents; always the same.
   static constexpr std::string_view platform = "ios";
   std::optional<std::string> sdkVersion = std::nullopt;  ///< the SDK's own version; omitted when unknown
 

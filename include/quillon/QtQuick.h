@@ -11,23 +11,23 @@ class QQmlEngine;
 
 namespace quillon {
 
-/// How the screens adapt to the user's desktop.
+/// Adaptation of the screens to the user's desktop.
 struct QtQuickOptions {
-  /// Dark surroundings. Default: as the application's palette is when a screen is shown.
+  /// Dark mode. Default: follows the application's palette when a screen is shown.
   std::optional<bool> isDark = std::nullopt;
-  /// Size of text, as a factor; 0.5 to 3 are honoured. Default: the screen's logical density over 96 dots per inch.
+  /// Text scale, clamped to 0.5 to 3. Default: the screen's logical density divided by 96 dots per inch.
   std::optional<double> textScale = std::nullopt;
-  /// Shows and hides screens without motion. Qt does not tell what the user asked the desktop for.
+  /// Disables animations. Qt does not report the desktop's setting.
   bool isMotionReduced = false;
 };
 
-/// What a Qt Quick application calls in place of configure(): the Qt main loop becomes the main queue of
-/// ConsentSDK::shared(), and its screens appear over the application's top-most window, or in a window of their own
-/// when it has none of Qt Quick. `postToMainQueue` of the options is not used.
+/// Replaces configure() in a Qt Quick application. The Qt main loop becomes the main queue of ConsentSDK::shared(), and
+/// screens appear over the application's top-most Qt Quick window, or in a window of their own if there is none.
+/// `postToMainQueue` of the options is ignored.
 ///
-/// Call it on the main thread, after the application object was made and before the first use of shared(). False when
-/// that comes too late: nothing changes then. Whatever the SDK still wants to do on the main queue once the application
-/// object is gone is dropped.
+/// Call it on the main thread, after constructing the application object and before the first use of shared(). Returns
+/// false, changing nothing, when it comes too late. Jobs for the main queue are dropped once the application object is
+/// destroyed.
 ///
 /// @code
 /// QGuiApplication application(argc, argv);
@@ -39,20 +39,19 @@ struct QtQuickOptions {
 /// @endcode
 [[nodiscard]] bool configureQtQuick(LinuxOptions options = {}, QtQuickOptions screens = {});
 
-/// Lets the pages of @p engine place the screens in layouts of their own: after `import Quillon.Consent` there are
-/// `ConsentBanner`, `PreferenceCenter` and `SettingsPrompt`, the last with the property `permission`. They show
-/// @p sdk, one for each engine, whose main queue must be the Qt main loop.
+/// Makes the screens available to pages of @p engine: `import Quillon.Consent` provides `ConsentBanner`,
+/// `PreferenceCenter` and `SettingsPrompt`, the last with the property `permission`. All use @p sdk, one per engine,
+/// whose main queue must be the Qt main loop.
 ///
-/// An element shows that it is loading until the SDK has a configuration, and a failure with a way to try again. It
-/// sends `done()` where a screen of the SDK's own would go away: answered, saved or closed. What becomes of it then is
-/// up to the page; the decision itself is recorded by the SDK. Its implicit height is that of all it shows; given less,
-/// it scrolls.
+/// An element shows a loading state until the SDK has a configuration, and an error with a retry on failure. It emits
+/// `done()` when it was answered, saved or closed; the page decides what becomes of it, and the SDK stores the decision
+/// itself. Its implicit height fits its content; with less, it scrolls.
 ///
-/// Pages ask `Consent.isAllowed(2)` and `Consent.isPermissionAllowed("NSCameraUsageDescription")` before they act, as
-/// ConsentSDK::isAllowed() answers, or follow a purpose with `ConsentGate { purposeId: 2; onAllowed: ...; onDenied: ... }`,
-/// which is ConsentSDK::whileAllowed().
+/// Before acting, pages call `Consent.isAllowed(2)` and `Consent.isPermissionAllowed("NSCameraUsageDescription")`,
+/// which are ConsentSDK::isAllowed(), or use `ConsentGate { purposeId: 2; onAllowed: ...; onDenied: ... }`, which is
+/// ConsentSDK::whileAllowed().
 ///
-/// Call it on the main thread, once for an engine and before its first page is loaded. The SDK outlives the engine.
+/// Call it on the main thread, once per engine and before its first page is loaded. The SDK must outlive the engine.
 ///
 /// @code
 /// QQmlApplicationEngine pages;

@@ -1,21 +1,21 @@
 /// @file
-/// The in-app web view of the screens for Qt Quick.
+/// The in-app web view of the Qt Quick screens.
 #pragma once
 
 namespace quillon {
 
-/// Opens the links of the consent screens within the application, in Qt WebEngine. Without this call, or without the
-/// library that has it, links open nowhere and a warning is logged.
+/// Makes consent screens open links inside the application, in Qt WebEngine. Without this call, or without this
+/// library, links do not open and a warning is logged.
 ///
-/// Call it on the main thread, before the application object is made. False when that comes too late: the engine cannot
-/// be used then, unless the application itself has prepared it (`QtWebEngineQuick::initialize()`).
+/// Call it on the main thread, before the application object is constructed. Returns false when it comes too late: the
+/// web view is then unusable unless the application has called `QtWebEngineQuick::initialize()` itself.
 ///
-/// The engine starts with the first link that is opened, not before. Pages open when their host is one of the
-/// configuration's links, of the application's servers or of WebViewConfig::allowedDomains, and only those can be
-/// reached from there. Nothing that a page stores outlives the sheet.
+/// The engine starts with the first link that is opened. Allowed hosts are those of the configuration's links, of the
+/// application's servers and of WebViewConfig::allowedDomains; pages of other hosts do not open and cannot be reached.
+/// Page storage is discarded when the sheet closes.
 ///
-/// Two switches are added to QTWEBENGINE_CHROMIUM_FLAGS, which hold for all of Qt WebEngine in the process: web
-/// transports are off, and WebRTC uses no UDP. Both would reach the network past the filter.
+/// Adds two switches to QTWEBENGINE_CHROMIUM_FLAGS, which apply to all of Qt WebEngine in the process: they disable
+/// WebTransport, and UDP for WebRTC. Both would bypass the filter.
 ///
 /// @code
 /// quillon::initializeQtWebEngine();

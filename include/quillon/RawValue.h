@@ -1,5 +1,5 @@
 /// @file
-/// Enumerations whose cases have a fixed text on the wire and in the store.
+/// Enumerations with a fixed text on the wire and in the store.
 #pragma once
 
 #include <optional>
@@ -7,9 +7,8 @@
 
 namespace quillon {
 
-/// The case of E whose raw value is exactly @p text (case-sensitive), or nothing when no case has it.
-/// Available for every enumeration of this library that has an overload of rawValue().
-/// Thread-safe, never fails.
+/// The case of E whose raw value is exactly @p text (case-sensitive); nullopt if there is none. Available for every
+/// enumeration of this library with an overload of rawValue(). Thread-safe, never fails.
 ///
 /// @code
 /// std::optional<quillon::ConsentStatus> status = quillon::fromRawValue<quillon::ConsentStatus>("granted");

@@ -1,5 +1,5 @@
 /// @file
-/// The SDK's one diagnostic channel.
+/// The SDK's logger.
 #pragma once
 
 #include <atomic>
@@ -12,18 +12,18 @@ namespace quillon {
 
 class LogContext;
 
-/// Writes one text block for every message at or above its threshold. Hosts may use it for messages of their own.
-/// Thread-safe: blocks of several threads do not mix.
+/// Writes one text block per message at or above its threshold. Applications may log messages of their own.
+/// Thread-safe: blocks of different threads are not interleaved.
 ///
 /// @code
 /// quillon::SDKLogger::shared().log("Reader opened", quillon::LogLevel::info, __func__, __FILE__, __LINE__);
 /// @endcode
 class SDKLogger {
  public:
-  /// The logger of ConsentSDK::shared(). Its threshold is debug until set-up applies the options.
+  /// The logger of ConsentSDK::shared(). The threshold is debug until setup() sets it.
   static SDKLogger& shared();
 
-  /// Used by the SDK itself: applications get theirs from shared() or ConsentSDK::logger().
+  /// For the SDK itself. Applications use shared() or ConsentSDK::logger().
   explicit SDKLogger(LogContext& context) noexcept : context_(context) {}
   SDKLogger(const SDKLogger&) = delete;
   SDKLogger& operator=(const SDKLogger&) = delete;
@@ -31,8 +31,8 @@ class SDKLogger {
   [[nodiscard]] LogLevel logLevel() const noexcept { return logLevel_.load(std::memory_order_relaxed); }
   void setLogLevel(LogLevel level) noexcept { logLevel_.store(level, std::memory_order_relaxed); }
 
-  /// Writes @p message unless @p level lies below the threshold. The function name, the source file (its last path
-  /// component is shown) and the line are written at threshold debug only. Never fails.
+  /// Writes @p message unless @p level is below the threshold. The function name, the source file (last path component)
+  /// and the line are written only at threshold debug. Never fails.
   void log(std::string_view message, LogLevel level, std::string_view functionName, std::string_view fileName,
            int lineNnumber);
 

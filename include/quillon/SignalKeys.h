@@ -1,5 +1,5 @@
 /// @file
-/// What libraries of the advertising trade read in an application.
+/// The keys that advertising libraries read in an application.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,10 @@
 
 namespace quillon {
 
-/// A whole number or a text, whichever the frameworks specify for the key.
+/// An integer or a text, as the frameworks specify per key.
 using SignalValue = std::variant<std::int64_t, std::string>;
 
-/// "IABTCF_..." and "IABGPP_..." with their values, all of one decision.
+/// "IABTCF_..." and "IABGPP_..." keys with their values, all from one state.
 using SignalKeys = std::map<std::string, SignalValue, std::less<>>;
 
 }  // namespace quillon

@@ -1,6 +1,5 @@
 /// @file
-/// What an application tells the signals of the advertising trade at set-up: who it is there, and what its purposes and
-/// components stand for.
+/// Options of the advertising signals: the application's registration, and what its purposes and components map to.
 #pragma once
 
 #include <cstdint>
@@ -12,57 +11,56 @@
 
 namespace quillon {
 
-/// For the Transparency & Consent Framework of Europe.
+/// Options of the Transparency & Consent Framework (Europe).
 struct TcfOptions {
-  /// What a purpose of the configuration stands for in the framework. One of its own purposes that several purposes
-  /// stand for is consented to when all of them are granted.
+  /// What a configured purpose maps to. A framework purpose to which several configured purposes map has consent when
+  /// all of them are granted.
   struct Meaning {
-    std::vector<int> consent = {};             ///< purposes on the basis of consent, 1 to 24
-    std::vector<int> legitimateInterest = {};  ///< purposes on that of a legitimate interest; never 1 and 3 to 6
+    std::vector<int> consent = {};             ///< purposes based on consent, 1 to 24
+    std::vector<int> legitimateInterest = {};  ///< purposes based on legitimate interest; never 1 or 3 to 6
     std::vector<int> specialFeatures = {};     ///< 1 to 12
 
     bool operator==(const Meaning&) const = default;
   };
-  /// By the purpose_id of the configuration.
+  /// Keyed by the configuration's purpose_id.
   std::map<std::int64_t, Meaning> purposes = {};
-  /// The vendor that a component stands for, by its sdk_id in the configuration.
+  /// Vendor id by the component's sdk_id in the configuration.
   std::map<std::int64_t, int> vendors = {};
-  /// The global vendor list, version 3: the document, which the application brings and keeps up to date.
+  /// The global vendor list, version 3, as a JSON document. The application supplies it and keeps it up to date.
   std::string vendorList = {};
   /// Country whose law governs the publisher, such as "DE"; "AA" means unknown.
   std::string publisherCountry = "AA";
-  /// The application's texts are not the standard ones.
+  /// Set when the application's texts are not the standard ones.
   bool useNonStandardTexts = false;
-  /// Purpose 1 is not asked for, as the publisher's law does not demand it.
+  /// Set when the publisher's law does not require consent to purpose 1, so it is not asked for.
   bool purposeOneTreatment = false;
-  /// Tells the publisher's own consents, too: the same purposes, and these of the configuration as its custom ones.
+  /// Adds the publisher's own consents: the standard purposes, and these configured purposes as custom ones.
   std::optional<std::vector<std::int64_t>> customPurposes = std::nullopt;
 
   bool operator==(const TcfOptions&) const = default;
 };
 
-/// For the laws of the United States.
+/// Options of the United States' privacy laws.
 struct UsPrivacyOptions {
-  /// What the Multi-State Privacy Agreement calls its modes.
+  /// The modes of the Multi-State Privacy Agreement (MSPA).
   enum class MspaMode {
     notApplicable,
     optOutOption,
     serviceProvider,
   };
 
-  /// Purposes of the configuration under which data is sold, shared, or used for targeted advertising.
+  /// Configured purposes under which data is sold, shared, or used for targeted advertising.
   std::vector<std::int64_t> sale = {};
   std::vector<std::int64_t> sharing = {};
   std::vector<std::int64_t> targetedAdvertising = {};
-  /// Purposes beyond those that were disclosed.
+  /// Purposes beyond those disclosed.
   std::vector<std::int64_t> additionalProcessing = {};
-  /// Purposes by kind of sensitive data: the prefix of a section, such as "usca", then the number that its table gives
-  /// the kind.
+  /// Purposes by kind of sensitive data: section prefix, such as "usca", then the kind's number in that section.
   std::map<std::string, std::map<int, std::vector<std::int64_t>>, std::less<>> sensitiveData = {};
-  /// Whether the application takes part in that agreement, and in which mode.
+  /// Whether the application participates in the MSPA, and in which mode.
   bool mspaCovered = false;
   MspaMode mspaMode = MspaMode::notApplicable;
-  /// Speaks for all states in the national section, as that agreement allows, instead of in those of the states.
+  /// Uses the national section for all states, as the MSPA allows, instead of the states' sections.
   bool nationalApproach = false;
 
   bool operator==(const UsPrivacyOptions&) const = default;
@@ -70,16 +68,15 @@ struct UsPrivacyOptions {
 
 /// A plain value; fill it with designated initializers in the order given.
 struct SignalOptions {
-  /// The number under which the IAB has registered the consent platform, from 2 to 4095. Without one nothing is
-  /// written.
+  /// The consent platform's IAB registration number, 2 to 4095. Without one no key is written.
   int cmpId = 0;
-  /// The application's own number for its version of the screens, 0 to 4095.
+  /// The application's version number of its screens, 0 to 4095.
   int cmpVersion = 1;
-  /// The application's own number for the screen that asked, 0 to 63.
+  /// The application's number of the screen that asked, 0 to 63.
   int consentScreen = 1;
-  /// Without one the framework of Europe is left out.
+  /// Default: no keys for the European framework.
   std::optional<TcfOptions> tcf = std::nullopt;
-  /// Without one the United States are left out.
+  /// Default: no keys for the United States.
   std::optional<UsPrivacyOptions> us = std::nullopt;
 
   bool operator==(const SignalOptions&) const = default;

@@ -1,5 +1,5 @@
 /// @file
-/// Keeps what libraries of the advertising trade read as the user's decisions are.
+/// Keeps the keys of advertising libraries in step with the user's decisions.
 #pragma once
 
 #include <memory>
@@ -14,27 +14,27 @@ namespace quillon {
 class ConsentSDK;
 class KeyValueSuite;
 
-/// Where the libraries in an application look for their keys: its defaults, which it makes writable for the SDK.
+/// The defaults in which an application's libraries look for their keys, made writable for the SDK.
 class SignalDefaults {
  public:
   virtual ~SignalDefaults() = default;
 
-  /// Makes these the only keys there that isSignalKey() knows, in one transaction: a reader sees all of the former ones
-  /// or all of these. False when it could not; then nothing has changed. Called from any thread, one call at a time;
-  /// what it throws counts as false. Must not use the SDK.
+  /// Replaces all keys for which isSignalKey() is true by these, in one transaction: readers see all old keys or all
+  /// new ones. False, changing nothing, when it fails. Called from any thread, one call at a time; an exception counts
+  /// as false. Must not use the SDK.
   virtual bool replace(const SignalKeys& keys) = 0;
 };
 
-/// Defaults that are a suite of a platform's store ("quillon/platform/KeyValueSuite.h").
+/// Defaults in a suite of a platform's store ("quillon/platform/KeyValueSuite.h").
 [[nodiscard]] std::shared_ptr<SignalDefaults> signalDefaultsIn(std::shared_ptr<KeyValueSuite> suite);
 
-/// Writes the keys of the place where the user is, and no others: at once when it is made, and again after each
-/// decision, removal, re-consent, privacy signal, new configuration or change of place, of this process or another of
-/// the application. What is not known yet is not granted: before a configuration is at hand the keys of an earlier run
-/// are gone. It also gives the pages that run ConsentSDK::consentScript() the interfaces `__tcfapi` and `__gpp`.
+/// Writes the keys for the user's location, and no others: at once on construction, and after each decision, removal,
+/// re-consent, privacy signal, new configuration or change of location, by this process or another of the application.
+/// What is unknown is not granted: before a configuration is available the keys of an earlier run are removed. It also
+/// adds the interfaces `__tcfapi` and `__gpp` to ConsentSDK::consentScript().
 ///
-/// Make it after ConsentSDK::setup(), with ConsentSDKOptions::locationCode where the configuration does not ask for the
-/// place. Thread-safe. With mistakes in the options, which are logged, there are no keys.
+/// Construct it after ConsentSDK::setup(), with ConsentSDKOptions::locationCode if the configuration does not depend on
+/// the location. Thread-safe. Errors in the options are logged, and there are no keys then.
 ///
 /// @code
 /// std::shared_ptr<quillon::SignalDefaults> defaults;  // the application's own
@@ -45,14 +45,14 @@ class SignalDefaults {
 /// @endcode
 class SignalPublisher {
  public:
-  /// The SDK may be destroyed before it: then nothing is written any more.
+  /// The SDK may be destroyed first; nothing is written afterwards.
   SignalPublisher(ConsentSDK& sdk, SignalOptions options, std::shared_ptr<SignalDefaults> defaults);
-  /// Ends it; a call of the defaults that is under way may still go on. The keys stay.
+  /// Stops publishing; a running call of the defaults may still end later. The keys stay.
   ~SignalPublisher();
   SignalPublisher(const SignalPublisher&) = delete;
   SignalPublisher& operator=(const SignalPublisher&) = delete;
 
-  /// What is wrong with the options, one line each.
+  /// Errors in the options, one line each.
   [[nodiscard]] const std::vector<std::string>& mistakes() const noexcept;
 
  private:

@@ -1,5 +1,5 @@
 /// @file
-/// The decisions that the strings of the advertising trade are made from.
+/// The decisions from which the advertising signals are computed.
 #pragma once
 
 #include <chrono>
@@ -10,31 +10,32 @@
 
 namespace quillon {
 
-/// What holds at one moment. A plain value.
+/// A snapshot of the consents. A plain value.
 struct SignalState {
   /// A purpose of the configuration in force.
   struct Purpose {
     std::int64_t id = 0;
-    /// As the application may act on it: a decision or a privacy signal against it, and every doubt, make it false.
+    /// Whether the application may act on the purpose, as ConsentSDK::isAllowed() returns: false on a refusal, an
+    /// opposing privacy signal or any doubt.
     bool isGranted = false;
-    /// The user gave that answer, and no default.
+    /// Answered by the user, not a default.
     bool isExplicit = false;
-    /// The sdk_id of each of its components.
+    /// The sdk_id of each component.
     std::vector<std::int64_t> sdkIds = {};
 
     bool operator==(const Purpose&) const = default;
   };
 
   std::vector<Purpose> purposes = {};
-  /// The user was shown what is asked, and answered or was given the defaults.
+  /// The user was shown the request, and answered it or was given the defaults.
   bool isDisclosed = false;
-  /// When the latest of these decisions was made, in UTC.
+  /// Time of the latest decision, in UTC.
   std::chrono::sys_seconds decidedAt = {};
-  /// In which the user was addressed, such as "de".
+  /// Language of the user interface, such as "de".
   std::string language = {};
-  /// Where the user is, such as "DE" or "US#CA"; nothing while it is not known.
+  /// The user's location, such as "DE" or "US#CA"; nullopt while unknown.
   std::optional<std::string> place = std::nullopt;
-  /// Whether Global Privacy Control is on; nothing when nobody asked for it.
+  /// Whether Global Privacy Control is on; nullopt when it was not queried.
   std::optional<bool> globalPrivacyControl = std::nullopt;
 
   bool operator==(const SignalState&) const = default;

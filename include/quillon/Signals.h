@@ -1,5 +1,5 @@
 /// @file
-/// The strings of the advertising trade that follow from a user's decisions.
+/// The advertising signals (IAB TCF and GPP) computed from a user's decisions.
 #pragma once
 
 #include <memory>
@@ -17,11 +17,10 @@ namespace signals {
 struct SignalRules;
 }
 
-/// What libraries of the advertising trade are told: the IABTCF_ and IABGPP_ keys of an application.
+/// Computes the IABTCF_ and IABGPP_ keys of an application.
 ///
-/// It remembers nothing of a user, so the same state always makes the same keys. Every doubt is a refusal: a purpose
-/// that the configuration lost, a vendor that left the list and a decision that was only a default give no consent.
-/// Thread-safe. Never throws.
+/// Stateless: the same SignalState always gives the same keys. Fails closed: a purpose missing from the configuration,
+/// a vendor missing from the list and a default decision give no consent. Thread-safe. Never throws.
 ///
 /// @code
 /// quillon::SignalOptions options;
@@ -32,20 +31,20 @@ struct SignalRules;
 /// @endcode
 class Signals {
  public:
-  /// Checks the options, the vendor list included: at most 32 MiB, and about 2 ms for 2,000 vendors.
+  /// Validates the options, including the vendor list: at most 32 MiB, about 2 ms for 2,000 vendors.
   explicit Signals(SignalOptions options);
 
-  /// What is wrong with the options, one line each, for the log; then there are no keys. Among it that there is no
-  /// number of a registered consent platform.
+  /// Errors in the options, one line each, for the log; a missing registration number is one. With any error there are
+  /// no keys.
   [[nodiscard]] const std::vector<std::string>& mistakes() const noexcept { return mistakes_; }
 
-  /// The keys that apply at the place of @p state, and no others: all of them belong together. Whoever writes them
-  /// replaces every key that isSignalKey() knows, in one step, so that nobody sees half of them.
+  /// The keys that apply at the location of @p state, and no others. They belong together: replace every key for which
+  /// isSignalKey() is true in one step, so that readers never see a mixture.
   [[nodiscard]] SignalKeys keys(const SignalState& state) const;
 
-  /// What pages in the application's own web view are told: `__tcfapi` and `__gpp`, for the page and its frames. Run it
-  /// before the page's own scripts, and again in the same page after a change, of which it tells the page's listeners.
-  /// It is safe inside a script element. Empty when there are mistakes.
+  /// A script with the interfaces `__tcfapi` and `__gpp` for pages in the application's own web view and their frames.
+  /// Run it before the page's own scripts, and again in the same page after a change, which it reports to the page's
+  /// listeners. Safe inside a script element. Empty when there are errors in the options.
   [[nodiscard]] std::string pageScript(const SignalState& state) const;
 
  private:
@@ -53,7 +52,7 @@ class Signals {
   std::shared_ptr<const signals::SignalRules> rules_;  // null when there are mistakes
 };
 
-/// Whether a key is of those that keys() makes.
+/// Whether keys() may produce this key.
 [[nodiscard]] bool isSignalKey(std::string_view key) noexcept;
 
 }  // namespace quillon

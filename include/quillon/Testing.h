@@ -1,5 +1,5 @@
 /// @file
-/// A device in memory, on which an application tests its consent flow without a network, a display or waiting.
+/// An in-memory device for testing an application's consent flow without network, display or waiting.
 #pragma once
 
 #include <chrono>
@@ -16,7 +16,7 @@
 
 namespace quillon::testing {
 
-/// What the SDK asked a server.
+/// A request that the SDK sent.
 struct Request {
   std::string method;
   std::string url;
@@ -24,19 +24,19 @@ struct Request {
   std::string body;
 };
 
-/// What a server answers.
+/// A server's response.
 struct Response {
   int status = 200;
   std::string body = {};
 };
 
-/// A device with an application on it: its store, files, servers, clock, permissions and screens. Everything lives in
-/// memory, and time passes only when the test says so.
+/// An in-memory device: store, files, servers, clock, permissions and screens. Time passes only when the test advances
+/// it.
 ///
-/// The SDK works on a thread of the device's. Its callbacks come on the thread that calls settle() or advance(), which
-/// stands for the application's main loop; futures may be waited for anywhere. All members are thread-safe.
+/// The SDK works on a thread of the device. Callbacks run on the thread that calls settle() or advance(), which stands
+/// for the application's main loop; any thread may wait for futures. All members are thread-safe.
 ///
-/// The device answers as its servers do: the published configuration, no location, and every upload accepted.
+/// The servers return the published configuration and no location, and accept every upload.
 ///
 /// @code
 /// quillon::testing::Device device;
@@ -48,9 +48,9 @@ struct Response {
 /// @endcode
 class Device {
  public:
-  /// @param now the wall time, by default noon of 1 January 2025 UTC
+  /// @param now the wall time; default noon of 1 January 2025 UTC
   explicit Device(std::chrono::sys_seconds now = std::chrono::sys_seconds(std::chrono::seconds(1'735'732'800)));
-  /// Every SDK over the device must be gone before, that of services() excepted, which stands still from now on.
+  /// Every SDK on this device must be destroyed before, except that of services(), which stops.
   ~Device();
   Device(const Device&) = delete;
   Device& operator=(const Device&) = delete;
@@ -58,26 +58,26 @@ class Device {
   /// @name The application
   /// @{
 
-  /// An SDK over this device, as after a start of the application; destroy it and launch another one to start again
-  /// with what was stored.
+  /// Starts the application: an SDK on this device. To restart it with what was stored, destroy the SDK and launch
+  /// another.
   [[nodiscard]] std::unique_ptr<ConsentSDK> launch() const;
-  /// For an application that uses ConsentSDK::shared(): makes it live on this device, for the rest of the process.
+  /// For applications that use ConsentSDK::shared(): puts it on this device, for the rest of the process.
   ///
   /// @code
   /// const auto services = device.services();
   /// if (!quillon::configure({.applicationId = "test", .replaceServices = services})) std::cerr << "too late\n";
   /// @endcode
   [[nodiscard]] std::function<void(Platform&)> services() const;
-  /// Options that lead to the device's servers; change what the test is about.
+  /// Options with the addresses of the device's servers; change what the test is about.
   [[nodiscard]] ConsentSDKOptions options() const;
   /// @}
 
   /// @name Work and time
   /// @{
 
-  /// Returns when nothing is under way any more, after every callback that was due has run.
+  /// Returns when all running work has ended and every due callback has run.
   void settle();
-  /// Lets time pass: every timer fires at its time, and what it began is over before the next one.
+  /// Advances the clock: every timer fires at its time, and the work it started ends before the next one fires.
   void advance(std::chrono::milliseconds time);
   [[nodiscard]] std::chrono::sys_seconds now() const;
   /// @}
@@ -85,44 +85,44 @@ class Device {
   /// @name Network
   /// @{
 
-  /// The configuration that is published from now on, whatever its language. Before, there is none (status 404).
+  /// Publishes a configuration for every language. Before the first one the server returns 404.
   void publish(std::string configuration);
-  /// Where the location look-up finds the device: ISO codes such as "US" and "CA".
+  /// The location that the look-up returns, as ISO codes such as "US" and "CA".
   void setLocation(const std::string& country, const std::string& state);
-  /// Without a network every request fails; the SDK is told of each change.
+  /// Sets network availability; offline, every request fails. The SDK is notified of each change.
   void setOnline(bool isOnline);
-  /// Answers before the device does: a response, or nothing to let the device answer. Called from the SDK's thread with
-  /// every request that has a network; must not use the device. An empty function ends it.
+  /// Overrides the device's responses; nullopt leaves a request to the device. Called on the SDK's thread for every
+  /// request made while online; must not use the device. An empty function removes the override.
   void answer(std::function<std::optional<Response>(const Request& request)> script);
-  /// Every request since the device was made, in order.
+  /// All requests since construction, in order.
   [[nodiscard]] std::vector<Request> requests() const;
-  /// The bodies (JSON) of the consent uploads among them.
+  /// The JSON bodies of the consent uploads.
   [[nodiscard]] std::vector<std::string> uploads() const;
   /// @}
 
   /// @name Device
   /// @{
 
-  /// What the device says about a permission from now on. False when no answer of it means that: then nothing changes.
-  /// A device never says `withDrawn`.
+  /// Sets the device's answer for a permission. Returns false, changing nothing, when no answer of that permission's
+  /// source means this status; `withDrawn` never does.
   bool setPermission(const VantariKey& permission, ConsentStatus status);
-  /// Whether the user has asked all applications of the device for privacy; see ConsentSDKOptions::privacySignal.
+  /// Sets whether the user has asked all applications of the device for privacy; see ConsentSDKOptions::privacySignal.
   void setPrivacySignal(bool isOn);
-  /// The languages of the device, best first, for the next launch. Default: "en".
+  /// The device's preferred languages, best first, for the next launch. Default: "en".
   void setLanguages(std::vector<std::string> languages);
-  /// On a full disk no decision can be stored and no configuration saved; what is there can be read.
+  /// On a full disk, decisions and configurations cannot be stored; stored ones can be read.
   void setDiskFull(bool isFull);
   /// @}
 
   /// @name What the SDK did
   /// @{
 
-  /// The screens that were asked for since the last call, in order: "banner", "preferences", "prompt KEY", "link URL",
-  /// "dismiss", "dismiss banner" or "settings".
+  /// The screens requested since the last call, in order: "banner", "preferences", "prompt KEY", "link URL", "dismiss",
+  /// "dismiss banner" or "settings".
   [[nodiscard]] std::vector<std::string> takeScreens();
-  /// The consent-mode signals that the analytics library was given last, by name: "granted" or "denied".
+  /// The consent-mode signals last passed to the analytics library, by name: "granted" or "denied".
   [[nodiscard]] std::map<std::string, std::string> consentMode() const;
-  /// Everything that was logged.
+  /// The complete log.
   [[nodiscard]] std::string log() const;
   /// @}
 

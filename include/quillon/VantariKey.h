@@ -7,8 +7,8 @@
 
 namespace quillon {
 
-/// Which device permission is meant: one of 28 known usage-description keys, or any other text (`custom`).
-/// A value type; two keys are equal when their raw values are.
+/// A device permission: one of 28 known usage-description keys, or any other text (`custom`). A value type; keys are
+/// equal when their raw values are.
 ///
 /// @code
 /// sdk.get(quillon::VantariKey::cameraUsageDescription);
@@ -16,7 +16,7 @@ namespace quillon {
 /// @endcode
 class VantariKey {
  public:
-  /// Scoped, so that a key is never taken for a number.
+  /// Scoped, so that a key does not convert to a number.
   enum class Case {
     locationWhenInUseUsageDescription,
     locationAlwaysUsageDescription,
@@ -50,9 +50,9 @@ class VantariKey {
   };
   using enum Case;
 
-  /// A known key. For `custom` use the constructor that takes a text.
+  /// A known key. For `custom`, use the constructor that takes a text.
   VantariKey(Case known);
-  /// The key with this raw value; `custom` when it is none of the known ones.
+  /// The key with this raw value; `custom` unless it is a known one.
   explicit VantariKey(std::string rawValue);
 
   [[nodiscard]] Case kind() const noexcept { return kind_; }

@@ -42,7 +42,7 @@ class AsioExecutors::HostQueue : public Executor, public std::enable_shared_from
 
   void post(Job job) override {
     if (closed_) return;
-    // The host's function takes copyable jobs, ours are not.
+    // The host's function takes copyable jobs; ours are move-only.
     contained([&] {
       postToMain_([self = shared_from_this(), job = std::make_shared<Job>(std::move(job))] {
         if (!self->closed_) contained(*job);

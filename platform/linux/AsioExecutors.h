@@ -1,4 +1,4 @@
-// Work on a pool of threads and on the host's main loop.
+// Executors on a thread pool and the host's main loop.
 #pragma once
 
 #include <cstddef>
@@ -12,18 +12,17 @@ namespace quillon {
 
 class WorkPool;
 
-// Thread-safe. Queues stay valid when their owner is gone; what is posted to them then is dropped. The owner's end
-// drops jobs that have not begun and waits for those under way on its threads, except for the one that causes it; a
-// pool that others share ends with its last owner.
+// Thread-safe. Queues outlive their owner; jobs posted afterwards are dropped. The destructor drops jobs that have not
+// begun and waits for running ones, except the one that causes it; a shared pool ends with its last owner.
 class AsioExecutors : public Executors {
  public:
-  // Hands a job to the host's main loop, which runs it later, in order.
+  // Posts a job to the host's main loop, which runs jobs later, in order.
   using PostToMain = std::function<void(std::function<void()> job)>;
 
-  // Without a function of the host's a thread of our own serves as the main queue. Throws std::system_error when the
-  // system has no thread left.
+  // Without a host function, a thread of its own serves as the main queue. Throws std::system_error when out of
+  // threads.
   explicit AsioExecutors(std::shared_ptr<WorkPool> pool, PostToMain postToMain = nullptr);
-  // With a pool of its own.
+  // With its own pool.
   explicit AsioExecutors(PostToMain postToMain = nullptr, std::size_t threads = 2);
   ~AsioExecutors() override;
 
@@ -35,8 +34,8 @@ class AsioExecutors : public Executors {
   class HostQueue;
 
   std::shared_ptr<WorkPool> pool_;
-  std::unique_ptr<WorkPool> mainThread_;  // one of these two
-  std::shared_ptr<HostQueue> hostQueue_;  // is the main queue
+  std::unique_ptr<WorkPool> mainThread_;  // the main queue is either this
+  std::shared_ptr<HostQueue> hostQueue_;  // or this
 };
 
 }  // namespace quillon

@@ -32,7 +32,7 @@ bool hasControl(std::string_view text) {
   return std::ranges::any_of(text, isControl);
 }
 
-// What HTTP allows in methods and header names.
+// A token in HTTP's grammar, as in methods and header names.
 bool isToken(std::string_view text) {
   static constexpr std::string_view marks = "!#$%&'*+-.^_`|~";
   return !text.empty() && std::ranges::all_of(text, [](char c) {
@@ -44,7 +44,7 @@ bool sameName(std::string_view left, std::string_view right) {
   return !HeaderNameLess()(left, right) && !HeaderNameLess()(right, left);
 }
 
-// Headers that tell who asks are for the origin that was asked.
+// Headers that identify the client are sent to the requested origin only.
 bool isCredential(std::string_view name) {
   return sameName(name, "X-Auth-Token") || sameName(name, "Authorization") || sameName(name, "Cookie");
 }
@@ -90,23 +90,23 @@ bool CurlExchange::prepareHop() {
   set(CURLOPT_PRIVATE, this);
   set(CURLOPT_ERRORBUFFER, errorText_.data());
   set(CURLOPT_NOSIGNAL, 1L);
-  set(CURLOPT_QUICK_EXIT, 1L);  // a name server that does not answer keeps nobody from leaving
+  set(CURLOPT_QUICK_EXIT, 1L);  // an unresponsive name server must not delay process exit
 
   set(CURLOPT_URL, url_.c_str());
   set(CURLOPT_PROTOCOLS_STR, "http,https");
-  set(CURLOPT_FOLLOWLOCATION, 0L);  // libcurl would take custom headers along to another host
+  set(CURLOPT_FOLLOWLOCATION, 0L);  // libcurl would send custom headers to another host
   set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   set(CURLOPT_SSL_VERIFYPEER, 1L);
   set(CURLOPT_SSL_VERIFYHOST, 2L);
   set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  set(CURLOPT_FRESH_CONNECT, 1L);  // exchanges are rare; none leaves an idle connection in the host's process
+  set(CURLOPT_FRESH_CONNECT, 1L);  // exchanges are rare: keep no idle connection in the host's process
   set(CURLOPT_FORBID_REUSE, 1L);
-  if (origin_.isLoopback()) set(CURLOPT_PROXY, "");  // else as the environment says
+  if (origin_.isLoopback()) set(CURLOPT_PROXY, "");  // otherwise the environment's proxy
 
   const auto left = std::chrono::ceil<milliseconds>(deadline_ - steady_clock::now());
-  set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::max(left, milliseconds(1)).count()));  // zero would mean for ever
+  set(CURLOPT_TIMEOUT_MS, static_cast<long>(std::max(left, milliseconds(1)).count()));  // 0 means no limit
   set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(milliseconds(connectLimit).count()));
-  set(CURLOPT_LOW_SPEED_LIMIT, 0L);  // a server may think for as long as the request may take; see onHeader()
+  set(CURLOPT_LOW_SPEED_LIMIT, 0L);  // no limit before the first header; see onHeader()
 
   if (request_.body) {
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body->size()));
@@ -118,7 +118,7 @@ bool CurlExchange::prepareHop() {
   if (sameName(request_.method, "HEAD")) set(CURLOPT_NOBODY, 1L);
   set(CURLOPT_CUSTOMREQUEST, request_.method.c_str());
   set(CURLOPT_HTTPHEADER, headers_.get());
-  set(CURLOPT_ACCEPT_ENCODING, "");  // all that libcurl can undo
+  set(CURLOPT_ACCEPT_ENCODING, "");  // all encodings that libcurl supports
 
   set(CURLOPT_HEADERFUNCTION, &CurlExchange::onHeader);
   set(CURLOPT_HEADERDATA, this);
@@ -133,10 +133,10 @@ CurlExchange::HeaderList CurlExchange::headerList() const {
   const auto append = [&list](const std::string& line) {
     curl_slist* longer = curl_slist_append(list.get(), line.c_str());
     if (longer == nullptr) return false;
-    if (!list) list.reset(longer);  // later lines are appended to the list it owns
+    if (!list) list.reset(longer);  // later calls append to the owned list
     return true;
   };
-  if (!append("Expect:")) return nullptr;  // a name without a value keeps libcurl from adding its own
+  if (!append("Expect:")) return nullptr;  // an empty value stops libcurl from adding its own
   for (const char* name : {"Accept", "Content-Type"}) {
     if (!request_.headers.contains(name) && !append(std::string(name) + ':')) return nullptr;
   }
@@ -199,7 +199,7 @@ TransportError CurlExchange::failure(CURLcode code) const {
         number == 0 ? curl_easy_strerror(code) : strerror_r(static_cast<int>(number), buffer.data(), buffer.size());
     return {Kind::unreachable, "Could not connect to " + origin_.host + " port " + origin_.port + ": " + reason};
   }
-  // The detailed text about a proxy would quote its address, with the password that may stand in it.
+  // libcurl's detailed text quotes the proxy's address, which may contain a password.
   const bool detailed = errorText_[0] != '\0' && code != CURLE_COULDNT_RESOLVE_PROXY;
   std::string text = detailed ? errorText_.data() : curl_easy_strerror(code);
   std::ranges::replace_if(text, isControl, ' ');
@@ -214,21 +214,21 @@ TransportError CurlExchange::failure(CURLcode code) const {
 }
 
 void CurlExchange::complete(Outcome outcome) noexcept {
-  easy_.reset();  // who is told that it is over may leave the process, and libcurl must not be at work then
+  easy_.reset();  // the completion may exit the process, and libcurl must be idle then
   contained([&] { completion_(std::move(outcome)); });
 }
 
 std::size_t CurlExchange::onHeader(char* /*bytes*/, std::size_t size, std::size_t count, void* self) {
   auto& exchange = *static_cast<CurlExchange*>(self);
   if (exchange.headerBytes_ == 0) {
-    // It has begun to answer: from here on silence is a stall.
+    // The response has begun: from now on, silence is a stall.
     curl_easy_setopt(exchange.handle(), CURLOPT_LOW_SPEED_LIMIT, stallBytesPerSecond);
     curl_easy_setopt(exchange.handle(), CURLOPT_LOW_SPEED_TIME, stallSeconds);
   }
   exchange.headerBytes_ += size * count;
   if (exchange.headerBytes_ <= mostHeaderBytes) return size * count;
   exchange.tooLarge_ = true;
-  return 0;  // libcurl gives up
+  return 0;  // aborts the transfer
 }
 
 std::size_t CurlExchange::onBody(char* bytes, std::size_t size, std::size_t count, void* self) {

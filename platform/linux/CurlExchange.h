@@ -1,4 +1,4 @@
-// One HTTP exchange on a libcurl handle, from the first hop to the last.
+// One HTTP exchange on a libcurl handle, including redirects.
 #pragma once
 
 #include <curl/curl.h>
@@ -16,16 +16,16 @@
 
 namespace quillon {
 
-// Used by one thread at a time. Whoever drives the handle calls prepareHop, lets libcurl perform, calls afterHop, and
-// goes round again for as long as that answers nothing.
+// Used by one thread at a time. Its driver calls prepareHop(), lets libcurl perform, calls afterHop(), and repeats
+// while that returns nullopt.
 class CurlExchange {
  public:
   using Outcome = std::expected<HttpResponse, TransportError>;
 
-  // The origin that the request is meant for, or why it must not be sent.
+  // The request's origin, or the reason why it must not be sent.
   static std::expected<HttpOrigin, TransportError> admit(const HttpRequest& request);
 
-  // The time allowed for the exchange begins here.
+  // The request's timeout starts here.
   CurlExchange(HttpRequest request, HttpOrigin origin, std::stop_token stop, HttpSession::Completion completion);
   CurlExchange(const CurlExchange&) = delete;
   CurlExchange& operator=(const CurlExchange&) = delete;
@@ -33,13 +33,13 @@ class CurlExchange {
   [[nodiscard]] CURL* handle() const { return easy_.get(); }
   [[nodiscard]] const std::stop_token& stop() const { return stop_; }
 
-  // Sets the handle for the current address; false when libcurl cannot do what we insist on.
+  // Prepares the handle for the current URL; false when libcurl cannot meet the requirements.
   [[nodiscard]] bool prepareHop();
 
-  // What the exchange came to; nothing when another hop is to follow.
+  // The outcome; nullopt when another hop follows.
   [[nodiscard]] std::optional<Outcome> afterHop(CURLcode code);
 
-  // Call once, last.
+  // Call exactly once, last.
   void complete(Outcome outcome) noexcept;
 
  private:
@@ -74,7 +74,7 @@ class CurlExchange {
   bool tooLarge_ = false;
   std::array<char, CURL_ERROR_SIZE> errorText_{};
   HeaderList headers_;
-  std::unique_ptr<CURL, FreeEasy> easy_;  // last, so that libcurl lets go of the rest first
+  std::unique_ptr<CURL, FreeEasy> easy_;  // last: destroyed first, as libcurl uses the other members
 };
 
 }  // namespace quillon

@@ -16,7 +16,7 @@ namespace {
 
 using Kind = TransportError::Kind;
 
-constexpr int longestPollMilliseconds = 60'000;  // wake-ups come in between; libcurl's own timers shorten it
+constexpr int longestPollMilliseconds = 60'000;  // woken earlier by curl_multi_wakeup() and libcurl's timers
 
 std::unexpected<TransportError> failed(Kind kind, std::string description) {
   return std::unexpected(TransportError{kind, std::move(description)});
@@ -28,10 +28,10 @@ std::unexpected<TransportError> cancelled() {
 
 void initialiseCurlOnce() {
   static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
-  static_cast<void>(code);  // a failure shows when the handles cannot be made
+  static_cast<void>(code);  // a failure shows when handles cannot be created
 }
 
-// A closed connection must not end the process. Blocked, the signal stays with this thread and vanishes with it.
+// A closed connection must not terminate the process. The signal stays pending on this thread.
 void blockBrokenPipeSignal() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -41,7 +41,7 @@ void blockBrokenPipeSignal() {
 
 }  // namespace
 
-// What the session and its thread share.
+// The state shared by the session and its thread.
 class CurlHttpSession::Loop {
  public:
   Loop() {
@@ -49,7 +49,7 @@ class CurlHttpSession::Loop {
     multi_.reset(curl_multi_init());
   }
 
-  // Without a wake-up a stop request could not be kept, so such a loop is not used at all.
+  // Without wake-ups a stop request could not be honoured, so such a loop is not used.
   [[nodiscard]] bool isUsable() const { return multi_ && curl_multi_wakeup(multi_.get()) == CURLM_OK; }
 
   void add(std::unique_ptr<CurlExchange> exchange) {
@@ -58,7 +58,7 @@ class CurlHttpSession::Loop {
     curl_multi_wakeup(multi_.get());
   }
 
-  // Ends the thread, which completes everything as cancelled.
+  // Ends the thread, which completes all exchanges as cancelled.
   void close() {
     const std::lock_guard lock(mutex_);
     closed_ = true;
@@ -67,11 +67,11 @@ class CurlHttpSession::Loop {
 
   void run() {
     blockBrokenPipeSignal();
-    while (adopt()) {
+    while (takeIncoming()) {
       cancelStopped();
       int running = 0;
       CURLMcode code = curl_multi_perform(multi_.get(), &running);
-      harvest();
+      processFinished();
       if (code == CURLM_OK) code = curl_multi_poll(multi_.get(), nullptr, 0, longestPollMilliseconds, nullptr);
       if (code != CURLM_OK) abandonAll(failed(Kind::unreachable, curl_multi_strerror(code)));
     }
@@ -86,14 +86,14 @@ class CurlHttpSession::Loop {
   struct FreeMulti {
     void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
   };
-  // An exchange under way. The members go away in an order that leaves nobody with a dangling handle.
+  // A running exchange. The order of the members avoids dangling handles.
   struct Active {
     std::unique_ptr<CurlExchange> exchange;
     std::unique_ptr<std::stop_callback<Wake>> wakeOnStop;
   };
 
-  // Begins what was sent since; false when the session has ended.
-  bool adopt() {
+  // Starts requests sent since the last call; false when the session is closed.
+  bool takeIncoming() {
     std::vector<std::unique_ptr<CurlExchange>> fresh;
     bool closed = false;
     {
@@ -122,8 +122,8 @@ class CurlHttpSession::Loop {
     }
   }
 
-  // Takes what libcurl has done with.
-  void harvest() {
+  // Handles transfers that libcurl has finished.
+  void processFinished() {
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
       if (message->msg != CURLMSG_DONE) continue;
@@ -146,7 +146,7 @@ class CurlHttpSession::Loop {
     while (!active_.empty()) finish(active_.size() - 1, error);
   }
 
-  // The completion runs last, when the exchange is no longer among the active ones: it may do what it likes.
+  // The completion runs last, after the exchange was removed: it may send or drop the session.
   void finish(std::size_t index, CurlExchange::Outcome outcome) {
     const Active done = std::move(active_[index]);
     active_.erase(active_.begin() + static_cast<std::ptrdiff_t>(index));
@@ -155,10 +155,10 @@ class CurlHttpSession::Loop {
   }
 
   std::unique_ptr<CURLM, FreeMulti> multi_;
-  std::mutex mutex_;  // guards the two below
+  std::mutex mutex_;  // guards the two members below
   std::vector<std::unique_ptr<CurlExchange>> incoming_;
   bool closed_ = false;
-  std::vector<Active> active_;  // of the thread alone
+  std::vector<Active> active_;  // used by the thread only
 };
 
 CurlHttpSession::CurlHttpSession() : loop_(std::make_shared<Loop>()) {}

@@ -1,4 +1,4 @@
-// HTTP over libcurl.
+// HTTP with libcurl.
 #pragma once
 
 #include <memory>
@@ -9,9 +9,9 @@
 
 namespace quillon {
 
-// Thread-safe. One thread, started with the first request, drives all exchanges and calls the completions; these may
-// send again or drop the session. Its end completes what is under way with `cancelled` and takes at most two seconds,
-// whatever servers and name servers do. Proxies are those of the environment, never for the machine itself.
+// Thread-safe. One thread, started with the first request, drives all exchanges and calls completions, which may send
+// or drop the session. Destruction completes running exchanges with `cancelled` and takes at most two seconds, whatever
+// servers and name servers do. Uses the environment's proxies, except for loopback.
 class CurlHttpSession : public HttpSession {
  public:
   CurlHttpSession();

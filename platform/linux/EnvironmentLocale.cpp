@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t longestEntry = 64;
 constexpr std::size_t mostLanguages = 32;
 
-// Independent of the C locale, unlike the functions of <cctype>.
+// Locale-independent, unlike <cctype>.
 constexpr bool isLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -24,7 +24,7 @@ constexpr char upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-// Appends a part of a tag in its customary case: zh-Hant-TW.
+// Appends a subtag in its customary case: zh-Hant-TW.
 bool appendSubtag(std::string& tag, std::string_view part) {
   const bool letters = std::ranges::all_of(part, isLetter);
   if (part.empty() || part.size() > 8) return false;
@@ -39,10 +39,10 @@ bool appendSubtag(std::string& tag, std::string_view part) {
   return true;
 }
 
-// The BCP 47 tag of a locale name such as "zh_Hant_TW.UTF-8@x"; nothing when the name is none.
+// The BCP 47 tag of a locale name such as "zh_Hant_TW.UTF-8@x"; nullopt for an invalid name.
 std::optional<std::string> languageTag(std::string_view name) {
   if (name.size() > longestEntry) return std::nullopt;
-  std::string_view rest = name.substr(0, name.find_first_of(".@"));  // without code set and modifier
+  std::string_view rest = name.substr(0, name.find_first_of(".@"));  // drops code set and modifier
   if (rest == "C" || rest == "POSIX") return "en";
   std::string tag;
   while (true) {

@@ -1,4 +1,4 @@
-// The languages that the process's environment asks for.
+// The languages from the process's environment.
 #pragma once
 
 #include <functional>
@@ -10,11 +10,11 @@
 
 namespace quillon {
 
-// Thread-safe. The environment is read once, at construction: LANGUAGE (a list), then LC_ALL, LC_MESSAGES and LANG,
-// without duplicates. "C" and "POSIX" count as English, as does an environment that names no language.
+// Thread-safe. Reads the environment once, at construction: LANGUAGE (a list), then LC_ALL, LC_MESSAGES and LANG,
+// without duplicates. "C", "POSIX" and an environment without a language count as English.
 class EnvironmentLocale : public Locale {
  public:
-  // The value of an environment variable; nothing when it is not set.
+  // The value of an environment variable; nullopt when unset.
   using Getter = std::function<std::optional<std::string>(const char* name)>;
 
   EnvironmentLocale();

@@ -1,4 +1,4 @@
-// Calls on files that a signal does not end, and the text of a failed one for the log.
+// File system calls retried on EINTR, and error texts for the log.
 #pragma once
 
 #include <fcntl.h>
@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-// Nothing on failure, with errno telling why. Never inherited by a child program.
+// Invalid on failure, with errno set. Not inherited by child programs.
 [[nodiscard]] inline FileDescriptor openFile(const std::filesystem::path& path, int flags, mode_t mode = 0) {
   int descriptor = -1;
   do {
@@ -23,7 +23,7 @@ namespace quillon {
   return FileDescriptor(descriptor);
 }
 
-// False on failure, with errno telling why.
+// False on failure, with errno set.
 [[nodiscard]] inline bool syncFile(const FileDescriptor& file) {
   while (::fsync(file.get()) != 0) {
     if (errno != EINTR) return false;

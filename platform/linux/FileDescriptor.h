@@ -20,7 +20,7 @@ class FileDescriptor {
   }
 
   [[nodiscard]] int get() const { return descriptor_; }
-  // Leaves it open, for somebody else to close.
+  // Releases ownership without closing.
   int release() { return std::exchange(descriptor_, -1); }
   explicit operator bool() const { return descriptor_ >= 0; }
 

@@ -15,7 +15,7 @@ namespace {
 class FileTurn : public StoreTurn {
  public:
   explicit FileTurn(FileDescriptor file) : file_(std::move(file)) {}
-  // Closing would leave the lock to a child that was forked meanwhile.
+  // Unlocks explicitly: a child forked meanwhile would keep the lock after a close.
   ~FileTurn() override { ::flock(file_.get(), LOCK_UN); }
 
  private:
@@ -25,9 +25,9 @@ class FileTurn : public StoreTurn {
 }  // namespace
 
 std::expected<std::unique_ptr<StoreTurn>, std::string> tryFileTurn(const std::filesystem::path& file) {
-  constexpr int attempts = 3;  // somebody may be removing the file over and over
+  constexpr int attempts = 3;  // the file may be removed repeatedly
   for (int attempt = 0; attempt < attempts; ++attempt) {
-    // Not blocking: somebody may have put a pipe there.
+    // Non-blocking: the path may be a pipe.
     auto opened = openFile(file, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
     if (!opened) return std::unexpected(systemError("open", file));
     struct stat ours{};
@@ -38,7 +38,7 @@ std::expected<std::unique_ptr<StoreTurn>, std::string> tryFileTurn(const std::fi
       if (errno == EWOULDBLOCK) return nullptr;
       if (errno != EINTR) return std::unexpected(systemError("lock", file));
     }
-    // A file that was removed in between holds nobody off.
+    // A lock on a file removed meanwhile excludes nobody.
     struct stat standing{};
     if (::lstat(file.c_str(), &standing) == 0 && standing.st_ino == ours.st_ino && standing.st_dev == ours.st_dev) {
       return std::make_unique<FileTurn>(std::move(opened));

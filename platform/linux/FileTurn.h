@@ -1,4 +1,4 @@
-// A turn that processes take by locking a file.
+// A turn as a lock on a file.
 #pragma once
 
 #include <expected>
@@ -10,9 +10,9 @@
 
 namespace quillon {
 
-// Null while somebody else has it, in this process or another. The file (0600) is made when it is missing and stays;
-// the lock ends with the turn, or with the process and those that it forked while it held the turn. Never blocks. An
-// error when there can be no such file, or it is another user's.
+// Null while another owner, in any process, holds it. The file (0600) is created if missing and stays; the lock ends
+// with the turn, or with the process and any children forked while it was held. Never blocks. An error when the file
+// cannot be created or belongs to another user.
 [[nodiscard]] std::expected<std::unique_ptr<StoreTurn>, std::string> tryFileTurn(const std::filesystem::path& file);
 
 }  // namespace quillon

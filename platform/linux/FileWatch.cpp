@@ -23,19 +23,19 @@ constexpr std::uint32_t changes = IN_MODIFY | IN_CREATE | IN_DELETE | IN_MOVED_F
 
 }  // namespace
 
-FileWatch::FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Look look, int descriptor)
+FileWatch::FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check, int descriptor)
     : loop_(std::move(loop)),
       file_(std::move(file)),
-      look_(std::move(look)),
+      check_(std::move(check)),
       strand_(boost::asio::make_strand(loop_->context())),
       events_(strand_, descriptor),
       again_(strand_) {}
 
 std::expected<std::shared_ptr<FileWatch>, std::string> FileWatch::start(std::shared_ptr<WorkLoop> loop,
-                                                                        std::filesystem::path file, Look look) {
+                                                                        std::filesystem::path file, Check check) {
   FileDescriptor descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
   if (!descriptor) return std::unexpected(systemError("watch", file));
-  auto watch = std::make_shared<FileWatch>(std::move(loop), std::move(file), std::move(look), descriptor.get());
+  auto watch = std::make_shared<FileWatch>(std::move(loop), std::move(file), std::move(check), descriptor.get());
   (void)descriptor.release();
   if (!watch->addFolder()) return std::unexpected(systemError("watch", watch->file_.parent_path()));
   boost::asio::post(watch->strand_, [weak = watch->weak_from_this()] {
@@ -43,7 +43,7 @@ std::expected<std::shared_ptr<FileWatch>, std::string> FileWatch::start(std::sha
     if (!self || self->loop_->isClosed()) return;
     contained([&] {
       self->waitForEvents();
-      self->look();  // at what changed before
+      self->check();  // for changes made before
     });
   });
   return watch;
@@ -85,17 +85,17 @@ void FileWatch::takeEvents() {
   if (!isConcerned) return;
   delay_ = 0ms;
   again_.cancel();
-  look();
+  check();
 }
 
-void FileWatch::look() {
+void FileWatch::check() {
   if (isFolderLost_ && addFolder()) isFolderLost_ = false;
-  if (look_() && !isFolderLost_) return;
+  if (check_() && !isFolderLost_) return;
   delay_ = std::clamp<std::chrono::milliseconds>(delay_ * 2, soonest, latest);
   again_.expires_after(delay_);
   again_.async_wait([weak = weak_from_this()](auto error) {
     const auto self = weak.lock();
-    if (self && !error && !self->loop_->isClosed()) contained([&] { self->look(); });
+    if (self && !error && !self->loop_->isClosed()) contained([&] { self->check(); });
   });
 }
 

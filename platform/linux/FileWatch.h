@@ -1,4 +1,4 @@
-// Notices what any process does to a file.
+// Watches a file for changes by any process.
 #pragma once
 
 #include <array>
@@ -17,19 +17,19 @@
 
 namespace quillon {
 
-// Watches the folder, so the file may come, go and be replaced. Ends with its last owner; what looks may run once more
-// on a thread of the pool at that time.
+// Watches the folder, so the file may appear, disappear and be replaced. Ends with its last owner; `check` may run once
+// more on a pool thread at that time.
 class FileWatch : public std::enable_shared_from_this<FileWatch> {
  public:
-  // Looks at the file; false when it could not and wants to be called again soon, less and less often.
-  using Look = std::function<bool()>;
+  // Checks the file; false when it could not and should be called again, at growing intervals.
+  using Check = std::function<bool()>;
 
-  // The look is called on the pool, one call at a time, after the file or its rollback journal was written to, made,
-  // removed or replaced. The error says why nothing can be watched, above all for want of descriptors.
+  // `check` is called on the pool, one call at a time, after the file or its rollback journal was written, created,
+  // removed or replaced. The error says why watching is impossible, usually for lack of descriptors.
   static std::expected<std::shared_ptr<FileWatch>, std::string> start(std::shared_ptr<WorkLoop> loop,
-                                                                      std::filesystem::path file, Look look);
+                                                                      std::filesystem::path file, Check check);
 
-  FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Look look, int descriptor);
+  FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check, int descriptor);
 
  private:
   using Strand = boost::asio::strand<boost::asio::io_context::executor_type>;
@@ -37,13 +37,13 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
   bool addFolder();
   void waitForEvents();
   void takeEvents();
-  void look();
+  void check();
 
   const std::shared_ptr<WorkLoop> loop_;
   const std::filesystem::path file_;
-  const Look look_;
+  const Check check_;
   Strand strand_;
-  // The rest belongs to the strand.
+  // Members below are used on the strand only.
   boost::asio::posix::basic_stream_descriptor<Strand> events_;
   boost::asio::basic_waitable_timer<std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>,
                                     Strand>

@@ -12,7 +12,7 @@ Folder::Folder(std::filesystem::path path, FileDescriptor descriptor)
     : path_(std::move(path)), descriptor_(std::move(descriptor)) {}
 
 std::expected<Folder, std::string> Folder::open(const std::filesystem::path& path) {
-  // A file given without a folder lies in the working directory.
+  // A file name without a folder is in the working directory.
   const auto& named = path.empty() ? std::filesystem::path(".") : path;
   auto descriptor = openFile(named, O_RDONLY | O_DIRECTORY);
   if (!descriptor) return std::unexpected(systemError("open folder", named));

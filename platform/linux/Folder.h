@@ -1,4 +1,4 @@
-// A folder held open, to lock it against other processes and to make what was renamed in it durable.
+// An open folder, to lock it against other processes and to make renames in it durable.
 #pragma once
 
 #include <chrono>
@@ -17,8 +17,8 @@ class Folder {
 
   static std::expected<Folder, std::string> open(const std::filesystem::path& path);
 
-  // Waits until the deadline for every other holder, in this process or another, to let go; nothing when one does not.
-  // The lock lies on the folder itself: it leaves no file behind and ends with this object or with the process.
+  // Locks the folder, waiting until the deadline for other holders, in any process; nullopt when they keep it. The lock
+  // is on the folder itself: it leaves no file behind and ends with this object or the process.
   static std::expected<std::optional<Folder>, std::string> openLocked(const std::filesystem::path& path,
                                                                       Deadline deadline);
 

@@ -1,12 +1,12 @@
-// Keeps the signals that a write can raise from ending the application.
+// Blocks the signals that a write can raise.
 #pragma once
 
 #include <signal.h>
 
 namespace quillon {
 
-// While it lives, a write of this thread past the limit of a file's size (SIGXFSZ) or into a pipe without a reader
-// (SIGPIPE) fails with an error and nothing else. A signal that was waiting before is left to the application.
+// While it exists, a write of this thread beyond the file size limit (SIGXFSZ) or into a closed pipe (SIGPIPE) only
+// fails with an error. Signals already pending are left to the application.
 class HeldWriteSignals {
  public:
   HeldWriteSignals() noexcept;
@@ -15,7 +15,7 @@ class HeldWriteSignals {
   HeldWriteSignals& operator=(const HeldWriteSignals&) = delete;
 
  private:
-  sigset_t raisable_;  // not waiting before
+  sigset_t raisable_;  // not pending before
   sigset_t before_;
 };
 

@@ -1,4 +1,4 @@
-// Where a request goes: what may be sent there is decided by it.
+// A request's origin, which determines what may be sent there.
 #pragma once
 
 #include <expected>
@@ -8,7 +8,7 @@ namespace quillon {
 
 struct HttpOrigin {
   std::string scheme;  // "http" or "https"
-  std::string host;    // in lower case, IPv6 addresses in brackets
+  std::string host;    // lower case, IPv6 addresses in brackets
   std::string port;
 
   bool operator==(const HttpOrigin&) const = default;
@@ -16,7 +16,7 @@ struct HttpOrigin {
   [[nodiscard]] bool isLoopback() const;
 };
 
-// The origin of an http or https URL without user information, or one sentence why it is none.
+// The origin of an http or https URL without user information, or a sentence saying why it has none.
 std::expected<HttpOrigin, std::string> httpOrigin(const std::string& url);
 
 }  // namespace quillon

@@ -22,7 +22,7 @@ TimerQueue::Time monotonicNow() {
 
 }  // namespace
 
-// Waits on the pool for the next timer that is due and runs it.
+// Waits on the pool for the next due timer and runs it.
 class LinuxClock::Timers : public std::enable_shared_from_this<Timers> {
  public:
   explicit Timers(std::shared_ptr<WorkLoop> loop) : loop_(std::move(loop)) {
@@ -39,9 +39,9 @@ class LinuxClock::Timers : public std::enable_shared_from_this<Timers> {
   void close() { gate_.close(); }
 
  private:
-  // With the mutex held.
+  // Requires the mutex.
   void waitForNext() {
-    if (isRunning_) return;  // who runs them waits afterwards
+    if (isRunning_) return;  // the running thread waits afterwards
     const auto due = queue_.nextDue();
     if (!due || (awaited_ && *awaited_ <= *due)) return;
     if (!next_) next_.emplace(loop_->context());
@@ -65,16 +65,16 @@ class LinuxClock::Timers : public std::enable_shared_from_this<Timers> {
     }
     const std::lock_guard lock(mutex_);
     isRunning_ = false;
-    contained([this] { waitForNext(); });  // without memory the next timer that is added waits for all
+    contained([this] { waitForNext(); });  // out of memory: adding the next timer waits for all
   }
 
   const std::shared_ptr<WorkLoop> loop_;
   TimerQueue queue_;
   CallGate gate_;
-  std::mutex mutex_;  // guards the rest
+  std::mutex mutex_;  // guards the members below
   bool isRunning_ = false;
-  std::optional<boost::asio::steady_timer> next_;  // takes descriptors: where there are none yet, it is made later
-  std::optional<TimerQueue::Time> awaited_;        // what it waits for
+  std::optional<boost::asio::steady_timer> next_;  // needs descriptors; created later if there are none
+  std::optional<TimerQueue::Time> awaited_;        // the time it waits for
 };
 
 LinuxClock::LinuxClock(std::shared_ptr<WorkPool> pool)

@@ -1,4 +1,4 @@
-// The system's clock.
+// The system clock.
 #pragma once
 
 #include <memory>
@@ -10,9 +10,9 @@ namespace quillon {
 
 class WorkPool;
 
-// Thread-safe. Timers run on the pool's threads, one at a time, and count time as the monotonic clock does: not while
-// the machine sleeps, and untouched by changes of the wall time. A dropped timer waits for its job when that runs on
-// another thread at the moment, and so does the clock when it goes; timers of a clock that is gone never fire.
+// Thread-safe. Timers run on pool threads, one at a time, on the monotonic clock: they pause while the machine sleeps
+// and ignore changes of the wall time. Destroying a timer, or the clock, waits for its job running on another thread;
+// timers of a destroyed clock never fire.
 class LinuxClock : public Clock {
  public:
   explicit LinuxClock(std::shared_ptr<WorkPool> pool);
@@ -23,7 +23,7 @@ class LinuxClock : public Clock {
   std::string localText(WallTime time) const override;
 
  protected:
-  // Throws boost::system::system_error when there has been no descriptor left for timers yet.
+  // Throws boost::system::system_error when out of descriptors.
   std::unique_ptr<Timer> makeTimer(std::chrono::milliseconds delay, Repeat repeat, Job job) override;
 
  private:

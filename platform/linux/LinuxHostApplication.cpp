@@ -17,7 +17,7 @@ constexpr int mostLines = 100;
 constexpr std::size_t longestName = 96;
 constexpr std::size_t largestResource = std::size_t{32} << 20;
 
-// The text without quotes and escapes, printable and bounded.
+// Removes quotes and escapes; printable and bounded.
 std::string plain(std::string_view text) {
   std::string result;
   for (const char c : text.substr(0, longestName)) {
@@ -26,7 +26,7 @@ std::string plain(std::string_view text) {
   return result;
 }
 
-// The distribution's name for people; empty when the system does not tell.
+// The distribution's display name; empty when unknown.
 std::string distribution() {
   constexpr std::string_view key = "PRETTY_NAME=";
   for (const char* path : {"/etc/os-release", "/usr/lib/os-release"}) {
@@ -40,7 +40,7 @@ std::string distribution() {
   return {};
 }
 
-// "Linux 6.1 x86_64": the first two numbers of the release are enough.
+// "Linux 6.1 x86_64": only the first two numbers of the release.
 std::string kernel() {
   utsname names{};
   if (uname(&names) != 0) return "Linux";
@@ -76,7 +76,7 @@ std::optional<std::string> LinuxHostApplication::information(std::string_view /*
 
 std::optional<std::string> LinuxHostApplication::resource(std::string_view name, std::string_view extension) const {
   const std::string file = std::string(name) + '.' + std::string(extension);
-  // A name that leads elsewhere, or ends early, is none.
+  // Rejects names that leave the folder or contain a null byte.
   if (name.empty() || name.contains("..") || file.contains('/') || file.contains('\0')) return std::nullopt;
   auto content = PosixFileSystem(resources_).read(resources_ / file, largestResource);
   return content ? std::optional(*std::move(content)) : std::nullopt;

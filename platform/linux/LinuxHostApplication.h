@@ -1,4 +1,4 @@
-// What a Linux system knows of the application and the machine it runs on.
+// The host application and machine on Linux.
 #pragma once
 
 #include <filesystem>
@@ -8,18 +8,18 @@
 
 namespace quillon {
 
-// Thread-safe. A program on Linux has neither an information dictionary nor a table of translations, so information()
-// answers nothing and localized() the key.
+// Thread-safe. Linux programs have no information dictionary and no translation table, so information() returns nullopt
+// and localized() the key.
 class LinuxHostApplication : public HostApplication {
  public:
-  // The folder of its resources; the executable's when it is empty.
+  // The resource folder; empty selects the executable's.
   explicit LinuxHostApplication(std::filesystem::path resources = {});
 
   std::optional<std::string> componentVersion(std::string_view identifier) const override;
   std::optional<std::string> information(std::string_view key) const override;
   std::string localized(std::string_view key, std::string_view comment) const override;
   std::optional<std::string> resource(std::string_view name, std::string_view extension) const override;
-  // Such as "Debian GNU/Linux 12 (bookworm), Linux 6.1 x86_64": nothing that tells one machine from its like.
+  // Such as "Debian GNU/Linux 12 (bookworm), Linux 6.1 x86_64": nothing that identifies the machine.
   std::string deviceDescription() const override { return device_; }
 
  private:

@@ -28,7 +28,7 @@
 #include "platform/parts/FixedAppTracking.h"
 #include "platform/parts/FunctionConsentSink.h"
 
-// Defined by the library of the screens, when the application links that.
+// Defined by the user-interface library, if linked.
 extern "C" [[gnu::weak]] void quillonScreensAreLinked();
 
 namespace quillon {
@@ -46,12 +46,13 @@ std::string environment(const char* name) {
 std::string executableName() {
   std::error_code error;
   std::string name = fs::read_symlink("/proc/self/exe", error).filename().string();
-  constexpr std::string_view replaced = " (deleted)";  // the kernel's mark when an update exchanged the running file
+  constexpr std::string_view replaced =
+      " (deleted)";  // appended by the kernel when an update replaced the running file
   if (name.ends_with(replaced)) name.resize(name.size() - replaced.size());
   return name;
 }
 
-// The identifier as the name of one folder; empty when it cannot be one.
+// The identifier as a folder name; empty when it cannot be one.
 std::string folderName(std::string identifier) {
   constexpr std::size_t longest = 200;
   identifier.resize(std::min(identifier.size(), longest));
@@ -67,7 +68,7 @@ std::string applicationFolder(const LinuxOptions& options) {
   return "quillon";
 }
 
-// Relative paths do not count: they would follow the working directory.
+// Relative paths are ignored: they would depend on the working directory.
 fs::path userDataDirectory() {
   fs::path data = environment("XDG_DATA_HOME");
   if (data.is_absolute()) return data;
@@ -83,7 +84,7 @@ fs::path userDataDirectory() {
   return home.is_absolute() ? home / ".local/share" : fs::path();
 }
 
-// Empty when the user has no home.
+// Empty when the user has no home folder.
 fs::path namedDataDirectory(const LinuxOptions& options) {
   if (options.dataDirectory) {
     std::error_code error;
@@ -93,7 +94,7 @@ fs::path namedDataDirectory(const LinuxOptions& options) {
   return parent.empty() ? parent : parent / applicationFolder(options);
 }
 
-// Where links lead that the user has laid: the services themselves follow none.
+// Resolves symbolic links made by the user; the services themselves follow none.
 fs::path dataDirectory(const LinuxOptions& options) {
   fs::path named = namedDataDirectory(options);
   std::error_code error;
@@ -101,13 +102,13 @@ fs::path dataDirectory(const LinuxOptions& options) {
   return error ? named : real;
 }
 
-// Empty for the default.
+// Empty selects the default.
 fs::path resourceDirectory(const LinuxOptions& options) {
   std::error_code error;
   return options.resourceDirectory ? fs::absolute(*options.resourceDirectory, error) : fs::path();
 }
 
-// What the application makes of the platform. The SDK cannot do without most services, so none goes missing.
+// Applies replaceServices. A service set to null keeps its value, since the SDK needs it.
 Platform replaced(const Platform& ours, const std::function<void(Platform&)>& replaceServices) {
   Platform theirs = ours;
   bool failed = true;
@@ -135,8 +136,8 @@ Platform replaced(const Platform& ours, const std::function<void(Platform&)>& re
   return theirs;
 }
 
-// A process started without standard input, output or error would give their numbers to our files and connections, and
-// what the application prints would go there.
+// A process started without standard input, output or error would give their descriptors to our files and sockets, and
+// the application's output would go there.
 void occupyStandardDescriptors() {
   for (;;) {
     auto nowhere = openFile("/dev/null", O_RDWR);

@@ -1,4 +1,4 @@
-// The real services of a Linux system.
+// The Linux platform.
 #pragma once
 
 #include <memory>
@@ -8,11 +8,11 @@
 
 namespace quillon {
 
-// A platform over new services, with the user interface if one is given, and then as the application changes it; two
-// calls share nothing but the files on disk.
+// A platform of new services, with the given user interface and the application's replacements; two platforms share
+// only the files on disk.
 [[nodiscard]] Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresenter> screens = nullptr);
 
-// The public configure(), with a user interface for ConsentSDK::shared().
+// configure() with a user interface for ConsentSDK::shared().
 bool configure(LinuxOptions options, std::shared_ptr<ScreenPresenter> screens);
 
 }  // namespace quillon

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* schemaName = "org.gnome.desktop.privacy";
 
-// What somebody sets who wants privacy. The other switches there are about what the desktop remembers for itself.
+// The settings of users who want privacy. The desktop's other switches concern its own data.
 struct Switch {
   const char* key;
   gboolean asksForPrivacy;
@@ -39,7 +39,7 @@ bool asksNotToTrack() {
 
 }  // namespace
 
-// All that the thread uses.
+// The state used by the thread.
 class LinuxPrivacySignals::Desktop {
  public:
   [[nodiscard]] bool open() { return loop_.open(); }
@@ -77,12 +77,12 @@ class LinuxPrivacySignals::Desktop {
       isOn = isOn || g_variant_get_boolean(set.get()) == asksForPrivacy;
     }
     const Answer now = isOn ? Answer::on : Answer::off;
-    if (answer_.exchange(now) != now) observers_.tell();
+    if (answer_.exchange(now) != now) observers_.notify();
   }
 
   BusLoop loop_;
   GLibPointer<GSettingsSchema> schema_;
-  GLibPointer<GSettings> settings_;  // null where the desktop has no such switches; on the loop's thread only
+  GLibPointer<GSettings> settings_;  // null without such switches; used on the loop's thread only
   std::atomic<Answer> answer_ = Answer::unknown;
   std::promise<void> first_;
   const std::shared_future<void> answered_ = first_.get_future().share();
@@ -103,7 +103,7 @@ bool LinuxPrivacySignals::hasThread() const {
   try {
     thread_.emplace("quillon-desktop", [desktop = desktop_] { desktop->run(); });
   } catch (const std::system_error&) {
-    return false;  // for a later question to find one
+    return false;  // a later query tries again
   }
   return true;
 }

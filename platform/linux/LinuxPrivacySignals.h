@@ -10,10 +10,9 @@
 
 namespace quillon {
 
-// Thread-safe. On while the variable DO_NOT_TRACK holds anything but "0" and nothing, which is read once, or one of the
-// desktop's privacy switches (org.gnome.desktop.privacy, where that is installed) stands as somebody has set it who
-// wants privacy: a default is no signal. The desktop is asked on a thread of its own, which the first question or the
-// first observer starts; destruction joins it.
+// Thread-safe. On while the variable DO_NOT_TRACK (read once) is neither empty nor "0", or a privacy switch of the
+// desktop (org.gnome.desktop.privacy, if installed) was set by a user who wants privacy; a default is no signal. The
+// desktop is queried on a thread of its own, started by the first query or observer; destruction joins it.
 class LinuxPrivacySignals : public PrivacySignals {
  public:
   LinuxPrivacySignals();
@@ -25,7 +24,7 @@ class LinuxPrivacySignals : public PrivacySignals {
  private:
   class Desktop;
 
-  bool hasThread() const;  // starts it where that is possible
+  bool hasThread() const;  // starts it if possible
 
   const bool isInEnvironment_;
   const std::shared_ptr<Desktop> desktop_;

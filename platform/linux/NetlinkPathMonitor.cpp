@@ -15,9 +15,9 @@ namespace quillon {
 namespace {
 
 constexpr int forEver = -1;
-constexpr int burstMilliseconds = 100;  // an interface that comes up changes a dozen things in a row
+constexpr int burstMilliseconds = 100;  // an interface coming up causes a burst of changes
 
-// What a subscription and its thread share.
+// The state shared by a subscription and its thread.
 class Watch {
  public:
   explicit Watch(std::shared_ptr<NetworkReporter> reporter) : reporter_(std::move(reporter)) {}
@@ -29,7 +29,7 @@ class Watch {
   }
 
   void run() const {
-    // Listening begins before the first look, so that nothing falls in between.
+    // Subscribe before the first query, so that no change is missed.
     const FileDescriptor changes = openRouteChanges();
     auto status = currentNetworkStatus();
     reporter_->report(status.value_or(NetworkStatus::satisfied));

@@ -1,16 +1,16 @@
-// The network path as the kernel's routing table tells it.
+// The network path from the kernel's routing table.
 #pragma once
 
 #include "platform/NetworkPathMonitor.h"
 
 namespace quillon {
 
-// Thread-safe. Satisfied when a default route exists whose link is up with a carrier; that a server can be reached is
-// not implied. Each subscription has a thread of its own, which sleeps until links or routes change. Dropping a
-// subscription waits for its handler when that runs on another thread at the moment.
+// Thread-safe. Satisfied when a default route exists whose link is up with a carrier; this does not imply that a server
+// is reachable. Each subscription has its own thread, which sleeps until links or routes change. Destroying a
+// subscription waits for its handler running on another thread.
 //
-// Where the kernel does not answer (a sandbox without netlink sockets, for instance) the path counts as satisfied, once
-// and for good: a request that fails tells the caller more than a wrong "no network" would.
+// Without an answer from the kernel (such as in a sandbox without netlink sockets) the path counts as satisfied
+// permanently: a failing request is more informative than a wrong "no network".
 class NetlinkPathMonitor : public NetworkPathMonitor {
  public:
   std::unique_ptr<NetworkSubscription> start(std::shared_ptr<Executor> queue,

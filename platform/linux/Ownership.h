@@ -1,12 +1,12 @@
-// Whose files are believed.
+// Which file owners are trusted.
 #pragma once
 
 #include <unistd.h>
 
 namespace quillon {
 
-// What another user owns, that user may have written: consents that nobody gave. The administrator could do so anyway,
-// and works on the files of others as a matter of course.
+// Another user's file may contain consents that nobody gave. The administrator could write any file anyway, and often
+// owns other users' files.
 [[nodiscard]] inline bool isTrustedOwner(uid_t owner) noexcept {
   const uid_t self = ::geteuid();
   return owner == self || owner == 0 || self == 0;

@@ -59,13 +59,13 @@ std::optional<std::filesystem::path> PosixFileSystem::applicationSupportDirector
 FileSystem::Result<void> PosixFileSystem::createDirectories(const std::filesystem::path& folder) {
   std::filesystem::path made;
   for (const auto& step : folder) {
-    if (step.empty()) continue;  // a slash at the end
+    if (step.empty()) continue;  // trailing slash
     made /= step;
     if (::mkdir(made.c_str(), 0700) == 0) {
       if (::chmod(made.c_str(), 0700) != 0) return failed("set mode of", made);
       if (auto durable = syncParent(made); !durable) return durable;
     } else if (errno != EEXIST) {
-      // A parent that may not be written to (EACCES, EROFS) can still hold the next step.
+      // A read-only parent (EACCES, EROFS) may still contain the next folder.
       const int error = errno;
       struct stat status{};
       if (::stat(made.c_str(), &status) != 0) return failed("create folder", made, error);
@@ -88,7 +88,7 @@ std::optional<FileStamp> PosixFileSystem::stamp(const std::filesystem::path& fil
 
 FileSystem::Result<std::string> PosixFileSystem::read(const std::filesystem::path& path,
                                                       std::size_t maximumBytes) const {
-  // Not blocking, so that a pipe put at that path cannot hold the caller up before its kind is seen.
+  // Non-blocking, so that opening a pipe at that path does not hang.
   const auto file = openFile(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
   struct stat status{};
   if (!file || ::fstat(file.get(), &status) != 0) return std::unexpected(systemError("read", path));
@@ -96,7 +96,7 @@ FileSystem::Result<std::string> PosixFileSystem::read(const std::filesystem::pat
   const auto announced = static_cast<std::uint64_t>(status.st_size);
   if (announced > maximumBytes) return std::unexpected(systemError("read", path, EFBIG));
 
-  // The size is a hint: the file may grow meanwhile, so reading goes on to its end, one byte past the limit at most.
+  // The size is a hint: the file may grow meanwhile, so read to its end, at most one byte beyond the limit.
   std::string bytes(announced + 1, '\0');
   std::size_t length = 0;
   for (;;) {
@@ -121,7 +121,7 @@ FileSystem::Result<void> PosixFileSystem::write(const std::filesystem::path& fil
   const auto& folder = *locked;
   if (!folder) return failed("lock folder of", file, EWOULDBLOCK);
 
-  // It is our turn in this folder, so a file of that name has no living writer.
+  // We hold the folder's lock, so an existing file has no living writer.
   auto fresh = file;
   fresh += ".new";
   if (::unlink(fresh.c_str()) != 0 && errno != ENOENT) return failed("remove", fresh);

@@ -1,16 +1,16 @@
-// Files of a POSIX system.
+// Files on a POSIX system.
 #pragma once
 
 #include "platform/FileSystem.h"
 
 namespace quillon {
 
-// Files are made 0600 and folders 0700 whatever the umask. Writers of one folder take turns, in all processes; one that
-// cannot get its turn within two seconds fails. A file that a crashed writer left half written, "<name>.new", is
-// removed by the next write of the same name.
+// Creates files with mode 0600 and folders with 0700 regardless of the umask. Writers in one folder are serialised
+// across processes; one that waits for two seconds fails. A crashed writer's partial file "<name>.new" is removed by
+// the next write of that name.
 class PosixFileSystem final : public FileSystem {
  public:
-  // An empty path: there is no such place.
+  // An empty path means that there is none.
   explicit PosixFileSystem(std::filesystem::path applicationSupportDirectory);
 
   std::optional<std::filesystem::path> applicationSupportDirectory() const override;

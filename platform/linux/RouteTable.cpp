@@ -18,7 +18,7 @@ namespace quillon {
 namespace {
 
 constexpr std::uint32_t changeGroups = RTMGRP_LINK | RTMGRP_IPV4_ROUTE | RTMGRP_IPV6_ROUTE;
-constexpr std::size_t messageBytes = std::size_t{64} << 10;  // more than the kernel packs into one
+constexpr std::size_t messageBytes = std::size_t{64} << 10;  // above the kernel's message size
 
 FileDescriptor openRouteSocket(std::uint32_t groups, int flags) {
   FileDescriptor socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | flags, NETLINK_ROUTE));
@@ -33,7 +33,7 @@ FileDescriptor openRouteSocket(std::uint32_t groups, int flags) {
 
 using Visitor = std::function<void(const nlmsghdr& message)>;
 
-// Calls the visitor with every record of that kind; false when the kernel did not deliver them all.
+// Calls the visitor with every message of that type; false when the kernel did not deliver all.
 bool dump(std::uint16_t type, const Visitor& visit) {
   const FileDescriptor socket = openRouteSocket(0, 0);
   if (!socket) return false;
@@ -65,7 +65,7 @@ bool dump(std::uint16_t type, const Visitor& visit) {
   }
 }
 
-// Links that are up and have a carrier.
+// The links that are up with a carrier.
 class Links {
  public:
   void note(const nlmsghdr& message) {
@@ -87,7 +87,7 @@ T read(const rtattr* attribute) {
   return value;
 }
 
-// Whether one of the next hops of a route over several leaves through a running link.
+// Whether a next hop of a multipath route uses a running link.
 bool anyNextHopRuns(const rtattr* attribute, const Links& links) {
   auto left = static_cast<int>(RTA_PAYLOAD(attribute));
   const auto* hop = static_cast<const rtnexthop*>(RTA_DATA(attribute));

@@ -1,4 +1,4 @@
-// What the kernel's routing tells of the way to the network.
+// The network status from the kernel's routing table.
 #pragma once
 
 #include <optional>
@@ -8,14 +8,14 @@
 
 namespace quillon {
 
-// Satisfied when the main table holds a default route, of either address family, whose link is up and has a carrier.
-// Nothing when the kernel does not answer within two seconds.
+// Satisfied when the main table has a default route, of either address family, whose link is up with a carrier. nullopt
+// when the kernel does not answer within two seconds.
 std::optional<NetworkStatus> currentNetworkStatus();
 
-// A socket that becomes readable when links or routes change; invalid where the kernel offers none.
+// A socket that becomes readable when links or routes change; invalid where unsupported.
 FileDescriptor openRouteChanges();
 
-// Empties that socket: what changed is asked anew, so messages that the kernel had no room for are no loss.
+// Drains the socket. Lost messages do not matter, since the status is queried anew.
 void discardRouteChanges(const FileDescriptor& changes);
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// The process-wide instance. It lives here so that an application gets the services of the platform library it links.
+// The process-wide instance, defined here so that it uses the linked platform library.
 #include <unistd.h>
 
 #include <memory>
@@ -19,7 +19,7 @@ struct Settings {
   bool taken = false;
 };
 
-// Never destroyed, as the instance.
+// Never destroyed, like the instance.
 Settings& settings() {
   static auto& instance = *new Settings;
   return instance;
@@ -31,8 +31,7 @@ Platform configuredPlatform() {
   return linuxPlatform(settings().options, settings().screens);
 }
 
-// Stops the work when the process exits: it must not go on while what it works with is taken down. A forked child has
-// none of the threads: when the child exits there is nothing to wait for.
+// Stops the work at process exit, before what it uses is destroyed. A forked child has no threads to wait for.
 struct ClosedAtExit {
   ConsentSDK& sdk;
   pid_t owner = ::getpid();
@@ -54,7 +53,7 @@ bool configure(LinuxOptions options) {
 bool configure(LinuxOptions options, std::shared_ptr<ScreenPresenter> screens) {
   std::unique_lock lock(settings().mutex);
   if (settings().taken) {
-    lock.unlock();  // the logger may make the instance
+    lock.unlock();  // the logger may create the instance
     SDKLogger::shared().log("configure() was called after the first use of the SDK, and does nothing: call it first",
                             LogLevel::error, __func__, __FILE__, __LINE__);
     return false;

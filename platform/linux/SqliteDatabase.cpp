@@ -13,10 +13,10 @@ Recovery recoveryFrom(int code) {
       return Recovery::wait;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-    // It does not know what our own statements speak of.
+    // A table or column of our statements is missing.
     case SQLITE_ERROR:
     case SQLITE_SCHEMA:
-    // Our own tables ask for nothing that our rows do not have.
+    // Our tables have no constraint that our rows violate.
     case SQLITE_CONSTRAINT:
       return Recovery::replace;
     default:
@@ -25,7 +25,7 @@ Recovery recoveryFrom(int code) {
 }
 
 std::unexpected<SqliteError> failed(sqlite3* connection, int code) {
-  // The connection's text belongs to its last call only.
+  // The connection's error text belongs to its last call only.
   const char* text = connection != nullptr && sqlite3_extended_errcode(connection) == code ? sqlite3_errmsg(connection)
                                                                                            : sqlite3_errstr(code);
   return std::unexpected(SqliteError{recoveryFrom(code), text});
@@ -34,7 +34,7 @@ std::unexpected<SqliteError> failed(sqlite3* connection, int code) {
 }  // namespace
 
 void SqliteStatement::bind(int parameter, std::string_view text) {
-  // A null pointer would bind NULL in place of the empty text.
+  // A null pointer would bind NULL instead of an empty text.
   const char* data = text.data() != nullptr ? text.data() : "";
   const int code =
       sqlite3_bind_text64(statement_.get(), parameter + 1, data, text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);

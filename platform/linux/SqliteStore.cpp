@@ -18,7 +18,7 @@ namespace quillon {
 
 namespace {
 
-// Leaves room for the suffixes within the 255 bytes of a file name.
+// Leaves room for suffixes within the 255 bytes of a file name.
 constexpr std::size_t maximumNameBytes = 180;
 
 bool isFileName(std::string_view name) {
@@ -26,7 +26,7 @@ bool isFileName(std::string_view name) {
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
-// SQLite is told to follow no link anywhere in a path, but the way to the folder is the user's to arrange.
+// Resolves links in the folder's path, which the user may arrange; SQLite follows none.
 std::expected<std::filesystem::path, std::string> readyFolder(const std::filesystem::path& folder,
                                                               const KeyValueStore::Report& report) {
   std::error_code error;
@@ -41,7 +41,7 @@ std::expected<std::filesystem::path, std::string> readyFolder(const std::filesys
   if (!isTrustedOwner(status.st_uid)) {
     return std::unexpected("open folder " + canonical.string() + ": it belongs to another user");
   }
-  // Not refused: some file systems know no modes and show everything as open to all.
+  // Reported but accepted: some file systems have no modes and show everything as world-writable.
   if ((status.st_mode & S_IWOTH) != 0 && report) {
     report(KeyValueStore::ReportLevel::error,
            "Every user may write to " + canonical.string() + " and so remove the consents in it");
@@ -52,11 +52,11 @@ std::expected<std::filesystem::path, std::string> readyFolder(const std::filesys
 }  // namespace
 
 SqliteStore::SqliteStore(std::filesystem::path folder, std::shared_ptr<WorkPool> pool,
-                         std::chrono::milliseconds patience)
+                         std::chrono::milliseconds openWait)
     : folder_(std::move(folder)),
       standardDefaults_(std::make_shared<MemorySuite>()),
       pool_(std::move(pool)),
-      patience_(patience) {}
+      openWait_(openWait) {}
 
 std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std::string_view name, Report report) try {
   if (!isFileName(name)) return std::unexpected("open store: a name like this is no file's");
@@ -65,16 +65,16 @@ std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std
     if (const auto known = suites_.find(name); known != suites_.end()) return known->second;
     if (!report_) report_ = report;
   }
-  // Without the lock, for the report may want the log and the log the store. Two threads may both get here; the first
-  // to come back gives the suite that both use.
+  // Without the lock: the report may log, and the logger use the store. Of two concurrent threads, both use the suite
+  // of the one that finishes first.
   const auto folder = readyFolder(folder_, report);
   if (!folder) return std::unexpected(folder.error());
   auto suite = SqliteSuite::open(*folder / (std::string(name) + ".sqlite"), std::move(report),
-                                 pool_ ? pool_->loop() : nullptr, patience_);
+                                 pool_ ? pool_->loop() : nullptr, openWait_);
   if (!suite) return std::unexpected(std::move(suite.error()));
   std::lock_guard lock(mutex_);
   return suites_.try_emplace(std::string(name), std::move(*suite)).first->second;
-} catch (const std::exception& error) {  // out of memory, or the report's own failure
+} catch (const std::exception& error) {  // out of memory, or thrown by the report
   return std::unexpected(error.what());
 } catch (...) {
   return std::unexpected("unknown exception");
@@ -91,7 +91,7 @@ std::unique_ptr<StoreTurn> SqliteStore::tryTurn(std::string_view name) try {
   reportTurnFault(turn.error());
   return std::make_unique<StoreTurn>();
 } catch (...) {
-  return nullptr;  // out of memory: the next try may have some
+  return nullptr;  // out of memory: a later call may succeed
 }
 
 void SqliteStore::reportTurnFault(const std::string& fault) {

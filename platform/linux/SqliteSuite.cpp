@@ -14,10 +14,10 @@ namespace quillon {
 
 namespace {
 
-// The application depends on it, so an error that passes is worth another look.
+// The application depends on the store, so transient errors are retried.
 constexpr int maximumAttempts = 3;
 
-// Somewhat less than the 100 ms promised, for this clock lags by up to a tick (10 ms at most).
+// Below the promised 100 ms, as this clock lags by up to a tick (10 ms at most).
 constexpr std::int64_t probeIntervalNanoseconds = 90'000'000;
 
 std::int64_t coarseNanoseconds() {
@@ -34,13 +34,13 @@ SqliteSuite::SqliteSuite(std::filesystem::path file, KeyValueStore::Report repor
 std::expected<std::shared_ptr<SqliteSuite>, std::string> SqliteSuite::open(std::filesystem::path file,
                                                                            KeyValueStore::Report report,
                                                                            std::shared_ptr<WorkLoop> loop,
-                                                                           std::chrono::milliseconds patience) {
+                                                                           std::chrono::milliseconds openWait) {
   std::shared_ptr<SqliteSuite> suite(new SqliteSuite(std::move(file), std::move(report), std::move(loop)));
   std::expected<void, std::string> started;
   {
     const HeldWriteSignals held;
     std::lock_guard connection(suite->connectionMutex_);
-    started = suite->start(patience);
+    started = suite->start(openWait);
     suite->hasChanged_ = false;
   }
   suite->deliver();
@@ -49,12 +49,12 @@ std::expected<std::shared_ptr<SqliteSuite>, std::string> SqliteSuite::open(std::
   return suite;
 }
 
-std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds patience) {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds openWait) {
+  const auto deadline = std::chrono::steady_clock::now() + openWait;
   for (int attempts = 1;;) {
     auto opened = SuiteFile::open(path_, deadline);
     if (opened) {
-      adopt(std::move(*opened));
+      useFile(std::move(*opened));
       return {};
     }
     Problem problem = std::move(opened.error());
@@ -66,14 +66,14 @@ std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds pa
     if (problem.recovery != Recovery::wait) {
       if (attempts++ == maximumAttempts) return std::unexpected(std::move(problem.text));
     } else if (std::chrono::steady_clock::now() >= deadline) {
-      goOnWithout(problem.text);
+      startHeld(problem.text);
       return {};
     }
   }
 }
 
-// What is stored may be anything, so nothing counts as decided.
-void SqliteSuite::goOnWithout(const std::string& why) {
+// The stored content is unknown, so nothing counts as decided.
+void SqliteSuite::startHeld(const std::string& why) {
   isHeld_ = true;
   publish(std::make_shared<const SuiteEntries>(SuiteEntries{{std::string(lostEntriesKey), true}}));
   note("Store " + path_.string() + " is held by another process (" + why +
@@ -90,27 +90,27 @@ bool SqliteSuite::probe() const noexcept {
   try {
     std::unique_lock connection(connectionMutex_, std::try_to_lock);
     if (!connection) return false;
-    bool hasLooked = true;
+    bool hasProbed = true;
     if (!file_ || file_->moved()) {
-      // Another process has set the file aside and begun a new one, or somebody has put back an older one. When nothing
-      // usable stands there, what we know stays valid until the next update mends the file.
+      // Another process has replaced the file, or an older copy was restored. Without a usable file the last known
+      // content stays valid until the next update repairs the file.
       auto opened = SuiteFile::open(path_, Deadline::min());
       if (opened) {
-        adopt(std::move(*opened));
+        useFile(std::move(*opened));
       } else if (isHeld_ || opened.error().recovery == Recovery::wait) {
-        hasLooked = false;
+        hasProbed = false;
       }
     } else if (const auto done = refresh(); !done) {
-      if (done.error().recovery == Recovery::wait) return false;  // a commit is under way: the next reader asks again
+      if (done.error().recovery == Recovery::wait) return false;  // during a commit; the next reader probes again
       if (version_) note("Store " + path_.string() + " cannot be read any more: " + done.error().text);
       version_.reset();
     }
     nextProbe_.store(coarseNanoseconds() + probeIntervalNanoseconds, std::memory_order_relaxed);
     connection.unlock();
     deliver();
-    return hasLooked;
+    return hasProbed;
   } catch (...) {
-    return false;  // out of memory: the snapshot stays, and the next reader tries again
+    return false;  // out of memory: the snapshot stays, and the next reader retries
   }
 }
 
@@ -119,7 +119,7 @@ std::expected<JournalPage, std::string> SqliteSuite::journal(std::int64_t before
     try {
       std::lock_guard connection(connectionMutex_);
       if (auto done = ready(); !done) return std::unexpected(std::move(done.error()));
-      auto read = file_->readJournal(before, count, afterPatience());
+      auto read = file_->readJournal(before, count, writerDeadline());
       if (!read) return std::unexpected(problem(read.error()).text);
       noteDamaged(read->damaged);
       return std::move(*read);
@@ -136,16 +136,16 @@ std::expected<SuiteReading, std::string> SqliteSuite::read() const {
     try {
       std::lock_guard connection(connectionMutex_);
       if (auto done = ready(); !done) return std::unexpected(std::move(done.error()));
-      const auto deadline = afterPatience();
-      auto unsettled = readOnce();
-      while (!unsettled && unsettled.error().recovery == Recovery::wait && file_ &&
+      const auto deadline = writerDeadline();
+      auto unmarked = readOnce();
+      while (!unmarked && unmarked.error().recovery == Recovery::wait && file_ &&
              std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        unsettled = readOnce();
+        unmarked = readOnce();
       }
-      if (!unsettled) return std::unexpected(problem(unsettled.error()).text);
-      noteDamaged(unsettled->damaged);
-      return SuiteReading{published_, std::move(unsettled->records)};  // only a holder of the connection publishes
+      if (!unmarked) return std::unexpected(problem(unmarked.error()).text);
+      noteDamaged(unmarked->damaged);
+      return SuiteReading{published_, std::move(unmarked->records)};  // unchanged while the connection is held
     } catch (const std::exception& error) {
       return std::unexpected(error.what());
     }
@@ -163,15 +163,15 @@ SqliteResult<JournalPage> SqliteSuite::readOnce() const {
     }
   } ended{file_};
   if (auto done = refresh(); !done) return std::unexpected(done.error());
-  return file_->readUnsettled();
+  return file_->readUnmarked();
 }
 
-// An open file stands at the path.
+// Ensures that an open file is at the path.
 std::expected<void, std::string> SqliteSuite::ready() const {
   if (file_ && !file_->moved()) return {};
-  auto opened = SuiteFile::open(path_, afterPatience());
+  auto opened = SuiteFile::open(path_, writerDeadline());
   if (!opened) return std::unexpected(std::move(opened.error().text));
-  adopt(std::move(*opened));
+  useFile(std::move(*opened));
   return {};
 }
 
@@ -210,7 +210,7 @@ void SqliteSuite::watch() {
   }
 }
 
-void SqliteSuite::adopt(SuiteFile::Opened opened) const {
+void SqliteSuite::useFile(SuiteFile::Opened opened) const {
   file_.emplace(std::move(opened.file));
   publish(std::move(opened.content));
 }
@@ -221,7 +221,7 @@ SqliteResult<> SqliteSuite::refresh() const {
   if (version_ == *seen) return {};
   auto content = file_->read();
   if (!content) return std::unexpected(content.error());
-  if (version_) hasChanged_ = true;  // perhaps in the journal alone
+  if (version_) hasChanged_ = true;  // possibly only in the journal
   publish(std::move(*content));
   return {};
 }
@@ -265,11 +265,11 @@ void SqliteSuite::deliver() const noexcept {
     notes.swap(notes_);
   }
   for (auto& [level, message] : notes) {
-    // The host's own failure, and nobody to tell it to.
+    // An exception of the host's report; there is nowhere to report it.
     if (report_) contained([&] { report_(level, std::move(message)); });
   }
   if (!hasChanged_.exchange(false) || !loop_ || observers_->empty()) return;
-  contained([&] { loop_->post([observers = observers_] { observers->tell(); }); });
+  contained([&] { loop_->post([observers = observers_] { observers->notify(); }); });
 }
 
 }  // namespace quillon

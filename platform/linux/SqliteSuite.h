@@ -1,4 +1,4 @@
-// One suite of the durable store, kept in one SQLite file.
+// A suite of the durable store, in one SQLite file.
 #pragma once
 
 #include <atomic>
@@ -21,18 +21,18 @@ namespace quillon {
 class FileWatch;
 class WorkLoop;
 
-// Readers take the published snapshot; at intervals one of them asks the file whether another process has committed,
-// unless an update of this process has the connection just then. While somebody observes, the pool asks too, whenever
-// the file changes. Must not be used across a fork. The folder must exist
-// and its path be free of links. A file that another process does not let go of at the start is taken up once it does.
+// Readers take the published snapshot. At intervals a reader probes the file for commits of other processes, unless an
+// update of this process holds the connection. While there are observers, the pool also probes whenever the file
+// changes. Must not be used across a fork. The folder must exist and its path contain no links. A file held by another
+// process at the start is loaded once it is released.
 class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_this<SqliteSuite> {
  public:
-  // Waits that long for another process that holds the file. The error, path and reason, when the file can be neither
-  // opened nor made. Without a loop nobody is told of changes.
+  // Waits up to `openWait` for another process that holds the file. The error, with path and reason, when the file can
+  // be neither opened nor created. Without a loop observers are not called.
   static std::expected<std::shared_ptr<SqliteSuite>, std::string> open(std::filesystem::path file,
                                                                        KeyValueStore::Report report,
                                                                        std::shared_ptr<WorkLoop> loop,
-                                                                       std::chrono::milliseconds patience);
+                                                                       std::chrono::milliseconds openWait);
 
   std::shared_ptr<const SuiteEntries> snapshot() const override;
   std::expected<void, std::string> update(const Edit& edit) override;
@@ -44,27 +44,27 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   using Deadline = SuiteFile::Deadline;
   using Problem = SqliteError;
   using Note = std::pair<KeyValueStore::ReportLevel, std::string>;
-  // Whose content is at the path now: what this object knew, or what stood there.
+  // The content at the path after recovery: this object's, or another process's.
   enum class Recovered { ours, anothers };
   class Transaction;
 
   SqliteSuite(std::filesystem::path file, KeyValueStore::Report report, std::shared_ptr<WorkLoop> loop);
 
-  static Deadline afterPatience();
-  // False when somebody else was at the file just then.
+  static Deadline writerDeadline();
+  // False when the file was busy.
   bool probe() const noexcept;
   std::expected<void, std::string> updateInTurn(const Edit& edit);
   void watch();
   void note(std::string message, KeyValueStore::ReportLevel level = KeyValueStore::ReportLevel::error) const;
-  // Tells of damage, and of changes, without a lock: the receivers are the host's.
+  // Delivers reports and change notifications without a lock: the receivers are host code.
   void deliver() const noexcept;
 
-  // The rest with connectionMutex_ held.
+  // The members below require connectionMutex_.
   std::expected<void, std::string> ready() const;
   SqliteResult<JournalPage> readOnce() const;
   void noteDamaged(const std::vector<std::int64_t>& records) const;
   SqliteResult<> refresh() const;
-  void adopt(SuiteFile::Opened opened) const;
+  void useFile(SuiteFile::Opened opened) const;
   void publish(SuiteContent content) const;
   void publish(std::shared_ptr<const SuiteEntries> entries) const;
   Problem problem(const SqliteError& error) const;
@@ -72,33 +72,33 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   std::expected<void, Problem> attempt(std::unique_lock<std::mutex>& connection, Deadline deadline, const Edit& edit,
                                        bool& isCommitted);
   std::expected<Recovered, Problem> recover(const Problem& why);
-  std::expected<void, std::string> start(std::chrono::milliseconds patience);
-  void goOnWithout(const std::string& why);
+  std::expected<void, std::string> start(std::chrono::milliseconds openWait);
+  void startHeld(const std::string& why);
 
   const std::filesystem::path path_;
   const KeyValueStore::Report report_;
   const std::shared_ptr<WorkLoop> loop_;
 
-  std::mutex writersMutex_;  // one update at a time; taken before connectionMutex_
+  std::mutex writersMutex_;  // serialises updates; locked before connectionMutex_
 
   mutable std::mutex connectionMutex_;
-  mutable std::optional<SuiteFile> file_;          // nothing after an error that spoilt the connection
-  mutable std::optional<std::int64_t> version_;    // of the published content; nothing: read it again
-  mutable bool isKnown_ = false;                   // content has been read at some time
-  mutable bool isHeld_ = false;                    // by another process ever since the start: nothing is known
-  mutable bool sound_ = true;                      // no row of the file is unreadable
-  mutable std::set<std::string> unreadableNoted_;  // each of them is reported once
-  mutable std::set<std::int64_t> damagedNoted_;    // of the journal, likewise
+  mutable std::optional<SuiteFile> file_;          // nullopt after an error that broke the connection
+  mutable std::optional<std::int64_t> version_;    // of the published content; nullopt: read again
+  mutable bool isKnown_ = false;                   // content was read at least once
+  mutable bool isHeld_ = false;                    // by another process since the start: content unknown
+  mutable bool sound_ = true;                      // all rows are readable
+  mutable std::set<std::string> unreadableNoted_;  // reported once each
+  mutable std::set<std::int64_t> damagedNoted_;    // journal numbers, reported once each
 
-  mutable std::mutex publishedMutex_;  // held for the copy of one pointer
+  mutable std::mutex publishedMutex_;  // held only to copy the pointer
   mutable std::shared_ptr<const SuiteEntries> published_ = std::make_shared<SuiteEntries>();
   mutable std::atomic<std::int64_t> nextProbe_{0};  // nanoseconds of the coarse monotonic clock
 
-  std::mutex watchMutex_;  // guards the two below
+  std::mutex watchMutex_;  // guards the two members below
   std::shared_ptr<FileWatch> watch_;
   bool isWatchFaultNoted_ = false;
   const std::shared_ptr<SuiteObservers> observers_ = std::make_shared<SuiteObservers>();
-  mutable std::atomic<bool> hasChanged_{false};  // other than by an update of ours, and nobody was told yet
+  mutable std::atomic<bool> hasChanged_{false};  // by another process, not yet reported
 
   mutable std::mutex notesMutex_;
   mutable std::vector<Note> notes_;

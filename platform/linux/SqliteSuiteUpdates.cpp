@@ -1,4 +1,4 @@
-// Updates of a suite, and what is done when its file does not take them.
+// Updates of a suite, and recovery when the file fails.
 #include <algorithm>
 #include <exception>
 #include <thread>
@@ -13,7 +13,7 @@ namespace quillon {
 
 namespace {
 
-constexpr std::chrono::seconds patience{2};
+constexpr std::chrono::seconds writerWait{2};
 constexpr int maximumAttempts = 4;
 
 SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
@@ -27,7 +27,7 @@ SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
   return entries;
 }
 
-// What the changes really change, as rows; the keys belong to the changes.
+// The effective changes as rows; keys refer into the changes.
 using Rows = std::vector<std::pair<std::string_view, std::optional<StoredValue>>>;
 
 std::expected<Rows, std::string> rowsToWrite(const SuiteEntries& current, const SuiteChanges& changes) {
@@ -49,7 +49,7 @@ std::expected<Rows, std::string> rowsToWrite(const SuiteEntries& current, const 
 
 }  // namespace
 
-// Rolls back unless committed; a connection that cannot even do that is given up.
+// Rolls back unless committed; drops a connection that fails to roll back.
 class SqliteSuite::Transaction {
  public:
   explicit Transaction(SqliteSuite& suite) : suite_(suite) {}
@@ -70,8 +70,8 @@ class SqliteSuite::Transaction {
   bool committed_ = false;
 };
 
-SqliteSuite::Deadline SqliteSuite::afterPatience() {
-  return std::chrono::steady_clock::now() + patience;
+SqliteSuite::Deadline SqliteSuite::writerDeadline() {
+  return std::chrono::steady_clock::now() + writerWait;
 }
 
 std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
@@ -92,21 +92,21 @@ std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
 std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
   std::lock_guard turn(writersMutex_);
   std::unique_lock connection(connectionMutex_);
-  bool hasLookedAgain = false;
+  bool hasReopened = false;
   for (int attempts = 1;; ++attempts) {
     bool isCommitted = false;
-    auto done = attempt(connection, afterPatience(), edit, isCommitted);
+    auto done = attempt(connection, writerDeadline(), edit, isCommitted);
     if (done) return {};
     auto& problem = done.error();
     const bool isHopeless = problem.recovery == Recovery::none || problem.recovery == Recovery::wait;
     if (isHopeless || attempts == maximumAttempts) return std::unexpected(std::move(problem.text));
-    // At first the fault may lie with our connection, or somebody may have put things right.
-    if (problem.recovery == Recovery::replace && !std::exchange(hasLookedAgain, true)) {
+    // First try a new connection: the fault may be ours, or repaired by another process.
+    if (problem.recovery == Recovery::replace && !std::exchange(hasReopened, true)) {
       problem.recovery = Recovery::reopen;
     }
     const auto recovered = recover(problem);
     if (!recovered) return std::unexpected(recovered.error().text);
-    // What was committed to a file that had lost its place was written again with the rest of it.
+    // A commit to a file that was moved away was written again by recover().
     if (isCommitted && *recovered == Recovered::ours) return {};
   }
 }
@@ -120,7 +120,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::begin(std::unique_lock<st
     if (begun.error().recovery != Recovery::wait || std::chrono::steady_clock::now() >= deadline) {
       return std::unexpected(problem(begun.error()));
     }
-    // Readers go on probing while another process writes.
+    // Unlocked while another process writes, so that readers can probe.
     connection.unlock();
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
     connection.lock();
@@ -139,11 +139,11 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   const auto& current = *published_;  // only a holder of the connection publishes
   const auto impossible = [](std::string why) { return std::unexpected(Problem{Recovery::none, std::move(why)}); };
   SuiteUpdate planned = edit(current);
-  if (planned.settle) {
-    const auto unsettled = file_->readUnsettled();
-    if (!unsettled) return std::unexpected(problem(unsettled.error()));
-    noteDamaged(unsettled->damaged);
-    planned.complete(unsettled->records);
+  if (planned.markRecords) {
+    const auto unmarked = file_->readUnmarked();
+    if (!unmarked) return std::unexpected(problem(unmarked.error()));
+    noteDamaged(unmarked->damaged);
+    planned.complete(unmarked->records);
   }
   const auto rows = rowsToWrite(current, planned.changes);
   if (!rows) return impossible(rows.error());
@@ -162,11 +162,11 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   if (writesJournal) {
     if (auto done = file_->writeJournal(planned); !done) return std::unexpected(problem(done.error()));
   }
-  if (auto done = file_->commit(afterPatience()); !done) return std::unexpected(problem(done.error()));
+  if (auto done = file_->commit(writerDeadline()); !done) return std::unexpected(problem(done.error()));
   transaction.committed();
   isCommitted = true;
   publish(std::move(next));
-  // Set aside by another process between our look and our commit: the changes go into the file that took its place.
+  // Moved away by another process since it was checked: the update must go into its replacement.
   if (file_->moved()) return std::unexpected(Problem{Recovery::reopen, "it was moved away"});
   return {};
 }
@@ -177,9 +177,9 @@ SqliteSuite::Problem SqliteSuite::problem(const SqliteError& error) const {
           "store " + path_.string() + (isHeld ? ": another process holds it: " : ": ") + error.text};
 }
 
-// Leaves a healthy file open at the path, holding what was last known to be committed.
+// Opens or creates a healthy file at the path, with the content last known to be committed.
 std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover(const Problem& why) {
-  const auto locked = Folder::openLocked(path_.parent_path(), afterPatience());
+  const auto locked = Folder::openLocked(path_.parent_path(), writerDeadline());
   if (!locked) return std::unexpected(Problem{Recovery::none, locked.error()});
   const auto& folder = *locked;
   if (!folder) {
@@ -190,23 +190,23 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
   std::vector<JournalRecord> journal;
   if (wasOpen) {
     if (file_->moved()) {
-      // Other processes may have committed to it after we last looked.
+      // Other processes may have committed since the last read.
       if (auto content = file_->read(); content && content->unreadable.empty()) publish(std::move(*content));
     }
-    journal = file_->salvageJournal();
+    journal = file_->readableJournal();
     file_.reset();
   }
 
   SuiteEntries entries = isKnown_ ? *published_ : SuiteEntries{};
-  auto found = SuiteFile::open(path_, afterPatience());
+  auto found = SuiteFile::open(path_, writerDeadline());
   if (found) {
     if (found->content.unreadable.empty() && !isReplaced) {
-      // Another process was faster, or somebody restored a copy. What stands there counts as it is: adding our keys to
-      // it could bring back what has been erased from it since.
-      adopt(std::move(*found));
+      // Another process was faster, or a copy was restored. That content counts as it is: adding our keys could restore
+      // erased ones.
+      useFile(std::move(*found));
       return Recovered::anothers;
     }
-    // Nobody may write to it any more, nor have done so since it was read.
+    // No process may write to it from now on, nor have written since it was read.
     if (auto begun = found->file.begin(); !begun) return std::unexpected(problem(begun.error()));
     const auto version = found->file.version();
     if (!version) return std::unexpected(problem(version.error()));
@@ -214,12 +214,12 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
       return std::unexpected(Problem{Recovery::wait, "another process goes on writing to " + path_.string()});
     }
     entries = found->content.entries;
-    journal = found->file.salvageJournal();
+    journal = found->file.readableJournal();
     publish(std::move(found->content));
   } else {
     const auto& error = found.error();
     if (error.recovery == Recovery::none || error.recovery == Recovery::wait) return std::unexpected(problem(error));
-    // A start that was cut off by an earlier version may have left nothing in the place of a damaged file.
+    // An interrupted start of an earlier version may have set a damaged file aside and left none in its place.
     const bool isLost = error.recovery == Recovery::replace || isSuiteFileKeptAside(path_);
     if (!isKnown_ && isLost) entries.insert_or_assign(std::string(lostEntriesKey), true);
   }
@@ -235,9 +235,9 @@ std::expected<SqliteSuite::Recovered, SqliteSuite::Problem> SqliteSuite::recover
   } else if (entries.contains(lostEntriesKey)) {
     note("Store " + path_.string() + " had disappeared while a damaged one was set aside; a new one was begun");
   }
-  auto opened = SuiteFile::open(path_, afterPatience());
+  auto opened = SuiteFile::open(path_, writerDeadline());
   if (!opened) return std::unexpected(problem(opened.error()));
-  adopt(std::move(*opened));
+  useFile(std::move(*opened));
   return found ? Recovered::anothers : Recovered::ours;
 }
 

@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-// The stream's own lock, so that a block does not mix with what the host prints either.
+// Uses the stream's lock, so that blocks do not mix with the host's output either.
 void StandardConsole::write(std::string_view block) {
   const HeldWriteSignals held;
   flockfile(stdout);

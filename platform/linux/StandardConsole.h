@@ -1,11 +1,11 @@
-// Diagnostics on the standard streams of the process.
+// A console on the process's standard streams.
 #pragma once
 
 #include "platform/Console.h"
 
 namespace quillon {
 
-// Thread-safe. Blocks go to standard output; a stream that takes nothing (closed, full) loses them silently.
+// Thread-safe. Blocks go to standard output; lost silently when it is closed or full.
 class StandardConsole : public Console {
  public:
   void write(std::string_view block) override;

@@ -1,4 +1,4 @@
-// How a value stands in a row of the database: its type by name and its text, both readable in the sqlite3 shell.
+// A value as a database row: type name and text, both readable in the sqlite3 shell.
 #pragma once
 
 #include <cstdint>
@@ -19,10 +19,10 @@ struct StoredValue {
 
 [[nodiscard]] StoredValue toStored(const PropertyValue& value);
 
-// Nothing when the type is unknown or the text is not one of that type.
+// nullopt when the type is unknown or the text invalid for it.
 [[nodiscard]] std::optional<PropertyValue> fromStored(std::string_view type, std::string_view text);
 
-// Over all three, so that a text that wandered to another key or type is noticed too.
+// Covers all three, so that a text moved to another key or type is detected too.
 [[nodiscard]] std::uint32_t storedChecksum(std::string_view key, std::string_view type, std::string_view text);
 
 }  // namespace quillon

@@ -38,7 +38,7 @@ struct Row {
   std::string_view key, type, text;
 };
 
-// Nothing when the row is not what was written.
+// nullopt when the row is damaged.
 SqliteResult<std::optional<Row>> verifiedRow(const SqliteStatement& statement) {
   std::array<std::string_view, 3> texts;
   for (int column = 0; auto& text : texts) {
@@ -76,7 +76,7 @@ SqliteResult<SuiteFile::Opened> SuiteFile::open(const std::filesystem::path& pat
   if (static_cast<std::uint64_t>(status.st_size) > maximumSuiteFileBytes) {
     return damaged("it is larger than a store can be");
   }
-  // Best effort, and never through an open descriptor: closing one would drop the locks that SQLite holds on this file.
+  // Best effort, and never through a descriptor: closing it would release SQLite's locks on the file.
   if ((status.st_mode & 077) != 0) (void)::fchmodat(AT_FDCWD, path.c_str(), 0600, AT_SYMLINK_NOFOLLOW);
 
   auto opened = retryWhileHeld(deadline, [&] { return tryOpen(path); });
@@ -93,7 +93,7 @@ SqliteResult<SuiteFile::Opened> SuiteFile::tryOpen(const std::filesystem::path& 
   return SuiteFile(path, std::move(*database)).checked();
 }
 
-// Leaves nothing usable behind.
+// The connection is unusable afterwards.
 SqliteResult<SuiteFile::Opened> SuiteFile::checked() {
   const auto journal = database_.ask("PRAGMA journal_mode=TRUNCATE");
   if (!journal) return std::unexpected(journal.error());
@@ -104,16 +104,16 @@ SqliteResult<SuiteFile::Opened> SuiteFile::checked() {
   const auto check = database_.ask("PRAGMA quick_check(1)");
   if (!check) return std::unexpected(check.error());
   if (*check != "ok") {
-    // A journal that is damaged costs no consent: the entries are read, and the next update begins a new file.
+    // A damaged journal loses no consent: the entries are read, and the next update starts a new file.
     const auto entriesCheck = database_.ask("PRAGMA quick_check(entries)");
     if (!entriesCheck) return std::unexpected(entriesCheck.error());
     if (*entriesCheck != "ok") return damaged(*check);
   }
-  // Also of an empty file: each takes its place complete, so that one has lost its content.
+  // Also for an empty file: files are put in place complete, so an empty one has lost its content.
   const auto fault = SuiteLayout::fault(database_);
   if (!fault) return std::unexpected(fault.error());
   if (!fault->empty()) return damaged(*fault);
-  // A changed format number in the header makes SQLite refuse writes, which is no want of permission.
+  // A changed format version in the header makes SQLite open the file read-only although permissions allow writing.
   if (database_.readOnly() && ::faccessat(AT_FDCWD, path_.c_str(), W_OK, AT_EACCESS) == 0) {
     return damaged("its header allows no writing");
   }
@@ -122,7 +122,7 @@ SqliteResult<SuiteFile::Opened> SuiteFile::checked() {
   auto content = read();
   if (!content) return std::unexpected(content.error());
   if (*check != "ok") content->unreadable.push_back("the journal: " + *check);
-  // SQLite reads zeros where the last page is cut, and its check is content with some of them.
+  // SQLite reads a truncated last page as zeros, which can pass its check.
   if (truncated()) content->lose("the end of the file");
   return Opened{std::move(*this), std::move(*content)};
 }
@@ -153,7 +153,7 @@ SqliteResult<std::int64_t> SuiteFile::version() {
 
 SqliteResult<SuiteContent> SuiteFile::read() {
   SuiteContent content;
-  // Before the rows: a commit in between is then read again, not missed.
+  // Read before the rows: a commit in between is then read again, not missed.
   const auto seen = version();
   if (!seen) return std::unexpected(seen.error());
   content.version = *seen;
@@ -187,7 +187,7 @@ SqliteResult<SuiteContent> SuiteFile::read() {
       const auto named = select_.text(0);
       if (!named) return std::unexpected(named.error());
       const auto key = named->value_or("");
-      // One key twice: which of them is the newer cannot be told.
+      // A duplicate key: the newer value is unknown.
       if (const auto twin = content.entries.find(key); twin != content.entries.end()) content.entries.erase(twin);
       content.lose(printable(key));
       continue;
@@ -230,7 +230,7 @@ SqliteResult<> SuiteFile::commit(Deadline deadline) {
 
 bool SuiteFile::rollback() {
   journal_.transactionEnded(false);
-  // SQLite has ended the transaction by itself after some errors.
+  // After some errors SQLite has already rolled back.
   if (database_.inTransaction()) {
     if (const auto done = database_.run("ROLLBACK"); !done) return false;
   }

@@ -1,4 +1,4 @@
-// The database file of one suite, how it is opened and checked, and the reading and writing of its rows.
+// The database file of a suite: opening, checking, reading and writing rows.
 #pragma once
 
 #include <chrono>
@@ -16,62 +16,61 @@
 
 namespace quillon {
 
-// Beyond these a file is not one of ours and counts as damaged; no update lets it grow so far.
+// A larger file is not ours and counts as damaged; updates keep it smaller.
 constexpr std::uint64_t maximumSuiteFileBytes = 64 << 20;
 constexpr std::size_t maximumSuiteEntries = 100'000;
-// Of one key and the text of its value.
+// Limit of a key and its value's text.
 constexpr std::size_t maximumEntryBytes = 1 << 20;
 
 struct SuiteContent {
   SuiteEntries entries;
-  // Keys of rows that are not what was written, made printable. Their entries are absent, and the file must not be
-  // written to: a search through the tree may miss what follows a changed key.
+  // Printable keys of damaged rows. Their entries are absent. The file must not be written: a tree search may miss
+  // entries after a changed key.
   std::vector<std::string> unreadable;
-  // Of the connection that read it: changes when another connection has committed.
+  // The reading connection's version; changes when another connection commits.
   std::int64_t version = 0;
 
-  // Adds to what is unreadable something that may have held entries.
+  // Adds a part that may have held entries to `unreadable`.
   void lose(std::string what) {
     unreadable.push_back(std::move(what));
     entries.insert_or_assign(std::string(lostEntriesKey), true);
   }
 };
 
-// An open and healthy file. Not thread-safe. Must not be used across a fork.
+// An open, healthy file. Not thread-safe. Must not be used across a fork.
 class SuiteFile {
  public:
   using Deadline = std::chrono::steady_clock::time_point;
   struct Opened;
 
-  // Opens and checks the file, waiting for a writer until the deadline. What else is in the file is left alone, but for
-  // triggers on our tables.
+  // Opens and checks the file, waiting for a writer until the deadline. Foreign content is left alone, except triggers
+  // on our tables.
   static SqliteResult<Opened> open(const std::filesystem::path& path, Deadline deadline);
 
   [[nodiscard]] SqliteResult<std::int64_t> version();
-  // The file is to be replaced when the rows are not a suite's.
+  // The error asks for replacement when the rows are not a suite's.
   [[nodiscard]] SqliteResult<SuiteContent> read();
 
-  // The path leads elsewhere, or nowhere.
+  // Whether the path leads elsewhere, or nowhere.
   [[nodiscard]] bool moved() const noexcept { return database_.moved(); }
-  // The file is shorter than its own header says; SQLite would not notice while it has the pages in memory.
+  // Whether the file is shorter than its header states; SQLite would not notice while the pages are cached.
   [[nodiscard]] bool truncated();
 
   [[nodiscard]] SqliteResult<> begin() { return database_.run("BEGIN IMMEDIATE"); }
-  // What is read until the end of the transaction is of one moment.
+  // Reads until the end of the transaction see one moment.
   [[nodiscard]] SqliteResult<> beginReading() { return database_.run("BEGIN"); }
   [[nodiscard]] SqliteResult<> put(std::string_view key, const StoredValue& value);
   [[nodiscard]] SqliteResult<> remove(std::string_view key);
   [[nodiscard]] SqliteResult<> writeJournal(const SuiteUpdate& update) { return journal_.write(database_, update); }
   // Waits for a writer until the deadline.
   [[nodiscard]] SqliteResult<JournalPage> readJournal(std::int64_t before, std::size_t count, Deadline deadline);
-  // One try.
-  [[nodiscard]] SqliteResult<JournalPage> readUnsettled() { return journal_.unsettled(database_); }
-  // What can be had of the journal of a damaged file, oldest first.
-  [[nodiscard]] std::vector<JournalRecord> salvageJournal() { return journal_.salvage(database_); }
-  // Waits until the deadline for readers to let go; begin() is tried once, for the caller has better things to do
-  // between.
+  // Does not wait.
+  [[nodiscard]] SqliteResult<JournalPage> readUnmarked() { return journal_.unmarked(database_); }
+  // The readable journal records of a damaged file, oldest first.
+  [[nodiscard]] std::vector<JournalRecord> readableJournal() { return journal_.readableRecords(database_); }
+  // Waits for readers until the deadline; begin() does not wait, so that the caller can release its locks in between.
   [[nodiscard]] SqliteResult<> commit(Deadline deadline);
-  // False when the connection is of no more use.
+  // False when the connection is unusable.
   [[nodiscard]] bool rollback();
 
  private:

@@ -14,7 +14,7 @@ std::int64_t checksum(std::int64_t number, std::string_view mark, std::string_vi
   return storedChecksum(std::to_string(number), mark, text);
 }
 
-// Adds the row on which the statement stands, as a record or as a damaged one.
+// Adds the statement's current row, as a record or as a damaged one.
 SqliteResult<> take(const SqliteStatement& row, JournalPage& page) {
   const auto number = row.integer(0);
   const auto readMark = row.text(1);
@@ -70,9 +70,8 @@ SqliteResult<bool> SuiteJournal::prepare(SqliteDatabase& database, Missing missi
   for (auto& [statement, sql] :
        {Prepared{fresh.page,
                  "SELECT number, mark, text, checksum FROM journal WHERE number<? ORDER BY number DESC LIMIT ?"},
-        Prepared{fresh.unsettled,
-                 "SELECT number, mark, text, checksum FROM journal WHERE mark='' ORDER BY number DESC"},
-        // Numbers beyond are none of ours.
+        Prepared{fresh.unmarked, "SELECT number, mark, text, checksum FROM journal WHERE mark='' ORDER BY number DESC"},
+        // Numbers above the range are not ours.
         Prepared{fresh.range,
                  "SELECT (SELECT min(number) FROM journal), "
                  "(SELECT max(number) FROM journal WHERE number<4611686018427387904)"},
@@ -100,14 +99,14 @@ SqliteResult<> SuiteJournal::write(SqliteDatabase& database, const SuiteUpdate& 
     if (auto done = database.run("DELETE FROM journal"); !done) return done;
   }
   if (!update.marks.empty()) {
-    if (auto done = settle(update); !done) return done;
+    if (auto done = writeMarks(update); !done) return done;
   }
   return append(database, update.appended);
 }
 
-SqliteResult<> SuiteJournal::settle(const SuiteUpdate& update) {
+SqliteResult<> SuiteJournal::writeMarks(const SuiteUpdate& update) {
   JournalPage page;
-  if (auto done = collect(statements_->unsettled, page); !done) return done;
+  if (auto done = collect(statements_->unmarked, page); !done) return done;
   for (const auto& record : page.records) {
     const auto mark = update.marks.find(record.number);
     if (mark == update.marks.end() || mark->second.empty()) continue;
@@ -155,7 +154,7 @@ bool SuiteJournal::Range::mayBeFull() const {
 }
 
 SqliteResult<> SuiteJournal::dropOldest(SqliteDatabase& database) {
-  // Damaged numbers may lie far apart, so the rows are counted before any of them goes.
+  // Damaged numbers may be far apart, so count the rows before dropping any.
   const auto counted = database.ask("SELECT count(*) FROM journal");
   if (!counted) return std::unexpected(counted.error());
   const std::int64_t excess = std::stoll(*counted) - static_cast<std::int64_t>(maximumJournalRecords);
@@ -176,21 +175,21 @@ SqliteResult<JournalPage> SuiteJournal::read(SqliteDatabase& database, std::int6
   return page;
 }
 
-SqliteResult<JournalPage> SuiteJournal::unsettled(SqliteDatabase& database) {
+SqliteResult<JournalPage> SuiteJournal::unmarked(SqliteDatabase& database) {
   JournalPage page;
   const auto prepared = prepare(database, Missing::leave);
   if (!prepared) return std::unexpected(prepared.error());
   if (!*prepared) return page;
-  if (auto done = collect(statements_->unsettled, page); !done) return std::unexpected(done.error());
+  if (auto done = collect(statements_->unmarked, page); !done) return std::unexpected(done.error());
   return page;
 }
 
-std::vector<JournalRecord> SuiteJournal::salvage(SqliteDatabase& database) {
+std::vector<JournalRecord> SuiteJournal::readableRecords(SqliteDatabase& database) {
   JournalPage page;
   if (const auto prepared = prepare(database, Missing::leave); prepared && *prepared) {
     statements_->page.bind(0, std::numeric_limits<std::int64_t>::max());
     statements_->page.bind(1, static_cast<std::int64_t>(maximumJournalRecords));
-    // Where it ends early, what came before is what can be had.
+    // After an error, the rows read so far are kept.
     if (const auto done = collect(statements_->page, page); !done) statements_->page.reset();
   }
   std::map<std::int64_t, JournalRecord> sound;

@@ -1,4 +1,4 @@
-// The journal of a suite as a table of its database file.
+// The journal table of a suite's database file.
 #pragma once
 
 #include <cstdint>
@@ -12,54 +12,54 @@
 
 namespace quillon {
 
-// Every row carries a checksum over number, mark and text. Not thread-safe, as its connection. A file made before there
-// were journals gets the table with its first record.
+// Every row has a checksum over number, mark and text. Not thread-safe, like its connection. Files from before journals
+// get the table with their first record.
 class SuiteJournal {
  public:
   static constexpr std::string_view schema =
       "CREATE TABLE journal(number INTEGER PRIMARY KEY, mark TEXT, text TEXT, checksum INTEGER)";
 
-  // Within a transaction. Clears, settles and appends, and drops the oldest rows when there are too many.
+  // Within a transaction: clears, marks and appends, and drops the oldest rows beyond the limit.
   [[nodiscard]] SqliteResult<> write(SqliteDatabase& database, const SuiteUpdate& update);
 
   // Newest first; the table need not exist.
   [[nodiscard]] SqliteResult<JournalPage> read(SqliteDatabase& database, std::int64_t before, std::size_t count);
 
-  // Those without a mark, newest first; the table need not exist.
-  [[nodiscard]] SqliteResult<JournalPage> unsettled(SqliteDatabase& database);
+  // Unmarked records, newest first; the table need not exist.
+  [[nodiscard]] SqliteResult<JournalPage> unmarked(SqliteDatabase& database);
 
-  // Writes a record of another file under its own number.
+  // Writes a record of another file with its number.
   [[nodiscard]] SqliteResult<> put(SqliteDatabase& database, const JournalRecord& record);
 
-  // Every sound row that can still be reached in a file that is damaged, oldest first.
-  [[nodiscard]] std::vector<JournalRecord> salvage(SqliteDatabase& database);
+  // Every intact row still reachable in a damaged file, oldest first.
+  [[nodiscard]] std::vector<JournalRecord> readableRecords(SqliteDatabase& database);
 
   void transactionEnded(bool committed);
 
  private:
   enum class Missing { create, leave };
-  // Of the numbers of its records.
+  // The range of record numbers.
   struct Range {
     std::int64_t oldest;
     std::int64_t newest;
     bool mayBeFull() const;
   };
-  // False when there is no table.
+  // False without a table.
   [[nodiscard]] SqliteResult<bool> prepare(SqliteDatabase& database, Missing missing);
-  [[nodiscard]] SqliteResult<> settle(const SuiteUpdate& update);
+  [[nodiscard]] SqliteResult<> writeMarks(const SuiteUpdate& update);
   [[nodiscard]] SqliteResult<> append(SqliteDatabase& database, const std::vector<std::string>& texts);
   [[nodiscard]] SqliteResult<Range> range();
   [[nodiscard]] SqliteResult<> dropOldest(SqliteDatabase& database);
 
   struct Statements {
     SqliteStatement page;
-    SqliteStatement unsettled;
+    SqliteStatement unmarked;
     SqliteStatement range;
     SqliteStatement put;
     SqliteStatement mark;
   };
   std::optional<Statements> statements_;
-  bool created_ = false;  // by the transaction under way
+  bool created_ = false;  // by the current transaction
 };
 
 }  // namespace quillon

@@ -12,13 +12,13 @@ SqliteResult<> SuiteLayout::prepare(SqliteDatabase& database) {
 }
 
 SqliteResult<std::string> SuiteLayout::fault(SqliteDatabase& database) {
-  // A view of that name would be none of our rows, and without the keys a row could be there twice.
+  // A view of that name would not contain our rows, and without the primary keys a row could be duplicated.
   const auto tables = database.ask(
       "SELECT group_concat(type || ' ' || name || '(' || (SELECT ifnull(group_concat(name), '') FROM"
       " pragma_table_info(s.name) WHERE pk>0) || ')', ';') FROM sqlite_schema AS s"
       " WHERE name IN ('entries', 'journal') AND type IN ('table', 'view') ORDER BY name");
   if (!tables) return std::unexpected(tables.error());
-  // The first stores had no journal.
+  // Files of early versions have no journal.
   const bool areOurs = *tables == "table entries(key)" || *tables == "table entries(key);table journal(number)" ||
                        *tables == "table journal(number);table entries(key)";
   if (!areOurs) return "it is not laid out as a store";

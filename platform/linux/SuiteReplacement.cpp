@@ -31,7 +31,7 @@ bool isThere(const std::filesystem::path& path) {
 
 SqliteResult<> fill(SqliteDatabase& database, const SuiteEntries& entries, const std::vector<JournalRecord>& records) {
   if (auto done = SuiteLayout::prepare(database); !done) return done;
-  // No journal file: nobody else knows the file yet, and when this fails it is thrown away.
+  // No rollback journal file: no other process knows the file, and it is deleted on failure.
   if (auto done = database.run("PRAGMA page_size=4096; PRAGMA journal_mode=MEMORY; BEGIN IMMEDIATE"); !done)
     return done;
   if (auto done = database.run(std::string(SuiteLayout::entries).c_str()); !done) return done;
@@ -59,7 +59,7 @@ SqliteResult<> fill(SqliteDatabase& database, const SuiteEntries& entries, const
 std::expected<void, std::string> makeFile(const std::filesystem::path& path, const SuiteEntries& entries,
                                           const std::vector<JournalRecord>& journal) {
   if (::unlink(path.c_str()) != 0 && errno != ENOENT) return std::unexpected(systemError("remove", path));
-  // Made without opening it, with a mode that neither SQLite nor the umask has a say in.
+  // Created without opening, so that the mode is independent of SQLite and the umask.
   if (::mknod(path.c_str(), S_IFREG | 0600, 0) != 0 ||
       ::fchmodat(AT_FDCWD, path.c_str(), 0600, AT_SYMLINK_NOFOLLOW) != 0) {
     return std::unexpected(systemError("create", path));
@@ -84,7 +84,7 @@ std::filesystem::path freeNameAside(const std::filesystem::path& path) {
   }
 }
 
-// A second name for the file; a copy where the file system knows no such thing.
+// Hard-links the file; copies it where the file system has no hard links.
 std::expected<void, std::string> keep(const std::filesystem::path& file, const std::filesystem::path& aside) {
   if (::link(file.c_str(), aside.c_str()) == 0) return {};
   auto error = systemError("set aside", file);
@@ -93,8 +93,8 @@ std::expected<void, std::string> keep(const std::filesystem::path& file, const s
   return std::unexpected(std::move(error));
 }
 
-// Gives the old file, and what SQLite keeps beside it, names to be found under, and takes away what would be played
-// back into the file that takes its place: durably, and before that.
+// Keeps the old file and its companions under new names, and durably removes companions that would be replayed into its
+// replacement.
 std::expected<std::filesystem::path, std::string> keepAside(const std::filesystem::path& path, const Folder& folder) {
   std::filesystem::path aside;
   if (isThere(path)) {
@@ -144,7 +144,7 @@ bool isSuiteFileKeptAside(const std::filesystem::path& path) {
        entry.increment(error)) {
     if (entry->path().filename().string().starts_with(start)) return true;
   }
-  return static_cast<bool>(error);  // what cannot be looked at may hold one
+  return static_cast<bool>(error);  // an unreadable folder may contain one
 }
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// A new file for a suite, put in the place of one that is damaged or missing.
+// Replaces a damaged or missing suite file.
 #pragma once
 
 #include <expected>
@@ -11,15 +11,15 @@
 
 namespace quillon {
 
-// Makes a new file with these entries and this journal, complete and durable before it takes its place, in one step, so
-// that at every moment either the old file or the new one stands there. What stood there is kept as
-// "<path>.damaged-<UTC>-<n>", with its rollback journal; the name is returned, empty when nothing stood there. The
-// folder must be locked, and nobody may write to the old file. On failure the old file keeps its place.
+// Creates a new file with these entries and this journal, complete and durable, and renames it into place, so that at
+// every moment either the old or the new file is at the path. The old file is kept as "<path>.damaged-<UTC>-<n>", with
+// its rollback journal; returns that name, empty if there was none. The folder must be locked, and no process may write
+// to the old file. On failure the old file stays in place.
 [[nodiscard]] std::expected<std::filesystem::path, std::string> replaceSuiteFile(
     const std::filesystem::path& path, const SuiteEntries& entries, const std::vector<JournalRecord>& journal,
     const Folder& folder);
 
-// Whether a file of that path was ever set aside and is still kept.
+// Whether a file of that path was set aside and still exists.
 [[nodiscard]] bool isSuiteFileKeptAside(const std::filesystem::path& path);
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// Random numbers of the operating system.
+// Random numbers from the operating system.
 #pragma once
 
 #include <random>
@@ -10,7 +10,7 @@ namespace quillon {
 class SystemRandom : public RandomSource {
  public:
   std::uint64_t next() override {
-    // A device of its own for each thread: it is not thread-safe.
+    // One device per thread: it is not thread-safe.
     thread_local std::random_device device;
     return std::uint64_t{device()} << 32 | device();
   }

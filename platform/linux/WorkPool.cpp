@@ -2,8 +2,8 @@
 
 namespace quillon {
 
-// The body of every thread. A job that was queued may own its queue, so the last thread goes through what is left
-// without running it; timers and descriptors end with their owners.
+// The body of every thread. A queued job may own its queue, so the last thread destroys remaining jobs without running
+// them; timers and descriptors end with their owners.
 void WorkLoop::run() {
   context_.run();
   if (--threads_ > 0) return;

@@ -1,4 +1,4 @@
-// The threads on which the platform's work runs: jobs, timers, and what waits for a descriptor.
+// The platform's thread pool: jobs, timers and descriptor waits.
 #pragma once
 
 #include <atomic>
@@ -18,11 +18,11 @@
 
 namespace quillon {
 
-// What the threads of a pool share with all that runs on it. Thread-safe.
+// The event loop shared by a pool's threads and its users. Thread-safe.
 class WorkLoop {
  public:
-  // For timers and descriptors: they must not outlive it, and their handlers must not keep it alive, for a wait that is
-  // under way ends with its owner only.
+  // For timers and descriptors: they must not outlive it, and their handlers must not keep it alive, since a pending
+  // wait ends only with its owner.
   boost::asio::io_context& context() { return context_; }
   bool isClosed() const { return closed_; }
 
@@ -46,15 +46,15 @@ class WorkLoop {
   boost::asio::io_context context_;
   boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard_{context_.get_executor()};
   std::atomic<std::size_t> threads_{0};
-  std::mutex mutex_;                 // orders posting and closing: nothing enters a queue that nobody empties any more
+  std::mutex mutex_;                 // orders posting and closing, so that no job is queued after the close
   std::atomic<bool> closed_{false};  // written under the mutex
 };
 
-// All threads begin in the constructor, which throws std::system_error when the system has none left. The end drops
-// what has not begun and waits for what is under way, except for the job that causes it.
+// The constructor starts all threads and throws std::system_error when out of threads. The destructor drops jobs that
+// have not begun and waits for running ones, except the job that causes it.
 class WorkPool {
  public:
-  // The name is for debuggers, at most 15 bytes.
+  // The name is for debuggers; at most 15 bytes.
   WorkPool(const std::string& name, std::size_t threads);
   ~WorkPool() { loop_->close(); }
   WorkPool(const WorkPool&) = delete;

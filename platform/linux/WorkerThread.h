@@ -1,4 +1,4 @@
-// A thread of the library's own.
+// A thread owned by the library.
 #pragma once
 
 #include <functional>
@@ -7,12 +7,12 @@
 
 namespace quillon {
 
-// Runs its body from construction on and joins when it goes away: the owner tells the body to end before. When the body
-// itself drops the last reference to the owner, a join would wait for itself; the thread is then let go and ends on its
-// own, so a body keeps alive what it uses. Construction throws std::system_error when the system has no thread left.
+// Runs its body from construction and joins on destruction; the owner tells the body to end first. When the body itself
+// drops the last reference to the owner, the thread is detached, so the body must keep alive what it uses. Construction
+// throws std::system_error when out of threads.
 class WorkerThread {
  public:
-  // The name is for debuggers, at most 15 bytes. What the body throws is contained.
+  // The name is for debuggers; at most 15 bytes. Exceptions of the body are contained.
   WorkerThread(const std::string& name, std::move_only_function<void()> body);
   ~WorkerThread();
   WorkerThread(const WorkerThread&) = delete;

@@ -1,4 +1,4 @@
-// A file system whose changes can be made to fail, or to end the process as it were.
+// A file system with injected faults.
 #pragma once
 
 #include <functional>
@@ -10,8 +10,8 @@
 
 namespace quillon {
 
-// Passes everything on to another file system, unless `fault` says for a change, by its name ("write", "move",
-// "remove", "createDirectories"), that it must fail. Thread-safe when the fault is.
+// Forwards to another file system, unless `fault` returns a failure for a change, by its name ("write", "move",
+// "remove", "createDirectories"). Thread-safe if the fault is.
 class FailingFileSystem : public FileSystem {
  public:
   FailingFileSystem(std::shared_ptr<FileSystem> real, std::function<bool(std::string_view)> fault)

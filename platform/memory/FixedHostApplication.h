@@ -1,4 +1,4 @@
-// A host application described by values.
+// A host application with fixed values.
 #pragma once
 
 #include <map>
@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-// Thread-safe, as nothing changes after construction.
+// Thread-safe: immutable.
 class FixedHostApplication : public HostApplication {
  public:
   using Texts = std::map<std::string, std::string, std::less<>>;

@@ -1,4 +1,4 @@
-// Languages that are given once.
+// A locale with fixed languages.
 #pragma once
 
 #include <string>

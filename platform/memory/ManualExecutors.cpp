@@ -30,7 +30,7 @@ class ManualExecutors::Queue : public Executor {
   }
 
   void close() {
-    std::deque<Job> dropped;  // what jobs captured goes away without the lock held
+    std::deque<Job> dropped;  // captures are destroyed without the lock
     const std::lock_guard lock(mutex_);
     closed_ = true;
     dropped.swap(jobs_);

@@ -1,4 +1,4 @@
-// Queues whose jobs wait until they are told to run.
+// Executors whose jobs run on demand.
 #pragma once
 
 #include <cstddef>
@@ -9,15 +9,15 @@
 
 namespace quillon {
 
-// Thread-safe. Main, background and serial queues share one order, that of posting, and one thread, that of the caller
-// of runUntilIdle. A queue stays valid when its owner is gone; what is posted to it then is dropped.
+// Thread-safe. Main, background and serial queues share one order, that of posting, and one thread, that of
+// runUntilIdle(). Queues outlive their owner; jobs posted afterwards are dropped.
 class ManualExecutors : public Executors {
  public:
   ManualExecutors();
   ~ManualExecutors() override;
 
-  // Runs jobs, and the jobs that these post, until none is left; answers how many ran. While another call of it is
-  // under way, on whatever thread, it does nothing: that call runs the jobs.
+  // Runs jobs, and the jobs they post, until none is left; returns how many ran. A nested or concurrent call does
+  // nothing: the first one runs the jobs.
   std::size_t runUntilIdle();
 
   std::shared_ptr<Executor> main() override;

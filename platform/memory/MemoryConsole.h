@@ -1,4 +1,4 @@
-// A console that remembers what was written.
+// A console that stores what was written.
 #pragma once
 
 #include <mutex>
@@ -12,11 +12,11 @@ namespace quillon {
 // Thread-safe.
 class MemoryConsole : public Console {
  public:
-  // Every block written so far, in order, without its line feed.
+  // All blocks written, in order, without their line feed.
   [[nodiscard]] std::vector<std::string> blocks() const;
 
   void write(std::string_view block) override;
-  // Memory dies with the process, so the message goes to standard error before it aborts.
+  // Writes the message to standard error and aborts.
   [[noreturn]] void fatal(std::string_view message, std::string_view file) override;
 
  private:

@@ -6,7 +6,7 @@ namespace quillon {
 
 namespace {
 
-// One name for one place: without "." and "..", and without a slash at the end.
+// The canonical path: no ".", "..", or trailing slash.
 std::filesystem::path plain(const std::filesystem::path& path) {
   auto normal = path.lexically_normal();
   return normal.has_filename() ? normal : normal.parent_path();

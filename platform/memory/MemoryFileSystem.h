@@ -1,4 +1,4 @@
-// Files that are forgotten: for hosts without a file system, simulations and tests.
+// A file system in memory: for hosts without a file system, simulations and tests.
 #pragma once
 
 #include <map>
@@ -9,11 +9,11 @@
 
 namespace quillon {
 
-// Lives in this process only. Paths are absolute or relative to nothing; a file needs an existing folder around it, as
+// Not shared between processes. Paths are absolute or relative to nothing; a file needs an existing parent folder, as
 // on disk. The root exists.
 class MemoryFileSystem final : public FileSystem {
  public:
-  // Nothing: there is no such place.
+  // nullopt: there is none.
   explicit MemoryFileSystem(std::optional<std::filesystem::path> applicationSupportDirectory);
 
   std::optional<std::filesystem::path> applicationSupportDirectory() const override;
@@ -27,7 +27,7 @@ class MemoryFileSystem final : public FileSystem {
  private:
   struct File {
     std::string bytes;
-    std::uint64_t inode;  // a new one for every write, as a file that replaces another has
+    std::uint64_t inode;  // new for every write, as when a file is replaced
   };
 
   const std::optional<std::filesystem::path> applicationSupportDirectory_;

@@ -67,7 +67,7 @@ std::unique_ptr<StoreTurn> MemoryStore::tryTurn(std::string_view name) {
   std::unique_lock lock(contents_->mutex);
   const bool taken =
       !process_->hasEnded && contents_->turns.try_emplace(std::string(name), process_, turn.get()).second;
-  lock.unlock();  // a turn that was not taken locks when it goes
+  lock.unlock();  // an unused turn locks in its destructor
   return taken ? std::move(turn) : nullptr;
 }
 

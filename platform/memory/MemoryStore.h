@@ -1,4 +1,4 @@
-// A store that forgets: for hosts without a file system, simulations and tests.
+// A store in memory: for hosts without a file system, simulations and tests.
 #pragma once
 
 #include <functional>
@@ -11,23 +11,23 @@
 
 namespace quillon {
 
-// Opens every name; the contents live as long as one of the stores over them or of their suites. Never reports, makes
-// no thread: those who observe are called on the thread of the update that they are told of, once it is over, in the
-// order in which the suites were opened.
+// Opens every name; content lives as long as a store over it or one of their suites. Never reports and starts no
+// thread: observers are called on the thread of the update, after it, in the order in which the suites were opened.
 class MemoryStore final : public KeyValueStore {
  public:
   using Fault = std::function<MemoryFault()>;
 
   explicit MemoryStore(Fault fault = {});
-  // As if its process had died, as end().
+  // As end(): the process it stands for has died.
   ~MemoryStore() override;
   MemoryStore(const MemoryStore&) = delete;
   MemoryStore& operator=(const MemoryStore&) = delete;
 
-  // A store over the same content, as another process has it.
+  // A store with the same content, as seen by another process.
   [[nodiscard]] std::shared_ptr<MemoryStore> another(Fault fault = {}) const;
 
-  // Kills the process that this store stands for: its turns are free, its updates fail and its observers hear nothing.
+  // Simulates the death of this store's process: its turns are released, its updates fail and its observers are not
+  // called.
   void end();
 
   std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) override;

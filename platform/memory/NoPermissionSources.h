@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-// Thread-safe. No key has a source, and nothing ever changes.
+// Thread-safe. No key has a source, and nothing changes.
 class NoPermissionSources : public PermissionSources {
  public:
   std::expected<Value, std::string> platformValue(const VantariKey& /*key*/) const override { return Value(); }

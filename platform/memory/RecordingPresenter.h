@@ -23,7 +23,7 @@ class RecordingPresenter : public ScreenPresenter {
   void dismissBanner(Services /*sdk*/) override { note("dismiss banner"); }
   void openSystemSettings() override { note("settings"); }
 
-  // What was noted since the last call.
+  // The calls since the last take().
   std::vector<std::string> take() {
     const std::scoped_lock lock(mutex_);
     return std::exchange(noted_, {});

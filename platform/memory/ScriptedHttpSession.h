@@ -1,4 +1,4 @@
-// A network whose answers are made by a function.
+// An HTTP session whose responses come from a function.
 #pragma once
 
 #include <expected>
@@ -8,8 +8,8 @@
 
 namespace quillon {
 
-// Thread-safe when the script is. Completions are called within send. The script sees every request, also those that a
-// real session would refuse; a request whose stop was asked for before send is cancelled unseen.
+// Thread-safe if the script is. Completions are called inside send(). The script sees every request, including those a
+// real session would refuse; a request stopped before send() is cancelled without it.
 class ScriptedHttpSession : public HttpSession {
  public:
   using Script = std::function<std::expected<HttpResponse, TransportError>(const HttpRequest&)>;

@@ -1,4 +1,4 @@
-// Random numbers that a seed decides, for tests and simulations.
+// Reproducible random numbers from a seed, for tests and simulations.
 #pragma once
 
 #include <mutex>

@@ -4,7 +4,7 @@
 
 namespace quillon {
 
-// To the answers that are set here, and to those of the device.
+// To the values set here, and to the device's.
 class SettablePermissionSources::Subscription : public PermissionSubscription {
  public:
   Subscription(std::unique_ptr<PermissionSubscription> own, std::unique_ptr<PermissionSubscription> device)
@@ -20,7 +20,7 @@ void SettablePermissionSources::set(const VantariKey& key, std::expected<Value, 
     const std::lock_guard lock(mutex_);
     answers_.insert_or_assign(key.rawValue(), std::move(answer));
   }
-  observers_.tell();
+  observers_.notify();
 }
 
 std::optional<std::expected<PermissionSources::Value, std::string>> SettablePermissionSources::given(

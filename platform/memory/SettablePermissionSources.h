@@ -1,4 +1,4 @@
-// Permission statuses that are set by hand while the application runs.
+// Permission statuses set at run time.
 #pragma once
 
 #include <expected>
@@ -13,13 +13,13 @@
 
 namespace quillon {
 
-// Thread-safe. A key that was not set is answered by the device's own sources, when there are any.
+// Thread-safe. Keys not set use the device's sources, if any.
 class SettablePermissionSources : public PermissionSources {
  public:
   explicit SettablePermissionSources(std::shared_ptr<PermissionSources> device = nullptr)
       : device_(std::move(device)) {}
 
-  // What a source answers from now on; observers are told.
+  // Sets a source's value; observers are called.
   void set(const VantariKey& key, std::expected<Value, std::string> answer);
 
   std::expected<Value, std::string> platformValue(const VantariKey& key) const override;
@@ -34,7 +34,7 @@ class SettablePermissionSources : public PermissionSources {
   const std::shared_ptr<PermissionSources> device_;
   ChangeObservers<PermissionSubscription> observers_;
   mutable std::mutex mutex_;                                                       // guards the member below
-  std::map<std::string, std::expected<Value, std::string>, std::less<>> answers_;  // by raw value of the key
+  std::map<std::string, std::expected<Value, std::string>, std::less<>> answers_;  // by the key's raw value
 };
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// A privacy signal that is set by hand while the application runs.
+// A privacy signal set at run time.
 #pragma once
 
 #include <atomic>
@@ -16,9 +16,9 @@ class SettablePrivacySignals : public PrivacySignals {
  public:
   explicit SettablePrivacySignals(bool isOn = false) : isOn_(isOn) {}
 
-  // Observers are told when it is another answer than before.
+  // Calls observers when the value has changed.
   void set(bool isOn) {
-    if (isOn_.exchange(isOn) != isOn) observers_.tell();
+    if (isOn_.exchange(isOn) != isOn) observers_.notify();
   }
 
   bool isOn() const override { return isOn_; }

@@ -1,4 +1,4 @@
-// A network whose status is set by hand.
+// A network path with a status set at run time.
 #pragma once
 
 #include <functional>
@@ -11,12 +11,12 @@
 
 namespace quillon {
 
-// Thread-safe. Dropping a subscription waits for its handler when that runs on another thread at the moment.
+// Thread-safe. Destroying a subscription waits for its handler running on another thread.
 class StaticNetworkPath : public NetworkPathMonitor {
  public:
   explicit StaticNetworkPath(NetworkStatus status = NetworkStatus::satisfied) : status_(status) {}
 
-  // Reports to every subscriber, on its queue, when the status is another than before.
+  // Reports a changed status to every subscriber, on its queue.
   void set(NetworkStatus status);
 
   std::unique_ptr<NetworkSubscription> start(std::shared_ptr<Executor> queue,

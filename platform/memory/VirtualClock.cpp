@@ -45,7 +45,7 @@ milliseconds VirtualClock::elapsed() const {
   return elapsed_;
 }
 
-// A job that advances the clock itself may have moved it beyond where its caller wants it; time never goes back.
+// A job that advances the clock may have moved it beyond this target; time never goes back.
 void VirtualClock::moveTo(milliseconds elapsed) {
   const std::lock_guard lock(mutex_);
   if (elapsed <= elapsed_) return;

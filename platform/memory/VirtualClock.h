@@ -1,4 +1,4 @@
-// A clock that is moved by hand, with its timers.
+// A clock advanced by hand, with its timers.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-// Thread-safe. Stands still until it is advanced.
+// Thread-safe. Time passes only in advance().
 //
 //   VirtualClock clock(std::chrono::sys_days(2024y / May / 1));
 //   auto timer = clock.every(60s, [] { ... });
@@ -19,13 +19,12 @@ class VirtualClock : public Clock {
  public:
   explicit VirtualClock(WallTime start, TimeZone zone = TimeZone::utc);
 
-  // Lets that much time pass, at most a clock's longest delay: every timer that falls due fires in order of time, on
-  // the calling thread and with now() at its due time. Timers that jobs start meanwhile take part. Two threads that
-  // advance do so one after the other. afterEachTimer runs after every job, for those who want to wait for what it
-  // began before time goes on.
+  // Advances by `duration`, at most longestDelay: every due timer fires in time order, on the calling thread and with
+  // now() at its due time, including timers started meanwhile. Concurrent calls run one after the other. afterEachTimer
+  // runs after every job, to wait for the work it started before time passes.
   void advance(std::chrono::milliseconds duration, const std::function<void()>& afterEachTimer = {});
 
-  // Sets the wall time forward or back, as a user or a time server does; timers do not notice.
+  // Shifts the wall time, as a user or a time server does; timers are unaffected.
   void jump(std::chrono::milliseconds delta);
 
   WallTime now() const override;
@@ -41,7 +40,7 @@ class VirtualClock : public Clock {
 
   const Calendar calendar_;
   std::recursive_mutex advancing_;
-  mutable std::mutex mutex_;  // guards the two below
+  mutable std::mutex mutex_;  // guards the two members below
   WallTime wall_;
   std::chrono::milliseconds elapsed_{0};
   TimerQueue timers_;

@@ -14,14 +14,14 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-// Broken-down local time and the milliseconds that it does not hold.
+// Broken-down local time plus milliseconds.
 struct LocalTime {
   tm fields;
   milliseconds fraction;
 };
 
 LocalTime toLocal(WallTime time, TimeZone zone) {
-  // Not chrono::floor, which overflows at the lower end of what WallTime holds.
+  // Not chrono::floor, which overflows at the lower limit of WallTime.
   time_t count = std::chrono::duration_cast<seconds>(time.time_since_epoch()).count();
   milliseconds fraction = time.time_since_epoch() - seconds(count);
   if (fraction < milliseconds(0)) {
@@ -32,7 +32,7 @@ LocalTime toLocal(WallTime time, TimeZone zone) {
   if (zone == TimeZone::utc) {
     gmtime_r(&count, &local.fields);
   } else {
-    tzset();  // localtime_r alone would keep the first zone for ever
+    tzset();  // localtime_r alone never re-reads the zone
     localtime_r(&count, &local.fields);
   }
   return local;
@@ -40,7 +40,7 @@ LocalTime toLocal(WallTime time, TimeZone zone) {
 
 std::optional<seconds> toUtc(tm fields, TimeZone zone) {
   fields.tm_isdst = -1;
-  fields.tm_wday = -1;  // -1 is also a valid result, so success is told by the weekday being filled in
+  fields.tm_wday = -1;  // -1 is also a valid result; success sets the weekday
   const time_t count = zone == TimeZone::utc ? timegm(&fields) : mktime(&fields);
   if (count == -1 && fields.tm_wday == -1) return std::nullopt;
   return seconds(count);
@@ -55,7 +55,7 @@ int lastDay(std::int64_t year, int month) {
 }  // namespace
 
 WallTime Calendar::addMonths(WallTime time, std::int64_t months) const {
-  // What WallTime holds spans less than 600 million years, so a bigger step ends at an end in any case.
+  // WallTime spans less than 600 million years, so a bigger step saturates in any case.
   constexpr std::int64_t farthest = std::int64_t{600'000'000} * 12;
   const WallTime end = months < 0 ? WallTime::min() : WallTime::max();
 

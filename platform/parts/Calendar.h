@@ -10,12 +10,12 @@ namespace quillon {
 
 enum class TimeZone { utc, device };
 
-// Thread-safe. The device's zone is looked at anew in every call, so a moved device is followed.
+// Thread-safe. Reads the device's time zone in every call, so that changes are followed.
 class Calendar {
  public:
   explicit Calendar(TimeZone zone) : zone_(zone) {}
 
-  // As Clock::addMonths. A local time that daylight saving skips moves by the length of the gap.
+  // As Clock::addMonths. A local time skipped by daylight saving moves by the length of the gap.
   [[nodiscard]] WallTime addMonths(WallTime time, std::int64_t months) const;
   // As Clock::localText.
   [[nodiscard]] std::string localText(WallTime time) const;

@@ -1,4 +1,4 @@
-// Lets calls through until it is closed: what a dropped timer or subscription closes behind itself.
+// Lets calls through until closed: timers and subscriptions close it on destruction.
 #pragma once
 
 #include <mutex>
@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-// Thread-safe. Calls through one gate run one at a time.
+// Thread-safe. Calls through one gate are serialised.
 class CallGate {
  public:
   template <class Call>
@@ -15,8 +15,7 @@ class CallGate {
     if (!closed_) std::forward<Call>(call)();
   }
 
-  // No call begins afterwards, and one that is under way on another thread has ended. From within a call it only
-  // closes.
+  // Afterwards no call begins, and a call running on another thread has ended. Inside a call it does not wait.
   void close() {
     const std::lock_guard lock(mutex_);
     closed_ = true;

@@ -1,4 +1,4 @@
-// Those who want to hear of changes at a service.
+// The observers of a service's changes.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,7 @@
 
 namespace quillon {
 
-// Thread-safe. `Base` is what the service calls a subscription.
+// Thread-safe. `Base` is the service's subscription type.
 template <class Base>
 class ChangeObservers {
  public:
@@ -24,7 +24,7 @@ class ChangeObservers {
     return std::make_unique<Subscription>(std::move(observer));
   }
 
-  void tell() {
+  void notify() {
     std::vector<std::shared_ptr<Observer>> told;
     {
       const std::lock_guard lock(mutex_);

@@ -1,11 +1,11 @@
-// Keeps a failure of foreign code where it happened.
+// Contains exceptions of foreign code.
 #pragma once
 
 #include <utility>
 
 namespace quillon {
 
-// Runs the call and swallows what it throws.
+// Runs the call and discards its exceptions.
 template <class Call>
 void contained(Call&& call) noexcept {
   try {

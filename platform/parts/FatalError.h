@@ -1,4 +1,4 @@
-// The end of a process that has no way on.
+// Process termination on a fatal error.
 #pragma once
 
 #include <string_view>

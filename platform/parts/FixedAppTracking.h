@@ -1,4 +1,4 @@
-// A tracking answer that never changes; by default that of a device without such a setting.
+// A fixed tracking authorization; by default that of a device without such a setting.
 #pragma once
 
 #include <optional>

@@ -1,4 +1,4 @@
-// An analytics library seen through a function of the host's.
+// An analytics library behind a host function.
 #pragma once
 
 #include <functional>
@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-// Thread-safe when the function is. A sink without a function is a library that takes no consents.
+// Thread-safe if the function is. Without a function, a library that takes no consents.
 class FunctionConsentSink : public ConsentSink {
  public:
   using Function = std::function<void(const std::map<std::string, std::string>&)>;

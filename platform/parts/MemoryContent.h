@@ -1,4 +1,4 @@
-// What the memory suites of one name share.
+// The content shared by memory suites of one name.
 #pragma once
 
 #include <deque>
@@ -14,14 +14,14 @@ namespace quillon {
 class MemorySuite::Content {
  public:
   std::shared_ptr<const SuiteEntries> snapshot() const;
-  // What the edit throws passes through.
+  // Exceptions of the edit propagate.
   std::expected<void, std::string> update(const Edit& edit);
   JournalPage journal(std::int64_t before, std::size_t count) const;
   SuiteReading read() const;
 
   void add(std::shared_ptr<Process> process, std::weak_ptr<SuiteObservers> observers);
-  // Those of processes that have ended hear nothing.
-  void tellAllBut(const SuiteObservers& writer) const;
+  // Observers of ended processes are not called.
+  void notifyOthers(const SuiteObservers& writer) const;
 
  private:
   struct Viewer {
@@ -29,7 +29,7 @@ class MemorySuite::Content {
     std::weak_ptr<SuiteObservers> observers;
   };
 
-  mutable std::mutex writersMutex_;  // one edit at a time; taken before snapshotMutex_; guards journal_
+  mutable std::mutex writersMutex_;  // serialises edits; locked before snapshotMutex_; guards journal_
   std::deque<JournalRecord> journal_;
   mutable std::mutex snapshotMutex_;
   std::shared_ptr<const SuiteEntries> snapshot_ = std::make_shared<SuiteEntries>();

@@ -10,14 +10,14 @@ namespace quillon {
 
 namespace {
 
-std::vector<JournalRecord> unsettledOf(const std::deque<JournalRecord>& journal) {
-  std::vector<JournalRecord> unsettled;
-  std::copy_if(journal.rbegin(), journal.rend(), std::back_inserter(unsettled),
+std::vector<JournalRecord> unmarkedOf(const std::deque<JournalRecord>& journal) {
+  std::vector<JournalRecord> unmarked;
+  std::copy_if(journal.rbegin(), journal.rend(), std::back_inserter(unmarked),
                [](const JournalRecord& record) { return record.mark.empty(); });
-  return unsettled;
+  return unmarked;
 }
 
-void settle(std::deque<JournalRecord>& journal, const std::map<std::int64_t, std::string>& marks) {
+void writeMarks(std::deque<JournalRecord>& journal, const std::map<std::int64_t, std::string>& marks) {
   for (auto& record : journal) {
     const auto mark = marks.find(record.number);
     if (mark != marks.end() && record.mark.empty()) record.mark = mark->second;
@@ -44,7 +44,7 @@ std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) 
   std::lock_guard turn(writersMutex_);
   auto entries = *snapshot();
   SuiteUpdate update = edit(entries);
-  update.complete(unsettledOf(journal_));
+  update.complete(unmarkedOf(journal_));
   for (auto& [key, value] : update.changes) {
     if (key.empty()) return std::unexpected("a key is empty");
     if (value) {
@@ -58,7 +58,7 @@ std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) 
   }
   auto next = std::make_shared<const SuiteEntries>(std::move(entries));
   if (update.clearsJournal) journal_.clear();
-  if (!update.marks.empty()) settle(journal_, update.marks);
+  if (!update.marks.empty()) writeMarks(journal_, update.marks);
   append(journal_, std::move(update.appended));
   std::lock_guard lock(snapshotMutex_);
   snapshot_.swap(next);
@@ -76,7 +76,7 @@ JournalPage MemorySuite::Content::journal(std::int64_t before, std::size_t count
 
 SuiteReading MemorySuite::Content::read() const {
   std::lock_guard turn(writersMutex_);
-  return {snapshot(), unsettledOf(journal_)};
+  return {snapshot(), unmarkedOf(journal_)};
 }
 
 void MemorySuite::Content::add(std::shared_ptr<Process> process, std::weak_ptr<SuiteObservers> observers) {
@@ -85,7 +85,7 @@ void MemorySuite::Content::add(std::shared_ptr<Process> process, std::weak_ptr<S
   viewers_.push_back({std::move(process), std::move(observers)});
 }
 
-void MemorySuite::Content::tellAllBut(const SuiteObservers& writer) const {
+void MemorySuite::Content::notifyOthers(const SuiteObservers& writer) const {
   std::vector<std::shared_ptr<SuiteObservers>> told;
   {
     std::lock_guard lock(viewersMutex_);
@@ -95,7 +95,7 @@ void MemorySuite::Content::tellAllBut(const SuiteObservers& writer) const {
       }
     }
   }
-  for (const auto& observers : told) observers->tell();
+  for (const auto& observers : told) observers->notify();
 }
 
 MemorySuite::MemorySuite() : MemorySuite(std::make_shared<Content>(), std::make_shared<Process>()) {}
@@ -113,14 +113,14 @@ std::expected<void, std::string> MemorySuite::update(const Edit& edit) {
   try {
     if (process_->hasEnded) return std::unexpected("the process has ended");
     const auto fault = process_->fault ? process_->fault() : MemoryFault::none;
-    // The edit is called all the same, as on a disk that turns out to be full when there is something to write.
+    // The edit runs anyway, as on a disk that turns out to be full only when writing.
     if (fault == MemoryFault::before) {
       static_cast<void>(edit(*snapshot()));
       return std::unexpected("the disk is full");
     }
     auto done = content_->update(edit);
     if (!done) return done;
-    content_->tellAllBut(*observers_);
+    content_->notifyOthers(*observers_);
     if (fault == MemoryFault::after) return std::unexpected("the process ended before it heard of the update");
     return done;
   } catch (const std::exception& error) {

@@ -1,4 +1,4 @@
-// A suite that forgets: what a store in memory is made of, and what every store has for the standard defaults.
+// A suite in memory, for memory stores and for every store's standard defaults.
 #pragma once
 
 #include <atomic>
@@ -10,23 +10,23 @@
 
 namespace quillon {
 
-// What becomes of an update: it succeeds, fails and changes nothing, or takes effect and fails all the same, as when
-// its process ends before it hears of it.
+// The outcome of an update: it succeeds; fails without effect; or takes effect and fails, as when the process ends
+// before the result arrives.
 enum class MemoryFault { none, before, after };
 
-// Lives in memory. An update fails only when its edit throws, names the empty key or appends a text that is too long,
-// when a fault is asked for, or when the process that it stands for has ended.
+// An update fails only when its edit throws, uses the empty key or appends too long a text, when a fault is injected,
+// or when its process has ended.
 class MemorySuite final : public KeyValueSuite {
  public:
-  // What a suite holds, whoever looks at it.
+  // A suite's content, shared by its processes.
   class Content;
-  // One process among those that share a content.
+  // One of the processes sharing a content.
   struct Process {
-    std::function<MemoryFault()> fault;  // asked at each update; thread-safe
+    std::function<MemoryFault()> fault;  // called at each update; thread-safe
     std::atomic<bool> hasEnded{false};
   };
 
-  // With a content of its own.
+  // With its own content.
   MemorySuite();
   MemorySuite(std::shared_ptr<Content> content, std::shared_ptr<Process> process);
 

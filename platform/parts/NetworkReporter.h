@@ -1,4 +1,4 @@
-// The way of a network status from a monitor to one subscriber.
+// Delivers the network status from a monitor to one subscriber.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-// Thread-safe. Held by shared_ptr, since reports under way keep it.
+// Thread-safe. Held by shared_ptr, since queued reports keep it alive.
 class NetworkReporter : public std::enable_shared_from_this<NetworkReporter> {
  public:
   NetworkReporter(std::shared_ptr<Executor> queue, std::function<void(NetworkStatus)> handler)
@@ -20,7 +20,7 @@ class NetworkReporter : public std::enable_shared_from_this<NetworkReporter> {
     queue_->post([self = shared_from_this(), status] { self->gate_.pass([&] { self->handler_(status); }); });
   }
 
-  // The handler is not called afterwards, not even for a report that is on its way.
+  // The handler is not called afterwards, not even for a queued report.
   void close() { gate_.close(); }
 
  private:

@@ -31,7 +31,7 @@ std::unique_ptr<SuiteSubscription> SuiteObservers::add(std::function<void()> cha
   return subscription;
 }
 
-void SuiteObservers::tell() noexcept {
+void SuiteObservers::notify() noexcept {
   contained([this] {
     std::vector<std::weak_ptr<Observer>> told;
     {

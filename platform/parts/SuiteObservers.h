@@ -1,4 +1,4 @@
-// Those who want to hear of changes of a suite that they did not make.
+// The observers of a suite's changes by other processes.
 #pragma once
 
 #include <functional>
@@ -15,8 +15,8 @@ class SuiteObservers {
  public:
   [[nodiscard]] std::unique_ptr<SuiteSubscription> add(std::function<void()> changed);
 
-  // Calls all of them on this thread, each through its own gate. To be called without a lock.
-  void tell() noexcept;
+  // Calls all observers on this thread, each through its own gate. Call it without a lock.
+  void notify() noexcept;
 
   [[nodiscard]] bool empty() const noexcept;
 

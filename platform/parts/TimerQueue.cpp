@@ -42,7 +42,7 @@ class TimerQueue::Handle : public Timer {
 TimerQueue::TimerQueue() : state_(std::make_shared<State>()) {}
 
 TimerQueue::~TimerQueue() {
-  std::multimap<Time, std::shared_ptr<Entry>> dropped;  // What jobs captured goes away without the lock held.
+  std::multimap<Time, std::shared_ptr<Entry>> dropped;  // captures are destroyed without the lock
   const std::lock_guard lock(state_->mutex);
   dropped.swap(state_->entries);
 }
@@ -73,7 +73,7 @@ bool TimerQueue::runNext(Time now) {
     auto node = state_->entries.extract(first);
     entry = node.mapped();
     if (entry->period) {
-      entry->due += *entry->period;  // counted from the due time, so that lateness does not add up
+      entry->due += *entry->period;  // counted from the due time, so that delays do not accumulate
       if (entry->due <= now) entry->due = now + *entry->period;
       node.key() = entry->due;
       state_->entries.insert(std::move(node));
@@ -83,7 +83,7 @@ bool TimerQueue::runNext(Time now) {
     if (entry->period) {
       contained(entry->job);
     } else {
-      Job once = std::move(entry->job);  // what it captured goes away with its only run
+      Job once = std::move(entry->job);  // captures are destroyed after the only run
       contained(once);
     }
   });

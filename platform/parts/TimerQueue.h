@@ -1,5 +1,4 @@
-// The timers of a clock in the order in which they are due. It has no idea of what time it is: a clock asks it for what
-// is due and runs that, whether time passes by itself or is moved by hand.
+// A clock's timers, ordered by due time. The clock passes the time in, so real and virtual clocks share it.
 #pragma once
 
 #include <chrono>
@@ -13,7 +12,7 @@ namespace quillon {
 // Thread-safe. Timers may outlive the queue.
 class TimerQueue {
  public:
-  using Time = std::chrono::nanoseconds;  // since a moment of the owner's choice; never goes back
+  using Time = std::chrono::nanoseconds;  // since an epoch chosen by the owner; never decreases
   using Repeat = Clock::Repeat;
 
   TimerQueue();
@@ -21,13 +20,13 @@ class TimerQueue {
   TimerQueue(const TimerQueue&) = delete;
   TimerQueue& operator=(const TimerQueue&) = delete;
 
-  // Due `delay` after `now`, and again every `delay` when repeated. The delay is within the bounds of a clock's.
+  // Due `delay` after `now`, and every `delay` when repeated. The delay is within a clock's bounds.
   [[nodiscard]] std::unique_ptr<Timer> add(Time now, std::chrono::milliseconds delay, Repeat repeat, Job job);
 
   [[nodiscard]] std::optional<Time> nextDue() const;
 
-  // Runs the earliest job that is due at that time, on the calling thread; false when there is none. Of a repeated one
-  // all that is due is one run. What the job throws is contained.
+  // Runs the earliest job due at `now`, on the calling thread; false when there is none. Several missed periods are one
+  // run. Exceptions are contained.
   bool runNext(Time now);
 
  private:

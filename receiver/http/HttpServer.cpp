@@ -87,7 +87,7 @@ void HttpServer::accept() {
 void HttpServer::accepted(boost::system::error_code error, tcp::socket socket) {
   if (stopping_) return;
   if (error) {
-    // Most likely there are no descriptors left: they come back when connections end.
+    // Probably out of descriptors, which are freed as connections end.
     pause_.expires_after(kPauseWithoutDescriptors);
     pause_.async_wait([this](boost::system::error_code cancelled) {
       if (!cancelled && !stopping_) accept();
@@ -97,7 +97,7 @@ void HttpServer::accepted(boost::system::error_code error, tcp::socket socket) {
   boost::system::error_code ignored;
   socket.set_option(tcp::no_delay(true), ignored);
   accept();
-  // Those that are too many hear so, as long as there are not too many of these either.
+  // Excess connections get a response, unless there are too many of them as well.
   if (sessions_.size() >= 2 * limits_.connections) return;
   const bool isOneTooMany = sessions_.size() >= limits_.connections;
   const auto session = std::make_shared<HttpSession>(*this, std::move(socket));

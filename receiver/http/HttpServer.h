@@ -20,7 +20,7 @@ struct HttpRequest {
   std::vector<std::pair<std::string, std::string>> headers;
   std::string body;
 
-  // The value of a header, whatever the case of its name; empty without it.
+  // The value of a header, by case-insensitive name; empty if missing.
   [[nodiscard]] std::string_view header(std::string_view name) const;
 };
 
@@ -31,8 +31,8 @@ struct HttpResponse {
   std::vector<std::pair<std::string, std::string>> headers = {};
 };
 
-// An HTTP/1.1 server in the thread that runs the context, where the handler is called too. Bounded in connections,
-// bytes and seconds, so that a thousand slow clients take no more than what they have sent.
+// An HTTP/1.1 server on the thread that runs the context, which also calls the handler. Connections, bytes and times
+// are bounded, so a thousand slow clients cost only what they have sent.
 class HttpServer {
  public:
   using Respond = std::function<void(HttpResponse)>;  // from any thread, once
@@ -40,13 +40,13 @@ class HttpServer {
 
   struct Limits {
     std::size_t connections = 4096;
-    std::size_t bodyBytes = std::size_t{1} << 20;       // of one request
-    std::size_t allBodyBytes = std::size_t{256} << 20;  // of all that are being received
+    std::size_t bodyBytes = std::size_t{1} << 20;       // per request
+    std::size_t allBodyBytes = std::size_t{256} << 20;  // of all requests being received
     std::chrono::seconds idle{75};                      // until the next request has its headers
     std::chrono::seconds body{30};                      // from the headers to the end of the body
-    std::chrono::seconds response{20};                  // until the client has taken the answer
+    std::chrono::seconds response{20};                  // until the client has received the response
   };
-  // What was answered without the handler, and how many connections there are.
+  // Responses sent without the handler, and the number of connections.
   struct Observer {
     std::function<void(int status)> refused;
   };
@@ -55,11 +55,11 @@ class HttpServer {
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
 
-  // "127.0.0.1:8090"; port 0 takes a free one. The address it listens on, with its port.
+  // Listens on an address such as "127.0.0.1:8090"; port 0 selects a free one. Returns the bound address.
   [[nodiscard]] std::expected<std::string, std::string> listen(const std::string& address);
 
-  // Takes no more connections; what is under way is answered. Calls ended when the last connection is gone, at the
-  // latest after the time given, when the rest is closed.
+  // Stops accepting; running requests are answered. Calls `ended` when the last connection has closed, at the latest
+  // after `limit`, when the rest is closed.
   void stop(std::chrono::milliseconds limit, std::function<void()> ended);
 
   [[nodiscard]] std::size_t connections() const { return sessions_.size(); }
@@ -78,8 +78,8 @@ class HttpServer {
   const Observer observer_;
   boost::asio::ip::tcp::acceptor acceptor_;
   boost::asio::steady_timer pause_;
-  std::unordered_set<class HttpSession*> sessions_;  // each keeps itself alive while something is under way
-  std::size_t receivedBytes_ = 0;                    // of bodies that are incomplete or being answered
+  std::unordered_set<class HttpSession*> sessions_;  // each keeps itself alive during an operation
+  std::size_t receivedBytes_ = 0;                    // of bodies being received or answered
   std::function<void()> ended_;
   bool stopping_ = false;
 };

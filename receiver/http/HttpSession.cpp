@@ -13,7 +13,7 @@ constexpr std::size_t kMaxHeaderBytes = 16 << 10;
 constexpr std::size_t kBufferBytes = 16 << 10;
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 
-// Whether the client speaks something else than HTTP. One that fell silent or left is told nothing.
+// Whether the client does not speak HTTP. A client that timed out or closed gets no response.
 bool isNotHttp(const beast::error_code& error) {
   return error.category() == http::make_error_code(http::error::bad_method).category() &&
          error != http::error::end_of_stream && error != http::error::partial_message;
@@ -73,7 +73,7 @@ void HttpSession::headerRead(boost::system::error_code error) {
                            });
 }
 
-// A part at a time: what is held for a client is what it has sent, not what it has announced.
+// Reads in parts, so that memory grows with what was sent, not with what was announced.
 void HttpSession::readBody() {
   if (parser_->is_done()) return handle();
   http::async_read_some(stream_, buffer_, *parser_,
@@ -105,7 +105,7 @@ void HttpSession::handle() {
   const auto body = message.body().cdata();
   request.body.assign(static_cast<const char*>(body.data()), body.size());
   parser_.reset();
-  // The time that the handler takes is its own to bound.
+  // The handler bounds its own time.
   stream_.expires_never();
   server_.handler_(std::move(request), [self = shared_from_this()](HttpResponse response) {
     boost::asio::post(self->stream_.get_executor(),
@@ -143,7 +143,7 @@ void HttpSession::written(boost::system::error_code error) {
   if (keepAlive_) return readHeader();
   beast::error_code ignored;
   stream_.socket().shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
-  // A client that is still sending must get to read the answer: what it sends on is thrown away for a moment.
+  // Drains input for a moment, so that a client still sending can read the response.
   stream_.expires_after(std::chrono::seconds(2));
   drain();
 }

@@ -10,7 +10,7 @@
 
 namespace quillon::receiver {
 
-// One connection and its requests, one after the other. Lives as long as an operation of it is under way.
+// One connection and its sequential requests. Keeps itself alive during an operation.
 class HttpSession : public std::enable_shared_from_this<HttpSession> {
  public:
   HttpSession(HttpServer& server, boost::asio::ip::tcp::socket socket);
@@ -19,9 +19,9 @@ class HttpSession : public std::enable_shared_from_this<HttpSession> {
   HttpSession& operator=(const HttpSession&) = delete;
 
   void start() { readHeader(); }
-  // Answers this and closes.
+  // Responds with 503 and closes.
   void turnAway();
-  // Closes it now when no request is under way, else after its answer.
+  // Closes now if idle, else after the response.
   void finish();
   void close();
 
@@ -44,7 +44,7 @@ class HttpSession : public std::enable_shared_from_this<HttpSession> {
   boost::beast::flat_buffer buffer_;
   std::optional<boost::beast::http::request_parser<Body>> parser_;
   std::optional<boost::beast::http::response<boost::beast::http::string_body>> response_;
-  std::size_t counted_ = 0;  // bytes of this request in the server's sum
+  std::size_t counted_ = 0;  // bytes of this request counted in the server's total
   bool keepAlive_ = false;
   bool isIdle_ = true;
 };

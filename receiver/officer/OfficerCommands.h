@@ -1,4 +1,4 @@
-// What the privacy officer asks of the store, also while the receiver runs.
+// The privacy officer's commands on the store; safe while the receiver runs.
 #pragma once
 
 namespace CLI {
@@ -7,7 +7,7 @@ class App;
 
 namespace quillon::receiver {
 
-// Add the sub-commands; each leaves its exit status in exitCode, which must outlive the parsing.
+// Add the sub-commands; each sets exitCode, which must outlive the parsing.
 void addSubjectCommands(CLI::App& app, int& exitCode);  // export, erase
 void addExpireCommand(CLI::App& app, int& exitCode);
 void addStatsCommand(CLI::App& app, int& exitCode);

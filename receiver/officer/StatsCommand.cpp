@@ -24,12 +24,12 @@ int print(DecisionStore& store) {
   return std::fflush(stdout) == 0 ? 0 : failed("standard output cannot be written");
 }
 
-// Looks anew for every visit, which is what the privacy officer expects of it and can wait for.
+// Queries the store on every visit; the privacy officer can wait for it.
 int servePage(DecisionStore& store, int port) {
   boost::asio::io_context context(1);
   HttpServer server(
       context, {.connections = 16}, [&store](const HttpRequest& request, const HttpServer::Respond& respond) {
-        // A page of elsewhere whose name leads here must not read it.
+        // Rejects DNS rebinding: a foreign page whose host name resolves to this address.
         const std::string_view host = request.header("Host");
         const bool isOurs = host.starts_with("127.0.0.1:") || host.starts_with("localhost:");
         if (request.method != "GET" || request.path != "/" || !isOurs) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kColors{
     {{"granted", "#2a7f4f"}, {"declined", "#b3412e"}, {"withdrawn", "#d08a2c"}, {"not_determined", "#8a8f98"}}};
-constexpr std::size_t kMaxBars = 400;  // of one plot: a page that a browser can still show
+constexpr std::size_t kMaxBars = 400;  // per plot, so that browsers can show the page
 
 using Counts = std::map<std::string, std::int64_t>;  // by status
 
@@ -54,7 +54,7 @@ std::int64_t sumOf(const Counts& counts) {
   return sum;
 }
 
-// A bar for each entry, as long as its decisions are many, in the colours of their statuses.
+// One bar per entry, its length the number of decisions, coloured by status.
 std::string plot(std::string_view title, const std::map<std::string, Counts>& bars) {
   constexpr int height = 18;
   constexpr double width = 560;
@@ -63,7 +63,7 @@ std::string plot(std::string_view title, const std::map<std::string, Counts>& ba
   const std::size_t shown = std::min(bars.size(), kMaxBars);
   std::string html = "<h2>" + escaped(title) + "</h2>\n<svg role=\"img\" aria-label=\"" + escaped(title) +
                      "\" width=\"900\" height=\"" + std::to_string(shown * height) + "\">\n";
-  // The newest or highest come last in the order of the map, and matter most.
+  // The map's last entries, the newest or highest, matter most.
   std::size_t row = 0;
   for (auto bar = std::next(bars.begin(), static_cast<std::ptrdiff_t>(bars.size() - shown)); bar != bars.end(); ++bar) {
     const auto y = row++ * height;

@@ -7,7 +7,7 @@
 
 namespace quillon::receiver {
 
-// The answers as a page of HTML with plots, which loads nothing from anywhere.
+// The statistics as a self-contained HTML page with plots.
 [[nodiscard]] std::string statsPage(std::span<const Answers> answers);
 
 }  // namespace quillon::receiver

@@ -16,7 +16,7 @@ inline int failed(const std::string& message) {
   return 1;
 }
 
-// Runs a command on a store that is there; looking must not make one.
+// Runs a command on an existing store; a query must not create one.
 inline int withStore(const std::string& address, const std::function<int(DecisionStore&)>& command) {
   if (!isPostgres(address) && !std::filesystem::exists(std::filesystem::path(address) / "decisions.db")) {
     return failed(address + ": there is no store");

@@ -6,8 +6,8 @@
 
 namespace quillon::receiver {
 
-// One JSON object a line on standard output: the time, the event and its figures. What is given must name no person:
-// numbers, our own words, names of tenants and applications. Thread-safe.
+// Writes one JSON object per line to standard output: time, event and figures. Values must not identify a person:
+// numbers, fixed words, names of tenants and applications only. Thread-safe.
 class EventLog {
  public:
   void write(std::string_view event, boost::json::object figures = {});

@@ -9,13 +9,13 @@
 
 namespace quillon::receiver {
 
-// What the receiver has done since its start, as Prometheus reads it. Thread-safe.
+// The receiver's counters since its start, in Prometheus format. Thread-safe.
 class Metrics {
  public:
   void answered(int status);
   void committed(std::size_t uploads, std::int64_t decisions, std::int64_t fresh, std::chrono::nanoseconds time);
   void storeLost();
-  // An upload came with the token of this line of the file: one that nobody uses any more can go.
+  // Counts a use of the token on this line of the file; unused tokens can be removed.
   void tokenUsed(std::size_t line);
 
   struct Present {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kUploadPath = "/vantari/v1/consent/mobile/singleupload";
 constexpr std::size_t kMaxPlaceBytes = 16;
-// Devices try again at their next check, whatever we say; a proxy or a tool may listen.
+// For proxies and tools: devices retry at their next check regardless.
 constexpr int kRetryAfterSeconds = 30;
 
 HttpResponse answer(int httpStatus, int status, std::string_view message) {
@@ -56,7 +56,7 @@ void Receiver::handle(HttpRequest request, HttpServer::Respond respond, const Ht
 
 void Receiver::upload(HttpRequest request, HttpServer::Respond respond) {
   auto upload = readUpload(request.body);
-  // The token first: who has none learns nothing about the body. But which one it must be stands in the body.
+  // The token is required before anything about the body is reported; which token it must be depends on the body.
   const std::string_view token = request.header("X-Auth-Token");
   if (token.empty()) return respond(answer(401, 1, "X-Auth-Token is missing"));
   if (!upload) return respond(answer(400, 1, upload.error()));
@@ -94,7 +94,7 @@ HttpServer::Respond Receiver::counted(const HttpRequest& request, HttpServer::Re
   return [this, isUpload, bytes = request.body.size(), begin = std::chrono::steady_clock::now(),
           respond = std::move(respond)](HttpResponse response) {
     metrics_.answered(response.status);
-    // Refusals of uploads are worth a look; what scrapers and strangers ask for is not.
+    // Logs refused uploads, not other unsuccessful requests of scanners.
     if (options_.logsEveryRequest || (isUpload && response.status != 200)) {
       const auto time = std::chrono::steady_clock::now() - begin;
       log_.write("request", {{"upload", isUpload},

@@ -11,11 +11,11 @@
 
 namespace quillon::receiver {
 
-// What each request is answered with. For the thread of the HTTP server; what it is given must outlive it.
+// Answers the requests. Used on the HTTP server's thread; its arguments must outlive it.
 class Receiver {
  public:
   struct Options {
-    std::string placeHeader;  // in which the proxy tells a device's place; empty: none is kept
+    std::string placeHeader;  // header with the device's location, set by the proxy; empty: not stored
     bool logsEveryRequest = false;
   };
 

@@ -21,7 +21,7 @@
 namespace quillon::receiver {
 namespace {
 
-// Of the five seconds in which it has to be gone.
+// Within the five seconds allowed for exiting.
 constexpr std::chrono::milliseconds kLeavesWithin{4000};
 
 struct ServeOptions {
@@ -29,8 +29,8 @@ struct ServeOptions {
   std::string listen = "127.0.0.1:8090";
   std::string tokens;
   bool takesAnyToken = false;
-  // One takes all that came while it committed what came before: quicker than several, which wait for one another's
-  // turn at the log of the server.
+  // One writer batches everything that arrived during its previous commit. Faster than several, which wait for each
+  // other in the database's log.
   int writers = 1;
   HttpServer::Limits limits;
   Receiver::Options receiver;
@@ -75,7 +75,7 @@ class Service {
     waitForSignal();
     context_.run();
     if (server_.connections() > 0) {
-      // The store holds them up. They are not acknowledged, so they are lost to nobody.
+      // Delayed by the store. They were not acknowledged, so devices send them again.
       log_.write("left", {{"unanswered", server_.connections()}});
       std::_Exit(0);
     }

@@ -85,7 +85,7 @@ void CommitQueue::write() {
       const std::scoped_lock lock(mutex_);
       isLast = --connected_ == 0;
     }
-    // Nobody is left to take them; who sent them hears so at once.
+    // No writer is left, so senders get an answer at once.
     if (isLast) failAllWaiting();
   }
 }
@@ -142,7 +142,7 @@ bool CommitQueue::commit(DecisionStore& store, std::vector<Waiting> batch) {
     return true;
   }
   if (added.error().kind == StoreError::Kind::refused && batch.size() > 1) {
-    // One of them spoils it for the others: each on its own.
+    // One upload fails the batch: commit each separately.
     bool isGood = true;
     for (std::size_t i = 0; i < batch.size(); ++i) {
       std::vector<Waiting> one(1);

@@ -15,20 +15,20 @@
 
 namespace quillon::receiver {
 
-// Commits uploads, as many at once as wait at that moment. Each writer is a thread with a connection of its own, which
-// it opens again whenever it is lost. Thread-safe.
+// Commits uploads in batches of all that wait. Each writer is a thread with its own connection, which it reopens when
+// lost. Thread-safe.
 class CommitQueue {
  public:
   enum class Outcome {
-    committed,  // on disk
-    busy,       // not taken, or lost on its way: nobody knows whether it is on disk, and a repeat does no harm
-    refused,    // the store will not take this one
+    committed,  // durable
+    busy,       // rejected, or in doubt after a lost connection; repeating is harmless
+    refused,    // the store rejects this upload
   };
-  // Called once, from a writer's thread.
+  // Called once, on a writer's thread.
   using Done = std::function<void(Outcome)>;
   using Open = std::function<std::expected<std::unique_ptr<DecisionStore>, StoreError>()>;
 
-  // What the writers tell, from their threads.
+  // Events of the writers, on their threads.
   struct Observer {
     std::function<void(std::size_t uploads, std::int64_t decisions, std::int64_t fresh, std::chrono::nanoseconds)>
         committed;
@@ -40,7 +40,7 @@ class CommitQueue {
   static constexpr std::size_t kMaxWaitingDecisions = 500'000;
   static constexpr std::size_t kMaxBatch = 512;  // uploads
   static constexpr std::size_t kMaxBatchDecisions = 10'000;
-  // What has waited longer is told to come again: by then somebody has given up on it.
+  // Longer waits are answered `busy`: by then the sender has given up.
   static constexpr std::chrono::seconds kMaxWait{15};
 
   CommitQueue(Open open, int writers, Observer observer);
@@ -49,12 +49,12 @@ class CommitQueue {
   CommitQueue(const CommitQueue&) = delete;
   CommitQueue& operator=(const CommitQueue&) = delete;
 
-  // False when it is full or no writer has a connection; then done is not called.
+  // False when full or without a connected writer; `done` is then not called.
   [[nodiscard]] bool submit(Upload upload, Done done);
   [[nodiscard]] bool isReachable() const;
   [[nodiscard]] std::size_t waiting() const;
 
-  // Commits what was taken, or tells that it cannot, and ends the writers.
+  // Commits accepted uploads, or reports that it cannot, and ends the writers.
   void finish();
 
  private:
@@ -66,9 +66,9 @@ class CommitQueue {
 
   void write();
   std::unique_ptr<DecisionStore> openPatiently();
-  // What the next commit takes; empty when nothing came in time.
+  // The next batch; empty when none arrived in time.
   std::vector<Waiting> takeBatch(std::unique_lock<std::mutex>& lock);
-  // False when the connection is of no use any more.
+  // False when the connection is unusable.
   bool commit(DecisionStore& store, std::vector<Waiting> batch);
   std::expected<std::int64_t, StoreError> add(DecisionStore& store, std::span<const Upload> uploads) const;
   void failAllWaiting();

@@ -18,15 +18,15 @@ std::vector<const char*> pointersTo(std::span<const std::string> parameters) {
   return pointers;
 }
 
-// What the SQLSTATE of a failed statement means for who sent it.
+// Maps the SQLSTATE of a failed statement.
 StoreError::Kind kindOf(std::string_view state) {
   using Kind = StoreError::Kind;
   if (state == "40001" || state == "40P01") return Kind::conflict;  // serialization failure, deadlock
-  // Data exceptions and violated constraints are this statement's fault; all else is the server's.
+  // Data exceptions and constraint violations are the statement's fault; all others the server's.
   return state.starts_with("22") || state.starts_with("23") ? Kind::refused : Kind::away;
 }
 
-// The error without its details, which may quote rows.
+// The error text without details, which may quote rows.
 std::string primaryText(const PGresult* result) {
   const char* text = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
   const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
@@ -40,7 +40,7 @@ void PostgresConnection::Close::operator()(pg_conn* connection) const {
 }
 
 std::expected<std::unique_ptr<PostgresConnection>, StoreError> PostgresConnection::open(const std::string& address) {
-  // What stands in the address comes first. A server that vanished is noticed within ten seconds.
+  // Settings in the address take precedence. A lost server is detected within ten seconds.
   const char* names[] = {"connect_timeout", "tcp_user_timeout",          "keepalives_idle", "keepalives_interval",
                          "dbname",          "fallback_application_name", "client_encoding", nullptr};
   const char* values[] = {"5", "10000", "5", "5", address.c_str(), "quillon-receiver", "UTF8", nullptr};
@@ -80,7 +80,7 @@ std::expected<PostgresConnection::Rows, StoreError> PostgresConnection::finish(b
   PGconn* connection = connection_.get();
   if (!sent || !waitForAnswer(limit)) return std::unexpected(away(PQerrorMessage(connection)));
   Rows result(PQgetResult(connection), &PQclear);
-  // The end of the answer; a statement has no second result.
+  // The end of the result; a statement has only one.
   while (waitForAnswer(limit)) {
     const Rows more(PQgetResult(connection), &PQclear);
     if (!more) break;
@@ -113,7 +113,7 @@ bool PostgresConnection::waitForAnswer(milliseconds limit) {
   }
 }
 
-// libpq's message may name the host and the user, as the address did; rows it does not know.
+// libpq's message may name host and user, as the address does, but no rows.
 StoreError PostgresConnection::away(const std::string& text) const {
   const std::string line = text.substr(0, text.find('\n'));
   return {.kind = StoreError::Kind::away, .text = "PostgreSQL: " + (line.empty() ? "did not answer in time" : line)};

@@ -14,14 +14,14 @@ struct pg_result;
 
 namespace quillon::receiver {
 
-// One connection to a PostgreSQL server, that waits for nothing longer than its limit.
+// A connection to a PostgreSQL server with time limits on every wait.
 class PostgresConnection {
  public:
   using Rows = std::unique_ptr<pg_result, void (*)(pg_result*)>;
 
   [[nodiscard]] static std::expected<std::unique_ptr<PostgresConnection>, StoreError> open(const std::string& address);
 
-  // Runs one statement, with its parameters as texts. A limit of zero waits as long as it takes.
+  // Runs one statement with text parameters. A limit of zero waits indefinitely.
   [[nodiscard]] std::expected<Rows, StoreError> execute(const std::string& sql, std::span<const std::string> parameters,
                                                         std::chrono::milliseconds limit);
   [[nodiscard]] std::expected<void, StoreError> prepare(const char* name, const std::string& sql);
@@ -36,7 +36,7 @@ class PostgresConnection {
   explicit PostgresConnection(pg_conn* connection) : connection_(connection) {}
 
   std::expected<Rows, StoreError> finish(bool sent, std::chrono::milliseconds limit);
-  // Until a whole answer is there; false when it did not come in time or the connection broke.
+  // Waits for a complete result; false on timeout or a broken connection.
   bool waitForAnswer(std::chrono::milliseconds limit);
   StoreError away(const std::string& text) const;
 

@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kAsLongAsItTakes{0};
 constexpr int kPartitions = 16;
 constexpr const char* kInsert = "quillon_insert";
 
-// One parameter that holds a column of many rows, as PostgreSQL writes arrays.
+// A column of many rows as one parameter, in PostgreSQL's array syntax.
 class ArrayText {
  public:
   void text(std::string_view value) {
@@ -60,7 +60,7 @@ std::expected<std::unique_ptr<DecisionStore>, StoreError> PostgresStore::open(co
   return store;
 }
 
-// A server, database or user may be set to acknowledge before the commit is on disk. What others set higher stays.
+// A server, database or user may be configured to acknowledge before a commit is durable. Stricter settings are kept.
 std::expected<void, StoreError> PostgresStore::makeDurable() {
   const auto result = query(
       "SELECT set_config('synchronous_commit', 'on', false) WHERE current_setting('synchronous_commit', true) = 'off'",
@@ -79,7 +79,7 @@ std::expected<void, StoreError> PostgresStore::makeTable() {
   if (!there) return std::unexpected(there.error());
   if (*there) return {};
 
-  // Bytes are compared as bytes: quicker than by a language's rules, and the same on every machine.
+  // Byte-wise collation: faster, and the same on every machine.
   const std::string text = " text COLLATE \"C\" NOT NULL, ";
   const std::string table = "CREATE TABLE quillon_decisions(subject" + text + "tenant" + text + "application" + text +
                             "kind" + text + "item" + text + "decided_at bigint NOT NULL, status" + text +
@@ -88,7 +88,7 @@ std::expected<void, StoreError> PostgresStore::makeTable() {
                             "device text NOT NULL, sdk_version text NOT NULL, ad_id text NOT NULL, "
                             "received_at bigint NOT NULL, " +
                             std::string(kKey) + ") PARTITION BY HASH (subject)";
-  // One statement, so all of it is there or nothing, whoever else does the same at the moment.
+  // One statement, so it is atomic even with concurrent callers.
   std::string sql = "DO $$ BEGIN " + table + ";";
   for (int i = 0; i < kPartitions; ++i) {
     sql += " CREATE TABLE quillon_decisions_" + std::to_string(i) +
@@ -98,7 +98,7 @@ std::expected<void, StoreError> PostgresStore::makeTable() {
   const auto made = query(sql + " END $$", {});
   if (made) return {};
   there = isThere();
-  if (there && *there) return {};  // another instance was quicker
+  if (there && *there) return {};  // created by another instance
   return std::unexpected(made.error());
 }
 
@@ -137,7 +137,7 @@ std::expected<std::int64_t, StoreError> PostgresStore::add(std::span<const Uploa
 
 std::expected<SqlStore::Result, StoreError> PostgresStore::query(std::string_view sql,
                                                                  std::span<const std::string> parameters) {
-  // What looks through all decisions takes its time.
+  // Statements that scan all decisions may take long.
   const bool isLong = sql.starts_with("DELETE") || sql.find("GROUP BY") != std::string_view::npos;
   auto rows = connection_->execute(std::string(sql), parameters, isLong ? kAsLongAsItTakes : kStatementLimit);
   if (!rows) return std::unexpected(rows.error());

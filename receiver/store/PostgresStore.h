@@ -5,10 +5,10 @@
 
 namespace quillon::receiver {
 
-// A PostgreSQL server, or an engine that speaks its protocol.
+// A PostgreSQL server, or one that speaks its protocol.
 class PostgresStore final : public SqlStore {
  public:
-  // Makes the table when it is missing: partitioned by subject where the server can, else plain.
+  // Creates the table if missing: partitioned by subject if supported, else plain.
   [[nodiscard]] static std::expected<std::unique_ptr<DecisionStore>, StoreError> open(const std::string& address);
 
   std::expected<std::int64_t, StoreError> add(std::span<const Upload> uploads) override;

@@ -7,7 +7,7 @@
 namespace quillon::receiver {
 namespace {
 
-constexpr int kRowsAtOnce = 5000;  // of an expiry
+constexpr int kRowsAtOnce = 5000;  // per expiry statement
 constexpr std::string_view kOfSubject =
     " FROM quillon_decisions WHERE subject = $1 AND ($2 = '' OR tenant = $2) AND ($3 = '' OR application = $3)";
 
@@ -17,7 +17,7 @@ std::int64_t numberOf(const std::string& text) {
   return number;
 }
 
-// A row of kColumns.
+// The upload in a row of kColumns.
 Upload uploadOf(const std::vector<std::string>& row) {
   return {.tenant = row[1],
           .application = row[2],

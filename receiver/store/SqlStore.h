@@ -1,4 +1,4 @@
-// What both databases are asked in the same words.
+// The SQL common to both databases.
 #pragma once
 
 #include <string_view>
@@ -17,7 +17,7 @@ class SqlStore : public DecisionStore {
   std::expected<std::int64_t, StoreError> expire(std::int64_t receivedBefore) final;
 
  protected:
-  // The columns in the order in which add() fills them.
+  // The columns in add()'s order.
   static constexpr std::string_view kColumns =
       "subject, tenant, application, kind, item, decided_at, status, essential, implicit, test, version, compliance, "
       "place, device, sdk_version, ad_id, received_at";
@@ -25,14 +25,14 @@ class SqlStore : public DecisionStore {
   static constexpr std::string_view kKey = "PRIMARY KEY (subject, tenant, application, kind, item, decided_at, status)";
 
   using Row = std::pair<const Upload*, const Decision*>;
-  // In the order of the key, so that two writers that meet never wait for one another in a circle.
+  // Sorted by key, so that concurrent writers cannot deadlock.
   static std::vector<Row> rowsInOrder(std::span<const Upload> uploads);
 
   struct Result {
     std::vector<std::vector<std::string>> rows;
     std::int64_t affected = 0;
   };
-  // One statement with parameters $1, $2, … in the order of their first appearance.
+  // Runs one statement with parameters $1, $2, … numbered by first appearance.
   virtual std::expected<Result, StoreError> query(std::string_view sql, std::span<const std::string> parameters) = 0;
 };
 

@@ -8,14 +8,14 @@
 namespace quillon::receiver {
 namespace {
 
-// How long another process may hold the file before uploads are told to come again.
+// How long to wait for another process that holds the file.
 constexpr int kBusyMilliseconds = 5000;
 
 using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)>;
 
-// The text must stay until the statement has run.
+// The text must outlive the statement's run.
 void bindText(sqlite3_stmt* statement, int index, std::string_view text) {
-  // Without a pointer SQLite would bind NULL.
+  // A null pointer would bind NULL.
   const char* data = text.data() == nullptr ? "" : text.data();
   sqlite3_bind_text64(statement, index, data, text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
@@ -39,7 +39,7 @@ std::expected<std::unique_ptr<DecisionStore>, StoreError> SqliteStore::open(cons
   const auto prepared = [&]() -> std::expected<void, StoreError> {
     if (code != SQLITE_OK) return std::unexpected(store->error());
     sqlite3_busy_timeout(store->database_, kBusyMilliseconds);
-    // FULL: a commit is on disk before it is acknowledged, which WAL alone does not promise.
+    // FULL: commits are durable before they are acknowledged; WAL alone does not ensure that.
     if (auto set = store->execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"); !set) return set;
     return store->execute(("CREATE TABLE IF NOT EXISTS quillon_decisions("
                            "subject TEXT NOT NULL, tenant TEXT NOT NULL, application TEXT NOT NULL, "

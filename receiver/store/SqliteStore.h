@@ -9,10 +9,10 @@ struct sqlite3_stmt;
 
 namespace quillon::receiver {
 
-// A file in a folder of this machine, which several processes may have open.
+// A file in a local folder, which several processes may open.
 class SqliteStore final : public SqlStore {
  public:
-  // Makes what is missing, for this user alone.
+  // Creates missing parts, accessible to this user only.
   [[nodiscard]] static std::expected<std::unique_ptr<DecisionStore>, StoreError> open(
       const std::filesystem::path& folder);
   ~SqliteStore() override;

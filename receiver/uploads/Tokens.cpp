@@ -6,13 +6,13 @@
 namespace quillon::receiver {
 namespace {
 
-// In time that depends on the length of what was sent alone.
+// Takes time that depends only on the length of what was sent.
 bool areEqual(std::string_view sent, std::string_view secret) {
   unsigned difference = sent.size() != secret.size();
   for (std::size_t i = 0; i < sent.size(); ++i) {
     difference |= static_cast<unsigned char>(sent[i]) ^ static_cast<unsigned char>(secret[i % secret.size()]);
   }
-  volatile unsigned result = difference;  // keeps the compiler from leaving the loop early
+  volatile unsigned result = difference;  // prevents the compiler from ending the loop early
   return result == 0;
 }
 

@@ -9,20 +9,20 @@
 
 namespace quillon::receiver {
 
-// The access tokens by which applications upload. Several may be good for one application at a time, so that a new one
-// can be published while devices still hold the old one. A plain value.
+// The applications' access tokens. An application may have several valid ones, so that a new token can be published
+// while devices still use the old one. A plain value.
 class Tokens {
  public:
-  // A file of lines "TENANT APPLICATION TOKEN"; empty lines and those that begin with # say nothing.
+  // Reads lines "TENANT APPLICATION TOKEN"; empty lines and lines that begin with # are ignored.
   [[nodiscard]] static std::expected<Tokens, std::string> read(const std::string& file);
-  // Takes every token that is not empty, for the tenant "".
+  // Accepts every non-empty token, for the tenant "".
   [[nodiscard]] static Tokens any();
 
   struct Match {
     std::string tenant;
-    std::size_t line = 0;  // which one it was, without saying it
+    std::size_t line = 0;  // identifies the token without disclosing it
   };
-  // Takes as long whether the token is right, wrong, or nearly right.
+  // Constant time: independent of whether the token is right, wrong, or nearly right.
   [[nodiscard]] const Match* find(std::string_view application, std::string_view token) const;
 
   [[nodiscard]] std::size_t size() const { return count_; }

@@ -1,4 +1,4 @@
-// What a device uploads, as it is kept.
+// An upload as stored.
 #pragma once
 
 #include <cstdint>
@@ -18,27 +18,27 @@ enum class Status { granted, declined, notDetermined, withdrawn };
 
 struct Decision {
   Kind kind = Kind::purpose;
-  std::string item;            // the number of a purpose, the name of a permission
-  std::int64_t decidedAt = 0;  // seconds since 1970-01-01T00:00:00Z, by the clock of the device
+  std::string item;            // a purpose's number or a permission's name
+  std::int64_t decidedAt = 0;  // seconds since 1970-01-01T00:00:00Z, by the device's clock
   Status status = Status::notDetermined;
   bool isEssential = false;
 
   bool operator==(const Decision&) const = default;
 };
 
-// One request of a device.
+// One request from a device.
 struct Upload {
-  std::string tenant = {};  // whose token it came with
+  std::string tenant = {};  // of the token
   std::string application = {};
   std::string subject = {};
   std::string device = {};
   bool isImplicit = false;
   bool isTest = false;
-  std::int64_t version = 0;     // of the configuration that was answered
-  std::string compliance = {};  // what the banner obeyed, such as "opt-in"
+  std::int64_t version = 0;     // of the answered configuration
+  std::string compliance = {};  // the banner's compliance type, such as "opt-in"
   std::string advertisingId = {};
   std::string sdkVersion = {};  // empty when unknown
-  std::string place = {};       // as the proxy in front says, or empty
+  std::string place = {};       // location set by the proxy, or empty
   std::int64_t receivedAt = 0;  // seconds since 1970-01-01T00:00:00Z
   std::vector<Decision> decisions = {};
 

@@ -10,10 +10,10 @@ namespace json = boost::json;
 
 constexpr std::size_t kMaxDepth = 16;
 constexpr std::size_t kFirstBlock = 16 << 10;
-// Seconds; three thousand years to either side, so that no arithmetic on them overflows.
+// Seconds; about three thousand years either way, so that arithmetic does not overflow.
 constexpr std::int64_t kFarthestTime = 100'000'000'000;
 
-// The members of one object, each taken by name. The first complaint stays; what is taken after it does not matter.
+// The members of one object, taken by name. The first error is kept; later results are unused.
 class Members {
  public:
   Members(const json::object& object, std::string path, std::string& complaint)
@@ -26,7 +26,7 @@ class Members {
     if (text == nullptr) return complain(name, "expected a text"), std::string();
     if (text->size() > maxBytes) return complain(name, "is too long"), std::string();
     if (text->empty() && !mayBeEmpty) return complain(name, "is empty"), std::string();
-    // A zero byte ends a text in some stores and is refused by others.
+    // Some stores end texts at a zero byte, others reject it.
     if (text->find('\0') != json::string::npos) return complain(name, "holds a zero byte"), std::string();
     return std::string(*text);
   }

@@ -1,4 +1,4 @@
-// Answers that arrive whole and say the wrong thing.
+// Complete responses with wrong content.
 #include <boost/json.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -15,7 +15,7 @@ std::size_t asked(const World& world, std::string_view path) {
   return world.server.seen(path).size();
 }
 
-// A tag that cannot be sent back must not silence the device.
+// An entity tag that cannot be sent back must not stop later requests.
 Seen uselessTags(Trial& trial) {
   World world;
   std::size_t starts = 0;
@@ -34,7 +34,7 @@ Seen uselessTags(Trial& trial) {
   return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
 }
 
-// Neither accepted (0) nor to be repeated (1).
+// Neither accepted (0) nor retryable (1).
 Seen finalStatus(Trial& trial) {
   World world;
   world.server.onUpload(json(R"({"status":2,"message":"no"})"));
@@ -52,7 +52,7 @@ Seen finalStatus(Trial& trial) {
   return seen(world);
 }
 
-// A token that is a word of every answer.
+// A token that occurs in every response.
 Seen tokenInAnswer(Trial& trial) {
   World world;
   auto document = validConfiguration();
@@ -80,7 +80,7 @@ Seen placeWithoutCountry(Trial& trial) {
   return seen(world, "CURRENT_COMPLIANCE_TYPE=" + world.text(key::currentComplianceType).value_or("nothing"));
 }
 
-// The first start, before the document is published.
+// First start, before the document is published.
 Seen noDocumentYet(Trial& trial) {
   World world;
   world.server.onConfiguration(json("", 404));

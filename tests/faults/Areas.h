@@ -1,4 +1,4 @@
-// The parts of the surroundings that faults come from, each with its rows in a file of its own.
+// The sources of faults, each with its rows in a separate file.
 #pragma once
 
 #include <span>
@@ -23,7 +23,7 @@ std::vector<Row> busRows();
 struct Area {
   std::string_view name;
   std::vector<Row> (*rows)();
-  // Why the thread sanitizer need not, or cannot, see its rows; empty for those that are about threads.
+  // Why the rows are skipped with the thread sanitizer; empty for rows about threads.
   std::string_view withoutThreads = {};
 };
 

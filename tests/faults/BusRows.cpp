@@ -1,4 +1,4 @@
-// The message buses, where the device's permissions are asked for.
+// Faults of the message buses, the sources of the device's permissions.
 #include <stdlib.h>
 
 #include "platform/linux/PermissionSources/LinuxPermissionSources.h"
@@ -15,8 +15,8 @@ using Stopwatch = std::chrono::steady_clock;
 
 constexpr const char* storeName = "org.freedesktop.impl.portal.PermissionStore";
 
-// A device whose buses are at that address: it starts, is answered and asked for its camera. Nothing of the buses may
-// hold any of it up for long, and nothing but the word of a sound store grants the camera.
+// A device with its buses at this address: it starts, gets an answer and queries its camera. No bus may block any of
+// this for long, and only a correct store's reply grants the camera.
 Seen overBus(Trial& trial, const std::string& address) {
   ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
   ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
@@ -54,7 +54,7 @@ Run overStoreThatSays(const std::string& reply) {
   };
 }
 
-// A row whose buses know nothing about the camera.
+// A row whose buses do not know the camera.
 Row unknown(std::string_view name, std::string_view fault, Run run) {
   return {name,
           fault,

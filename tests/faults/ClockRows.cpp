@@ -1,4 +1,4 @@
-// Time, and how this machine writes it and its numbers.
+// Faults of the clock, time zones and locales.
 #include <boost/json.hpp>
 #include <clocale>
 #include <cstdlib>
@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr auto year = std::chrono::hours(24 * 366);
 
-// The configuration was saved, and then the clock is put back: its age is not known, so it is asked for again.
+// The clock is set back after the configuration was saved: its age is unknown, so it is requested again.
 Seen anHourBack(Trial& trial) {
   World world;
   world.start();
@@ -35,7 +35,8 @@ Seen anHourBack(Trial& trial) {
   return seen(world);
 }
 
-// The banner was answered by a clock a year ahead, which is then set right: it comes back one interval after that.
+// The banner is answered while the clock is a year ahead; the clock is then corrected, and the banner reappears one
+// interval after that.
 Seen aYearForwardAndBack(Trial& trial) {
   World world;
   world.clock->jump(year);
@@ -63,7 +64,7 @@ Seen aYearForward(Trial& trial) {
   return seen(world);
 }
 
-// Commas for decimal points, points between thousands, words for truth.
+// Decimal commas, thousands separators, words for booleans.
 struct OddPunctuation : std::numpunct<char> {
   char do_decimal_point() const override { return ','; }
   char do_thousands_sep() const override { return '.'; }
@@ -71,7 +72,7 @@ struct OddPunctuation : std::numpunct<char> {
   std::string do_truename() const override { return "wahr"; }
 };
 
-// Decides, uploads and logs as an application of that surrounding; answers with what all of them must agree on.
+// Decides, uploads and logs in this environment; returns what must be the same in all of them.
 std::string afterARun(World& world) {
   world.start();
   world.sdk->acceptOrReject(true).get();
@@ -87,7 +88,7 @@ Seen oddLocales(Trial& trial) {
   World plain;
   const auto wanted = afterARun(plain);
   std::locale::global(std::locale(std::locale::classic(), new OddPunctuation));
-  // Those of them that this machine has; the one above it always has.
+  // The locales installed here; the one above always is.
   for (const char* name : {"C.UTF-8", "de_DE.UTF-8", "fa_IR.UTF-8", "th_TH.UTF-8", "tr_TR.UTF-8", "ar_SA.UTF-8"}) {
     std::setlocale(LC_ALL, name);
     World world;
@@ -96,7 +97,7 @@ Seen oddLocales(Trial& trial) {
   return seen(plain, "1=" + plain.text("1").value_or("nothing"));
 }
 
-// Months are counted by the calendar of the law, in every zone, over changes of summer time and of the day.
+// Calendar months, in every zone, across changes of daylight saving and date.
 Seen oddZones(Trial& trial) {
   for (const char* zone : {"Pacific/Kiritimati", "Pacific/Niue", "Europe/Berlin", "Asia/Kathmandu", "Asia/Tehran",
                            "America/St_Johns", "Australia/Lord_Howe", "XYZ-24:59:59", "nonsense", ""}) {
@@ -117,7 +118,7 @@ Seen oddZones(Trial& trial) {
   return seen(world);
 }
 
-// Settings that ask for another calendar, other digits, or make no sense, in the variables that languages come from.
+// Language variables with another calendar, other digits, or nonsense.
 Seen oddSettings(Trial& trial) {
   World world;
   for (const char* setting : {"th_TH@calendar=buddhist", "fa_IR@calendar=persian", "ar_EG@numbers=arab",

@@ -25,7 +25,7 @@ void forEachDamage(const std::string& bytes, const Trial& trial,
   }
   for (int round = 0; round < trial.rounds(200, 10); ++round) {
     auto damaged = bytes;
-    // The first hundred bytes are a header, where a flip does most: they get their share.
+    // Every third round flips the header, the first hundred bytes, where flips do most harm.
     const auto range = round % 3 == 0 ? std::min<std::size_t>(100, size) : size;
     for (int left = 2 + round % 4; left > 0; --left) flipBit(damaged[random() % range]);
     visit("flips, round " + std::to_string(round), damaged);

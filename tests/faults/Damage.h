@@ -1,4 +1,4 @@
-// What happens to the bytes of a file that nobody wrote.
+// Damage to a file's bytes.
 #pragma once
 
 #include <functional>
@@ -10,13 +10,12 @@
 
 namespace quillon::test {
 
-// Every length that the file can be cut to, each byte with one bit changed, sectors zeroed, and bits changed in several
-// places at random; of a short trial, a sample of each.
+// Truncation to every length, a flipped bit in each byte, zeroed sectors, and random flips in several places; in a
+// short trial a sample of each.
 void forEachDamage(const std::string& bytes, const Trial& trial,
                    const std::function<void(const std::string& name, const std::string& damaged)>& visit);
 
-// What a user of this world sees at the moment; of what is stored the decision on the first purpose, unless it is
-// given.
+// What a user sees at the moment; by default the stored decision on the first purpose.
 Seen seen(World& world, std::optional<std::string> stored = std::nullopt);
 
 }  // namespace quillon::test

@@ -1,4 +1,4 @@
-// The cached configuration, and the folder that it lies in.
+// Faults of the cached configuration and its folder.
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -21,7 +21,7 @@ boost::json::object newer() {
   return document;
 }
 
-// Any damage, while the server cannot help: the file counts as what it was, or not at all.
+// Any damage, while the server is down: the file is read as it was saved, or not at all.
 Seen damagedConfiguration(Trial& trial) {
   World world;
   world.start();
@@ -41,7 +41,7 @@ Seen damagedConfiguration(Trial& trial) {
   return seen(world, "nothing granted");
 }
 
-// Something else stands in the file's place.
+// Something else in place of the file.
 std::function<Seen(Trial&)> inPlaceOfTheFile(void (*put)(const std::filesystem::path&)) {
   return [put](Trial&) {
     World world;
@@ -53,7 +53,7 @@ std::function<Seen(Trial&)> inPlaceOfTheFile(void (*put)(const std::filesystem::
   };
 }
 
-// On a small disk of its own, full to the last block.
+// On a small separate disk, completely full.
 Seen fullDisk(Trial& trial) {
   const TemporaryFolder place;
   if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
@@ -88,7 +88,7 @@ Seen fullDisk(Trial& trial) {
   return result;
 }
 
-// Nothing in the folder may be written: it belongs to another user, or is mounted so.
+// The folder is read-only: owned by another user, or mounted read-only.
 Seen readOnlyFolder(Trial& trial) {
   World world;
   world.start();

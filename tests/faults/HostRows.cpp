@@ -1,4 +1,4 @@
-// What the host's own code does in its callbacks.
+// Faults of the host's callbacks.
 #include <future>
 
 #include "platform/parts/FunctionConsentSink.h"
@@ -14,7 +14,7 @@ namespace {
   throw std::runtime_error("host\nfault");
 }
 
-// Every callback that a host can give throws.
+// Every host callback throws.
 Seen callbacksThatThrow(Trial& trial) {
   World world;
   auto document = validConfiguration();
@@ -44,7 +44,7 @@ Seen callbacksThatThrow(Trial& trial) {
   return seen(world);
 }
 
-// Callbacks use the facade they were called by, on the main queue, and wait there for answers.
+// Callbacks call the SDK on the main queue and wait for results there.
 Seen callbacksThatCallBack(Trial& trial) {
   World world;
   std::promise<void> done;
@@ -70,7 +70,7 @@ Seen callbacksThatCallBack(Trial& trial) {
   return seen(world);
 }
 
-// The SDK is destroyed by its own callback.
+// A callback destroys its SDK.
 Seen callbackThatDestroys(Trial& trial) {
   World world;
   std::promise<void> done;
@@ -88,7 +88,7 @@ Seen callbackThatDestroys(Trial& trial) {
   return seen(world);
 }
 
-// A host whose main queue loses every job, or refuses them: nothing that does not need it waits for it.
+// The host's main queue drops or refuses every job: operations that do not need it do not wait for it.
 Seen mainQueueThatLoses(Trial& trial) {
   World world;
   struct Nowhere : Executor {

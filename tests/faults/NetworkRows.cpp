@@ -1,4 +1,4 @@
-// Servers, and the way to them.
+// Faults of the servers and the network.
 #include <net/if.h>
 #include <sched.h>
 #include <stdlib.h>
@@ -31,7 +31,7 @@ constexpr auto shortLimit = 1s;
 constexpr auto stallLimit = 20s;  // connecting may take less
 constexpr auto wholeLimit = 60s;
 
-// The real session, with less time for each exchange.
+// The real session, with shorter timeouts.
 class HurriedHttpSession : public HttpSession {
  public:
   explicit HurriedHttpSession(std::shared_ptr<HttpSession> real) : real_(std::move(real)) {}
@@ -44,14 +44,14 @@ class HurriedHttpSession : public HttpSession {
   const std::shared_ptr<HttpSession> real_;
 };
 
-// In a short trial.
+// Shortens timeouts in a short trial.
 void hurry(World& world, const Trial& trial) {
   if (!trial.isShort()) return;
   world.amend = [](Platform& platform) { platform.http = std::make_shared<HurriedHttpSession>(platform.http); };
 }
 
 void expectWithin(Trial& trial, Stopwatch::time_point begin, std::chrono::seconds limit, const std::string& what) {
-  constexpr auto busyMachine = 15s;  // what a loaded disk may add
+  constexpr auto busyMachine = 15s;  // allowance for a loaded disk
   trial.expect(Stopwatch::now() - begin < limit + busyMachine,
                what + " takes longer than " + std::to_string(limit.count()) + " s");
 }
@@ -61,8 +61,8 @@ std::string answerIn(World& world) {
          (world.stored().pendingPurposes().empty() ? "" : ", to be uploaded");
 }
 
-// A first start and a later one while every server is replaced by the one at the address, an answer to the banner, and
-// the same device again once all is well. `limit` is that of one exchange.
+// A first and a later start, and an answer to the banner, with every server replaced by the one at the address; then
+// the same device with working servers. `limit` is that of one exchange.
 Seen whileServersAre(Trial& trial, const std::string& address, std::chrono::seconds limit = stallLimit) {
   if (trial.isShort()) limit = std::min(limit, std::chrono::seconds(shortLimit));
   const auto troubled = [&](const World& world) {
@@ -97,7 +97,7 @@ Seen whileServersAre(Trial& trial, const std::string& address, std::chrono::seco
 
 using Run = std::function<Seen(Trial&)>;
 
-// Servers that say this, and hang up.
+// Servers that send this text and disconnect.
 Run saying(const std::string& text) {
   return [text](Trial& trial) {
     const RawServer server([&](int connection) { RawServer::say(connection, text); });
@@ -127,13 +127,13 @@ Run repeating(const std::string& begin, const std::string& part) {
   };
 }
 
-// A port that nobody listens on.
+// A port without a listener.
 Seen deserted(Trial& trial) {
   const auto address = RawServer([](int) {}).url();
   return whileServersAre(trial, address);
 }
 
-// A listener that takes no connection, as its queue is full.
+// A listener that accepts no connection because its queue is full.
 Seen fullListener(Trial& trial) {
   std::array<int, 4> sockets{};
   for (int& each : sockets) each = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
@@ -167,7 +167,7 @@ std::string redirect(const std::string& to) {
   return "HTTP/1.1 302 Found\r\nLocation: " + to + "\r\nContent-Length: 0\r\n\r\n";
 }
 
-// A configuration may lie elsewhere; decisions and the token go where the application said, or nowhere.
+// A configuration may be redirected; decisions and the token go only where the application directed them.
 Seen redirectElsewhere(Trial& trial) {
   World world;
   ConsentServer elsewhere;
@@ -184,7 +184,7 @@ Seen redirectElsewhere(Trial& trial) {
   return seen(world, answerIn(world));
 }
 
-// The proxy of the environment is asked for everything but the machine itself, and refuses.
+// The environment's proxy is used for all requests except loopback, and refuses.
 Seen refusingProxy(Trial& trial) {
   const RawServer proxy([](int connection) {
     RawServer::say(connection, "HTTP/1.1 407 Proxy Authentication Required\r\nContent-Length: 0\r\n\r\n");
@@ -197,7 +197,7 @@ Seen refusingProxy(Trial& trial) {
   return result;
 }
 
-// A new network has its own loopback, which is down.
+// A new network namespace has its own loopback interface, which is down.
 bool bringLoopbackUp() {
   const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   ifreq loopback{};
@@ -208,7 +208,7 @@ bool bringLoopbackUp() {
   return isUp;
 }
 
-// In a network of its own, whose name server takes every question and answers none.
+// In a network namespace whose name server receives every query and answers none.
 Seen deadNameServer(Trial& trial) {
   const TemporaryFolder folder;
   setFileBytes(folder.path() / "resolv.conf", "nameserver 127.0.0.1\noptions timeout:20 attempts:3\n");
@@ -243,7 +243,7 @@ Seen deadNameServer(Trial& trial) {
   return result;
 }
 
-// The server stalls at one try and at the next, and takes the third.
+// The server stalls at two attempts and accepts the third.
 Seen twoStalls(Trial& trial) {
   World world;
   std::atomic<int> tries = 0;
@@ -262,7 +262,7 @@ Seen twoStalls(Trial& trial) {
   return seen(world, answerIn(world));
 }
 
-// The real clock, whose timers have less patience.
+// The real clock, with shorter timers.
 class HurriedClock : public LinuxClock {
  public:
   static constexpr int factor = 10;
@@ -274,8 +274,8 @@ class HurriedClock : public LinuxClock {
   }
 };
 
-// The server that knows the location falls silent, and the configuration has a banner for each. The first start waits
-// for it a while, the next one hardly, and neither grants what the default banner does not.
+// The location server stalls, and the configuration has one banner per location. The first start waits for it for a
+// while, the next one briefly, and neither grants anything that the default banner does not.
 Seen silentLocation(Trial& trial) {
   const RawServer silent(RawServer::fallSilent);
   World world;
@@ -309,7 +309,7 @@ Seen silentLocation(Trial& trial) {
   return seen(world, "CURRENT_COMPLIANCE_TYPE=" + world.text(key::currentComplianceType).value_or("nothing"));
 }
 
-// A row whose servers are of no use: the cached configuration serves on, and the answer waits for better days.
+// A row with useless servers: the cached configuration stays in use, and the answer stays pending.
 Row useless(std::string_view name, std::string_view fault, std::string log, Run run) {
   return {name, fault, std::move(run), {"ready", std::move(log), "1=granted, to be uploaded"}};
 }
@@ -322,7 +322,7 @@ std::vector<Row> networkRows() {
   return {
       useless("refused", "the servers refuse the connection", "Could not connect to 127.0.0.1 port", deserted),
       useless("stall-connect", "the servers take no connection", "onnect", fullListener),
-      // Its first reads are of a client's hello, which never ends in an empty line.
+      // The server reads a client's hello, which never contains an empty line.
       useless("stall-tls", "the servers fall silent before the encryption is agreed on", "onnection tim",
               stallingAfter("", "https")),
       useless("stall-answer", "the servers fall silent before their answer", "Operation t", stallingAfter("")),

@@ -1,4 +1,4 @@
-// Work in a process of its own: its death and its hanging are results, not the end of the table.
+// Runs work in a child process, whose death or hang is a result.
 #pragma once
 
 #include <poll.h>
@@ -16,9 +16,9 @@
 
 namespace quillon::test {
 
-// Forks, and ends the child by the front door after the work, where the leak check stands. Answers with its wait
-// status; nothing: it did not end in time and was killed, with its group when it has made one. To be called while this
-// process has one thread, unless the work is nothing but leaving.
+// Forks; the child runs the work and then exits normally, so that the leak check runs. Returns its wait status; nullopt
+// when it timed out and was killed, with its process group if it has one. Call it while this process has one thread,
+// unless the work only exits.
 inline std::optional<int> endOf(const std::function<void()>& work,
                                 std::chrono::milliseconds limit = std::chrono::seconds(10)) {
   const pid_t process = ::fork();

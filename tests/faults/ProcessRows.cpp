@@ -1,4 +1,4 @@
-// What becomes of the process that the SDK lives in, and what it shares with others.
+// Faults of the process and its resources.
 #include <fcntl.h>
 #include <sys/resource.h>
 
@@ -27,10 +27,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// In a child of a process with threads, whose threads the leak check would wait for.
+// For a child of a process with threads, which the leak check would wait for.
 bool withoutLeakCheck = false;
 
-// What is found, at the next start, of the data that other processes have left.
+// What the next start finds in data left by other processes.
 Seen seenIn(const std::filesystem::path& data) {
   World world(data);
   world.start();
@@ -42,7 +42,7 @@ void expectGoodEnd(Trial& trial, const std::string& what, const std::function<vo
   trial.expect(status == 0, what + (status ? ": wait status " + std::to_string(*status) : ": hung"));
 }
 
-// Does the work while the process may have no more of the resource.
+// Does the work with a limit on the resource.
 void whileLimited(decltype(RLIMIT_FSIZE) resource, rlim_t most, const std::function<void()>& work) {
   rlimit before{};
   ::getrlimit(resource, &before);
@@ -52,7 +52,7 @@ void whileLimited(decltype(RLIMIT_FSIZE) resource, rlim_t most, const std::funct
   ::setrlimit(resource, &before);
 }
 
-// The application's one instance, as a program has it, that is never taken down by hand.
+// The application's shared instance, as a program has it, never destroyed.
 ConsentSDK& sharedInstance(const std::filesystem::path& data, const std::string& url) {
   if (!configure({.applicationId = "test", .dataDirectory = data, .vendorUrl = url})) std::abort();
   auto& sdk = ConsentSDK::shared();
@@ -60,8 +60,8 @@ ConsentSDK& sharedInstance(const std::filesystem::path& data, const std::string&
   return sdk;
 }
 
-// One that answers and one that does not, in a process of their own: their library's statics go before their threads
-// when a process leaves, and they need descriptors.
+// A responding and a stalled server in a child process: their library's statics are destroyed before their threads at
+// exit, and they need descriptors.
 class Servers {
   ChildProcess process_{[](const ChildProcess::Say& say) {
     ConsentServer answers;
@@ -77,14 +77,14 @@ class Servers {
   const std::string silent = urls_.substr(urls_.find(' ') + 1);
 };
 
-// main() returns while the SDK loads, stores and uploads, against a server that never answers and one that does.
+// main() returns while the SDK loads, stores and uploads, with a stalled and a responding server.
 Seen leavingMain(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
   (void)seenIn(data);
   const Servers servers;
   int round = 0;
-  // What has the process begun when it leaves?
+  // The operation running when the process exits.
   const std::function<void(ConsentSDK&)> moments[] = {
       [](ConsentSDK&) {},
       [](ConsentSDK& sdk) { sdk.settled().wait_for(5ms); },
@@ -100,7 +100,7 @@ Seen leavingMain(Trial& trial) {
   return seenIn(data);
 }
 
-// How often the threads below have used the SDK.
+// Number of uses of the SDK by the threads below.
 std::atomic<int> uses = 0;
 
 void useForEver(ConsentSDK& sdk) {
@@ -120,8 +120,8 @@ void waitForUses(int count) {
   for (const int wanted = uses + count; uses < wanted;) std::this_thread::yield();
 }
 
-// main() returns while other threads of the host use the SDK, which they go on with until the process is gone. The last
-// decision is made after everything of the SDK's has been told of the end.
+// main() returns while other threads use the SDK until the process ends. The last decision is made after the SDK's exit
+// handlers.
 Seen leavingThreads(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
@@ -140,7 +140,7 @@ Seen leavingThreads(Trial& trial) {
   return seenIn(data);
 }
 
-// The host forks while the SDK is at work; the children leave, and the SDK goes on.
+// The host forks while the SDK works; the children exit, and the SDK continues.
 Seen fork(Trial& trial) {
   World world;
   auto& sdk = sharedInstance(world.data, world.server.url());
@@ -157,7 +157,7 @@ Seen fork(Trial& trial) {
   return seen(world);
 }
 
-// Three descriptors are free that the world takes for standard input, output and error.
+// Standard input, output and error are closed.
 Seen closedDescriptors(Trial& trial) {
   World world;
   std::map<int, int> kept{{STDIN_FILENO, -1}, {STDOUT_FILENO, -1}, {STDERR_FILENO, -1}};
@@ -196,7 +196,7 @@ Seen closedDescriptors(Trial& trial) {
   return seen(world);
 }
 
-// Files may not grow beyond a limit, and the signal that says so ends a process that does not expect it.
+// A file size limit, whose signal terminates a process that does not handle it.
 Seen fileSizeLimit(Trial& trial) {
   World world;
   world.start();
@@ -211,13 +211,13 @@ Seen fileSizeLimit(Trial& trial) {
   });
   Seen result = seen(world);
   trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused without a limit");
-  // A signal of the host's own is not swallowed.
+  // The host's own signal is not swallowed.
   ::signal(SIGXFSZ, SIG_DFL);
   trial.expect(endOf([] { ::raise(SIGXFSZ); }) != 0, "the signal no longer does what the host wants");
   return result;
 }
 
-// Peers hang up in the middle, and standard output is a pipe that nobody reads.
+// Peers disconnect in the middle, and standard output is a pipe that nobody reads.
 Seen brokenPipes(Trial& trial) {
   int ends[2];
   if (::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
@@ -225,7 +225,7 @@ Seen brokenPipes(Trial& trial) {
   const int output = ::dup(STDOUT_FILENO);
   ::dup2(ends[1], STDOUT_FILENO);
   World world;
-  ::signal(SIGPIPE, SIG_DFL);  // the server has changed it
+  ::signal(SIGPIPE, SIG_DFL);  // changed by the server
   world.start();
   const RawServer hangingUp([](int) {});
   auto options = world.options();
@@ -241,7 +241,7 @@ Seen brokenPipes(Trial& trial) {
   return seen(world, "1=" + world.text("1").value_or("nothing") + (pending.empty() ? "" : ", pending"));
 }
 
-// The process may open no more files. The sanitizers need descriptors themselves, so the limit is not a real one.
+// The process is out of descriptors. The sanitizers need some themselves, so the limit is simulated.
 Seen noDescriptors(Trial& trial) {
   World world;
   world.start();
@@ -253,7 +253,7 @@ Seen noDescriptors(Trial& trial) {
                "something else than acknowledged");
   world.clock->jump(2h);
   world.start();
-  trial.expect(mendCalls(), "nothing was opened");
+  trial.expect(restoreCalls(), "nothing was opened");
   Seen result = seen(world);
   trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::declined), "refused with descriptors again");
   trial.expect(world.sdk->uploadPendingConsents().get(), "no upload with descriptors again");
@@ -261,8 +261,8 @@ Seen noDescriptors(Trial& trial) {
   return result;
 }
 
-// Connections, pipes, the bus and the store find fewer and fewer descriptors, while the SDK is set up or at work, and
-// plenty afterwards. A store that cannot be opened stops the application; nothing else does, and all works again.
+// Fewer and fewer descriptors for connections, pipes, the bus and the store, during setup or work, and plenty
+// afterwards. A store that cannot be opened stops the application; nothing else does, and everything recovers.
 Seen fewDescriptors(Trial& trial) {
   if (std::string_view(SANITIZERS).contains("undefined")) {
     throw LeftOut("the checks of undefined behaviour look into memory through a pipe, which takes descriptors");
@@ -307,7 +307,7 @@ Seen fewDescriptors(Trial& trial) {
   return seenIn(data);
 }
 
-// Two processes of one application decide at once, each about a purpose of its own.
+// Two processes of one application decide at once, each on its own purpose.
 Seen twoProcesses(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
@@ -368,8 +368,7 @@ Seen killedWithTheBanner(Trial& trial) {
   return seenIn(place.path() / "data");
 }
 
-// A host is killed again and again in the middle of decisions and uploads, against a server that fails every other
-// time.
+// A host is killed repeatedly during decisions and uploads, with a server that fails every other time.
 Seen killedAtAnyMoment(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
@@ -394,7 +393,7 @@ Seen killedAtAnyMoment(Trial& trial) {
 
   std::mt19937 random(20261124);
   const std::array<std::string, 3> statuses{"granted", "declined", "withdrawn"};
-  // What each purpose may hold: the decision acknowledged last, and those sent after it whose answer was never read.
+  // The possible status of each purpose: the last acknowledged decision, and later ones whose result was not read.
   std::map<int, std::set<std::string>> possible;
   for (int round = 0; round < trial.rounds(200, 15) && trial.failures().empty(); ++round) {
     HostProcess host(data, server.url());
@@ -416,7 +415,7 @@ Seen killedAtAnyMoment(Trial& trial) {
         host.tell(R"({"op":"upload"})");
       }
     }
-    // Killed in the middle: some answers are read, the rest never is.
+    // Killed in the middle: some results are read, the others never.
     const auto acknowledged = random() % (sent.size() + 1);
     for (std::size_t i = 0; i < sent.size(); ++i) {
       const auto& [id, status] = sent[i];
@@ -424,7 +423,8 @@ Seen killedAtAnyMoment(Trial& trial) {
         const auto answer = host.hear();
         if (id != 0 && answer.contains("stored") && answer.at("stored") == true) possible[id] = {status};
       } else if (id != 0) {
-        // An unread decision may or may not have been made; before the first one a purpose holds its default.
+        // A decision without a read result may or may not have been made; before the first one a purpose has its
+        // default.
         if (possible[id].empty()) possible[id].insert("declined");
         possible[id].insert(status);
       }
@@ -455,7 +455,7 @@ Seen killedAtAnyMoment(Trial& trial) {
 
 }  // namespace
 
-// Asked by the sanitizer when the process ends.
+// Called by the sanitizer at process exit.
 extern "C" int __lsan_is_turned_off();  // NOLINT(bugprone-reserved-identifier)
 extern "C" int __lsan_is_turned_off() {
   return withoutLeakCheck ? 1 : 0;

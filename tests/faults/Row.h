@@ -1,4 +1,4 @@
-// One row of the table of faults: something is done to the SDK's surroundings, and the user sees what is promised.
+// One row of the table of faults: a fault is injected, and the user sees the promised behaviour.
 #pragma once
 
 #include <chrono>
@@ -11,31 +11,31 @@
 
 namespace quillon::test {
 
-// What a user, or the one who reads the log, notices.
+// What a user or a reader of the log sees.
 struct Seen {
   std::string status;  // of the SDK: "ready", "unavailable"
-  // Of a row: a part of an error line of the log; empty when no error may be logged. As seen: the whole log.
+  // In a row: part of an error line of the log; empty when no error may be logged. In a result: the whole log.
   std::string log;
-  std::string stored;  // what the device holds afterwards, in words or as "key=value key=value"
+  std::string stored;  // the device's content afterwards, as text or "key=value key=value"
 };
 
-// One row while it is carried out, in a process of its own.
+// A running row, in its own process.
 class Trial {
  public:
   explicit Trial(bool isShort) : isShort_(isShort) {}
 
-  // Few rounds are enough: the table is but one of many tests.
+  // Runs few rounds, when the table is one of many tests.
   bool isShort() const { return isShort_; }
   int rounds(int whole, int few) const { return isShort_ ? few : whole; }
 
-  // What else must hold; the row fails otherwise, and goes on. Tells whether it holds.
+  // A further claim; the row fails if it does not hold, and continues. Returns whether it holds.
   bool expect(bool holds, const std::string& claim) {
     if (!holds) failures_.push_back(claim);
     return holds;
   }
   const std::vector<std::string>& failures() const { return failures_; }
 
-  // Something worth knowing for those who read the table.
+  // A remark for readers of the table.
   void tell(std::string text) { told_ = std::move(text); }
   const std::string& told() const { return told_; }
 
@@ -45,19 +45,19 @@ class Trial {
   std::string told_;
 };
 
-// Thrown by a row when this machine does not let it do its harm: the row is left out, and the table says why.
+// Thrown by a row that cannot inject its fault on this machine: the row is skipped, with the reason.
 struct LeftOut : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
 struct Row {
   std::string_view name;   // for --only
-  std::string_view fault;  // what is done
-  // Does it and tells what was seen. Runs in a fresh process with one thread, which it may end by dying of the fault
-  // only where a child of its own does; an exception fails the row.
+  std::string_view fault;  // the injected fault
+  // Injects the fault and returns the result. Runs in a new process with one thread; only child processes may die of
+  // the fault. An exception fails the row.
   std::function<Seen(Trial&)> run;
   Seen sees{.status = "ready", .log = {}, .stored = "1=granted"};
-  std::chrono::seconds limit{150};  // a row that takes longer hangs, and fails
+  std::chrono::seconds limit{150};  // a longer run counts as a hang, and fails
 };
 
 }  // namespace quillon::test

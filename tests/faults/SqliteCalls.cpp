@@ -8,13 +8,13 @@
 namespace quillon::test {
 namespace {
 
-std::atomic<int> left{0};  // until the call that is struck; none is when it is not above zero
+std::atomic<int> left{0};  // calls until the failing one; no fault when not positive
 std::atomic<bool> struck{false};
 std::atomic<int> result{SQLITE_OK};
 
-thread_local int depth = 0;  // of calls into SQLite
+thread_local int depth = 0;  // nesting of calls into SQLite
 
-// One call, for as long as it lasts.
+// A running call.
 class Call {
  public:
   Call() : fails_(depth++ == 0 && left > 0 && --left == 0) {
@@ -37,7 +37,7 @@ int pass(Function* real, Arguments... arguments) {
   return call.fails() ? result.load() : real(arguments...);
 }
 
-// SQLite's own function of that name.
+// SQLite's original function.
 template <class Function>
 Function* real(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
@@ -51,14 +51,14 @@ void breakSqlite(int code, int number) {
   left = number;
 }
 
-bool mendSqlite() {
+bool restoreSqlite() {
   left = 0;
   return struck;
 }
 
 }  // namespace quillon::test
 
-// These stand before SQLite's for the whole process.
+// Interpose SQLite's functions in the whole process.
 extern "C" {
 
 using quillon::test::Call;
@@ -98,7 +98,7 @@ int sqlite3_file_control(sqlite3* connection, const char* database, int operatio
   static const auto next = real<decltype(sqlite3_file_control)>("sqlite3_file_control");
   return pass(next, connection, database, operation, argument);
 }
-// Has no result code: it is null where there was no memory to make the text in.
+// Has no result code: null means out of memory.
 const unsigned char* sqlite3_column_text(sqlite3_stmt* statement, int column) {
   static const auto next = real<decltype(sqlite3_column_text)>("sqlite3_column_text");
   const Call call;

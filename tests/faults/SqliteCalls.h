@@ -1,13 +1,12 @@
-// Faults of the calls that this process makes into SQLite.
+// Faults of this process's SQLite calls.
 #pragma once
 
 namespace quillon::test {
 
-// From now on such calls are counted, in all threads, and the one of that number, counted from 1, fails with the result
-// code, having done nothing. Left alone is what can only repeat an error told before, such as sqlite3_reset, and what
-// SQLite itself calls.
+// Starts counting such calls in all threads, and makes call `number`, from 1, fail with the result code without effect.
+// Exempt are calls that only repeat an earlier error, such as sqlite3_reset, and SQLite's internal calls.
 void breakSqlite(int code, int number);
-// Ends that. True when the fault has struck.
-bool mendSqlite();
+// Ends the fault. True when it has struck.
+bool restoreSqlite();
 
 }  // namespace quillon::test

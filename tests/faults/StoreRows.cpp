@@ -1,4 +1,4 @@
-// The durable store.
+// Faults of the durable store.
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -23,8 +23,8 @@ std::filesystem::path storeOf(const World& world) {
   return world.data / "quillon-cmp-sdk.sqlite";
 }
 
-// A store in which 1 was withdrawn, 2 granted and 3 declined, under a law whose default is a consent, and then damaged
-// in any way: only 2 may ever read as granted, whatever else is lost, and the store goes on.
+// A store with 1 withdrawn, 2 granted and 3 declined, under a compliance type whose default is granted, then damaged in
+// any way: only 2 may ever read as granted, and the store continues to work.
 Seen damagedStore(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
@@ -59,7 +59,7 @@ Seen damagedStore(Trial& trial) {
   return last;
 }
 
-// The user answers the banner after the loss: from then on the default of the law holds again.
+// The user answers the banner after a loss: from then on the compliance type's default applies again.
 Seen answerAfterALoss(Trial& trial) {
   World world;
   auto document = validConfiguration();
@@ -82,7 +82,7 @@ Seen answerAfterALoss(Trial& trial) {
   return seen(world);
 }
 
-// What a process writes before it ends.
+// The console output of a process before it ends.
 class SpokenConsole : public Console {
  public:
   explicit SpokenConsole(ChildProcess::Say say) : say_(std::move(say)) {}
@@ -96,8 +96,8 @@ class SpokenConsole : public Console {
   const ChildProcess::Say say_;
 };
 
-// Another process has the store in hand, as one that was stopped in the midst of a decision, for longer than a start
-// waits. Nothing is granted meanwhile, also where the law's default is a consent, and all is well once it lets go.
+// Another process, stopped during a decision, holds the store for longer than a start waits. Nothing is granted
+// meanwhile, even if the default is granted, and everything recovers once it is released.
 Seen heldStore(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
@@ -138,7 +138,7 @@ Seen heldStore(Trial& trial) {
   return seen(world);
 }
 
-// Something that is no store stands in its place: the one error that stops the application.
+// Something else in place of the store: the only error that stops the application.
 std::function<Seen(Trial&)> inPlaceOfTheStore(void (*put)(const std::filesystem::path&)) {
   return [put](Trial& trial) -> Seen {
     const TemporaryFolder place;
@@ -159,7 +159,7 @@ std::function<Seen(Trial&)> inPlaceOfTheStore(void (*put)(const std::filesystem:
   };
 }
 
-// Values of types that the keys never had, as another version might leave them.
+// Values of wrong types, as another version might leave them.
 Seen wrongTypes(Trial& trial) {
   using Limits = std::numeric_limits<std::int64_t>;
   const std::vector<PropertyValue> values{true,
@@ -191,7 +191,7 @@ Seen wrongTypes(Trial& trial) {
   return last;
 }
 
-// SQLite gets no more memory than so much above what it has.
+// Limits SQLite's memory to so much above its current use.
 Seen withoutMemory(Trial& trial) {
   World world;
   world.start();

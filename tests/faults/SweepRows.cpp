@@ -1,5 +1,5 @@
-// A fault at every single system call, or call of SQLite, in turn, while the SDK saves something: afterwards the next
-// process finds all that was acknowledged, and either the old or the new of what was not.
+// A fault at every single system call, or SQLite call, in turn, while the SDK saves: afterwards the next process finds
+// all acknowledged changes, and of others either the old or the new value.
 #include <sqlite3.h>
 
 #include <boost/json.hpp>
@@ -14,7 +14,7 @@
 namespace quillon::test {
 namespace {
 
-// What a process said: its log, and between its lines how far it came.
+// A process's output: its log with progress marks.
 struct Said {
   std::string text;
 
@@ -25,16 +25,16 @@ struct Said {
   bool gaveUp() const { return endedBy(SIGABRT); }  // the fatal error of a store that cannot be opened
 };
 
-// A part of a run of an application, whose acknowledgements it says aloud.
+// A part of an application's run, which prints its acknowledgements.
 struct Work {
-  // Puts what it needs in place, without faults.
+  // Prepares without faults.
   void (*prepare)(World&);
-  // Done under faults; tells of what the user, or the server, takes for done.
+  // Runs under faults; reports what the user or the server counts as done.
   void (*perform)(World&, const std::function<void()>& acknowledge);
-  // Compares what the next process finds with what was acknowledged.
+  // Compares the next process's data with the acknowledgements.
   void (*check)(Trial&, World&, const Said& said, const std::string& where);
-  bool opens = false;      // the store, which may be given up
-  bool isDamaged = false;  // the store, which is then set aside
+  bool opens = false;      // opens the store, which may fail fatally
+  bool isDamaged = false;  // the store is damaged, and then set aside
 };
 
 bool isPending(World& world) {
@@ -118,7 +118,7 @@ constexpr Work clearingThePending{
         },
     .perform =
         [](World& world, const auto& acknowledge) {
-          // What is pending goes out at the start.
+          // Pending decisions are uploaded at the start.
           world.server.onUpload([&](const auto& request, auto& response) {
             acknowledge();
             json(saved)(request, response);
@@ -134,21 +134,21 @@ constexpr Work clearingThePending{
         },
 };
 
-// What a sweep strikes: of the calls that it counts, the one of that number, from 1 on.
+// The fault of a sweep: strikes call `number`, from 1, of those it counts.
 struct Fault {
   std::function<void(const std::filesystem::path& data, int number)> strike;
-  bool (*mend)();  // ends it, and tells whether it has struck
+  bool (*restore)();  // ends it; true when it has struck
   bool kills = false;
 };
 
 Fault systemCalls(Effect effect) {
   return {.strike = [effect](const auto& data, int number) { breakCalls(data, effect, number); },
-          .mend = mendCalls,
+          .restore = restoreCalls,
           .kills = effect == Effect::kill};
 }
 
 Fault sqliteCalls(int code) {
-  return {.strike = [code](const auto&, int number) { breakSqlite(code, number); }, .mend = mendSqlite};
+  return {.strike = [code](const auto&, int number) { breakSqlite(code, number); }, .restore = restoreSqlite};
 }
 
 Said underFault(const std::filesystem::path& data, const Work& work, const Fault& fault, int number) {
@@ -164,13 +164,13 @@ Said underFault(const std::filesystem::path& data, const Work& work, const Fault
     say("* prepared\n");
     fault.strike(data, number);
     work.perform(world, [&] { say("* acknowledged\n"); });
-    const bool struck = fault.mend();
+    const bool struck = fault.restore();
     say(world.log() + (struck ? "\n* struck\n" : "\n* done\n"));
   });
   return {process.finish()};
 }
 
-// A process of its own here too: forking goes on afterwards, which no thread may be in the way of.
+// Also in a child process: forking continues afterwards, which threads would prevent.
 void checkInNextProcess(Trial& trial, const std::filesystem::path& data, const Work& work, const Said& said,
                         const std::string& where) {
   ChildProcess process([&](const ChildProcess::Say& say) {
@@ -189,7 +189,7 @@ void checkInNextProcess(Trial& trial, const std::filesystem::path& data, const W
 
 constexpr const char* allAcknowledged = "all that was acknowledged";
 
-// Every call in turn, or one of so many, until the work no longer makes one of that number.
+// Every call in turn, or every stride-th, until the work makes fewer calls.
 Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
   Seen seen{.status = "ready", .log = {}, .stored = {}};
   int points = 0;
@@ -214,7 +214,7 @@ Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
   return seen;
 }
 
-// The same of each work, one after the other.
+// Sweeps each work in turn.
 Seen sweepAll(Trial& trial, const Fault& fault) {
   Seen all;
   for (const Work* work : {&opening, &savingAConfiguration, &decision, &clearingThePending}) {
@@ -258,7 +258,7 @@ std::vector<Row> sweepRows() {
   };
   std::vector<Row> rows;
   for (const auto& [name, fault, work, effect, log] : cases) {
-    // Few calls mind being interrupted: one of five would miss them all.
+    // Few calls can be interrupted: every fifth would miss them all.
     const int stride = effect == Effect::interrupted ? 1 : 5;
     rows.push_back({name,
                     fault,

@@ -22,19 +22,19 @@ namespace {
 
 enum class Call { looks, opens, creates, needsRoom, writes };
 
-// What a call that is struck does instead of its work.
+// What a failing call does instead of its work.
 enum class Instead { nothing, fail, half };
 
 std::atomic<bool> armed{false};
 std::atomic<int> counted{0};
 std::atomic<bool> struck{false};
-// Set before `armed`, and not changed while it is.
+// Set before `armed`, unchanged while it is set.
 char folderPath[PATH_MAX];
 std::size_t folderLength = 0;
 Effect current{};
 int currentNumber = 0;
 
-// No library call that could come back here, or allocate.
+// Uses no library call that could re-enter or allocate.
 bool inFolder(const char* path) {
   return path != nullptr && std::strncmp(path, folderPath, folderLength) == 0;
 }
@@ -111,15 +111,14 @@ void breakCalls(const std::filesystem::path& folder, Effect effect, int number) 
   armed.store(true, std::memory_order_release);
 }
 
-bool mendCalls() {
+bool restoreCalls() {
   armed = false;
   return struck;
 }
 
 }  // namespace quillon::test
 
-// These stand before the C library's for the whole process, SQLite included. What is not in the folder goes straight on
-// to the system.
+// Interpose the C library's functions in the whole process, SQLite included. Calls outside the folder pass through.
 extern "C" {
 
 using quillon::test::Call;

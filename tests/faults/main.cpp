@@ -1,4 +1,4 @@
-// Does harm to the surroundings of the SDK, row by row, and prints what the user sees of it.
+// Injects faults into the SDK's surroundings, row by row, and prints what the user sees.
 #include <fcntl.h>
 
 #include <CLI/CLI.hpp>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int leftOutStatus = 77;
 
-// The error line with that text; the first error of all where none has it.
+// The error line that contains the text, else the first error.
 std::string errorLine(const std::string& log, const std::string& text) {
   std::istringstream lines(log);
   std::string first;
@@ -30,7 +30,7 @@ std::string errorLine(const std::string& log, const std::string& text) {
   return first;
 }
 
-// In the row's own process: prints what was seen, and on the error output all that is not as promised.
+// Runs in the row's process: prints the result, and deviations on standard error.
 int carryOut(const Row& row, bool isShort) {
   Trial trial(isShort);
   try {
@@ -58,13 +58,13 @@ Verdict print(std::string_view area, const Row& row, bool isShort) {
   using Clock = std::chrono::steady_clock;
   std::cout << std::left << std::setw(8) << area << "| " << std::setw(24) << row.name << "| " << row.fault << " | "
             << std::flush;
-  std::string said;  // on standard error, by its own children too
+  std::string said;  // on standard error, including its children's
   const auto attempt = [&] {
     const TemporaryFolder folder;
     const auto errors = folder.path() / "errors";
     const auto status = endOf(
         [&] {
-          ::setpgid(0, 0);  // what it leaves behind is killed with it
+          ::setpgid(0, 0);  // its children are killed with it
           ::dup2(::open(errors.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600), STDERR_FILENO);
           std::exit(carryOut(row, isShort));
         },
@@ -74,8 +74,8 @@ Verdict print(std::string_view area, const Row& row, bool isShort) {
   };
   const auto begin = Clock::now();
   auto status = attempt();
-  // On a busy machine the leak check may fail to stop a thread, says so, and takes what that thread holds for lost: such
-  // an end is no result.
+  // On a busy machine the leak check may fail to stop a thread, reports that, and counts the thread's memory as leaked:
+  // such a result is discarded.
   for (int more = 3; more > 0 && status != 0 && said.contains("was not suspended. False leaks are possible"); --more) {
     std::cout << "once more, the leak check could not stop a thread: " << std::flush;
     status = attempt();
@@ -127,7 +127,7 @@ int main(int argc, char** argv) {
   app.add_flag("--threads", threads, "those rows alone that are about threads");
   app.add_option("--only,only", only, "the row, or the area, of this name alone");
   CLI11_PARSE(app, argc, argv);
-  // No row cuts the power, so none needs a disk, and all together would wait a minute for it.
+  // No row cuts the power, so none needs a disk; waiting for one would take a minute in total.
   ::setenv("TMPDIR", quillon::test::TemporaryFolder::fastParent().c_str(), 1);
   return quillon::test::run(isShort, threads, only);
 }

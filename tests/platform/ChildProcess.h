@@ -1,5 +1,5 @@
-// Runs a part of a test in a process of its own. A database must not be open while one is made: its locks belong to the
-// process that opened it.
+// Runs part of a test in a child process. Do not fork while a database is open: its locks belong to the process that
+// opened it.
 #pragma once
 
 #include <signal.h>
@@ -45,7 +45,7 @@ class ChildProcess {
     ::close(output_);
   }
 
-  // The next bytes it said; empty when it has ended.
+  // The next bytes of its output; empty when it has ended.
   std::string hear() {
     char buffer[4096];
     ssize_t count = 0;
@@ -55,7 +55,7 @@ class ChildProcess {
     return {buffer, count > 0 ? static_cast<std::size_t>(count) : 0};
   }
 
-  // All it still says until it ends, and how it ended when that was not well.
+  // The rest of its output, and how it ended if not normally.
   std::string finish() {
     std::string all;
     for (auto part = hear(); !part.empty(); part = hear()) all += part;

@@ -1,4 +1,4 @@
-// What every clock promises, what moving time by hand adds, and calendar arithmetic.
+// The contract of every clock, advancing the virtual clock, and calendar arithmetic.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -43,7 +43,7 @@ std::unique_ptr<LinuxClock> linuxClock() {
 struct Kind {
   const char* name;
   std::unique_ptr<Clock> (*make)();
-  void (*pass)(Clock&, std::chrono::milliseconds);  // lets time pass where it does not by itself
+  void (*pass)(Clock&, std::chrono::milliseconds);  // lets time pass; advances a virtual clock
 };
 
 const Kind kinds[] = {
@@ -111,7 +111,7 @@ TEST_P(ClockContract, NoJobBeginsAfterItsTimerIsDropped) {
     std::jthread other([&] { pass(3ms); });
     while (round % 2 == 0 && *alive == 0) std::this_thread::yield();
     timer.reset();
-    alive.reset();  // a job that ran now would touch freed memory
+    alive.reset();  // a job run now would access freed memory
   }
 }
 
@@ -257,7 +257,7 @@ TEST(CalendarTest, KeepsTheLocalTimeAcrossDaylightSaving) {
   EXPECT_EQ(summer, utc(2024, 7, 10, 7h + 30min));
   EXPECT_EQ(calendar.localText(summer), "2024-07-10 09:30:00.000");
   EXPECT_EQ(calendar.addMonths(summer, -6), winter);
-  // 02:30 on 31 March 2024 does not exist: an hour sooner or later is as near as it gets.
+  // 02:30 on 31 March 2024 does not exist: one hour earlier or later is the nearest time.
   const WallTime gap = calendar.addMonths(utc(2024, 2, 29, 1h + 30min), 1);
   EXPECT_EQ(calendar.localText(gap), "2024-03-29 02:30:00.000");
   const WallTime skipped = calendar.addMonths(utc(2024, 1, 31, 1h + 30min), 2);

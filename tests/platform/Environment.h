@@ -1,4 +1,4 @@
-// The variables of the environment that a test changes; they are put back when it ends.
+// Environment variables changed by a test, restored when it ends.
 #pragma once
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// What every implementation of the executors promises, and what only real threads can break.
+// The contract of every executor implementation, and what only real threads can break.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,7 +17,7 @@ namespace {
 
 using test::Signal;
 
-// How a test waits for what it posted.
+// How to wait for posted jobs.
 struct Kind {
   const char* name;
   std::unique_ptr<Executors> (*make)();
@@ -48,7 +48,7 @@ class ExecutorsContract : public testing::TestWithParam<Kind> {
  protected:
   std::shared_ptr<Executor> queue(Queue which) { return queueOf(*executors_, which); }
 
-  // Posts to that queue and waits until the job has run.
+  // Posts to the queue and waits until the job has run.
   void flush(Executor& executor) {
     Signal ran;
     executor.post([&] { ran.set(); });
@@ -62,7 +62,7 @@ class ExecutorsContract : public testing::TestWithParam<Kind> {
 TEST_P(ExecutorsContract, MainAndSerialQueuesKeepTheOrderOfPostingAndRunOneJobAtATime) {
   for (const Queue which : {Queue::main, Queue::serial}) {
     const auto executor = queue(which);
-    std::vector<int> seen;  // unguarded on purpose: the thread sanitizer sees two jobs at a time
+    std::vector<int> seen;  // unguarded on purpose: the thread sanitizer detects concurrent jobs
     for (int i = 0; i < 1000; ++i) executor->post([&seen, i] { seen.push_back(i); });
     flush(*executor);
     ASSERT_EQ(seen.size(), 1000u);
@@ -77,7 +77,7 @@ TEST_P(ExecutorsContract, NeverRunsAJobWithinPostAndGoesOnAfterOneThatThrows) {
     bool nested = true;
     Signal ran;
     executor->post([&] {
-      thread_local bool inside = false;  // what another thread does meanwhile is no concern of this one
+      thread_local bool inside = false;  // per thread, so that other threads do not matter
       inside = true;
       executor->post([&] {
         nested = inside;
@@ -138,7 +138,7 @@ TEST(AsioExecutorsTest, DropsJobsThatHaveNotBegunWhenTheOwnerGoesAway) {
   ASSERT_TRUE(begun.wait());
 
   std::thread owner([&] { executors.reset(); });
-  // Whether the owner has closed its queue by now shows in what the queue does with a further job.
+  // Whether the owner has closed its queue shows when a further job is posted.
   while (true) {
     auto probe = std::make_shared<int>();
     queue->post([probe] {});

@@ -1,4 +1,4 @@
-// What is no message bus, but stands where one should.
+// A server in place of a message bus.
 #pragma once
 
 #include <sys/socket.h>
@@ -15,7 +15,7 @@
 
 namespace quillon::test {
 
-// Listens where a bus would, says its text to everybody who connects, and then nothing.
+// Listens at a bus address, sends a text to every client, and then nothing.
 class FalseBus {
  public:
   explicit FalseBus(std::string greeting)

@@ -1,4 +1,4 @@
-// What every file system promises, and what only a disk can break.
+// The contract of every file system, and what only a disk can break.
 #include "platform/FileSystem.h"
 
 #include <gtest/gtest.h>
@@ -105,7 +105,7 @@ TYPED_TEST(FileSystemContract, MovesOnlyToAFreeNameAndRemovesOnlyWhatIsThere) {
   EXPECT_EQ(this->files_.stamp(this->file_), std::nullopt);
 }
 
-// The disk.
+// The disk's file system.
 class PosixFiles : public testing::Test {
  protected:
   test::TemporaryFolder temporary_{test::TemporaryFolder::fastParent()};

@@ -1,4 +1,4 @@
-// The text files that ship with an application.
+// The application's text resources.
 #include <gtest/gtest.h>
 
 #include "platform/linux/LinuxPlatform.h"

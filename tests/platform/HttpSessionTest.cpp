@@ -1,4 +1,4 @@
-// The HTTP session against real servers on the loopback device, well-behaved and otherwise.
+// The HTTP session against real servers on loopback, correct and faulty.
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <openssl/evp.h>
@@ -35,7 +35,7 @@ using test::RawServer;
 
 constexpr auto patience = 30s;
 
-// What a request's completion was given, and that it was called once.
+// A completion's result; checks that it was called once.
 class Answer {
  public:
   HttpSession::Completion completion() {
@@ -64,7 +64,7 @@ HttpRequest getting(std::string url, HttpHeaders headers = {}) {
   return {.url = std::move(url), .method = "GET", .headers = std::move(headers), .body = {}};
 }
 
-// Serves on loopback while it lives.
+// A server on loopback.
 class Serving {
  public:
   explicit Serving(httplib::Server& server) : server_(server), port_(server.bind_to_any_port("127.0.0.1")) {
@@ -136,7 +136,7 @@ class CurlHttpSessionTest : public testing::Test {
 };
 
 TEST_F(CurlHttpSessionTest, SendsTheBodyAndOnlyTheHeadersOfTheRequest) {
-  std::string body(300'000, 'x');  // long enough for libcurl to ask for permission first
+  std::string body(300'000, 'x');  // long enough for libcurl to send "Expect: 100-continue"
   body[5] = '\0';
   for (const char* method : {"POST", "PUT"}) {
     const auto answer = exchange(
@@ -236,7 +236,7 @@ TEST_F(CurlHttpSessionTest, TheTimeIsThatOfAllHopsTogether) {
   RawServer silent(RawServer::fallSilent);
   RawServer slow([&](int connection) {
     pollfd closed{connection, POLLIN, 0};
-    poll(&closed, 1, 900);  // for most of the time there is
+    poll(&closed, 1, 900);  // most of the time limit
     RawServer::say(connection, "HTTP/1.1 302 Found\r\nLocation: " + silent.url() + "\r\nContent-Length: 0\r\n\r\n");
   });
   const auto begin = std::chrono::steady_clock::now();
@@ -297,7 +297,7 @@ TEST_F(CurlHttpSessionTest, ACompletionMaySendAgainAndDropTheSession) {
   EXPECT_TRUE(dropped.wait());
 }
 
-// An https server that vouches for itself; it redirects to http.
+// An https server with a self-signed certificate; redirects to http.
 class SecureServer {
  public:
   struct Certificate {
@@ -364,7 +364,7 @@ TEST_F(CurlHttpSessionTest, BelievesATrustedCertificateOnlyOfItsHostAndInItsTime
   for (const auto* server : {&secure, &expired, &other}) server->appendCertificate(folder + "/trusted.pem");
   bool made = false;
   std::thread([&] {
-    // File systems of the thread's own, in which a file of the system's can be replaced.
+    // A mount namespace of the thread, in which a system file can be replaced.
     made =
         unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
         mount((folder + "/trusted.pem").c_str(), "/etc/ssl/certs/ca-certificates.crt", nullptr, MS_BIND, nullptr) == 0;

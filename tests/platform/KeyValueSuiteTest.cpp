@@ -1,4 +1,4 @@
-// What every store promises, over every store there is.
+// The contract of every store, tested on all implementations.
 #include "platform/KeyValueSuite.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 using test::contains;
 using test::Signal;
 
-// A second store shows what a later process finds, where there is such a thing.
+// A second store shows what a later process finds, where possible.
 struct OnDisk {
   test::TemporaryFolder folder{test::TemporaryFolder::fastParent()};
   std::shared_ptr<WorkPool> pool = std::make_shared<WorkPool>("work", 2);
@@ -130,10 +130,10 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
   EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}}));
   const auto settleSecond = [](const SuiteEntries&) {
     SuiteUpdate update;
-    update.settle = [](const std::vector<JournalRecord>& unsettled) {
-      EXPECT_EQ(unsettled.size(), 3u);
-      EXPECT_EQ(unsettled.front().text, "third");
-      return SuiteUpdate::Settlement{{{unsettled[1].number, "sent"}}, {{"settled", true}}};
+    update.markRecords = [](const std::vector<JournalRecord>& unmarked) {
+      EXPECT_EQ(unmarked.size(), 3u);
+      EXPECT_EQ(unmarked.front().text, "third");
+      return SuiteUpdate::Marking{{{unmarked[1].number, "sent"}}, {{"settled", true}}};
     };
     return update;
   };
@@ -150,7 +150,7 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
   }));
   EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
     SuiteUpdate update = appending({"fine"}, {{"other", true}});
-    update.settle = [](const std::vector<JournalRecord>&) -> SuiteUpdate::Settlement { throw 1; };
+    update.markRecords = [](const std::vector<JournalRecord>&) -> SuiteUpdate::Marking { throw 1; };
     return update;
   }));
   EXPECT_EQ(content(*this->suite_).size(), 2u);
@@ -177,18 +177,18 @@ TYPED_TEST(KeyValueSuiteContract, JournalLosesItsOldestRecordsFirst) {
 
 TYPED_TEST(KeyValueSuiteContract, AReadingIsTheNewestCommitOfAnyProcessWithItsUnsettledRecords) {
   const auto other = this->world_.later.open("suite", {}).value();
-  ASSERT_TRUE(this->suite_->read()->unsettled.empty());
+  ASSERT_TRUE(this->suite_->read()->unmarked.empty());
   ASSERT_TRUE(other->update([](const SuiteEntries&) { return appending({"first", "second"}, {{"key", true}}); }));
   const auto reading = this->suite_->read();
   ASSERT_TRUE(reading);
   EXPECT_EQ(*reading->entries, (SuiteEntries{{"key", true}})) << "however lately the file was looked at";
-  EXPECT_EQ(reading->unsettled, (std::vector<JournalRecord>{{2, "second", ""}, {1, "first", ""}}));
+  EXPECT_EQ(reading->unmarked, (std::vector<JournalRecord>{{2, "second", ""}, {1, "first", ""}}));
   ASSERT_TRUE(other->update([](const SuiteEntries&) {
     SuiteUpdate update;
-    update.settle = [](const auto&) { return SuiteUpdate::Settlement{{{1, "sent"}}, {}}; };
+    update.markRecords = [](const auto&) { return SuiteUpdate::Marking{{{1, "sent"}}, {}}; };
     return update;
   }));
-  EXPECT_EQ(this->suite_->read()->unsettled, (std::vector<JournalRecord>{{2, "second", ""}}));
+  EXPECT_EQ(this->suite_->read()->unmarked, (std::vector<JournalRecord>{{2, "second", ""}}));
 }
 
 TYPED_TEST(KeyValueSuiteContract, TellsThoseWhoObserveOfWhatOthersCommitAndOfNothingElse) {

@@ -1,4 +1,4 @@
-// How the real services are put together: whose data folder it is, and what becomes of the process's streams.
+// The assembly of the Linux services: the data folder's owner, and the standard streams.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 

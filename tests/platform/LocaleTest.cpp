@@ -1,4 +1,4 @@
-// The languages that an environment names.
+// The languages of an environment.
 #include <gtest/gtest.h>
 
 #include <map>

@@ -1,4 +1,4 @@
-// Reports of the network path: by hand, and of a network of the test's own where the system lets it make one.
+// Network path reports: set by hand, and in a network namespace of the test where permitted.
 #include <gtest/gtest.h>
 #include <sched.h>
 
@@ -25,7 +25,7 @@ using Statuses = std::vector<NetworkStatus>;
 constexpr auto satisfied = NetworkStatus::satisfied;
 constexpr auto unsatisfied = NetworkStatus::unsatisfied;
 
-// What a subscriber heard, with a way to wait for more.
+// The reports to a subscriber, with a wait for more.
 class Heard {
  public:
   void operator()(NetworkStatus status) {
@@ -34,7 +34,7 @@ class Heard {
     changed_.notify_all();
   }
 
-  // The first `count` reports, or fewer when they do not come.
+  // The first `count` reports, fewer on timeout.
   Statuses wait(std::size_t count) {
     std::unique_lock lock(mutex_);
     changed_.wait_for(lock, 10s, [&] { return all_.size() >= count; });
@@ -70,7 +70,7 @@ TEST(NetlinkPathMonitorTest, IsSilentOnceTheSubscriptionIsDropped) {
       EXPECT_EQ(heard->wait(1).size(), 1u);
     }
     subscription.reset();
-    heard.reset();  // a report that came now would touch freed memory
+    heard.reset();  // a report now would access freed memory
   }
 }
 
@@ -86,7 +86,7 @@ TEST(NetlinkPathMonitorTest, ASubscriptionCanBeDroppedFromItsOwnHandler) {
   EXPECT_EQ(heard.wait(1).size(), 1u);
 }
 
-// Runs the body on a thread with a network of its own, in which nothing but it lives.
+// Runs the body on a thread in its own network namespace.
 class OwnNetwork : public testing::Test {
  protected:
   void inOwnNetwork(const std::function<void()>& body) {
@@ -98,7 +98,7 @@ class OwnNetwork : public testing::Test {
     if (!made) GTEST_SKIP() << "this system lets the test make no network (needs root and ip)";
   }
 
-  // A cable with two ends: the one has a carrier while the other is up.
+  // A veth pair: one end has a carrier while the other is up.
   static bool addLink(const std::string& link, const std::string& peer) {
     return run("ip link add " + link + " type veth peer name " + peer) && run("ip link set " + peer + " up");
   }
@@ -118,13 +118,13 @@ TEST_F(OwnNetwork, IsSatisfiedWhileADefaultRouteLeavesThroughALinkThatIsUp) {
     ASSERT_TRUE(run("ip route add default via 192.0.2.1"));
     ASSERT_EQ(heard.wait(2), (Statuses{unsatisfied, satisfied}));
 
-    // A second way keeps the first one's loss from mattering; an unusable one does not count.
+    // With a second route, losing the first does not matter; an unusable route does not count.
     ASSERT_TRUE(addLink("d1", "p1") && run("ip link set d1 up"));
     ASSERT_TRUE(run("ip route add default dev d1 metric 500") && run("ip route del default via 192.0.2.1"));
     ASSERT_TRUE(run("ip route add blackhole 0.0.0.0/0 metric 900") && run("ip link set d1 down"));
     ASSERT_EQ(heard.wait(3), (Statuses{unsatisfied, satisfied, unsatisfied}));
 
-    // Only a route of the main table is everybody's way.
+    // Only routes of the main table count.
     ASSERT_TRUE(run("ip route add default via 192.0.2.1 table 100"));
     Heard elsewhere;
     const auto other = monitor.start(executors.serial("other"), [&](NetworkStatus status) { elsewhere(status); });

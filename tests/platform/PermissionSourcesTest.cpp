@@ -1,4 +1,4 @@
-// The permission statuses of a device: the packaged permission store and services of the test's own on private buses.
+// The permission sources: the packaged permission store, and simulated services on private buses.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -33,7 +33,7 @@ const std::vector<Key> storeKeys{Key::cameraUsageDescription, Key::microphoneUsa
                                  Key::locationAlwaysUsageDescription, Key::userNotificationsUsageDescription};
 const std::vector<Key> systemKeys{Key::bluetoothAlwaysUsageDescription, Key::faceIDUsageDescription};
 
-// What a failed test prints of an answer.
+// An answer as text, for failed tests.
 std::string text(const std::expected<Value, std::string>& answer) {
   if (!answer) return "error: " + answer.error();
   return *answer ? std::to_string(**answer) : "no source";
@@ -62,7 +62,7 @@ class PermissionSourcesTest : public testing::Test {
   const test::Environment environment_{"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "FLATPAK_ID"};
 };
 
-// With the store as it is packaged.
+// With the packaged store.
 class PermissionStoreTest : public PermissionSourcesTest {
  protected:
   void SetUp() override {
@@ -70,7 +70,7 @@ class PermissionStoreTest : public PermissionSourcesTest {
     if (::access("/usr/libexec/xdg-permission-store", X_OK) != 0)
       GTEST_SKIP() << "xdg-permission-store is not installed";
     bus_.emplace(PrivateBus::Services::desktop);
-    // The store is started here, so that a busy machine may take longer for it than an answer may.
+    // Starts the store first, since on a busy machine that may exceed the time limit of an answer.
     bus_->call(store_, "/", "org.freedesktop.DBus.Peer.Ping");
   }
 
@@ -136,14 +136,14 @@ TEST_F(PermissionStoreTest, WhatIsDecidedAboutOtherApplicationsNeitherCountsNorI
     decide("notifications", "notification", "['no']", other);
   }
   expectUnset();
-  // A later change is heard of, and nothing was before it.
+  // A later change is reported, and nothing before it.
   test::Signal last;
   const auto second = device.observe([&] { last.set(); });
   decide("devices", "camera", "['yes']");
   ASSERT_TRUE(last.wait());
   EXPECT_EQ(told, 1);
 
-  // The name of the sandbox, when the application gives none.
+  // The sandbox's name, when the application gives none.
   decide("devices", "camera", "['no']", "com.example.boxed");
   setenv("FLATPAK_ID", "com.example.boxed", 1);
   EXPECT_EQ(text(sources(bus_->address(), nowhere, "").platformValue(Key::cameraUsageDescription)), "2");
@@ -156,7 +156,7 @@ TEST_F(PermissionStoreTest, AChangeReachesTheObserverWithTheNewValueKnown) {
   const auto changedBy = [&](const Key& key, const std::function<void()>& change) {
     test::Signal told;
     const auto subscription = device.observe([&] { told.set(); });
-    EXPECT_TRUE(device.platformValue(key));  // the subscription stands when this is answered
+    EXPECT_TRUE(device.platformValue(key));  // subscribed once this is answered
     change();
     return told.wait() ? text(device.knownValue(key)) : "not told";
   };
@@ -232,7 +232,7 @@ TEST_F(PermissionStoreTest, ABusThatWasRestartedIsAskedAndListenedToAgain) {
   while (ask() != "3" && std::chrono::steady_clock::now() < deadline) {
   }
   test::Signal told;
-  const auto subscription = device.observe([&] {  // also of the other sources, which come back with the bus
+  const auto subscription = device.observe([&] {  // also for the other sources, which return with the bus
     if (text(device.knownValue(Key::cameraUsageDescription)) == "2") told.set();
   });
   ASSERT_EQ(ask(), "3");
@@ -240,12 +240,12 @@ TEST_F(PermissionStoreTest, ABusThatWasRestartedIsAskedAndListenedToAgain) {
   EXPECT_TRUE(told.wait());
 }
 
-// A store that the test speaks for.
+// A store simulated by the test.
 class FalseStoreTest : public PermissionSourcesTest {
  protected:
   const PrivateBus bus_{PrivateBus::Services::none};
 
-  // Of the camera and the notifications.
+  // The answers for camera and notifications.
   std::pair<std::string, std::string> answers(const std::string& reply) {
     const BusPeer store(bus_.address(), "org.freedesktop.impl.portal.PermissionStore", {{"Lookup", reply}});
     const auto device = sources(bus_.address(), nowhere);
@@ -308,7 +308,7 @@ TEST_F(PermissionSourcesTest, ABusThatIsSilentOrSpeaksNonsenseHoldsNobodyUpForLo
   EXPECT_LT(now() - begin, 2s) << "leaving waits for a silent bus";
 }
 
-// Services of the system that the test speaks for.
+// System services simulated by the test.
 class SystemBusTest : public PermissionSourcesTest {
  protected:
   const PrivateBus bus_{PrivateBus::Services::none};
@@ -361,7 +361,7 @@ TEST_F(SystemBusTest, AnAdapterThatComesGoesOrIsSwitchedIsHeardOf) {
                         const std::string& signal, const std::string& arguments) {
     return changedBy([&] {
       bluez->reply("GetManagedObjects", objects);
-      bluez->emit("/", "org.freedesktop.DBus.ObjectManager", "InterfacesAdded", "(1,)");  // of no use
+      bluez->emit("/", "org.freedesktop.DBus.ObjectManager", "InterfacesAdded", "(1,)");  // malformed
       bluez->emit(path, "org.freedesktop.DBus." + interface, signal, arguments);
     });
   };

@@ -1,4 +1,4 @@
-// Whether the device says that its user wants privacy.
+// The device's privacy signals.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -24,8 +24,8 @@ TEST(PrivacySignalsTest, TheEnvironmentAsksWithAnyValueButNothingAndZero) {
   EXPECT_FALSE(LinuxPrivacySignals().isOn());
 }
 
-// The desktop's settings are one file in a folder of the test's own, as the library that keeps them can have it; it
-// looks where that is once in a process, so this test starts one.
+// The desktop's settings are a file in the test's folder, which its library supports; the library locates it once per
+// process, so this test starts one.
 void watchTheDesktop(const std::filesystem::path& folder) {
   const auto choose = [&](const char* line) {
     std::ofstream(folder / "new") << "[org/gnome/desktop/privacy]\n" << line << "\n";

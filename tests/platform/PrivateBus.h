@@ -1,4 +1,4 @@
-// A message bus of the test's own, and services on it that answer what they are told.
+// A private message bus, and scripted services on it.
 #pragma once
 
 #include <fcntl.h>
@@ -20,7 +20,7 @@
 
 namespace quillon::test {
 
-// A running dbus-daemon. The desktop's services are started on demand and keep their files in the bus's folder.
+// A running dbus-daemon. Desktop services are started on demand and keep their files in the bus's folder.
 class PrivateBus {
  public:
   enum class Services { desktop, none };
@@ -62,7 +62,7 @@ class PrivateBus {
     if (!listens) throw std::runtime_error("no message bus");
   }
 
-  // Its services end with it.
+  // Also ends its services.
   void stop() {
     if (daemon_ <= 0) return;
     ::kill(daemon_, SIGKILL);
@@ -73,7 +73,7 @@ class PrivateBus {
     std::filesystem::remove(socket(), ignored);
   }
 
-  // As a user would from the command line.
+  // Calls a method with gdbus.
   void call(const std::string& service, const std::string& path, const std::string& methodAndArguments) const {
     const std::string command =
         "gdbus call --session --dest " + service + " --object-path " + path + " --method " + methodAndArguments;
@@ -96,8 +96,8 @@ class PrivateBus {
   pid_t daemon_ = -1;
 };
 
-// Owns a name on a bus and answers methods with texts in the notation of GVariant, whatever type they are of. A text
-// "error:NAME" is an error of that name; a method without a text gets no answer.
+// Owns a bus name and answers methods with texts in GVariant notation, of any type. A text "error:NAME" is an error of
+// that name; a method without a text gets no reply.
 class BusPeer {
  public:
   BusPeer(const std::string& address, const std::string& name, const std::map<std::string, std::string>& replies) {
@@ -139,7 +139,7 @@ class BusPeer {
   }
 
  private:
-  // On a thread of GLib's.
+  // Called on a GLib thread.
   static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming, gpointer) {
     if (!incoming || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return message;
     const std::string text = replyTo(connection, g_dbus_message_get_member(message));
@@ -165,8 +165,8 @@ class BusPeer {
 
   GDBusConnection* connection_ = nullptr;
 
-  // Of all peers: what GLib's thread uses must not come into being or end with one, since the thread sanitizer does not
-  // see how GLib hands it over.
+  // Shared by all peers: data used by GLib's thread must not be created or destroyed with one, since the thread
+  // sanitizer does not see GLib's hand-over.
   static inline std::mutex mutex_;  // guards the member below
   static inline std::map<GDBusConnection*, std::map<std::string, std::string>> replies_;
 };

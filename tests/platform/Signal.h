@@ -1,4 +1,4 @@
-// One thread tells another that something has happened.
+// An event that one thread signals to another.
 #pragma once
 
 #include <chrono>
@@ -7,7 +7,7 @@
 
 namespace quillon::test {
 
-// Unlike a promise it may be destroyed as soon as wait has returned, even while set is on its way out.
+// Unlike a promise it may be destroyed as soon as wait() has returned, even while set() is returning.
 class Signal {
  public:
   void set() {
@@ -16,7 +16,7 @@ class Signal {
     changed_.notify_all();
   }
 
-  // Whether it was set within that time.
+  // Whether it was set within the limit.
   [[nodiscard]] bool wait(std::chrono::milliseconds limit = std::chrono::seconds(10)) {
     std::unique_lock lock(mutex_);
     return changed_.wait_for(lock, limit, [this] { return isSet_; });

@@ -1,4 +1,4 @@
-// What becomes of a suite whose file is not what was written.
+// Recovery of a suite with a damaged file.
 #include <functional>
 #include <latch>
 #include <thread>
@@ -8,21 +8,21 @@
 
 namespace quillon {
 
-// By whoever finds the damage later, and by the next update of a process that has the file open.
+// Both when a later process opens the file, and in the next update of a process that has it open.
 TEST_F(SqliteSuiteTest, ADamagedFileIsKeptAsideAndANewOneBegun) {
   struct Damage {
     std::string name;
     std::function<void()> done;
-    // What a later process reads.
+    // The content that a later process reads.
     std::string found = "LOST_ENTRIES=true";
-    // What the process that wrote it still knows; empty where only who opens it notices.
+    // The content still known to the process that wrote it; empty where only opening detects the damage.
     std::string known = "a=acknowledged";
   };
   const auto byHand = [&](const char* sql, std::string found, std::string known) {
     return Damage{sql, [this, sql] { EXPECT_EQ(shell(sql), ""); }, std::move(found), std::move(known)};
   };
   const auto fileByHand = [&](const char* sql) { return byHand(sql, "LOST_ENTRIES=true", "a=acknowledged"); };
-  // A row that is not what was written may have been any key's.
+  // A damaged row may have had any key.
   const auto rowByHand = [&](const char* sql) { return byHand(sql, "LOST_ENTRIES=true b=true", "LOST_ENTRIES=true"); };
   const auto bytes = [&](const char* name, std::string found, const std::function<void(std::string&)>& change) {
     const auto done = [this, change] {
@@ -47,7 +47,7 @@ TEST_F(SqliteSuiteTest, ADamagedFileIsKeptAsideAndANewOneBegun) {
          std::filesystem::rename(folder_ / "text", file_);
        }},
       bytes("a write version of the future", "LOST_ENTRIES=true", [](std::string& all) { all[18] = 9; }),
-      // The second page lists where its rows lie, from its ninth byte on, two bytes each: the marker, a, b.
+      // The second page lists its row offsets from its ninth byte on, two bytes each: the marker, a, b.
       bytes("rows out of order", "LOST_ENTRIES=true b=true",
             [](std::string& all) { std::swap_ranges(&all[4106], &all[4108], &all[4108]); }),
       fileByHand("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<100001)"
@@ -84,7 +84,7 @@ TEST_F(SqliteSuiteTest, ADamagedFileIsKeptAsideAndANewOneBegun) {
     const auto later = open();
     ASSERT_TRUE(later);
     EXPECT_EQ(listed(*later), found);
-    // A sound file with a damaged row stays until something is written.
+    // An intact file with a damaged row stays until the next write.
     EXPECT_EQ(keptAside().size(), found == "LOST_ENTRIES=true" ? kept : 0);
     EXPECT_EQ(reports_.size(), kept);
     EXPECT_TRUE(put(*later, "key", std::string("new")));
@@ -114,7 +114,8 @@ TEST_F(SqliteSuiteTest, AJournalLeftBehindIsNotPlayedBackIntoANewFile) {
     return changes;
   }));
   {
-    // A cache too small for the transaction makes SQLite write to the file before the end, the journal first.
+    // A cache too small for the transaction makes SQLite write to the file, and before that to the journal, before the
+    // commit.
     auto database = SqliteDatabase::open(file_);
     ASSERT_TRUE(database && database->run("PRAGMA cache_size=1; BEGIN; UPDATE entries SET value=value||'!'"));
     const auto journal = fileBytes(folder_ / "s.sqlite-journal");
@@ -129,11 +130,11 @@ TEST_F(SqliteSuiteTest, AJournalLeftBehindIsNotPlayedBackIntoANewFile) {
   EXPECT_EQ(listed(*open()), "key=new");
 }
 
-// As a newer version or a database browser leaves it.
+// As left by a newer version or a database browser.
 TEST_F(SqliteSuiteTest, AFileWithMoreInItThanWeKnowIsReadAndWrittenOn) {
   struct More {
     const char* sql;
-    std::size_t replaced = 0;  // it takes nothing more, and what it holds moves into a new file
+    std::size_t replaced = 0;  // it accepts no more, and its content moves into a new file
   };
   for (const auto& [sql, replaced] : {
            More{"CREATE INDEX i ON journal(mark)"},
@@ -160,7 +161,7 @@ TEST_F(SqliteSuiteTest, AFileWithMoreInItThanWeKnowIsReadAndWrittenOn) {
     });
     EXPECT_TRUE(done) << done.error();
     EXPECT_EQ(listed(*open()), "a=granted b=declined");
-    EXPECT_EQ(suite->read()->unsettled.size(), 1u);
+    EXPECT_EQ(suite->read()->unmarked.size(), 1u);
     EXPECT_EQ(keptAside().size(), replaced);
     EXPECT_EQ(reports_.size(), replaced);
   }
@@ -199,7 +200,7 @@ TEST_F(SqliteSuiteTest, TwoUsersOfADamagedFileEndUpInOneNewFile) {
   }
 }
 
-// What the journal in a database file survives.
+// Damage to the journal.
 class SuiteJournalTest : public SqliteSuiteTest {
  protected:
   bool record(const std::vector<std::string>& texts) {
@@ -261,7 +262,7 @@ TEST_F(SuiteJournalTest, OutlivesADamagedEntryAndCostsNoEntryWhenItIsDamagedItse
   EXPECT_EQ(journal(), "3:c 2:b 1:a ") << "taken over into the new file";
   EXPECT_TRUE(reported("a new one was begun"));
 
-  // The page of the journal becomes one of no kind.
+  // Overwrites the journal's page type.
   const auto page = std::stoul(shell("SELECT rootpage FROM sqlite_schema WHERE name='journal'"));
   auto bytes = test::fileBytes(file_);
   bytes.at((page - 1) * 4096) = '\xff';

@@ -1,4 +1,4 @@
-// What several processes, and several connections, do to one suite.
+// One suite shared by several processes and connections.
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -67,7 +67,7 @@ TEST_F(SqliteSuiteTest, HearsOfCommitsThroughReplacedFilesAndSaysWhenItCannot) {
   EXPECT_EQ(listed(*suite), "more=true theirs=true");
   EXPECT_TRUE(reports_.empty());
 
-  // Without a descriptor left, whoever looks tells the others.
+  // Without descriptors, a reader that probes notifies the observers.
   SqliteStore other(folder_, pool);
   const auto blind =
       other.open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); }).value();
@@ -148,7 +148,7 @@ TEST_F(SqliteSuiteTest, AForeignReaderDelaysACommitButDoesNotFailIt) {
       });
       EXPECT_TRUE(done) << done.error();
     });
-    // Until the writer waits for the reader, which keeps new readers out.
+    // Until the writer waits for the reader, which blocks new readers.
     const auto deadline = std::chrono::steady_clock::now() + 10s;
     while (other->ask("SELECT 1 FROM entries")) ASSERT_LT(std::chrono::steady_clock::now(), deadline);
     EXPECT_EQ(listed(*suite), "old=true");

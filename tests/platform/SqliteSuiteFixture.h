@@ -1,4 +1,4 @@
-// A suite in a folder of its own, what is in its file, and what was reported of it.
+// A suite in its own folder, with access to its file and reports.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ inline std::expected<void, std::string> put(KeyValueSuite& suite, const std::str
   return suite.update([&](const SuiteEntries&) { return SuiteChanges{{key, value}}; });
 }
 
-// "key=text key=text", sorted, for texts that read well in a failure.
+// "key=text key=text", sorted, for readable failures.
 inline std::string listed(const KeyValueSuite& suite) {
   const auto entries = suite.snapshot();
   const std::map<std::string, PropertyValue> sorted(entries->begin(), entries->end());
@@ -35,7 +35,7 @@ inline std::string listed(const KeyValueSuite& suite) {
 
 class SqliteSuiteTest : public testing::Test {
  protected:
-  // A new store each time, as another process would have.
+  // A new store in every call, as another process would have.
   std::shared_ptr<KeyValueSuite> open(const std::filesystem::path& folder) {
     auto opened =
         SqliteStore(folder).open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); });
@@ -45,7 +45,7 @@ class SqliteSuiteTest : public testing::Test {
   }
   std::shared_ptr<KeyValueSuite> open() { return open(folder_); }
 
-  // As somebody with the sqlite3 shell would.
+  // Runs SQL in the sqlite3 shell.
   std::string shell(const char* sql) const {
     auto database = SqliteDatabase::open(file_);
     if (!database) return database.error().text;
@@ -53,7 +53,7 @@ class SqliteSuiteTest : public testing::Test {
     return answer ? *answer : answer.error().text;
   }
 
-  // Without a new file in its place.
+  // Overwrites the file in place.
   void overwrite(const std::string& bytes) const {
     std::fstream(file_, std::ios::binary | std::ios::in | std::ios::out) << bytes;
   }
@@ -67,7 +67,7 @@ class SqliteSuiteTest : public testing::Test {
     return kept;
   }
 
-  // Whether one of the reports has that part.
+  // Whether a report contains the text.
   testing::AssertionResult reported(std::string_view part) const {
     std::string all;
     for (const auto& report : reports_) all += report + "\n";

@@ -60,7 +60,7 @@ TEST_F(SqliteSuiteTest, RefusesWhatIsNoFileOfItsOwn) {
   EXPECT_TRUE(SqliteStore(temporary_.path() / "link").open("other", {})) << "the way to the folder may hold links";
 }
 
-// In a folder that others may write to, as /tmp is, and with what they may have put there before.
+// In a world-writable folder such as /tmp, with content planted by another user.
 TEST_F(SqliteSuiteTest, BelievesNothingThatBelongsToAnotherUser) {
   if (::geteuid() != 0) GTEST_SKIP() << "only the administrator can act as several users";
   constexpr uid_t user = 65534, attacker = 12345;

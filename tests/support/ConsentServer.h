@@ -1,4 +1,4 @@
-// A real HTTP server on loopback that plays the vendor's services and remembers what it was asked.
+// A real HTTP server on loopback in place of the services; records requests.
 #pragma once
 
 #include <httplib.h>
@@ -32,20 +32,20 @@ class ConsentServer {
   // Ends in "/".
   std::string url() const;
 
-  // How each kind of request is answered from now on. By default: no configuration (404), no location (404), uploads
-  // accepted with status 0.
+  // Sets the response to each kind of request. Default: no configuration (404), no location (404), uploads accepted
+  // with status 0.
   void onConfiguration(Handler handler) { set(configuration_, std::move(handler)); }
   void onLocation(Handler handler) { set(location_, std::move(handler)); }
   void onUpload(Handler handler) { set(upload_, std::move(handler)); }
 
-  // Serves this document for every configuration request, with an entity tag when one is given.
+  // Serves this document for every configuration request, with an entity tag if given.
   void serve(std::string document, std::string tag = {});
   void serve(const boost::json::object& document) { serve(boost::json::serialize(document)); }
 
   std::vector<Seen> seen() const;
   // The requests whose path contains the text.
   std::vector<Seen> seen(std::string_view pathPart) const;
-  // Waits until that many such requests have arrived; false when they did not within ten seconds.
+  // Waits until `count` such requests have arrived; false after ten seconds.
   bool waitFor(std::string_view pathPart, std::size_t count) const;
 
  private:
@@ -68,13 +68,13 @@ inline constexpr std::string_view locationPath = "geo/location";
 inline constexpr std::string_view uploadPath = "singleupload";
 
 ConsentServer::Handler json(std::string body, int status = 200);
-// The place of a device: the codes in each language, as JSON objects.
+// A location: the codes in each language, as JSON objects.
 ConsentServer::Handler located(const std::string& country, const std::string& state = "{}");
 
-// The answer to an upload that counts.
+// The response that accepts an upload.
 inline constexpr const char* saved = R"({"status":0,"message":"saved"})";
 
-// Uploads arrive, and are accepted once they are released.
+// Holds uploads until they are released, then accepts them.
 class HeldUploads {
  public:
   explicit HeldUploads(ConsentServer& server) {

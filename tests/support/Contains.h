@@ -1,4 +1,4 @@
-// Whether a text has a part; a failed expectation prints both.
+// Whether a text contains a part; a failed expectation prints both.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A real PostgreSQL.
+// A real PostgreSQL server.
 #pragma once
 
 #include <filesystem>
@@ -10,20 +10,19 @@
 
 namespace quillon::test {
 
-// A server of its own in a temporary folder, which listens on a socket there alone.
+// A private server in a temporary folder, listening only on a socket there.
 class PostgresServer {
  public:
   static bool isInstalled();
 
-  // In memory, where that is, or below the folder given. A server that does not do what it should ends the process:
-  // without it nothing can be shown.
+  // In memory if possible, or below the given folder. Terminates the process when the server cannot be started.
   explicit PostgresServer(const std::filesystem::path& parent = TemporaryFolder::fastParent());
 
   void start();
   void kill() { process_.reset(); }
   std::string address(const std::string& database = "postgres") const;
   void execute(const std::string& sql) const;
-  // An empty database of that name; its address.
+  // Creates an empty database; returns its address.
   std::string newDatabase(const std::string& name) const;
 
  private:

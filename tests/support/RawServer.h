@@ -1,4 +1,4 @@
-// A server that breaks every rule it is told to break.
+// A server for protocol violations.
 #pragma once
 
 #include <netinet/in.h>
@@ -18,7 +18,7 @@
 
 namespace quillon::test {
 
-// A server that says what it is told, byte for byte, to whoever connects.
+// Sends given bytes to every client.
 class RawServer {
  public:
   using Behaviour = std::function<void(int connection)>;
@@ -44,13 +44,13 @@ class RawServer {
 
   std::string url(const std::string& path = "/") const { return "http://127.0.0.1:" + std::to_string(port_) + path; }
 
-  // Waits for the first request that came, without its body; call once.
+  // Waits for the first request, without its body; call once.
   std::string firstRequest() {
     auto future = asked_.get_future();
     return future.wait_for(std::chrono::seconds(30)) == std::future_status::ready ? future.get() : "none came";
   }
 
-  // Everything up to the empty line.
+  // Reads up to the empty line.
   static std::string readRequest(int connection) {
     std::string text;
     char byte = 0;
@@ -60,7 +60,7 @@ class RawServer {
   static bool say(int connection, std::string_view text) {
     return send(connection, text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size());
   }
-  // Keeps the connection open until the other side has had enough.
+  // Keeps the connection open until the peer closes it.
   static void fallSilent(int connection) {
     char byte = 0;
     while (recv(connection, &byte, 1, 0) > 0) {

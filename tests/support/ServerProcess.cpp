@@ -35,7 +35,7 @@ ServerProcess::ServerProcess(const std::vector<std::string>& command, const std:
   process_ = fork();
   if (process_ == 0) {
     becomeUser(user);
-    // Servers do not outlive a test that was killed; they are started by threads that live as long as it.
+    // Servers end with a killed test; the threads that start them live as long as the test.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(ends[1], STDOUT_FILENO);
     dup2(ends[1], STDERR_FILENO);

@@ -1,4 +1,4 @@
-// A program that runs while a test does, and what it says.
+// A child program and its output.
 #pragma once
 
 #include <sys/types.h>
@@ -15,21 +15,21 @@ namespace quillon::test {
 
 class ServerProcess {
  public:
-  // Both its outputs are read. As the super-user, it runs as the user of the given name.
+  // Reads standard output and error. As the super-user, runs it as the given user.
   explicit ServerProcess(const std::vector<std::string>& command, const std::string& user = {});
-  // Kills it when it still runs.
+  // Kills it if still running.
   ~ServerProcess();
   ServerProcess(const ServerProcess&) = delete;
   ServerProcess& operator=(const ServerProcess&) = delete;
 
-  // The first line that has the text; empty when none came before it ended, or in time.
+  // The first line that contains the text; empty when it ended or timed out before.
   std::string waitForLine(const std::string& text, std::chrono::seconds limit = std::chrono::seconds(60));
   std::string output();
   bool hasEnded();
-  // SIGKILL also ends its children.
+  // SIGKILL is sent to its children too.
   void sendSignal(int signal) const;
   void sendSignalToChildren(int signal) const;
-  // Its exit status, or the negative number of the signal that ended it; nothing when it did not end in time.
+  // Its exit status, or the negative signal number; nullopt on timeout.
   std::optional<int> wait(std::chrono::milliseconds limit = std::chrono::seconds(20));
   pid_t id() const { return process_; }
 
@@ -40,7 +40,7 @@ class ServerProcess {
   pid_t process_ = -1;
   int output_ = -1;
   int exited_ = -1;
-  std::mutex mutex_;  // guards the two below
+  std::mutex mutex_;  // guards the two members below
   std::string said_;
   bool ended_ = false;
   std::condition_variable changed_;

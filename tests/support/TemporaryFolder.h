@@ -1,4 +1,4 @@
-// A fresh folder that goes with its test.
+// A temporary folder, removed with its test.
 #pragma once
 
 #include <stdlib.h>
@@ -25,7 +25,7 @@ class TemporaryFolder {
     std::filesystem::remove_all(path_, ignored);
   }
 
-  // In memory, for tests that make thousands of files and do not care what survives a power cut.
+  // In memory, for tests that create thousands of files and need no durability.
   static std::filesystem::path fastParent() {
     return std::filesystem::is_directory("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path();
   }
@@ -45,7 +45,7 @@ inline void setFileBytes(const std::filesystem::path& path, const std::string& b
   std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
-// Who may do what with it, as chmod takes it.
+// The mode, as chmod takes it.
 inline unsigned modeOf(const std::filesystem::path& path) {
   return static_cast<unsigned>(std::filesystem::symlink_status(path).permissions());
 }

@@ -11,7 +11,7 @@
 namespace quillon::test {
 namespace {
 
-// The device's answer can change while the SDK runs.
+// The authorization can change at run time.
 class WorldTracking : public AppTracking {
  public:
   explicit WorldTracking(const TrackingAuthorization& authorization) : authorization_(authorization) {}
@@ -143,7 +143,7 @@ void World::drainMainQueue() {
 }
 
 void World::settle() {
-  // What the main queue does may start a task, and a task may post to the main queue: quiet twice is quiet.
+  // The main queue may start tasks, and tasks may post to it; so it must be idle twice in a row.
   for (int quiet = 0; quiet < 2;) {
     const auto settled = sdk->settled();
     quiet = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready ? quiet + 1 : 0;

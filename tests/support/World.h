@@ -1,4 +1,4 @@
-// One device with one application on it: real store, files, threads and HTTP; time and the device's answers are driven.
+// A device with one application: real store, files, threads and HTTP; time and the device's answers are controlled.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -20,10 +20,10 @@
 namespace quillon::test {
 
 // A valid configuration with three purposes (2 is essential, 3 is bound to app tracking) and two permissions; opt-in,
-// 12 months. A test changes only what it is about.
+// 12 months. Tests change only what they are about.
 boost::json::object validConfiguration();
 boost::json::object& bannerOf(boost::json::object& configuration);
-// The same, and a second banner for that place, which is opt-out.
+// As above, with a second, opt-out banner for `place`.
 boost::json::object configurationOfTwoLaws(std::string_view place);
 
 // 14 November 2023, 22:13:20 UTC.
@@ -32,21 +32,21 @@ inline constexpr std::int64_t startSeconds = 1'700'000'000;
 class World {
  public:
   World() : World(std::nullopt) {}
-  // Over data that outlives it, as an installed application has.
+  // Uses data that outlives it, like an installed application.
   explicit World(std::optional<std::filesystem::path> installed);
 
-  // Options that lead to the server, in English, at location DE.
+  // Options with the server's URLs, in English, at location DE.
   ConsentSDKOptions options() const;
 
-  // Sets the SDK up and waits until loading is over.
+  // Sets the SDK up and waits until loading has ended.
   void start() { start(options()); }
   void start(ConsentSDKOptions chosen);
-  // The same when the cached configuration has become too old to serve unasked.
+  // As above, once the cached configuration is too old to be used without a request.
   void startLater() { startLater(options()); }
   void startLater(ConsentSDKOptions chosen);
-  // Ends the process, as it were, and begins another one over the same disk.
+  // Simulates a restart of the process on the same disk.
   void restart();
-  // The services that one process gets.
+  // The services of one process.
   Platform process();
 
   std::shared_ptr<const SuiteEntries> snapshot();
@@ -55,9 +55,9 @@ class World {
   void store(std::string_view key, PropertyValue value);
 
   void advance(std::chrono::milliseconds time);
-  // Waits until every callback that was due has run.
+  // Waits until every due callback has run.
   void drainMainQueue();
-  // Waits until nothing is under way, neither in the background nor on the main queue.
+  // Waits until no work is running, neither in the background nor on the main queue.
   void settle();
   // Runs the function on the main queue and waits for it.
   void onMain(const std::function<void()>& function);
@@ -65,9 +65,9 @@ class World {
   std::filesystem::path file() const { return data / "quillon-sdk-cdn.json"; }
   std::filesystem::path backup() const { return data / "quillon-sdk-cdn-backup.json"; }
 
-  // The bodies of the uploads that the server has seen, parsed.
+  // The uploads received by the server, parsed.
   std::vector<boost::json::object> uploads() const;
-  // Everything that was logged, block after block.
+  // The complete log, block after block.
   std::string log() const;
 
   TemporaryFolder folder{TemporaryFolder::fastParent()};
@@ -78,7 +78,7 @@ class World {
   std::shared_ptr<StaticNetworkPath> network;
   std::shared_ptr<SettablePermissionSources> permissions;
   TrackingAuthorization tracking = TrackingAuthorization::notDetermined;
-  // Called with every new platform before an SDK is made over it: the place to put faults in.
+  // Called with every new platform before an SDK uses it, to inject faults.
   std::function<void(Platform&)> amend;
   Platform platform;
   std::unique_ptr<ConsentSDK> sdk;

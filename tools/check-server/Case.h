@@ -8,14 +8,14 @@
 
 namespace quillon::tools {
 
-// The servers under test, and how to reach them.
+// The servers under test.
 struct CheckedServers {
-  std::string appUrl;  // as ConsentSDKOptions have them
+  std::string appUrl;  // as in ConsentSDKOptions
   std::string cdnUrl;
   std::string tenant;
   std::string application;
   std::string token;
-  std::string subject;  // the beginning of the name of every subject: says what it is, and differs from run to run
+  std::string subject;  // prefix of every subject: marks it as a test, unique per run
 
   [[nodiscard]] std::string configurationUrl(const std::string& file, const std::string& channel = "live") const {
     return cdnUrl + "consent/mobile_banner/" + tenant + "/" + application + "/" + channel + "/" + file;
@@ -31,7 +31,7 @@ struct Seen {
 
 struct Case {
   enum class Gravity {
-    losesDecisions,  // a decision could be lost, made up, or kept from the server for ever
+    losesDecisions,  // a decision could be lost, invented, or never accepted
     untidy,
   };
   const char* name;
@@ -42,11 +42,11 @@ struct Case {
 
 std::vector<Case> configurationCases();
 std::vector<Case> locationCases();
-// Uploads that have to be accepted, one way or the other.
+// Valid uploads in several forms, which the server must accept.
 std::vector<Case> uploadCases();
-// What must not be taken for an upload.
+// Requests that the server must not accept as uploads.
 std::vector<Case> refusalCases();
-// Clients that are slow, break off, or come together.
+// Clients that are slow, abort, or send concurrently.
 std::vector<Case> clientCases();
 
 }  // namespace quillon::tools

@@ -27,7 +27,7 @@ struct CheckOptions {
   std::string authorities;
 };
 
-// The token that devices find in the configuration.
+// The token in the published configuration.
 std::string publishedToken(Probe& probe, const CheckedServers& servers) {
   const auto answer = probe.send({.url = servers.configurationUrl("config.json")});
   const auto configuration = decode<MainConfiguration>(answer.body);

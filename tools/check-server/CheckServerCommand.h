@@ -6,8 +6,7 @@ class App;
 
 namespace quillon::tools {
 
-// Adds the sub-command `check-server`. It runs while the command line is parsed, and leaves its exit status in
-// exitCode, which must outlive the parsing.
+// Adds the sub-command `check-server`. It runs during parsing and sets exitCode, which must outlive the parsing.
 void addCheckServerCommand(CLI::App& app, int& exitCode);
 
 }  // namespace quillon::tools

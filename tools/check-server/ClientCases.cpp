@@ -25,7 +25,7 @@ Seen allAccepted(const std::vector<Probe::Answer>& answers) {
   return {count == answers.size(), std::to_string(count) + " of " + std::to_string(answers.size()) + other};
 }
 
-// Two uploads of one subject on two ways, as when a device has given up on the first: both are its decisions.
+// Two concurrent uploads of one subject, as after a device's timeout: both are valid decisions.
 Seen crossing(Probe& probe, const CheckedServers& servers) {
   auto older = sampleUpload(servers, "crossing");
   auto newer = older;

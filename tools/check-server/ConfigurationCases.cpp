@@ -44,7 +44,7 @@ Seen entityTag(Probe& probe, const CheckedServers& servers) {
   return {isQuoted && tag.size() <= kMaxTagBytes, tag.empty() ? "none" : tag.substr(0, 60)};
 }
 
-// Several requests, which a balancer may spread over several machines.
+// Several requests, which a load balancer may spread over machines.
 Seen sameTag(Probe& probe, const CheckedServers& servers) {
   const std::string first = tagOf(configuration(probe, servers));
   for (int i = 0; i < 5; ++i) {
@@ -84,7 +84,7 @@ Seen missingLanguage(Probe& probe, const CheckedServers& servers) {
   return status(configuration(probe, servers, {}, "config_xx.json"), {404});
 }
 
-// A device keeps the tag of the default file and sends it when it asks for its language again.
+// A device stores the default file's tag and sends it when it requests its language again.
 Seen missingLanguageWithTag(Probe& probe, const CheckedServers& servers) {
   const std::string tag = tagOf(configuration(probe, servers));
   return status(configuration(probe, servers, tag, "config_xx.json"), {404});

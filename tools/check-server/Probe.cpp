@@ -16,7 +16,7 @@ namespace json = boost::json;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr long kLimitMilliseconds = 25'000;  // a device gives up after 20 seconds of silence
+constexpr long kLimitMilliseconds = 25'000;  // a device times out after 20 seconds of silence
 constexpr std::size_t kMaxAnswerBytes = std::size_t{32} << 20;
 
 using Easy = std::unique_ptr<CURL, decltype(&curl_easy_cleanup)>;
@@ -45,7 +45,7 @@ std::size_t onRead(char* buffer, std::size_t size, std::size_t count, void* send
 std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* answer) {
   const std::string_view line(data, size * count);
   auto& headers = static_cast<Probe::Answer*>(answer)->headers;
-  if (line.starts_with("HTTP/")) headers.clear();  // of a 100 before
+  if (line.starts_with("HTTP/")) headers.clear();  // discards those of an earlier 100
   const auto colon = line.find(':');
   if (colon == std::string_view::npos) return line.size();
   auto value = line.substr(colon + 1);
@@ -147,7 +147,7 @@ Probe::Answer Probe::exchange(void* handle, const Request& request) {
   answer.time = std::max(milliseconds(0), std::chrono::ceil<milliseconds>(steady_clock::now() - begin - own));
   long status = 0;
   curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-  // A server may answer before it has read everything; what counts is whether the answer is whole.
+  // A server may respond before reading the whole body; the response must be complete.
   if (code == CURLE_OK || (code == CURLE_SEND_ERROR && status >= 200)) answer.status = static_cast<int>(status);
   if (answer.status == 0) answer.problem = problem[0] != '\0' ? problem : curl_easy_strerror(code);
   note(request, answer);

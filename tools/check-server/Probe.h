@@ -12,10 +12,10 @@
 
 namespace quillon::tools {
 
-// Sends single requests as a device does, or worse, and keeps count of them. Thread-safe.
+// Sends requests as a device does, or malformed ones, and counts them. Thread-safe.
 class Probe {
  public:
-  // The most that a whole check may ask for.
+  // The request limit of a whole check.
   static constexpr int kMaxRequests = 200;
 
   struct Request {
@@ -23,36 +23,36 @@ class Probe {
     std::string url;
     HttpHeaders headers = {};
     std::optional<std::string> body = std::nullopt;
-    // How the body goes out: in so many parts with a pause before each, or broken off in its middle.
+    // How the body is sent: in parts with a pause before each, or aborted in the middle.
     int parts = 1;
     std::chrono::milliseconds pause{0};
     bool breaksOff = false;
     bool expectsContinue = false;
   };
   struct Answer {
-    int status = 0;  // 0: none came
+    int status = 0;  // 0: no response
     HttpHeaders headers = {};
     std::string body = {};
-    std::string problem = {};  // why none came
+    std::string problem = {};  // why there is no response
     std::chrono::milliseconds time{0};
 
-    // An HTTP status, or the problem.
+    // The HTTP status, or the problem.
     [[nodiscard]] std::string summary() const;
     [[nodiscard]] std::string header(const char* name) const;
   };
 
-  // Every exchange is written to the first file, one JSON object a line; empty: none is. Certificates are believed that
-  // an authority of the second file has signed; empty: one that the system knows.
+  // Writes every exchange to trafficFile, one JSON object per line, unless empty. authorities: the file of trusted
+  // certificate authorities; empty selects the system's.
   explicit Probe(const std::string& trafficFile, std::string authorities = {});
 
   Answer send(const Request& request);
-  // All at once.
+  // Sends all concurrently.
   std::vector<Answer> sendTogether(const std::vector<Request>& requests);
-  // One after the other over one connection.
+  // Sends one after the other over one connection.
   std::vector<Answer> sendInTurn(const std::vector<Request>& requests);
 
   int count() const;
-  // The longest time that an answer took, pauses of our own left out.
+  // The longest response time, without our own pauses.
   std::chrono::milliseconds slowest() const;
   std::size_t largestSmallAnswer() const;
 
@@ -65,7 +65,7 @@ class Probe {
   std::ofstream traffic_;
   int count_ = 0;
   std::chrono::milliseconds slowest_{0};
-  std::size_t largestSmallAnswer_ = 0;  // of those that are no configuration
+  std::size_t largestSmallAnswer_ = 0;  // excluding configurations
 };
 
 }  // namespace quillon::tools

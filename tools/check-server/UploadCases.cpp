@@ -38,7 +38,7 @@ Seen anyTag(Probe& probe, const CheckedServers& servers) {
   return accepted(probe.send(request));
 }
 
-// Each of them, or the first that is not accepted.
+// Passes if all are accepted; otherwise reports the first that is not.
 Seen allAccepted(const std::vector<Probe::Answer>& answers) {
   for (std::size_t i = 0; i < answers.size(); ++i) {
     if (const Seen seen = accepted(answers[i]); !seen.isRight) {

@@ -16,7 +16,7 @@ constexpr bool cosmetic = false;
 
 using Differences = std::vector<Difference>;
 
-// As it stands in a line of output: a name of somebody else's cannot end the line.
+// Quotes and escapes an untrusted name for one line of output.
 std::string inQuotes(std::string_view text) {
   constexpr std::size_t longest = 80;
   std::string result = "\"";
@@ -40,7 +40,7 @@ std::string list(const std::vector<std::int64_t>& numbers) {
   return text.empty() ? "no purpose" : text;
 }
 
-// Calls with what stands under each key in the one and in the other; null where it does not.
+// Calls `compare` with the values of each key in both maps; null where missing.
 template <class Map, class Compare>
 void pairUp(const Map& before, const Map& after, Compare compare) {
   std::set<typename Map::key_type> keys;
@@ -53,7 +53,7 @@ void pairUp(const Map& before, const Map& after, Compare compare) {
   }
 }
 
-// The records with an identity, under it.
+// The structures by their identity.
 template <class Key, class Record, class Identity>
 std::map<Key, Record> byIdentity(const std::optional<std::vector<Record>>& records, Identity identity) {
   std::map<Key, Record> result;
@@ -161,7 +161,7 @@ void compareBanner(const std::string& place, const BannerConfig& was, BannerConf
   if (!(is == was)) found.push_back({cosmetic, place + ": the banner has other texts or another look"});
 }
 
-// Compared by what users at each place that either configuration names get to see.
+// Compares the banners shown at each location that either configuration names.
 void compareBanners(const MainConfiguration& before, const MainConfiguration& after, Differences& found) {
   std::set<std::optional<std::string>> places{std::nullopt};
   for (const auto* configuration : {&before, &after}) {
@@ -182,7 +182,7 @@ void compareBanners(const MainConfiguration& before, const MainConfiguration& af
 
 using Mappings = std::map<std::string, DefaultMapping, std::less<>>;
 
-// By region, the default under the empty one.
+// Keyed by region; the default under "".
 Mappings mappingsOf(const MainConfiguration& configuration) {
   if (!configuration.isGcmEnabled.value_or(false) || !configuration.gcmConfig) return {};
   Mappings mappings = configuration.gcmConfig->regionOverrides.value_or(Mappings());

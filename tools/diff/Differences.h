@@ -1,4 +1,4 @@
-// What a new configuration changes for users.
+// The changes between two configurations, as they affect users.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 namespace quillon::tools {
 
 struct Difference {
-  // It changes what users agree to, or what happens without their answer; else how that looks.
+  // Whether it changes what users agree to, or what happens without their answer; otherwise only the appearance.
   bool isMaterial;
   std::string text;
 };
@@ -17,7 +17,7 @@ struct Difference {
 // Purposes first, then permissions, banners and consent mode.
 [[nodiscard]] std::vector<Difference> differences(const MainConfiguration& before, const MainConfiguration& after);
 
-// Everyone or nobody, and why.
+// Who is asked again (everyone or nobody), and why.
 [[nodiscard]] std::string whoIsAskedAgain(const MainConfiguration& before, const MainConfiguration& after);
 
 }  // namespace quillon::tools

@@ -1,4 +1,4 @@
-// Typed reading of a request of the conversation.
+// Typed access to a request's arguments.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -10,12 +10,12 @@
 
 namespace quillon::tools {
 
-// What is wrong with a request, in words for whoever wrote it.
+// A malformed request, described for its author.
 struct RequestError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The value under a key, nothing when it is absent or null; a RequestError when it is of another type.
+// The value of a key; nullopt when absent or null. Throws RequestError for another type.
 template <class T>
 std::optional<T> optionalArgument(const boost::json::object& request, std::string_view name) {
   const auto* value = request.if_contains(name);
@@ -25,7 +25,7 @@ std::optional<T> optionalArgument(const boost::json::object& request, std::strin
   return std::move(*result);
 }
 
-// As above; a RequestError also when it is absent.
+// As above; throws RequestError when absent too.
 template <class T>
 T argument(const boost::json::object& request, std::string_view name) {
   auto value = optionalArgument<T>(request, name);

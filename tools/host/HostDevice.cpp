@@ -14,7 +14,7 @@
 namespace quillon::tools {
 namespace {
 
-// Log blocks go to standard error: standard output belongs to the answers.
+// Writes log blocks to standard error, since standard output carries the responses.
 class StandardErrorConsole : public Console {
  public:
   explicit StandardErrorConsole(std::shared_ptr<Console> system) : system_(std::move(system)) {}

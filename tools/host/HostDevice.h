@@ -1,4 +1,4 @@
-// The device that the headless host pretends to run on.
+// The simulated device of the headless host.
 #pragma once
 
 #include <cstdint>
@@ -18,21 +18,21 @@
 
 namespace quillon::tools {
 
-// What the command line says about the device.
+// The device's command-line options.
 struct DeviceOptions {
-  std::filesystem::path dataDirectory;  // empty: the user's
+  std::filesystem::path dataDirectory;  // empty: the user's data folder
   std::filesystem::path resources;      // empty: the executable's folder
-  std::string vendorUrl;                // empty: the product's
-  std::vector<std::string> languages;   // empty: those of the environment
+  std::string vendorUrl;                // empty: the built-in one
+  std::vector<std::string> languages;   // empty: the environment's
   TrackingAuthorization tracking = TrackingAuthorization::notDetermined;
   std::optional<std::string> advertisingIdentifier;
   std::vector<std::string> permissions;  // "KEY=VALUE"
   NetworkStatus network = NetworkStatus::satisfied;
-  std::optional<std::int64_t> clockSeconds;                                 // starts a virtual clock there
+  std::optional<std::int64_t> clockSeconds;                                 // start time of a virtual clock
   enum class Sink { present, withoutMethod, absent } sink = Sink::present;  // the application's analytics library
 };
 
-// Remembers what the application's analytics library was given. Thread-safe.
+// Stores the signals passed to the application's analytics library. Thread-safe.
 class SentSignals {
  public:
   using Signals = std::map<std::string, std::string>;
@@ -45,7 +45,7 @@ class SentSignals {
   std::vector<Signals> signals_;
 };
 
-// The application around the SDK, with an information dictionary that can be changed while it runs. Thread-safe.
+// The host application, with an information dictionary that can be changed at run time. Thread-safe.
 class HeadlessApplication : public HostApplication {
  public:
   explicit HeadlessApplication(std::shared_ptr<HostApplication> system) : system_(std::move(system)) {}
@@ -70,7 +70,7 @@ class HeadlessApplication : public HostApplication {
   std::map<std::string, std::string, std::less<>> information_;
 };
 
-// Real store, files, HTTP and threads; what a device decides can be set.
+// Uses the real store, files, HTTP and threads; permissions and similar device answers can be set.
 class HostDevice {
  public:
   explicit HostDevice(const DeviceOptions& options);
@@ -79,11 +79,11 @@ class HostDevice {
   StaticNetworkPath& network() { return *network_; }
   const SentSignals& sentSignals() const { return *signals_; }
   HostScreens& screens() { return *screens_; }
-  // Null when the clock is the real one.
+  // Null with the real clock.
   VirtualClock* clock() { return clock_.get(); }
 
-  // Sets what the source behind a permission key answers: a number, or a text for the keys of the information
-  // dictionary. False when the value is of the wrong kind.
+  // Sets the value of a permission key's source: a number, or a text for information-dictionary keys. False for the
+  // wrong type.
   bool setPermission(const std::string& key, const std::string& value);
 
  private:

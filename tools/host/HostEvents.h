@@ -1,4 +1,4 @@
-// What the SDK told the headless host, until it is asked for.
+// Collects the SDK's events until they are requested.
 #pragma once
 
 #include <boost/json/array.hpp>
@@ -13,7 +13,7 @@ namespace quillon::tools {
 // Thread-safe.
 class HostEvents {
  public:
-  // Begins to listen; later calls do nothing.
+  // Starts listening; later calls do nothing.
   void listenTo(ConsentSDK& sdk);
 
   // The events since the last call, in order.
@@ -27,10 +27,10 @@ class HostEvents {
   std::vector<Listening> listening_;
 };
 
-// Which gates were opened and shut, until it is asked for. Thread-safe.
+// Collects the calls of gates until they are requested. Thread-safe.
 class HostGates {
  public:
-  // Begins to note what a gate on that purpose calls.
+  // Adds a gate on that purpose.
   void note(ConsentSDK& sdk, std::int64_t purposeId);
 
   // The calls since the last call, in order.

@@ -29,7 +29,7 @@ std::shared_ptr<ConsentBannerViewModel> loadedBanner(ScreenPresenter::Services s
   return model;
 }
 
-// The model of a screen, which counts as shown while somebody holds it.
+// A screen's view model, which counts as shown while it is held.
 template <class Model>
 std::shared_ptr<Model> shown(std::shared_ptr<Model> model, std::shared_ptr<void> notice) {
   const auto both =
@@ -59,7 +59,7 @@ class Browser : public WebSurface {
   const std::shared_ptr<BrowserContent> content_;
 };
 
-// The state of a load: its name, and the error where there is one.
+// The state of a load: its name, and its error if any.
 template <class Value>
 json::object state(const ConsentSDKResult<Value>& result) {
   if (const auto* error = result.error()) {

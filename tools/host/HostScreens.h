@@ -1,4 +1,4 @@
-// The screens of the headless host: no pixels, but the same view models that drawn screens stand on.
+// The screens of the headless host: the real view models, without rendering.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -11,13 +11,13 @@
 
 namespace quillon::tools {
 
-// A browser that shows nothing and fetches nothing. What it was given is written to the place that the screens keep.
+// A browser that neither renders nor fetches; it stores what it was given.
 struct BrowserContent {
-  std::string address;  // of the page given last; empty for one without an address
+  std::string address;  // of the last page; empty if it has none
   bool isBlockedPage = false;
 };
 
-// For the main queue only. Each screen is null while it is not shown.
+// Main queue only. A screen is null while it is not shown.
 class HostScreens : public ScreenPresenter {
  public:
   void presentBanner(Services sdk) override;
@@ -36,12 +36,12 @@ class HostScreens : public ScreenPresenter {
   int systemSettingsOpened = 0;
 };
 
-// What a screen shows, in words.
+// A description of what a screen shows.
 [[nodiscard]] boost::json::object description(const ConsentBannerViewModel& model);
 [[nodiscard]] boost::json::object description(const PreferenceCenterViewModel& model);
 [[nodiscard]] boost::json::object description(const SettingsPromptViewModel& model);
 
-// A control of the banner by the name that the description gives it.
+// The banner control with the name used in the description.
 [[nodiscard]] std::optional<BannerAction> bannerAction(std::string_view name);
 
 }  // namespace quillon::tools

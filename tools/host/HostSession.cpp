@@ -347,10 +347,10 @@ void HostSession::onMain(const std::function<void(HostScreens&)>& function) {
     done.get_future().wait();
   };
   runAndWait([&] { function(device_.screens()); });
-  // What the main queue does may start a task, and a task may post to the main queue: quiet twice is quiet.
-  for (int quiet = 0; quiet < 2;) {
+  // The main queue may start tasks, and tasks may post to it; so it must be idle twice in a row.
+  for (int idle = 0; idle < 2;) {
     const auto settled = sdk_.settled();
-    quiet = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready ? quiet + 1 : 0;
+    idle = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready ? idle + 1 : 0;
     settled.wait();
     runAndWait([] {});
   }

@@ -1,4 +1,4 @@
-// The conversation with a headless host.
+// The request loop of the headless host.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -12,12 +12,12 @@
 
 namespace quillon::tools {
 
-// Not thread-safe: one conversation, on one thread.
+// Not thread-safe; used on one thread.
 class HostSession {
  public:
   explicit HostSession(HostDevice& device) : device_(device), sdk_(device.platform()) {}
 
-  // Answers every line of the input until it ends or asks to quit.
+  // Answers each line of the input until it ends or requests to quit.
   void run(std::istream& input, std::ostream& output);
 
  private:
@@ -67,7 +67,7 @@ class HostSession {
   Object consentScript(const Object& request);
   Object quit(const Object& request);
 
-  // Runs the function on the main queue, where screens live, and waits until all that it started is over.
+  // Runs the function on the main queue, where screens live, and waits until all work it started has ended.
   void onMain(const std::function<void(HostScreens&)>& function);
 
   HostDevice& device_;

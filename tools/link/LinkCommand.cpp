@@ -24,11 +24,11 @@ one of them is refused.
   quillon-consent link --allowed a.example b.example -- https://a.example/)";
 
 struct LinkOptions {
-  std::vector<std::vector<std::string>> allowed;  // the words that follow each --allowed
-  std::vector<std::string> addresses;             // the words after "--"
+  std::vector<std::vector<std::string>> allowed;  // the arguments of each --allowed
+  std::vector<std::string> addresses;             // the arguments after "--"
 };
 
-// Without "--" the last --allowed has taken the addresses for hosts.
+// Without "--" the last --allowed has consumed the addresses as hosts.
 void separate(LinkOptions& options) {
   if (!options.addresses.empty() || options.allowed.empty()) return;
   auto& last = options.allowed.back();

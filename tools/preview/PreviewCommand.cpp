@@ -13,7 +13,7 @@ namespace quillon::tools {
 
 void addPreviewCommand(CLI::App& app, int& exitCode) {
   auto* command = app.add_subcommand("preview", "Show a screen of a configuration, or write its picture");
-  // Everything after the name, --help included, is for the other program.
+  // All arguments after the name, including --help, belong to the other program.
   command->prefix_command();
   command->set_help_flag();
   command->callback([command, &exitCode] {

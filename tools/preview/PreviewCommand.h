@@ -1,4 +1,4 @@
-// quillon-consent preview: hands over to the program that has the screens.
+// `quillon-consent preview`: executes the program that has the screens.
 #pragma once
 
 namespace CLI {

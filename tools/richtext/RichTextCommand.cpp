@@ -23,7 +23,7 @@ std::expected<std::string, std::string> contentOf(const std::string& path) {
   if (path != "-") file.open(path, std::ios::binary);
   std::istream& input = path == "-" ? std::cin : file;
   if (!input) return std::unexpected("cannot be opened");
-  std::string content(largestHtml + 1, '\0');  // one byte too long is enough to be refused
+  std::string content(largestHtml + 1, '\0');  // one byte above the limit is rejected
   input.read(content.data(), static_cast<std::streamsize>(content.size()));
   if (input.bad()) return std::unexpected("cannot be read");
   content.resize(static_cast<std::size_t>(input.gcount()));

@@ -6,8 +6,7 @@ class App;
 
 namespace quillon::tools {
 
-// Adds the sub-command `richtext` to the command line. When it is chosen it runs while the line is parsed, and leaves
-// its exit status in exitCode, which must outlive the parsing.
+// Adds the sub-command `richtext`. It runs during parsing and sets exitCode, which must outlive the parsing.
 void addRichTextCommand(CLI::App& app, int& exitCode);
 
 }  // namespace quillon::tools

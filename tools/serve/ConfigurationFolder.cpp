@@ -21,7 +21,7 @@ bool isInside(const fs::path& file, const fs::path& folder) {
   return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
 }
 
-// The same content has the same tag in every run, so a client's copy stays good when the server is started again.
+// Tags depend on the content only, so clients' caches survive a restart of the server.
 std::string entityTagOf(std::string_view content) {
   char tag[64];
   std::snprintf(tag, sizeof tag, "\"%zx-%zx\"", content.size(), std::hash<std::string_view>{}(content));
@@ -50,7 +50,7 @@ std::optional<ConfigurationFolder::Document> ConfigurationFolder::read(std::stri
 std::set<std::string> ConfigurationFolder::accessTokens(std::string_view appId) const {
   std::set<std::string> tokens;
   std::error_code error;
-  // Below this folder lie tenant / application / channel / file.
+  // Below this folder: tenant / application / channel / file.
   fs::recursive_directory_iterator entry(root_ / "consent" / "mobile_banner", error);
   for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
     if (entry.depth() == 3) entry.disable_recursion_pending();

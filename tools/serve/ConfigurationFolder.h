@@ -8,7 +8,7 @@
 
 namespace quillon::tools {
 
-// The published files of a folder. Immutable, so safe from any thread; every call looks at the disk anew.
+// The published files of a folder. Immutable and thread-safe; every call reads the disk.
 class ConfigurationFolder {
  public:
   struct Document {
@@ -16,14 +16,14 @@ class ConfigurationFolder {
     std::string entityTag;  // strong: equal tags mean equal contents
   };
 
-  // root must be canonical.
+  // `root` must be canonical.
   explicit ConfigurationFolder(std::filesystem::path root) : root_(std::move(root)) {}
 
-  // The .json file at a decoded URL path. Nothing when there is none, when it lies outside the folder (also by way of a
-  // symbolic link) or when it is larger than a client accepts.
+  // The .json file at a decoded URL path; nullopt when missing, outside the folder (also through a symbolic link) or
+  // larger than a client accepts.
   [[nodiscard]] std::optional<Document> read(std::string_view urlPath) const;
 
-  // The access tokens that the published configurations of an application carry.
+  // The access tokens in an application's published configurations.
   [[nodiscard]] std::set<std::string> accessTokens(std::string_view appId) const;
 
  private:

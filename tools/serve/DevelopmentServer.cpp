@@ -29,7 +29,7 @@ void answer(httplib::Response& response, int httpStatus, int status, std::string
   response.set_content(boost::json::serialize(boost::json::object{{"status", status}, {"message", message}}), kJson);
 }
 
-// Whether a list of entity tags, as If-None-Match carries it, names ours.
+// Whether an If-None-Match list contains our tag.
 bool matches(std::string_view list, std::string_view entityTag) {
   while (!list.empty()) {
     const auto comma = std::min(list.find(','), list.size());
@@ -43,7 +43,7 @@ bool matches(std::string_view list, std::string_view entityTag) {
   return false;
 }
 
-// The target as the client sent it, with nothing in it that could forge a line of the log.
+// Logs the client's target, escaped so that it cannot forge log lines.
 void logRequest(const httplib::Request& request, const httplib::Response& response) {
   std::string line = request.method + " " + request.target;
   for (char& c : line) {
@@ -58,7 +58,7 @@ void logRequest(const httplib::Request& request, const httplib::Response& respon
 DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults,
                                      std::string uploadsTo)
     : folder_(std::move(folder)), uploads_(uploads), uploadsTo_(std::move(uploadsTo)), faults_(faults) {
-  // One handler a method: the library's own routing matches regular expressions against what the client sends.
+  // One handler per method: the library's routing would match regular expressions against client input.
   http_.Get(".*", [this](const auto& request, auto& response) { get(request, response); });
   http_.Post(".*", [this](const auto& request, auto& response) { post(request, response); });
   http_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
@@ -66,9 +66,9 @@ DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& up
   });
   http_.set_post_routing_handler(logRequest);
   http_.set_payload_max_length(kMaxBodyBytes);
-  // A connection ends with its answer, so that no idle one keeps run() from returning.
+  // One response per connection, so that no idle connection keeps run() from returning.
   http_.set_keep_alive_max_count(1);
-  // The library's default would let two servers share a port unnoticed.
+  // By default the library would let two servers share a port unnoticed.
   http_.set_socket_options([this](socket_t socket) {
     const int on = 1;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
@@ -83,7 +83,7 @@ std::expected<int, std::string> DevelopmentServer::bind(int port) {
     return std::unexpected("port " + std::to_string(port) + " cannot be taken");
   }
   if (port < 0) return std::unexpected("no free port on 127.0.0.1");
-  // The library lets five connections wait. The system drops what a fleet opens beyond that, to try again in a second.
+  // The library's backlog is five; the system drops further connections, which retry after a second.
   listen(listener_, SOMAXCONN);
   return port;
 }
@@ -99,7 +99,7 @@ void DevelopmentServer::stop() {
     stopping_ = true;
   }
   stopRequested_.notify_all();
-  // The library ignores a stop that comes before its accept loop has begun.
+  // The library ignores a stop before its accept loop has begun.
   while (!http_.is_running() && !ended_) std::this_thread::yield();
   http_.stop();
 }
@@ -109,7 +109,7 @@ bool DevelopmentServer::stopped() const {
   return stopping_;
 }
 
-// The faults in force when the request arrived, once their delay has passed.
+// Waits for the delay in force when the request arrived, and returns the faults of that moment.
 Faults DevelopmentServer::faultsAfterDelay() {
   std::unique_lock lock(mutex_);
   const Faults faults = faults_;
@@ -121,7 +121,7 @@ void DevelopmentServer::get(const httplib::Request& request, httplib::Response& 
   const Faults faults = faultsAfterDelay();
   if (faults.fail != 0) return answer(response, faults.fail, 1, "failure on request");
 
-  // A client keeps one entity tag for all answers. One on the location would push out that of the configuration.
+  // Clients store one entity tag for all responses. One on the location would replace the configuration's.
   const bool isLocation = request.path == kLocationPath;
   const auto document = folder_.read(isLocation ? "/location.json" : request.path);
   if (!document) return answer(response, 404, 1, "not found");
@@ -171,7 +171,7 @@ void DevelopmentServer::passOn(const httplib::Request& request, httplib::Respons
 }
 
 void DevelopmentServer::control(const httplib::Request& request, httplib::Response& response) {
-  // Only a browser sends this header: a web page must not reach into the server of whoever looks at it.
+  // Only browsers send this header: web pages must not access the local server.
   if (request.has_header("Origin")) return answer(response, 403, 1, "not for web pages");
   const std::lock_guard lock(mutex_);
   const auto changed = faults_.changedBy(request.body);

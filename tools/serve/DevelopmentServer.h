@@ -15,22 +15,21 @@ namespace quillon::tools {
 
 class UploadStore;
 
-// The three endpoints that the SDK calls, and one to change the faults, over HTTP on 127.0.0.1. Requests are answered
-// on a pool of threads; each is logged to standard output in one line before its answer is sent.
+// The three endpoints of the SDK, and one to change the faults, over HTTP on 127.0.0.1. Requests are handled on a
+// thread pool; each is logged to standard output in one line before its response is sent.
 class DevelopmentServer {
  public:
-  // uploads must outlive the server. With an address in uploadsTo, such as "http://127.0.0.1:8090", uploads are neither
-  // checked nor kept, but passed on to that server, and its answers back.
+  // `uploads` must outlive the server. With an address in `uploadsTo`, such as "http://127.0.0.1:8090", uploads are
+  // neither checked nor stored but forwarded to that server, and its responses returned.
   DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults, std::string uploadsTo = {});
 
-  // Takes the port, or a free one for 0, and answers with its number. Connections are queued from then on.
+  // Binds the port, a free one for 0, and returns its number. Connections are queued from then on.
   [[nodiscard]] std::expected<int, std::string> bind(int port);
 
-  // Answers requests until stop() is called; call it once, after bind().
+  // Serves requests until stop(). Call it once, after bind().
   void run();
 
-  // Makes run() return once the requests under way are answered; those that wait out a delay are answered at once.
-  // From any thread, once.
+  // Makes run() return once running requests are answered; delayed ones are answered at once. Any thread, once.
   void stop();
 
   // Whether stop() was called.
@@ -51,7 +50,7 @@ class DevelopmentServer {
   socket_t listener_ = INVALID_SOCKET;
   std::atomic<bool> ended_ = false;
 
-  mutable std::mutex mutex_;  // guards the two below
+  mutable std::mutex mutex_;  // guards the two members below
   Faults faults_;
   bool stopping_ = false;
   std::condition_variable stopRequested_;

@@ -5,7 +5,7 @@
 namespace quillon::tools {
 namespace {
 
-// Sets the fault when the value is an integer from low to high.
+// Sets the fault if the value is an integer from low to high.
 bool take(int& fault, const boost::json::value& value, int low, int high) {
   if (!value.is_int64() || value.get_int64() < low || value.get_int64() > high) return false;
   fault = static_cast<int>(value.get_int64());

@@ -6,7 +6,7 @@
 
 namespace quillon::tools {
 
-// How the development server misbehaves on request. A plain value.
+// Injected faults of the development server. A plain value.
 struct Faults {
   static constexpr int kMinUploadStatus = 0;
   static constexpr int kMaxUploadStatus = 99;
@@ -14,11 +14,11 @@ struct Faults {
   static constexpr int kMaxFail = 599;
   static constexpr int kMaxDelay = 600'000;
 
-  int uploadStatus = 0;  // in the answer to a valid upload
-  int fail = 0;          // HTTP status of every answer; 0: none
-  int delay = 0;         // milliseconds before every answer
+  int uploadStatus = 0;  // in the response to a valid upload
+  int fail = 0;          // HTTP status of every response; 0: no fault
+  int delay = 0;         // milliseconds before every response
 
-  // These faults with the changes of the JSON object json; the error says what is wrong with it.
+  // These faults with the changes in the JSON object `json`, or the error.
   [[nodiscard]] std::expected<Faults, std::string> changedBy(std::string_view json) const;
   [[nodiscard]] std::string toJson() const;
 };

@@ -57,7 +57,7 @@ int fail(std::string_view message) {
   return 1;
 }
 
-// Prints every kept upload as one JSON object a line.
+// Prints every stored upload as one JSON object per line.
 int list(const std::string& database) {
   const auto store = UploadStore::open(database, UploadStore::Access::readOnly);
   if (!store) return fail(store.error());
@@ -79,7 +79,7 @@ int serve(const ServeOptions& options) {
   const auto folder = std::filesystem::canonical(options.folder, error);
   if (error) return fail(options.folder + ": " + error.message());
 
-  // Blocked before the first thread starts, so that the signals reach nobody but the waiter below.
+  // Blocked before the first thread starts, so that only the waiter below receives the signals.
   sigset_t ending;
   sigemptyset(&ending);
   sigaddset(&ending, SIGINT);
@@ -102,7 +102,7 @@ int serve(const ServeOptions& options) {
     server.stop();
   });
   server.run();
-  kill(getpid(), SIGTERM);  // wakes the waiter when the server ended by itself; it is blocked everywhere else
+  kill(getpid(), SIGTERM);  // wakes the waiter when the server has ended by itself; blocked in all other threads
   return server.stopped() ? 0 : fail("the server ended: its socket failed");
 }
 

@@ -11,7 +11,7 @@ struct sqlite3;
 
 namespace quillon::tools {
 
-// The consent uploads that were received, in a SQLite file which several processes may have open. Safe from any thread.
+// The received uploads, in an SQLite file that several processes may open. Thread-safe.
 class UploadStore {
  public:
   enum class Access { readWrite, readOnly };
@@ -19,11 +19,11 @@ class UploadStore {
   struct Upload {
     std::int64_t id = 0;
     std::int64_t receivedAt = 0;  // seconds since 1970-01-01T00:00:00Z
-    std::int64_t status = 0;      // what it was answered with; 0: accepted
+    std::int64_t status = 0;      // of the response; 0: accepted
     std::string body;             // as received
   };
 
-  // Opens the file, which readWrite creates when it is missing; ":memory:" keeps the uploads in memory.
+  // Opens the file; readWrite creates it if missing. ":memory:" keeps the uploads in memory.
   [[nodiscard]] static std::expected<std::unique_ptr<UploadStore>, std::string> open(const std::string& file,
                                                                                      Access access);
   ~UploadStore();
@@ -31,10 +31,10 @@ class UploadStore {
   UploadStore(const UploadStore&) = delete;
   UploadStore& operator=(const UploadStore&) = delete;
 
-  // On disk when it returns without an error; the id is given by the store.
+  // Durable on success; the store assigns the id.
   [[nodiscard]] std::expected<void, std::string> add(const Upload& upload);
 
-  // Calls visit for every upload, oldest first, until one call fails; that failure is the result.
+  // Calls `visit` for every upload, oldest first, until a call fails; returns that failure.
   [[nodiscard]] std::expected<void, std::string> forEach(
       const std::function<std::expected<void, std::string>(const Upload&)>& visit) const;
 

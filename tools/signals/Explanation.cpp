@@ -15,7 +15,7 @@ namespace {
 using namespace quillon::signals;
 
 constexpr std::int64_t kTimeUnitsADay = 864'000;
-// How many vendors one line names.
+// The number of vendors named per line.
 constexpr std::size_t kMostNames = 50;
 
 std::string dateOf(std::int64_t time) {
@@ -95,7 +95,7 @@ void explainCore(Lines& lines, const Record& core, const VendorList* list) {
   }
 }
 
-// What the framework's rules say against the string.
+// The string's violations of the framework's rules.
 void explainFaults(Lines& lines, const TcString& tc) {
   if (tc.core.get("IsServiceSpecific") == 0) lines.add("Void: it claims to hold for more than this service");
   if (!tc.disclosedVendors) lines.add("Void since 28 February 2026: it does not say which vendors were disclosed");
@@ -124,7 +124,7 @@ void explain(Lines& lines, const TcString& tc, const VendorList* list) {
             listed(tc.publisherTC->get<Ids>("CustomPurposesLITransparency"), nameless));
 }
 
-// What 0, 1 and 2 mean in a field of that name.
+// The meanings of 0, 1 and 2 in a field.
 using Meanings = std::array<std::string_view, 3>;
 Meanings meaningsOf(const UsSection& section, std::string_view name) {
   constexpr Meanings kNotice = {"not applicable", "given", "not given"};

@@ -1,4 +1,4 @@
-// The strings of the trade in words.
+// Explains TC and GPP strings.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace quillon::tools {
 
-// Lines for a reader, with names from the vendor list when there is one. What makes a string void begins with "Void:".
+// Explanatory lines, with names from the vendor list if given. Faults that make the string void begin with "Void:".
 [[nodiscard]] std::string explanationOf(const signals::TcString& tc, const signals::VendorList* list);
 [[nodiscard]] std::string explanationOf(const signals::GppString& gpp, const signals::VendorList* list);
 

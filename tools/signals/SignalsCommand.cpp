@@ -24,12 +24,12 @@ its keys the names of the standards' tables; sets are lists of numbers, times wh
 from a file, or with "-" from standard input, and prints its string. explain says a string in words, with names from a
 vendor list (--vendor-list). What cannot be read is told on standard error, and the exit status is 1.)";
 
-// The first character of a GPP string is its type, 3; that of a TC string its version, 2.
+// The first character encodes the type 3 of a GPP string, or the version 2 of a TC string.
 bool isGpp(const std::string& text) {
   return text.starts_with('D');
 }
 
-// What @p say makes of the string, a line or several.
+// Calls @p say with the decoded string; its result may have several lines.
 template <class F>
 std::expected<std::string, std::string> read(const std::string& text, const F& say) {
   const auto said = [&say](const auto& string) -> std::expected<std::string, std::string> {
@@ -50,7 +50,7 @@ std::expected<std::string, std::string> words(const std::string& text, const Ven
   return read(text, [list](const auto& string) { return explanationOf(string, list); });
 }
 
-// Prints a result, or on standard error why there is none.
+// Prints a result, or its error to standard error.
 bool print(const std::expected<std::string, std::string>& result) {
   if (result) {
     std::cout << *result;

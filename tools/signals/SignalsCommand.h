@@ -1,4 +1,4 @@
-// `quillon-consent signals`: the strings of the advertising trade, read, written and explained.
+// `quillon-consent signals`: decodes, encodes and explains TC and GPP strings.
 #pragma once
 
 namespace CLI {

@@ -136,7 +136,7 @@ Result<FieldValue> readValue(const Field& field, const value& json) {
   return asValue(readRestrictions(json));
 }
 
-// Takes the record's members out of the object.
+// Moves the record's members out of the object.
 Result<Record> takeRecord(boost::json::object& object, const Layout& layout) {
   Record record(layout);
   for (std::size_t i = 0; i < layout.fields.size(); ++i) {

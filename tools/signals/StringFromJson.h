@@ -1,4 +1,4 @@
-// JSON as `signals decode` prints it, back to a string of the trade.
+// Encodes the JSON printed by `signals decode` as a TC or GPP string.
 #pragma once
 
 #include <boost/json/value.hpp>
@@ -7,9 +7,8 @@
 
 namespace quillon::tools {
 
-// Refuses a field that the tables do not have, one that is missing, and a value that a field cannot have; an error
-// names the place: "core.CmpId: expected an integer". What follows from the rest may be left out: the header, and
-// fields with only one value.
+// Rejects unknown and missing fields and invalid values, with an error such as "core.CmpId: expected an integer".
+// Derivable parts may be omitted: the header, and fields with a single possible value.
 [[nodiscard]] std::expected<std::string, std::string> stringFromJson(const boost::json::value& json);
 
 }  // namespace quillon::tools

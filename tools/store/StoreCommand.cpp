@@ -29,7 +29,7 @@ within a tenth of a second. Reading neither makes nor mends a store; a damaged o
 reset keeps it beside the new one. The access token is shown as "***". The exit status is 1 when the folder holds no
 store, the key is absent, or the store cannot be read or written.)";
 
-constexpr std::chrono::seconds patience{2};
+constexpr std::chrono::seconds writerWait{2};
 
 struct StoreOptions {
   std::filesystem::path dataDirectory;  // empty: that of `quillon-consent host`
@@ -42,7 +42,7 @@ Platform platformOver(const StoreOptions& options) {
   return linuxPlatform(linux_);
 }
 
-// The store's file, by a way without links; an error when there is none.
+// The store's file, with links resolved; an error when there is none.
 std::expected<std::filesystem::path, std::string> storeFile(const Platform& platform) {
   const auto folder = platform.files->applicationSupportDirectory();
   if (!folder) return std::unexpected("there is no data folder; give one with --data-dir");
@@ -52,11 +52,11 @@ std::expected<std::filesystem::path, std::string> storeFile(const Platform& plat
   return file;
 }
 
-// Opens the file itself: the store would set a damaged one aside and begin a new one, which is no way of looking at it.
+// Opens the file directly: the store would replace a damaged one, which a read must not do.
 std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) {
   const auto file = storeFile(platformOver(options));
   if (!file) return std::unexpected(file.error());
-  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + patience);
+  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + writerWait);
   if (!opened) return std::unexpected(file->string() + ": " + opened.error().text);
   for (const auto& damaged : opened->content.unreadable) {
     std::cerr << "quillon-consent store: a damaged entry is left out: " << damaged << '\n';
@@ -64,7 +64,7 @@ std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) 
   return std::move(*opened);
 }
 
-// With the token masked.
+// The entries, with the token masked.
 std::expected<SuiteEntries, std::string> read(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
@@ -93,7 +93,7 @@ std::expected<void, std::string> get(const StoreOptions& options) {
 
 std::expected<HistoryPage, std::string> historyIn(SuiteFile& file) {
   const auto journal = file.readJournal(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords,
-                                        std::chrono::steady_clock::now() + patience);
+                                        std::chrono::steady_clock::now() + writerWait);
   if (!journal) return std::unexpected(journal.error().text);
   auto history = historyOf(*journal, maximumJournalRecords);
   if (history.damaged > 0) {
@@ -102,7 +102,7 @@ std::expected<HistoryPage, std::string> historyIn(SuiteFile& file) {
   return history;
 }
 
-// One decision a line, oldest first.
+// One decision per line, oldest first.
 std::expected<void, std::string> history(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
@@ -114,7 +114,7 @@ std::expected<void, std::string> history(const StoreOptions& options) {
   return {};
 }
 
-// All that is kept of the person, but for the token, which is the application's.
+// All data stored about the person; excludes the token, which belongs to the application.
 std::expected<void, std::string> exportPerson(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());

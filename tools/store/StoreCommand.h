@@ -6,8 +6,7 @@ class App;
 
 namespace quillon::tools {
 
-// Adds the sub-command `store` to the command line. When it is chosen it runs while the line is parsed, and leaves its
-// exit status in exitCode, which must outlive the parsing.
+// Adds the sub-command `store`. It runs during parsing and sets exitCode, which must outlive the parsing.
 void addStoreCommand(CLI::App& app, int& exitCode);
 
 }  // namespace quillon::tools

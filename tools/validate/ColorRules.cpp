@@ -6,7 +6,7 @@
 namespace quillon::tools {
 namespace {
 
-// Rounded down, so that a text that falls short by little is not said to reach the limit.
+// Rounded down, so that a ratio just below the limit is not shown as reaching it.
 std::string ratio(double contrast) {
   const auto tenths = static_cast<int>(std::floor(contrast * 10));
   return std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10) + ":1";

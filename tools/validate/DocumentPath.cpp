@@ -7,7 +7,7 @@ std::string shown(std::string_view text) {
   constexpr std::string_view digits = "0123456789abcdef";
   std::string_view kept = text.substr(0, longest);
   if (kept.size() < text.size()) {
-    // A cut falls between characters.
+    // Cuts at a character boundary.
     while (!kept.empty() && (static_cast<unsigned char>(text[kept.size()]) & 0xC0) == 0x80) kept.remove_suffix(1);
   }
   std::string result;

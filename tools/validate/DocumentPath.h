@@ -1,4 +1,4 @@
-// Places in a document, in the notation of decode(): "purposes[3].sdks[0].sdk_id".
+// Paths in a document, in decode()'s notation: "purposes[3].sdks[0].sdk_id".
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,15 @@
 
 namespace quillon::tools {
 
-// A text of the document as it may stand in a message: without control characters, and cut when it is long.
+// A document's text for a message: without control characters, truncated if long.
 [[nodiscard]] std::string shown(std::string_view text);
 
-// As above, in quotation marks.
+// As above, in quotes.
 [[nodiscard]] std::string inQuotes(std::string_view text);
 
 class DocumentPath {
  public:
-  // The document itself.
+  // The root of the document.
   DocumentPath() = default;
 
   [[nodiscard]] DocumentPath at(std::string_view key) const {

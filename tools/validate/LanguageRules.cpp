@@ -17,8 +17,8 @@ Languages languagesOf(const MainConfiguration& configuration) {
   return languages;
 }
 
-// Names those languages that are not among the texts' own; empty when none is missing. Names few of many: a document
-// with as many languages as texts would otherwise make a message of square size.
+// Lists languages missing from the texts; empty when none is missing. Lists only a few: with as many languages as texts
+// the message would grow quadratically.
 template <class Texts>
 std::string missing(const Languages& languages, const Texts& texts) {
   constexpr int mostNames = 8;

@@ -8,14 +8,14 @@
 namespace quillon::tools {
 namespace {
 
-// By whatever list of hosts.
+// Reports a link that would not open under any list of hosts.
 void expectOpens(std::string_view address, const DocumentPath& path, const Report& report) {
   const auto link = parseLink(address);
   if (link) return;
   report({path.text(), "the web view refuses " + inQuotes(address) + ": " + std::string(reason(link.error()))});
 }
 
-// Calls back with the value of every attribute href; looks at each byte a bounded number of times.
+// Calls `visit` with the value of every href attribute; linear time.
 template <class Visit>
 void forEachLinkIn(std::string_view html, Visit visit) {
   constexpr std::string_view blanks = " \t\r\n\f";

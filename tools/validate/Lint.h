@@ -1,4 +1,4 @@
-// What is sound in a configuration and would disappoint a user all the same.
+// Warnings about valid configurations.
 #pragma once
 
 #include <functional>
@@ -8,16 +8,15 @@
 
 namespace quillon::tools {
 
-// Free of control characters, both bounded in length.
+// Both texts are free of control characters and bounded in length.
 struct Finding {
-  std::string path;  // as decode() writes it
+  std::string path;  // in decode()'s notation
   std::string text;
 };
 
 using Report = std::function<void(const Finding&)>;
 
-// Reports one finding after the other, rule by rule. The time and the number of findings grow with the configuration
-// at most.
+// Reports the findings, rule by rule. Time and number of findings are linear in the size of the configuration.
 void lint(const MainConfiguration& configuration, const Report& report);
 
 }  // namespace quillon::tools

@@ -1,4 +1,4 @@
-// The rules of the lint. Each looks at one subject and is named after what it expects.
+// The lint rules. Each checks one subject and is named after what it expects.
 #pragma once
 
 #include "tools/validate/DocumentPath.h"

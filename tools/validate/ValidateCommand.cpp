@@ -17,7 +17,7 @@ Each file gets one line on standard output: "FILE: ok", or "FILE: PATH: WHAT" wi
 when all files are fine, else 1. With --lint, what would disappoint a user follows a file that is fine, one line each:
 "FILE: warning: PATH: WHAT"; warnings do not change the exit status.)";
 
-// Whether the file is fine.
+// Whether the file is valid.
 bool validate(const std::string& path, bool withLint) {
   const auto configuration = configurationOf(path);
   std::cout << path << ": " << (configuration ? "ok" : configuration.error()) << '\n';

@@ -6,8 +6,7 @@ class App;
 
 namespace quillon::tools {
 
-// Adds the sub-command `validate` to the command line. When it is chosen it runs while the line is parsed, and leaves
-// its exit status in exitCode, which must outlive the parsing.
+// Adds the sub-command `validate`. It runs during parsing and sets exitCode, which must outlive the parsing.
 void addValidateCommand(CLI::App& app, int& exitCode);
 
 }  // namespace quillon::tools

@@ -1,4 +1,4 @@
-// The names under which values are stored, apart from purpose identifiers and permission keys.
+// The store's keys, apart from purpose identifiers and permission keys.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 #include "platform/KeyValueSuite.h"
 
-// One row a name, from which both the constants and their list are made.
+// One row per key; constants and list are generated from it.
 // clang-format off
 #define QUILLON_STORE_KEYS(ROW) \
   ROW(arePurposesChanged, "ARE_PURPOSES_CHANGED") \
@@ -63,20 +63,20 @@ inline constexpr std::string_view suiteName = "quillon-cmp-sdk";
 QUILLON_STORE_KEYS(QUILLON_CONSTANT)
 #undef QUILLON_CONSTANT
 
-// Every name above that is the SDK's own.
+// All keys above.
 #define QUILLON_ELEMENT(name, text) name,
 inline constexpr auto all = std::to_array<std::string_view>({QUILLON_STORE_KEYS(QUILLON_ELEMENT)});
 #undef QUILLON_ELEMENT
 
-// Whether a name reads as the identifier of a purpose.
+// Whether a key has the form of a purpose identifier.
 [[nodiscard]] constexpr bool isPurpose(std::string_view name) noexcept {
   return name.find_first_not_of("-0123456789") == std::string_view::npos;
 }
 
 inline constexpr std::size_t longestPermission = 256;
 
-// Whether a configured permission may not be stored under this name, because it is one of ours, reads as a purpose or
-// is longer than any key of a permission.
+// Whether a permission must not be stored under this key: an SDK key, a purpose identifier, or longer than any
+// permission key.
 [[nodiscard]] constexpr bool isReserved(std::string_view name) noexcept {
   return isPurpose(name) || name.size() > longestPermission || std::ranges::find(all, name) != all.end();
 }

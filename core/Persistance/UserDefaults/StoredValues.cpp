@@ -10,7 +10,7 @@ namespace quillon {
 
 namespace {
 
-// What a key of the store is about; nothing for one of the SDK's own, or of no subject.
+// The subject of a store key; nullopt for an SDK key or any other.
 std::optional<DecisionSubject> subjectUnder(std::string_view name) {
   if (!key::isPurpose(name)) {
     if (key::isReserved(name)) return std::nullopt;
@@ -104,7 +104,7 @@ bool StoredValues::isBoundToTracking(std::int64_t purposeId) const {
   return list && std::ranges::find(*list, purposeId) != list->end();
 }
 
-// The list that this version writes ascends; in another one at most less is found.
+// This version writes sorted lists; in others some purposes may not be found.
 bool StoredValues::isAnswered(std::int64_t purposeId) const {
   const auto* list = find<std::vector<std::int64_t>>(key::answeredPurposesList);
   return list && std::ranges::binary_search(*list, purposeId);
@@ -119,7 +119,7 @@ std::vector<std::int64_t> StoredValues::decidedBySignal() const {
   return numbers(key::signalPurposesList);
 }
 
-bool StoredValues::isDecidedByNoOther(std::string_view applicationId) const {
+bool StoredValues::isDecidedOnlyBy(std::string_view applicationId) const {
   const auto* list = find<std::vector<std::string>>(key::decidedApplicationsList);
   return !list || std::ranges::all_of(*list, [&](const std::string& decided) { return decided == applicationId; });
 }
@@ -150,20 +150,20 @@ void StoreTransaction::remove(std::string_view key) {
   changes_.insert_or_assign(std::string(key), std::nullopt);
 }
 
-void StoreTransaction::giveConsents(GivenType type) {
+void StoreTransaction::setGivenType(GivenType type) {
   if (type == GivenType::noAction) return;
   if (type == GivenType::implicitly && consentGivenType() == GivenType::explicitly) return;
   set(key::consentGivenType, std::string(rawValue(type)));
 }
 
-void StoreTransaction::askAgain() {
+void StoreTransaction::requestReconsent() {
   set(key::consentGivenType, std::string(rawValue(GivenType::noAction)));
 }
 
 void StoreTransaction::append(Decision decision, std::string_view applicationId) {
   decision.configurationVersion = integer(key::configurationVersion, 0);
   decision.complianceType = complianceType();
-  // What the device decides it decides for every application; a signal's effect ends with it.
+  // A device's decision holds for every application; a signal's effect ends with it.
   const bool isDevices = decision.cause == DecisionCause::device || decision.cause == DecisionCause::trackingStatus ||
                          decision.cause == DecisionCause::signal;
   decisions_.push_back(std::move(decision));

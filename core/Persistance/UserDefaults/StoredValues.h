@@ -1,4 +1,4 @@
-// Typed reading of a suite's content, and a change to it that is made as one.
+// Typed access to a suite's content, and transactions on it.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@
 
 namespace quillon {
 
-// The key of a purpose's consent: the decimal text of its identifier, without an allocation.
+// The store key of a purpose: its identifier in decimal, without allocation.
 class PurposeKey {
  public:
   explicit PurposeKey(std::int64_t purposeId) noexcept;
@@ -28,7 +28,7 @@ class PurposeKey {
   std::size_t length_;
 };
 
-// Reads one content of a suite, which must outlive it. A value of another type than the one asked for counts as absent.
+// Reads a snapshot of a suite, which must outlive it. A value of another type counts as absent.
 class StoredValues {
  public:
   explicit StoredValues(const SuiteEntries& entries) noexcept : entries_(entries) {}
@@ -40,29 +40,29 @@ class StoredValues {
   std::optional<PropertyDate> date(std::string_view key) const;
 
   std::optional<ConsentStatus> consent(std::string_view key) const;
-  // Every consent that is stored, of purposes and of permissions.
+  // All stored consents, of purposes and permissions.
   std::map<DecisionSubject, ConsentStatus> consents() const;
   ConsentStatus consentOrDefault(std::string_view purpose) const {
-    const auto decision = consent(purpose);  // the default costs as much again, and is seldom asked for
+    const auto decision = consent(purpose);  // the default costs as much again and is rarely needed
     return decision ? *decision : complianceDefault();
   }
-  // The status that a purpose has without a decision: declined under opt-in, else granted. Declined also after a loss,
-  // which may have been that of a refusal.
+  // The status of an undecided purpose: declined under opt-in, else granted. Also declined after lost entries, one of
+  // which may have been a refusal.
   ConsentStatus complianceDefault() const;
   ComplianceType complianceType() const;
-  // How the present consents came about; noAction when nothing was given yet, or a re-consent is asked for.
+  // How the current consents were given; noAction when none were, or a re-consent is requested.
   GivenType consentGivenType() const;
   // Whether the configuration applied last binds the purpose to app tracking. Allocates nothing.
   bool isBoundToTracking(std::int64_t purposeId) const;
-  // Whether the consent that is stored for a purpose is the user's own answer. Allocates nothing.
+  // Whether a purpose's stored consent is the user's own answer. Allocates nothing.
   bool isAnswered(std::int64_t purposeId) const;
-  // Whether it is there because a privacy signal was honoured; all such purposes.
+  // Whether it stems from a privacy signal; all such purposes.
   bool isDecidedBySignal(std::int64_t purposeId) const;
   std::vector<std::int64_t> decidedBySignal() const;
-  // Whether nothing was decided but, at most, under this application id.
-  bool isDecidedByNoOther(std::string_view applicationId) const;
+  // Whether no application other than this one has made decisions.
+  bool isDecidedOnlyBy(std::string_view applicationId) const;
 
-  // Whether an upload failed, or something is on the lists.
+  // Whether an upload has failed, or a decision is pending.
   bool isAnythingPending() const;
   std::vector<std::int64_t> pendingPurposes() const;
   std::vector<std::string> pendingPermissions() const;
@@ -81,7 +81,7 @@ class StoredValues {
   const SuiteChanges* changes_ = nullptr;
 };
 
-// Changes to a suite that are applied together. Reads see the changes made so far.
+// Changes to a suite, applied atomically. Reads see earlier changes.
 class StoreTransaction : public StoredValues {
  public:
   explicit StoreTransaction(const SuiteEntries& current) noexcept : StoredValues(current, changes_) {}
@@ -93,35 +93,35 @@ class StoreTransaction : public StoredValues {
   void addPendingPurpose(std::int64_t purposeId);
   void addPendingPermission(const std::string& permission);
 
-  // Stores a purpose's consent, and whose it is.
+  // Stores a purpose's consent and its cause.
   void decide(std::int64_t purposeId, ConsentStatus status, DecisionCause cause);
-  // Takes back what a privacy signal decided: the purpose is undecided again.
+  // Removes a privacy signal's decision: the purpose is undecided again.
   void endSignal(std::int64_t purposeId, std::int64_t time);
 
-  // How the present consents came about from now on. A default never takes the place of an answer, and what the device
-  // decides leaves it as it is.
-  void giveConsents(GivenType type);
-  // The users' answer is asked for again.
-  void askAgain();
+  // Sets how the current consents were given. A default does not override an answer, and a device's decision leaves it
+  // unchanged.
+  void setGivenType(GivenType type);
+  // Requests the user's answer again.
+  void requestReconsent();
 
-  // Keeps a decision in the history, with the configuration's version and the compliance type that are stored.
+  // Adds a decision to the history, with the stored configuration version and compliance type.
   void append(Decision decision, std::string_view applicationId);
   const std::vector<Decision>& decisions() const { return decisions_; }
-  // Sets the mark of a record of the history.
+  // Marks a history record.
   void mark(std::int64_t number, std::string_view outcome) { marks_.insert_or_assign(number, outcome); }
 
-  // What there is to do; the transaction is empty afterwards, but for its decisions.
+  // Moves out the update; the transaction keeps only its decisions.
   SuiteUpdate take();
 
  private:
-  // Whether the ascending list holds a number, from now on.
+  // Sets whether the sorted list contains a number.
   void include(std::string_view key, std::int64_t number, bool isIn);
 
   SuiteChanges changes_;
   std::vector<Decision> decisions_;
   std::map<std::int64_t, std::string> marks_;
-  // What the pending list among the changes holds, once something was added to it: saving thousands of purposes must
-  // not search the list for each.
+  // The pending list as a set, once something was added: saving thousands of purposes must not search the list for
+  // each.
   std::optional<std::unordered_set<std::int64_t>> pendingPurposes_;
 };
 

@@ -10,7 +10,7 @@
 namespace quillon {
 namespace {
 
-// Every decision that stands, taken away.
+// The removal of every stored consent.
 std::vector<Decision> removalsOf(const SuiteEntries& current, std::int64_t now) {
   std::vector<Decision> removals;
   for (auto& [subject, status] : StoredValues(current).consents()) {
@@ -40,7 +40,7 @@ UserDefaultManager::~UserDefaultManager() {
 
 KeyValueSuite& UserDefaultManager::suite() const {
   std::call_once(opened_, [this] {
-    // Damage is reported while the suite is at work, and logging reads the suite: the two must not meet on one stack.
+    // Logged in the background: damage is reported while the suite is locked, and the logger reads the suite.
     auto report = [background = platform_.executors->background(), link = reports_](KeyValueStore::ReportLevel level,
                                                                                     std::string message) {
       background->post([link, level, message = std::move(message)] {
@@ -52,7 +52,7 @@ KeyValueSuite& UserDefaultManager::suite() const {
     };
     auto opened = platform_.store->open(key::suiteName, std::move(report));
     if (!opened) {
-      // The logger reads the store, so the reason goes to the console directly.
+      // The logger needs the store, so the error goes directly to the console.
       platform_.console->write(platform_.clock->localText(platform_.clock->now()) + " [ERROR] " +
                                escapedForLog(opened.error()));
       platform_.console->fatal("Could not create or access UserDefaults suite: " + std::string(key::suiteName),
@@ -94,15 +94,15 @@ bool UserDefaultManager::transact(const Edit& edit) {
   }));
 }
 
-bool UserDefaultManager::settle(const Settlement& edit) {
+bool UserDefaultManager::markOutcomes(const OutcomeEdit& edit) {
   return reportOutcome(change([&](KeyValueSuite& suite, std::vector<Decision>&) {
     return suite.update([&](const SuiteEntries& current) {
       SuiteUpdate update;
-      update.settle = [&](const std::vector<JournalRecord>& unsettled) {
+      update.markRecords = [&](const std::vector<JournalRecord>& unmarked) {
         StoreTransaction transaction(current);
-        edit(transaction, unsettled);
-        SuiteUpdate settled = transaction.take();
-        return SuiteUpdate::Settlement{std::move(settled.marks), std::move(settled.changes)};
+        edit(transaction, unmarked);
+        SuiteUpdate marked = transaction.take();
+        return SuiteUpdate::Marking{std::move(marked.marks), std::move(marked.changes)};
       };
       return update;
     });
@@ -148,7 +148,7 @@ bool UserDefaultManager::remove(std::string_view key) {
 std::string UserDefaultManager::getSubjectId() {
   if (auto stored = getString(key::subjectId); !stored.empty()) return stored;
   std::string subject;
-  // A failure is not logged: the logger itself asks for the subject.
+  // Failures are not logged: the logger itself needs the subject.
   [[maybe_unused]] const auto outcome = suite().update([&](const SuiteEntries& current) {
     StoreTransaction transaction(current);
     subject = ensureSubjectId(transaction, *platform_.random);
@@ -182,7 +182,7 @@ bool UserDefaultManager::removeAllConsents(const Edit& edit) {
   if (outcome) {
     logger_.log("Successfully removed all consents", LogLevel::info, "removeAllConsents()", unit::userDefaultManager,
                 __LINE__);
-    // At threshold debug that very line named a subject and so made a new one.
+    // At threshold debug that log line created a new subject.
     if (logger_.logLevel() == LogLevel::debug) remove(key::subjectId);
   } else {
     logger_.log("Failed to remove all consents: " + escapedForLog(outcome.error()), LogLevel::error,

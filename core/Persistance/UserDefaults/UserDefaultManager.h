@@ -1,4 +1,4 @@
-// The single place where state survives the process: a typed layer over the suite "quillon-cmp-sdk".
+// The persistent state: a typed layer over the suite "quillon-cmp-sdk".
 #pragma once
 
 #include <expected>
@@ -16,33 +16,33 @@
 
 namespace quillon {
 
-// Thread-safe and without state of its own. A suite that cannot be opened stops the process at the first use.
+// Thread-safe and stateless. Stops the process on first use if the suite cannot be opened.
 class UserDefaultManager {
  public:
-  // Told of every transaction that was stored, in their order and with a lock held, with its decisions; what calls
-  // others is handed back as a job, which is run without.
+  // Called for every stored transaction, in order and under a lock, with its decisions. It returns a job that calls
+  // listeners, run without the lock.
   using Stored = std::function<Job(std::vector<Decision>)>;
 
   // Both must outlive it; neither is used before the first operation.
   UserDefaultManager(const Platform& platform, SDKLogger& logger, Stored stored = {});
   ~UserDefaultManager();
 
-  // One consistent content of the suite.
+  // A consistent snapshot of the suite.
   std::shared_ptr<const SuiteEntries> snapshot() const { return suite().snapshot(); }
 
-  // Changes several keys together: all of them are durable when this returns, or none and the failure is logged.
-  // The edit sees the newest content. It is called again, with a new transaction, when the content had to be recovered
-  // from damage meanwhile; it must not use the manager or the logger.
+  // Changes keys atomically: all are durable on return, or none are and the failure is logged. The edit sees the newest
+  // content. It is called again, with a new transaction, if the content had to be recovered from damage; it must not
+  // use the manager or the logger.
   using Edit = std::function<void(StoreTransaction&)>;
   bool transact(const Edit& edit);
 
-  // The same for what becomes of decisions: the edit also sees the records of the history without a mark, newest first.
-  // It makes no decisions.
-  using Settlement = std::function<void(StoreTransaction&, const std::vector<JournalRecord>& unsettled)>;
-  bool settle(const Settlement& edit);
+  // As transact(), for the outcomes of uploads: the edit also receives the unmarked history records, newest first. It
+  // makes no decisions.
+  using OutcomeEdit = std::function<void(StoreTransaction&, const std::vector<JournalRecord>& unmarked)>;
+  bool markOutcomes(const OutcomeEdit& edit);
 
-  // The newest content of any process and the unsettled records of the same moment. May wait for the disk. A failure is
-  // logged and gives nothing.
+  // The newest content across processes with the unmarked records of the same moment. May wait for the disk. nullopt on
+  // failure, which is logged.
   std::optional<SuiteReading> read() const;
 
   std::string getString(std::string_view key, std::string_view fallback = {}) const;
@@ -53,25 +53,25 @@ class UserDefaultManager {
   bool set(std::string_view key, PropertyValue value);
   bool remove(std::string_view key);
 
-  // The stored identifier of the consenting subject; a new random one is stored when there is none.
+  // The stored subject identifier; creates and stores a random one if there is none.
   std::string getSubjectId();
 
-  // The decisions with a number below that one, at most so many. A failure is logged and gives an empty page.
+  // At most `count` decisions numbered below `before`. An empty page on failure, which is logged.
   HistoryPage history(std::int64_t before, std::size_t count) const;
 
-  // Empties the suite: every key goes, and the history of decisions. What the edit writes into the empty suite is
-  // stored together with that, so that nobody ever reads it empty.
+  // Removes every key and the history. The edit's changes are stored in the same update, so that no reader sees the
+  // suite empty.
   bool removeAllConsents(const Edit& edit = {});
 
-  // Calls within a second after another process of the application has stored something; see KeyValueSuite.
+  // Calls `changed` within a second after another process of the application has stored something; see KeyValueSuite.
   [[nodiscard]] std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed);
 
  private:
-  // The way from the suite's reports to the logger; cut when the manager goes, since the suite may live on.
+  // Links the suite's reports to the logger; cut on destruction, since the suite may live on.
   struct ReportLink;
 
   KeyValueSuite& suite() const;
-  // Runs an update of the suite and tells of the decisions that it leaves behind.
+  // Runs an update of the suite and announces its decisions.
   using Update = std::function<std::expected<void, std::string>(KeyValueSuite&, std::vector<Decision>&)>;
   std::expected<void, std::string> change(const Update& update);
   bool reportOutcome(const std::expected<void, std::string>& outcome);
@@ -79,16 +79,16 @@ class UserDefaultManager {
   const Platform& platform_;
   SDKLogger& logger_;
   const Stored stored_;
-  std::mutex turn_;  // held from the beginning of a transaction until its decisions are told
+  std::mutex turn_;  // held from the start of a transaction until its decisions are announced
   std::shared_ptr<ReportLink> reports_;
   mutable std::once_flag opened_;
   mutable std::shared_ptr<KeyValueSuite> suite_;
 };
 
-// A random identifier in canonical form: 36 characters, upper-case hexadecimal digits and hyphens.
+// A random (version 4) UUID in canonical form, upper case.
 [[nodiscard]] std::string makeUUID(RandomSource& random);
 
-// Makes sure that the transaction's content has a subject identifier and returns it.
+// Returns the subject identifier, creating one if there is none.
 std::string ensureSubjectId(StoreTransaction& transaction, RandomSource& random);
 
 }  // namespace quillon

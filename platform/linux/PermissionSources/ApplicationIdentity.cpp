@@ -9,7 +9,7 @@
 namespace quillon {
 namespace {
 
-// Up to the delimiter, which is removed along with it.
+// The text up to the delimiter; removes both from `rest`.
 std::string_view takeUntil(std::string_view& rest, char delimiter) {
   const auto end = rest.find(delimiter);
   const auto part = rest.substr(0, end);
@@ -23,7 +23,7 @@ bool removeEnd(std::string_view& text, std::string_view end) {
   return true;
 }
 
-// systemd writes a byte that has a meaning in the names of units as \xNN.
+// systemd escapes special bytes in unit names as \xNN.
 std::string unescaped(std::string_view text) {
   std::string result;
   while (!text.empty()) {
@@ -41,7 +41,7 @@ std::string unescaped(std::string_view text) {
   return result;
 }
 
-// The names that desktops give: app[-<launcher>]-<id>-<random>.scope, app[-<launcher>]-<id>[@<random>].service.
+// The desktops' unit names: app[-<launcher>]-<id>-<random>.scope, app[-<launcher>]-<id>[@<random>].service.
 std::string applicationOfUnit(std::string_view unit) {
   if (!unit.starts_with("app-")) return {};
   unit.remove_prefix(4);
@@ -62,7 +62,7 @@ std::string applicationOfUnit(std::string_view unit) {
 std::string applicationOfControlGroups(std::string_view text) {
   std::string application;
   while (!text.empty()) {
-    // <hierarchy>:<controllers>:<path>; only systemd's own hierarchy speaks of units.
+    // <hierarchy>:<controllers>:<path>; only systemd's hierarchy contains units.
     auto line = takeUntil(text, '\n');
     takeUntil(line, ':');
     const auto controllers = takeUntil(line, ':');

@@ -1,4 +1,4 @@
-// The name under which the desktop knows an application.
+// The desktop's name for an application.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 
 namespace quillon {
 
-// The one given, else that of the sandbox, else that of the systemd unit in which the application was started, else
-// empty, as the desktop calls all others.
+// The given name, else that of the sandbox, else that of the systemd unit in which the application was started, else
+// empty, the desktop's name for all other applications.
 [[nodiscard]] std::string applicationIdentity(const std::string& given);
 
-// The application in the text of a process's control groups; empty when it is in no application's unit.
+// The application named by a process's control groups; empty when it is in no application's unit.
 [[nodiscard]] std::string applicationOfControlGroups(std::string_view text);
 
 }  // namespace quillon

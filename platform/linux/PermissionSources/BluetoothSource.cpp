@@ -15,7 +15,7 @@ constexpr int denied = 2;
 constexpr int allowed = 3;
 
 PermissionSources::Value valueOf(GVariant* objects) {
-  PermissionSources::Value value;  // without an adapter there is no source
+  PermissionSources::Value value;  // nullopt without an adapter
   GVariantIter all;
   g_variant_iter_init(&all, objects);
   while (const auto object = GLibPointer<GVariant>(g_variant_iter_next_value(&all))) {
@@ -24,7 +24,7 @@ PermissionSources::Value valueOf(GVariant* objects) {
     if (!properties) continue;
     gboolean powered = FALSE;
     if (g_variant_lookup(properties.get(), "Powered", "b", &powered) && powered) return allowed;
-    value = notDetermined;  // switched off says nothing about what the application may do
+    value = notDetermined;  // a switched-off adapter says nothing about the permission
   }
   return value;
 }
@@ -41,7 +41,7 @@ PermissionSource::Answer answer(const BusService::Reply& reply) {
   }
 }
 
-// Whether an adapter is among the interfaces of an object that came or went; most of these are devices in the vicinity.
+// Whether an added or removed object has an adapter interface; most are nearby devices.
 bool namesAdapter(GVariant* arguments) {
   if (g_variant_n_children(arguments) < 2) return false;
   const GLibPointer<GVariant> interfaces(g_variant_get_child_value(arguments, 1));

@@ -8,11 +8,10 @@
 
 namespace quillon {
 
-// As BlueZ tells it. A Linux system asks nobody about a single application: who reaches an adapter that is switched on
-// may use it.
+// As reported by BlueZ. Linux has no per-application permission: an application may use an adapter that is switched on.
 class BluetoothSource : public PermissionSource {
  public:
-  // Calls `changed` on the loop's thread when an adapter was switched on or off, came or went.
+  // Calls `changed` on the loop's thread when an adapter was switched on or off, added or removed.
   BluetoothSource(MessageBus& system, const std::function<void()>& changed);
 
   void ask(std::move_only_function<void(Answer)> done) override;

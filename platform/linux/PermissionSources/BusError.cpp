@@ -6,7 +6,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t longestText = 500;  // bytes; a service may say anything
+constexpr std::size_t longestText = 500;  // bytes; a service's text is untrusted
 
 BusError::Kind kindOf(const GError& error) {
   if (error.domain == G_IO_ERROR) {

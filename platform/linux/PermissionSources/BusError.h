@@ -1,4 +1,4 @@
-// Why a service on a message bus gave no answer.
+// Why a message-bus call failed.
 #pragma once
 
 #include <string>
@@ -9,18 +9,18 @@ namespace quillon {
 
 struct BusError {
   enum class Kind {
-    absent,  // there is no bus, or nobody offers the service
-    denied,  // the bus does not let us ask
-    silent,  // no answer in time
+    absent,  // no bus, or no such service
+    denied,  // refused by the bus
+    silent,  // timed out
     other,
   };
 
   Kind kind;
-  std::string name;  // as the service calls it; empty when it did not get that far
-  std::string text;  // for people
+  std::string name;  // the service's error name; empty if the call did not reach it
+  std::string text;  // for the log
 };
 
-// Takes over the error.
+// Takes ownership of the error.
 [[nodiscard]] BusError busError(GError* error);
 
 }  // namespace quillon

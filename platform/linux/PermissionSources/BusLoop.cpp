@@ -17,7 +17,7 @@ constexpr guint drainMilliseconds = 1000;
 }  // namespace
 
 bool BusLoop::hasDescriptors() {
-  std::array<FileDescriptor, 16> spare;  // twice what one connection was seen to take
+  std::array<FileDescriptor, 16> spare;  // twice the number one connection was observed to use
   return std::ranges::all_of(spare, [](FileDescriptor& descriptor) {
     descriptor = FileDescriptor(::eventfd(0, EFD_CLOEXEC));
     return static_cast<bool>(descriptor);
@@ -79,7 +79,7 @@ void BusLoop::runJobs() {
   for (auto& job : jobs) contained(job);
 }
 
-// What GIO has not finished would never be freed.
+// Unfinished GIO operations would never be freed.
 void BusLoop::drain() {
   bool expired = false;
   const GLibPointer<GSource> limit(g_timeout_source_new(drainMilliseconds));

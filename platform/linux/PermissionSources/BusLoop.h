@@ -1,4 +1,4 @@
-// The thread on which the message buses are talked to.
+// The event loop of the message buses.
 #pragma once
 
 #include <functional>
@@ -9,28 +9,28 @@
 
 namespace quillon {
 
-// Jobs and the callbacks of GLib, one at a time, in a main context of their own: the application's stays untouched.
+// Runs jobs and GLib callbacks, one at a time, in its own main context; the application's is not touched.
 class BusLoop {
  public:
-  // False when the process may open too few more files: GLib ends the application when it lacks one for its own ends.
-  // So whoever is about to let it open some asks this before. Thread-safe.
+  // False when too few descriptors are left: GLib terminates the application when it lacks one for itself. Check it
+  // before any GLib call that opens descriptors. Thread-safe.
   [[nodiscard]] static bool hasDescriptors();
 
-  // What the loop needs; false when it is not to be had at the moment. Before run().
+  // Acquires the loop's resources; false when unavailable at the moment. Call before run().
   [[nodiscard]] bool open();
-  // Called once, on the thread that is to be the loop's. Returns when the loop has been stopped and what was still
-  // under way has ended, which `leave` is to bring about; at the latest a second after the stop.
+  // Called once, on the loop's thread. Returns when the loop has been stopped and running operations, which `leave`
+  // must cancel, have ended; at the latest a second after stop().
   void run(const std::function<void()>& leave);
 
-  // Thread-safe. Once the loop has been stopped, jobs are dropped and no further callback begins.
+  // Thread-safe. Afterwards jobs are dropped and no callback begins.
   void stop();
   [[nodiscard]] bool stopped() const;
 
   // Thread-safe. Jobs run in order.
   void post(std::move_only_function<void()> job);
 
-  // The two last arguments of an asynchronous call into GIO that is made on the loop's thread. The function is handed
-  // what the call was made on and its result, once, unless the loop has been stopped before.
+  // The last two arguments of an asynchronous GIO call made on the loop's thread. The function receives the source
+  // object and the result, once, unless the loop is stopped first.
   using Finish = std::move_only_function<void(GObject* source, GAsyncResult* result)>;
   static void finished(GObject* source, GAsyncResult* result, gpointer expected);
   [[nodiscard]] gpointer expect(Finish finish);
@@ -45,9 +45,9 @@ class BusLoop {
   void runJobs();
   void drain();
 
-  int underWay_ = 0;  // calls into GIO that have not finished; only touched on the loop's thread
+  int underWay_ = 0;  // unfinished GIO calls; used on the loop's thread only
 
-  // GLib's own ways from thread to thread would do, but the thread sanitizer does not see them.
+  // Not GLib's own queues, which the thread sanitizer does not see.
   mutable std::mutex mutex_;             // guards the members below
   GLibPointer<GMainContext> context_{};  // set once, before the loop runs
   std::vector<std::move_only_function<void()>> jobs_;

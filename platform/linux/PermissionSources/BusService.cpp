@@ -6,7 +6,7 @@ namespace quillon {
 namespace {
 
 constexpr std::chrono::seconds pauseAfterSilence{10};
-constexpr gsize largestReply = gsize{4} << 20;  // bytes; hundreds of devices stay far below
+constexpr gsize largestReply = gsize{4} << 20;  // bytes; hundreds of devices need far less
 
 }  // namespace
 

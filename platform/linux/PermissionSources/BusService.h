@@ -14,22 +14,21 @@ struct BusMethod {
   std::string path;
   const char* interface;
   const char* name;
-  const char* replyType;  // a reply of another type is an error
+  const char* replyType;  // any other reply type is an error
 };
 
-// Used on the loop's thread only, but made on any.
+// Used on the loop's thread only, but constructed on any.
 class BusService {
  public:
   using Reply = std::expected<GLibPointer<GVariant>, BusError>;
   using Done = std::move_only_function<void(Reply)>;
   enum class Start { onDemand, never };
 
-  // The bus must outlive it. With `never` the question does not start a service that is not running.
+  // The bus must outlive it. Start::never does not start a service that is not running.
   BusService(MessageBus& bus, const char* name, Start start) : bus_(bus), name_(name), start_(start) {}
 
-  // Hands over the reply or the reason why there is none, in time. Takes over arguments that are floating. A service
-  // that left a call without an answer is not asked again for a while: who asks one question after another would wait
-  // for each.
+  // Passes the reply or the error to `done`, within the time limit. Takes ownership of floating arguments. A service
+  // that timed out is not called again for a while, so that a series of calls does not wait for each.
   void call(const BusMethod& method, GVariant* arguments, Done done);
 
  private:

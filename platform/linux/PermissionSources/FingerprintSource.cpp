@@ -17,7 +17,7 @@ PermissionSource::Answer answer(const BusError& error) {
   if (error.kind == BusError::Kind::denied || error.name == "net.reactivated.Fprint.Error.PermissionDenied") {
     return denied;
   }
-  // A sensor that knows no finger cannot be used, which nobody has decided.
+  // A sensor without enrolled fingers is unusable, but nobody decided that.
   if (error.name == "net.reactivated.Fprint.Error.NoEnrolledPrints") return unusable;
   return std::unexpected(error.text);
 }

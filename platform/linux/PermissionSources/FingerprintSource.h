@@ -1,4 +1,4 @@
-// Whether the user can be recognised by a fingerprint.
+// Whether fingerprint recognition is available.
 #pragma once
 
 #include "platform/linux/PermissionSources/BusService.h"
@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-// As fprintd tells it, which is started for the question and reports no changes.
+// As reported by fprintd, which is started by the call and reports no changes.
 class FingerprintSource : public PermissionSource {
  public:
   explicit FingerprintSource(MessageBus& system);

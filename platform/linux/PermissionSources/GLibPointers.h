@@ -1,4 +1,4 @@
-// Owners of what GLib counts references to.
+// Owning pointers to reference-counted GLib objects.
 #pragma once
 
 #include <gio/gio.h>
@@ -16,7 +16,7 @@ struct GLibRelease {
   void operator()(GSettings* settings) const { g_object_unref(settings); }
   void operator()(GSettingsSchema* schema) const { g_settings_schema_unref(schema); }
   void operator()(GVariant* variant) const { g_variant_unref(variant); }
-  // A source that still runs does so no more.
+  // Also removes an active source from its context.
   void operator()(GSource* source) const {
     g_source_destroy(source);
     g_source_unref(source);

@@ -50,19 +50,19 @@ std::optional<Source> sourceOf(VantariKey::Case key) {
   }
 }
 
-// The answer to keys that need no bus.
+// The value of keys that need no bus.
 PermissionSources::Value valueAtOnce(VantariKey::Case key) {
   return key == VantariKey::nfcReaderUsageDescription ? PermissionSources::Value(nfcAdapterValue()) : std::nullopt;
 }
 
-// The text of an error is no news.
+// Error texts are not compared.
 bool same(const Answer& one, const Answer& other) {
   return one && other ? *one == *other : one.has_value() == other.has_value();
 }
 
 }  // namespace
 
-// All that the thread uses.
+// The state used by the thread.
 class LinuxPermissionSources::Device {
  public:
   explicit Device(const std::string& application) {
@@ -103,7 +103,7 @@ class LinuxPermissionSources::Device {
 
   std::unique_ptr<PermissionSubscription> observe(std::function<void()> changed) {
     auto subscription = observers_.add(std::move(changed));
-    loop_.post([this] {  // brings about the connections; the sensor's service would be started in vain
+    loop_.post([this] {  // opens the connections, without starting the sensor's service
       for (const Source source : {camera, microphone, location, notifications, bluetooth}) refresh(source);
     });
     return subscription;
@@ -112,9 +112,9 @@ class LinuxPermissionSources::Device {
  private:
   struct Entry {
     std::unique_ptr<PermissionSource> source;
-    std::optional<Answer> known;  // guarded by the mutex; the rest is the thread's
+    std::optional<Answer> known;  // guarded by the mutex; the others belong to the thread
     bool refreshing = false;
-    bool outdated = false;  // by a change after the refreshing began
+    bool outdated = false;  // changed after the refresh began
   };
 
   std::function<void()> refresher(Source source) {
@@ -125,7 +125,7 @@ class LinuxPermissionSources::Device {
     entries_[source].source->ask([this, source, done = std::move(done)](const Answer& answer) mutable {
       const bool changed = learn(source, answer);
       done(answer);
-      if (changed) observers_.tell();
+      if (changed) observers_.notify();
     });
   }
 
@@ -140,7 +140,7 @@ class LinuxPermissionSources::Device {
     });
   }
 
-  // Whether it is another answer than before.
+  // Stores the answer; true when it differs from the previous one.
   bool learn(Source source, const Answer& answer) {
     const std::lock_guard lock(mutex_);
     auto& known = entries_[source].known;
@@ -154,7 +154,7 @@ class LinuxPermissionSources::Device {
   MessageBus system_{loop_, systemBusAddress()};
   BusService store_{permissionStore(session_)};
   ChangeObservers<PermissionSubscription> observers_;
-  mutable std::mutex mutex_;  // guards what is known
+  mutable std::mutex mutex_;  // guards the `known` answers
   std::array<Entry, sourceCount> entries_;
 };
 

@@ -1,4 +1,4 @@
-// The permission statuses of a Linux device.
+// The permission sources of a Linux device.
 #pragma once
 
 #include <memory>
@@ -11,12 +11,12 @@
 
 namespace quillon {
 
-// Thread-safe. Asks the desktop's permission store on the session bus, BlueZ and fprintd on the system bus, and the
-// kernel; a key that is none of their business has no source. The buses are asked on a thread of its own, which is
-// started by the first question for them or the first observer. Destruction joins it, within two seconds.
+// Thread-safe. Queries the desktop's permission store on the session bus, BlueZ and fprintd on the system bus, and the
+// kernel; other keys have no source. The buses are used on a thread of its own, started by the first query or observer.
+// Destruction joins it within two seconds.
 class LinuxPermissionSources : public PermissionSources {
  public:
-  // The desktop's name of the application; when it is empty it is looked for.
+  // The desktop's name of the application; detected when empty.
   explicit LinuxPermissionSources(const std::string& applicationId = {});
   ~LinuxPermissionSources() override;
 

@@ -9,7 +9,7 @@
 namespace quillon {
 namespace {
 
-// Programs with more rights than their user do not listen to the user's environment.
+// Privileged programs ignore the user's environment.
 std::string environment(const char* name) {
   const char* value = ::secure_getenv(name);
   return value == nullptr ? std::string() : std::string(value);
@@ -78,7 +78,7 @@ void MessageBus::authenticate() {
                         }));
 }
 
-// GIO cancels everything but the last step of an attempt, the wait for the greeting, which ends with the socket.
+// GIO cancels all but the last step of connecting, the wait for the greeting; closing the socket ends that.
 void MessageBus::abandon() {
   g_cancellable_cancel(cancellable_.get());
   if (!stream_ || !G_IS_SOCKET_CONNECTION(stream_.get())) return;
@@ -88,8 +88,8 @@ void MessageBus::abandon() {
 void MessageBus::connected(std::expected<GDBusConnection*, BusError> connection) {
   limit_.reset();
   if (!connection && g_cancellable_is_cancelled(cancellable_.get())) connection.error().kind = BusError::Kind::silent;
-  // The bus handles our requests in order: whatever is asked from here on is asked after the signals were subscribed
-  // to, so that no change falls in between.
+  // The bus handles requests in order: queries sent from here on follow the signal subscriptions, so no change is
+  // missed.
   if (connection) {
     for (Watch& watch : watches_) {
       const BusSignal& signal = watch.signal;

@@ -1,4 +1,4 @@
-// The connection to one message bus.
+// A connection to one message bus.
 #pragma once
 
 #include <deque>
@@ -12,16 +12,15 @@
 
 namespace quillon {
 
-// Where the buses of the user's session and of the system listen; empty when that is unknown. Unlike GIO they never
-// start a bus of their own.
+// The addresses of the session and system bus; empty when unknown. Unlike GIO's, they never start a bus.
 [[nodiscard]] std::string sessionBusAddress();
 [[nodiscard]] std::string systemBusAddress();
 
-// How long a bus, and then a service on it, may take for an answer. Less than the two seconds for which an answer is
-// waited for, so that who waited longest is told before the next question is asked.
+// Time limit for connecting, and for a service's reply. Below the two seconds for which callers wait, so that the
+// longest-waiting caller is answered before the next query starts.
 constexpr int answerMilliseconds = 1800;
 
-// A null member matches everything.
+// A null member matches anything.
 struct BusSignal {
   const char* sender;
   const char* path;
@@ -30,8 +29,8 @@ struct BusSignal {
   const char* firstArgument;
 };
 
-// Connects when it is needed, and again when the connection was lost. The connection is private: what the application
-// does with its own does not matter here, nor the other way round. Used on the loop's thread only, except where noted.
+// Connects on demand, and again after a lost connection. The connection is private, so it and the application's own do
+// not affect each other. Used on the loop's thread only, except where noted.
 class MessageBus {
  public:
   using Use = std::move_only_function<void(std::expected<GDBusConnection*, BusError>)>;
@@ -39,18 +38,18 @@ class MessageBus {
   // Any thread. The loop must outlive it.
   MessageBus(BusLoop& loop, std::string address) : loop_(loop), address_(std::move(address)) {}
 
-  // Any thread, but before the loop runs. Handlers hear the signal on every connection; what it carries is a hint from
-  // whoever sent it.
+  // Any thread, before the loop runs. Handlers receive the signal on every connection; its content is an untrusted
+  // hint.
   void watch(const BusSignal& signal, std::function<void(GVariant* arguments)> handler);
 
-  // Hands out the connection, at once or when it stands.
+  // Passes the connection to `user`, at once or when connected.
   void use(Use user);
 
-  // Ends every call over the present connection.
+  // Cancels every call over the current connection.
   [[nodiscard]] GCancellable* cancellable() const { return cancellable_.get(); }
   [[nodiscard]] BusLoop& loop() const { return loop_; }
 
-  // Ends the connection, or the attempt to make it.
+  // Closes the connection, or aborts connecting.
   void close();
 
  private:
@@ -70,11 +69,11 @@ class MessageBus {
   BusLoop& loop_;
   const std::string address_;
   std::deque<Watch> watches_;      // GIO keeps their addresses
-  GLibPointer<GIOStream> stream_;  // of the connection or the attempt to make it
+  GLibPointer<GIOStream> stream_;  // of the connection or the connection attempt
   GLibPointer<GDBusConnection> connection_;
   GLibPointer<GCancellable> cancellable_;
-  GLibPointer<GSource> limit_;  // of the attempt to connect
-  std::vector<Use> waiting_;    // for the attempt under way; empty when there is none
+  GLibPointer<GSource> limit_;  // time limit of the connection attempt
+  std::vector<Use> waiting_;    // for the current connection attempt; empty without one
 };
 
 }  // namespace quillon

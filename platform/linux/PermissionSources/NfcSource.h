@@ -1,11 +1,11 @@
-// Whether the device can read near-field tags.
+// Whether the device has an NFC reader.
 #pragma once
 
 #include <filesystem>
 
 namespace quillon {
 
-// One when the kernel knows an adapter, zero when it knows none. Thread-safe, does not wait.
+// 1 when the kernel has an adapter, else 0. Thread-safe, does not wait.
 [[nodiscard]] int nfcAdapterValue(const std::filesystem::path& adapters = "/sys/class/nfc") noexcept;
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// One thing about which the device can be asked.
+// One permission source of the device.
 #pragma once
 
 #include <expected>
@@ -9,14 +9,14 @@
 
 namespace quillon {
 
-// Used on one thread.
+// Used on one thread only.
 class PermissionSource {
  public:
   using Answer = std::expected<PermissionSources::Value, std::string>;
 
   virtual ~PermissionSource() = default;
 
-  // Answers later, or at once, on the same thread.
+  // Calls `done` later or at once, on the same thread.
   virtual void ask(std::move_only_function<void(Answer)> done) = 0;
 };
 

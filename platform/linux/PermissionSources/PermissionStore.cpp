@@ -17,7 +17,7 @@ int device(const std::string& word) {
   return word == "no" ? denied : notDetermined;
 }
 
-// How exact the position may be.
+// The permitted accuracy of the position.
 int location(const std::string& word) {
   constexpr int denied = 2;
   constexpr int authorized = 3;
@@ -41,7 +41,7 @@ int notifications(const std::string& word) {
 const StoreEntry cameraEntry{"devices", "camera", notDetermined, device};
 const StoreEntry microphoneEntry{"devices", "microphone", notDetermined, device};
 const StoreEntry locationEntry{"location", "location", notDetermined, location};
-// Desktops show the notifications of whoever was not forbidden to send them.
+// Desktops show notifications unless they were forbidden.
 const StoreEntry notificationsEntry{"notifications", "notification", notificationsAuthorized, notifications};
 
 BusService permissionStore(MessageBus& session) {

@@ -1,4 +1,4 @@
-// What the desktop's permission store says about this application.
+// This application's entries in the desktop's permission store.
 #pragma once
 
 #include <functional>
@@ -11,11 +11,11 @@ namespace quillon {
 
 [[nodiscard]] BusService permissionStore(MessageBus& session);
 
-// One entry of the store, and what its words mean as a platform value.
+// A store entry, and how its values map to platform values.
 struct StoreEntry {
   const char* table;
   const char* id;
-  int unset;  // nobody has decided about this application
+  int unset;  // not decided for this application
   int (*meaning)(const std::string& word);
 };
 
@@ -30,7 +30,7 @@ class StoredPermission : public PermissionSource {
   StoredPermission(MessageBus& session, BusService& store, const StoreEntry& entry, std::string application,
                    std::function<void()> changed);
 
-  // A system without the store has asked the user nothing: zero.
+  // Zero on a system without the store: the user was never asked.
   void ask(std::move_only_function<void(Answer)> done) override;
 
  private:

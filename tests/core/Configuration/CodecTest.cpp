@@ -1,5 +1,4 @@
-// What holds for every record: each key of a complete document is read, written, compared, hashed and
-// checked for its type.
+// Holds for every structure: each key of a complete document is decoded, encoded, compared, hashed and type-checked.
 #include "core/Json/Codec.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +14,7 @@
 namespace quillon {
 namespace {
 
-// One value of a document: where it is for the test, and what an error message calls it.
+// A value of a document: its JSON pointer, and its path in error messages.
 struct Place {
   std::string pointer;
   std::string path;
@@ -41,7 +40,7 @@ class Codec : public testing::Test {
  protected:
   Codec() { collectPlaces(document_, {}, places_); }
 
-  // Whether the change at @p place is refused with its path when @p refused, and read as another record otherwise.
+  // Expects the change at @p place to be rejected with its path if @p refused, else to decode to a different structure.
   void expectOutcome(const boost::json::value& changed, const Place& place, bool refused) {
     const auto record = decode<R>(boost::json::serialize(changed));
     if (refused) {
@@ -96,7 +95,7 @@ TYPED_TEST(Codec, IgnoresUnknownKeysInEveryRecord) {
   changed.as_object()["unknown"] = unknown;
   for (const Place& place : this->places_) {
     if (place.path.starts_with("i18n")) continue;
-    // The keys of a map are its entries, and none of them is unknown.
+    // A map's keys are its entries, so none is unknown.
     auto* const object = changed.at_pointer(place.pointer).if_object();
     const std::string first = object ? place.path + "." + std::string(object->begin()->key()) : "";
     if (object && !std::regex_match(first, this->entries_)) (*object)["unknown"] = unknown;
@@ -104,7 +103,7 @@ TYPED_TEST(Codec, IgnoresUnknownKeysInEveryRecord) {
   EXPECT_EQ(decode<TypeParam>(boost::json::serialize(changed)), this->complete_);
 }
 
-// Equality and hashing of records.
+// Equality and hashing of structures.
 class RecordEquality : public testing::Test {
  protected:
   static MainConfiguration read(std::string_view json) { return decode<MainConfiguration>(json).value(); }
@@ -114,7 +113,7 @@ class RecordEquality : public testing::Test {
 };
 
 TEST_F(RecordEquality, CoversTheFieldsThatNoDocumentCarries) {
-  // Each of them lies somewhere else in the tree of records.
+  // Each is in a different place of the structure.
   MainConfiguration mapped = complete_;
   mapped.purposes->at(0).isATTMapped = true;
   MainConfiguration described = complete_;

@@ -1,4 +1,4 @@
-// For each record that travels as JSON, a document in which every key is set.
+// A document with every key set, for each structure.
 #pragma once
 
 #include <string>
@@ -12,13 +12,13 @@ namespace quillon {
 
 struct CompleteDocument {
   std::string json;
-  // Patterns of the places that must be there, and of the entries of maps, which may be missing but not null.
+  // Patterns of required places, and of map entries, which may be missing but not null.
   const char* required;
   const char* entries = "";
 };
 
-// Puts a value in the place of each mark, no two alike: ? a number, % a text, @ one in two languages, * two numbers,
-// $ a colour.
+// Replaces each placeholder with a distinct value: ? a number, % a text, @ one in two languages, * two numbers, $ a
+// colour.
 inline std::string filled(std::string_view form) {
   std::string json;
   int last = 100;

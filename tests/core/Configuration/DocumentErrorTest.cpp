@@ -1,4 +1,4 @@
-// Which documents are refused, and what the message says.
+// Rejected documents and their error messages.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -106,7 +106,7 @@ TEST_F(Document, KeepsTextsOfAnyLengthAndScript) {
   record.description = std::string(100'000, 'x');
   record.description->append("\n\"").append(100'000, 'y');
   record.translations = Translations{{"\n", LocalizedText{{"", "\""}, {"\t\"", ""}}}, {"zh", std::nullopt}};
-  // Escapes in the middle, in a key and in the text right after it.
+  // Escapes inside a key and in the text right after it.
   record.translations->insert({"a\nb", LocalizedText{{"c\td", "e\"f"}, {"g\th", "i"}, {"j", "k\nl"}}});
   EXPECT_EQ(decode<MainConfiguration>(encode(record)), record);
   EXPECT_EQ(decode<MainConfiguration>(R"({"name":"\u00e4\ud83d\ude00\/\u0000"})")->name, "ä😀/\0"s);

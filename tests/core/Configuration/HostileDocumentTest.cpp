@@ -1,4 +1,4 @@
-// Documents made to break the reader: they are refused, in bounded time and memory.
+// Hostile documents are rejected in bounded time and memory.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -17,7 +17,7 @@
 namespace quillon {
 namespace {
 
-// The texts are given in the order of the cases.
+// Texts are in the order of the cases.
 template <class E>
 void expectTexts(std::initializer_list<const char*> texts) {
   int number = 0;

@@ -13,8 +13,7 @@
 namespace quillon::test {
 namespace {
 
-// A clock on which the first single timer fires before the thread that asked for it goes on, as when that thread is
-// held up for longer than the delay.
+// A clock whose first one-shot timer fires before the thread that started it continues, as when that thread is delayed.
 class StallingClock : public VirtualClock {
  public:
   StallingClock(WallTime start, std::function<void()> meanwhile)
@@ -105,7 +104,7 @@ TEST(Concurrency, NoDecisionIsDroppedBetweenUploads) {
   threads.clear();
   world.drainMainQueue();
   world.sdk->settled().wait();
-  while (!world.sdk->uploadPendingConsents().get()) {  // the server gives in at the second try
+  while (!world.sdk->uploadPendingConsents().get()) {  // the server accepts at the second attempt
   }
   const std::scoped_lock lock(mutex);
   for (std::int64_t id = 1; id <= 3; ++id) {

@@ -96,7 +96,7 @@ TEST_F(Configuration, UnchangedCostsNoBody) {
   EXPECT_EQ(asked(), 2u);
 }
 
-// The server says "unchanged" about a document that is not the one on disk.
+// The server answers 304 for a document that is not the one on disk.
 TEST_F(Configuration, UnchangedIsNotBelievedWithoutThatDocument) {
   world.server.serve(versioned(5), "\"v5\"");
   world.start();
@@ -111,7 +111,7 @@ TEST_F(Configuration, UnchangedIsNotBelievedWithoutThatDocument) {
     EXPECT_FALSE(contains(world.log(), "Error reading"));
   }
   world.server.serve(versioned(6), "\"v6\"");
-  world.store(key::etag, "\"v6\"");  // its answer came, but the process ended before it was saved
+  world.store(key::etag, "\"v6\"");  // received, but the process ended before saving
   world.startLater();
   EXPECT_EQ(version(), 6);
 }
@@ -164,7 +164,7 @@ TEST_F(Configuration, ThatCannotBeSavedLeavesTheEarlierFile) {
   EXPECT_TRUE(contains(world.log(), "Backup restored to original: " + world.file().string()));
 }
 
-// A host whose application carries these documents, and a server that has none yet.
+// A host with these bundled documents, and a server without a document.
 struct Bundled : Configuration {
   Bundled() {
     world.amend = [this](Platform& platform) {

@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 using enum ConsentStatus;
 
-// The status that an upload carries for a purpose, "" when it does not list it.
+// An upload's status for a purpose, "" when it is not listed.
 std::string uploaded(const boost::json::object& upload, std::int64_t id) {
   for (const auto& consent : upload.at("purpose_consents").as_array()) {
     if (consent.at("purpose_id") == id) return consent.at("consent_status").as_string().c_str();
@@ -80,7 +80,7 @@ TEST(Answer, IsStoredAsOneAndUploaded) {
   }
 }
 
-// What the tracking status makes of a stored decision, by decision and authorization.
+// The consent from a stored decision and the tracking authorization.
 TEST(Tracking, GovernsThePurposesBoundToIt) {
   struct Case {
     std::string stored;
@@ -180,7 +180,7 @@ TEST(UploadReply, DecidesWhatStaysPending) {
   }
 }
 
-// The server has the earlier decision, so the later one must go there too.
+// The server has the earlier decision, so the later one must be uploaded too.
 TEST(Upload, DecisionMadeMeanwhileStaysPending) {
   World world;
   world.start();

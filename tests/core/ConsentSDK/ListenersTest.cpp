@@ -1,4 +1,4 @@
-// What hosts are told of, and how they stop listening.
+// Listeners: events and removal.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -118,7 +118,7 @@ TEST(Listeners, HearOfUploadsAndScreens) {
                                                {ScreenKind::banner, false, startSeconds + 5}}));
 }
 
-// Whatever a host calls first is answered from the store, on whichever thread.
+// Any operation called first is answered from the store, on any thread.
 TEST(BeforeSetUp, EverythingIsAnsweredFromTheStore) {
   World world;
   world.start();

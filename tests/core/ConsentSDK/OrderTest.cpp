@@ -1,4 +1,4 @@
-// Calls take effect in their order: on real threads, a real store and a real server.
+// Calls take effect in order: on real threads, a real store and a real server.
 #include <gtest/gtest.h>
 
 #include <boost/json/serialize.hpp>
@@ -27,7 +27,7 @@ TEST(Order, OfTwoCallsTheLaterOneHolds) {
   }
 }
 
-// What the server heard last is what the store says, and nothing else is left to be sent.
+// The server's last status equals the stored one, and nothing is pending.
 TEST(Order, ADecisionThatReturnsToWhatItWasIsSentAllTheSame) {
   World world;
   world.start();
@@ -45,7 +45,7 @@ TEST(Order, ADecisionThatReturnsToWhatItWasIsSentAllTheSame) {
   EXPECT_EQ(world.uploads().size(), 2u);
 }
 
-// Two processes, as it were: two stores over one file.
+// Simulates two processes with two stores on one file.
 TEST(Order, OneProcessUploadsAtATimeAndTheLatestDecisionEndsAtTheServer) {
   World world;
   world.start();

@@ -1,4 +1,4 @@
-// What a privacy signal does to purposes, and what it leaves alone: on a device in memory.
+// The effect of privacy signals on purposes, on an in-memory device.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 
 using enum ConsentStatus;
 
-// Purpose 1 is mapped, and so are 2, which is essential, and 3, which app tracking governs; 4 is not.
+// Purposes 1, 2 (essential) and 3 (governed by app tracking) are mapped; 4 is not.
 std::string documentOf(std::string_view type, bool hasUnmapped = true) {
   auto document = validConfiguration();
   bannerOf(document)["compliance_type"] = type;
@@ -24,7 +24,7 @@ std::string documentOf(std::string_view type, bool hasUnmapped = true) {
   return boost::json::serialize(document);
 }
 
-// Where the signal comes from, and whether the application has it honoured.
+// The source of the signal, and whether the application honours it.
 enum class Given { no, byDevice, byApplication, byDeviceUnheeded };
 
 class PrivacySignalTest : public ::testing::Test {
@@ -76,11 +76,12 @@ enum class Decided { not_, grantedByUser, declinedByUser, byDefault };
 struct Row {
   const char* type;
   Decided decided;
-  const char* without;  // what is allowed while no signal counts
+  const char* without;  // what is allowed without a signal
   const char* with;
 };
 
-// The rule: signal by compliance type by stored decision. Purpose 3 waits for the device's authorization in all cells.
+// All combinations of signal, compliance type and stored decision. Purpose 3 needs the device's authorization in all of
+// them.
 constexpr Row rule[] = {
     {"opt-in", Decided::not_, "2", "2"},
     {"opt-in", Decided::byDefault, "2", "2"},

@@ -1,5 +1,4 @@
-// Every operation of the SDK, called by many threads at random while the device, the network and further instances
-// change around them.
+// Every SDK operation, called at random by many threads while the device, the network and further instances change.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -27,7 +26,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::string_view token = "secret-token";
 constexpr int threadCount = 32;
 
-// A few seconds find what is common; QUILLON_STRESS_SECONDS asks for more.
+// A few seconds find common faults; QUILLON_STRESS_SECONDS runs longer.
 std::chrono::seconds duration() {
 #ifdef __SANITIZE_THREAD__
   constexpr auto usual = 4s;
@@ -38,7 +37,7 @@ std::chrono::seconds duration() {
   return wanted == nullptr ? usual : std::chrono::seconds(std::atoi(wanted));
 }
 
-// Knows nothing but that the token has no place in a log; a minute of blocks would be too much to keep.
+// Checks only that the token is never logged; a minute of log blocks would take too much memory.
 class WatchfulConsole : public Console {
  public:
   void write(std::string_view block) override {
@@ -50,7 +49,7 @@ class WatchfulConsole : public Console {
   }
 };
 
-// One of the threads: what it calls with, and what it waits for.
+// One of the threads: its arguments and pending results.
 class Caller {
  public:
   Caller(World& world, unsigned seed) : world_(world), random_(seed) {}
@@ -61,7 +60,7 @@ class Caller {
   std::uint32_t below(std::uint32_t bound) { return random_() % bound; }
   bool chance() { return below(2) == 0; }
 
-  std::int64_t purpose() { return 1 + below(4); }  // the last is none of the configuration's
+  std::int64_t purpose() { return 1 + below(4); }  // the last one is not in the configuration
   VantariKey permission() {
     return chance() ? VantariKey(VantariKey::cameraUsageDescription) : VantariKey("com.example.other");
   }
@@ -80,10 +79,10 @@ class Caller {
     return options;
   }
 
-  // Ends the listening of before.
+  // Replaces the previous listener.
   void hold(Listening listening) { listening_ = std::move(listening); }
 
-  // A callback of any operation. It is waited for, be it that it is called or that it is dropped uncalled.
+  // A callback for any operation; waited for until it is called or dropped.
   auto callback() {
     auto called = std::make_shared<Called>();
     waited_ = called->promise.get_future();
@@ -116,13 +115,13 @@ class Caller {
 };
 
 struct Operation {
-  std::string_view name;  // as it is declared
+  std::string_view name;  // as declared
   void (*call)(ConsentSDK& sdk, Caller& caller);
 };
 
 void callAnything(ConsentSDK& sdk, Caller& caller);
 
-// One line for each declaration of the public header, overloads included.
+// One line per declaration of the public header, overloads included.
 constexpr Operation operations[] = {
     {"shared", [](auto&, auto&) { std::ignore = ConsentSDK::shared().getStatus(); }},
     {"ConsentSDK",
@@ -206,7 +205,7 @@ constexpr Operation operations[] = {
     {"uploadPendingConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.uploadPendingConsents()); }},
     {"checkConsents", [](auto& sdk, auto& caller) { sdk.checkConsents(caller.callback()); }},
     {"checkConsents", [](auto& sdk, auto& caller) { caller.wait(sdk.checkConsents()); }},
-    // Ready only once nobody calls any more.
+    // Becomes ready only after all calls have ended.
     {"settled", [](auto& sdk, auto&) { std::ignore = sdk.settled(); }},
     {"screens", [](auto& sdk, auto&) { std::ignore = sdk.screens(); }},
     {"isAllowed", [](auto& sdk, auto&) { std::ignore = sdk.isAllowed(1); }},
@@ -221,7 +220,7 @@ void callAnything(ConsentSDK& sdk, Caller& caller) {
   operations[withoutInstances + caller.below(std::size(operations) - withoutInstances)].call(sdk, caller);
 }
 
-// What the header declares within the class, in the order of the names.
+// The operations declared in the class, sorted by name.
 std::multiset<std::string> declaredOperations() {
   std::string text = fileBytes(std::string(QUILLON_PUBLIC_HEADERS) + "/ConsentSDK.h");
   text = std::regex_replace(text, std::regex("//[^\n]*"), "");
@@ -261,7 +260,7 @@ void changeSurroundings(Caller& caller) {
   }
 }
 
-// Declared first, since the shared instance is used to the end of the process.
+// Created first, since the shared instance is used until the process ends.
 const TemporaryFolder& sharedFolder() {
   static const TemporaryFolder folder;
   return folder;
@@ -269,7 +268,7 @@ const TemporaryFolder& sharedFolder() {
 
 TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
   (void)configure({.applicationId = "test", .dataDirectory = sharedFolder().path() / "shared"});
-  // In memory: a minute of commits would else be a minute of waiting for the disk.
+  // In memory: a minute of commits would otherwise mostly wait for the disk.
   const TemporaryFolder memory(TemporaryFolder::fastParent());
   World world(memory.path() / "data");
   world.amend = [presenter = std::make_shared<RecordingPresenter>()](Platform& platform) {
@@ -306,7 +305,7 @@ TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
   }
   RecordProperty("calls", std::to_string(calls));
 
-  // After all that it works as on the first day.
+  // Afterwards it works normally.
   world.settle();
   world.server.serve(validConfiguration());
   world.server.onUpload(json(saved));

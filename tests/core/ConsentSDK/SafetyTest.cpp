@@ -1,4 +1,4 @@
-// No consent that nobody gave, and no state without a way out: on a device in memory, where every state can be had.
+// Fail-closed behaviour, and a way out of every state, on an in-memory device on which every state can be reached.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -49,7 +49,7 @@ class Safety : public ::testing::Test {
   std::unique_ptr<ConsentSDK> sdk;
 };
 
-// Purpose 1 is optional, 2 essential, 3 bound to tracking where that is on; 9 is listed nowhere.
+// Purpose 1 is optional, 2 essential, 3 bound to tracking where enabled; 9 is not listed.
 TEST_F(Safety, NothingIsAllowedThatNobodyAllowed) {
   const auto allowed = [this] {
     std::string ids;
@@ -118,7 +118,7 @@ TEST_F(Safety, AGateFollowsEveryCauseInTurn) {
   sdk->acceptOrReject(true).wait();
   device.settle();
   sdk->set({.purposeId = 1}, declined);
-  sdk->set({.purposeId = 1}, granted);  // judged at the moment of the call
+  sdk->set({.purposeId = 1}, granted);  // evaluated at the moment of the call
   device.settle();
   EXPECT_EQ(calls, "e+");
   sdk->removeConsents();
@@ -184,7 +184,7 @@ TEST_F(Safety, OnlyAnExplicitAnswerIsCalledExplicit) {
   sdk->acceptOrReject(false).wait();
   EXPECT_EQ(lastUpload().at("implicit_consent"), false);
 
-  // A later default for a new purpose leaves the answer an answer.
+  // A later default for a new purpose does not change the given type.
   auto grown = validConfiguration();
   grown["version"] = 6;
   grown["re_consent_enabled"] = false;
@@ -342,7 +342,7 @@ TEST_F(Safety, AFirstLoadThatTakesLongerThanWantedIsNotWaitedFor) {
 TEST_F(Safety, MistakesInOptionsAreToldAndWhatHasOneMeaningIsUnderstood) {
   device.publish(documentOf("opt-in"));
   launch([](ConsentSDKOptions& options) {
-    options.cdnUrl.pop_back();  // its last slash
+    options.cdnUrl.pop_back();  // removes the trailing slash
     options.languageCode = "de_DE";
     options.locationCode = "us-ca";
   });

@@ -97,7 +97,7 @@ TEST(Readiness, ReportsEachDistinctStatusOnceToTheLastObserver) {
   EXPECT_EQ(second, (Reports{unavailable, fetching, ready}));
   EXPECT_EQ(first, Reports{unavailable}) << "a replaced observer hears nothing more";
   world.server.onConfiguration(json("{}", 500));
-  world.startLater();  // an old cache is tried anew and then used
+  world.startLater();  // an old cache is revalidated and then used
   world.settle();
   EXPECT_EQ(second, (Reports{unavailable, fetching, ready, fetching, ready}));
 

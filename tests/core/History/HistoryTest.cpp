@@ -1,4 +1,4 @@
-// What is kept of every decision.
+// The history of decisions.
 #include <gtest/gtest.h>
 
 #include <boost/json/serialize.hpp>

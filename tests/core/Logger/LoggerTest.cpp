@@ -78,7 +78,7 @@ TEST(LogText, HoldsNothingThatATerminalObeysOrThatMisleadsTheReader) {
   EXPECT_TRUE(escapedForLog(std::string(70'000, 'x')).ends_with("xx… (70000 bytes)"));
 }
 
-// What each of those who are not the SDK says, as an attacker would.
+// Hostile texts from every external source.
 TEST(LogText, NobodyOutsideForgesALine) {
   World world;
   const auto evil = [](const std::string& origin) { return "\nforged by " + origin + "\r\x1b[2J\u009b1m\u202e\u2028"; };

@@ -86,7 +86,7 @@ TEST_F(Requests, NeedAnAddress) {
             (NetworkError{Case::invalidURL, "http://h/consent/mobile_banner/a b\r\nX: y/a1/live/config.json"}));
 }
 
-// Configuration, location and uploads come from servers of their own; each answers with whatever it was told.
+// Configuration, location and uploads come from separate servers, which repeat the token they receive.
 TEST(AccessToken, GoesToTheApplicationServerAloneAndIntoNoLog) {
   World world;
   ConsentServer application, other;

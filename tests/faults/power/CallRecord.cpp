@@ -17,17 +17,17 @@ namespace quillon::test {
 namespace {
 
 std::atomic<bool> isRecording{false};
-std::mutex mutex;  // guards the two below
+std::mutex mutex;  // guards the two members below
 std::string recordedFolder;
 std::vector<DiskCall> calls;
 
-// Past the calls that are recorded.
+// Bypasses the recorded calls.
 std::uint64_t inode(int folder, const char* path, int flags) {
   struct stat status{};
   return ::syscall(SYS_newfstatat, folder, path, &status, flags) == 0 ? status.st_ino : 0;
 }
 
-// Its name in the folder, empty for the folder itself; nothing when it lies elsewhere.
+// The path's name in the folder, empty for the folder itself; nullopt outside it.
 std::optional<std::string> nameIn(std::string_view path) {
   if (!path.starts_with(recordedFolder)) return std::nullopt;
   path.remove_prefix(recordedFolder.size());

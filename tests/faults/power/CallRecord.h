@@ -1,4 +1,4 @@
-// The calls by which this process changes one folder and the files in it, in their order.
+// Records this process's changes to a folder and its files, in order.
 #pragma once
 
 #include <sys/types.h>
@@ -15,25 +15,24 @@ struct DiskCall {
 
   Kind kind;
   std::uint64_t file = 0;   // the number of its inode
-  std::string name;         // of the file, within the folder; of a rename, the new one; of a mark, what it says
+  std::string name;         // of the file in the folder; the new one of a rename; the text of a mark
   std::string before = {};  // of a rename
   std::uint64_t at = 0;     // of a write; of a resize, the new size
   std::string bytes = {};   // of a write
 };
 
-// From now on the calls of all threads on that folder are recorded. Files in it lie on a file system that gives no
-// inode number twice.
+// Starts recording all threads' calls on the folder. Its file system must never reuse inode numbers.
 void recordCalls(const std::filesystem::path& folder);
-// Puts a remark among the calls: what this process, or its user, knows from here on.
+// Adds a mark: what this process, or its user, knows from here on.
 void markCall(std::string text);
-// Ends the recording.
+// Stops recording and returns the calls.
 std::vector<DiskCall> recordedCalls();
 
-// For those who stand between the process and the system: what has just been done.
+// For the interposed functions: a call that was just made.
 namespace record {
 
 bool isOn();
-// Whether the path leads to something; asked before a call that may create it.
+// Whether the path exists; called before a call that may create it.
 bool isThere(const char* path);
 std::uint64_t inodeOf(const char* path);
 std::uint64_t positionOf(int file);

@@ -1,4 +1,4 @@
-// A folder on a disk, as far as a power cut is concerned: what is safe, and what is still under way.
+// A model of a folder on a disk for power cuts: durable content, and changes in flight.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,11 @@
 
 namespace quillon::test {
 
-// The files that a start finds, by name.
+// The files found at a start, by name.
 using DiskState = std::map<std::string, std::string>;
 
-// A disk keeps nothing but what was synced: content and size of a file by a sync of the file, names by a sync of the
-// folder. Of what is under way any part may have reached it, in any order; a rename does so as a whole.
+// Only synced changes are durable: a file's content and size by a sync of the file, names by a sync of the folder. Any
+// part of the changes in flight may have reached the disk, in any order; renames are atomic.
 class Disk {
  public:
   // A write or a new size.
@@ -28,14 +28,14 @@ class Disk {
     std::string safe;
     std::vector<Change> pending;
   };
-  // What a name leads to, and with it what another one no longer does.
+  // A name's target, which the previous name loses.
   struct Naming {
     std::string name;
-    std::uint64_t file;  // 0: nothing
+    std::uint64_t file;  // 0: none
     std::string noLonger = {};
   };
 
-  // What lies there is safe.
+  // The existing content is durable.
   explicit Disk(const std::filesystem::path& folder);
 
   void apply(const DiskCall& call);
@@ -50,7 +50,7 @@ class Disk {
   std::vector<Naming> pendingNames_;
 };
 
-// A change carried out on a content.
+// Applies a change to a content.
 void carryOut(const Disk::Change& change, std::string& content);
 void carryOut(const Disk::Naming& naming, std::map<std::string, std::uint64_t>& names);
 

@@ -21,7 +21,7 @@
 namespace quillon::test {
 namespace {
 
-// Passes everything on and keeps what was acknowledged.
+// Forwards all calls and records acknowledged updates.
 class ChronicledSuite : public KeyValueSuite {
  public:
   ChronicledSuite(std::shared_ptr<KeyValueSuite> suite, Chronicle& chronicle)

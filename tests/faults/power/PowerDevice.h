@@ -1,4 +1,4 @@
-// One process of an application over a folder: real store, files and SDK; nothing runs but what is told to.
+// One process of an application on a folder: real store, files and SDK; work runs only on demand.
 #pragma once
 
 #include <filesystem>
@@ -16,7 +16,7 @@
 
 namespace quillon::test {
 
-// All that a suite holds at a moment.
+// A suite's complete content.
 struct SuiteImage {
   SuiteEntries entries;
   std::vector<JournalRecord> journal;
@@ -26,23 +26,23 @@ struct SuiteImage {
 
 [[nodiscard]] SuiteImage imageOf(const KeyValueSuite& suite);
 
-// What the suite held after each update that was acknowledged, of all processes that tell it; the calls recorded are
-// marked "begun" and "acknowledged".
+// The suite's content after each acknowledged update of all recorded processes; recorded calls are marked "begun" and
+// "acknowledged".
 struct Chronicle {
   std::vector<SuiteImage> images;
 };
 
 class PowerDevice {
  public:
-  // With a chronicle, whatever the suite acknowledges is added to it.
+  // Acknowledged updates are added to the chronicle, if given.
   explicit PowerDevice(const std::filesystem::path& data, Chronicle* chronicle = nullptr);
   ~PowerDevice();
 
   std::shared_ptr<KeyValueSuite> suite();
 
-  // The configuration that the server has, with so many purposes; that many are decided upon by the application.
+  // Publishes a configuration with `purposes` purposes.
   void publish(std::int64_t version, int purposes = 3, bool isOptOut = false);
-  // Sets the SDK up and lets everything run.
+  // Sets the SDK up and runs all work.
   void start();
   ConsentSDK& sdk();
   void run() { executors_->runUntilIdle(); }

@@ -1,5 +1,5 @@
-// The power goes in the midst of a run, at every moment, and the next start finds one of the states that the disk may
-// be in: whatever was acknowledged is there, whole, and nothing is granted that was not.
+// A power cut at every moment of a run; the next start finds one of the possible disk states: every acknowledged update
+// is complete, and nothing is granted that was not.
 #include <algorithm>
 #include <fstream>
 #include <set>
@@ -16,14 +16,14 @@ namespace {
 
 using Calls = std::vector<DiskCall>;
 
-// How thoroughly.
+// The thoroughness.
 struct Effort {
   std::size_t combinations;  // see forEachState
-  std::size_t oneOf = 1;     // of the states so many, told by their content, are left out but for one
-  std::size_t enough = 5;    // faults, and it ends
+  std::size_t oneOf = 1;     // test one state in so many, selected by content
+  std::size_t enough = 5;    // stop after this many faults
 };
 
-// What was done in a run, and the disk before it.
+// The recorded calls of a run, and the disk before it.
 struct Recorded {
   Disk disk;
   Calls calls;
@@ -37,7 +37,7 @@ Recorded record(const PowerRun& run) {
   run.prepare(data);
   Recorded recorded{Disk(data), {}, {}};
   {
-    // A look at a copy: the run is to find everything as it was left.
+    // Reads a copy, so that the run finds the original untouched.
     const auto copy = place.path() / "copy";
     std::filesystem::copy(data, copy);
     recorded.images.push_back(imageOf(*PowerDevice(copy).suite()));
@@ -62,7 +62,7 @@ void layOut(const DiskState& state, const std::filesystem::path& data) {
   for (const auto& [name, content] : state) setFileBytes(data / name, content);
 }
 
-// Opens a state with the real SDK; what is wrong with it, or nothing.
+// Opens a state with the real SDK; returns the fault, empty if none.
 std::string fault(const PowerRun& run, const DiskState& state, const std::filesystem::path& data,
                   const SuiteImage& acknowledged, const SuiteImage& underWay) try {
   layOut(state, data);
@@ -158,7 +158,7 @@ bool isSyncOf(const DiskCall& call, std::string_view suffix) {
   return call.kind == DiskCall::Kind::syncFile && call.name.ends_with(suffix);
 }
 
-// Takes out of a record what an SDK with a fault in it would not have done.
+// Removes calls from a recording that a faulty SDK would omit.
 struct Planted {
   std::string_view fault;
   std::string_view run;

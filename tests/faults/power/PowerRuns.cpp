@@ -39,7 +39,7 @@ Path storeIn(const Path& data) {
   return data / "quillon-cmp-sdk.sqlite";
 }
 
-// As somebody with the sqlite3 shell would.
+// Runs SQL, as in the sqlite3 shell.
 void sql(const Path& data, const char* statement) {
   sqlite3* connection = nullptr;
   const bool done = sqlite3_open(storeIn(data).c_str(), &connection) == SQLITE_OK &&
@@ -48,7 +48,7 @@ void sql(const Path& data, const char* statement) {
   if (!done) throw std::runtime_error("the store could not be tampered with");
 }
 
-// Under a law whose default is a consent.
+// Under a compliance type whose default is granted.
 void refused(const Path& data) {
   install(data, 3, true);
   PowerDevice device(data);
@@ -93,7 +93,7 @@ constexpr PowerRun runs[] = {
     {"power-configuration", "a new configuration over an old one",
      [](const Path& data) {
        install(data);
-       // So long ago that it serves no more without a question.
+       // Old enough that it needs a request before use.
        PowerDevice device(data);
        const auto aged = [](const SuiteEntries&) { return SuiteChanges{{"CDN_CACHED_TIMESTAMP", std::int64_t{1}}}; };
        if (!device.suite()->update(aged)) throw std::runtime_error("the store could not be prepared");

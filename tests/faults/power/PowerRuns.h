@@ -1,4 +1,4 @@
-// Runs of an application in the midst of which the power may go.
+// Application runs for power cuts.
 #pragma once
 
 #include <filesystem>
@@ -12,11 +12,11 @@ namespace quillon::test {
 struct PowerRun {
   std::string_view name;  // for --only
   std::string_view what;
-  // Before it, with everything safe on the disk.
+  // Prepares durable data on the disk.
   void (*prepare)(const std::filesystem::path& data);
-  // The run, told to the chronicle.
+  // The run, recorded in the chronicle.
   void (*perform)(const std::filesystem::path& data, Chronicle& chronicle);
-  bool isDamaged = false;  // the store, when the run begins: it has to say so, and nothing that was lost is granted
+  bool isDamaged = false;  // the store is damaged before the run: it must report so, and no lost entry is granted
 };
 
 std::span<const PowerRun> powerRuns();

@@ -8,11 +8,11 @@ namespace quillon::test {
 namespace {
 
 using Names = std::map<std::string, std::uint64_t>;
-using Subset = std::vector<bool>;  // of the parts, in their order
+using Subset = std::vector<bool>;  // of the parts, in order
 
 constexpr std::size_t fewParts = 6;
 
-// Nothing comes first and all comes second.
+// The empty subset is first, the full one second.
 std::vector<Subset> subsets(std::size_t parts, std::size_t atRandom, std::mt19937& random) {
   std::vector<Subset> chosen{Subset(parts, false), Subset(parts, true)};
   if (parts <= fewParts) {
@@ -34,7 +34,7 @@ std::vector<Subset> subsets(std::size_t parts, std::size_t atRandom, std::mt1993
   return chosen;
 }
 
-// The changes with each write cut at the ends of sectors.
+// Splits each write at sector boundaries.
 std::vector<Disk::Change> torn(const std::vector<Disk::Change>& changes, std::uint64_t sectorBytes) {
   std::vector<Disk::Change> parts;
   for (const auto& change : changes) {
@@ -64,7 +64,7 @@ std::vector<std::string> contents(const Disk::File& file, std::size_t atRandom, 
   std::size_t parts = 0;
   for (const auto sectorBytes : {std::uint64_t{1} << 40, std::uint64_t{4096}, std::uint64_t{512}}) {
     const auto changes = torn(file.pending, sectorBytes);
-    if (changes.size() == parts) continue;  // coarser sectors have cut no more
+    if (changes.size() == parts) continue;  // coarser sectors split nothing
     parts = changes.size();
     for (const auto& subset : subsets(parts, atRandom, random)) {
       std::string content = file.safe;
@@ -135,7 +135,7 @@ void forEachState(const Disk& disk, std::size_t combinations, std::mt19937& rand
     }
     return;
   }
-  // Nothing and all of the others.
+  // None and all of the others.
   for (const std::size_t extreme : {0, 1}) {
     const auto others = [&](auto, std::size_t count) { return std::min(extreme, count - 1); };
     for (const auto& naming : names) build(naming, others);

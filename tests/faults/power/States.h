@@ -1,4 +1,4 @@
-// The states in which a power cut may leave a disk.
+// The possible disk states after a power cut.
 #pragma once
 
 #include <cstddef>
@@ -9,11 +9,11 @@
 
 namespace quillon::test {
 
-// Visits states that the disk may be in when the power goes now. Of what is under way: nothing, all, each part alone,
-// all but each part, each first parts, every subset of few parts, and subsets at random; a write counts as one part,
-// and as its sectors of 512 or 4096 bytes, and the size of a file may be the one before or the one after. Where names
-// and several files are under way, every combination is visited when there are at most so many, else each choice with
-// the extremes of the others and so many combinations at random. A state may be visited more than once.
+// Visits the states that the disk may be in after a power cut now. Of the changes in flight: none, all, each part
+// alone, all but each part, each prefix, every subset of few parts, and random subsets. A write counts as one part, and
+// as its sectors of 512 or 4096 bytes; a file's size may be the old or the new one. If names and several files are in
+// flight, visits every combination up to `combinations`, else each choice with the extremes of the others and that many
+// random combinations. A state may be visited more than once.
 void forEachState(const Disk& disk, std::size_t combinations, std::mt19937& random,
                   const std::function<void(const DiskState& state)>& visit);
 
