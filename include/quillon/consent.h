@@ -77,9 +77,7 @@ typedef struct quillon_platform {
   const char* vendor_url;
   /** Posts a job to the main loop, which must call `job(job_context)` exactly once, in order. Called from any thread.
    * Default: an SDK thread is the main queue. */
-  *Without one,
-      a thread of the SDK's own is the main queue. */ void (*post_to_main_queue)(void (*job)(void* job_context),
-                                                                                 void* job_context, void* context);
+  void (*post_to_main_queue)(void (*job)(void* job_context), void* job_context, void* context);
   void* post_context;
   /** Receives the consent-mode signals after every change, on an SDK thread. */
   void (*consent_sink)(const quillon_signal* signals, size_t count, void* context);
