@@ -27,8 +27,8 @@ class Traffic {
     }
     // After 15, 45, 105 ... seconds, and the first time.
     constexpr std::size_t retries = 9;
-    // A document may be asked for in a language, in none, and once more without the tag of another one.
-    constexpr std::size_t requestsOfACheck = 3;
+    // A document may be asked for in a language and in none, and both once more without the tag of another one.
+    constexpr std::size_t requestsOfACheck = 4;
     const auto checks = static_cast<std::size_t>(hour / checkInterval_ + 1);
     return requests.size() > requestsOfACheck * (checks + 2 * acts_.size() + retries);
   }
