@@ -13,7 +13,7 @@ class DeviceExecutors::Background : public Executor {
     const std::scoped_lock lock(mutex_);
     if (closed_) return;
     jobs_.push_back(std::move(job));
-    changed_.notify_all();
+    if (!busy_) changed_.notify_all();  // the thread that is at work looks for more by itself
   }
 
   void run() {
@@ -29,7 +29,7 @@ class DeviceExecutors::Background : public Executor {
       job = nullptr;  // destroys its captures before the queue counts as idle
       lock.lock();
       busy_ = false;
-      changed_.notify_all();
+      if (jobs_.empty()) changed_.notify_all();
     }
   }
 

@@ -48,8 +48,8 @@ bool keepBackSignals(PostConsentsRequest& request) {
   return true;
 }
 
-std::int64_t newestNumber(const std::vector<JournalRecord>& unmarked) {
-  return unmarked.empty() ? 0 : unmarked.front().number;
+JournalRecord newestOf(const std::vector<JournalRecord>& unmarked) {
+  return unmarked.empty() ? JournalRecord() : unmarked.front();
 }
 
 // Each subject with the number of its newest decision; 0 without a history entry.
@@ -97,8 +97,13 @@ Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
     const NewestDecisions newest = newestDecisions(reading->unmarked);
     if (trigger == Trigger::automatic && !isDue(stored, newest, configuration)) co_return false;
     PostConsentsRequest upload = request(*session, stored, configuration);
+    if (upload.uuid.empty()) {
+      // Under an identifier that is not stored nobody would find the consents again; a check retries.
+      s_.answered();
+      co_return false;
+    }
     const bool isAll = !keepBackSignals(upload);
-    Sent sent{numbered(subjectsOf(upload), newest), newestNumber(reading->unmarked)};
+    Sent sent{numbered(subjectsOf(upload), newest), newestOf(reading->unmarked), upload.uuid};
     const bool isAccepted = co_await send(session->options.appUrl, std::move(upload), std::move(sent));
     if (!isAccepted || isAll) co_return isAccepted;
   }
@@ -112,8 +117,9 @@ Task<void> ConsentUploader::upload(std::string url, PostConsentsRequest request)
   takeTurn(turn);  // sent in any case: the application decides when
   Sent sent;
   if (const auto reading = s_.store.read()) {
-    sent = {numbered(pendingSubjects(StoredValues(*reading->entries)), newestDecisions(reading->unmarked)),
-            newestNumber(reading->unmarked)};
+    const StoredValues stored(*reading->entries);
+    sent = {numbered(pendingSubjects(stored), newestDecisions(reading->unmarked)), newestOf(reading->unmarked),
+            stored.string(key::subjectId, {})};
   }
   co_await send(std::move(url), std::move(request), std::move(sent));
 }
@@ -158,12 +164,19 @@ Task<bool> ConsentUploader::send(std::string url, PostConsentsRequest request, S
   co_return isAccepted;
 }
 
+bool ConsentUploader::isOfSameHistory(const Sent& sent, const StoredValues& stored,
+                                      const std::vector<JournalRecord>& unmarked) {
+  if (stored.string(key::subjectId, {}) != sent.subject) return false;
+  return sent.newest.number == 0 || std::ranges::find(unmarked, sent.newest) != unmarked.end();
+}
+
 void ConsentUploader::applyAnswer(const GenericResponse& response, const PostConsentsRequest& request,
                                   const Sent& sent) {
   s_.store.markOutcomes([&](StoreTransaction& transaction, const std::vector<JournalRecord>& unmarked) {
+    if (!isOfSameHistory(sent, transaction, unmarked)) return;  // the present decisions were not sent
     transaction.set(key::uploadConsentRequestPending, response.status == statusFailed);
     if (response.status != statusAccepted && response.status != statusFailed) {
-      transaction.set(key::uploadRefusedUpTo, sent.newest);
+      transaction.set(key::uploadRefusedUpTo, sent.newest.number);
     }
     if (response.status != statusAccepted) return;
     transaction.remove(key::uploadRefusedUpTo);

@@ -19,7 +19,7 @@ class ConsentUploader {
   struct Services : Foundation {
     ServerApi& server;
     ConfigurationLoader& loader;
-    std::function<void()> answered;  // called after every accepted or failed upload
+    std::function<void()> answered;  // called after every upload that was accepted, failed or not possible
   };
   explicit ConsentUploader(Services services) : s_(std::move(services)) {}
 
@@ -47,7 +47,8 @@ class ConsentUploader {
   // The decisions an upload carries, to detect changes made during it.
   struct Sent {
     NewestDecisions decisions;
-    std::int64_t newest = 0;  // history number when the request was made
+    JournalRecord newest;  // history entry when the request was made; number 0 without one
+    std::string subject;   // stored identifier when the request was made
   };
 
   // Whether this process may upload. Also true, without a turn, once another process has held the turn for longer than
@@ -56,6 +57,8 @@ class ConsentUploader {
   PostConsentsRequest request(const Session& session, const StoredValues& stored,
                               const ConfigurationPointer& configuration);
   Task<bool> send(std::string url, PostConsentsRequest request, Sent sent);
+  // False once the consents were removed during the upload: the history then counts from 1 again.
+  static bool isOfSameHistory(const Sent& sent, const StoredValues& stored, const std::vector<JournalRecord>& unmarked);
   void applyAnswer(const GenericResponse& response, const PostConsentsRequest& request, const Sent& sent);
   bool isDue(const StoredValues& stored, const NewestDecisions& newest,
              const ConfigurationPointer& configuration) const;

@@ -17,6 +17,22 @@ std::vector<JournalRecord> unmarkedOf(const std::deque<JournalRecord>& journal) 
   return unmarked;
 }
 
+bool holds(const SuiteEntries& entries, std::string_view key, const std::optional<PropertyValue>& value) {
+  const auto found = entries.find(key);
+  return found == entries.end() ? !value : value && found->second == *value;
+}
+
+SuiteEntries changed(SuiteEntries entries, SuiteChanges changes) {
+  for (auto& [key, value] : changes) {
+    if (value) {
+      entries.insert_or_assign(key, std::move(*value));
+    } else {
+      entries.erase(key);
+    }
+  }
+  return entries;
+}
+
 void writeMarks(std::deque<JournalRecord>& journal, const std::map<std::int64_t, std::string>& marks) {
   for (auto& record : journal) {
     const auto mark = marks.find(record.number);
@@ -42,21 +58,18 @@ std::shared_ptr<const SuiteEntries> MemorySuite::Content::snapshot() const {
 
 std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) {
   std::lock_guard turn(writersMutex_);
-  auto entries = *snapshot();
-  SuiteUpdate update = edit(entries);
-  update.complete(unmarkedOf(journal_));
-  for (auto& [key, value] : update.changes) {
-    if (key.empty()) return std::unexpected("a key is empty");
-    if (value) {
-      entries.insert_or_assign(key, std::move(*value));
-    } else {
-      entries.erase(key);
-    }
-  }
+  const auto current = snapshot();
+  SuiteUpdate update = edit(*current);
+  if (update.markRecords) update.complete(unmarkedOf(journal_));
+  if (update.changes.contains("")) return std::unexpected("a key is empty");
   for (const auto& text : update.appended) {
     if (text.size() > maximumJournalTextBytes) return std::unexpected("a journal record is too long");
   }
-  auto next = std::make_shared<const SuiteEntries>(std::move(entries));
+  // Most updates change nothing, so the content is copied only when they do.
+  std::erase_if(update.changes, [&](const auto& change) { return holds(*current, change.first, change.second); });
+  auto next = update.changes.empty()
+                  ? current
+                  : std::make_shared<const SuiteEntries>(changed(*current, std::move(update.changes)));
   if (update.clearsJournal) journal_.clear();
   if (!update.marks.empty()) writeMarks(journal_, update.marks);
   append(journal_, std::move(update.appended));

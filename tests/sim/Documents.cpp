@@ -8,7 +8,7 @@
 namespace quillon::sim {
 namespace {
 
-constexpr int howMany = 7;
+constexpr int howMany = 8;
 
 Law anyLaw(Choices& choices) {
   return choices.oneIn(2) ? Law::optIn : choices.oneIn(3) ? Law::noticeOnly : Law::optOut;
@@ -60,7 +60,8 @@ std::string Document::json() const {
     text += "}}";
   }
   if (!analytics.empty()) {
-    text += R"(,"is_gcm_enabled":true,"gcm_config":{"default_mapping":{"analytics_storage":)" + listText(analytics) + "}}";
+    text +=
+        R"(,"is_gcm_enabled":true,"gcm_config":{"default_mapping":{"analytics_storage":)" + listText(analytics) + "}}";
   }
   return text + "}";
 }
@@ -110,6 +111,7 @@ std::vector<Document> makeDocuments(Choices choices) {
     if (!document.analytics.empty() && choices.oneIn(2)) document.analytics.push_back(3);
     document.hasPermission = choices.oneIn(2);
     documents.push_back(std::move(document));
+    if (version == howMany) documents.back().asksAgain = false;
   }
   return documents;
 }

@@ -36,7 +36,7 @@ struct Document {
   [[nodiscard]] std::string json() const;
 };
 
-// Documents that differ in all that matters.
+// Documents that differ in all that matters. The last one, newer than all, is for the end.
 [[nodiscard]] std::vector<Document> makeDocuments(Choices choices);
 
 // After which the banner comes again; a text that says nothing means twelve months.

@@ -72,16 +72,14 @@ bool Model::allowsUndecided(const Life& life, int version, int purpose) const {
          std::ranges::any_of(lawsOf(terms, life), [](Law law) { return law != Law::optIn; });
 }
 
-void Model::began(int owner) {
-  std::erase_if(lives_, [](const auto& life) { return life.second.isEnded; });
-  lives_[owner] = {};
-}
-
 void Model::setUp(int owner, const SessionView& session) {
   Life& life = lives_.at(owner);
-  if (life.isClosed) return;
-  const bool isSameApplication = life.isSetUp && life.session.application == session.application &&
-                                 life.session.channel == session.channel;
+  if (life.isClosed) {
+    life.session = session;
+    return;
+  }
+  const bool isSameApplication =
+      life.isSetUp && life.session.application == session.application && life.session.channel == session.channel;
   if (!isSameApplication) {
     life.versions.clear();
     life.places.clear();
@@ -115,13 +113,11 @@ void Model::diskHolds(std::optional<int> version) {
 void Model::settled(int owner) {
   Life& life = lives_.at(owner);
   if (applications_.size() > 1) return;
-  if (disk_) {
-    life.versions = {*disk_};
-  } else if (life.session.bundled) {
-    life.versions = {*life.session.bundled};
-  } else {
-    return;
-  }
+  if (!disk_ && !life.session.bundled) return;
+  life.versions.clear();
+  if (disk_) life.versions.insert(*disk_);
+  // It is at hand as soon as the file is not.
+  if (life.session.bundled) life.versions.insert(*life.session.bundled);
   life.places = {life.session.place};
   life.isCertain = true;
 }
@@ -130,7 +126,8 @@ bool Model::isDefault(int purpose, const std::string& status, const StoreView& b
   std::set<std::string> laws = lawsInForce();
   // With several processes, what one records may be under the law that another has stored.
   if (lives_.size() > 1) laws.insert({before.law, after.law});
-  const bool mayGrant = std::ranges::any_of(laws, [](const auto& law) { return !law.empty() && law != textOf(Law::optIn); });
+  const bool mayGrant =
+      std::ranges::any_of(laws, [](const auto& law) { return !law.empty() && law != textOf(Law::optIn); });
   for (const int version : everywhere()) {
     const Document& terms = document(version);
     if (!terms.lists(purpose)) continue;
@@ -187,8 +184,10 @@ bool Model::isEffect(const ActReport& act, const StoreView& before, const StoreV
     }
     case Effect::answer:
     case Effect::save: {
-      std::set<int> at = lives_.at(act.owner).versions;
+      const Life& life = lives_.at(act.owner);
+      std::set<int> at = life.versions;
       if (disk_) at.insert(*disk_);
+      if (life.session.bundled) at.insert(*life.session.bundled);
       return after.given == explicitly &&
              std::ranges::any_of(at, [&](int version) { return isAnswerBy(document(version), act, before, after); });
     }
@@ -197,16 +196,14 @@ bool Model::isEffect(const ActReport& act, const StoreView& before, const StoreV
              std::ranges::all_of(purposes, [&](int purpose) {
                const auto status = after.decision(purpose);
                return status == before.decision(purpose) ||
-                      (!before.decision(purpose) && (isDefault(purpose, *status, before, after) ||
-                                                     isFollowingTracking(purpose, *status)));
+                      (!before.decision(purpose) &&
+                       (isDefault(purpose, *status, before, after) || isFollowingTracking(purpose, *status)));
              });
     case Effect::removal:
       return after.decisions.empty() && after.given == noAction;
     case Effect::bannerTest:
       return before.decisions == after.decisions && after.isBannerPresent && after.shown &&
              (after.given == before.given || (before.given == implicitly && after.given == explicitly));
-    case Effect::bannerGone:
-      return isSame(before, after) && !after.isBannerPresent;
   }
   return false;
 }
@@ -219,8 +216,8 @@ void Model::judgeAct(const ActReport& act, const StoreView& before, const StoreV
       act.effect == Effect::answer || act.effect == Effect::save || act.effect == Effect::defaults;
   if (needsDocument && !act.result && (!disk_ || applications_.size() > 1)) mayBeUndone = true;
   // A test whose answer is no may still promote defaults, as one whose answer is yes does.
-  const bool isPromotion = act.effect == Effect::bannerTest && before.given == implicitly && after.given == explicitly &&
-                           before.decisions == after.decisions;
+  const bool isPromotion = act.effect == Effect::bannerTest && before.given == implicitly &&
+                           after.given == explicitly && before.decisions == after.decisions;
   if (!(isDone && act.result != false) && !(mayBeUndone && (isSame(before, after) || isPromotion)) &&
       !(act.wasDisturbed && isDone)) {
     trail_.fail(1, "the act has not the effect that it must have");
@@ -302,7 +299,7 @@ void Model::judgeAnswers(int owner, const Answers& answers, const StoreView& sto
     }
     if (!isAllowed && !isTracked && decision == granted) wrong(1, purpose, "isAllowed says no");
   }
-  if (answers.isReady && life.versions.empty()) trail_.fail(10, "ready without any document");
+  if (answers.isQuiet && answers.isReady && life.versions.empty()) trail_.fail(10, "ready without any document");
   bool isNear = false;
   const bool isDue = isBannerDue(store, now, isNear);
   if (answers.isBannerDue && (life.isClosed || life.versions.empty() || (!isDue && !isNear))) {
@@ -336,7 +333,8 @@ void Model::uploadSent(int owner, const Upload& upload, const StoreView& store) 
                          wordFor(store.decision(purpose)));
     }
   }
-  if (upload.isImplicit != (store.given != explicitly)) trail_.fail(5, sender + " says how consents were given wrongly");
+  if (upload.isImplicit != (store.given != explicitly))
+    trail_.fail(5, sender + " says how consents were given wrongly");
   if (upload.subject.empty() || upload.subject != store.subject) trail_.fail(5, sender + " has another subject");
 }
 

@@ -9,50 +9,22 @@
 #include <vector>
 
 #include "tests/sim/Documents.h"
+#include "tests/sim/Reports.h"
 #include "tests/sim/Servers.h"
 #include "tests/sim/StoreView.h"
 #include "tests/sim/Trail.h"
 
 namespace quillon::sim {
 
-// What a process was set up with, as far as it decides which document is in force.
-struct SessionView {
-  std::string application = "a";
-  std::string channel = "live";
-  std::optional<std::string> place;
-  std::optional<int> bundled;  // version
-  bool operator==(const SessionView&) const = default;
-};
-
-// What one process answers at one moment.
-struct Answers {
-  bool isReady = false;
-  std::map<int, std::string> get;
-  std::map<int, bool> isAllowed;
-  std::map<int, bool> isDecided;
-  bool isBannerDue = false;  // as it is explained
-};
-
-// What an act may change in the store before it returns.
-enum class Effect { nothing, decision, answer, save, defaults, removal, bannerTest, bannerGone };
-
-struct ActReport {
-  int owner = 0;
-  Effect effect = Effect::nothing;
-  std::map<int, std::string> chosen = {};  // by the user, where it is about single purposes
-  bool accepts = false;               // for an answer
-  std::optional<bool> result = {};         // what the call answered, where it does
-  bool wasDisturbed = false;          // an update failed, or the process ended, within the call
-};
-
 class Model {
  public:
   Model(const std::vector<Document>& documents, Trail& trail) : documents_(documents), trail_(trail) {}
 
   // What happens to the processes and around them.
-  void began(int owner);
-  // What it was about to do may still be judged.
+  void began(int owner) { lives_[owner] = {}; }
+  // What it had under way may still be done.
   void ended(int owner) { lives_.at(owner).isEnded = true; }
+  void forget(int owner) { lives_.erase(owner); }
   void closed(int owner) { lives_.at(owner).isClosed = true; }
   void setUp(int owner, const SessionView& session);
   void delivered(int owner, const std::string& url, int version);

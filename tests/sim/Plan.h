@@ -36,8 +36,9 @@ enum class Act {
   failRequest,
   failStore,
   failFile,
+  tamper,  // writes a consent into the store past the SDK: no plan has it, but those that show that it is found
 };
-inline constexpr std::size_t actCount = static_cast<std::size_t>(Act::failFile) + 1;
+inline constexpr std::size_t actCount = static_cast<std::size_t>(Act::tamper) + 1;
 [[nodiscard]] const char* nameOf(Act act);
 
 // One act. The numbers say which, as far as the act has variants; each takes what it needs of them, so that a step means

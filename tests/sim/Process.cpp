@@ -187,7 +187,7 @@ void Process::kill(bool arrives) {
 }
 
 void Process::decide(unsigned what, unsigned how, ActReport& report) {
-  constexpr std::array statuses{ConsentStatus::granted, ConsentStatus::declined, ConsentStatus::granted,
+  constexpr std::array statuses{ConsentStatus::granted,  ConsentStatus::declined,  ConsentStatus::granted,
                                 ConsentStatus::declined, ConsentStatus::withDrawn, ConsentStatus::notDetermined};
   const int purpose = purposes[what % purposes.size()];
   const ConsentStatus status = statuses[how % (how % 4 == 0 ? statuses.size() : 2)];
@@ -352,6 +352,7 @@ void Process::hold(unsigned what) {
 
 Answers Process::answers() const {
   Answers answers;
+  answers.isQuiet = isQuiet();
   answers.isReady = sdk_->getStatus() == SDKStatus::ready;
   for (const int purpose : purposes) {
     answers.get[purpose] = words(sdk_->get(purpose));

@@ -47,9 +47,8 @@ bool Scheduler::runOne(Choices* choices) {
   if (jobs_.empty()) return false;
   auto chosen = jobs_.begin() + (choices ? static_cast<std::ptrdiff_t>(choices->below(jobs_.size())) : 0);
   if (chosen->lane != unordered) {
-    chosen = std::ranges::find_if(jobs_, [&](const Entry& entry) {
-      return entry.owner == chosen->owner && entry.lane == chosen->lane;
-    });
+    chosen = std::ranges::find_if(
+        jobs_, [&](const Entry& entry) { return entry.owner == chosen->owner && entry.lane == chosen->lane; });
   }
   Job job = std::move(chosen->job);
   jobs_.erase(chosen);

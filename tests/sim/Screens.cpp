@@ -98,7 +98,8 @@ void Screens::judge(const Preferences& preferences) const {
   for (const Purpose& purpose : preferences.model->purposes.get()) {
     const int id = static_cast<int>(*purpose.purposeId);
     const std::string status(rawValue(purpose.consentStatus.value_or(ConsentStatus::notDetermined)));
-    if (id != trackedPurpose && !around_.wasStored(preferences.openedAt > 0 ? preferences.openedAt - 1 : 0, id, status)) {
+    if (id != trackedPurpose &&
+        !around_.wasStored(preferences.openedAt > 0 ? preferences.openedAt - 1 : 0, id, status)) {
       around_.trail.fail(1, "the preference centre says " + status + " of purpose " + std::to_string(id));
     }
   }

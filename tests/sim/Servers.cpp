@@ -183,9 +183,10 @@ HttpResponse Servers::answerTo(Exchange& exchange) {
       const auto hash = place.find('#');
       const std::string country = place.substr(0, hash);
       const std::string state = hash == std::string::npos ? "" : place.substr(hash + 1);
-      response.body = R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},"CountryISOCode":{"en":")" +
-                      country + R"("},"Language":{},"Location":{},"RegisteredCountry":{},"State":{},"StateISOCode":{"en":")" +
-                      state + R"("}}})";
+      response.body =
+          R"({"status":0,"message":"","data":{"City":{},"Continent":{},"Country":{},"CountryISOCode":{"en":")" +
+          country + R"("},"Language":{},"Location":{},"RegisteredCountry":{},"State":{},"StateISOCode":{"en":")" +
+          state + R"("}}})";
       break;
     }
     case Server::uploads: {
@@ -218,17 +219,23 @@ std::string Servers::documentFor(Exchange& exchange, HttpResponse& response) {
   return document.json();
 }
 
+std::string Servers::lineAbout(const Exchange& exchange, const std::expected<HttpResponse, TransportError>& outcome) {
+  std::string line = "  p" + std::to_string(exchange.owner) + " " + exchange.request.method + " " +
+                     exchange.request.url.substr(std::string_view(address).size());
+  if (exchange.server == Server::uploads) {
+    line += " of " + exchange.upload.subject.substr(0, 8) + (exchange.upload.isImplicit ? " implicit" : " explicit");
+    for (const auto& [purpose, status] : exchange.upload.purposes) line += " " + std::to_string(purpose) + "=" + status;
+  }
+  return line + ": " + (outcome ? std::to_string(outcome->status.value_or(0)) : outcome.error().description);
+}
+
 void Servers::complete(const Pointer& exchange, std::expected<HttpResponse, TransportError> outcome) {
   if (std::exchange(exchange->isOver, true)) return;
   std::erase(underWay_, exchange);
   exchange->limit.reset();
   exchange->delay.reset();
   if (!outcome || exchange->fault) events_.disturbed();
-  if (events_.noted) {
-    events_.noted("  p" + std::to_string(exchange->owner) + " " + exchange->request.method + " " +
-                  exchange->request.url.substr(std::string_view(address).size()) + ": " +
-                  (outcome ? std::to_string(outcome->status.value_or(0)) : outcome.error().description));
-  }
+  if (events_.noted) events_.noted(lineAbout(*exchange, outcome));
   if (outcome && exchange->version) {
     events_.configurationDelivered(exchange->owner, exchange->request.url, *exchange->version);
   }

@@ -85,6 +85,7 @@ class Servers {
   void arrive(const Pointer& exchange);
   HttpResponse answerTo(Exchange& exchange);
   std::string documentFor(Exchange& exchange, HttpResponse& response);
+  static std::string lineAbout(const Exchange& exchange, const std::expected<HttpResponse, TransportError>& outcome);
   void complete(const Pointer& exchange, std::expected<HttpResponse, TransportError> outcome);
 
   const std::shared_ptr<Scheduler> scheduler_;

@@ -32,6 +32,7 @@ StoreView viewOf(const SuiteEntries& entries) {
   read<std::vector<std::string>>(entries, "PENDING_PERMISSIONS_LIST", permissions);
   view.isAnyPermissionPending = !permissions.empty();
   read<bool>(entries, "UPLOAD_CONSENT_REQUEST_PENDING", view.hasUploadFailed);
+  view.isRefused = entries.contains("UPLOAD_REFUSED_UP_TO");
   read<std::string>(entries, "SUBJECT_ID", view.subject);
   return view;
 }

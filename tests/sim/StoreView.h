@@ -22,6 +22,7 @@ struct StoreView {
   std::vector<std::int64_t> pending;
   bool isAnyPermissionPending = false;
   bool hasUploadFailed = false;
+  bool isRefused = false;  // the server does not want what is pending
   std::string subject;
 
   [[nodiscard]] std::optional<std::string> decision(int purpose) const {

@@ -10,7 +10,10 @@ constexpr WallTime start{std::chrono::seconds(1'735'732'800)};
 
 Servers::Events eventsOf(Surroundings& world) {
   Servers::Events events;
-  events.asked = [](int, Server) {};
+  events.asked = [&world](int owner, Server server) {
+    if (!world.traffic.isTooMuch(owner, server, world.elapsed())) return;
+    world.trail.fail(8, "process " + std::to_string(owner) + " makes too many requests");
+  };
   events.uploadSent = [&world](int owner, const Upload& upload) {
     world.model.uploadSent(owner, upload, world.view());
   };
@@ -32,13 +35,33 @@ Surroundings::Surroundings(const Plan& of, Trail& to)
       model(documents, trail),
       clock(std::make_shared<VirtualClock>(start, of.hasSummerTime ? TimeZone::device : TimeZone::utc)),
       servers(scheduler, clock, eventsOf(*this)),
+      traffic(of.checkInterval),
       suite_(store->open("quillon-cmp-sdk", {}).value()) {
   permissions->set(VantariKey::cameraUsageDescription, 0);
   publishEverywhere(documents.front());
 }
 
+void Surroundings::jump(std::chrono::milliseconds delta) {
+  clock->jump(delta);
+  jumped_ += delta;
+}
+
+std::int64_t Surroundings::elapsed() const {
+  return wholeSeconds(clock->now() - jumped_);
+}
+
 StoreView Surroundings::view() const {
   return viewOf(*suite_->snapshot());
+}
+
+void Surroundings::tamper() {
+  const bool isGranted = view().decision(1) == "granted";
+  const auto done = suite_->update([&](const SuiteEntries&) {
+    SuiteChanges changes;
+    changes.emplace("1", std::string(isGranted ? "declined" : "granted"));
+    return SuiteUpdate(std::move(changes));
+  });
+  if (!done) trail.fail(1, done.error());
 }
 
 bool Surroundings::wasStored(std::size_t since, int purpose, const std::string& status) const {

@@ -16,6 +16,7 @@
 #include "tests/sim/Scheduler.h"
 #include "tests/sim/Servers.h"
 #include "tests/sim/StoreView.h"
+#include "tests/sim/Traffic.h"
 #include "tests/sim/Trail.h"
 
 namespace quillon::sim {
@@ -35,6 +36,7 @@ class Surroundings {
   const std::shared_ptr<StaticNetworkPath> network = std::make_shared<StaticNetworkPath>();
   const std::shared_ptr<SettablePermissionSources> permissions = std::make_shared<SettablePermissionSources>();
   Servers servers;
+  Traffic traffic;
   std::shared_ptr<bool> isTrackingAuthorized = std::make_shared<bool>(false);
   std::string language = "en";
   // An error of the SDK's; explained, or not.
@@ -42,7 +44,13 @@ class Surroundings {
   // Whether anything was put out of order since the beginning, or since everything healed.
   bool isDisturbed = false;
 
+  // Puts the clock on the wall forward or back.
+  void jump(std::chrono::milliseconds delta);
+  // Seconds that have passed, whatever the clock on the wall shows.
+  [[nodiscard]] std::int64_t elapsed() const;
   [[nodiscard]] StoreView view() const;
+  // Writes a consent that nobody gave.
+  void tamper();
   // Every content that the store had after an act or the jobs behind it, without repetitions.
   std::vector<StoreView> views;
   // Whether the store held that status of the purpose at some moment since it had that many contents.
@@ -53,6 +61,7 @@ class Surroundings {
 
  private:
   const std::shared_ptr<KeyValueSuite> suite_;
+  std::chrono::milliseconds jumped_{0};
 };
 
 }  // namespace quillon::sim

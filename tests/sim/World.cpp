@@ -1,5 +1,6 @@
 #include "tests/sim/World.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <utility>
@@ -26,6 +27,8 @@ class World {
 
  private:
   Process& process(unsigned index);
+  // Ends every process and starts one.
+  void startAnew();
   void apply(const Step& step, ActReport& report);
   void applyToDevice(const Step& step);
   void applyFault(const Step& step);
@@ -38,12 +41,14 @@ class World {
   void bury();
   void describe(const Step& step) const;
   void judge(const StoreView& before);
+  void forgetEnded();
 
   Surroundings around_;
   Trail& trail_;
   std::vector<std::unique_ptr<Process>> processes_;
   std::vector<std::unique_ptr<Process>> dead_;
   int lastOwner_ = -1;
+  std::vector<int> ended_;  // owners whose process is gone
   std::optional<int> versionBefore_;
 };
 
@@ -64,6 +69,7 @@ Process& World::process(unsigned index) {
   if (!place) {
     place = std::make_unique<Process>(around_, ++lastOwner_, [this, &place] {
       around_.isDisturbed = true;
+      ended_.push_back(place->owner());
       dead_.push_back(std::move(place));
     });
   }
@@ -109,6 +115,7 @@ void World::make(const Step& step) {
   describe(step);
   Choices chosen(step.order);
   Choices* const choices = step.order == 0 ? nullptr : &chosen;
+  around_.traffic.acted(around_.elapsed());
   const StoreView before = around_.view();
   versionBefore_ = around_.versionOnDisk();
   Process& acting = process(step.process);
@@ -132,6 +139,14 @@ void World::make(const Step& step) {
   judge(after);
 }
 
+void World::forgetEnded() {
+  std::erase_if(ended_, [&](int owner) {
+    if (around_.scheduler->hasJobsOf(owner) || around_.servers.hasRequestsOf(owner)) return false;
+    around_.model.forget(owner);
+    return true;
+  });
+}
+
 void World::judge(const StoreView& before) {
   const StoreView after = around_.view();
   const auto version = around_.versionOnDisk();
@@ -142,7 +157,7 @@ void World::judge(const StoreView& before) {
   for (const auto& process : processes_) {
     if (!process) continue;
     const Answers answers = process->answers();
-    if (process->isQuiet()) {
+    if (answers.isQuiet) {
       const bool isAlone = processes_.size() == 1;
       const bool hasLoaded = process->takeLoaded() && version == versionBefore_;
       if (process->isSetUp() && !process->isClosed() && answers.isReady && (isAlone || hasLoaded)) {
@@ -152,6 +167,7 @@ void World::judge(const StoreView& before) {
     }
     around_.model.judgeAnswers(process->owner(), answers, after, now);
   }
+  forgetEnded();
 }
 
 void World::apply(const Step& step, ActReport& report) {
@@ -166,6 +182,7 @@ void World::apply(const Step& step, ActReport& report) {
       break;
     case Act::restart:
       acting.screens().clear();
+      ended_.push_back(acting.owner());
       processes_[step.process % processes_.size()].reset();
       process(step.process).setUp(step.what, step.how % 4 == 0 ? step.how : 0);
       break;
@@ -221,6 +238,9 @@ void World::apply(const Step& step, ActReport& report) {
     case Act::failFile:
       applyFault(step);
       break;
+    case Act::tamper:
+      around_.tamper();
+      break;
     default:
       applyToDevice(step);
       break;
@@ -261,7 +281,8 @@ void World::applyToDevice(const Step& step) {
 void World::applyFault(const Step& step) {
   around_.isDisturbed = true;
   Process& acting = process(step.process);
-  const StorageFault fault{.changesBefore = step.what % 4, .endsProcess = step.how % 2 == 0, .takesEffect = step.how % 4 == 0};
+  const StorageFault fault{
+      .changesBefore = step.what % 4, .endsProcess = step.how % 2 == 0, .takesEffect = step.how % 4 == 0};
   if (step.act == Act::failStore) {
     acting.storage().failStore(fault);
   } else if (step.act == Act::failFile) {
@@ -276,10 +297,12 @@ void World::publish(unsigned what, unsigned how) {
   if (how % 12 == 0) {
     return around_.servers.setPlace(what % 2 == 0 ? std::optional<std::string>(lawfulPlace) : std::nullopt);
   }
-  const Document& document = around_.documents[what % around_.documents.size()];
+  const Document& document = around_.documents[what % (around_.documents.size() - 1)];
   if (how % 12 < 6) return around_.publishEverywhere(document);
   const char* folder = how % 12 == 11 ? "b/live/" : how % 12 == 10 ? "a/draft/" : "a/live/";
-  const char* file = !around_.plan.hasLanguageFiles ? "config.json" : what / 8 % 2 == 0 ? "config_en.json" : "config_de.json";
+  const char* file = !around_.plan.hasLanguageFiles ? "config.json"
+                     : what / 8 % 2 == 0            ? "config_en.json"
+                                                    : "config_de.json";
   const bool isGone = how / 12 % 6 == 0;
   if (isGone) around_.isDisturbed = true;
   around_.servers.publish(std::string(folder) + file, isGone ? nullptr : &document);
@@ -291,9 +314,9 @@ void World::jumpClock(unsigned what) {
   if (what % 16 == 0) {
     // Half an hour before clocks are put forward in Europe.
     constexpr WallTime summer{std::chrono::seconds(1'743'294'600)};
-    around_.clock->jump(summer - around_.clock->now());
+    around_.jump(summer - around_.clock->now());
   } else {
-    around_.clock->jump(jumps[what % std::size(jumps)]);
+    around_.jump(jumps[what % std::size(jumps)]);
   }
 }
 
@@ -303,34 +326,39 @@ void World::heal() {
   around_.servers.setReachable(true);
   around_.network->set(NetworkStatus::satisfied);
   around_.publishEverywhere(around_.documents.back());
-  bool hasAny = false;
-  const StoreView present = around_.view();
   versionBefore_ = around_.versionOnDisk();
+  const StoreView before = around_.view();
+  const auto isRunning = [](const auto& process) { return process && process->isSetUp() && !process->isClosed(); };
   for (const auto& process : processes_) {
-    if (!process) continue;
-    process->storage().heal();
-    if (process->isClosed()) continue;
-    // An application that nobody has answered is not watched: it is started again at some time.
-    if (!process->isSetUp() || present.given == "CONSENT_NO_ACTION") process->setUp(0, 0);
-    hasAny = true;
+    if (process) process->storage().heal();
   }
-  if (!hasAny) {
-    for (auto& process : processes_) process.reset();
-    process(0).setUp(0, 0);
-  }
-  const StoreView started = around_.view();
+  if (std::ranges::none_of(processes_, isRunning)) startAnew();
   const std::chrono::seconds interval(around_.plan.checkInterval);
   Choices choices(around_.plan.seed);
-  runAll(&choices);
   const auto wait = [&](std::chrono::seconds time) {
+    runAll(&choices);
     around_.clock->advance(time, [&] { runAll(&choices); });
   };
   wait(70s);
   wait(3601s + interval);
+  // Who has not answered is not watched, and what was refused is not tried again, before the next start.
+  const StoreView present = around_.view();
+  if (present.given == "CONSENT_NO_ACTION" || present.isRefused || present.isAnyPermissionPending) startAnew();
   around_.isDisturbed = false;
   wait(2 * interval);
-  judge(started);
+  judge(before);
   around_.model.judgeEnd(around_.documents.back(), around_.view());
+}
+
+void World::startAnew() {
+  for (const auto& process : processes_) {
+    if (process) ended_.push_back(process->owner());
+  }
+  for (auto& process : processes_) {
+    if (process) process->screens().clear();
+    process.reset();
+  }
+  process(0).setUp(0, 0);
 }
 
 }  // namespace

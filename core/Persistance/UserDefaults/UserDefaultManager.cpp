@@ -149,12 +149,12 @@ std::string UserDefaultManager::getSubjectId() {
   if (auto stored = getString(key::subjectId); !stored.empty()) return stored;
   std::string subject;
   // Failures are not logged: the logger itself needs the subject.
-  [[maybe_unused]] const auto outcome = suite().update([&](const SuiteEntries& current) {
+  const auto outcome = suite().update([&](const SuiteEntries& current) {
     StoreTransaction transaction(current);
     subject = ensureSubjectId(transaction, *platform_.random);
     return transaction.take();
   });
-  return subject;
+  return outcome ? subject : std::string();
 }
 
 HistoryPage UserDefaultManager::history(std::int64_t before, std::size_t count) const {

@@ -53,7 +53,7 @@ class UserDefaultManager {
   bool set(std::string_view key, PropertyValue value);
   bool remove(std::string_view key);
 
-  // The stored subject identifier; creates and stores a random one if there is none.
+  // The stored subject identifier; creates and stores a random one if there is none. Empty if storing it fails.
   std::string getSubjectId();
 
   // At most `count` decisions numbered below `before`. An empty page on failure, which is logged.
