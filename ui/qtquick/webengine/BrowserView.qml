@@ -27,6 +27,7 @@ WebEngineView {
     // What pages cannot see or say.
     readonly property string shownMessage: "shown " + Math.random()
 
+    // Qt 6.4 reads "runOnSubframes" here, whatever its pages say; later ones the other name.
     Component.onCompleted: userScripts.collection = [
         {
             // The engine takes the end of a refused navigation for that of the next one; this one is sure.
@@ -41,6 +42,7 @@ WebEngineView {
             sourceCode: "delete window.RTCPeerConnection; delete window.webkitRTCPeerConnection; delete window.WebTransport",
             injectionPoint: WebEngineScript.DocumentCreation,
             worldId: WebEngineScript.MainWorld,
+            runOnSubframes: true,
             runsOnSubFrames: true
         },
         {
@@ -49,6 +51,7 @@ WebEngineView {
             sourceCode: "Object.defineProperty(Navigator.prototype, 'globalPrivacyControl', {get: () => true, enumerable: true, configurable: false})",
             injectionPoint: WebEngineScript.DocumentCreation,
             worldId: WebEngineScript.MainWorld,
+            runOnSubframes: true,
             runsOnSubFrames: true
         }
     ]
