@@ -13,7 +13,8 @@ TEST_F(WebWorld, TellsEveryPageFrameAndRequestOfGlobalPrivacyControl) {
     addEventListener('message', event => { document.title = [...said, event.data].join() })
     try { Object.defineProperty(navigator, 'globalPrivacyControl', {value: false}) } catch (error) {}
   </script><img src=/image><iframe src=/frame></iframe>)");
-  serve("/frame", "<script>parent.postMessage(navigator.globalPrivacyControl + ' ' + typeof RTCPeerConnection, '*')</script>");
+  serve("/frame",
+        "<script>parent.postMessage(navigator.globalPrivacyControl + ' ' + typeof RTCPeerConnection, '*')</script>");
   serve("/moved", "", {{"Location", "/page"}}, 302);
   open("$ALLOWED/moved");
   EXPECT_TRUE(await([&] { return surface->title() == "true,true undefined"; })) << surface->title();

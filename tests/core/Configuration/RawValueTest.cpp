@@ -38,8 +38,8 @@ TEST(RawValue, IsTheFixedTextOfEveryCase) {
   expectTexts<ComplianceType>({"notice-only", "opt-in", "opt-out"});
   expectTexts<BannerPosition>({"bottom", "center"});
   expectTexts<ButtonShape>({"rounded", "square", "pill", "outlined", "edgeless"});
-  expectTexts<BannerReason>(
-      {"never_shown", "unanswered", "reconsent", "interval_over", "on_screen", "answered", "no_configuration"});
+  expectTexts<BannerReason>({"never_shown", "unanswered", "reconsent", "interval_over", "on_screen", "answered",
+                             "signal", "no_configuration"});
   expectTexts<ScreenKind>({"banner", "preferenceCenter", "settingsPrompt", "webView"});
 }
 
