@@ -30,7 +30,9 @@ void CheckCycle::begin(SessionPointer session) {
 }
 
 Task<void> CheckCycle::follow(SessionPointer session) {
-  const bool wasPending = StoredValues(*s_.store.snapshot()).isAnythingPending();
+  const auto left = s_.store.snapshot();
+  const bool wasPending = StoredValues(*left).isAnythingPending();
+  const bool wereDecisionsPending = !StoredValues(*left).pendingPurposes().empty();
   const auto loaded = co_await s_.loader.load();
   if (!s_.sessions.isCurrent(*session)) co_return;
   const bool isAnswered = StoredValues(*s_.store.snapshot()).consentGivenType() != GivenType::noAction;
@@ -44,8 +46,9 @@ Task<void> CheckCycle::follow(SessionPointer session) {
   }
   reportDueBanner();
   // Uploads what an earlier run left pending without waiting for the first period, or for the next answer if the
-  // configuration asks again.
-  if (wasPending) co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
+  // configuration asks again. Permission states alone wait for the first answer.
+  if (wasPending && (isAnswered || wereDecisionsPending))
+    co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
 void CheckCycle::close() {

@@ -208,6 +208,7 @@ constexpr Operation operations[] = {
     // Becomes ready only after all calls have ended.
     {"settled", [](auto& sdk, auto&) { std::ignore = sdk.settled(); }},
     {"screens", [](auto& sdk, auto&) { std::ignore = sdk.screens(); }},
+    {"signalSource", [](auto& sdk, auto&) { std::ignore = sdk.signalSource(); }},
     {"isAllowed", [](auto& sdk, auto&) { std::ignore = sdk.isAllowed(1); }},
     {"isAllowed", [](auto& sdk, auto& caller) { std::ignore = sdk.isAllowed(caller.permission()); }},
     {"isDecided", [](auto& sdk, auto&) { std::ignore = sdk.isDecided(1); }},
