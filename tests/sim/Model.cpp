@@ -211,10 +211,11 @@ bool Model::isEffect(const ActReport& act, const StoreView& before, const StoreV
 void Model::judgeAct(const ActReport& act, const StoreView& before, const StoreView& after) {
   const bool isDone = isEffect(act, before, after);
   bool mayBeUndone = act.wasDisturbed || act.result == false;
-  // Without a configuration there is nothing to answer.
+  // Without a configuration there is nothing to answer. A closed process loads none for a further set-up.
   const bool needsDocument =
       act.effect == Effect::answer || act.effect == Effect::save || act.effect == Effect::defaults;
-  if (needsDocument && !act.result && (!disk_ || applications_.size() > 1)) mayBeUndone = true;
+  const bool mayLackOne = !disk_ || applications_.size() > 1 || lives_.at(act.owner).isClosed;
+  if (needsDocument && !act.result && mayLackOne) mayBeUndone = true;
   // A test whose answer is no may still promote defaults, as one whose answer is yes does.
   const bool isPromotion = act.effect == Effect::bannerTest && before.given == implicitly &&
                            after.given == explicitly && before.decisions == after.decisions;
