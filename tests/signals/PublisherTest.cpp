@@ -23,7 +23,8 @@ using quillon::test::TemporaryFolder;
 std::string documentOf(int version = 5) {
   auto document = quillon::test::configurationOfTwoLaws("US#CA");
   document["version"] = version;
-  document["purposes"].as_array()[0].as_object()["sdks"] = {boost::json::object{{"sdk_id", 100}}};
+  document["purposes"].as_array()[0].as_object()["sdks"].emplace_array().push_back(
+      boost::json::object{{"sdk_id", 100}});
   return boost::json::serialize(document);
 }
 

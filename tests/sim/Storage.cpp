@@ -49,8 +49,14 @@ class Storage::Files : public FileSystem {
 Storage::Storage(const MemoryStore& shared, std::shared_ptr<FileSystem> files, std::function<void()> endProcess)
     : shared_(std::move(files)),
       endProcess_(std::move(endProcess)),
-      store_(shared.another([this] { return faultOfUpdate(); })),
+      store_(shared.another(
+          [present = present_] { return *present ? (*present)->faultOfUpdate() : MemoryFault::before; })),
       files_(std::make_shared<Files>(shared_, *this)) {}
+
+Storage::~Storage() {
+  *present_ = nullptr;
+  files_->close();
+}
 
 void Storage::heal() {
   storeFault_.reset();

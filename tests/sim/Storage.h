@@ -22,6 +22,10 @@ class Storage {
  public:
   // The function ends the process, within the change that it must not survive.
   Storage(const MemoryStore& shared, std::shared_ptr<FileSystem> files, std::function<void()> endProcess);
+  // What is still under way in the process may outlive it, and finds store and files broken.
+  ~Storage();
+  Storage(const Storage&) = delete;
+  Storage& operator=(const Storage&) = delete;
 
   void failStore(StorageFault fault) { storeFault_ = fault; }
   void failFiles(StorageFault fault) { fileFault_ = fault; }
@@ -42,6 +46,7 @@ class Storage {
   MemoryFault faultOfFileChange();
   MemoryFault meet(std::optional<StorageFault>& fault, unsigned& failures);
 
+  const std::shared_ptr<Storage*> present_ = std::make_shared<Storage*>(this);
   const std::shared_ptr<FileSystem> shared_;
   const std::function<void()> endProcess_;
   std::shared_ptr<MemoryStore> store_;

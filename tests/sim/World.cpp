@@ -122,8 +122,12 @@ void World::make(const Step& step) {
   ActReport report{.owner = acting.owner()};
   const unsigned failures = acting.storage().storeFailures() + acting.storage().fileFailures();
   apply(step, report);
+  // After a restart there is another one, or none where that has ended already.
+  const bool isAnother = step.act == Act::restart;
+  Process* const judged = isAnother ? processes_[step.process % processes_.size()].get() : &acting;
   report.wasDisturbed =
-      acting.isDead() || acting.storage().storeFailures() + acting.storage().fileFailures() != failures;
+      !judged || judged->isDead() ||
+      judged->storage().storeFailures() + judged->storage().fileFailures() != (isAnother ? 0 : failures);
   if (report.wasDisturbed) around_.isDisturbed = true;
   const StoreView after = around_.view();
   around_.model.judgeAct(report, before, after);
