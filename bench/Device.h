@@ -8,6 +8,7 @@
 
 #include "bench/TemporaryFolder.h"
 #include "platform/Clock.h"
+#include "platform/KeyValueSuite.h"
 #include "platform/ScreenPresenter.h"
 #include "quillon/ConsentSDK.h"
 #include "quillon/MainConfiguration.h"
