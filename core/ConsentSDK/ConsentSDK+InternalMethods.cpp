@@ -32,7 +32,8 @@ void CheckCycle::begin(SessionPointer session) {
 Task<void> CheckCycle::follow(SessionPointer session) {
   const auto left = s_.store.snapshot();
   const bool wasPending = StoredValues(*left).isAnythingPending();
-  const bool wereDecisionsPending = !StoredValues(*left).pendingPurposes().empty();
+  const bool isUploadOwed =
+      StoredValues(*left).boolean(key::uploadConsentRequestPending) || !StoredValues(*left).pendingPurposes().empty();
   const auto loaded = co_await s_.loader.load();
   if (!s_.sessions.isCurrent(*session)) co_return;
   const bool isAnswered = StoredValues(*s_.store.snapshot()).consentGivenType() != GivenType::noAction;
@@ -46,8 +47,8 @@ Task<void> CheckCycle::follow(SessionPointer session) {
   }
   reportDueBanner();
   // Uploads what an earlier run left pending without waiting for the first period, or for the next answer if the
-  // configuration asks again. Permission states alone wait for the first answer.
-  if (wasPending && (isAnswered || wereDecisionsPending))
+  // configuration asks again. Permission states that were never sent wait for the first answer.
+  if (wasPending && (isAnswered || isUploadOwed))
     co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
