@@ -93,13 +93,14 @@ void Model::setUp(int owner, const SessionView& session) {
   if (session.bundled) life.versions.insert(*session.bundled);
 }
 
-void Model::delivered(int owner, const std::string& url, int version) {
-  const auto life = lives_.find(owner);
-  if (life == lives_.end() || !life->second.isSetUp) return;
-  const SessionView& session = life->second.session;
-  if (url.find("/" + session.application + "/" + session.channel + "/") == std::string::npos) return;
-  life->second.versions.insert(version);
-  life->second.isCertain = false;
+void Model::delivered(const std::string& url, int version) {
+  // Whoever asked saves it, and any process may read it there before it is replaced.
+  for (auto& [owner, life] : lives_) {
+    if (!life.isSetUp) continue;
+    if (url.find("/" + life.session.application + "/" + life.session.channel + "/") == std::string::npos) continue;
+    life.versions.insert(version);
+    life.isCertain = false;
+  }
 }
 
 void Model::diskHolds(std::optional<int> version) {
@@ -279,8 +280,11 @@ bool Model::isBannerDue(const StoreView& store, std::int64_t now, bool& isNear) 
 void Model::judgeAnswers(int owner, const Answers& answers, const StoreView& store, std::int64_t now) {
   const Life& life = lives_.at(owner);
   const auto wrong = [&](int claim, int purpose, const std::string& what) {
+    std::string versions;
+    for (const int version : life.versions) versions += " " + std::to_string(version);
     trail_.fail(claim, what + " about purpose " + std::to_string(purpose) + " in process " + std::to_string(owner) +
-                           ", stored is " + wordFor(store.decision(purpose)) + " under " + store.law);
+                           ", stored is " + wordFor(store.decision(purpose)) + " under " + store.law +
+                           ", it may have the documents" + versions);
   };
   for (const int purpose : purposes) {
     const auto decision = store.decision(purpose);

@@ -27,7 +27,7 @@ class Model {
   void forget(int owner) { lives_.erase(owner); }
   void closed(int owner) { lives_.at(owner).isClosed = true; }
   void setUp(int owner, const SessionView& session);
-  void delivered(int owner, const std::string& url, int version);
+  void delivered(const std::string& url, int version);
   void diskHolds(std::optional<int> version);
   void trackingIs(bool isAuthorized) { isTrackingAuthorized_ = isAuthorized; }
   // Everything that was under way in the process is over, a load for the present session among it, and nothing failed.
