@@ -47,7 +47,7 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
       ConfigurationInForce{configuration, session, type, intervalOf(banner),
                            PurposeTerms(*configuration, banner ? banner->complianceType : std::nullopt)});
   bool isCurrent = true;
-  s_.store.transact([&](StoreTransaction& transaction) {
+  const bool isStored = s_.store.transact([&](StoreTransaction& transaction) {
     isCurrent = s_.sessions.isCurrent(*session);
     if (isCurrent) write(transaction, *inForce);
   });
@@ -58,7 +58,8 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   }
   s_.signal.follow(*session, configuration.get());
   s_.events.gates.update();
-  const bool changed = reconcile(configuration);
+  // Without the compliance type in the store, defaults would be recorded under another one, or under none: granted.
+  const bool changed = isStored && reconcile(configuration);
   s_.consentMode.updateFirebaseConsent(configuration, location);
   co_return changed;
 }
