@@ -16,7 +16,8 @@ namespace quillon {
 // Thread-safe. At most one request is in flight.
 class LocationLookup {
  public:
-  // All must outlive it. `lateAnswer` is called in the background when an answer arrives after a wait for it has timed out.
+  // All must outlive it. `lateAnswer` is called in the background when an answer arrives after a wait for it has timed
+  // out.
   LocationLookup(const Platform& platform, UserDefaultManager& store, Work& work, ServerApi& server,
                  std::function<void()> lateAnswer)
       : platform_(platform), store_(store), work_(work), server_(server), lateAnswer_(std::move(lateAnswer)) {}

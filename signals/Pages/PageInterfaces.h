@@ -5,8 +5,8 @@
 
 namespace quillon::signals {
 
-// `now`: {cmpId, cmpVersion, supported: ["7:usnat"], tcf: {policy, vendorList, applies, string, segments}, gpp: {string,
-// ids, sections: {usnat: [{...}]}}}. What is missing is not known, or does not apply.
+// `now`: {cmpId, cmpVersion, supported: ["7:usnat"], tcf: {policy, vendorList, applies, string, segments}, gpp:
+// {string, ids, sections: {usnat: [{...}]}}}. What is missing is not known, or does not apply.
 inline constexpr std::string_view pageInterfaces = R"js((now => {
   const place = Symbol.for("quillon.signals")
   if (window[place]) return window[place](now)

@@ -62,8 +62,8 @@ std::string answerIn(World& world) {
 }
 
 // A first and a later start, and an answer to the banner, with every server replaced by the one at the address; then
-// the same device with working servers. `limit` is that of one exchange, which a short trial shortens unless the servers
-// end it by themselves.
+// the same device with working servers. `limit` is that of one exchange, which a short trial shortens unless the
+// servers end it by themselves.
 Seen whileServersAre(Trial& trial, const std::string& address, std::chrono::seconds limit = stallLimit,
                      bool endsByItself = false) {
   if (trial.isShort() && !endsByItself) limit = std::min(limit, std::chrono::seconds(shortLimit));

@@ -41,8 +41,8 @@ enum class Act {
 inline constexpr std::size_t actCount = static_cast<std::size_t>(Act::tamper) + 1;
 [[nodiscard]] const char* nameOf(Act act);
 
-// One act. The numbers say which, as far as the act has variants; each takes what it needs of them, so that a step means
-// the same whatever steps were left out before it.
+// One act. The numbers say which, as far as the act has variants; each takes what it needs of them, so that a step
+// means the same whatever steps were left out before it.
 struct Step {
   Act act = Act::pass;
   unsigned process = 0;

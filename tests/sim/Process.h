@@ -18,8 +18,8 @@ namespace quillon::sim {
 
 class Process {
  public:
-  // The owner is another one for every life. The function is called when the life ends within a change of the store or a
-  // file; the process is then destroyed as soon as the job is over.
+  // The owner is another one for every life. The function is called when the life ends within a change of the store or
+  // a file; the process is then destroyed as soon as the job is over.
   Process(Surroundings& around, int owner, std::function<void()> killed);
   ~Process();
   Process(const Process&) = delete;
