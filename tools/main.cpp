@@ -1,6 +1,10 @@
 // quillon-consent, the developer tool. Each sub-command has its own folder.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string>
+#include <vector>
 
+#include "tools/PlainArguments.h"
 #include "tools/check-server/CheckServerCommand.h"
 #include "tools/diff/DiffCommand.h"
 #include "tools/host/HostCommand.h"
@@ -28,6 +32,16 @@ int main(int argc, char** argv) {
   quillon::tools::addStoreCommand(app, exitCode);
   quillon::tools::addValidateCommand(app, exitCode);
 
-  CLI11_PARSE(app, argc, argv);
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  // These two take texts of any form.
+  if (!arguments.empty() && (arguments[0] == "link" || arguments[0] == "validate")) {
+    arguments = quillon::tools::withMarks(std::move(arguments));
+  }
+  std::ranges::reverse(arguments);  // as the parser wants them
+  try {
+    app.parse(std::move(arguments));
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
+  }
   return exitCode;
 }

@@ -21,6 +21,9 @@ template <class Value>
 Task<Answer<Value>> ServerApi::send(EndPoint endPoint, std::string url) {
   auto request = RequestBuilder(std::move(endPoint), std::move(url)).build(store_);
   if (!request) co_return std::unexpected(RequestFailure(std::move(request.error())));
+  // Only a configuration is long; a flood in answer to anything else is cut off early.
+  constexpr std::size_t longestAnswer = std::size_t{64} << 10;
+  if constexpr (!std::is_same_v<Value, MainConfiguration>) request->maximumBodyBytes = longestAnswer;
   co_return co_await network_.processRequest<Value>(std::move(*request));
 }
 

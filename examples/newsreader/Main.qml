@@ -1,6 +1,7 @@
 // A small news reader. Each part asks whether it may do what it does.
 import QtQuick
 import QtQuick.Layouts
+import Quillon.Consent
 
 Window {
     id: window
@@ -80,70 +81,75 @@ Window {
         TapHandler { onTapped: window.reader.openPrivacySettings() }
     }
 
-    Flickable {
+    // Out of reach while a consent screen lies over it.
+    HostPage {
         anchors.fill: parent
-        contentHeight: page.implicitHeight + 48
-        ColumnLayout {
-            id: page
 
-            x: Math.max(20, (parent.width - width) / 2)
-            y: 24
-            width: Math.min(window.width - 40, 640)
-            spacing: 20
+        Flickable {
+            anchors.fill: parent
+            contentHeight: page.implicitHeight + 48
+            ColumnLayout {
+                id: page
 
-            RowLayout {
-                Text {
-                    Layout.fillWidth: true
-                    text: "The Morning Courier"
-                    color: window.ink
-                    wrapMode: Text.Wrap
-                    font { pixelSize: 24; bold: true; family: "Noto Serif" }
-                }
-                PrivacyButton { text: "Privacy" }
-            }
-            Story {
-                section: "City"
-                headline: "Tram line 4 reopens after two summers of work"
-                teaser: "The new bridge carries its first passengers this morning. Stops are level with the pavement."
-            }
-            Story {
-                section: window.reader.personalises ? "For you" : "Most read"
-                headline: window.reader.personalises ? "Because you follow cycling: winter tyres, tested"
-                                                     : "What a warm November means for the vineyards"
-                teaser: window.reader.personalises ? "Chosen from what you have read before."
-                                                   : "The same for every reader, since nothing is known about you."
-            }
-            Rectangle {
-                Layout.fillWidth: true
-                implicitHeight: 180
-                radius: 12
-                color: window.reader.playsMedia ? window.ink : "#F0EEE8"
-                Text {
-                    visible: window.reader.playsMedia
-                    anchors.centerIn: parent
-                    text: "\u25B6  The week in ninety seconds"
-                    color: "white"
-                    font.pixelSize: 16
-                }
-                ColumnLayout {
-                    visible: !window.reader.playsMedia
-                    anchors { fill: parent; margins: 20 }
-                    spacing: 12
+                x: Math.max(20, (parent.width - width) / 2)
+                y: 24
+                width: Math.min(window.width - 40, 640)
+                spacing: 20
+
+                RowLayout {
                     Text {
                         Layout.fillWidth: true
-                        text: "This video comes from another company. It is loaded once you allow embedded media."
-                        color: window.faint
+                        text: "The Morning Courier"
+                        color: window.ink
                         wrapMode: Text.Wrap
-                        font.pixelSize: 14
+                        font { pixelSize: 24; bold: true; family: "Noto Serif" }
                     }
-                    PrivacyButton { text: "Choose what to allow" }
+                    PrivacyButton { text: "Privacy" }
                 }
-            }
-            Text {
-                Layout.fillWidth: true
-                text: window.reader.countsVisits ? "This visit is counted. Thank you." : "This visit is not counted."
-                color: window.faint
-                font.pixelSize: 13
+                Story {
+                    section: "City"
+                    headline: "Tram line 4 reopens after two summers of work"
+                    teaser: "The new bridge carries its first passengers this morning. Stops are level with the pavement."
+                }
+                Story {
+                    section: window.reader.personalises ? "For you" : "Most read"
+                    headline: window.reader.personalises ? "Because you follow cycling: winter tyres, tested"
+                                                         : "What a warm November means for the vineyards"
+                    teaser: window.reader.personalises ? "Chosen from what you have read before."
+                                                       : "The same for every reader, since nothing is known about you."
+                }
+                Rectangle {
+                    Layout.fillWidth: true
+                    implicitHeight: 180
+                    radius: 12
+                    color: window.reader.playsMedia ? window.ink : "#F0EEE8"
+                    Text {
+                        visible: window.reader.playsMedia
+                        anchors.centerIn: parent
+                        text: "\u25B6  The week in ninety seconds"
+                        color: "white"
+                        font.pixelSize: 16
+                    }
+                    ColumnLayout {
+                        visible: !window.reader.playsMedia
+                        anchors { fill: parent; margins: 20 }
+                        spacing: 12
+                        Text {
+                            Layout.fillWidth: true
+                            text: "This video comes from another company. It is loaded once you allow embedded media."
+                            color: window.faint
+                            wrapMode: Text.Wrap
+                            font.pixelSize: 14
+                        }
+                        PrivacyButton { text: "Choose what to allow" }
+                    }
+                }
+                Text {
+                    Layout.fillWidth: true
+                    text: window.reader.countsVisits ? "This visit is counted. Thank you." : "This visit is not counted."
+                    color: window.faint
+                    font.pixelSize: 13
+                }
             }
         }
     }

@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
 
   Reader reader(sdk);
   QQmlApplicationEngine pages;
+  quillon::addConsentElements(pages);
   pages.setInitialProperties({{"reader", QVariant::fromValue(&reader)}});
   pages.load(QUrl("qrc:/newsreader/Main.qml"));
   if (pages.rootObjects().isEmpty()) return 1;

@@ -58,6 +58,13 @@ class Reader:
         found = wait_for("%s '%s'" % (role, name), lambda: self.all(role, name))
         return found[-1]
 
+    def everything_is_named(self):
+        """What can be met has a name; plain containers of the toolkit's may go without."""
+        containers = (pyatspi.ROLE_FILLER, pyatspi.ROLE_PANEL, pyatspi.ROLE_FRAME, pyatspi.ROLE_APPLICATION)
+        nameless = [n.getRoleName() for n in nodes(self.root())
+                    if not n.name and n.getRole() not in containers and n.getState().contains(pyatspi.STATE_SHOWING)]
+        assert not nameless, nameless
+
     def act(self, node, action):
         actions = node.queryAction()
         names = [actions.getName(i) for i in range(actions.nActions)]
@@ -79,7 +86,9 @@ def check(reader, store):
     wait_for("the application on the bus", reader.root)
     accept = reader.one(pyatspi.ROLE_PUSH_BUTTON, "Accept all")
     assert accept.description == "Double tap to activate", accept.description
-    reader.one(pyatspi.ROLE_DIALOG, "Your news, your choice")
+    dialog = reader.one(pyatspi.ROLE_DIALOG, "Your news, your choice")
+    assert dialog.getState().contains(pyatspi.STATE_MODAL), "the banner is modal"
+    assert not reader.all(pyatspi.ROLE_PUSH_BUTTON, "Privacy"), "the page below the banner is out of reach"
     reader.one(pyatspi.ROLE_HEADING, "Your news, your choice")
     assert granted(store) == {}, "nothing is decided yet"
 
@@ -87,6 +96,13 @@ def check(reader, store):
     reader.press("Choose for yourself", pyatspi.ROLE_LINK)
     switch = ("Audience measurement", pyatspi.ROLE_CHECK_BOX)
     is_checked = lambda: reader.all(switch[1], switch[0])[-1].getState().contains(pyatspi.STATE_CHECKED)
+    assert not reader.all(pyatspi.ROLE_PUSH_BUTTON, "Accept all"), "the banner below is out of reach"
+    reader.act(accept, "Press")  # by a client that still holds it
+    reader.one(switch[1], switch[0])
+    assert granted(store) == {}, "what is covered cannot be pressed"
+    reader.everything_is_named()
+    details = reader.one(pyatspi.ROLE_PUSH_BUTTON, "Details, Audience measurement")
+    assert details.description.startswith("Collapsed. "), details.description
     before = reader.one(switch[1], switch[0]).getState().contains(pyatspi.STATE_CHECKED)
     reader.act(reader.one(switch[1], switch[0]), "Toggle")
     wait_for("the switch to change", lambda: is_checked() != before)
@@ -101,6 +117,13 @@ def check(reader, store):
     stored = wait_for("the answer in the store", lambda: granted(store))
     # The fourth follows the device's answer about tracking.
     assert stored == {**dict.fromkeys("12356", "granted"), "4": "declined"}, stored
+
+    # The page can be used again; what is saved is told, after the screen has gone.
+    reader.press("Privacy", pyatspi.ROLE_PUSH_BUTTON)
+    reader.press("Unselect All", pyatspi.ROLE_PUSH_BUTTON)
+    reader.press("Save Changes", pyatspi.ROLE_PUSH_BUTTON)
+    reader.one(pyatspi.ROLE_ALERT, "Your choices are saved.")
+    wait_for("the withdrawal in the store", lambda: granted(store)["2"] == "declined")
 
 
 def run():

@@ -60,7 +60,8 @@ TEST_F(Accessibility, ASwitchTellsItsStateAndWhatATapDoes) {
   }
   EXPECT_EQ(description(QAccessible::CheckBox, "Security"), "Always Active. You cannot opt out from this Purpose.");
   EXPECT_TRUE(node(QAccessible::CheckBox, "Security")->state().checked);
-  EXPECT_TRUE(description(QAccessible::CheckBox, "Advertising").starts_with("Always Active. You can't toggle"));
+  EXPECT_TRUE(description(QAccessible::CheckBox, "Advertising")
+                  .starts_with("Rejected. Off: this device does not allow tracking. You can't toggle"));
   EXPECT_TRUE(node(QAccessible::PageTab, "SDK Purposes")->state().selected);
   EXPECT_FALSE(node(QAccessible::PageTab, "Permissions")->state().selected);
 }
@@ -69,13 +70,52 @@ TEST_F(Accessibility, WhatHappenedIsAddedToTheNameOfWhatWasUsed) {
   start();
   preferenceCenter();
   use("Select All", Way::key);
-  EXPECT_TRUE(node(QAccessible::Button, "Unselect All. All applicable SDK Purposes are allowed."));
+  EXPECT_TRUE(node(QAccessible::Button, "Select All. All applicable SDK Purposes are allowed."));
   advance(3500ms);
-  EXPECT_TRUE(node(QAccessible::Button, "Unselect All"));
+  EXPECT_TRUE(node(QAccessible::Button, "Select All"));
   use("Security", Way::key);
   advance(1500ms);
   EXPECT_TRUE(node(QAccessible::CheckBox, "Security. You cannot opt out from this Purpose."));
   EXPECT_TRUE(node(QAccessible::AlertMessage, "You cannot opt out from this Purpose."));
+}
+
+TEST_F(Accessibility, WhatLiesBelowASheetIsNotMetAndCannotBePressed) {
+  start();
+  banner();
+  QAccessibleInterface* accept = node(QAccessible::Button, "Accept");
+  QQuickItem* const bannerItem = top();
+  QAccessibleInterface* dialog = QAccessible::queryAccessibleInterface(window->activeFocusItem());
+  ASSERT_TRUE(accept && dialog);
+  EXPECT_TRUE(dialog->state().modal);
+  EXPECT_GT(dialog->childCount(), 0);
+  use("Choose");
+  screenWith("Statistics");
+  EXPECT_EQ(dialog->childCount(), 0);
+  EXPECT_FALSE(dialog->state().modal);
+  accept->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  settle();
+  EXPECT_EQ(status(1), "none");
+  EXPECT_NE(top(), bannerItem);
+  key(Qt::Key_Escape);
+  screenWith("Accept");
+  EXPECT_GT(dialog->childCount(), 0);
+}
+
+TEST_F(Accessibility, EveryNodeHasANameAndEveryLinkOneOfItsOwn) {
+  auto& purpose = document["purposes"].as_array()[0].as_object();
+  purpose["sdks"] = {{{"sdk_id", 1}, {"sdk_name", {{"en", "Acme"}}}, {"website", "https://a.example/"}},
+                     {{"sdk_id", 2}, {"sdk_name", {{"en", "Umbra"}}}, {"website", "https://b.example/"}}};
+  start();
+  preferenceCenter();
+  use("Details");
+  for (QQuickItem* item : itemsBelow(top())) {
+    auto* interface = item->isVisible() ? QAccessible::queryAccessibleInterface(item) : nullptr;
+    if (!interface) continue;
+    EXPECT_FALSE(interface->text(QAccessible::Name).isEmpty()) << item->metaObject()->className();
+  }
+  EXPECT_TRUE(node(QAccessible::Link, "Developer URL, Acme"));
+  EXPECT_TRUE(node(QAccessible::Link, "Developer URL, Umbra"));
+  EXPECT_EQ(description(QAccessible::Button, "Details, Statistics"), "Expanded. Double tap to Collapse");
 }
 
 }  // namespace

@@ -17,9 +17,10 @@ TEST(Palettes, EveryTextOfEveryBuiltInPaletteIsLegible) {
         EXPECT_GE(contrast(texts[i].first, texts[i].second), legible)
             << name << (isDark ? " dark, text " : " light, text ") << i;
       }
-      for (const QColor& part : {colors.switchOn, colors.switchOff, colors.focus}) {
-        EXPECT_GE(contrast(part, colors.card), visible) << name << ": " << part.name().toStdString();
+      for (const auto& [part, on] : colors.controls()) {
+        EXPECT_GE(contrast(part, on), visible) << name << ": " << part.name().toStdString();
       }
+      EXPECT_TRUE(colors.replaced.empty()) << name;
     }
   }
 }
@@ -33,10 +34,10 @@ TEST(Palettes, ConfiguredColoursAreTakenAsTheyAreAndMissingOnesFollowFromThem) {
                             .bannerLinks = "#0000FF",
                             .preferenceCenterFooterBackground = "#EEEEEE",
                             .preferenceCenterFooterSelector = "#FFFF00"};
-  const Palette palette = paletteFor(colors, 2, true);
+  const Palette palette = paletteFor(colors, 2, false);
   EXPECT_EQ(palette.buttonBackground, QColor("#102030"));
   EXPECT_EQ(palette.togglePrimary, QColor("#102030"));
-  const ScreenColors screen(palette, true);
+  const ScreenColors screen(palette, false);
   EXPECT_EQ(screen.buttonText, QColor("#ffffff"));
   EXPECT_EQ(screen.plainButtonText, QColor("#102030")) << "white on white would be lost on a button without a fill";
   EXPECT_GE(contrast(screen.selectorText, screen.selector), legible);
@@ -47,6 +48,33 @@ TEST(Palettes, ConfiguredColoursAreTakenAsTheyAreAndMissingOnesFollowFromThem) {
   const ScreenColors switches(paletteFor(pale, 2, false), false);
   EXPECT_EQ(switches.switchOn, QColor("#b3123f")) << "as pale as a button it would be lost on its card";
   EXPECT_GE(contrast(switches.switchOff, switches.card), visible);
+}
+
+TEST(Palettes, WhateverIsConfiguredIsLegibleInBothSurroundings) {
+  const char* const texts[] = {"#FFFFFF", "#000000", "#777777", "#FF0000", "#00FF00", "#0000FF", "#FFFF00", "rot"};
+  for (const char* ground : texts) {
+    for (const char* ink : texts) {
+      for (const bool isDark : {false, true}) {
+        SCOPED_TRACE(testing::Message() << ink << " on " << ground << (isDark ? ", dark" : ""));
+        const ScreenColors colors(paletteFor(CustomColors{.buttonBackground = ground,
+                                                          .buttonText = ink,
+                                                          .buttonBorder = ink,
+                                                          .bannerBackground = ground,
+                                                          .bannerText = ink,
+                                                          .bannerLinks = ink,
+                                                          .preferenceCenterFooterBackground = ground,
+                                                          .preferenceCenterFooterSelector = ink},
+                                             1, isDark),
+                                  isDark);
+        for (const auto& [text, on] : colors.texts())
+          EXPECT_GE(contrast(text, on), legible) << text.name().toStdString();
+        for (const auto& [part, on] : colors.controls()) EXPECT_GE(contrast(part, on), visible);
+        if (isDark && std::string_view(ground) == "#FFFFFF") {
+          EXPECT_LT(contrast(colors.background, Qt::black), contrast(colors.background, Qt::white));
+        }
+      }
+    }
+  }
 }
 
 TEST(Palettes, ANumberThatIsNoneMeansTheFirst) {

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QImage>
+#include <QTest>
 #include <boost/json/parse.hpp>
 #include <filesystem>
 #include <fstream>
@@ -131,6 +132,8 @@ struct Gallery : ScreenWorld {
   }
   QImage picture() {
     EXPECT_TRUE(await([&] { return top() && top()->property("shown").toDouble() == 1; })) << world.log();
+    // Wherever another test has left the pointer.
+    QTest::mouseMove(window.get(), {1, 1});
     settle();
     window->grabWindow();
     settle();

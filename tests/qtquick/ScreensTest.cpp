@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QPalette>
 #include <optional>
 #include <thread>
@@ -97,10 +98,64 @@ TEST_F(Screens, SelectAllLeavesEssentialAndTrackedPurposesAlone) {
   EXPECT_TRUE(control("Statistics")->property("isOn").toBool());
   EXPECT_TRUE(control("Security")->property("isOn").toBool());
   EXPECT_FALSE(control("Advertising")->property("isOn").toBool());
-  EXPECT_FALSE(control("Select All"));
   use("Unselect All");
   EXPECT_FALSE(control("Statistics")->property("isOn").toBool());
   EXPECT_TRUE(control("Security")->property("isOn").toBool());
+}
+
+TEST_F(Screens, RefusingAllIsAsNearAsAcceptingAllAndSavingComesNext) {
+  start();
+  for (const std::string choice : {"Unselect All", "Select All"}) {
+    preferenceCenter();
+    EXPECT_EQ(control("Unselect All")->size(), control("Select All")->size());
+    use(choice, Way::key);
+    key(Qt::Key_Tab);
+    EXPECT_TRUE(control("Save Changes")->hasActiveFocus()) << choice;
+    key(Qt::Key_Space);
+    EXPECT_TRUE(isGone());
+    EXPECT_EQ(status(1), choice == "Select All" ? "granted" : "declined");
+  }
+}
+
+TEST_F(Screens, AHeldKeyActsOnce) {
+  start();
+  preferenceCenter();
+  for (const Qt::Key held : {Qt::Key_Space, Qt::Key_Return}) {
+    const bool before = control("Statistics")->property("isOn").toBool();
+    tap(*control("Statistics"), Way::key);
+    EXPECT_NE(control("Statistics")->property("isOn").toBool(), before);
+    for (int i = 0; i < 9; ++i) {
+      QKeyEvent again(QEvent::KeyPress, held, {}, {}, true);
+      QCoreApplication::sendEvent(window.get(), &again);
+      EXPECT_NE(control("Statistics")->property("isOn").toBool(), before) << i;
+    }
+  }
+}
+
+TEST_F(Screens, AMessageCoversNeitherSaveNorWhatItExplains) {
+  for (const QSize size : {QSize(320, 568), QSize(780, 880), QSize(1920, 1080)}) {
+    SCOPED_TRACE(size.width());
+    window->resize(size);
+    if (!world.sdk) start();
+    preferenceCenter();
+    use("Security", Way::key);
+    advance(1500ms);
+    QQuickItem* message = nullptr;
+    for (QQuickItem* item : itemsBelow(top())) {
+      if (item->isVisible() && item->inherits("QQuickText") &&
+          item->property("words").toString() == "You cannot opt out from this Purpose.") {
+        message = item;
+      }
+    }
+    ASSERT_TRUE(message);
+    window->grabWindow();
+    const auto place = [](QQuickItem* item) { return item->mapRectToScene(item->boundingRect()); };
+    EXPECT_FALSE(place(message).intersects(place(control("Save Changes"))));
+    EXPECT_FALSE(place(message).intersects(place(control("Security"))));
+    EXPECT_TRUE(QRectF({}, size).contains(place(control("Security")))) << place(control("Security")).y();
+    presenter->dismissTopMost();
+    EXPECT_TRUE(isGone());
+  }
 }
 
 TEST_F(Screens, ASwitchThatCannotBeSwitchedStaysAndIsExplainedLater) {

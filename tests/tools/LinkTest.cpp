@@ -18,6 +18,10 @@ TEST(LinkTest, TellsAllowedFromRefusedAddressesInBothForms) {
        "allowed\thttps://b.example/\nrefused\tit carries a user name\thttps://user@a.example/\n"},
       {{"link", "https://a.example/\x1b[2J"},
        "refused\tit contains a control character or a line break\thttps://a.example/\\x1b[2J\n"},
+      {{"link", "--allowed", "a.example", "--", "[https://a.example/]"},
+       "refused\tit is not a complete address\t[https://a.example/]\n"},
+      {{"link", "--allowed=[::1]", "--allowed", "", "--", "http://[::1]/", ""},
+       "allowed\thttp://[::1]/\nrefused\tit is empty\t\n"},
       {{"link", "https://a.example/", "--allowed", "b.example"},
        "refused\tits host is not allowed\thttps://a.example/\n"},
   };

@@ -71,6 +71,9 @@ huge: document: larger than 32 MiB
 .: cannot be read: Is a directory
 )");
   EXPECT_EQ(run({"good", "good"}, 0), "good: ok\ngood: ok\n");
+  setFileBytes(file("[marks]"), "{\"i18n\":{\"en\":{\"a\u009b31m\u202eb\":1}}}");
+  const std::string marks = run({"[marks]"}, 1);
+  EXPECT_TRUE(marks.starts_with("[marks]: i18n.en.a\\u009b31m\\u202eb: ")) << marks;
 }
 
 TEST_F(Validate, WarnsOnlyWhenAsked) {
@@ -129,6 +132,15 @@ TEST_F(Validate, LintReportsExactlyWhatIsWrong) {
         "legible from 4.5:1 on",
         "banner_config.categories.eu.palette.banner_links: has a contrast of 1.0:1 on banner_background; text is "
         "legible from 4.5:1 on"}},
+      {bannerWith(R"({"button_shape": "outlined", "palette": {"button_background": "#1D3A5F", "button_text": "#FFFFFF",
+               "button_border": "#FFFFFF", "banner_background": "FFFFFF", "banner_text": "black",
+               "banner_links": "#00f", "preference_center_footer_background": "",
+               "preference_center_footer_selector": "#FFFFFF"}})"),
+       {R"(banner_config.categories.eu.palette.banner_text: is "black", which is no colour such as "#1D3A5F")",
+        R"(banner_config.categories.eu.palette.banner_links: is "#00f", which is no colour such as "#1D3A5F")",
+        "banner_config.categories.eu.palette.button_border: has a contrast of 1.0:1 on banner_background; an outline "
+        "is "
+        "visible from 3.0:1 on"}},
       {documentWith(R"({"banner_config": {
                "categories": {"eu": {"compliance_type": "opt-in"}},
                "names_map": {"Europe": "eu", "Asia": "as"},

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"
@@ -58,7 +59,7 @@ TEST_F(Base64Image, HasFormatAndSizeOfItsHeader) {
     int width, height;
   } cases[]{
       {png(300, 2), EncodedImage::png, 300, 2},
-      {png(25'000'000, 1), EncodedImage::png, 25'000'000, 1},
+      {png(16'000, 250), EncodedImage::png, 16'000, 250},
       {gif(258, 3), EncodedImage::gif, 258, 3},
       {jpeg(640, 4), EncodedImage::jpeg, 640, 4},
       {jpeg(640, 4, '\xc0') + "\xff\xda", EncodedImage::jpeg, 640, 4},
@@ -92,7 +93,7 @@ TEST_F(Base64Image, IsRefusedWithTheErrorOfItsStep) {
   } cases[]{
       {"Failed to decode base64 string.",
        {bare, bare + "=", bare + "=A=", bare + "======", "data:image/svg+xml;base64," + gifText,
-        std::string((std::size_t{8} << 20) + 1, 'A')}},
+        std::string((std::size_t{1} << 20) + 1, 'A')}},
       {"Failed to create UIImage from data.",
        {"", "data:image/webp;base64," + gifText, base64("BM, or whatever"), base64(png(0, 1)), base64(png(5001, 5000)),
         base64(png(0xffffffff, 0xffffffff)), base64(gif(1, 0)), base64(jpeg(65535, 65535)), base64(jpeg(1, 0)),
@@ -110,6 +111,59 @@ TEST_F(Base64Image, IsRefusedWithTheErrorOfItsStep) {
           << text.substr(0, 60) << logged;
     }
   }
+}
+
+// What a decoder would work on for seconds, or fill the memory with.
+TEST_F(Base64Image, IsRefusedWhenDecodingWouldCostTooMuch) {
+  const auto chunk = [](const std::string& name, const std::string& data) {
+    return bigEndian(data.size(), 4) + name + data + "crc4";
+  };
+  const auto deflated = [](std::size_t size) {
+    const std::string zeros(size, '\0');
+    uLongf length = compressBound(size);
+    std::string data(length, '\0');
+    compress(reinterpret_cast<Bytef*>(data.data()), &length, reinterpret_cast<const Bytef*>(zeros.data()), size);
+    return data.substr(0, length);
+  };
+  const auto interlaced = [](std::string image) {
+    image[28] = 1;
+    return image;
+  };
+  const auto deep = [](std::string image) {
+    image[24] = 16;
+    image[25] = 6;
+    return image;
+  };
+  const auto framed = [](std::string image, char width) {
+    return image + std::string(6, '\0') + ",\0\0\0\0"s + width + "\0\1\0\0"s;
+  };
+  const auto scans = [](std::size_t count) {
+    std::string text;
+    while (count-- > 0) text += "\xff\xda";
+    return text;
+  };
+  const struct {
+    const char* what;
+    std::string cheap, dear;
+  } cases[]{
+      {"pixels", png(2000, 2000), png(2001, 2000)},
+      {"a side", png(16'384, 1), png(16'385, 1)},
+      {"interlaced pixels", interlaced(png(1000, 2000)), interlaced(png(1001, 2000))},
+      {"pixels of eight bytes", deep(png(1000, 2000)), deep(png(1100, 2000))},
+      {"GIF pixels", gif(1000, 2000), gif(1001, 2000)},
+      {"progressive pixels", jpeg(1000, 2000), jpeg(1001, 2000)},
+      {"pixels in several scans", jpeg(1000, 2000, '\xc0') + scans(2), jpeg(1001, 2000, '\xc0') + scans(2)},
+      {"scans", jpeg(10, 10) + scans(32), jpeg(10, 10) + scans(33)},
+      {"inflated data", png(100, 100) + chunk("IDAT", deflated(30'100)), png(2, 2) + chunk("IDAT", deflated(30'100))},
+      {"a frame larger than its screen", framed(gif(4, 4), 4), framed(gif(4, 4), 5)},
+  };
+  for (const auto& [what, cheap, dear] : cases) {
+    EXPECT_TRUE(read(base64(cheap))) << what;
+    EXPECT_FALSE(read(base64(dear))) << what;
+  }
+  const auto withTexts = read(base64(png(1, 1) + chunk("zTXt", deflated(1'000'000)) + chunk("IDAT", deflated(4))));
+  ASSERT_TRUE(withTexts);
+  EXPECT_EQ(withTexts->bytes, png(1, 1) + chunk("IDAT", deflated(4))) << "chunks that are not about pixels";
 }
 
 TEST_F(Base64Image, IsRefusedWhenItsHeaderIsCutAnywhere) {

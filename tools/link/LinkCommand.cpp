@@ -1,12 +1,15 @@
 #include "tools/link/LinkCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "core/Logger/UnitLog.h"
+#include "tools/PlainArguments.h"
 #include "ui/Common/WebView/LinkFilter.h"
 
 namespace quillon::tools {
@@ -71,7 +74,8 @@ void addLinkCommand(CLI::App& app, int& exitCode) {
     separate(*options);
     if (options->addresses.empty()) throw CLI::RequiredError("URL");
     std::vector<std::string> entries;
-    for (const auto& group : options->allowed) entries.insert(entries.end(), group.begin(), group.end());
+    for (const auto& group : options->allowed) std::ranges::transform(group, std::back_inserter(entries), plain);
+    std::ranges::transform(options->addresses, options->addresses.begin(), plain);
     if (!allPass(LinkFilter(entries), options->addresses)) exitCode = 1;
     if (!std::cout.flush()) {
       std::cerr << "quillon-consent link: standard output cannot be written\n";

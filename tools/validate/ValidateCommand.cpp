@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "core/Text/LogText.h"
 #include "tools/ConfigurationFile.h"
+#include "tools/PlainArguments.h"
 #include "tools/validate/Lint.h"
 
 namespace quillon::tools {
@@ -20,11 +22,11 @@ when all files are fine, else 1. With --lint, what would disappoint a user follo
 // Whether the file is valid.
 bool validate(const std::string& path, bool withLint) {
   const auto configuration = configurationOf(path);
-  std::cout << path << ": " << (configuration ? "ok" : configuration.error()) << '\n';
+  // Keys and texts of the document are somebody else's.
+  const auto print = [&path](const std::string& text) { std::cout << escapedForLog(path + ": " + text) << '\n'; };
+  print(configuration ? "ok" : configuration.error());
   if (configuration && withLint) {
-    lint(*configuration, [&path](const Finding& finding) {
-      std::cout << path << ": warning: " << finding.path << ": " << finding.text << '\n';
-    });
+    lint(*configuration, [&](const Finding& finding) { print("warning: " + finding.path + ": " + finding.text); });
   }
   return configuration.has_value();
 }
@@ -44,7 +46,7 @@ void addValidateCommand(CLI::App& app, int& exitCode) {
 
   command->callback([options, &exitCode] {
     for (const auto& file : options->files) {
-      if (!validate(file, options->lint)) exitCode = 1;
+      if (!validate(plain(file), options->lint)) exitCode = 1;
     }
     if (!std::cout.flush()) {
       std::cerr << "quillon-consent validate: standard output cannot be written\n";

@@ -115,6 +115,10 @@ std::string ConsentBannerViewModel::label(Label label) const {
   return labelText(label, bannerConfig.get(), sdk_->language());
 }
 
+std::string ConsentBannerViewModel::joined(Label pattern, std::string first, std::string second) const {
+  return quillon::joined(pattern, std::move(first), std::move(second), bannerConfig.get(), sdk_->language());
+}
+
 std::string ConsentBannerViewModel::text(const std::optional<LocalizedText>& text) const {
   return text ? textIn(sdk_->language(), *text) : std::string();
 }

@@ -54,6 +54,8 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
 
   // A label in the current language, else in English.
   std::string label(Label label) const;
+  // Two texts joined by one of the patterns among the labels.
+  std::string joined(Label pattern, std::string first, std::string second) const;
   // A configured text in the current language, else in English, else in the first one that it has; else empty.
   std::string text(const std::optional<LocalizedText>& text) const;
   // What stands on a button; never empty.

@@ -47,6 +47,16 @@ enum class Label {
   essentialPurposeExplanation,
   attManagedPurposeExplanation,
   privacySignalExplanation,
+  // Of our own.
+  trackingNotAllowed,
+  loading,
+  saved,
+  notSaved,
+  // Patterns that join two texts, "%1" and "%2".
+  twoSentences,
+  partOf,
+  fact,
+  hint,
   // For buttons to which the configuration gives no text.
   accept,
   reject,
@@ -103,6 +113,14 @@ inline constexpr std::array labelTexts{
         "You can't toggle this Purpose because it\u2019s managed by Apple's App Tracking Transparency framework."},
     LabelText{"privacy_signal_explanation",
               "A privacy signal of your device or this application is honoured here unless you accept this Purpose."},
+    LabelText{"tracking_not_allowed", "Off: this device does not allow tracking"},
+    LabelText{"loading", "Loading"},
+    LabelText{"saved", "Your choices are saved."},
+    LabelText{"not_saved", "Your choices could not be saved."},
+    LabelText{"two_sentences", "%1. %2"},
+    LabelText{"part_of", "%1, %2"},
+    LabelText{"fact", "%1: %2"},
+    LabelText{"hint", "%1 %2"},
     LabelText{"accept", "Accept"},
     LabelText{"reject", "Reject"},
     LabelText{"privacy_notice", "Privacy Notice"},
@@ -114,5 +132,10 @@ static_assert(labelTexts.size() == static_cast<std::size_t>(Label::notNow) + 1);
 
 // The banner's translation into the language, else the English text; an empty translation counts as none.
 [[nodiscard]] std::string labelText(Label label, const std::optional<BannerConfig>& banner, std::string_view language);
+
+// Two texts joined by a pattern; the other one alone when one of them is empty. A translated pattern that does not have
+// both places gives way to ours. A full stop at the end of the first makes none double.
+[[nodiscard]] std::string joined(Label pattern, std::string first, std::string second,
+                                 const std::optional<BannerConfig>& banner, std::string_view language);
 
 }  // namespace quillon

@@ -93,15 +93,6 @@ bool PreferenceCenterViewModel::hasSwitchablePurposes() const {
   return std::ranges::any_of(purposes.get(), isSwitchable);
 }
 
-bool PreferenceCenterViewModel::areAllSelected() const {
-  const auto& selected = selectedPurposes.get();
-  return std::ranges::all_of(purposes.get(), [&](const Purpose& purpose) {
-    if (!isSwitchable(purpose)) return true;
-    const auto choice = selected.find(*purpose.purposeId);
-    return choice != selected.end() && choice->second;
-  });
-}
-
 PurposeToggle PreferenceCenterViewModel::toggle(const Purpose& purpose) const {
   PurposeToggle toggle{};
   if (purpose.purposeId) {
@@ -143,7 +134,7 @@ std::unique_ptr<Timer> PreferenceCenterViewModel::publishAfter(
   });
 }
 
-void PreferenceCenterViewModel::save() {
+bool PreferenceCenterViewModel::save() {
   std::map<std::int64_t, bool> choices;
   const auto& selected = selectedPurposes.get();
   for (const Purpose& purpose : purposes.get()) {
@@ -152,9 +143,10 @@ void PreferenceCenterViewModel::save() {
     if (choice != selected.end()) choices.insert(*choice);
   }
   const std::shared_ptr<ScreenServices> sdk = banner_->sdk();  // leaving may release all that is here
-  sdk->save(choices);
+  if (!sdk->save(choices)) return false;
   banner_->leave();
   sdk->dismissBanner();
+  return true;
 }
 
 void PreferenceCenterViewModel::close() {

@@ -56,9 +56,8 @@ class PreferenceCenterViewModel : public std::enable_shared_from_this<Preference
 
   // Switches every purpose that the user may decide about.
   void setAll(bool value);
-  // Whether there are such purposes, and whether all of them are on.
+  // Whether there are such purposes.
   bool hasSwitchablePurposes() const;
-  bool areAllSelected() const;
 
   PurposeToggle toggle(const Purpose& purpose) const;
   // The user has touched the switch of a purpose. One that cannot be switched stays, and is explained 1.5 seconds
@@ -66,7 +65,8 @@ class PreferenceCenterViewModel : public std::enable_shared_from_this<Preference
   void tapToggle(std::int64_t purposeId);
 
   // Stores the choices as the user's, uploads what changed, and closes the preference centre and the banner below it.
-  void save();
+  // False, and the screen stays, when they could not be stored.
+  bool save();
   void close();
   // Offers the way to the system settings for a permission, where the configuration has one.
   void tapPermission(const VantariKey& permission);

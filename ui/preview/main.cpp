@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <chrono>
 #include <functional>
+#include <future>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -139,10 +140,15 @@ class Preview {
   // Cards, texts and pictures come in the turns after the screen.
   void settle() {
     int quietTurns = 0;
+    std::future<void> settled = sdk_.settled();
     await([&] {
-      const bool isQuiet = sdk_.settled().wait_for(std::chrono::seconds(0)) == std::future_status::ready;
-      quietTurns = isQuiet ? quietTurns + 1 : 0;
-      return quietTurns > 20;
+      // Asked again only once answered: every question is kept until then.
+      if (settled.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+        quietTurns = 0;
+        return false;
+      }
+      settled = sdk_.settled();
+      return ++quietTurns > 20;
     });
   }
 

@@ -1,9 +1,11 @@
 // What the adapters between a view model and its QML screen have in common.
 #pragma once
 
+#include <QtQml/qqmlregistration.h>
 #include <QMetaObject>
 #include <QObject>
 #include <QString>
+#include <QVariantList>
 #include <utility>
 #include <vector>
 
@@ -18,10 +20,19 @@ QString messageOf(const ConsentSDKResult<Value>& result) {
   return result.error() ? QString::fromStdString(result.error()->localizedDescription()) : QString();
 }
 
+// Objects as the model of a repeater.
+template <class Object>
+QVariantList listOf(const std::vector<Object*>& objects) {
+  QVariantList list;
+  for (Object* object : objects) list.push_back(QVariant::fromValue(object));
+  return list;
+}
+
 // Follows view models. Their changes are announced before they are made, so the adapter reads the new state in a turn
 // of its own of the main loop, one for all changes until then.
 class Adapter : public QObject {
   Q_OBJECT
+  QML_ANONYMOUS
 
  public:
   using QObject::QObject;

@@ -1,47 +1,47 @@
 import QtQuick
 import Quillon.Consent
 
-// A message that appears over the content for a while.
-Rectangle {
+// A message that takes room for a while, so that it covers nothing.
+Item {
     id: bar
 
     property string text
+    signal ended
 
-    function show(message) {
+    function show(message: string) {
         text = message
         lifetime.restart()
     }
 
-    implicitHeight: words.implicitHeight + 24
-    radius: 12
-    color: Style.colors.text
-    opacity: text === "" ? 0 : 1
-    visible: opacity > 0
-
-    Behavior on opacity {
-        enabled: Style.duration > 0
-        NumberAnimation { duration: Style.duration }
-    }
+    implicitHeight: visible ? box.height + Style.metrics.smallGap : 0
+    visible: text !== ""
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text
     Accessible.ignored: text === ""
 
-    Text {
-        id: words
-        x: 16
-        y: 12
-        width: parent.width - 32
-        text: bar.text
-        textFormat: Text.PlainText
-        font: Style.body
-        color: Style.colors.background
-        wrapMode: Text.Wrap
-        horizontalAlignment: Text.AlignLeft
-        Accessible.ignored: true
+    Rectangle {
+        id: box
+        width: parent.width
+        height: words.implicitHeight + 2 * Style.metrics.gap
+        radius: Style.metrics.radius
+        color: Style.colors.text
+
+        PlainText {
+            id: words
+            x: Style.metrics.largeGap
+            y: Style.metrics.gap
+            width: parent.width - 2 * Style.metrics.largeGap
+            words: bar.text
+            color: Style.colors.background
+            Accessible.ignored: true
+        }
     }
     Timer {
         id: lifetime
-        interval: 6000
-        onTriggered: bar.text = ""
+        interval: Style.messageTime
+        onTriggered: {
+            bar.text = ""
+            bar.ended()
+        }
     }
 }

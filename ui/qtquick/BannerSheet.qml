@@ -10,9 +10,9 @@ Sheet {
     readonly property bool hasAppeared: isOnScreen && !model.hasFailed
 
     banner: model
-    title: model.heading
+    title: model.name
     isBottom: !model.isCentered
-    widest: isBottom ? 720 : 480
+    widest: isBottom ? Style.metrics.barWidth : Style.metrics.dialogWidth
     isLoading: model.isLoading
     canClose: model.canClose || model.hasFailed
     failure: model.failure
@@ -35,13 +35,13 @@ Sheet {
 
     footer: AnswerRow {
         width: parent.width
-        answers: screen.model.hasFailed ? [] : screen.model.answers
+        model: screen.model.answers
         hint: screen.model.activationHint
-        visible: answers.length > 0
         onChosen: action => screen.model.perform(action)
     }
     smallPrint: [
         Flow {
+            id: row
             width: parent.width
             visible: links.count > 0
 
@@ -50,13 +50,15 @@ Sheet {
                 model: screen.model.links
 
                 TextLink {
-                    required property var modelData
+                    required property bannerControl modelData
 
                     text: modelData.text
+                    // qmllint disable unqualified
                     hint: screen.model.activationHint
-                    gapAfter: 24
-                    width: Math.min(implicitWidth, parent ? parent.width : implicitWidth)
+                    gapAfter: 2 * Style.metrics.gap
+                    width: Math.min(implicitWidth, row.width)
                     onClicked: screen.model.perform(modelData.action)
+                    // qmllint enable unqualified
                 }
             }
         },

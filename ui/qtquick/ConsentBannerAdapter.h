@@ -13,9 +13,10 @@
 
 namespace quillon {
 
-// A control of the banner.
+// A control of a screen.
 struct BannerControl {
   Q_GADGET
+  QML_VALUE_TYPE(bannerControl)
   Q_PROPERTY(int action MEMBER action)
   Q_PROPERTY(QString text MEMBER text)
 
@@ -36,6 +37,8 @@ class ConsentBannerAdapter : public Adapter {
   Q_PROPERTY(bool showsPoweredBy READ showsPoweredBy NOTIFY changed)
   Q_PROPERTY(bool canClose READ canClose NOTIFY changed)
   Q_PROPERTY(QString heading READ heading NOTIFY changed)
+  // Of the dialog, which has one even without a heading.
+  Q_PROPERTY(QString name READ name NOTIFY changed)
   Q_PROPERTY(quillon::RichTextAdapter* text READ text CONSTANT)
   Q_PROPERTY(quillon::PictureSource* logo READ logo CONSTANT)
   Q_PROPERTY(QVariantList answers READ answers NOTIFY changed)
@@ -44,6 +47,7 @@ class ConsentBannerAdapter : public Adapter {
   Q_PROPERTY(QString logoLabel READ logoLabel NOTIFY changed)
   Q_PROPERTY(QString refreshLabel READ refreshLabel NOTIFY changed)
   Q_PROPERTY(QString activationHint READ activationHint NOTIFY changed)
+  Q_PROPERTY(QString loadingLabel READ loadingLabel NOTIFY changed)
 
  public:
   explicit ConsentBannerAdapter(std::shared_ptr<ConsentBannerViewModel> model, QObject* parent = nullptr);
@@ -58,14 +62,17 @@ class ConsentBannerAdapter : public Adapter {
   bool showsPoweredBy() const { return config().showPoweredByQuillonLogo.value_or(false); }
   bool canClose() const { return buttons().close; }
   QString heading() const { return words(config().bannerHeading); }
+  QString name() const { return heading().isEmpty() ? label(Label::privacyNotice) : heading(); }
   RichTextAdapter* text() const { return text_; }
   PictureSource* logo() const { return logo_; }
-  QVariantList answers() const { return controls(buttons().answers); }
+  // None while there is nothing to answer.
+  QVariantList answers() const { return hasFailed() ? QVariantList() : controls(buttons().answers); }
   QVariantList links() const { return controls(buttons().links); }
   QString closeLabel() const { return label(Label::close); }
   QString logoLabel() const { return label(Label::companyLogo); }
   QString refreshLabel() const { return label(Label::webViewRefresh); }
   QString activationHint() const { return label(Label::activationHint); }
+  QString loadingLabel() const { return label(Label::loading); }
 
   // Loads what the screen shows, or tries it again.
   Q_INVOKABLE void load() {
@@ -75,7 +82,14 @@ class ConsentBannerAdapter : public Adapter {
   Q_INVOKABLE void perform(int action) { model_->perform(static_cast<BannerAction>(action)); }
   Q_INVOKABLE void close() { model_->perform(BannerAction::close); }
   Q_INVOKABLE void appeared() { model_->appeared(); }
+  // Both texts, read out one after the other.
+  Q_INVOKABLE QString sentences(const QString& first, const QString& second) const {
+    return joined(Label::twoSentences, first, second);
+  }
 
+  QString joined(Label pattern, const QString& first, const QString& second) const {
+    return QString::fromStdString(model_->joined(pattern, first.toStdString(), second.toStdString()));
+  }
   QString label(Label label) const { return QString::fromStdString(model_->label(label)); }
   QString words(const std::optional<LocalizedText>& text) const { return QString::fromStdString(model_->text(text)); }
   const BannerConfig& config() const;

@@ -1,42 +1,37 @@
 import QtQuick
 import Quillon.Consent
 
-// A button in the configured shape. All of one screen look alike: none is more prominent than another.
+// A button in the configured shape. All of one row look alike: none is more prominent than another.
 Pressable {
     id: control
 
-    readonly property bool isFilled: Style.buttonShape !== Style.Outlined && Style.buttonShape !== Style.Edgeless
+    // Beside a list, where it is not what the screen is about.
+    property bool isQuiet: false
+    readonly property bool isOutlined: Style.buttonShape === Style.Outlined
+    readonly property bool isFilled: !isQuiet && !isOutlined && Style.buttonShape !== Style.Edgeless
     readonly property color ink: isFilled ? Style.colors.buttonText : Style.colors.plainButtonText
+    readonly property int sidePadding: isQuiet ? Style.metrics.gap : 20
     readonly property real cornerRadius: {
         switch (Style.buttonShape) {
         case Style.Square: return 0
-        case Style.Pill: return Math.min(height / 2, 32)
-        default: return 12
+        case Style.Pill: return Math.min(height / 2, Style.metrics.pillRadius)
+        default: return Style.metrics.radius
         }
     }
 
-    readonly property alias fittingTextSize: words.fittingSize
-    property alias textSize: words.size
-
-    implicitWidth: words.lineWidth + 40
-    implicitHeight: Math.max(48, words.implicitHeight + 24)
+    implicitWidth: Words.lineOf(text, font) + 2 * sidePadding
+    implicitHeight: Math.max(isQuiet ? Style.metrics.target : Style.metrics.answer, words.implicitHeight + (isQuiet ? Style.metrics.largeGap : 24))
 
     Rectangle {
         anchors.fill: parent
         radius: control.cornerRadius
-        color: {
-            switch (Style.buttonShape) {
-            case Style.Outlined: return "transparent"
-            case Style.Edgeless: return Style.colors.plainButton
-            default: return Style.colors.button
-            }
-        }
-        border.width: Style.buttonShape === Style.Edgeless ? 0 : Style.buttonShape === Style.Outlined ? 2 : 1
-        border.color: Style.buttonShape === Style.Outlined ? Style.colors.plainButtonText : Style.colors.buttonBorder
+        color: control.isFilled ? Style.colors.button : control.isOutlined ? "transparent" : Style.colors.plainButton
+        border.width: control.isOutlined ? Style.metrics.ringWidth : control.isFilled ? 1 : 0
+        border.color: control.isOutlined ? Style.colors.plainButtonBorder : Style.colors.buttonBorder
 
         Rectangle {
             anchors.fill: parent
-            radius: parent.radius
+            radius: control.cornerRadius
             color: control.ink
             opacity: control.pressed ? 0.16 : control.hovered ? 0.08 : 0
         }
@@ -45,12 +40,12 @@ Pressable {
             innerRadius: control.cornerRadius
         }
     }
-    FittedText {
+    PlainText {
         id: words
         anchors.centerIn: parent
-        width: parent.width - 40
-        text: control.text
-        wanted: control.font
+        width: parent.width - 2 * control.sidePadding
+        words: control.text
+        font: control.font
         color: control.ink
         horizontalAlignment: Text.AlignHCenter
         Accessible.ignored: true

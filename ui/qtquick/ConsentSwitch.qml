@@ -8,32 +8,34 @@ Pressable {
 
     property bool isOn: false
     property bool isSwitchable: true
+    readonly property color ink: isOn ? Style.colors.switchOn : Style.colors.switchOff
 
-    implicitWidth: 56
-    implicitHeight: 44
+    implicitWidth: Style.metrics.switchWidth + Style.metrics.hairGap
+    implicitHeight: Math.max(Style.metrics.target, Style.metrics.switchHeight)
     Accessible.role: Accessible.CheckBox
     Accessible.checkable: true
     Accessible.checked: isOn
-    Accessible.onToggleAction: clicked()
+    Accessible.onToggleAction: press()
 
     Rectangle {
         id: track
         anchors.centerIn: parent
-        width: 52
-        height: 32
-        radius: 16
-        color: control.isOn ? Style.colors.switchOn : Style.colors.switchOff
-        opacity: control.isSwitchable ? 1 : 0.55
+        width: Style.metrics.switchWidth
+        height: Style.metrics.switchHeight
+        radius: height / 2
+        color: control.isSwitchable ? control.ink : "transparent"
+        border.width: Style.metrics.ringWidth
+        border.color: control.ink
     }
     Rectangle {
         readonly property bool isAtEnd: control.isOn !== Style.isMirrored
 
-        y: track.y + 4
-        x: track.x + (isAtEnd ? track.width - width - 4 : 4)
-        width: 24
-        height: 24
-        radius: 12
-        color: Style.colors.background
+        y: track.y + Style.metrics.hairGap
+        x: track.x + (isAtEnd ? track.width - width - Style.metrics.hairGap : Style.metrics.hairGap)
+        width: track.height - 2 * Style.metrics.hairGap
+        height: width
+        radius: width / 2
+        color: control.isSwitchable ? Style.colors.background : control.ink
 
         Behavior on x {
             enabled: Style.duration > 0
@@ -42,15 +44,15 @@ Pressable {
         // The state is told by more than the colour.
         Icon {
             anchors.centerIn: parent
-            width: 14
-            height: 14
+            width: parent.width * 0.6
+            height: width
             shape: !control.isSwitchable ? Icon.Lock : control.isOn ? Icon.Check : Icon.Cross
-            color: control.isOn ? Style.colors.switchOn : Style.colors.switchOff
+            color: control.isSwitchable ? control.ink : Style.colors.background
         }
     }
     FocusRing {
         isShown: control.visualFocus
         anchors.fill: track
-        innerRadius: 16
+        innerRadius: track.radius
     }
 }

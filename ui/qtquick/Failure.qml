@@ -10,21 +10,17 @@ Column {
     property bool isCentered: false
     signal retried
 
-    spacing: 8
+    spacing: Style.metrics.smallGap
     visible: text !== ""
 
-    Text {
+    PlainText {
         width: parent.width
-        text: failure.text
-        textFormat: Text.PlainText
-        font: Style.body
-        color: Style.colors.text
-        wrapMode: Text.Wrap
+        words: failure.text
         horizontalAlignment: failure.isCentered ? Text.AlignHCenter : Text.AlignLeft
-        Accessible.role: Accessible.StaticText
-        Accessible.name: text
+        Accessible.role: Accessible.AlertMessage
     }
     TextLink {
+        id: retry
         anchors.left: failure.isCentered ? undefined : parent.left
         anchors.horizontalCenter: failure.isCentered ? parent.horizontalCenter : undefined
         text: failure.banner.refreshLabel
@@ -32,5 +28,7 @@ Column {
         width: Math.min(implicitWidth, parent.width)
         onClicked: failure.retried()
         Accessible.role: Accessible.Button
+        // A screen reader hears a message that belongs to what it is at.
+        Accessible.description: failure.text
     }
 }

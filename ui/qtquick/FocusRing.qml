@@ -4,14 +4,14 @@ import Quillon.Consent
 // Around the control that the keyboard is at.
 Rectangle {
     required property bool isShown
-    property real innerRadius: 8
+    property real innerRadius: Style.metrics.smallRadius
 
     LayoutMirroring.enabled: false
     anchors.fill: parent
-    anchors.margins: -4
-    radius: innerRadius + 4
+    anchors.margins: -Style.metrics.hairGap
+    radius: innerRadius + Style.metrics.hairGap
     color: "transparent"
-    border.width: 2
+    border.width: Style.metrics.ringWidth
     border.color: Style.colors.focus
     visible: isShown
 }

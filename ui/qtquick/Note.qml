@@ -7,16 +7,16 @@ Rectangle {
 
     required property RichTextAdapter content
 
-    implicitHeight: view.implicitHeight + 24
-    radius: 8
+    implicitHeight: view.implicitHeight + 2 * Style.metrics.gap
+    radius: Style.metrics.smallRadius
     color: Style.colors.note
     visible: content.markup !== ""
 
     RichTextView {
         id: view
-        x: 12
-        y: 12
-        width: parent.width - 24
+        x: Style.metrics.gap
+        y: Style.metrics.gap
+        width: parent.width - 2 * Style.metrics.gap
         content: note.content
         font: Style.caption
         color: Style.colors.noteText

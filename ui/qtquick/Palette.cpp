@@ -50,6 +50,28 @@ Palette dark(const Tones& tones) {
           tones.footer, tones.accent,   tones.accent, "#7d8793",        "#f6dfa9",  "#3a2e13"};
 }
 
+// The same hue, as light as it was dark. Neither black nor white, which glare in the dark.
+QColor turned(const QColor& color) {
+  constexpr float darkest = 0.09F;
+  constexpr float lightest = 0.93F;
+  float hue = 0;
+  float saturation = 0;
+  float lightness = 0;
+  color.getHslF(&hue, &saturation, &lightness);
+  return QColor::fromHslF(std::max(hue, 0.0F), saturation, darkest + (1 - lightness) * (lightest - darkest)).toRgb();
+}
+
+// For dark surroundings, of a palette that was configured for light ones.
+Palette turned(Palette palette) {
+  for (QColor Palette::* role :
+       {&Palette::buttonBackground, &Palette::buttonText, &Palette::buttonBorder, &Palette::bannerBackground,
+        &Palette::bannerText, &Palette::bannerLinks, &Palette::footerBackground, &Palette::footerSelector,
+        &Palette::togglePrimary, &Palette::toggleSecondary, &Palette::disclaimerText, &Palette::disclaimerBackground}) {
+    palette.*role = turned(palette.*role);
+  }
+  return palette;
+}
+
 }  // namespace
 
 const std::vector<BuiltInPalette>& builtInPalettes() {
@@ -71,8 +93,9 @@ Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std:
   const auto& palettes = builtInPalettes();
   const bool isKnown = number && *number >= 1 && *number <= std::ssize(palettes);
   const BuiltInPalette& builtIn = palettes[isKnown ? static_cast<std::size_t>(*number - 1) : 0];
-  Palette palette = isDark ? builtIn.dark : builtIn.light;
-  if (!colors) return palette;
+  if (!colors) return isDark ? builtIn.dark : builtIn.light;
+  const bool hasBackground = !colors->bannerBackground.empty();
+  Palette palette = isDark && !hasBackground ? builtIn.dark : builtIn.light;
   // A role that is left empty keeps the built-in colour.
   const auto take = [](QColor& role, const std::string& text) {
     if (!text.empty()) role = colorOf(text);
@@ -94,7 +117,8 @@ Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std:
   take(palette.toggleSecondary, colors->toggleSecondarycolor.value_or(""));
   take(palette.disclaimerText, colors->purposeDisclaimerTextColor.value_or(""));
   take(palette.disclaimerBackground, colors->purposeDisclaimerBackgroundColor.value_or(""));
-  return palette;
+  const bool isLight = contrast(palette.bannerBackground, Qt::black) > contrast(palette.bannerBackground, Qt::white);
+  return isDark && isLight ? turned(palette) : palette;
 }
 
 double contrast(const QColor& first, const QColor& second) {
@@ -104,27 +128,47 @@ double contrast(const QColor& first, const QColor& second) {
 
 ScreenColors::ScreenColors(const Palette& palette, bool isDark)
     : background(palette.bannerBackground),
-      text(palette.bannerText),
-      link(palette.bannerLinks),
-      card(mixed(background, text, 0.04)),
-      hairline(mixed(background, text, 0.14)),
       button(palette.buttonBackground),
-      buttonText(palette.buttonText),
       buttonBorder(palette.buttonBorder),
       footer(palette.footerBackground),
       selector(palette.footerSelector),
       note(palette.disclaimerBackground),
-      noteText(palette.disclaimerText),
       scrim(0, 0, 0, isDark ? 160 : 112) {
+  // The configured colour where it is legible on all that it stands on, else another one that is; black or white is.
+  const auto rescued = [this](std::string_view role, const QColor& wanted, const std::vector<QColor>& backgrounds,
+                              std::vector<QColor> others, double least = legible) {
+    const auto isClear = [&](const QColor& color) {
+      return std::ranges::all_of(backgrounds, [&](const QColor& on) { return contrast(color, on) >= least; });
+    };
+    if (isClear(wanted)) return wanted;
+    replaced.push_back(role);
+    others.insert(others.end(), {Qt::black, Qt::white});
+    const auto found = std::ranges::find_if(others, isClear);
+    return found != others.end() ? *found : legibleOn(backgrounds.front(), {Qt::black, Qt::white});
+  };
+  text = rescued("banner_text", palette.bannerText, {background}, {});
+  // Cards are a shade of the text's colour, and the text stands on them too.
+  card = mixed(background, text, 0.04);
+  if (contrast(text, card) < legible) card = background;
+  hairline = mixed(background, text, 0.14);
+  link = rescued("banner_links", palette.bannerLinks, {background, card}, {text});
+  buttonText = rescued("button_text", palette.buttonText, {button}, {text, background});
+  noteText = rescued("purpose_disclaimer_text", palette.disclaimerText, {note}, {text, background});
   const QColor quiet = mixed(text, background, 0.28);
-  quietText = contrast(quiet, card) >= legible ? quiet : text;
+  quietText = contrast(quiet, card) >= legible && contrast(quiet, background) >= legible ? quiet : text;
   // A pale button is legible by its text, which a switch has not.
   switchOn = clearOn(card, visible, {palette.togglePrimary, buttonText, buttonBorder, link, text});
   switchOff = clearOn(card, visible, {palette.toggleSecondary, quietText});
-  linkHighlight = mixed(background, link, 0.16);
   // Colours that were chosen to be text on a fill need not be legible without it.
-  plainButtonText = legibleOn(mixed(background, text, 0.1), {buttonText, button, buttonBorder, text});
+  const QColor touched = mixed(background, text, 0.1);
+  plainButtonText = text;
+  for (const QColor& color : {buttonBorder, button, buttonText}) {
+    if (contrast(color, touched) >= legible && contrast(color, background) >= legible) plainButtonText = color;
+  }
   plainButton = mixed(background, plainButtonText, 0.1);
+  if (contrast(plainButtonText, plainButton) < legible) plainButton = background;
+  plainButtonBorder =
+      rescued("button_border", palette.buttonBorder, {background, card}, {plainButtonText, text}, visible);
   footerText = legibleOn(footer, {text, background, Qt::black, Qt::white});
   selectorText = legibleOn(selector, {background, text, Qt::black, Qt::white});
   focus = legibleOn(background, {link, text});
@@ -137,13 +181,16 @@ std::vector<std::pair<QColor, QColor>> ScreenColors::texts() const {
           {quietText, card},
           {link, background},
           {link, card},
-          {link, linkHighlight},
           {buttonText, button},
           {plainButtonText, background},
           {plainButtonText, plainButton},
           {footerText, footer},
           {selectorText, selector},
           {noteText, note}};
+}
+
+std::vector<std::pair<QColor, QColor>> ScreenColors::controls() const {
+  return {{switchOn, card}, {switchOff, card}, {focus, background}, {focus, card}, {plainButtonBorder, background}};
 }
 
 }  // namespace quillon

@@ -1,6 +1,7 @@
 // The colours of the screens.
 #pragma once
 
+#include <QtQml/qqmlregistration.h>
 #include <QColor>
 #include <QObject>
 #include <cstdint>
@@ -39,7 +40,8 @@ struct BuiltInPalette {
 // In the order of their numbers, which begin with 1.
 [[nodiscard]] const std::vector<BuiltInPalette>& builtInPalettes();
 
-// The configured colours, else the built-in palette of that number; a number that is none means the first.
+// The configured colours, else the built-in palette of that number; a number that is none means the first. Colours that
+// were configured for light surroundings are turned for dark ones.
 [[nodiscard]] Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number,
                                  bool isDark);
 
@@ -49,11 +51,11 @@ struct BuiltInPalette {
 // Every colour that the screens use.
 struct ScreenColors {
   Q_GADGET
+  QML_ANONYMOUS
   Q_PROPERTY(QColor background MEMBER background)
   Q_PROPERTY(QColor text MEMBER text)
   Q_PROPERTY(QColor quietText MEMBER quietText)
   Q_PROPERTY(QColor link MEMBER link)
-  Q_PROPERTY(QColor linkHighlight MEMBER linkHighlight)
   Q_PROPERTY(QColor card MEMBER card)
   Q_PROPERTY(QColor hairline MEMBER hairline)
   Q_PROPERTY(QColor button MEMBER button)
@@ -61,6 +63,7 @@ struct ScreenColors {
   Q_PROPERTY(QColor buttonBorder MEMBER buttonBorder)
   Q_PROPERTY(QColor plainButton MEMBER plainButton)
   Q_PROPERTY(QColor plainButtonText MEMBER plainButtonText)
+  Q_PROPERTY(QColor plainButtonBorder MEMBER plainButtonBorder)
   Q_PROPERTY(QColor footer MEMBER footer)
   Q_PROPERTY(QColor footerText MEMBER footerText)
   Q_PROPERTY(QColor selector MEMBER selector)
@@ -76,14 +79,17 @@ struct ScreenColors {
   ScreenColors() = default;
   ScreenColors(const Palette& palette, bool isDark);
 
-  // What stands on what.
+  // What stands on what: texts, and controls.
   std::vector<std::pair<QColor, QColor>> texts() const;
+  std::vector<std::pair<QColor, QColor>> controls() const;
+
+  // The configured roles that could not be used, since nobody could tell them from what they stand on.
+  std::vector<std::string_view> replaced;
 
   QColor background;
   QColor text;
   QColor quietText;
   QColor link;
-  QColor linkHighlight;  // behind the link that has the focus
   QColor card;
   QColor hairline;
   QColor button;
@@ -91,6 +97,7 @@ struct ScreenColors {
   QColor buttonBorder;
   QColor plainButton;  // of buttons without a fill of their own: a touch of their text's colour
   QColor plainButtonText;
+  QColor plainButtonBorder;
   QColor footer;
   QColor footerText;
   QColor selector;

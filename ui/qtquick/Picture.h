@@ -16,8 +16,11 @@ namespace quillon {
 // Loads an image in the background. For the main queue only.
 class PictureSource : public QObject {
   Q_OBJECT
-  QML_ANONYMOUS
+  QML_ELEMENT
+  QML_UNCREATABLE("made for each image")
   Q_PROPERTY(bool exists READ exists NOTIFY changed)
+  // Width by height; 1 while there is no image.
+  Q_PROPERTY(double aspect READ aspect NOTIFY changed)
 
  public:
   using QObject::QObject;
@@ -28,6 +31,7 @@ class PictureSource : public QObject {
 
   const QImage& image() const { return image_; }
   bool exists() const { return !image_.isNull(); }
+  double aspect() const { return exists() ? static_cast<double>(image_.width()) / image_.height() : 1; }
 
  Q_SIGNALS:
   void changed();

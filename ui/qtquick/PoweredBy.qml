@@ -1,12 +1,10 @@
 import QtQuick
 import Quillon.Consent
 
-Text {
+PlainText {
     // A name, the same in every language.
-    text: "Powered by Quillon"
-    textFormat: Text.PlainText
+    words: "Powered by Quillon"
     font: Style.caption
     color: Style.colors.quietText
     horizontalAlignment: Text.AlignHCenter
-    wrapMode: Text.Wrap
 }

@@ -46,18 +46,29 @@ QString PreferenceCenterAdapter::tabName(MyPreferences tab) const {
   return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
 
-QString PreferenceCenterAdapter::hint(Label action) const {
-  return banner_->label(Label::hintPrefix) + " " + banner_->label(action);
+QString PreferenceCenterAdapter::stateAndHint(Label state, Label action) const {
+  const QString hint = banner_->joined(Label::hint, banner_->label(Label::hintPrefix), banner_->label(action));
+  return banner_->sentences(banner_->label(state), hint);
 }
 
 void PreferenceCenterAdapter::tapPermission(int index) {
-  const auto& key = permissions_.at(static_cast<std::size_t>(index))->key;
+  const auto& key = permissions_.at(static_cast<std::size_t>(index))->key();
   if (key) model_->tapPermission(*key);
+}
+
+void PreferenceCenterAdapter::save() {
+  if (model_->save()) {
+    Q_EMIT saved(banner_->label(Label::saved));
+  } else {
+    Q_EMIT announced(banner_->label(Label::notSaved));
+  }
 }
 
 void PreferenceCenterAdapter::refresh() {
   const auto& banner = *model_->banner();
   const BannerConfig& config = banner_->config();
+  QStringList tabs{tabName(MyPreferences::purposes), tabName(MyPreferences::permissions)};
+  if (std::exchange(tabs_, std::move(tabs)) != tabs_) Q_EMIT tabsChanged();
   description_->setHtml(banner.text(config.preferenceCenterDescription));
   guidance_->setHtml(banner.text(config.preferenceCenterGuidance));
   permissionsDescription_->setHtml(banner.text(config.permissionsTabDescription));
@@ -80,52 +91,39 @@ void PreferenceCenterAdapter::refreshPurposes() {
   shownPurposes_ = std::make_shared<const std::vector<Purpose>>(model_->purposes.get());
   const auto former = std::exchange(purposes_, {});
   for (const Purpose& purpose : *shownPurposes_) {
-    purposes_.push_back(new PurposeAdapter({shownPurposes_, &purpose}, model_, this));
+    purposes_.push_back(new PurposeAdapter({shownPurposes_, &purpose}, model_, *banner_, this));
   }
   Q_EMIT purposesChanged();
   for (PurposeAdapter* purpose : former) purpose->deleteLater();
 }
 
-PermissionAdapter* PreferenceCenterAdapter::shownPermission(const AppPermission& permission) {
-  auto* shown = new PermissionAdapter(this);
-  shown->group = QString::fromStdString(permission.group.value_or(""));
-  shown->name = banner_->words(permission.nameMap);
-  if (shown->name.isEmpty()) shown->name = QString::fromStdString(permission.name.value_or(""));
-  shown->description = new RichTextAdapter(model_->banner()->sdk(), shown);
-  shown->description->setHtml(model_->banner()->text(permission.description));
-  shown->status = permission.consentStatus;
-  shown->key = permission.permissionId;
-  shown->canUpdate = model_->offersSettings(permission);
-  return shown;
+// Those of one group follow one another.
+void PreferenceCenterAdapter::remakePermissions() {
+  const auto former = std::exchange(permissions_, {});
+  std::vector<std::optional<std::string>> groups;
+  for (const AppPermission& permission : shownPermissions_) {
+    if (std::ranges::find(groups, permission.group) == groups.end()) groups.push_back(permission.group);
+  }
+  for (const auto& group : groups) {
+    QString heading = QString::fromStdString(group.value_or(""));
+    for (const AppPermission& permission : shownPermissions_) {
+      if (permission.group != group) continue;
+      permissions_.push_back(new PermissionAdapter(permission, std::exchange(heading, {}), *banner_, this));
+      permissions_.back()->set(permission.consentStatus, model_->offersSettings(permission));
+    }
+  }
+  Q_EMIT permissionsChanged();
+  for (PermissionAdapter* permission : former) permission->deleteLater();
 }
 
 void PreferenceCenterAdapter::refreshPermissions() {
   const auto& loaded = model_->permissions.get();
-  if (!std::ranges::equal(loaded, shownPermissions_, isSameButForStatus)) {
-    const auto former = std::exchange(permissions_, {});
-    shownPermissions_ = loaded;
-    std::vector<std::optional<std::string>> groups;
-    for (const AppPermission& permission : loaded) {
-      if (std::ranges::find(groups, permission.group) == groups.end()) groups.push_back(permission.group);
-    }
-    for (const auto& group : groups) {
-      for (const AppPermission& permission : loaded) {
-        if (permission.group == group) permissions_.push_back(shownPermission(permission));
-      }
-    }
-    Q_EMIT permissionsChanged();
-    for (PermissionAdapter* permission : former) permission->deleteLater();
-    return;
-  }
+  const bool isSameList = std::ranges::equal(loaded, shownPermissions_, isSameButForStatus);
   shownPermissions_ = loaded;
+  if (!isSameList) return remakePermissions();
   for (PermissionAdapter* shown : permissions_) {
-    const auto now = std::ranges::find(loaded, shown->key, &AppPermission::permissionId);
-    if (now == loaded.end()) continue;
-    const bool canUpdate = model_->offersSettings(*now);
-    if (now->consentStatus == shown->status && canUpdate == shown->canUpdate) continue;
-    shown->status = now->consentStatus;
-    shown->canUpdate = canUpdate;
-    Q_EMIT shown->changed();
+    const auto now = std::ranges::find(loaded, shown->key(), &AppPermission::permissionId);
+    if (now != loaded.end()) shown->set(now->consentStatus, model_->offersSettings(*now));
   }
 }
 

@@ -6,7 +6,6 @@ Sheet {
 
     required property PreferenceCenterAdapter model
 
-    readonly property bool isAtPurposes: model.tab === 0
     // What lies further down than anybody sees at first comes once the first picture is there: to lay out and draw all
     // of it in one turn would hold the host's loop.
     property bool hasAppeared: false
@@ -17,10 +16,10 @@ Sheet {
     }
 
     banner: model.banner
-    title: model.heading
+    title: model.name
     isBottom: isNarrow
     fillsHeight: true
-    widest: 640
+    widest: isWide ? Style.metrics.columnsWidth : Style.metrics.listWidth
     isLoading: model.banner.isLoading
     canClose: isModal
     footerColor: Style.colors.footer
@@ -28,7 +27,6 @@ Sheet {
     onCloseRequested: model.close()
     onRetried: model.load()
     onIsOnScreenChanged: if (isOnScreen) hasAppeared = true
-    onIsAtPurposesChanged: scrollBy(-1e6)
 
     header: [
         SheetHeader {
@@ -40,17 +38,22 @@ Sheet {
         },
         TabSelector {
             width: parent.width
-            tabs: [screen.model.purposesTab, screen.model.permissionsTab]
+            name: screen.model.name
+            tabs: screen.model.tabs
             current: screen.model.tab
             visible: screen.hasBody
-            onChosen: index => screen.model.tab = index
+            onChosen: index => {
+                screen.model.tab = index
+                screen.toTop()
+            }
         }
     ]
 
     Column {
+        id: purposes
         width: parent.width
-        spacing: 12
-        visible: screen.isAtPurposes
+        spacing: Style.metrics.gap
+        visible: screen.model.isAtPurposes
 
         RichTextView {
             width: parent.width
@@ -66,19 +69,15 @@ Sheet {
             width: parent.width
             content: screen.model.consentModeNote
         }
-        TextLink {
-            anchors.left: parent.left
-            text: screen.model.selectAllLabel
-            hint: screen.model.banner.activationHint
-            width: Math.min(implicitWidth, parent.width)
+        AllRow {
+            width: parent.width
+            preferences: screen.model
+            following: saveButton
             visible: screen.model.hasSwitchablePurposes
-            onClicked: screen.model.switchAll()
-            Accessible.role: Accessible.Button
-            // A screen reader hears a message that belongs to what it is at.
-            Accessible.name: text + (screen.model.voiceOverText === "" ? "" : ". " + screen.model.voiceOverText)
         }
         Progress {
             anchors.horizontalCenter: parent.horizontalCenter
+            label: screen.model.banner.loadingLabel
             visible: screen.model.arePurposesLoading && cards.count === 0
         }
         Failure {
@@ -87,33 +86,46 @@ Sheet {
             text: screen.model.purposesFailure
             onRetried: screen.model.load()
         }
-        Repeater {
-            id: cards
-            model: screen.model.purposes
+        Flow {
+            id: grid
 
-            // Many cards at once would hold the host's loop.
-            Loader {
-                id: place
+            readonly property real cellWidth: (width - spacing * (screen.columns - 1)) / screen.columns
 
-                required property var modelData
-                required property int index
+            width: parent.width
+            spacing: Style.metrics.gap
 
-                width: parent?.width ?? 0
-                active: screen.hasAppeared || index < screen.seenAtFirst
-                asynchronous: true
-                sourceComponent: PurposeCard {
-                    width: place.width
-                    purpose: place.modelData
-                    model: screen.model
-                    announcement: messageBar.text
+            Repeater {
+                id: cards
+                model: screen.model.purposes
+
+                // Many cards at once would hold the host's loop.
+                Loader {
+                    id: place
+
+                    required property PurposeAdapter modelData
+                    required property int index
+
+                    // qmllint disable unqualified
+                    width: grid.cellWidth
+                    active: screen.hasAppeared || index < screen.seenAtFirst
+                    asynchronous: true
+                    sourceComponent: PurposeCard {
+                        id: card
+                        width: place.width
+                        purpose: place.modelData
+                        model: screen.model
+                        announcement: messageBar.text
+                        onOpened: screen.revealGrowing(card)
+                    // qmllint enable unqualified
+                    }
                 }
             }
         }
     }
     Column {
         width: parent.width
-        spacing: 12
-        visible: !screen.isAtPurposes
+        spacing: Style.metrics.gap
+        visible: !screen.model.isAtPurposes
 
         RichTextView {
             width: parent.width
@@ -127,6 +139,7 @@ Sheet {
         }
         Progress {
             anchors.horizontalCenter: parent.horizontalCenter
+            label: screen.model.banner.loadingLabel
             visible: screen.model.arePermissionsLoading && rows.count === 0
         }
         Failure {
@@ -142,10 +155,11 @@ Sheet {
             Loader {
                 id: rowPlace
 
-                required property var modelData
+                required property PermissionAdapter modelData
                 required property int index
 
-                width: parent?.width ?? 0
+                // qmllint disable unqualified
+                width: purposes.width
                 active: screen.hasAppeared
                 asynchronous: true
                 sourceComponent: PermissionRow {
@@ -153,17 +167,24 @@ Sheet {
                     permission: rowPlace.modelData
                     index: rowPlace.index
                     model: screen.model
-                    beginsGroup: index === 0 || screen.model.permissions[index - 1].group !== permission.group
+                // qmllint enable unqualified
                 }
             }
         }
     }
 
+    message: Announcement {
+        id: messageBar
+        width: parent.width
+    }
     footer: ConsentButton {
+        id: saveButton
         width: parent.width
         text: screen.model.saveLabel
         hint: screen.model.banner.activationHint
         onClicked: screen.model.save()
+        // A screen reader hears a message that belongs to what it is at.
+        Accessible.name: activeFocus ? screen.model.banner.sentences(text, messageBar.text) : text
     }
     smallPrint: PoweredBy {
         width: parent.width
@@ -171,17 +192,14 @@ Sheet {
         visible: screen.model.banner.showsPoweredBy
     }
 
-    Announcement {
-        id: messageBar
-        parent: screen
-        z: 1
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: 96
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(parent.width - 48, 520)
-    }
     Connections {
-        target: screen.model
-        function onAnnounced(text) { messageBar.show(text) }
+        target: screen.model // qmllint disable
+        function onAnnounced(text: string) { messageBar.show(text) }
+        function onSaved(text: string) {
+            if (screen.isModal)
+                screen.farewell = text
+            else
+                messageBar.show(text)
+        }
     }
 }

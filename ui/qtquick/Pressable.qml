@@ -9,31 +9,52 @@ Item {
     property string text
     property font font: Style.label
     property string hint
+    // Where the Tab key goes from here, when that is not the next control.
+    property Item following: null
+    property bool takesPointer: true
     property bool isFocusedByPointer: false
     readonly property bool pressed: area.pressed
     readonly property bool hovered: area.containsMouse
     readonly property bool visualFocus: activeFocus && !isFocusedByPointer
     signal clicked
 
+    // Assistive technology may still hold what is covered or on its way out.
+    function press() {
+        if (enabled)
+            clicked()
+    }
+    // A key that is held acts once.
+    function pressByKey(event) {
+        if (!event.isAutoRepeat)
+            press()
+    }
+
     activeFocusOnTab: true
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.description: hint
     Accessible.focusable: true
-    Accessible.onPressAction: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onSpacePressed: clicked()
+    Accessible.onPressAction: press()
+    Keys.onReturnPressed: event => pressByKey(event)
+    Keys.onEnterPressed: event => pressByKey(event)
+    Keys.onSpacePressed: event => pressByKey(event)
+    Keys.onTabPressed: event => {
+        event.accepted = following !== null
+        if (event.accepted)
+            following.forceActiveFocus(Qt.TabFocusReason)
+    }
     onActiveFocusChanged: if (!activeFocus) isFocusedByPointer = false
 
     MouseArea {
         id: area
         anchors.fill: parent
+        enabled: control.takesPointer
         hoverEnabled: true
+        cursorShape: Qt.PointingHandCursor
         onPressed: {
             control.isFocusedByPointer = true
             control.forceActiveFocus(Qt.MouseFocusReason)
         }
-        onClicked: control.clicked()
+        onClicked: control.press()
     }
 }

@@ -2,10 +2,14 @@ import QtQuick
 import Quillon.Consent
 
 Item {
-    implicitWidth: 32
-    implicitHeight: 32
+    id: progress
+
+    required property string label
+
+    implicitWidth: Style.metrics.sdkLogo
+    implicitHeight: Style.metrics.sdkLogo
     Accessible.role: Accessible.Animation
-    Accessible.name: "…"
+    Accessible.name: label
 
     Icon {
         anchors.fill: parent
@@ -17,7 +21,7 @@ Item {
             to: 360
             duration: 900
             loops: Animation.Infinite
-            running: Style.duration > 0
+            running: Style.duration > 0 && progress.visible
         }
     }
 }

@@ -7,8 +7,8 @@ Sheet {
     required property SettingsPromptAdapter model
 
     banner: model.banner
-    title: model.heading
-    widest: 400
+    title: model.name
+    widest: Style.metrics.promptWidth
     isLoading: model.isLoading
     failure: model.failure
     onCloseRequested: model.close()
@@ -29,9 +29,8 @@ Sheet {
 
     footer: AnswerRow {
         width: parent.width
-        answers: screen.model.hasFailed ? [] : [{ text: screen.model.notNowButton, action: 0 }, { text: screen.model.settingsButton, action: 1 }]
+        model: screen.model.answers
         hint: screen.model.banner.activationHint
-        visible: answers.length > 0
-        onChosen: action => action === 1 ? screen.model.openSettings() : screen.model.notNow()
+        onChosen: action => screen.model.perform(action)
     }
 }

@@ -2,56 +2,59 @@
 
 namespace quillon {
 
-SdkAdapter::SdkAdapter(const SDK& sdk, const std::shared_ptr<ConsentBannerViewModel>& banner, QObject* parent)
+SdkAdapter::SdkAdapter(const SDK& sdk, const ConsentBannerAdapter& banner, QObject* parent)
     : QObject(parent),
-      banner_(banner),
-      name_(QString::fromStdString(banner->text(sdk.sdkName))),
-      description_(new RichTextAdapter(banner->sdk(), this)),
+      model_(banner.model()),
+      name_(banner.words(sdk.sdkName)),
+      description_(new RichTextAdapter(model_->sdk(), this)),
       logo_(new PictureSource(this)),
       website_(QString::fromStdString(sdk.website.value_or(""))),
-      websiteLabel_(QString::fromStdString(banner->label(Label::developerURL))) {
-  description_->setHtml(banner->text(sdk.sdkDescription));
+      websiteLabel_(banner.label(Label::developerURL)),
+      websiteName_(banner.joined(Label::partOf, websiteLabel_, name_)) {
+  description_->setHtml(model_->text(sdk.sdkDescription));
   if (sdk.logoBase64) {
-    logo_->load(banner->sdk(), [text = *sdk.logoBase64](ScreenServices& services) {
+    logo_->load(model_->sdk(), [text = *sdk.logoBase64](ScreenServices& services) {
       return imageFromBase64(text, services.logger());
     });
   }
-  const auto add = [&](Label label, const std::optional<std::string>& value) {
-    if (!value || value->empty()) return;
-    facts_.push_back(
-        QVariant::fromValue(SdkFact{QString::fromStdString(banner->label(label)), QString::fromStdString(*value)}));
+  const auto add = [&](Label label, const QString& value) {
+    if (value.isEmpty()) return;
+    const QString name = banner.label(label);
+    facts_.push_back(QVariant::fromValue(SdkFact{name, value, banner.joined(Label::fact, name, value)}));
   };
-  add(Label::vendor, sdk.vendor);
-  if (sdk.collectingData) add(Label::dataCollected, banner->label(*sdk.collectingData ? Label::yes : Label::no));
-  add(Label::licence, sdk.license);
-  add(Label::releaseDate, sdk.releaseDate);
+  add(Label::vendor, QString::fromStdString(sdk.vendor.value_or("")));
+  if (sdk.collectingData) add(Label::dataCollected, banner.label(*sdk.collectingData ? Label::yes : Label::no));
+  add(Label::licence, QString::fromStdString(sdk.license.value_or("")));
+  add(Label::releaseDate, QString::fromStdString(sdk.releaseDate.value_or("")));
 }
 
 void SdkAdapter::openWebsite() const {
-  banner_->openLink(website_.toStdString());
+  model_->openLink(website_.toStdString());
 }
 
 PurposeAdapter::PurposeAdapter(std::shared_ptr<const Purpose> purpose,
-                               const std::shared_ptr<PreferenceCenterViewModel>& model, QObject* parent)
+                               const std::shared_ptr<PreferenceCenterViewModel>& model,
+                               const ConsentBannerAdapter& banner, QObject* parent)
     : QObject(parent),
       purpose_(std::move(purpose)),
       model_(model),
+      banner_(banner),
       description_(new RichTextAdapter(model->banner()->sdk(), this)),
       disclaimer_(new RichTextAdapter(model->banner()->sdk(), this)),
       toggle_(model->toggle(*purpose_)) {
-  const auto& banner = model_->banner();
-  description_->setHtml(banner->text(purpose_->purposeDescription));
+  description_->setHtml(model->banner()->text(purpose_->purposeDescription));
   if (purpose_->isATTMapped.value_or(false)) {
-    disclaimer_->setHtml(banner->text(purpose_->attDescription));
+    disclaimer_->setHtml(model->banner()->text(purpose_->attDescription));
   } else if (purpose_->disableOptOut.value_or(false)) {
-    disclaimer_->setHtml(banner->text(purpose_->optOutText));
+    disclaimer_->setHtml(model->banner()->text(purpose_->optOutText));
   } else if (purpose_->isOptedOutBySignal) {
-    disclaimer_->setHtml(banner->label(Label::privacySignalExplanation));
+    disclaimer_->setHtml(model->banner()->label(Label::privacySignalExplanation));
   }
+  connect(description_, &Adapter::changed, this, &PurposeAdapter::changed);
 }
 
 QString PurposeAdapter::name() const {
-  return QString::fromStdString(model_->banner()->text(purpose_->purposeName));
+  return banner_.words(purpose_->purposeName);
 }
 
 bool PurposeAdapter::hasSdks() const {
@@ -59,16 +62,33 @@ bool PurposeAdapter::hasSdks() const {
 }
 
 bool PurposeAdapter::hasSwitch() const {
-  const auto& banner = model_->banner()->bannerConfig.get();
-  const bool hidesEssential = banner && banner->hideToggleForEssentialCategories.value_or(false);
+  const bool hidesEssential = banner_.config().hideToggleForEssentialCategories.value_or(false);
   return !(hidesEssential && purpose_->disableOptOut.value_or(false));
 }
 
-QString PurposeAdapter::explanation() const {
-  if (toggle_.isEnabled) return {};
-  return QString::fromStdString(model_->banner()->label(purpose_->isATTMapped.value_or(false)
-                                                            ? Label::attManagedPurposeExplanation
-                                                            : Label::essentialPurposeExplanation));
+// The model calls it always active whatever it is bound to. One that is off is not.
+QString PurposeAdapter::state() const {
+  return isDeclined() ? banner_.label(Label::rejected) : QString::fromStdString(toggle_.label);
+}
+
+QString PurposeAdapter::reason() const {
+  return isDeclined() && purpose_->isATTMapped.value_or(false) ? banner_.label(Label::trackingNotAllowed) : QString();
+}
+
+QString PurposeAdapter::switchDescription() const {
+  if (toggle_.isEnabled) return banner_.joined(Label::twoSentences, state(), QString::fromStdString(toggle_.hint));
+  const QString explanation = banner_.label(purpose_->isATTMapped.value_or(false) ? Label::attManagedPurposeExplanation
+                                                                                  : Label::essentialPurposeExplanation);
+  return banner_.joined(Label::twoSentences, banner_.joined(Label::twoSentences, state(), reason()), explanation);
+}
+
+bool PurposeAdapter::canExpand() const {
+  const bool showsDescription = banner_.config().showDescriptionTextWithPrefCenterToggle.value_or(false);
+  return hasSdks() || (!showsDescription && !description_->plainText().isEmpty());
+}
+
+QString PurposeAdapter::detailsName() const {
+  return banner_.joined(Label::partOf, banner_.label(Label::details), name());
 }
 
 void PurposeAdapter::tapToggle() const {
@@ -76,8 +96,8 @@ void PurposeAdapter::tapToggle() const {
 }
 
 void PurposeAdapter::loadSdks() {
-  if (!sdks_.isEmpty() || !hasSdks()) return;
-  for (const SDK& sdk : *purpose_->sdks) sdks_.push_back(new SdkAdapter(sdk, model_->banner(), this));
+  if (!sdks_.empty() || !hasSdks()) return;
+  for (const SDK& sdk : *purpose_->sdks) sdks_.push_back(new SdkAdapter(sdk, banner_, this));
   Q_EMIT sdksChanged();
 }
 

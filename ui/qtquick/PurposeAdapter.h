@@ -6,6 +6,7 @@
 #include <QVariantList>
 
 #include "ui/PreferenceCenter/PreferenceCenterViewModel.h"
+#include "ui/qtquick/ConsentBannerAdapter.h"
 #include "ui/qtquick/Picture.h"
 #include "ui/qtquick/RichTextAdapter.h"
 
@@ -14,70 +15,84 @@ namespace quillon {
 // A line of facts about an SDK.
 struct SdkFact {
   Q_GADGET
+  QML_VALUE_TYPE(sdkFact)
   Q_PROPERTY(QString label MEMBER label)
   Q_PROPERTY(QString value MEMBER value)
+  // Both, as they are read out.
+  Q_PROPERTY(QString sentence MEMBER sentence)
 
  public:
   QString label;
   QString value;
+  QString sentence;
 };
 
 // A component that a purpose covers.
 class SdkAdapter : public QObject {
   Q_OBJECT
-  QML_ANONYMOUS
+  QML_ELEMENT
+  QML_UNCREATABLE("made for each component")
   Q_PROPERTY(QString name MEMBER name_ CONSTANT)
   Q_PROPERTY(quillon::RichTextAdapter* description MEMBER description_ CONSTANT)
   Q_PROPERTY(quillon::PictureSource* logo MEMBER logo_ CONSTANT)
   Q_PROPERTY(QVariantList facts MEMBER facts_ CONSTANT)
   Q_PROPERTY(QString website MEMBER website_ CONSTANT)
   Q_PROPERTY(QString websiteLabel MEMBER websiteLabel_ CONSTANT)
+  // Tells it from the links of the other components.
+  Q_PROPERTY(QString websiteName MEMBER websiteName_ CONSTANT)
 
  public:
-  SdkAdapter(const SDK& sdk, const std::shared_ptr<ConsentBannerViewModel>& banner, QObject* parent);
+  SdkAdapter(const SDK& sdk, const ConsentBannerAdapter& banner, QObject* parent);
 
   Q_INVOKABLE void openWebsite() const;
 
  private:
-  const std::shared_ptr<ConsentBannerViewModel> banner_;
+  const std::shared_ptr<ConsentBannerViewModel> model_;
   QString name_;
   RichTextAdapter* description_;
   PictureSource* logo_;
   QVariantList facts_;
   QString website_;
   QString websiteLabel_;
+  QString websiteName_;
 };
 
 class PurposeAdapter : public QObject {
   Q_OBJECT
-  QML_ANONYMOUS
+  QML_ELEMENT
+  QML_UNCREATABLE("made for each purpose")
   Q_PROPERTY(QString name READ name CONSTANT)
   Q_PROPERTY(quillon::RichTextAdapter* description MEMBER description_ CONSTANT)
   // Empty but for a purpose that cannot be switched.
   Q_PROPERTY(quillon::RichTextAdapter* disclaimer MEMBER disclaimer_ CONSTANT)
-  Q_PROPERTY(QList<QObject*> sdks READ sdks NOTIFY sdksChanged)
+  Q_PROPERTY(QVariantList sdks READ sdks NOTIFY sdksChanged)
   Q_PROPERTY(bool hasSdks READ hasSdks CONSTANT)
   Q_PROPERTY(bool isOn READ isOn NOTIFY changed)
   Q_PROPERTY(bool isSwitchable READ isSwitchable NOTIFY changed)
   Q_PROPERTY(bool hasSwitch READ hasSwitch NOTIFY changed)
   Q_PROPERTY(QString state READ state NOTIFY changed)
-  Q_PROPERTY(QString hint READ hint NOTIFY changed)
-  Q_PROPERTY(QString explanation READ explanation CONSTANT)
+  // Why it is off and stays so; empty for one that is on or can be switched.
+  Q_PROPERTY(QString reason READ reason NOTIFY changed)
+  Q_PROPERTY(QString switchDescription READ switchDescription NOTIFY changed)
+  // Whether there is more to see of it than at first.
+  Q_PROPERTY(bool canExpand READ canExpand NOTIFY changed)
+  Q_PROPERTY(QString detailsName READ detailsName CONSTANT)
 
  public:
   PurposeAdapter(std::shared_ptr<const Purpose> purpose, const std::shared_ptr<PreferenceCenterViewModel>& model,
-                 QObject* parent);
+                 const ConsentBannerAdapter& banner, QObject* parent);
 
   QString name() const;
-  QList<QObject*> sdks() const { return sdks_; }
+  QVariantList sdks() const { return listOf(sdks_); }
   bool hasSdks() const;
   bool isOn() const { return toggle_.isOn; }
   bool isSwitchable() const { return toggle_.isEnabled; }
   bool hasSwitch() const;
-  QString state() const { return QString::fromStdString(toggle_.label); }
-  QString hint() const { return QString::fromStdString(toggle_.hint); }
-  // Why it cannot be switched; empty when it can.
-  QString explanation() const;
+  QString state() const;
+  QString reason() const;
+  QString switchDescription() const;
+  bool canExpand() const;
+  QString detailsName() const;
 
   Q_INVOKABLE void tapToggle() const;
   // Fills the list of SDKs, which is long and seldom looked at.
@@ -91,11 +106,15 @@ class PurposeAdapter : public QObject {
   void sdksChanged();
 
  private:
+  // By the device, which does not allow tracking.
+  bool isDeclined() const { return !toggle_.isOn && !toggle_.isEnabled; }
+
   const std::shared_ptr<const Purpose> purpose_;
   const std::shared_ptr<PreferenceCenterViewModel> model_;
+  const ConsentBannerAdapter& banner_;
   RichTextAdapter* const description_;
   RichTextAdapter* const disclaimer_;
-  QList<QObject*> sdks_;
+  std::vector<SdkAdapter*> sdks_;
   PurposeToggle toggle_;
 };
 

@@ -12,6 +12,7 @@
 #include "core/Logger/UnitLog.h"
 #include "ui/PreferenceCenter/PreferenceCenterViewModel.h"
 #include "ui/SettingsPrompt/SettingsPromptViewModel.h"
+#include "ui/qtquick/AccessibleScope.h"
 #include "ui/qtquick/Incubation.h"
 #include "ui/qtquick/MainQueue.h"
 #include "ui/qtquick/Module.h"
@@ -41,6 +42,12 @@ const std::vector<SettingsProgram>& settingsPrograms() {
   return programs;
 }
 
+// The pages of the application in that item and below.
+void coverPages(QQuickItem& item, bool isCovered) {
+  if (auto* page = qobject_cast<AccessibleScope*>(&item)) page->setCovered(isCovered);
+  for (QQuickItem* child : item.childItems()) coverPages(*child, isCovered);
+}
+
 }  // namespace
 
 std::shared_ptr<QtScreenPresenter> QtScreenPresenter::make(QtQuickOptions options) {
@@ -58,7 +65,9 @@ QtScreenPresenter::~QtScreenPresenter() {
 
 // Everything that must not outlive the application object.
 void QtScreenPresenter::clear() {
-  for (Screen* screen : std::exchange(stack_, {})) delete screen;
+  stack_.clear();
+  // Those that are on their way out included.
+  qDeleteAll(findChildren<Screen*>(Qt::FindDirectChildrenOnly));
   ownWindow_.reset();
   components_.clear();
   engine_.reset();
@@ -134,6 +143,7 @@ void QtScreenPresenter::presentWebView(Services sdk, const std::string& link) {
 
 void QtScreenPresenter::present(std::unique_ptr<Screen> made) {
   Screen* screen = made.release();
+  screen->setParent(this);
   stack_.push_back(screen);
   connect(screen, &Screen::created, this, [this, screen] { show(screen); });
   connect(screen, &Screen::lostWindow, this, [this, screen] { dismiss(screen); });
@@ -167,6 +177,22 @@ void QtScreenPresenter::show(Screen* screen) {
   constexpr double lowest = 1'000'000;
   screen->item()->setZ(lowest + static_cast<double>(height));
   screen->showIn(*window);
+  coverBelowTop(*window);
+}
+
+void QtScreenPresenter::coverBelowTop(QQuickWindow& window) {
+  QQuickItem* top = nullptr;
+  for (const Screen* screen : stack_) {
+    QQuickItem* const item = screen->item();
+    if (!item || item->window() != &window) continue;
+    if (top) top->setProperty("isCovered", true);
+    item->setProperty("isCovered", false);
+    top = item;
+  }
+  for (QQuickItem* child : window.contentItem()->childItems()) {
+    // Screens are no pages, those that are on their way out included.
+    if (!child->property("isLeaving").isValid()) coverPages(*child, top != nullptr);
+  }
 }
 
 void QtScreenPresenter::styleAfterTop() {
@@ -191,6 +217,9 @@ void QtScreenPresenter::dismiss(Screen* screen) {
     if (screen->contains(above->formerFocus)) above->formerFocus = screen->formerFocus;
   }
   screen->disconnect(this);
+  // A window that is there for the screens only goes with the last of them.
+  if (ownWindow_ && screen->item()) screen->item()->setProperty("farewell", QString());
+  if (screen->item() && screen->item()->window()) coverBelowTop(*screen->item()->window());
   connect(screen, &QObject::destroyed, this, [this] { closeOwnWindow(); });
   screen->leave();
   styleAfterTop();
@@ -241,6 +270,8 @@ bool QtScreenPresenter::eventFilter(QObject* watched, QEvent* event) {
   if (top->property("keepsTabKey").toBool()) return false;
   const bool isForward = key->key() == Qt::Key_Tab && !key->modifiers().testFlag(Qt::ShiftModifier);
   QQuickItem* const begin = top->window()->activeFocusItem();
+  // It knows itself where to go on.
+  if (isForward && begin && begin->property("following").value<QQuickItem*>()) return false;
   QQuickItem* next = begin ? begin : topItem();
   // Once around the window at most; the host's controls are stepped over.
   constexpr int mostItems = 10'000;

@@ -51,6 +51,8 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   // Takes the screen off the stack.
   void dismiss(Screen* screen);
   void styleAfterTop();
+  // Takes from the keyboard and from assistive technology what lies below the top-most screen of the window.
+  void coverBelowTop(QQuickWindow& window);
   QQuickWindow* hostWindow();
   void closeOwnWindow();
   void clear();

@@ -1,6 +1,7 @@
 // The browser of the web view sheet: what an optional library supplies.
 #pragma once
 
+#include <QtQml/qqmlregistration.h>
 #include <QObject>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -13,6 +14,7 @@ namespace quillon {
 
 class QuickWebSurface : public QObject, public WebSurface {
   Q_OBJECT
+  QML_ANONYMOUS
 
  public:
   // Shows the page. Null until there is something to show; stays the surface's own.

@@ -1,5 +1,17 @@
 #include "ui/qtquick/RichTextAdapter.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextLayout>
+#include <QTextOption>
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "ui/qtquick/Words.h"
+
 namespace quillon {
 namespace {
 
@@ -13,7 +25,7 @@ QString relativeSize(double scale) {
   return "x-small";
 }
 
-QString spanOf(const TextRun& run) {
+QString spanOf(const TextRun& run, const QString& words) {
   QString style;
   if (run.font == TextRun::bold) style += "font-weight:600;";
   if (run.font == TextRun::italic) style += "font-style:italic;";
@@ -25,9 +37,34 @@ QString spanOf(const TextRun& run) {
     style += ";";
   }
   // Blanks that were kept are kept, and the line feeds of the text are its only ones.
-  QString text = QString::fromStdString(run.text).toHtmlEscaped();
+  QString text = words.toHtmlEscaped();
   text.replace('\n', "<br/>");
   return style.isEmpty() ? text : "<span style=\"" + style + "\">" + text + "</span>";
+}
+
+QString wordsOf(const TextRun& run) {
+  return QString::fromStdString(run.text);
+}
+
+QFont fontOf(const TextRun& run, QFont font) {
+  font.setPixelSize(qRound(font.pixelSize() * run.scale));
+  if (run.font == TextRun::bold) font.setWeight(QFont::DemiBold);
+  return font;
+}
+
+// The rectangles of the lines between two positions of a block.
+void addLines(const QTextBlock& block, QPointF origin, int begin, int end, QVariantList& rectangles) {
+  const QTextLayout& layout = *block.layout();
+  for (int i = 0; i < layout.lineCount(); ++i) {
+    const QTextLine line = layout.lineAt(i);
+    const int first = std::max(begin, line.textStart());
+    const int last = std::min(end, line.textStart() + line.textLength());
+    if (first >= last) continue;
+    const double from = line.cursorToX(first);
+    const double to = line.cursorToX(last);
+    rectangles.push_back(
+        QRectF(origin.x() + std::min(from, to), origin.y() + line.y(), std::abs(to - from), line.height()));
+  }
 }
 
 }  // namespace
@@ -48,25 +85,79 @@ void RichTextAdapter::refresh() {
   plainText_.clear();
   links_.clear();
   addresses_.clear();
+  linkOfRun_.clear();
   const auto& text = model_->attributedString.get();
   if (!text) return;
+  const TextRun* former = nullptr;
   for (const TextRun& run : text->runs) {
-    const QString words = QString::fromStdString(run.text);
-    plainText_ += words;
-    if (!run.link) {
-      markup_ += spanOf(run);
-      continue;
-    }
-    // A link may consist of several runs.
-    if (addresses_.empty() || addresses_.back() != *run.link) {
+    plainText_ += wordsOf(run);
+    // A link may consist of several runs; with other text between them there are two.
+    if (run.link && !(former && former->link == run.link)) {
       addresses_.push_back(*run.link);
       links_.push_back({});
     }
-    links_.back() += words;
-    const QString number = QString::number(addresses_.size() - 1);
-    markup_ += "<a href=\"" + number + "\" class=\"l" + number + "\">" + spanOf(run) + "</a>";
+    if (run.link) links_.back() += wordsOf(run);
+    linkOfRun_.push_back(run.link ? addresses_.size() : 0);
+    former = &run;
   }
-  if (!markup_.isEmpty()) markup_ = "<div style=\"white-space:pre-wrap\">" + markup_ + "</div>";
+  markup_ = markupOf(wordsOf);
+}
+
+QString RichTextAdapter::markupOf(const std::function<QString(const TextRun&)>& wordsOf) const {
+  const auto& text = model_->attributedString.get();
+  if (!text || text->runs.empty()) return {};
+  QString markup = "<div style=\"white-space:pre-wrap\">";
+  for (std::size_t i = 0; i < text->runs.size(); ++i) {
+    const QString span = spanOf(text->runs[i], wordsOf(text->runs[i]));
+    const std::size_t link = linkOfRun_[i];
+    markup += link == 0 ? span : "<a href=\"" + QString::number(link - 1) + "\">" + span + "</a>";
+  }
+  return markup + "</div>";
+}
+
+QString RichTextAdapter::document(const QFont& font, double width, const QString& language, const QColor& links) const {
+  const QString style = "<style>a { color: " + links.name() + "; }</style>";
+  const auto& text = model_->attributedString.get();
+  const bool fits = !text || width <= 0 || std::ranges::all_of(text->runs, [&](const TextRun& run) {
+    return Words::longest(wordsOf(run), fontOf(run, font)) <= width;
+  });
+  if (fits) return style + markup_;
+  return style +
+         markupOf([&](const TextRun& run) { return Words::divided(wordsOf(run), fontOf(run, font), width, language); });
+}
+
+QVariantList RichTextAdapter::places(const QString& document, const QFont& font, double width, int alignment,
+                                     double lineHeight) {
+  // As QQuickText does.
+  QTextDocument text;
+  text.setDocumentMargin(0);
+  text.setDefaultFont(font);
+  text.setHtml(document);
+  QTextOption option(static_cast<Qt::Alignment>(alignment));
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  option.setUseDesignMetrics(true);
+  text.setDefaultTextOption(option);
+  for (QTextBlock block = text.begin(); block.isValid(); block = block.next()) {
+    QTextBlockFormat format = block.blockFormat();
+    constexpr int percent = 100;
+    format.setLineHeight(lineHeight * percent, QTextBlockFormat::ProportionalHeight);
+    QTextCursor(block).setBlockFormat(format);
+  }
+  text.setTextWidth(width);
+
+  std::map<int, QVariantList> places;
+  for (QTextBlock block = text.begin(); block.isValid(); block = block.next()) {
+    const QPointF origin = text.documentLayout()->blockBoundingRect(block).topLeft();
+    for (auto at = block.begin(); !at.atEnd(); ++at) {
+      const QTextFragment fragment = at.fragment();
+      if (!fragment.charFormat().isAnchor()) continue;
+      const int begin = fragment.position() - block.position();
+      addLines(block, origin, begin, begin + fragment.length(), places[fragment.charFormat().anchorHref().toInt()]);
+    }
+  }
+  QVariantList all;
+  for (const auto& [link, rectangles] : places) all.push_back(QVariant(rectangles));
+  return all;
 }
 
 void RichTextAdapter::open(int link) const {

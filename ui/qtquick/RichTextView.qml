@@ -7,11 +7,10 @@ Text {
 
     required property RichTextAdapter content
     property color inkOfLinks: Style.colors.link
-    property int focusedLink: -1
+    // Of each link, the rectangles of its lines.
+    readonly property var places: content.links.length > 0 ? content.places(text, font, width, effectiveHorizontalAlignment, lineHeight) : []
 
-    text: content.markup === "" ? "" : "<style>a { color: " + inkOfLinks + "; }"
-          + (focusedLink < 0 ? "" : ".l" + focusedLink + " { background-color: " + Style.colors.linkHighlight + "; font-weight: 600; }")
-          + "</style>" + content.markup
+    text: content.markup === "" ? "" : content.document(font, width, Style.language, inkOfLinks)
     textFormat: Text.RichText
     font: Style.body
     color: Style.colors.text
@@ -34,25 +33,45 @@ Text {
     Repeater {
         model: view.content.links
 
-        Item {
+        Pressable {
+            id: link
+
             required property int index
             required property string modelData
+            // qmllint disable unqualified
+            readonly property var lines: view.places[index] ?? []
+            readonly property rect place: lines.reduce((all, line) => Qt.rect(
+                Math.min(all.x, line.x), all.y,
+                Math.max(all.right, line.right) - Math.min(all.x, line.x), line.bottom - all.y), lines[0] ?? Qt.rect(0, 0, 0, 0))
 
-            anchors.fill: parent
-            activeFocusOnTab: true
-            onActiveFocusChanged: {
-                if (activeFocus)
-                    view.focusedLink = index
-                else if (view.focusedLink === index)
-                    view.focusedLink = -1
-            }
-            Keys.onReturnPressed: view.content.open(index)
-            Keys.onEnterPressed: view.content.open(index)
-            Keys.onSpacePressed: view.content.open(index)
+            x: place.x
+            y: place.y
+            width: place.width
+            height: place.height
+            text: modelData
+            // What lies between the ends of its lines belongs to others.
+            takesPointer: false
+            onClicked: view.content.open(index)
             Accessible.role: Accessible.Link
-            Accessible.name: modelData
-            Accessible.focusable: true
-            Accessible.onPressAction: view.content.open(index)
+
+            Repeater {
+                model: link.lines
+
+                Rectangle {
+                    required property rect modelData
+
+                    x: modelData.x - link.x - Style.metrics.ringWidth
+                    y: modelData.y - link.y
+                    width: modelData.width + 2 * Style.metrics.ringWidth
+                    height: modelData.height
+                    radius: Style.metrics.hairGap
+                    color: "transparent"
+                    border.width: Style.metrics.ringWidth
+                    border.color: view.inkOfLinks
+                    visible: link.visualFocus
+            // qmllint enable unqualified
+                }
+            }
         }
     }
 }

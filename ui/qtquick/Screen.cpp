@@ -53,6 +53,9 @@ void Screen::leave() {
     return;
   }
   const bool hadFocus = item_->hasActiveFocus();
+  connect(item_, &QQuickItem::windowChanged, this, [this](const QQuickWindow* now) {
+    if (!now) deleteLater();
+  });
   // A signal of QML's.
   connect(item_, SIGNAL(gone()), this, SLOT(deleteLater()));
   QMetaObject::invokeMethod(item_, "leave");

@@ -5,15 +5,15 @@ import Quillon.Consent
 Item {
     id: card
 
-    required property var sdk
+    required property SdkAdapter sdk
 
     implicitHeight: column.height
 
     Picture {
         id: logo
         anchors.left: parent.left
-        width: 32
-        height: 32
+        width: Style.metrics.sdkLogo
+        height: width
         source: card.sdk.logo
         visible: card.sdk.logo.exists
         Accessible.ignored: true
@@ -21,67 +21,32 @@ Item {
     Column {
         id: column
         anchors.left: parent.left
-        anchors.leftMargin: card.sdk.logo.exists ? 44 : 0
+        anchors.leftMargin: card.sdk.logo.exists ? logo.width + Style.metrics.gap : 0
         anchors.right: parent.right
-        spacing: 4
+        spacing: Style.metrics.hairGap
 
-        Text {
+        PlainText {
             width: parent.width
-            text: card.sdk.name
-            textFormat: Text.PlainText
+            words: card.sdk.name
             font: Style.label
-            color: Style.colors.text
-            wrapMode: Text.Wrap
-            horizontalAlignment: Text.AlignLeft
             Accessible.role: Accessible.Heading
-            Accessible.name: text
         }
         RichTextView {
             width: parent.width
             content: card.sdk.description
             font: Style.caption
-            color: Style.colors.text
         }
-        Item { width: 1; height: 4 }
+        Item { width: 1; height: Style.metrics.hairGap }
         Repeater {
             model: card.sdk.facts
 
-            Item {
-                id: fact
+            FactRow {
+                required property sdkFact modelData
 
-                required property var modelData
-                // One below the other where they are long.
-                readonly property bool isRow: label.implicitWidth + value.implicitWidth + 16 <= width
-
+                fact: modelData
+                // qmllint disable unqualified
                 width: column.width
-                implicitHeight: isRow ? Math.max(label.implicitHeight, value.implicitHeight) : label.implicitHeight + value.implicitHeight
-                Accessible.role: Accessible.StaticText
-                Accessible.name: modelData.label + ": " + modelData.value
-
-                Text {
-                    id: label
-                    anchors.left: parent.left
-                    text: fact.modelData.label
-                    textFormat: Text.PlainText
-                    font: Style.caption
-                    color: Style.colors.quietText
-                    width: Math.min(implicitWidth, parent.width)
-                    wrapMode: Text.Wrap
-                    Accessible.ignored: true
-                }
-                Text {
-                    id: value
-                    anchors.right: parent.right
-                    y: fact.isRow ? 0 : label.implicitHeight
-                    text: fact.modelData.value
-                    textFormat: Text.PlainText
-                    font: Style.caption
-                    color: Style.colors.text
-                    width: parent.width - (fact.isRow ? label.width + 16 : 0)
-                    horizontalAlignment: fact.isRow ? Text.AlignRight : Text.AlignLeft
-                    wrapMode: Text.Wrap
-                    Accessible.ignored: true
-                }
+                // qmllint enable unqualified
             }
         }
         TextLink {
@@ -91,6 +56,7 @@ Item {
             width: Math.min(implicitWidth, parent.width)
             visible: card.sdk.website !== ""
             onClicked: card.sdk.openWebsite()
+            Accessible.name: card.sdk.websiteName
         }
     }
 }

@@ -19,9 +19,9 @@ class SettingsPromptAdapter : public Adapter {
   Q_PROPERTY(bool hasFailed READ hasFailed NOTIFY changed)
   Q_PROPERTY(QString failure READ failure NOTIFY changed)
   Q_PROPERTY(QString heading READ heading NOTIFY changed)
+  Q_PROPERTY(QString name READ name NOTIFY changed)
   Q_PROPERTY(quillon::RichTextAdapter* message READ message CONSTANT)
-  Q_PROPERTY(QString settingsButton READ settingsButton NOTIFY changed)
-  Q_PROPERTY(QString notNowButton READ notNowButton NOTIFY changed)
+  Q_PROPERTY(QVariantList answers READ answers NOTIFY changed)
 
  public:
   explicit SettingsPromptAdapter(std::unique_ptr<SettingsPromptViewModel> model, QObject* parent = nullptr)
@@ -38,17 +38,20 @@ class SettingsPromptAdapter : public Adapter {
   bool hasFailed() const { return model_->banner()->settingsPromptResult.get().error() != nullptr; }
   QString failure() const { return messageOf(model_->banner()->settingsPromptResult.get()); }
   QString heading() const { return QString::fromStdString(content_.heading); }
+  QString name() const { return heading().isEmpty() ? banner_->label(Label::openSettings) : heading(); }
   RichTextAdapter* message() const { return message_; }
-  QString settingsButton() const { return QString::fromStdString(content_.settingsButton); }
-  QString notNowButton() const { return QString::fromStdString(content_.notNowButton); }
+  QVariantList answers() const {
+    if (hasFailed()) return {};
+    return {QVariant::fromValue(BannerControl{notNow, QString::fromStdString(content_.notNowButton)}),
+            QVariant::fromValue(BannerControl{openSettings, QString::fromStdString(content_.settingsButton)})};
+  }
 
   // Loads what the screen shows, or tries it again.
   Q_INVOKABLE void load() {
     model_->banner()->loadBannerConfig();
     model_->banner()->loadSettingsPrompt();
   }
-  Q_INVOKABLE void openSettings() { model_->openSettings(); }
-  Q_INVOKABLE void notNow() { model_->notNow(); }
+  Q_INVOKABLE void perform(int action) { action == openSettings ? model_->openSettings() : model_->notNow(); }
   Q_INVOKABLE void close() { model_->close(); }
 
  protected:
@@ -58,6 +61,8 @@ class SettingsPromptAdapter : public Adapter {
   }
 
  private:
+  enum Action { notNow, openSettings };
+
   const std::unique_ptr<SettingsPromptViewModel> model_;
   ConsentBannerAdapter* const banner_;
   RichTextAdapter* const message_;

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quillon.Consent
 
 // The surface of every screen, with a header and a footer that stay while the body scrolls, as long as there is room for
@@ -13,7 +12,7 @@ FocusScope {
     property bool isModal: true
     property bool isBottom: false
     property bool fillsHeight: false
-    property real widest: 480
+    property real widest: Style.metrics.dialogWidth
     property bool canClose: true
     property bool isLoading: false
     // Takes the place of the body, when that cannot be loaded.
@@ -21,6 +20,8 @@ FocusScope {
     property color footerColor: Style.colors.background
     property alias header: headerColumn.data
     default property alias body: bodyColumn.data
+    // Between the body and the footer, for a while.
+    property alias message: messagePlace.data
     property alias footer: footerColumn.data
     // Below the footer.
     property alias smallPrint: smallPrintColumn.data
@@ -30,25 +31,35 @@ FocusScope {
     signal retried
     signal gone
 
-    readonly property bool isNarrow: width < 600
+    readonly property bool isNarrow: width < Style.metrics.narrowWindow
+    readonly property bool isWide: width >= Style.metrics.wideWindow
     readonly property bool isFloating: !isModal || !isBottom || !isNarrow
-    readonly property int margin: isNarrow ? 16 : 24
-    readonly property int inset: width < 360 ? 16 : isNarrow ? 20 : 24
+    readonly property int margin: isNarrow ? Style.metrics.largeGap : 2 * Style.metrics.gap
+    readonly property int inset: width < Style.metrics.tinyWindow ? 16 : isNarrow ? 20 : 24
     readonly property real tallest: !isModal ? height : height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16))
     // Lines hold as many words of large text.
     readonly property real magnification: Math.max(1, Style.textScale)
+    // For what may stand side by side in the body.
+    readonly property int columns: isWide && bodyColumn.width >= Style.metrics.listWidth * magnification ? 2 : 1
     readonly property bool hasPage: pagePlace.children.length > 0
     readonly property bool hasBody: !isLoading && failure === ""
+    // What gives way where height is scarce: more than that share of it is too much for what stays.
+    readonly property real mostThatStays: 0.6 * tallest
+    readonly property real mostOfFooter: 0.5 * tallest
     readonly property bool isTight: hasBody && !hasPage && panel.contentHeight > tallest
     readonly property real footerHeight: footerColumn.implicitHeight + inset
-    readonly property real smallPrintHeight: smallPrintColumn.implicitHeight > 0 ? smallPrintColumn.implicitHeight + 8 : 0
-    readonly property bool scrollsSmallPrint: isTight && headerColumn.implicitHeight + footerHeight + smallPrintHeight > tallest * 0.6
-    readonly property bool scrollsHeader: scrollsSmallPrint && headerColumn.implicitHeight + footerHeight > tallest * 0.6
-    readonly property bool scrollsFooter: scrollsHeader && footerHeight > tallest * 0.5
+    readonly property real smallPrintHeight: smallPrintColumn.implicitHeight > 0 ? smallPrintColumn.implicitHeight + Style.metrics.smallGap : 0
+    readonly property bool scrollsSmallPrint: isTight && headerColumn.implicitHeight + footerHeight + smallPrintHeight > mostThatStays
+    readonly property bool scrollsHeader: scrollsSmallPrint && headerColumn.implicitHeight + footerHeight > mostThatStays
+    readonly property bool scrollsFooter: scrollsHeader && footerHeight > mostOfFooter
     property real shown: isModal ? 0 : 1
     // With what it is about.
     readonly property bool isOnScreen: shown === 1 && visible && !isLoading && !isLeaving
     property bool isLeaving: false
+    // What is said for a while once it has gone from the screen.
+    property string farewell
+    // Another one lies over it.
+    property bool isCovered: false
 
     function enter() {
         panel.forceActiveFocus(Qt.PopupFocusReason)
@@ -61,7 +72,6 @@ FocusScope {
     }
     function leave() {
         isLeaving = true
-        enabled = false
         if (shown === 0)
             gone()
         else
@@ -70,28 +80,28 @@ FocusScope {
     // What is part of a page leaves the key to it.
     function leaveByKey(event) {
         event.accepted = isModal
-        if (isModal && canClose)
+        if (isModal && canClose && !event.isAutoRepeat)
             closeRequested()
     }
-    function reveal(item) {
-        const place = item.mapToItem(content, 0, 0)
-        const above = 16
-        if (place.y - above < flick.contentY)
-            flick.contentY = Math.max(0, place.y - above)
-        else if (place.y + item.height + above > flick.contentY + flick.height)
-            flick.contentY = Math.min(flick.contentHeight - flick.height, place.y + item.height + above - flick.height)
-    }
-    function scrollBy(distance) {
-        flick.contentY = Math.max(0, Math.min(flick.contentHeight - flick.height, flick.contentY + distance))
-    }
+    function reveal(item) { scroll.reveal(item) }
+    function revealGrowing(item) { scroll.revealGrowing(item) }
+    function toTop() { scroll.contentY = 0 }
 
-    implicitWidth: 360
+    enabled: !isCovered && !isLeaving
+    implicitWidth: Style.metrics.tinyWindow
     implicitHeight: panel.contentHeight
     anchors.fill: isModal ? parent : undefined
     LayoutMirroring.enabled: Style.isMirrored
     LayoutMirroring.childrenInherit: true
     onIsLoadingChanged: appearWhenReady()
-    onShownChanged: if (isLeaving && shown === 0) gone()
+    onShownChanged: {
+        if (!isLeaving || shown > 0)
+            return
+        if (farewell === "")
+            gone()
+        else
+            farewellBar.show(farewell)
+    }
     Behavior on shown {
         enabled: Style.duration > 0
         NumberAnimation { duration: Style.duration; easing.type: Easing.OutCubic }
@@ -99,16 +109,7 @@ FocusScope {
 
     Keys.onEscapePressed: event => leaveByKey(event)
     Keys.onBackPressed: event => leaveByKey(event)
-    Keys.onUpPressed: scrollBy(-48)
-    Keys.onDownPressed: scrollBy(48)
-    Keys.onPressed: event => {
-        const page = flick.height * 0.8
-        const distances = { [Qt.Key_PageUp]: -page, [Qt.Key_PageDown]: page, [Qt.Key_Home]: -flick.contentHeight, [Qt.Key_End]: flick.contentHeight }
-        if (distances[event.key] === undefined)
-            return
-        scrollBy(distances[event.key])
-        event.accepted = true
-    }
+    Keys.onPressed: event => event.accepted = scroll.moveBy(event.key)
 
     // What loads quickly appears complete.
     Timer {
@@ -130,25 +131,22 @@ FocusScope {
         enabled: sheet.isModal
         onWheel: wheel => wheel.accepted = true
     }
-    // A soft edge against what lies below.
-    Repeater {
-        model: 3
-
-        Rectangle {
-            required property int index
-
-            anchors.fill: panel
-            anchors.margins: -2 * (index + 1)
-            radius: panel.radius + 2 * (index + 1)
-            color: "transparent"
-            border.width: 2
-            border.color: Qt.rgba(0, 0, 0, 0.1 - index * 0.03)
-            opacity: panel.opacity
-            visible: sheet.isModal && sheet.isFloating
-        }
+    SoftEdge {
+        anchors.fill: panel
+        radius: surface.radius
+        opacity: panel.opacity
+        visible: sheet.isModal && sheet.isFloating
     }
 
-    Rectangle {
+    Announcement {
+        id: farewellBar
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: sheet.margin
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: Math.min(parent.width - 2 * sheet.margin, Style.metrics.dialogWidth * sheet.magnification)
+        onEnded: sheet.gone()
+    }
+    AccessibleScope {
         id: panel
 
         readonly property real contentHeight: {
@@ -162,87 +160,61 @@ FocusScope {
             if (!sheet.isModal)
                 return sheet.height
             if (sheet.fillsHeight)
-                return sheet.isNarrow ? sheet.tallest : Math.min(sheet.tallest, 820 * sheet.magnification)
+                return sheet.isNarrow || sheet.isWide ? sheet.tallest : Math.min(sheet.tallest, Style.metrics.listHeight * sheet.magnification)
             return Math.min(sheet.tallest, contentHeight)
         }
         x: (sheet.width - width) / 2
         y: !sheet.isModal ? 0 : (sheet.isFloating && !sheet.isBottom ? (sheet.height - height) / 2 : sheet.height - height - (sheet.isFloating ? sheet.margin : 0)) + (1 - sheet.shown) * 32
-        radius: 20
-        color: Style.colors.background
         opacity: sheet.shown
+        // A screen reader hears the new name of what it is at.
+        title: sheet.isLoading ? sheet.banner.loadingLabel : sheet.failure !== "" ? sheet.failure : sheet.title
+        isModal: sheet.isModal
+        isCovered: sheet.isCovered || sheet.isLeaving
 
         Accessible.role: sheet.isModal ? Accessible.Dialog : Accessible.Grouping
-        Accessible.name: sheet.title
-        Accessible.focusable: sheet.isModal
 
-        // A sheet at the bottom runs out of the window with its lower corners.
-        Rectangle {
-            anchors.bottom: parent.bottom
-            width: parent.width
-            height: 20
-            color: footerFixed.visible ? sheet.footerColor : parent.color
-            visible: !sheet.isFloating
+        SheetSurface {
+            id: surface
+            anchors.fill: parent
+            isFloating: sheet.isFloating
+            footColor: footerFixed.visible ? sheet.footerColor : color
         }
         Item {
             id: headerFixed
             width: parent.width
             height: sheet.scrollsHeader ? 0 : headerColumn.implicitHeight
         }
-        Flickable {
-            id: flick
-
-            // With the keyboard, what has the focus comes into view.
-            readonly property Item focusedItem: Window.activeFocusItem
-
+        ScrollArea {
+            id: scroll
             y: headerFixed.height
             width: parent.width
-            height: parent.height - y - footerFixed.height
-            contentWidth: width
+            height: parent.height - y - messagePlace.height - footerFixed.height
             contentHeight: content.height
-            boundsBehavior: Flickable.StopAtBounds
-            interactive: contentHeight > height
-            clip: true
+            // Clear of the rounded corners.
+            topEdge: headerFixed.height > 0 ? 0 : Style.metrics.sheetRadius
+            bottomEdge: footerFixed.height > 0 || !sheet.isFloating ? 0 : Style.metrics.sheetRadius
+            barName: sheet.title
             visible: !sheet.isLoading && !sheet.hasPage
-            onFocusedItemChanged: {
-                for (let item = focusedItem; item; item = item.parent) {
-                    if (item === content)
-                        sheet.reveal(focusedItem)
-                }
-            }
 
-            T.ScrollBar.vertical: T.ScrollBar {
-                width: 8
-                padding: 2
-                // Clear of the rounded corners.
-                topPadding: headerFixed.height > 0 ? 2 : panel.radius
-                bottomPadding: footerFixed.height > 0 || !sheet.isFloating ? 2 : panel.radius
-                policy: T.ScrollBar.AsNeeded
-                contentItem: Rectangle {
-                    implicitWidth: 4
-                    radius: 2
-                    color: Style.colors.quietText
-                    opacity: flick.interactive ? 0.6 : 0
-                }
-            }
             Column {
                 id: content
-                width: flick.width
+                width: scroll.width
                 // Without anything to scroll the footer would hang in the air.
                 Item { id: headerPlace; width: parent.width; height: sheet.scrollsHeader ? headerColumn.implicitHeight : 0 }
                 Column {
                     id: bodyColumn
                     x: sheet.inset
                     width: parent.width - 2 * sheet.inset
-                    spacing: 16
-                    topPadding: 8
-                    bottomPadding: 16
+                    spacing: Style.metrics.largeGap
+                    topPadding: Style.metrics.smallGap
+                    bottomPadding: Style.metrics.largeGap
                     visible: sheet.hasBody
                 }
                 Item { id: footerPlace; width: parent.width; height: sheet.scrollsFooter ? footerPanel.implicitHeight : 0 }
-                Item { id: smallPrintPlace; width: parent.width; height: sheet.scrollsSmallPrint ? sheet.smallPrintHeight + sheet.inset - 8 : 0 }
+                Item { id: smallPrintPlace; width: parent.width; height: sheet.scrollsSmallPrint ? sheet.smallPrintHeight + sheet.inset - Style.metrics.smallGap : 0 }
                 Item {
                     width: parent.width
-                    height: Math.max(flick.height, failureView.implicitHeight + sheet.inset)
+                    height: Math.max(scroll.height, failureView.implicitHeight + sheet.inset)
                     visible: sheet.failure !== ""
 
                     Failure {
@@ -260,14 +232,18 @@ FocusScope {
         }
         Item {
             id: pagePlace
-            anchors.fill: flick
+            anchors.fill: scroll
         }
-        Rectangle {
+        Hairline {
             width: parent.width
-            height: 1
             y: headerFixed.height
-            color: Style.colors.hairline
-            visible: !sheet.scrollsHeader && (sheet.hasPage || flick.contentY > 0)
+            visible: !sheet.scrollsHeader && (sheet.hasPage || scroll.contentY > 0)
+        }
+        Column {
+            id: messagePlace
+            x: sheet.inset
+            anchors.bottom: footerFixed.top
+            width: parent.width - 2 * sheet.inset
         }
         Item {
             id: footerFixed
@@ -283,8 +259,8 @@ FocusScope {
             x: sheet.inset
             width: parent.width - 2 * sheet.inset
             topPadding: sheet.inset
-            bottomPadding: 8
-            spacing: 16
+            bottomPadding: Style.metrics.smallGap
+            spacing: Style.metrics.largeGap
         }
         Rectangle {
             id: footerPanel
@@ -295,30 +271,28 @@ FocusScope {
             width: parent.width
             height: implicitHeight
             implicitHeight: sheet.footerHeight + (sheet.scrollsSmallPrint ? 0 : sheet.smallPrintHeight)
-            radius: sheet.isFloating ? panel.radius : 0
+            radius: sheet.isFloating ? surface.radius : 0
             color: hasOwnColor ? sheet.footerColor : "transparent"
 
             Rectangle {
                 width: parent.width
-                height: parent.radius
-                color: parent.color
+                height: footerPanel.radius
+                color: footerPanel.color
             }
-            Rectangle {
+            Hairline {
                 width: parent.width
-                height: 1
-                color: Style.colors.hairline
-                visible: !sheet.scrollsFooter && (footerPanel.hasOwnColor || sheet.hasPage || flick.contentHeight - flick.height - flick.contentY > 1)
+                visible: !sheet.scrollsFooter && (footerPanel.hasOwnColor || sheet.hasPage || scroll.contentHeight - scroll.height - scroll.contentY > 1)
             }
             Column {
                 id: footerColumn
                 x: sheet.inset
                 width: parent.width - 2 * sheet.inset
-                topPadding: 12
-                spacing: 8
+                topPadding: Style.metrics.gap
+                spacing: Style.metrics.smallGap
             }
             Item {
                 id: smallPrintFixed
-                y: footerColumn.implicitHeight + 8
+                y: footerColumn.implicitHeight + Style.metrics.smallGap
                 width: parent.width
             }
         }
@@ -327,12 +301,12 @@ FocusScope {
             parent: sheet.scrollsSmallPrint ? smallPrintPlace : smallPrintFixed
             x: sheet.inset
             width: parent.width - 2 * sheet.inset
-            spacing: 8
+            spacing: Style.metrics.smallGap
         }
         // The edge of what floats.
         Rectangle {
             anchors.fill: parent
-            radius: parent.radius
+            radius: surface.radius
             color: "transparent"
             border.width: 1
             border.color: Style.colors.hairline
@@ -340,6 +314,7 @@ FocusScope {
         }
         Progress {
             anchors.centerIn: parent
+            label: sheet.banner.loadingLabel
             visible: sheet.isLoading
         }
     }

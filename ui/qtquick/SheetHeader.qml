@@ -13,39 +13,42 @@ Item {
 
     readonly property bool isBare: banner.isLoading || banner.hasFailed
     readonly property bool showsLogo: hasLogo && banner.logo.exists && !isBare
-    readonly property real widthBeside: width - (showsLogo ? 52 : 0) - (canClose ? 48 : 0)
+    // A wide one, such as a name, takes up to two fifths of the line.
+    readonly property real widestLogo: Math.max(Style.metrics.logo, Math.min(Style.metrics.widestLogo, width * 0.4))
+    readonly property real besideLogo: showsLogo ? picture.width + Style.metrics.gap : 0
+    readonly property real besideButton: canClose ? button.width + Style.metrics.hairGap : 0
+    readonly property real firstLine: Math.max(canClose ? button.height : 0, showsLogo ? picture.height : 0)
     // A word that does not fit between the logo and the button has the whole width, and shrinks when that is not enough.
-    readonly property bool isStacked: words.longestWord > widthBeside && (canClose || showsLogo)
+    readonly property bool isStacked: title.longestWord > width - besideLogo - besideButton && (canClose || showsLogo)
 
-    implicitHeight: Math.max(canClose ? 44 : 0, showsLogo ? 40 : 0, words.implicitHeight + words.y)
+    implicitHeight: Math.max(firstLine, title.visible ? title.implicitHeight + title.y : 0)
 
     Picture {
         id: picture
         anchors.left: parent.left
-        y: 2
-        width: 40
-        height: 40
+        y: (header.firstLine - height) / 2
+        width: Math.max(Style.metrics.logo, Math.min(header.widestLogo, Style.metrics.logo * header.banner.logo.aspect))
+        height: Style.metrics.logo
         source: header.banner.logo
         visible: header.showsLogo
         Accessible.role: Accessible.Graphic
         Accessible.name: header.banner.logoLabel
     }
-    FittedText {
-        id: words
+    Heading {
+        id: title
         anchors.left: parent.left
-        anchors.leftMargin: header.showsLogo && !header.isStacked ? 52 : 0
+        anchors.leftMargin: header.isStacked ? 0 : header.besideLogo
         anchors.right: parent.right
-        anchors.rightMargin: header.canClose && !header.isStacked ? 48 : 0
+        anchors.rightMargin: header.isStacked ? 0 : header.besideButton
         // A heading of one line stands in the middle of the logo and the button.
-        y: header.isStacked ? 52 : header.canClose || header.showsLogo ? Math.max(0, (44 - implicitHeight) / 2) : 0
-        text: header.isBare ? "" : header.heading
-        wanted: Style.heading
-        visible: text !== ""
+        y: header.isStacked ? header.firstLine + Style.metrics.smallGap : Math.max(0, (header.firstLine - implicitHeight) / 2)
+        words: header.isBare ? "" : header.heading
+        visible: header.heading !== "" && !header.isBare
     }
     IconButton {
         id: button
         anchors.right: parent.right
-        anchors.rightMargin: -4
+        anchors.rightMargin: -Style.metrics.hairGap
         text: header.banner.closeLabel
         hint: header.banner.activationHint
         visible: header.canClose

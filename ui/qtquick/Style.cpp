@@ -6,7 +6,11 @@
 #include <QLocale>
 #include <QPalette>
 #include <QScreen>
+#include <QtMath>
 #include <algorithm>
+#include <utility>
+
+#include "core/Logger/UnitLog.h"
 
 namespace quillon {
 namespace {
@@ -47,8 +51,23 @@ Style::Style(QObject* parent) : QObject(parent) {
 }
 
 void Style::recolour() {
-  const bool isDark = isDark_.value_or(isDesktopDark());
-  colors_ = ScreenColors(paletteFor(customColors_, paletteNumber_, isDark), isDark);
+  colors_ = ScreenColors(paletteFor(customColors_, paletteNumber_, isDark()), isDark());
+}
+
+bool Style::isDark() const {
+  return isDark_.value_or(isDesktopDark());
+}
+
+// Once for a palette, however often its screens are shown.
+void Style::warnOfReplacedColors(SDKLogger& logger) {
+  // As they were configured, whatever became of them in the dark.
+  auto replaced = ScreenColors(paletteFor(customColors_, paletteNumber_, false), false).replaced;
+  if (std::exchange(replaced_, std::move(replaced)) == replaced_ || replaced_.empty()) return;
+  std::string roles;
+  for (const std::string_view role : replaced_) roles.append(roles.empty() ? "" : ", ").append(role);
+  UnitLog(logger, "Style")(
+      LogLevel::warning,
+      "The palette has colours that nobody can tell from what they stand on, others are used: " + roles, "show()");
 }
 
 // The desktop may turn dark while a screen is shown.
@@ -65,19 +84,20 @@ Style& Style::of(QQmlEngine& engine) {
   return *engine.singletonInstance<Style*>(qmlTypeId("Quillon.Consent", 1, 0, "Style"));
 }
 
-void Style::show(const QtQuickOptions& options, const ScreenServices& sdk, const std::optional<BannerConfig>& banner) {
+void Style::show(const QtQuickOptions& options, ScreenServices& sdk, const std::optional<BannerConfig>& banner) {
   isDark_ = options.isDark;
   customColors_ = sdk.colors();
   paletteNumber_ = banner ? banner->paletteTheme : std::nullopt;
   recolour();
+  warnOfReplacedColors(sdk.logger());
   fonts_ = sdk.fonts();
   constexpr double smallest = 0.5;
   constexpr double largest = 3;
   textScale_ = std::clamp(options.textScale.value_or(desktopTextScale()), smallest, largest);
   isMotionReduced_ = options.isMotionReduced;
   buttonShape_ = shapeOf(banner);
-  const QLocale language(QString::fromStdString(sdk.language()));
-  isMirrored_ = language.textDirection() == Qt::RightToLeft;
+  language_ = QString::fromStdString(sdk.language());
+  isMirrored_ = QLocale(language_).textDirection() == Qt::RightToLeft;
   Q_EMIT changed();
 }
 
@@ -91,11 +111,17 @@ QFont Style::font(const std::optional<CustomFont>& custom, double size, int weig
   return font;
 }
 
-// What is large already grows less, or a long word would not fit on a small screen.
+// What is large already grows less, or a long word would not fit on a small screen; yet it stays larger than the text.
 QFont Style::heading() const {
   QFont large = font(fonts_.heading, 20, QFont::DemiBold);
-  if (textScale_ > 1) large.setPixelSize(qRound(large.pixelSize() * (1 + (textScale_ - 1) * 0.6) / textScale_));
+  if (textScale_ <= 1) return large;
+  const int grown = qRound(large.pixelSize() * (1 + (textScale_ - 1) * 0.6) / textScale_);
+  large.setPixelSize(std::max(grown, std::min(large.pixelSize(), leastHeadingSize())));
   return large;
+}
+
+int Style::leastHeadingSize() const {
+  return qCeil(subHeading().pixelSize() * 1.05);
 }
 
 QFont Style::caption() const {

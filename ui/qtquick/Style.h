@@ -9,6 +9,7 @@
 
 #include "platform/ScreenServices.h"
 #include "quillon/QtQuick.h"
+#include "ui/qtquick/Metrics.h"
 #include "ui/qtquick/Palette.h"
 
 namespace quillon {
@@ -25,12 +26,20 @@ class Style : public QObject {
   Q_PROPERTY(QFont label READ label NOTIFY changed)
   Q_PROPERTY(QFont tab READ tab NOTIFY changed)
   Q_PROPERTY(QFont caption READ caption NOTIFY changed)
+  // In pixels; a heading that was larger shrinks down to that for a long word's sake.
+  Q_PROPERTY(int leastHeadingSize READ leastHeadingSize NOTIFY changed)
   // Lengths that grow with the text, as factor.
   Q_PROPERTY(double textScale READ textScale NOTIFY changed)
+  Q_PROPERTY(quillon::Metrics metrics READ metrics NOTIFY changed)
+  // Of the texts.
+  Q_PROPERTY(QString language READ language NOTIFY changed)
   Q_PROPERTY(ButtonShape buttonShape READ buttonShape NOTIFY changed)
   Q_PROPERTY(bool isMirrored READ isMirrored NOTIFY changed)
+  Q_PROPERTY(bool isDark READ isDark NOTIFY changed)
   // Of a transition, in milliseconds; 0 where no motion is wanted.
   Q_PROPERTY(int duration READ duration NOTIFY changed)
+  // How long a message stays, in milliseconds.
+  Q_PROPERTY(int messageTime READ messageTime CONSTANT)
 
  public:
   enum ButtonShape { Rounded, Square, Pill, Outlined, Edgeless };
@@ -42,19 +51,24 @@ class Style : public QObject {
   static Style& of(QQmlEngine& engine);
 
   // Takes over the SDK's fonts and colours, its language and what the banner configures.
-  void show(const QtQuickOptions& options, const ScreenServices& sdk, const std::optional<BannerConfig>& banner);
+  void show(const QtQuickOptions& options, ScreenServices& sdk, const std::optional<BannerConfig>& banner);
 
   const ScreenColors& colors() const { return colors_; }
   QFont heading() const;
+  int leastHeadingSize() const;
   QFont subHeading() const { return font(fonts_.subHeading, 16, QFont::DemiBold); }
   QFont body() const { return font(fonts_.body, 15, QFont::Normal); }
   QFont label() const { return font(fonts_.body, 15, QFont::DemiBold, QFont::DemiBold); }
   QFont tab() const { return font(fonts_.headingLight, 15, QFont::DemiBold); }
   QFont caption() const;
   double textScale() const { return textScale_; }
+  Metrics metrics() const { return Metrics(textScale_); }
+  const QString& language() const { return language_; }
   ButtonShape buttonShape() const { return buttonShape_; }
   bool isMirrored() const { return isMirrored_; }
+  bool isDark() const;
   int duration() const { return isMotionReduced_ ? 0 : 180; }
+  int messageTime() const { return 6000; }
 
  Q_SIGNALS:
   void changed();
@@ -62,6 +76,7 @@ class Style : public QObject {
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void recolour();
+  void warnOfReplacedColors(SDKLogger& logger);
   QFont font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight = 1) const;
 
   ScreenFonts fonts_;
@@ -69,7 +84,9 @@ class Style : public QObject {
   std::optional<CustomColors> customColors_;
   std::optional<std::int64_t> paletteNumber_;
   ScreenColors colors_;
+  std::vector<std::string_view> replaced_;  // the roles that the log was told of last
   double textScale_ = 1;
+  QString language_;
   ButtonShape buttonShape_ = Rounded;
   bool isMirrored_ = false;
   bool isMotionReduced_ = false;

@@ -8,20 +8,17 @@ Pressable {
     // Room towards the link that follows.
     property real gapAfter: 0
 
-    implicitWidth: words.lineWidth + gapAfter
-    implicitHeight: Math.max(44, words.implicitHeight + 16)
+    implicitWidth: Words.lineOf(text, font) + gapAfter
+    implicitHeight: Math.max(Style.metrics.target, words.implicitHeight + Style.metrics.largeGap)
     Accessible.role: Accessible.Link
 
-    FittedText {
+    PlainText {
         id: words
         anchors.left: parent.left
         anchors.verticalCenter: parent.verticalCenter
         width: parent.width - control.gapAfter
-        text: control.text
-        wanted: control.font
-        // As large as the links beside it.
-        size: wanted.pixelSize
-        font.underline: control.hovered || control.pressed
+        words: control.text
+        font: Words.underlined(control.font, control.hovered || control.pressed)
         color: Style.colors.link
         Accessible.ignored: true
 

@@ -14,50 +14,44 @@ Sheet {
     title: model.title
     isBottom: isNarrow
     fillsHeight: true
-    widest: 960
+    widest: Style.metrics.pageWidth
     onCloseRequested: model.close()
     onShownChanged: if (shown === 1 && !isLeaving) model.appeared()
 
     header: Item {
         width: parent.width
-        implicitHeight: Math.max(44, words.implicitHeight)
+        implicitHeight: Math.max(closeButton.height, titles.implicitHeight)
 
         Column {
-            id: words
+            id: titles
             anchors.left: parent.left
             anchors.right: closeButton.left
-            anchors.rightMargin: 8
+            anchors.rightMargin: Style.metrics.smallGap
             anchors.verticalCenter: parent.verticalCenter
 
-            Text {
+            PlainText {
                 width: parent.width
-                text: screen.model.title
-                textFormat: Text.PlainText
+                words: screen.model.title
                 font: Style.subHeading
-                color: Style.colors.text
-                wrapMode: Text.Wrap
                 maximumLineCount: 2
                 elide: Text.ElideRight
-                horizontalAlignment: Text.AlignLeft
                 Accessible.role: Accessible.Heading
-                Accessible.name: text
             }
-            Text {
+            PlainText {
                 width: parent.width
-                text: screen.model.host
-                textFormat: Text.PlainText
+                words: screen.model.host
                 font: Style.caption
                 color: Style.colors.quietText
+                wrapMode: Text.NoWrap
                 // The end of a host tells whose it is.
                 elide: Text.ElideLeft
-                horizontalAlignment: Text.AlignLeft
-                visible: text !== ""
+                visible: screen.model.host !== ""
             }
         }
         IconButton {
             id: closeButton
             anchors.right: parent.right
-            anchors.rightMargin: -4
+            anchors.rightMargin: -Style.metrics.hairGap
             text: screen.model.banner.closeLabel
             hint: screen.model.banner.activationHint
             onClicked: screen.closeRequested()
@@ -84,7 +78,7 @@ Sheet {
         Rectangle {
             width: parent.width * screen.model.progress
             // The edge of the header lies over it.
-            height: 4
+            height: Style.metrics.hairGap
             anchors.left: parent.left
             color: Style.colors.switchOn
             visible: screen.model.isLoading
@@ -96,13 +90,13 @@ Sheet {
     footer: [
         Item {
             width: parent.width
-            implicitHeight: 44
+            implicitHeight: Style.metrics.target
 
             // In line with the text above.
             Row {
                 anchors.left: parent.left
-                anchors.leftMargin: -4
-                spacing: 8
+                anchors.leftMargin: -Style.metrics.hairGap
+                spacing: Style.metrics.smallGap
 
                 IconButton {
                     shape: Style.isMirrored ? Icon.ChevronForward : Icon.ChevronBackward
@@ -121,7 +115,7 @@ Sheet {
             }
             IconButton {
                 anchors.right: parent.right
-                anchors.rightMargin: -4
+                anchors.rightMargin: -Style.metrics.hairGap
                 shape: Icon.Refresh
                 text: screen.model.banner.refreshLabel
                 hint: screen.model.banner.activationHint

@@ -4,13 +4,12 @@
 #include <utility>
 
 #include "core/Logger/UnitLog.h"
-#include "ui/Common/Images/ImageHeader.h"
+#include "ui/Common/Images/ImageCost.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::size_t largestText = std::size_t{8} << 20;
-constexpr std::uint64_t mostPixels = 25'000'000;
+constexpr std::size_t largestText = std::size_t{1} << 20;
 
 std::string without(std::string_view unwanted, std::string_view text) {
   std::string result;
@@ -82,9 +81,9 @@ std::optional<EncodedImage> imageFromBase64(std::string_view base64String, SDKLo
   if (!bytes) return fail("Failed to decode base64 string.");
 
   const auto header = imageHeader(*bytes);
-  const auto pixels = header ? std::uint64_t{header->width} * header->height : 0;
-  if (pixels == 0 || pixels > mostPixels) return fail("Failed to create UIImage from data.");
-  return EncodedImage{.bytes = *std::move(bytes),
+  auto content = header ? affordableImage(*std::move(bytes), *header) : std::nullopt;
+  if (!content) return fail("Failed to create UIImage from data.");
+  return EncodedImage{.bytes = *std::move(content),
                       .format = header->format,
                       .width = static_cast<int>(header->width),
                       .height = static_cast<int>(header->height)};

@@ -10,8 +10,8 @@
 
 namespace quillon {
 
-// The file of an image, for a toolkit to decode. Its header is complete and names a size that can be drawn; the rest is
-// not looked at, and may be damaged or cut off.
+// The file of an image, for a toolkit to decode at a bounded cost. Its header is complete and names a size that can be
+// drawn; the rest may be damaged or cut off.
 struct EncodedImage {
   enum Format : std::uint8_t { png, gif, jpeg };
 
@@ -24,8 +24,8 @@ struct EncodedImage {
 };
 
 // Reads base64 text with or without the prefix of a data URL for PNG, GIF or JPEG; characters that are not of base64
-// are skipped. Nothing, and an error in the log, when the text exceeds 8 MiB, is no base64 or holds none of the three,
-// or when the image has more than 25 megapixels, which a decoder would allocate. Thread-safe.
+// are skipped. Nothing, and an error in the log, when the text exceeds 1 MiB, is no base64 or holds none of the three,
+// or when the image would cost too much to decode (ImageCost.h). Thread-safe.
 [[nodiscard]] std::optional<EncodedImage> imageFromBase64(std::string_view base64String, SDKLogger& logger);
 
 }  // namespace quillon

@@ -26,14 +26,15 @@ std::optional<ImageHeader> pngHeader(std::string_view bytes) {
   constexpr auto beginning = "\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR"sv;
   constexpr std::size_t complete = beginning.size() + 13 + 4;  // with the checksum
   if (!bytes.starts_with(beginning) || bytes.size() < complete) return std::nullopt;
-  return ImageHeader{EncodedImage::png, bigEndian(bytes.substr(16, 4)), bigEndian(bytes.substr(20, 4))};
+  const bool isInterlaced = byteAt(bytes, 28) != 0;
+  return ImageHeader{EncodedImage::png, bigEndian(bytes.substr(16, 4)), bigEndian(bytes.substr(20, 4)), isInterlaced};
 }
 
 std::optional<ImageHeader> gifHeader(std::string_view bytes) {
   constexpr std::size_t complete = 13;  // signature and logical screen descriptor
   if (!bytes.starts_with("GIF87a") && !bytes.starts_with("GIF89a")) return std::nullopt;
   if (bytes.size() < complete) return std::nullopt;
-  return ImageHeader{EncodedImage::gif, littleEndian16(bytes, 6), littleEndian16(bytes, 8)};
+  return ImageHeader{EncodedImage::gif, littleEndian16(bytes, 6), littleEndian16(bytes, 8), true};
 }
 
 bool beginsFrame(std::uint32_t marker) {
@@ -60,7 +61,9 @@ std::optional<ImageHeader> jpegHeader(std::string_view bytes) {
     if (length < 2 || bytes.size() < 1 + length) return std::nullopt;
     if (beginsFrame(marker)) {
       if (length < 8) return std::nullopt;
-      return ImageHeader{EncodedImage::jpeg, bigEndian(bytes.substr(6, 2)), bigEndian(bytes.substr(4, 2))};
+      constexpr std::uint32_t progressive = 2;  // of every four kinds of frame
+      return ImageHeader{EncodedImage::jpeg, bigEndian(bytes.substr(6, 2)), bigEndian(bytes.substr(4, 2)),
+                         (marker & 3) == progressive};
     }
     bytes.remove_prefix(1 + length);
   }

@@ -71,6 +71,34 @@ std::string percentEncoded(std::string_view text) {
   return result;
 }
 
+// Brackets, braces and bars of the path, the query and the fragment have one reading, though the grammar wants them
+// encoded. In a host they mean something, or nothing.
+std::string withEncodedBrackets(std::string_view address) {
+  constexpr std::string_view authority = "://";
+  const std::size_t begin = std::min(address.find(authority), address.size() - 1) + 1;
+  const std::size_t rest = std::min(address.find_first_of("/?#", begin + authority.size() - 1), address.size());
+  std::string result(address.substr(0, rest));
+  for (const char c : address.substr(rest)) {
+    if (std::string_view("[]{}|").contains(c)) {
+      result += '%';
+      appendHex(result, c, upperHexDigits);
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+// Why the grammar does not take it.
+LinkRefusal refusalOf(std::string_view address) {
+  for (std::size_t at = 0; (at = address.find('%', at)) != std::string_view::npos; ++at) {
+    const auto digits = address.substr(at + 1, 2);
+    if (digits.size() < 2 || hexValue(digits[0]) < 0 || hexValue(digits[1]) < 0) return LinkRefusal::percent;
+  }
+  if (address.find_first_of("\"<>^`{}|") != std::string_view::npos) return LinkRefusal::character;
+  return LinkRefusal::incomplete;
+}
+
 // Spaces at the ends are forgiven, line breaks and tabs are not.
 std::string_view withoutSpaces(std::string_view text) {
   const auto first = std::min(text.find_first_not_of(' '), text.size());
@@ -88,8 +116,10 @@ std::expected<LinkAddress, LinkRefusal> parseLink(std::string_view address) {
   if (link.contains(' ')) return std::unexpected(LinkRefusal::space);
   if (link.contains('\\')) return std::unexpected(LinkRefusal::backslash);
 
-  const auto pieces = piecesOf(link);
-  if (!pieces || pieces->scheme == boost::urls::scheme::none) return std::unexpected(LinkRefusal::incomplete);
+  const std::string encoded = withEncodedBrackets(link);
+  const auto pieces = piecesOf(encoded);
+  if (!pieces) return std::unexpected(refusalOf(encoded));
+  if (pieces->scheme == boost::urls::scheme::none) return std::unexpected(LinkRefusal::incomplete);
   const bool isSecure = pieces->scheme == boost::urls::scheme::https;
   if (!isSecure && pieces->scheme != boost::urls::scheme::http) return std::unexpected(LinkRefusal::scheme);
   if (!pieces->hasAuthority) return std::unexpected(LinkRefusal::noHost);

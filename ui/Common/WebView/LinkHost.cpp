@@ -3,8 +3,10 @@
 #include <idn2.h>
 
 #include <algorithm>
+#include <array>
 #include <boost/url/ipv4_address.hpp>
 #include <boost/url/ipv6_address.hpp>
+#include <charconv>
 #include <memory>
 #include <optional>
 
@@ -82,7 +84,7 @@ HostLabel canonicalLabel(std::string_view raw) {
   std::string label = lowerCased(raw);
   if (!isAscii(label)) return encoded(label);
 
-  const auto isPlain = [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-'; };
+  const auto isPlain = [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_'; };
   if (label.size() > longestLabel || label.front() == '-' || label.back() == '-' ||
       !std::ranges::all_of(label, isPlain)) {
     return std::unexpected(LinkRefusal::hostName);
@@ -101,6 +103,36 @@ bool isNumeric(std::string_view label) {
   return label.starts_with("0x") && label.find_first_not_of("0123456789abcdef", 2) == std::string_view::npos;
 }
 
+// As RFC 5952 writes it: the first of the longest runs of two or more zero groups is left out, never a single one.
+std::string canonicalText(const boost::urls::ipv6_address& address) {
+  if (address.is_v4_mapped()) return address.to_string();
+  constexpr std::size_t groups = 8;
+  const auto bytes = address.to_bytes();
+  const auto isZero = [&](std::size_t i) { return bytes[2 * i] == 0 && bytes[2 * i + 1] == 0; };
+  std::size_t begin = 0;
+  std::size_t longest = 1;
+  for (std::size_t i = 0; i < groups; ++i) {
+    std::size_t length = 0;
+    while (i + length < groups && isZero(i + length)) ++length;
+    if (length <= longest) continue;
+    begin = i;
+    longest = length;
+  }
+  std::string text;
+  for (std::size_t i = 0; i < groups; ++i) {
+    if (longest > 1 && i == begin) {
+      text += "::";
+      i += longest - 1;
+      continue;
+    }
+    if (!text.empty() && !text.ends_with(':')) text += ':';
+    std::array<char, 4> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), bytes[2 * i] << 8 | bytes[2 * i + 1], 16).ptr;
+    text.append(digits.begin(), end);
+  }
+  return text;
+}
+
 }  // namespace
 
 std::expected<LinkHost, LinkRefusal> linkHost(std::string_view host) {
@@ -109,7 +141,7 @@ std::expected<LinkHost, LinkRefusal> linkHost(std::string_view host) {
   if (host.front() == '[') {
     const auto address = boost::urls::parse_ipv6_address(host.substr(1, std::max<std::size_t>(host.size(), 2) - 2));
     if (!address || host.back() != ']') return std::unexpected(LinkRefusal::ipLiteral);
-    return LinkHost{.text = '[' + address->to_string() + ']', .isAddress = true};
+    return LinkHost{.text = '[' + canonicalText(*address) + ']', .isAddress = true};
   }
 
   std::string name;

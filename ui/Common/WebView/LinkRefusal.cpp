@@ -16,6 +16,10 @@ std::string_view reason(LinkRefusal refusal) noexcept {
       return "it contains a space";
     case LinkRefusal::backslash:
       return "it contains a backslash";
+    case LinkRefusal::percent:
+      return "it contains a percent sign that no two hexadecimal digits follow";
+    case LinkRefusal::character:
+      return "it contains a character that an address must write percent-encoded";
     case LinkRefusal::incomplete:
       return "it is not a complete address";
     case LinkRefusal::scheme:
@@ -31,7 +35,7 @@ std::string_view reason(LinkRefusal refusal) noexcept {
     case LinkRefusal::emptyLabel:
       return "its host has an empty part or ends in a dot";
     case LinkRefusal::hostName:
-      return "its host is not made of letters, digits and hyphens, or is too long";
+      return "its host is not made of letters, digits, hyphens and underscores, or is too long";
     case LinkRefusal::numericHost:
       return "its host is a number that is not a plain IPv4 address";
     case LinkRefusal::internationalName:

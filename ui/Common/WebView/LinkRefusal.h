@@ -12,6 +12,8 @@ enum class LinkRefusal {
   controlCharacter,
   space,
   backslash,
+  percent,
+  character,
   incomplete,
   scheme,
   userName,

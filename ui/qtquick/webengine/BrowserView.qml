@@ -10,9 +10,9 @@ WebEngineView {
     required property WebEngineSurface surface
 
     function evaluate(script, number) {
-        runJavaScript(script, WebEngineScript.ApplicationWorld, result => {
-            if (surface)
-                surface.scriptEnded(number, typeof result === "string" ? result : "")
+        view.runJavaScript(script, WebEngineScript.ApplicationWorld, result => { // qmllint disable
+            if (view.surface)
+                view.surface.scriptEnded(number, typeof result === "string" ? result : "")
         })
     }
 
@@ -28,7 +28,7 @@ WebEngineView {
     readonly property string shownMessage: "shown " + Math.random()
 
     // Qt 6.4 reads "runOnSubframes" here, whatever its pages say; later ones the other name.
-    Component.onCompleted: userScripts.collection = [
+    Component.onCompleted: userScripts.collection = [ // qmllint disable
         {
             // The engine takes the end of a refused navigation for that of the next one; this one is sure.
             name: "shown",
@@ -53,6 +53,14 @@ WebEngineView {
             worldId: WebEngineScript.MainWorld,
             runOnSubframes: true,
             runsOnSubFrames: true
+        },
+        {
+            // Our own page knows no desktop but this one; the engine looks at another.
+            name: "surroundings",
+            sourceCode: "if (location.protocol === 'data:') addEventListener('DOMContentLoaded', () => "
+                + "document.documentElement.dataset.surroundings = '" + (Style.isDark ? "dark" : "light") + "')",
+            injectionPoint: WebEngineScript.DocumentCreation,
+            worldId: WebEngineScript.ApplicationWorld
         }
     ]
     settings {
@@ -83,10 +91,11 @@ WebEngineView {
         focusOnNavigationEnabled: false
     }
 
-    onUrlChanged: surface.changed()
-    onLoadProgressChanged: surface.changed()
-    onCanGoBackChanged: surface.changed()
-    onCanGoForwardChanged: surface.changed()
+    // The linter does not see the base class.
+    onUrlChanged: surface.changed() // qmllint disable
+    onLoadProgressChanged: surface.changed() // qmllint disable
+    onCanGoBackChanged: surface.changed() // qmllint disable
+    onCanGoForwardChanged: surface.changed() // qmllint disable
 
     onNavigationRequested: request => {
         if (surface.allowsNavigation(request.url, request.isMainFrame))

@@ -1,0 +1,36 @@
+import QtQuick
+import Quillon.Consent
+
+// A name and its value: one beside the other, or one below the other where they are long.
+Item {
+    id: row
+
+    required property sdkFact fact
+
+    readonly property real lineOfLabel: Words.lineOf(fact.label, label.font)
+    readonly property bool isRow: lineOfLabel + Words.lineOf(fact.value, value.font) + Style.metrics.largeGap <= width
+
+    implicitHeight: isRow ? Math.max(label.implicitHeight, value.implicitHeight) : label.implicitHeight + value.implicitHeight
+    Accessible.role: Accessible.StaticText
+    Accessible.name: fact.sentence
+
+    PlainText {
+        id: label
+        anchors.left: parent.left
+        width: row.isRow ? row.lineOfLabel : row.width
+        words: row.fact.label
+        font: Style.caption
+        color: Style.colors.quietText
+        Accessible.ignored: true
+    }
+    PlainText {
+        id: value
+        anchors.right: parent.right
+        y: row.isRow ? 0 : label.implicitHeight
+        width: row.isRow ? row.width - row.lineOfLabel - Style.metrics.largeGap : row.width
+        words: row.fact.value
+        font: Style.caption
+        horizontalAlignment: row.isRow ? Text.AlignRight : Text.AlignLeft
+        Accessible.ignored: true
+    }
+}

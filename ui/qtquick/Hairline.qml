@@ -1,0 +1,7 @@
+import QtQuick
+import Quillon.Consent
+
+Rectangle {
+    implicitHeight: 1
+    color: Style.colors.hairline
+}

@@ -1,0 +1,61 @@
+#include "ui/qtquick/Words.h"
+
+#include <QFontMetricsF>
+#include <algorithm>
+#include <cmath>
+
+#include "ui/qtquick/Hyphenation.h"
+
+namespace quillon {
+namespace {
+
+// Calls with each word and what stands in front of it; the last word may be empty.
+void forEachWord(const QString& text, const auto& use) {
+  for (qsizetype begin = 0; begin <= text.size();) {
+    qsizetype first = begin;
+    while (first < text.size() && text[first].isSpace()) ++first;
+    qsizetype end = first;
+    while (end < text.size() && !text[end].isSpace()) ++end;
+    use(QStringView(text).mid(begin, first - begin), text.mid(first, end - first));
+    if (end == text.size()) return;
+    begin = end;
+  }
+}
+
+}  // namespace
+
+double Words::longest(const QString& text, const QFont& font) {
+  const QFontMetricsF metrics(font);
+  double width = 0;
+  forEachWord(text, [&](QStringView /*blanks*/, const QString& word) {
+    width = std::max(width, metrics.horizontalAdvance(word));
+  });
+  return std::ceil(width) + 1;
+}
+
+double Words::lineOf(const QString& text, const QFont& font) {
+  return std::ceil(QFontMetricsF(font).horizontalAdvance(text)) + 1;
+}
+
+QFont Words::resized(QFont font, int size) {
+  font.setPixelSize(std::max(1, size));
+  return font;
+}
+
+QFont Words::underlined(QFont font, bool isUnderlined) {
+  font.setUnderline(isUnderlined);
+  return font;
+}
+
+QString Words::divided(const QString& text, const QFont& font, double width, const QString& language) {
+  if (width <= 0 || lineOf(text, font) <= width) return text;
+  const QFontMetricsF metrics(font);
+  QString result;
+  forEachWord(text, [&](QStringView blanks, const QString& word) {
+    result += blanks;
+    result += metrics.horizontalAdvance(word) > width ? hyphenated(word, language) : word;
+  });
+  return result;
+}
+
+}  // namespace quillon
