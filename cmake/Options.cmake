@@ -39,7 +39,7 @@ function(quillon_target name)
   # So that a linker can leave out what an application never calls.
   target_compile_options(${name} PRIVATE -ffunction-sections -fdata-sections)
   # Files that are read together, to build faster, see each other's names, and GCC 12 sees more of std::string at once
-  # than it understands. The builds that read them one by one have these warnings.
+  # than it understands. The release, which reads the libraries one by one, has these warnings.
   if(CMAKE_UNITY_BUILD)
     target_compile_options(${name} PRIVATE -Wno-shadow
       $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-stringop-overflow>)

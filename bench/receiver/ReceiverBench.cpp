@@ -79,7 +79,7 @@ void measurePgbench(benchmark::State& state, int clients) {
                      "VALUES ('device-' || :id::text, '', 'reader', 'purpose', '2', 1700000000, 'granted', 0, 0, 0, 3, "
                      "'opt-in', '', 'Linux', '', '', 1700000000) ON CONFLICT DO NOTHING;\n");
   const std::string output = folder.path() / "output";
-  const std::string command = "/usr/lib/postgresql/15/bin/pgbench -n -M prepared -T 3 -j 1 -c " +
+  const std::string command = test::postgresPrograms() + "pgbench -n -M prepared -T 3 -j 1 -c " +
                               std::to_string(clients) + " -f " + (folder.path() / "script").string() + " '" +
                               postgres().address() + "' >" + output + " 2>&1";
   for (auto _ : state) {

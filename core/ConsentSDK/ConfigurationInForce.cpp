@@ -31,6 +31,10 @@ void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
 
 }  // namespace
 
+void ConfigurationInForce::restore(StoreTransaction& transaction) const {
+  if (type && !transaction.string(key::currentComplianceType)) write(transaction, *this);
+}
+
 Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, ConfigurationPointer configuration,
                                                      std::function<bool()> isWanted) {
   const auto location = co_await s_.location.locationFor(session, configuration);

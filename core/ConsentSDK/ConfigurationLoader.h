@@ -26,6 +26,9 @@ struct ConfigurationInForce {
   std::optional<ComplianceType> type;  // of the banner for the user's location; nullopt without a banner
   std::string bannerInterval;
   PurposeTerms terms;
+
+  // Stores its values again if another process has removed them: a default without a compliance type is granted.
+  void restore(StoreTransaction& transaction) const;
 };
 
 // Thread-safe. One load at a time per session; results for a session that is no longer current are dropped.

@@ -45,7 +45,11 @@ bool DecisionRecorder::set(const AppPermission& permission, ConsentStatus consen
 void DecisionRecorder::recordDefaults(const ConfigurationPointer& configuration) {
   const PurposeManager manager = s_.loader.purposes(configuration);
   const DecisionContext context = s_.sessions.context(GivenType::implicitly);
-  s_.store.transact([&](StoreTransaction& transaction) { manager.recordDefaults(transaction, context); });
+  const auto inForce = s_.loader.inForce();
+  s_.store.transact([&](StoreTransaction& transaction) {
+    if (inForce) inForce->restore(transaction);
+    manager.recordDefaults(transaction, context);
+  });
 }
 
 DecisionRecorder::FollowUp DecisionRecorder::store(const Write& write) {
@@ -57,7 +61,9 @@ DecisionRecorder::FollowUp DecisionRecorder::store(const Write& write) {
   }
   const PurposeManager manager = s_.loader.purposes(configuration);
   const DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  const auto inForce = s_.loader.inForce();
   const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
+    if (inForce) inForce->restore(transaction);
     const GivenType given = write(manager, transaction, context);
     // The answer counts even without purposes, and when no purpose changed.
     transaction.setGivenType(given);

@@ -15,7 +15,7 @@ namespace quillon {
 namespace {
 
 // The application depends on the store, so transient errors are retried.
-constexpr int maximumAttempts = 3;
+constexpr int attemptsToOpen = 3;
 
 // Below the promised 100 ms, as this clock lags by up to a tick (10 ms at most).
 constexpr std::int64_t probeIntervalNanoseconds = 90'000'000;
@@ -64,7 +64,7 @@ std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds op
       problem = std::move(recovered.error());
     }
     if (problem.recovery != Recovery::wait) {
-      if (attempts++ == maximumAttempts) return std::unexpected(std::move(problem.text));
+      if (attempts++ == attemptsToOpen) return std::unexpected(std::move(problem.text));
     } else if (std::chrono::steady_clock::now() >= deadline) {
       startHeld(problem.text);
       return {};

@@ -14,7 +14,7 @@ namespace quillon {
 namespace {
 
 constexpr std::chrono::seconds writerWait{2};
-constexpr int maximumAttempts = 4;
+constexpr int attemptsToUpdate = 4;
 
 SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
   for (const auto& [key, value] : changes) {
@@ -99,7 +99,7 @@ std::expected<void, std::string> SqliteSuite::updateInTurn(const Edit& edit) {
     if (done) return {};
     auto& problem = done.error();
     const bool isHopeless = problem.recovery == Recovery::none || problem.recovery == Recovery::wait;
-    if (isHopeless || attempts == maximumAttempts) return std::unexpected(std::move(problem.text));
+    if (isHopeless || attempts == attemptsToUpdate) return std::unexpected(std::move(problem.text));
     // First try a new connection: the fault may be ours, or repaired by another process.
     if (problem.recovery == Recovery::replace && !std::exchange(hasReopened, true)) {
       problem.recovery = Recovery::reopen;

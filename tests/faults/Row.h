@@ -12,6 +12,8 @@
 namespace quillon::test {
 
 // What a user or a reader of the log sees.
+inline constexpr bool isSanitized = !std::string_view(SANITIZERS).empty();
+
 struct Seen {
   std::string status;  // of the SDK: "ready", "unavailable"
   // In a row: part of an error line of the log; empty when no error may be logged. In a result: the whole log.
@@ -27,6 +29,10 @@ class Trial {
   // Runs few rounds, when the table is one of many tests.
   bool isShort() const { return isShort_; }
   int rounds(int whole, int few) const { return isShort_ ? few : whole; }
+
+  // Of a sweep over calls or states, a short trial takes one in so many, and a sanitized one, which costs ten times as
+  // much, still fewer: the release has looked at the others.
+  int oneIn(int few) const { return !isShort_ ? 1 : isSanitized ? 4 * few : few; }
 
   // A further claim; the row fails if it does not hold, and continues. Returns whether it holds.
   bool expect(bool holds, const std::string& claim) {

@@ -194,7 +194,7 @@ Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
   Seen seen{.status = "ready", .log = {}, .stored = {}};
   int points = 0;
   int gaveUp = 0;
-  for (int number = 1; trial.failures().size() < 5; number += trial.rounds(1, stride), ++points) {
+  for (int number = 1; trial.failures().size() < 5; number += trial.oneIn(stride), ++points) {
     const TemporaryFolder place(TemporaryFolder::fastParent());
     const auto data = place.path() / "data";
     const std::string where = "call " + std::to_string(number);

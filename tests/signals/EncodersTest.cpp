@@ -11,7 +11,9 @@ namespace quillon::signals::test {
 namespace {
 
 constexpr std::uint32_t kInBlock = 1000;
-constexpr std::uint32_t kStates = 50'000;
+// A sanitized encoder takes fifty times as long, so it makes the first of them alone.
+constexpr bool kSanitized = !std::string_view(SANITIZERS).empty();
+constexpr std::uint32_t kStates = kSanitized ? 2'000 : 50'000;
 
 std::string sha256(const std::string& text) {
   const std::unique_ptr<char, void (*)(void*)> sum(
@@ -36,7 +38,7 @@ void compare(const std::string& file, const F& stringOf) {
     ASSERT_EQ("sha256 " + sha256(block), line) << "a state before " << state;
     std::getline(lines, line);
   }
-  EXPECT_TRUE(lines.eof());
+  EXPECT_TRUE(lines.eof() || kSanitized);
 }
 
 TEST(EncodersTest, TcStringsAreThoseOfTheReferenceEncoderAndAreReadBack) {

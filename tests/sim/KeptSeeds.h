@@ -6,7 +6,7 @@
 
 namespace quillon::sim {
 
-inline constexpr std::array<std::uint64_t, 13> keptSeeds{
+inline constexpr std::array<std::uint64_t, 14> keptSeeds{
     1,          // a listener was not told what another process had removed before the set-up
     9,          // a decision was not uploaded, as the first configuration asked again
     22,         // analytics was told of a consent although no compliance type was known
@@ -19,6 +19,7 @@ inline constexpr std::array<std::uint64_t, 13> keptSeeds{
     4126,       // an answer to an upload counted for decisions made after the consents were removed
     4406,       // the same, with three processes
     5149,       // the same
+    9550,       // a banner closed after another process had removed the consents granted under no compliance type
     989402466,  // defaults were recorded as granted, as the compliance type of a new configuration could not be stored
 };
 

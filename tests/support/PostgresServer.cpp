@@ -10,8 +10,6 @@
 namespace quillon::test {
 namespace {
 
-const std::string kPostgres = "/usr/lib/postgresql/15/bin/";
-
 void require(bool holds, const std::string& said) {
   if (holds) return;
   std::fprintf(stderr, "PostgreSQL does not do what it should: %s\n", said.c_str());
@@ -20,15 +18,26 @@ void require(bool holds, const std::string& said) {
 
 }  // namespace
 
+const std::string& postgresPrograms() {
+  static const std::string programs = [] {
+    std::error_code error;
+    for (const auto& version : std::filesystem::directory_iterator("/usr/lib/postgresql", error)) {
+      if (exists(version.path() / "bin/postgres")) return version.path().string() + "/bin/";
+    }
+    return std::string();
+  }();
+  return programs;
+}
+
 bool PostgresServer::isInstalled() {
-  return std::filesystem::exists(kPostgres + "postgres") && (geteuid() != 0 || getpwnam("postgres") != nullptr);
+  return !postgresPrograms().empty() && (geteuid() != 0 || getpwnam("postgres") != nullptr);
 }
 
 PostgresServer::PostgresServer(const std::filesystem::path& parent) : folder_(parent) {
   if (const passwd* const user = getpwnam("postgres"); user != nullptr && geteuid() == 0) {
     if (chown(folder_.path().c_str(), user->pw_uid, user->pw_gid) != 0) std::abort();
   }
-  ServerProcess initialize({kPostgres + "initdb", "-D", folder_.path() / "data", "-A", "trust", "-U", "postgres",
+  ServerProcess initialize({postgresPrograms() + "initdb", "-D", folder_.path() / "data", "-A", "trust", "-U", "postgres",
                             "--locale=C.UTF-8", "--no-sync"},
                            "postgres");
   require(initialize.wait(std::chrono::minutes(3)) == 0, initialize.output());
@@ -38,7 +47,7 @@ PostgresServer::PostgresServer(const std::filesystem::path& parent) : folder_(pa
 void PostgresServer::start() {
   process_.reset();
   process_.emplace(
-      std::vector<std::string>{kPostgres + "postgres", "-D", folder_.path() / "data", "-c", "listen_addresses=", "-c",
+      std::vector<std::string>{postgresPrograms() + "postgres", "-D", folder_.path() / "data", "-c", "listen_addresses=", "-c",
                                "unix_socket_directories=" + folder_.path().string()},
       "postgres");
   require(!process_->waitForLine("ready to accept connections", std::chrono::minutes(1)).empty(), process_->output());

@@ -10,6 +10,9 @@
 
 namespace quillon::test {
 
+// The folder of the installed server's programs, with a slash behind it; empty without a server.
+const std::string& postgresPrograms();
+
 // A private server in a temporary folder, listening only on a socket there.
 class PostgresServer {
  public:

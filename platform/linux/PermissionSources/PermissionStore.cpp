@@ -18,7 +18,7 @@ int device(const std::string& word) {
 }
 
 // The permitted accuracy of the position.
-int location(const std::string& word) {
+int locationStatus(const std::string& word) {
   constexpr int denied = 2;
   constexpr int authorized = 3;
   if (word == "NONE") return denied;
@@ -30,7 +30,7 @@ int location(const std::string& word) {
 
 constexpr int notificationsAuthorized = 2;
 
-int notifications(const std::string& word) {
+int notificationsStatus(const std::string& word) {
   constexpr int denied = 1;
   if (word == "yes") return notificationsAuthorized;
   return word == "no" ? denied : notDetermined;
@@ -40,9 +40,9 @@ int notifications(const std::string& word) {
 
 const StoreEntry cameraEntry{"devices", "camera", notDetermined, device};
 const StoreEntry microphoneEntry{"devices", "microphone", notDetermined, device};
-const StoreEntry locationEntry{"location", "location", notDetermined, location};
+const StoreEntry locationEntry{"location", "location", notDetermined, locationStatus};
 // Desktops show notifications unless they were forbidden.
-const StoreEntry notificationsEntry{"notifications", "notification", notificationsAuthorized, notifications};
+const StoreEntry notificationsEntry{"notifications", "notification", notificationsAuthorized, notificationsStatus};
 
 BusService permissionStore(MessageBus& session) {
   return {session, service, BusService::Start::onDemand};

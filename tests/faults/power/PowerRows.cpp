@@ -147,10 +147,11 @@ Outcome cutPower(const PowerRun& run, const Recorded& recorded, const Effort& ef
 constexpr const char* allAcknowledged = "all that was acknowledged";
 
 Seen powerCuts(const PowerRun& run, Trial& trial) {
-  const auto outcome = cutPower(run, record(run), trial.isShort() ? Effort{3, 8} : Effort{250});
+  const auto oneOf = static_cast<std::size_t>(trial.oneIn(8));
+  const auto outcome = cutPower(run, record(run), {.combinations = trial.isShort() ? 3u : 250u, .oneOf = oneOf});
   for (const auto& fault : outcome.faults) trial.expect(false, fault);
   trial.tell(std::to_string(outcome.states) + " different states at " + std::to_string(outcome.moments) + " moments");
-  trial.expect(outcome.states > 50, "hardly a state was built");
+  trial.expect(outcome.states * oneOf > 400, "hardly a state was built");
   return {.status = "ready", .log = {}, .stored = allAcknowledged};
 }
 
@@ -196,6 +197,7 @@ constexpr Planted plants[] = {
 };
 
 Seen plantedFaults(Trial& trial) {
+  if (isSanitized) throw LeftOut("it is about this table, and the release has shown it");
   for (const auto& [name, runName, plant] : plants) {
     const auto run = std::ranges::find(powerRuns(), runName, &PowerRun::name);
     auto recorded = record(*run);
