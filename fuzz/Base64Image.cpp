@@ -12,6 +12,7 @@ using namespace quillon;
 struct Log : LogContext {
   void write(std::string_view) override {}
   std::string time() override { return {}; }
+  bool take(LogLevel, std::string_view, std::string_view) override { return true; }
   std::int64_t configurationVersion() override { return 0; }
   std::optional<std::string> sdkVersion() override { return std::nullopt; }
   std::optional<std::string> advertisingIdentifier() override { return std::nullopt; }

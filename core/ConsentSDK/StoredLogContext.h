@@ -17,6 +17,9 @@ class StoredLogContext : public LogContext {
   StoredLogContext(const Platform& platform, UserDefaultManager& store) : platform_(platform), store_(store) {}
 
   void write(std::string_view block) override { platform_.console->write(block); }
+  bool take(LogLevel level, std::string_view text, std::string_view unit) override {
+    return platform_.console->take(level, text, unit);
+  }
   std::string time() override { return platform_.clock->localText(platform_.clock->now()); }
   std::int64_t configurationVersion() override { return store_.getInt64(key::configurationVersion, 0); }
   std::optional<std::string> sdkVersion() override { return installedSDKVersion(*platform_.host); }

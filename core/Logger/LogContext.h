@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "quillon/LogLevel.h"
+
 namespace quillon {
 
 // Thread-safe. Must outlive the logger.
@@ -15,6 +17,8 @@ class LogContext {
 
   // Writes a block, already free of terminal control sequences.
   virtual void write(std::string_view block) = 0;
+  // See Console.
+  virtual bool take(LogLevel level, std::string_view text, std::string_view unit) = 0;
   // "yyyy-MM-dd HH:mm:ss.SSS" in the device's time zone.
   virtual std::string time() = 0;
   virtual std::int64_t configurationVersion() = 0;

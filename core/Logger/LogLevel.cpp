@@ -5,6 +5,6 @@
 namespace quillon {
 
 QUILLON_RAW_VALUES(LogLevel, {LogLevel::debug, "DEBUG"}, {LogLevel::info, "INFO"}, {LogLevel::warning, "WARNING"},
-                   {LogLevel::error, "ERROR"});
+                   {LogLevel::error, "ERROR"}, {LogLevel::off, "OFF"});
 
 }  // namespace quillon

@@ -4,11 +4,21 @@
 #include "core/Text/LogText.h"
 
 namespace quillon {
+namespace {
+
+// Of a source file: "UserDefaultManager" of ".../UserDefaultManager.cpp".
+std::string_view unitOf(std::string_view fileName) {
+  const auto name = fileName.substr(fileName.rfind('/') + 1);
+  return name.substr(0, name.rfind('.'));
+}
+
+}  // namespace
 
 void SDKLogger::log(std::string_view message, LogLevel level, std::string_view functionName, std::string_view fileName,
                     int lineNnumber) {
   const LogLevel threshold = logLevel();
-  if (level < threshold) return;
+  if (level < threshold || level >= LogLevel::off) return;
+  if (context_.take(level, printableForLog(message), unitOf(fileName))) return;
   const bool isDetailed = threshold == LogLevel::debug;
   std::string block;
   if (isDetailed) {

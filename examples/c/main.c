@@ -57,6 +57,37 @@ static void on_signals(const quillon_signal* signals, size_t count, void* contex
   for (size_t i = 0; i < count; ++i) printf("signal %s=%s\n", signals[i].name, signals[i].value);
 }
 
+static void on_change(const quillon_decision* change, void* context) {
+  (void)context;
+  if (!change->permission) printf("change purpose %lld by %s\n", (long long)change->purpose_id, change->cause);
+}
+
+static void start_measuring(void* context) {
+  (void)context;
+  printf("measuring\n");
+}
+
+static void stop_measuring(void* context) {
+  (void)context;
+  printf("no longer measuring\n");
+}
+
+static void on_explanation(const quillon_banner_explanation* explanation, void* context) {
+  (void)context;
+  printf("%s\n", explanation->text);
+}
+
+static void on_history(const quillon_decision* const* entries, size_t count, int64_t before, int64_t damaged,
+                       void* context) {
+  progress* p = context;
+  for (size_t i = 0; i < count; ++i) {
+    printf("history %lld: %s, %s\n", (long long)entries[i]->number, entries[i]->cause, entries[i]->upload);
+  }
+  if (before != 0 || damaged != 0) printf("and more\n");
+  pthread_mutex_lock(&p->mutex);
+  answered(p);
+}
+
 /* Waits for one more answer, at most 20 seconds. Not 0 when it came. */
 static int wait_for_answer(progress* p, int* seen) {
   struct timespec limit;
@@ -96,6 +127,9 @@ int main(int argc, char** argv) {
   quillon_settle(20000);
   seen = p.answers;
 
+  quillon_listening* changes = quillon_listen_to_consents(on_change, &p);
+  quillon_listening* measuring = quillon_while_allowed(2, start_measuring, stop_measuring, &p);
+  quillon_explain_banner(on_explanation, &p);
   if (quillon_is_banner_due()) {
     quillon_get_banner(on_banner, &p);
     if (!wait_for_answer(&p, &seen)) return 1;
@@ -105,5 +139,9 @@ int main(int argc, char** argv) {
   quillon_get_purposes(on_purposes, &p);
   if (!wait_for_answer(&p, &seen)) return 1;
   quillon_settle(20000);
+  quillon_get_history(10, 0, on_history, &p);
+  if (!wait_for_answer(&p, &seen)) return 1;
+  quillon_end(measuring);
+  quillon_end(changes);
   return quillon_is_purpose_allowed(2) ? 0 : 1;
 }

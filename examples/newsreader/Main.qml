@@ -6,8 +6,6 @@ import Quillon.Consent
 Window {
     id: window
 
-    required property var reader
-
     readonly property color ink: "#1B1F24"
     readonly property color faint: "#5B6470"
     readonly property color line: "#E3E6EA"
@@ -17,6 +15,10 @@ Window {
     visible: true
     color: "#FBFAF7"
     title: "The Morning Courier"
+
+    PurposeConsent { id: statistics; purposeId: 2 }
+    PurposeConsent { id: personalised; purposeId: 3 }
+    PurposeConsent { id: media; purposeId: 5 }
 
     component Story: ColumnLayout {
         property string section
@@ -67,9 +69,9 @@ Window {
         activeFocusOnTab: true
         Accessible.role: Accessible.Button
         Accessible.name: text
-        Accessible.onPressAction: window.reader.openPrivacySettings()
-        Keys.onSpacePressed: window.reader.openPrivacySettings()
-        Keys.onReturnPressed: window.reader.openPrivacySettings()
+        Accessible.onPressAction: Consent.presentPreferenceCenter()
+        Keys.onSpacePressed: Consent.presentPreferenceCenter()
+        Keys.onReturnPressed: Consent.presentPreferenceCenter()
         Text {
             id: label
 
@@ -78,7 +80,7 @@ Window {
             color: window.ink
             font.pixelSize: 14
         }
-        TapHandler { onTapped: window.reader.openPrivacySettings() }
+        TapHandler { onTapped: Consent.presentPreferenceCenter() }
     }
 
     // Out of reach while a consent screen lies over it.
@@ -112,26 +114,26 @@ Window {
                     teaser: "The new bridge carries its first passengers this morning. Stops are level with the pavement."
                 }
                 Story {
-                    section: window.reader.personalises ? "For you" : "Most read"
-                    headline: window.reader.personalises ? "Because you follow cycling: winter tyres, tested"
+                    section: personalised.allowed ? "For you" : "Most read"
+                    headline: personalised.allowed ? "Because you follow cycling: winter tyres, tested"
                                                          : "What a warm November means for the vineyards"
-                    teaser: window.reader.personalises ? "Chosen from what you have read before."
+                    teaser: personalised.allowed ? "Chosen from what you have read before."
                                                        : "The same for every reader, since nothing is known about you."
                 }
                 Rectangle {
                     Layout.fillWidth: true
                     implicitHeight: 180
                     radius: 12
-                    color: window.reader.playsMedia ? window.ink : "#F0EEE8"
+                    color: media.allowed ? window.ink : "#F0EEE8"
                     Text {
-                        visible: window.reader.playsMedia
+                        visible: media.allowed
                         anchors.centerIn: parent
                         text: "\u25B6  The week in ninety seconds"
                         color: "white"
                         font.pixelSize: 16
                     }
                     ColumnLayout {
-                        visible: !window.reader.playsMedia
+                        visible: !media.allowed
                         anchors { fill: parent; margins: 20 }
                         spacing: 12
                         Text {
@@ -146,7 +148,7 @@ Window {
                 }
                 Text {
                     Layout.fillWidth: true
-                    text: window.reader.countsVisits ? "This visit is counted. Thank you." : "This visit is not counted."
+                    text: statistics.allowed ? "This visit is counted. Thank you." : "This visit is not counted."
                     color: window.faint
                     font.pixelSize: 13
                 }

@@ -6,7 +6,6 @@
 #include <QQuickWindow>
 #include <QTextStream>
 
-#include "Reader.h"
 #include "Tour.h"
 #include "quillon/ConsentSDK.h"
 #include "quillon/QtQuick.h"
@@ -45,10 +44,8 @@ int main(int argc, char** argv) {
     if (status == quillon::SDKStatus::ready) sdk.presentBanner();
   });
 
-  Reader reader(sdk);
   QQmlApplicationEngine pages;
   quillon::addConsentElements(pages);
-  pages.setInitialProperties({{"reader", QVariant::fromValue(&reader)}});
   pages.load(QUrl("qrc:/newsreader/Main.qml"));
   if (pages.rootObjects().isEmpty()) return 1;
 

@@ -7,6 +7,9 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
+
+#include "quillon/LogLevel.h"
 
 namespace quillon {
 
@@ -32,6 +35,10 @@ struct LinuxOptions {
   /// MiB) and ConsentSDKOptions::bundledConfiguration (at most 32 MiB). Symbolic links are not followed. Default: the
   /// executable's folder.
   std::optional<std::filesystem::path> resourceDirectory = std::nullopt;
+  /// Takes the log instead of standard output: a message without time or context lines, and the part of the SDK that
+  /// wrote it, such as "UserDefaultManager". Both are valid until it returns. Called on any thread, also at once on
+  /// several; must neither wait nor log into the SDK. Default: blocks of text on standard output.
+  std::function<void(LogLevel level, std::string_view text, std::string_view unit)> log = {};
   /// Replaces platform services, such as the store or the source of permissions, with the application's own. Called
   /// once, on the thread that first uses ConsentSDK::shared(), with every service set; must not use the SDK. A service
   /// set to null keeps its value; if it throws, all do. `Platform` and the interfaces of its members are in

@@ -8,8 +8,14 @@
 
 namespace quillon {
 
-/// Ordered: debug < info < warning < error. The raw values are "DEBUG", "INFO", "WARNING" and "ERROR".
-enum class LogLevel { debug, info, warning, error };
+/// Ordered: debug < info < warning < error < off. The raw values are "DEBUG", "INFO", "WARNING", "ERROR" and "OFF".
+enum class LogLevel {
+  debug,
+  info,
+  warning,
+  error,
+  off,  ///< as a threshold: nothing is logged. No message has this level.
+};
 
 /// The text of @p level as it appears in log blocks.
 [[nodiscard]] std::string_view rawValue(LogLevel value) noexcept;

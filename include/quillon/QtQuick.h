@@ -44,12 +44,13 @@ struct QtQuickOptions {
 /// whose main queue must be the Qt main loop.
 ///
 /// An element shows a loading state until the SDK has a configuration, and an error with a retry on failure. It emits
-/// `done()` when it was answered, saved or closed; the page decides what becomes of it, and the SDK stores the decision
-/// itself. Its implicit height fits its content; with less, it scrolls.
+/// `done(reason)` when the user has "accepted", "rejected", "saved" or "closed"; the page decides what becomes of it,
+/// and the SDK stores the decision itself. Its implicit height fits its content; with less, it scrolls.
 ///
-/// Before acting, pages call `Consent.isAllowed(2)` and `Consent.isPermissionAllowed("NSCameraUsageDescription")`,
-/// which are ConsentSDK::isAllowed(), or use `ConsentGate { purposeId: 2; onAllowed: ...; onDenied: ... }`, which is
-/// ConsentSDK::whileAllowed().
+/// Before acting, pages read `allowed` of a `PurposeConsent { purposeId: 2 }` or `PermissionConsent { permission:
+/// "NSCameraUsageDescription" }`, call `Consent.isAllowed(2)`, which is ConsentSDK::isAllowed(), or use `ConsentGate {
+/// purposeId: 2; onAllowed: ...; onDenied: ... }`, which is ConsentSDK::whileAllowed(). The singleton `Consent` also has
+/// `ready`, `status`, `bannerDue`, `language`, `presentBanner()`, `presentPreferenceCenter()` and `openLink()`.
 ///
 /// Call it on the main thread, once per engine and before its first page is loaded. The SDK must outlive the engine.
 ///

@@ -14,6 +14,7 @@
 #include "platform/linux/CurlHttpSession.h"
 #include "platform/linux/EnvironmentLocale.h"
 #include "platform/linux/FileCalls.h"
+#include "platform/linux/HostConsole.h"
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxHostApplication.h"
 #include "platform/linux/LinuxPrivacySignals.h"
@@ -153,7 +154,7 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   const fs::path folder = dataDirectory(options);
   const auto pool = std::make_shared<WorkPool>("quillon-work", workThreads);
   Platform platform;
-  platform.console = std::make_shared<StandardConsole>();
+  platform.console = options.log ? std::make_shared<HostConsole>(options.log) : std::make_shared<StandardConsole>();
   platform.clock = std::make_shared<LinuxClock>(pool);
   platform.executors = std::make_shared<AsioExecutors>(pool, options.postToMainQueue);
   platform.files = std::make_shared<PosixFileSystem>(folder);

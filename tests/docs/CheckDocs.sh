@@ -46,6 +46,8 @@ for page in "${pages[@]}"; do
     grep -oP '(?<=\]\()[^)\s]+(?=\))|(?<=src=")[^"]+' | grep -vE '^[a-z]+:' || true)
 done
 
+python3 "$here/interfaces.py" "$source" || fail "the table of operations"
+
 "$here/ExtractSamples.sh" "$source" "$work/samples"
 for sample in "$work"/samples/*; do
   samples=$((samples + 1))

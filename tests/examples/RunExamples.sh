@@ -22,7 +22,9 @@ run() {
 }
 
 run c "$programs/quillon-c-example"
-grep -q '^signal ad_storage=' "$work/output"
+for said in 'signal ad_storage=' 'change purpose 2 by user$' 'measuring$' 'history [0-9]*: user, uploaded$'; do
+  grep -q "^$said" "$work/output" || { echo "the C example does not say $said"; exit 1; }
+done
 # A sanitizer's runtime would have to be loaded before Python's own program.
 if [ -z "${SANITIZED:-}" ]; then run python python3 "$source/examples/python/consent.py" "$library"; fi
 uploads=$("$programs/quillon-consent" serve --list --db "$work/uploads.db")

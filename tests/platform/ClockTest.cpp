@@ -40,19 +40,19 @@ std::unique_ptr<LinuxClock> linuxClock() {
   return std::make_unique<LinuxClock>(std::make_shared<WorkPool>("timers", 1));
 }
 
-struct Kind {
+struct ClockKind {
   const char* name;
   std::unique_ptr<Clock> (*make)();
   void (*pass)(Clock&, std::chrono::milliseconds);  // lets time pass; advances a virtual clock
 };
 
-const Kind kinds[] = {
+const ClockKind clockKinds[] = {
     {"Linux", [] { return std::unique_ptr<Clock>(linuxClock()); }, [](Clock&, std::chrono::milliseconds) {}},
     {"Virtual", [] { return std::unique_ptr<Clock>(std::make_unique<VirtualClock>(utc(2024, 5, 1))); },
      [](Clock& clock, std::chrono::milliseconds time) { static_cast<VirtualClock&>(clock).advance(time); }},
 };
 
-class ClockContract : public testing::TestWithParam<Kind> {
+class ClockContract : public testing::TestWithParam<ClockKind> {
  protected:
   void pass(std::chrono::milliseconds time) { GetParam().pass(*clock_, time); }
 
@@ -149,7 +149,7 @@ TEST_P(ClockContract, TimersOutliveTheirClockWithoutFiring) {
   EXPECT_EQ(captured.use_count(), 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ClockContract, testing::ValuesIn(kinds),
+INSTANTIATE_TEST_SUITE_P(All, ClockContract, testing::ValuesIn(clockKinds),
                          [](const auto& kind) { return kind.param.name; });
 
 TEST(LinuxClockTest, CanBeDestroyedFromItsOwnTimer) {

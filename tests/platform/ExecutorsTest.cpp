@@ -18,13 +18,13 @@ namespace {
 using test::Signal;
 
 // How to wait for posted jobs.
-struct Kind {
+struct ExecutorsKind {
   const char* name;
   std::unique_ptr<Executors> (*make)();
   void (*settle)(Executors&);
 };
 
-const Kind kinds[] = {
+const ExecutorsKind executorsKinds[] = {
     {"Asio", [] { return std::unique_ptr<Executors>(std::make_unique<AsioExecutors>()); }, [](Executors&) {}},
     {"Manual", [] { return std::unique_ptr<Executors>(std::make_unique<ManualExecutors>()); },
      [](Executors& executors) { static_cast<ManualExecutors&>(executors).runUntilIdle(); }},
@@ -44,7 +44,7 @@ std::shared_ptr<Executor> queueOf(Executors& executors, Queue which) {
   return nullptr;
 }
 
-class ExecutorsContract : public testing::TestWithParam<Kind> {
+class ExecutorsContract : public testing::TestWithParam<ExecutorsKind> {
  protected:
   std::shared_ptr<Executor> queue(Queue which) { return queueOf(*executors_, which); }
 
@@ -103,7 +103,7 @@ TEST_P(ExecutorsContract, QueuesOutliveTheirOwnerAndDropWhatTheyAreGiven) {
   EXPECT_EQ(captured.use_count(), 1) << "a dropped job keeps what it captured";
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ExecutorsContract, testing::ValuesIn(kinds),
+INSTANTIATE_TEST_SUITE_P(All, ExecutorsContract, testing::ValuesIn(executorsKinds),
                          [](const auto& kind) { return kind.param.name; });
 
 TEST(AsioExecutorsTest, NeitherBackgroundJobsNorSerialQueuesWaitForEachOther) {

@@ -20,14 +20,14 @@ namespace {
 
 using test::contains;
 
-struct OnDisk {
+struct FilesOnDisk {
   test::TemporaryFolder temporary;
   std::filesystem::path folder = temporary.path() / "share" / "app";
   PosixFileSystem files{folder};
   PosixFileSystem nowhere{{}};
 };
 
-struct InMemory {
+struct FilesInMemory {
   std::filesystem::path folder = "/share/app";
   MemoryFileSystem files{folder};
   MemoryFileSystem nowhere{std::nullopt};
@@ -44,7 +44,7 @@ class FileSystemContract : public testing::Test {
 
 }  // namespace
 
-using Worlds = testing::Types<OnDisk, InMemory>;
+using Worlds = testing::Types<FilesOnDisk, FilesInMemory>;
 TYPED_TEST_SUITE(FileSystemContract, Worlds);
 
 TYPED_TEST(FileSystemContract, NamesTheFolderThatAFileNeeds) {

@@ -18,8 +18,9 @@ struct PlacedScreens : testing::Test, ScreenWorld {
 
   // A page with that element in a column; before the SDK is set up.
   void place(const std::string& element, const std::string& properties = "") {
-    load("Column { width: 400; property int dones: 0\n" + element +
-         "{ width: parent.width; onDone: parent.dones += 1; " + properties + " } }");
+    load("Column { width: 400; property int dones: 0; property string ended\n" + element +
+         "{ width: parent.width; onDone: reason => { parent.dones += 1; parent.ended += reason + ' ' }; " + properties +
+         " } }");
   }
   void load(const std::string& item) {
     world.restart();
@@ -70,6 +71,7 @@ TEST_F(PlacedScreens, TheBannerWaitsForTheConfigurationAndIsDoneOnceAnswered) {
   preferenceCenter();
   press("Accept");
   EXPECT_EQ(dones(), 2);
+  EXPECT_EQ(page->property("ended").toString().toStdString(), "saved accepted ");
   EXPECT_EQ(status(1), "granted");
   EXPECT_EQ(world.stored().consentGivenType(), GivenType::explicitly);
   EXPECT_TRUE(top()) << "a screen that lies over the page is none of its business";
@@ -126,24 +128,36 @@ TEST_F(PlacedScreens, ThePreferenceCentreSavesAndStays) {
 
 TEST_F(PlacedScreens, APageAsksWhatIsAllowedAndFollowsIt) {
   load(
-      "Item { id: page; property string told\n"
-      "function asked() { return [Consent.isAllowed(1), "
-      "Consent.isPermissionAllowed('NSCameraUsageDescription')].join() }\n"
+      "Item { id: page; property string told; property string seen\n"
+      "function asked() { return [Consent.isAllowed(1), Consent.isPermissionAllowed('NSCameraUsageDescription'),\n"
+      "  Consent.status, Consent.bannerDue, one.allowed, one.status, one.name, camera.allowed].join() }\n"
+      "function decide(yes) { return one.set(yes) }\n"
+      "PurposeConsent { id: one; purposeId: 1; onChanged: page.seen += allowed ? '+' : '-' }\n"
+      "PermissionConsent { id: camera; permission: 'NSCameraUsageDescription' }\n"
       "ConsentGate { purposeId: 1; onAllowed: page.told += '+'; onDenied: page.told += '-' } }");
   const auto asked = [&] {
     QVariant answer;
     QMetaObject::invokeMethod(page.get(), "asked", Q_RETURN_ARG(QVariant, answer));
     return answer.toString().toStdString();
   };
+  const auto answers = [&](const std::string& expected) { return await([&] { return asked() == expected; }); };
+  const auto decide = [&](bool yes) {
+    QVariant stored;
+    QMetaObject::invokeMethod(page.get(), "decide", Q_RETURN_ARG(QVariant, stored), Q_ARG(QVariant, yes));
+    return stored.toBool();
+  };
   const auto told = [&](const char* expected) { return await([&] { return page->property("told") == expected; }); };
   EXPECT_TRUE(asked().starts_with("false,")) << "before a configuration";
   start();
-  EXPECT_EQ(asked(), "false,true") << "a permission is what the device says";
-  world.sdk->set({.purposeId = 1}, ConsentStatus::granted);
+  EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
+  EXPECT_TRUE(decide(true));
   EXPECT_TRUE(told("+"));
-  EXPECT_EQ(asked(), "true,true");
+  EXPECT_TRUE(answers("true,true,ready,true,true,granted,Statistics,true")) << asked();
   world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
   EXPECT_TRUE(told("+-"));
+  EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
+  world.sdk->removeConsents();
+  EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
 }
 
 TEST_F(PlacedScreens, ThePromptIsAboutThePermissionThatThePageNames) {

@@ -13,7 +13,7 @@ namespace {
 
 // Purpose 1 of the configuration stores and shows advertisements (1, 2, 7), purpose 2 measures (7, 8 and a special
 // feature), purpose 3 is the publisher's own. Vendors: 10 and 20 under purpose 1, 20 and 30 under purpose 2.
-SignalOptions options() {
+SignalOptions rulesOptions() {
   const std::string vendors = R"(
       "10":{"id":10,"name":"Ads","purposes":[1,2],"legIntPurposes":[7]},
       "20":{"id":20,"name":"Both","purposes":[1,8]},
@@ -39,7 +39,7 @@ SignalState state(std::string place = "DE") {
 }
 
 const SignalRules& rules() {
-  static const SignalRules all = rulesOf(options()).value();
+  static const SignalRules all = rulesOf(rulesOptions()).value();
   return all;
 }
 
@@ -48,17 +48,17 @@ Ids ids(const std::optional<TcString>& tc, std::string_view field) {
 }
 
 TEST(RulesTest, WithoutANumberOfAPlatformNothingIsWritten) {
-  auto nobody = options();
+  auto nobody = rulesOptions();
   nobody.cmpId = 0;
   const Signals signals(nobody);
   EXPECT_EQ(signals.mistakes(),
             std::vector<std::string>{"cmpId: without the number of a registered consent platform nothing is written"});
   EXPECT_TRUE(signals.keys(state()).empty());
-  EXPECT_EQ(Signals(options()).keys(state()), keysOf(rules(), state()));
+  EXPECT_EQ(Signals(rulesOptions()).keys(state()), keysOf(rules(), state()));
 }
 
 TEST(RulesTest, EveryMistakeInOptionsIsTold) {
-  auto wrong = options();
+  auto wrong = rulesOptions();
   wrong.cmpId = 1;
   wrong.consentScreen = 64;
   wrong.tcf->publisherCountry = "de";
@@ -139,7 +139,7 @@ TEST(RulesTest, ThereIsAStringOnlyWhereTheLawAppliesAndAfterDisclosure) {
 }
 
 TEST(RulesTest, CustomPurposesFollowInThePublishersSegment) {
-  auto withCustom = options();
+  auto withCustom = rulesOptions();
   withCustom.tcf->customPurposes = {3, 9};
   const auto tc = tcStringOf(rulesOf(withCustom).value(), state());
   EXPECT_EQ(tc->publisherTC->get<Ids>("PubPurposesConsent"), (Ids{1, 2, 8}));
@@ -176,7 +176,7 @@ TEST(RulesTest, OptOutsFollowTheChoicesOfTheState) {
 }
 
 TEST(RulesTest, TheSectionIsThatOfThePlace) {
-  auto national = options();
+  auto national = rulesOptions();
   national.us->mspaCovered = true;
   national.us->nationalApproach = true;
   const auto prefixOf = [](const SignalRules& of, const char* place) {

@@ -1,31 +1,66 @@
 #include "ui/qtquick/Consent.h"
 
-#include <QQmlInfo>
-#include <cmath>
+#include <utility>
 
 #include "ui/qtquick/PlacedScreen.h"
 
 namespace quillon {
-namespace {
 
-// Null when it has none.
-ConsentSDK* sdkOf(QQmlEngine& engine, QObject* asking) {
-  const auto* page = engine.findChild<PageSdk*>(QString(), Qt::FindDirectChildrenOnly);
-  if (!page) qmlWarning(asking) << "quillon::addConsentElements was not called for the engine: nothing is allowed";
-  return page ? &page->sdk : nullptr;
+Consent::Consent(QQmlEngine& engine) : QObject(&engine), page_(PageSdk::of(engine, *this)) {
+  if (!page_) return;
+  readiness_ = page_->services->followStatus([this](SDKStatus) {
+    Q_EMIT statusChanged();
+    askForBanner();
+  });
+  changes_.push_back(page_->sdk.listenToConsents([this](const Decision&) { askForBanner(); }));
+  changes_.push_back(page_->sdk.listenToScreens([this](const ScreenEvent&) { askForBanner(); }));
+  changes_.push_back(page_->sdk.listenToBannerDue([this](const BannerExplanation&) { askForBanner(); }));
+  askForBanner();
 }
 
-}  // namespace
+bool Consent::isAllowed(qint64 purposeId) const {
+  return page_ && page_->sdk.isAllowed(purposeId);
+}
 
-Consent::Consent(QQmlEngine& engine) : QObject(&engine), sdk_(sdkOf(engine, this)) {}
+bool Consent::isPermissionAllowed(const QString& key) const {
+  return page_ && page_->sdk.isAllowed(VantariKey(key.toStdString()));
+}
 
-void ConsentGate::componentComplete() {
-  constexpr double largestExact = 9007199254740992;  // 2^53
-  if (!(std::abs(purposeId_) <= largestExact)) return;
-  if (auto* sdk = sdkOf(*qmlEngine(this), this)) {
-    gate_ =
-        sdk->whileAllowed(static_cast<qint64>(purposeId_), [this] { Q_EMIT allowed(); }, [this] { Q_EMIT denied(); });
+void Consent::presentBanner() {
+  if (page_) page_->sdk.presentBanner();
+}
+
+void Consent::presentPreferenceCenter() {
+  if (page_) page_->sdk.presentPreferenceCenter();
+}
+
+void Consent::openLink(const QString& link) {
+  if (page_) page_->sdk.openLink(link.toStdString());
+}
+
+QString Consent::status() const {
+  switch (page_ ? page_->sdk.getStatus() : SDKStatus::unavailable) {
+    case SDKStatus::ready:
+      return QStringLiteral("ready");
+    case SDKStatus::fetching:
+      return QStringLiteral("fetching");
+    case SDKStatus::unavailable:
+      break;
   }
+  return QStringLiteral("unavailable");
+}
+
+bool Consent::isReady() const {
+  return page_ && page_->sdk.getStatus() == SDKStatus::ready;
+}
+
+QString Consent::language() const {
+  return page_ ? QString::fromStdString(page_->services->language()) : QString();
+}
+
+void Consent::askForBanner() {
+  const bool isDue = page_->sdk.explainBanner().isDue;
+  if (std::exchange(isBannerDue_, isDue) != isDue) Q_EMIT bannerDueChanged();
 }
 
 }  // namespace quillon

@@ -1,54 +1,59 @@
-// What pages ask of the SDK.
+// The SDK, for pages.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
+#include <QJSEngine>
 #include <QQmlEngine>
-#include <QQmlParserStatus>
-#include <optional>
+#include <memory>
+#include <vector>
 
 #include "quillon/ConsentSDK.h"
 
 namespace quillon {
+
+class PageSdk;
 
 // Answers "no" while the engine has no SDK.
 class Consent : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_SINGLETON
+  // "ready", "unavailable" or "fetching".
+  Q_PROPERTY(QString status READ status NOTIFY statusChanged)
+  Q_PROPERTY(bool ready READ isReady NOTIFY statusChanged)
+  Q_PROPERTY(bool bannerDue READ isBannerDue NOTIFY bannerDueChanged)
+  // In which the screens speak, such as "de".
+  Q_PROPERTY(QString language READ language NOTIFY statusChanged)
 
  public:
   static Consent* create(QQmlEngine* engine, QJSEngine*) { return new Consent(*engine); }
 
   // Whether a page may act on the purpose, or the permission of that key, at this moment.
-  Q_INVOKABLE bool isAllowed(qint64 purposeId) const { return sdk_ && sdk_->isAllowed(purposeId); }
-  Q_INVOKABLE bool isPermissionAllowed(const QString& key) const {
-    return sdk_ && sdk_->isAllowed(VantariKey(key.toStdString()));
-  }
+  Q_INVOKABLE bool isAllowed(qint64 purposeId) const;
+  Q_INVOKABLE bool isPermissionAllowed(const QString& key) const;
+
+  Q_INVOKABLE void presentBanner();
+  Q_INVOKABLE void presentPreferenceCenter();
+  // In the web view, if the configuration or the application allows the address.
+  Q_INVOKABLE void openLink(const QString& link);
+
+  QString status() const;
+  bool isReady() const;
+  bool isBannerDue() const { return isBannerDue_; }
+  QString language() const;
+
+ Q_SIGNALS:
+  void statusChanged();
+  void bannerDueChanged();
 
  private:
   explicit Consent(QQmlEngine& engine);
+  void askForBanner();
 
-  const ConsentSDK* const sdk_;  // outlives the engine
-};
-
-// Emits in turn while it lives, beginning with allowed() as soon as the purpose is, and after the page is complete.
-class ConsentGate : public QObject, public QQmlParserStatus {
-  Q_OBJECT
-  QML_ELEMENT
-  Q_INTERFACES(QQmlParserStatus)
-  Q_PROPERTY(double purposeId MEMBER purposeId_ REQUIRED)
-
- public:
-  void classBegin() override {}
-  void componentComplete() override;
-
- Q_SIGNALS:
-  void allowed();
-  void denied();
-
- private:
-  double purposeId_ = 0;  // QML has no larger integers
-  std::optional<Listening> gate_;
+  PageSdk* const page_;  // the SDK outlives the engine, which this belongs to
+  bool isBannerDue_ = false;
+  std::shared_ptr<void> readiness_;
+  std::vector<Listening> changes_;
 };
 
 }  // namespace quillon

@@ -79,8 +79,13 @@ class ConsentBannerAdapter : public Adapter {
     model_->loadBannerConfig();
     model_->loadCompanyLogo();
   }
-  Q_INVOKABLE void perform(int action) { model_->perform(static_cast<BannerAction>(action)); }
-  Q_INVOKABLE void close() { model_->perform(BannerAction::close); }
+  Q_INVOKABLE void perform(int action) {
+    lastAction_ = static_cast<BannerAction>(action);
+    model_->perform(lastAction_);
+  }
+  Q_INVOKABLE void close() { perform(static_cast<int>(BannerAction::close)); }
+  // What the user last asked for here.
+  BannerAction lastAction() const { return lastAction_; }
   Q_INVOKABLE void appeared() { model_->appeared(); }
   // Both texts, read out one after the other.
   Q_INVOKABLE QString sentences(const QString& first, const QString& second) const {
@@ -105,6 +110,7 @@ class ConsentBannerAdapter : public Adapter {
   RichTextAdapter* const text_;
   PictureSource* const logo_;
   std::optional<EncodedImage> shownLogo_;
+  BannerAction lastAction_ = BannerAction::close;
 };
 
 }  // namespace quillon

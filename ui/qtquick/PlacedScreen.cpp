@@ -9,22 +9,32 @@
 #include "ui/qtquick/Style.h"
 
 namespace quillon {
+namespace {
+
+const QString saved = QStringLiteral("saved");
+const QString closed = QStringLiteral("closed");
+
+}  // namespace
+
+PageSdk* PageSdk::of(QQmlEngine& engine, QObject& element) {
+  auto* page = engine.findChild<PageSdk*>(QString(), Qt::FindDirectChildrenOnly);
+  if (!page) qmlWarning(&element) << "quillon::addConsentElements was not called for the engine: nothing is allowed";
+  return page;
+}
 
 void PlacedScreen::componentComplete() {
   QQuickItem::componentComplete();
-  const auto* sdk = qmlEngine(this)->findChild<PageSdk*>(QString(), Qt::FindDirectChildrenOnly);
-  if (!sdk) {
-    qmlWarning(this) << "quillon::addConsentElements was not called for the engine";
-    return;
-  }
+  const auto* sdk = PageSdk::of(*qmlEngine(this), *this);
+  if (!sdk) return;
   const auto leave = [self = QPointer(this)] {
-    if (self) self->sayDone();
+    if (self) self->sayDone(self->reason_());
   };
   const Model model = makeModel(ConsentBannerViewModel::make(sdk->services, leave));
+  reason_ = model.reason;
   feed(*sdk, model);
   show(model);
   // The preference centre that a banner opens answers it, too.
-  if (model.adapter == model.banner) dismissal_ = sdk->services->followBannerDismissal([this] { sayDone(); });
+  if (model.adapter == model.banner) dismissal_ = sdk->services->followBannerDismissal([this] { sayDone(saved); });
 }
 
 void PlacedScreen::feed(const PageSdk& sdk, const Model& model) {
@@ -64,18 +74,29 @@ void PlacedScreen::geometryChange(const QRectF& now, const QRectF& before) {
 
 PlacedScreen::Model PlacedBanner::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
   auto* adapter = new ConsentBannerAdapter(std::move(banner), this);
-  return {adapter, adapter, [adapter] { adapter->load(); }};
+  return {adapter, adapter, [adapter] { adapter->load(); },
+          [adapter] {
+            switch (adapter->lastAction()) {
+              case BannerAction::accept:
+                return QStringLiteral("accepted");
+              case BannerAction::reject:
+                return QStringLiteral("rejected");
+              default:
+                return closed;
+            }
+          }};
 }
 
 PlacedScreen::Model PlacedPreferenceCenter::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
   auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(std::move(banner)), this);
-  return {adapter, adapter->banner(), [adapter] { adapter->load(); }};
+  // On a page it has no other end than this.
+  return {adapter, adapter->banner(), [adapter] { adapter->load(); }, [] { return saved; }};
 }
 
 PlacedScreen::Model PlacedSettingsPrompt::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
   auto* adapter = new SettingsPromptAdapter(
       std::make_unique<SettingsPromptViewModel>(std::move(banner), VantariKey(permission_.toStdString())), this);
-  return {adapter, adapter->banner(), [adapter] { adapter->load(); }};
+  return {adapter, adapter->banner(), [adapter] { adapter->load(); }, [] { return closed; }};
 }
 
 }  // namespace quillon

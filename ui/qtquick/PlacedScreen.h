@@ -19,6 +19,9 @@ class PageSdk : public QObject {
   Q_OBJECT
 
  public:
+  // Null, with a warning on behalf of the element, when the engine has none.
+  static PageSdk* of(QQmlEngine& engine, QObject& element);
+
   PageSdk(ConsentSDK& sdk, QtQuickOptions screens, QQmlEngine& engine)
       : QObject(&engine), sdk(sdk), services(sdk.screens()), options(screens) {}
 
@@ -38,8 +41,8 @@ class PlacedScreen : public QQuickItem {
   ~PlacedScreen() override { delete screen_; }
 
  Q_SIGNALS:
-  // The user has done here what there was to do: answered, saved or closed.
-  void done();
+  // The user has done here what there was to do; how: "accepted", "rejected", "saved" or "closed".
+  void done(const QString& reason);
 
  protected:
   void componentComplete() override;
@@ -50,17 +53,21 @@ class PlacedScreen : public QQuickItem {
     QObject* adapter;
     ConsentBannerAdapter* banner;
     std::function<void()> load;
+    std::function<QString()> reason;  // of the end, at the end
   };
   virtual Model makeModel(std::shared_ptr<ConsentBannerViewModel> banner) = 0;
 
  private:
   virtual const char* sheet() const = 0;  // its QML type
   // In a turn of the main loop of its own, since the page may take the item away.
-  void sayDone() { QMetaObject::invokeMethod(this, &PlacedScreen::done, Qt::QueuedConnection); }
+  void sayDone(const QString& reason) {
+    QMetaObject::invokeMethod(this, [this, reason] { Q_EMIT done(reason); }, Qt::QueuedConnection);
+  }
   void feed(const PageSdk& sdk, const Model& model);
   void show(const Model& model);
 
   QQuickItem* screen_ = nullptr;
+  std::function<QString()> reason_;
   std::shared_ptr<void> readiness_;
   std::shared_ptr<void> dismissal_;
 };

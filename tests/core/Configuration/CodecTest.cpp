@@ -36,7 +36,7 @@ void collectPlaces(const boost::json::value& value, const Place& at, std::vector
 }
 
 template <class R>
-class Codec : public testing::Test {
+class Codec : public ::testing::Test {
  protected:
   Codec() { collectPlaces(document_, {}, places_); }
 
@@ -104,7 +104,7 @@ TYPED_TEST(Codec, IgnoresUnknownKeysInEveryRecord) {
 }
 
 // Equality and hashing of structures.
-class RecordEquality : public testing::Test {
+class RecordEquality : public ::testing::Test {
  protected:
   static MainConfiguration read(std::string_view json) { return decode<MainConfiguration>(json).value(); }
   static std::size_t hash(const MainConfiguration& record) { return std::hash<MainConfiguration>{}(record); }

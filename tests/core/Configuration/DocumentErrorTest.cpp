@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::string_literals;
 
-class Document : public testing::Test {
+class Document : public ::testing::Test {
  protected:
   static std::string errorOf(const std::string& json) {
     const auto record = decode<MainConfiguration>(json);

@@ -14,7 +14,7 @@ using test::contains;
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20;
 
-class HostileDocument : public testing::Test {
+class HostileDocument : public ::testing::Test {
  protected:
   static std::string repeated(const std::string& text, std::size_t count) {
     std::string all;

@@ -22,7 +22,7 @@ std::string versioned(int version) {
   return boost::json::serialize(document);
 }
 
-struct Configuration : testing::Test {
+struct Configuration : ::testing::Test {
   std::size_t asked() const { return world.server.seen(configurationPath).size(); }
   std::int64_t version() { return world.stored().integer(key::configurationVersion, 0); }
 
@@ -243,7 +243,7 @@ TEST(Banner, IsSelectedByLocation) {
   EXPECT_EQ(selectBanner(MainConfiguration(), "JP"), nullptr);
 }
 
-struct Location : testing::Test {
+struct Location : ::testing::Test {
   Location() { options.locationCode.reset(); }
 
   World world;

@@ -23,7 +23,7 @@ TEST(Order, OfTwoCallsTheLaterOneHolds) {
     EXPECT_TRUE(world.sdk->set({.purposeId = 1}, declined));
     EXPECT_TRUE(earlier.get() && later.get() && accepted.get());
     EXPECT_EQ(world.sdk->get(1), declined) << run;
-    if (testing::Test::HasFailure()) return;
+    if (::testing::Test::HasFailure()) return;
   }
 }
 
@@ -90,7 +90,7 @@ TEST(Order, TheLastSetUpHoldsWhateverAnswersFirst) {
       EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
       EXPECT_TRUE(contains(fileBytes(world.file()), "\"version\":5")) << run;
       EXPECT_EQ(world.text(key::languageCode), "en");
-      if (testing::Test::HasFailure()) return;
+      if (::testing::Test::HasFailure()) return;
     }
   }
 }

@@ -16,7 +16,7 @@ namespace {
 using enum ConsentStatus;
 
 // Purposes 1, 2 (essential) and 3 (governed by app tracking) are mapped; 4 is not.
-std::string documentOf(std::string_view type, bool hasUnmapped = true) {
+std::string signalDocumentOf(std::string_view type, bool hasUnmapped = true) {
   auto document = validConfiguration();
   bannerOf(document)["compliance_type"] = type;
   document["privacy_signal_purposes"] = {1, 2, 3};
@@ -105,7 +105,7 @@ TEST_F(PrivacySignalTest, CountsAsAnOptOutUnlessTheUserHasAnsweredAndEndsWithThe
                                         << static_cast<int>(signal));
       sdk.reset();
       device.setPrivacySignal(false);
-      device.publish(documentOf(row.type));
+      device.publish(signalDocumentOf(row.type));
       launch(signal == Given::byDeviceUnheeded ? std::nullopt : std::optional(PrivacySignal{}));
       sdk->removeConsents();
       device.settle();
@@ -135,7 +135,7 @@ TEST_F(PrivacySignalTest, CountsAsAnOptOutUnlessTheUserHasAnsweredAndEndsWithThe
 }
 
 TEST_F(PrivacySignalTest, HoldsFromTheSetUpOnAndWhateverElseIsNotKnown) {
-  device.publish(documentOf("opt-out"));
+  device.publish(signalDocumentOf("opt-out"));
   launch(std::nullopt);
   EXPECT_TRUE(sdk->screens()->recordDefaults());
   device.settle();
@@ -165,7 +165,7 @@ TEST_F(PrivacySignalTest, HoldsFromTheSetUpOnAndWhateverElseIsNotKnown) {
 }
 
 TEST_F(PrivacySignalTest, IsSeenByGatesAndListeners) {
-  device.publish(documentOf("opt-out"));
+  device.publish(signalDocumentOf("opt-out"));
   launch(PrivacySignal{});
   std::string seen;
   auto gate = sdk->whileAllowed(1, [&] { seen += '+'; }, [&] { seen += '-'; });
@@ -192,7 +192,7 @@ TEST_F(PrivacySignalTest, IsSeenByGatesAndListeners) {
 
 TEST_F(PrivacySignalTest, SettlesTheBannerOnlyWhenItLeavesNothingToAsk) {
   int due = 0;
-  device.publish(documentOf("opt-in", false));
+  device.publish(signalDocumentOf("opt-in", false));
   launch(PrivacySignal{});
   auto listening = sdk->listenToBannerDue([&](const BannerExplanation&) { ++due; });
   device.setPrivacySignal(true);
@@ -208,7 +208,7 @@ TEST_F(PrivacySignalTest, SettlesTheBannerOnlyWhenItLeavesNothingToAsk) {
   sdk->screens()->shown(ScreenKind::banner).reset();
 
   device.setPrivacySignal(true);
-  device.publish(documentOf("opt-in", true));
+  device.publish(signalDocumentOf("opt-in", true));
   isAlwaysFresh = true;
   launch(PrivacySignal{});
   sdk->removeConsents();
@@ -222,7 +222,7 @@ TEST_F(PrivacySignalTest, SettlesTheBannerOnlyWhenItLeavesNothingToAsk) {
 }
 
 TEST_F(PrivacySignalTest, IsNamedInUploadsAndNeverGoesOutAsTheUsersWord) {
-  device.publish(documentOf("opt-out"));
+  device.publish(signalDocumentOf("opt-out"));
   launch(PrivacySignal{});
   sdk->acceptOrReject(true).wait();
   device.settle();
@@ -253,7 +253,7 @@ TEST_F(PrivacySignalTest, IsNamedInUploadsAndNeverGoesOutAsTheUsersWord) {
 }
 
 TEST_F(PrivacySignalTest, WhatTheUserSavesWithTheSignalInSightIsTheUsersOwn) {
-  device.publish(documentOf("opt-out"));
+  device.publish(signalDocumentOf("opt-out"));
   for (const bool choice : {false, true}) {
     device.setPrivacySignal(true);
     launch(PrivacySignal{});

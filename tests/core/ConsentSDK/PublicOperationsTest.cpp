@@ -294,7 +294,7 @@ TEST(PublicOperations, MayBeCalledFromManyThreadsAtOnce) {
     for (unsigned seed = 0; seed < threadCount; ++seed) {
       threads.emplace_back([&, seed] {
         Caller caller(world, seed);
-        for (; Clock::now() < end && !testing::Test::HasFailure(); ++calls) {
+        for (; Clock::now() < end && !::testing::Test::HasFailure(); ++calls) {
           if (caller.below(8) == 0) changeSurroundings(caller);
           const auto& operation = operations[caller.below(std::size(operations))];
           SCOPED_TRACE(std::string(operation.name));

@@ -10,7 +10,7 @@
 namespace quillon::test {
 namespace {
 
-struct Screens : testing::Test {
+struct Screens : ::testing::Test {
   Screens() {
     world.amend = [this](Platform& platform) {
       platform.screens = presenter;

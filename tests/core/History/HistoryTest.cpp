@@ -12,7 +12,7 @@ namespace {
 using namespace std::chrono_literals;
 using enum ConsentStatus;
 
-struct History : testing::Test {
+struct History : ::testing::Test {
   // "number subject from>to cause upload", oldest first.
   std::vector<std::string> listed() {
     std::vector<std::string> lines;

@@ -31,7 +31,7 @@ TEST(ConsentModeMapping, PrefersTheExactRegionThenTheStateThenTheDefault) {
   EXPECT_NE(consentModeMapping(configuration, "US"), nullptr);
 }
 
-class ConsentMode : public testing::Test {
+class ConsentMode : public ::testing::Test {
  protected:
   ConsentMode() {
     document["is_gcm_enabled"] = true;

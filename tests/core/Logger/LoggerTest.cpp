@@ -12,7 +12,7 @@
 namespace quillon::test {
 namespace {
 
-struct Logger : testing::Test {
+struct Logger : ::testing::Test {
   Logger() {
     world.restart();
     world.store(key::configurationVersion, std::int64_t{7});
@@ -50,10 +50,10 @@ TEST_F(Logger, WritesTheExactBlockOfItsThreshold) {
 }
 
 TEST_F(Logger, PassesWhatIsAtOrAboveItsThreshold) {
-  constexpr std::array levels{LogLevel::debug, LogLevel::info, LogLevel::warning, LogLevel::error};
+  constexpr std::array levels{LogLevel::debug, LogLevel::info, LogLevel::warning, LogLevel::error, LogLevel::off};
   for (const LogLevel threshold : levels) {
     for (const LogLevel level : levels) {
-      EXPECT_EQ(blocks(threshold, level).empty(), level < threshold) << rawValue(threshold) << rawValue(level);
+      EXPECT_EQ(blocks(threshold, level).empty(), level < threshold || level == LogLevel::off) << rawValue(threshold) << rawValue(level);
     }
   }
 }

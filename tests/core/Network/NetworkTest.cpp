@@ -37,7 +37,7 @@ TEST(NetworkErrorTexts, AreKeptByteForByte) {
   }
 }
 
-struct Requests : testing::Test {
+struct Requests : ::testing::Test {
   Requests() { world.restart(); }
 
   std::expected<HttpRequest, NetworkError> build(EndPoint endPoint, std::string base) {
