@@ -37,8 +37,8 @@ PostgresServer::PostgresServer(const std::filesystem::path& parent) : folder_(pa
   if (const passwd* const user = getpwnam("postgres"); user != nullptr && geteuid() == 0) {
     if (chown(folder_.path().c_str(), user->pw_uid, user->pw_gid) != 0) std::abort();
   }
-  ServerProcess initialize({postgresPrograms() + "initdb", "-D", folder_.path() / "data", "-A", "trust", "-U", "postgres",
-                            "--locale=C.UTF-8", "--no-sync"},
+  ServerProcess initialize({postgresPrograms() + "initdb", "-D", folder_.path() / "data", "-A", "trust", "-U",
+                            "postgres", "--locale=C.UTF-8", "--no-sync"},
                            "postgres");
   require(initialize.wait(std::chrono::minutes(3)) == 0, initialize.output());
   start();
@@ -47,8 +47,8 @@ PostgresServer::PostgresServer(const std::filesystem::path& parent) : folder_(pa
 void PostgresServer::start() {
   process_.reset();
   process_.emplace(
-      std::vector<std::string>{postgresPrograms() + "postgres", "-D", folder_.path() / "data", "-c", "listen_addresses=", "-c",
-                               "unix_socket_directories=" + folder_.path().string()},
+      std::vector<std::string>{postgresPrograms() + "postgres", "-D", folder_.path() / "data", "-c",
+                               "listen_addresses=", "-c", "unix_socket_directories=" + folder_.path().string()},
       "postgres");
   require(!process_->waitForLine("ready to accept connections", std::chrono::minutes(1)).empty(), process_->output());
 }

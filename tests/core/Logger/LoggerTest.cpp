@@ -53,7 +53,8 @@ TEST_F(Logger, PassesWhatIsAtOrAboveItsThreshold) {
   constexpr std::array levels{LogLevel::debug, LogLevel::info, LogLevel::warning, LogLevel::error, LogLevel::off};
   for (const LogLevel threshold : levels) {
     for (const LogLevel level : levels) {
-      EXPECT_EQ(blocks(threshold, level).empty(), level < threshold || level == LogLevel::off) << rawValue(threshold) << rawValue(level);
+      EXPECT_EQ(blocks(threshold, level).empty(), level < threshold || level == LogLevel::off)
+          << rawValue(threshold) << rawValue(level);
     }
   }
 }

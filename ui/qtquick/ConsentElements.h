@@ -1,4 +1,4 @@
-// One purpose or permission, for pages.
+// Purposes and permissions as elements that a page follows.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -63,9 +63,9 @@ class FollowedConsent : public QObject, public QQmlParserStatus {
   std::vector<Listening> changes_;
 };
 
-class PurposeConsent : public FollowedConsent {
+class PurposeElement : public FollowedConsent {
   Q_OBJECT
-  QML_ELEMENT
+  QML_NAMED_ELEMENT(PurposeConsent)
   Q_PROPERTY(double purposeId READ purposeId WRITE setPurposeId NOTIFY purposeIdChanged REQUIRED)
 
  public:
@@ -88,9 +88,9 @@ class PurposeConsent : public FollowedConsent {
   double purposeId_ = 0;  // QML has no larger integers
 };
 
-class PermissionConsent : public FollowedConsent {
+class PermissionElement : public FollowedConsent {
   Q_OBJECT
-  QML_ELEMENT
+  QML_NAMED_ELEMENT(PermissionConsent)
   // A key such as "NSCameraUsageDescription".
   Q_PROPERTY(QString permission READ permission WRITE setPermission NOTIFY permissionChanged REQUIRED)
 

@@ -1,4 +1,4 @@
-#include "ui/qtquick/PurposeConsent.h"
+#include "ui/qtquick/ConsentElements.h"
 
 #include <QPointer>
 #include <QQmlEngine>
@@ -59,7 +59,7 @@ void FollowedConsent::describe(const QString& name, const QString& explanation) 
   Q_EMIT changed();
 }
 
-void PurposeConsent::setPurposeId(double purposeId) {
+void PurposeElement::setPurposeId(double purposeId) {
   if (purposeId == purposeId_) return;
   purposeId_ = purposeId;
   Q_EMIT purposeIdChanged();
@@ -67,39 +67,39 @@ void PurposeConsent::setPurposeId(double purposeId) {
   refresh();
 }
 
-std::optional<std::int64_t> PurposeConsent::id() const {
+std::optional<std::int64_t> PurposeElement::id() const {
   return exact(purposeId_);
 }
 
-bool PurposeConsent::set(bool isGranted) {
+bool PurposeElement::set(bool isGranted) {
   const auto number = id();
   if (!sdk() || !number) return false;
   return sdk()->set(Purpose{.purposeId = *number}, isGranted ? ConsentStatus::granted : ConsentStatus::declined);
 }
 
 // Whatever changes the answer opens or closes the gate; the page asks anew at both.
-void PurposeConsent::follow(std::vector<Listening>& changes) {
+void PurposeElement::follow(std::vector<Listening>& changes) {
   const auto number = id();
   if (!number) return;
-  const QPointer<PurposeConsent> self(this);
+  const QPointer<PurposeElement> self(this);
   const auto ask = [self] {
     if (self) self->refreshAnswer();
   };
   changes.push_back(sdk()->whileAllowed(*number, ask, ask));
 }
 
-bool PurposeConsent::isAllowedNow() const {
+bool PurposeElement::isAllowedNow() const {
   const auto number = id();
   return number && sdk()->isAllowed(*number);
 }
 
-ConsentStatus PurposeConsent::statusNow() const {
+ConsentStatus PurposeElement::statusNow() const {
   const auto number = id();
   return number ? sdk()->get(*number) : ConsentStatus::notDetermined;
 }
 
-void PurposeConsent::askForTexts() {
-  const QPointer<PurposeConsent> self(this);
+void PurposeElement::askForTexts() {
+  const QPointer<PurposeElement> self(this);
   sdk()->getPurposeConsents([self, asked = id()](const std::vector<Purpose>& purposes) {
     if (!self || self->id() != asked) return;
     for (const Purpose& purpose : purposes) {
@@ -109,7 +109,7 @@ void PurposeConsent::askForTexts() {
   });
 }
 
-void PermissionConsent::setPermission(const QString& permission) {
+void PermissionElement::setPermission(const QString& permission) {
   if (permission == permission_) return;
   permission_ = permission;
   Q_EMIT permissionChanged();
@@ -117,18 +117,18 @@ void PermissionConsent::setPermission(const QString& permission) {
   refresh();
 }
 
-void PermissionConsent::follow(std::vector<Listening>&) {}
+void PermissionElement::follow(std::vector<Listening>&) {}
 
-bool PermissionConsent::isAllowedNow() const {
+bool PermissionElement::isAllowedNow() const {
   return sdk()->isAllowed(VantariKey(permission_.toStdString()));
 }
 
-ConsentStatus PermissionConsent::statusNow() const {
+ConsentStatus PermissionElement::statusNow() const {
   return sdk()->get(VantariKey(permission_.toStdString()));
 }
 
-void PermissionConsent::askForTexts() {
-  const QPointer<PermissionConsent> self(this);
+void PermissionElement::askForTexts() {
+  const QPointer<PermissionElement> self(this);
   sdk()->getPermissionConsents([self, asked = permission_](const std::vector<AppPermission>& permissions) {
     if (!self || self->permission_ != asked) return;
     for (const AppPermission& permission : permissions) {
