@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "quillon/version.h"
 #include "tools/PlainArguments.h"
 #include "tools/check-server/CheckServerCommand.h"
 #include "tools/diff/DiffCommand.h"
@@ -19,6 +20,7 @@
 int main(int argc, char** argv) {
   CLI::App app("Tools for developers of applications that ask for consent.", "quillon-consent");
   app.require_subcommand(1);
+  app.set_version_flag("--version", QUILLON_VERSION);
 
   int exitCode = 0;
   quillon::tools::addCheckServerCommand(app, exitCode);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Writes each C++ and C sample of the pages, and each example of the public headers, to a file: PAGE-N.cpp or .c, the
+# Writes each C++, C and QML sample of the pages, and each example of the public headers, to a file: PAGE-N.cpp, .c or .qml, the
 # slashes of the page's name as dashes. Line directives let the compiler name the page.
 # usage: ExtractSamples.sh SOURCE_FOLDER OUT_FOLDER
 set -euo pipefail
@@ -10,6 +10,7 @@ mkdir -p "$out"
 for page in README.md CONTRIBUTING.md docs/*.md examples/*/README.md; do
   awk -v page="$page" -v stem="$out/$(tr / - <<<"${page%.md}")" '
     /^```(cpp|c)$/ { file = stem "-" ++n "." substr($0, 4); printf "#line %d \"%s\"\n", NR + 1, page > file; next }
+    /^```qml$/ { file = stem "-" ++n ".qml"; printf "// %s\n", page > file; next }
     /^```/ { if (file) close(file); file = ""; next }
     file { print > file }' "$page"
 done

@@ -38,11 +38,14 @@ if [ "$flavour" = shared ]; then
     grep -v '^libquillon-qt' "$source/tests/package/exports.txt" >"$work/expected.txt"
   diff -u "$work/expected.txt" "$work/exports.txt" ||
     fail "the exported functions changed: if that is meant, change tests/package/exports.txt in the same way"
+  # Where the sources of Boost.URL are installed they are compiled in, elsewhere the library is needed.
+  url=${flavour}_without
+  grep -q Boost/Url.cpp "$build/compile_commands.json" || url=libboost_url
   for library in core linux consent-c testing; do
-    ! readelf -d "$lib/libquillon-$library.so" | grep NEEDED | grep -iE 'boost|qt|gumbo|re2|idn2' ||
+    ! readelf -d "$lib/libquillon-$library.so" | grep NEEDED | grep -v "$url" | grep -iE 'boost|qt|gumbo|re2|idn2' ||
       fail "libquillon-$library needs what it has no use for"
   done
-  ! readelf -d "$lib/libquillon-core.so" | grep NEEDED | grep -vE 'libstdc|libgcc|libc\.|libm\.|libz\.|ld-linux|sanit|san\.' ||
+  ! readelf -d "$lib/libquillon-core.so" | grep NEEDED | grep -v "$url" | grep -vE 'libstdc|libgcc|libc\.|libm\.|libz\.|ld-linux|sanit|san\.' ||
     fail "libquillon-core needs more than the standard library and zlib"
   size=0
   for library in core linux; do
@@ -51,6 +54,28 @@ if [ "$flavour" = shared ]; then
   done
   echo "core and Linux services: $size bytes stripped, Boost included"
   [ "$size" -le 1200000 ] || fail "the SDK grew: docs/performance.md says what is in it"
+fi
+
+[ "$("$prefix/bin/quillon-consent" --version)" = "$(sed -n 's/#define QUILLON_VERSION "\(.*\)"/\1/p' "$prefix/include/quillon/version.h")" ] ||
+  fail "the tool has another version than the headers"
+
+# What is installed beside it knows every command.
+commands=$("$prefix/bin/quillon-consent" --help | sed -n '/^Subcommands:/,$s/^  \([a-z][a-z-]*\).*/\1/p')
+for command in $commands; do
+  grep -qx "\.B $command" "$prefix/share/man/man1/quillon-consent.1" || fail "the manual lacks $command"
+done
+completed=$(PATH=$prefix/bin:$PATH bash -c '. "$0"; COMP_WORDS=(quillon-consent va) COMP_CWORD=1; _quillon_consent
+  echo "${COMPREPLY[@]}"' "$prefix/share/bash-completion/completions/quillon-consent")
+[ "$completed" = validate ] || fail "bash completes va to $completed"
+[ -f "$prefix/share/quillon-consent/examples/configuration/consent/mobile_banner/demo-tenant/news-reader/live/config.json" ] ||
+  fail "the sample configuration is not installed"
+
+# The QML module, as an editor sees it: pages of an application and the samples of the documentation without a warning.
+if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
+  "$source/tests/docs/ExtractSamples.sh" "$source" "$work/samples"
+  mapfile -t pages < <(find "$source/examples" "$work/samples" -name '*.qml')
+  quietly /usr/lib/qt6/bin/qmllint -I "$(dirname "$(dirname "$(find "$prefix" -path '*Quillon/Consent' -print -quit)")")" "${pages[@]}"
+  ! grep -i warning "$work/log" || { cat "$work/log"; fail "the linter warns of ${pages[*]}"; }
 fi
 
 # The interfaces of the platform find one another where they are installed.
@@ -128,7 +153,7 @@ if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
     echo "$(basename "$package") needs: $(dpkg-deb -f "$package" Depends)"
   done
   runtime=$(dpkg-deb -f "$work"/packages/libquillon-consent0*.deb Depends)
-  [[ $runtime == *libcurl4* && $runtime != *qt6* && $runtime != *boost* ]] || fail "dependencies of the runtime package"
+  [[ $runtime == *libcurl* && $runtime != *qt6* && ($url == libboost_url || $runtime != *boost*) ]] || fail "dependencies of the runtime package"
   if [ -e "$prefix/bin/quillon-receiver" ]; then
     receiver=$(dpkg-deb -f "$work"/packages/quillon-receiver*.deb Depends)
     [[ $receiver == *libpq5* && $receiver != *quillon* && $receiver != *qt6* ]] || fail "dependencies of the receiver"
