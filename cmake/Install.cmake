@@ -42,6 +42,17 @@ quillon_pkgconfig(quillon-consent "Consent management for applications"
 quillon_pkgconfig(quillon-consent-c "Consent management for applications, C interface" "-lquillon-consent-c" "" "")
 quillon_pkgconfig(quillon-consent-testing "A device in memory, for tests of an application's consent flow"
   "-lquillon-testing;-lquillon-core" "-lquillon-memory;${core_archives}" "")
+quillon_pkgconfig(quillon-consent-signals "Consent management for applications, strings of the advertising trade"
+  "-lquillon-signals;-lquillon-core" "${core_archives}" "")
+# Of archives, the screens are also objects, which CMake alone hands on.
+if(TARGET quillon_qtquick AND BUILD_SHARED_LIBS)
+  quillon_pkgconfig(quillon-consent-qtquick "Consent management for applications, screens for Qt Quick"
+    "-lquillon-qtquick;-lquillon-linux;-lquillon-core" "" "")
+  if(TARGET quillon_qtwebengine)
+    quillon_pkgconfig(quillon-consent-qtwebengine "Consent management for applications, in-app web view for Qt Quick"
+      "-lquillon-qtwebengine;-lquillon-qtquick;-lquillon-linux;-lquillon-core" "" "")
+  endif()
+endif()
 
 # Debian packages: `cpack -G DEB` in the build folder of a shared build.
 set(CPACK_PACKAGE_NAME quillon-consent)

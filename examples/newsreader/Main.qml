@@ -6,10 +6,6 @@ import Quillon.Consent
 Window {
     id: window
 
-    readonly property color ink: "#1B1F24"
-    readonly property color faint: "#5B6470"
-    readonly property color line: "#E3E6EA"
-
     width: 390
     height: 844
     visible: true
@@ -20,30 +16,42 @@ Window {
     PurposeConsent { id: personalised; purposeId: 3 }
     PurposeConsent { id: media; purposeId: 5 }
 
+    component Ink: QtObject {
+        readonly property color plain: "#1B1F24"
+        readonly property color faint: "#5B6470"
+        readonly property color line: "#E3E6EA"
+    }
+
+    Ink { id: pageInk }
+
     component Story: ColumnLayout {
+        id: story
+
         property string section
         property string headline
         property string teaser
 
         Layout.fillWidth: true
         spacing: 6
+
+        Ink { id: storyInk }
         Text {
-            text: parent.section
+            text: story.section
             color: "#9A3B26"
             font { pixelSize: 12; bold: true; letterSpacing: 0.6; capitalization: Font.AllUppercase }
         }
         Text {
             Layout.fillWidth: true
-            text: parent.headline
-            color: window.ink
+            text: story.headline
+            color: storyInk.plain
             wrapMode: Text.Wrap
             font { pixelSize: 20; bold: true }
             Accessible.role: Accessible.Heading
         }
         Text {
             Layout.fillWidth: true
-            text: parent.teaser
-            color: window.faint
+            text: story.teaser
+            color: storyInk.faint
             wrapMode: Text.Wrap
             lineHeight: 1.3
             font.pixelSize: 15
@@ -52,7 +60,7 @@ Window {
             Layout.fillWidth: true
             Layout.topMargin: 12
             implicitHeight: 1
-            color: window.line
+            color: storyInk.line
         }
     }
 
@@ -65,19 +73,20 @@ Window {
         implicitHeight: 44
         radius: 22
         color: "transparent"
-        border { color: activeFocus ? window.ink : window.line; width: activeFocus ? 2 : 1 }
+        border { color: activeFocus ? buttonInk.plain : buttonInk.line; width: activeFocus ? 2 : 1 }
         activeFocusOnTab: true
         Accessible.role: Accessible.Button
         Accessible.name: text
         Accessible.onPressAction: Consent.presentPreferenceCenter()
         Keys.onSpacePressed: Consent.presentPreferenceCenter()
         Keys.onReturnPressed: Consent.presentPreferenceCenter()
+        Ink { id: buttonInk }
         Text {
             id: label
 
             anchors.centerIn: parent
             text: button.text
-            color: window.ink
+            color: buttonInk.plain
             font.pixelSize: 14
         }
         TapHandler { onTapped: Consent.presentPreferenceCenter() }
@@ -102,7 +111,7 @@ Window {
                     Text {
                         Layout.fillWidth: true
                         text: "The Morning Courier"
-                        color: window.ink
+                        color: pageInk.plain
                         wrapMode: Text.Wrap
                         font { pixelSize: 24; bold: true; family: "Noto Serif" }
                     }
@@ -124,7 +133,7 @@ Window {
                     Layout.fillWidth: true
                     implicitHeight: 180
                     radius: 12
-                    color: media.allowed ? window.ink : "#F0EEE8"
+                    color: media.allowed ? pageInk.plain : "#F0EEE8"
                     Text {
                         visible: media.allowed
                         anchors.centerIn: parent
@@ -139,7 +148,7 @@ Window {
                         Text {
                             Layout.fillWidth: true
                             text: "This video comes from another company. It is loaded once you allow embedded media."
-                            color: window.faint
+                            color: pageInk.faint
                             wrapMode: Text.Wrap
                             font.pixelSize: 14
                         }
@@ -149,7 +158,7 @@ Window {
                 Text {
                     Layout.fillWidth: true
                     text: statistics.allowed ? "This visit is counted. Thank you." : "This visit is not counted."
-                    color: window.faint
+                    color: pageInk.faint
                     font.pixelSize: 13
                 }
             }

@@ -27,10 +27,10 @@ compile() {
     *.c) gcc -std=c11 -Iinclude -I. -Wall -Wextra -Werror -fsyntax-only "$sample" && return || return 1 ;;
     */include-*) flags+=(-I. -Wno-unused -Wno-unused-result -Wno-unused-parameter) ;;
   esac
-  case $sample in */include-quillon-Qt*)
+  if [[ $sample == */include-quillon-Qt* ]] || grep -q '#include <Q' "$sample"; then
     # shellcheck disable=SC2207
-    flags+=(-fPIC $(pkg-config --cflags Qt6Quick | sed 's/-I/-isystem /g')) ;;
-  esac
+    flags+=(-fPIC $(pkg-config --cflags Qt6Quick | sed 's/-I/-isystem /g'))
+  fi
   grep -q '#include' "$sample" || flags+=(-include quillon/ConsentSDK.h -include quillon/LinuxPlatform.h)
   if grep -qE '#include "(quillon/)?platform/' "$sample"; then flags+=(-std=c++23 -I. -I"$work/include"); fi
   "$cxx" "${flags[@]}" "$sample"

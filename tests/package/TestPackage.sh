@@ -102,6 +102,10 @@ if [ "$flavour" = shared ]; then
   # shellcheck disable=SC2046
   quietly "$cxx" -std=c++20 "$source/examples/analytics/main.cpp" -o "$work/by-pkg-config" \
     $(pkg-config --cflags --libs quillon-consent)
+  for package in "$lib"/pkgconfig/*.pc; do
+    echo 'int main() {}' | "$cxx" -x c++ - -o "$work/nothing" $(pkg-config --cflags --libs "$(basename "$package" .pc)") ||
+      fail "$package leads nowhere"
+  done
   # shellcheck disable=SC2046
   quietly gcc -std=c11 "$source/examples/c/main.c" -o "$work/by-pkg-config-c" $(pkg-config --cflags --libs quillon-consent-c)
 fi

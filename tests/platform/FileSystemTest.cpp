@@ -44,8 +44,8 @@ class FileSystemContract : public testing::Test {
 
 }  // namespace
 
-using Worlds = testing::Types<FilesOnDisk, FilesInMemory>;
-TYPED_TEST_SUITE(FileSystemContract, Worlds);
+using FileWorlds = testing::Types<FilesOnDisk, FilesInMemory>;
+TYPED_TEST_SUITE(FileSystemContract, FileWorlds);
 
 TYPED_TEST(FileSystemContract, NamesTheFolderThatAFileNeeds) {
   EXPECT_EQ(this->files_.applicationSupportDirectory(), this->world_.folder);

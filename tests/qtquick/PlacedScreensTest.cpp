@@ -152,10 +152,10 @@ TEST_F(PlacedScreens, APageAsksWhatIsAllowedAndFollowsIt) {
   EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
   EXPECT_TRUE(decide(true));
   EXPECT_TRUE(told("+"));
-  EXPECT_TRUE(answers("true,true,ready,true,true,granted,Statistics,true")) << asked();
+  EXPECT_TRUE(answers("true,true,ready,false,true,granted,Statistics,true")) << asked();
   world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
   EXPECT_TRUE(told("+-"));
-  EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
+  EXPECT_TRUE(answers("false,true,ready,false,false,declined,Statistics,true")) << asked();
   world.sdk->removeConsents();
   EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
 }

@@ -63,7 +63,8 @@ class FollowedConsent : public QObject, public QQmlParserStatus {
   std::vector<Listening> changes_;
 };
 
-class PurposeElement : public FollowedConsent {
+// Linters find a base class by its whole name alone.
+class PurposeElement : public quillon::FollowedConsent {
   Q_OBJECT
   QML_NAMED_ELEMENT(PurposeConsent)
   Q_PROPERTY(double purposeId READ purposeId WRITE setPurposeId NOTIFY purposeIdChanged REQUIRED)
@@ -88,7 +89,7 @@ class PurposeElement : public FollowedConsent {
   double purposeId_ = 0;  // QML has no larger integers
 };
 
-class PermissionElement : public FollowedConsent {
+class PermissionElement : public quillon::FollowedConsent {
   Q_OBJECT
   QML_NAMED_ELEMENT(PermissionConsent)
   // A key such as "NSCameraUsageDescription".

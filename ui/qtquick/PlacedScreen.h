@@ -72,7 +72,8 @@ class PlacedScreen : public QQuickItem {
   std::shared_ptr<void> dismissal_;
 };
 
-class PlacedBanner : public PlacedScreen {
+// Linters find a base class by its whole name alone.
+class PlacedBanner : public quillon::PlacedScreen {
   Q_OBJECT
   QML_NAMED_ELEMENT(ConsentBanner)
 
@@ -83,7 +84,7 @@ class PlacedBanner : public PlacedScreen {
   const char* sheet() const override { return "BannerSheet"; }
 };
 
-class PlacedPreferenceCenter : public PlacedScreen {
+class PlacedPreferenceCenter : public quillon::PlacedScreen {
   Q_OBJECT
   QML_NAMED_ELEMENT(PreferenceCenter)
 
@@ -94,7 +95,7 @@ class PlacedPreferenceCenter : public PlacedScreen {
   const char* sheet() const override { return "PreferenceSheet"; }
 };
 
-class PlacedSettingsPrompt : public PlacedScreen {
+class PlacedSettingsPrompt : public quillon::PlacedScreen {
   Q_OBJECT
   QML_NAMED_ELEMENT(SettingsPrompt)
   // The key of the permission that it is about; read once, when the element is complete.

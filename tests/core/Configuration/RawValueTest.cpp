@@ -33,7 +33,7 @@ void expectTexts(std::initializer_list<const char*> texts) {
 
 TEST(RawValue, IsTheFixedTextOfEveryCase) {
   expectTexts<ConsentStatus>({"not_determined", "granted", "declined", "withdrawn"});
-  expectTexts<LogLevel>({"DEBUG", "INFO", "WARNING", "ERROR"});
+  expectTexts<LogLevel>({"DEBUG", "INFO", "WARNING", "ERROR", "OFF"});
   expectTexts<Mode>({"draft", "live"});
   expectTexts<ComplianceType>({"notice-only", "opt-in", "opt-out"});
   expectTexts<BannerPosition>({"bottom", "center"});

@@ -1,6 +1,7 @@
 #include "ui/Common/WebView/LinkAddress.h"
 
 #include <algorithm>
+#include <boost/url/encode.hpp>
 #include <boost/url/parse.hpp>
 
 #include "core/Text/Ascii.h"
@@ -59,16 +60,7 @@ bool isSoundPort(std::string_view port) {
 }
 
 std::string percentEncoded(std::string_view text) {
-  std::string result;
-  for (const char c : text) {
-    if (isBeyondAscii(c)) {
-      result += '%';
-      appendHex(result, c, upperHexDigits);
-    } else {
-      result += c;
-    }
-  }
-  return result;
+  return boost::urls::encode(text, [](char c) { return !isBeyondAscii(c); });
 }
 
 // Brackets, braces and bars of the path, the query and the fragment have one reading, though the grammar wants them
@@ -77,16 +69,8 @@ std::string withEncodedBrackets(std::string_view address) {
   constexpr std::string_view authority = "://";
   const std::size_t begin = std::min(address.find(authority), address.size() - 1) + 1;
   const std::size_t rest = std::min(address.find_first_of("/?#", begin + authority.size() - 1), address.size());
-  std::string result(address.substr(0, rest));
-  for (const char c : address.substr(rest)) {
-    if (std::string_view("[]{}|").contains(c)) {
-      result += '%';
-      appendHex(result, c, upperHexDigits);
-    } else {
-      result += c;
-    }
-  }
-  return result;
+  return std::string(address.substr(0, rest)) +
+         boost::urls::encode(address.substr(rest), [](char c) { return !std::string_view("[]{}|").contains(c); });
 }
 
 // Why the grammar does not take it.
