@@ -32,10 +32,9 @@ function(quillon_target name)
   target_compile_options(${name} PRIVATE -fno-semantic-interposition)
   target_compile_options(${name} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
   # GCC mistakes the frame of an Asio coroutine, which is made and freed by functions of its own, for a mismatched pair.
-  # GCC 12 follows the members of a std::variant that is moved into alternatives that it does not hold.
+  # GCC follows the members of a std::variant that is moved into alternatives that it does not hold.
   target_compile_options(${name} PRIVATE
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-mismatched-new-delete>
-    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-maybe-uninitialized>)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-mismatched-new-delete;-Wno-maybe-uninitialized>)
   # So that a linker can leave out what an application never calls.
   target_compile_options(${name} PRIVATE -ffunction-sections -fdata-sections)
   # Files that are read together, to build faster, see each other's names, and GCC 12 sees more of std::string at once

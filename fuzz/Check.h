@@ -1,6 +1,8 @@
-// What a fuzz target claims about every input.
+// What a fuzz target claims about every input, and the types that it takes it in.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 

@@ -317,7 +317,7 @@ class SecureServer {
   std::string url(const std::string& path) const { return "https://127.0.0.1" + serving_->at(path); }
   bool asked() const { return asked_; }
   void appendCertificate(const std::string& file) const {
-    const std::unique_ptr<FILE, decltype(&fclose)> out(fopen(file.c_str(), "a"), &fclose);
+    const std::unique_ptr<FILE, int (*)(FILE*)> out(fopen(file.c_str(), "a"), &fclose);
     PEM_write_X509(out.get(), certificate_.get());
   }
 
