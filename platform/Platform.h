@@ -9,6 +9,7 @@
 #include "Clock.h"
 #include "ConsentSink.h"
 #include "Console.h"
+#include "DesktopSettings.h"
 #include "Executors.h"
 #include "FileSystem.h"
 #include "HostApplication.h"
@@ -38,10 +39,11 @@ struct Platform {
   std::shared_ptr<RandomSource> random;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
   std::shared_ptr<PrivacySignals> signals;   // null: a device without privacy signals
+  std::shared_ptr<DesktopSettings> desktop;  // null: the toolkit alone says how things look
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
   bool areScreensLinked = false;             // a user interface is linked, configured or not
 
-  // Base URL of the vendor's application server, for location look-ups. Ends in "/".
+  // Base URL of the vendor's server, which is asked for the location. Ends in "/".
   std::string vendorUrl = "https://app.quillon.example/";
 };
 

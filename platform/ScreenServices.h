@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Clock.h"
+#include "DesktopSettings.h"
 #include "HostApplication.h"
 #include "Job.h"
 #include "quillon/ConsentSDKOptions.h"
@@ -76,6 +77,8 @@ class ScreenServices {
   virtual std::optional<CustomColors> colors() const = 0;
   virtual std::optional<ConsentSDKOptions> options() const = 0;
   virtual const HostApplication& host() const = 0;
+  // Null without one.
+  virtual std::shared_ptr<DesktopSettings> desktop() const = 0;
   virtual SDKLogger& logger() = 0;
   virtual SDKStatus status() const = 0;
   // Calls `changed` on the main queue with every later status, until the handle is dropped there.

@@ -34,8 +34,9 @@ class CheckCycle {
 
   // Restarts the recurring check, one period from now.
   void startRecurringCheck();
-  // Starts the recurring check if it is not running and consents were given meanwhile, by another process.
-  void followOtherProcesses();
+  // Starts the recurring check if it is not running and consents were given meanwhile: by another process, or here by a
+  // decision that could not be sent.
+  void watchAnswered();
   // Runs a check, or joins the one in flight.
   Task<void> check();
 

@@ -72,7 +72,7 @@ void CheckCycle::startRecurringCheck() {
   if (!s_.work.isClosed()) recurring_.swap(timer);
 }
 
-void CheckCycle::followOtherProcesses() {
+void CheckCycle::watchAnswered() {
   {
     const std::scoped_lock lock(mutex_);
     if (recurring_) return;

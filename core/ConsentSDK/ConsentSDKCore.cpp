@@ -19,7 +19,7 @@ ConsentSDK::Core::Core(Platform services)
       others({foundation,
               [this] {
                 loader.refreshConsentMode();
-                cycle.followOtherProcesses();
+                cycle.watchAnswered();
               }}),
       server(platform, store, logger, work.stopToken()),
       location(platform, store, work, server, [this] { loader.reapply(); }),
@@ -28,7 +28,8 @@ ConsentSDK::Core::Core(Platform services)
       loader({foundation, server, location, consentMode, signal}),
       tradeSignals({foundation, location, loader, signal}),
       questions({foundation, location, loader, tradeSignals}),
-      uploader({foundation, server, loader, [this] { cycle.startRecurringCheck(); }}),
+      uploader(
+          {foundation, server, loader, [this] { cycle.startRecurringCheck(); }, [this] { cycle.watchAnswered(); }}),
       recorder({foundation, loader, uploader}),
       screens({foundation, loader, recorder, theme}),
       cycle({foundation, loader, uploader, recorder, others, signal, [this] { return screens.explainBanner(); }}),

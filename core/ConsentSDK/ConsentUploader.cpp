@@ -238,7 +238,9 @@ void ConsentUploader::schedule() {
       const std::scoped_lock lock(mutex_);
       isScheduled_ = false;
     }
-    s_.work.start([this]() -> Task<void> { co_await uploadPending(Trigger::automatic); });
+    s_.work.start([this]() -> Task<void> {
+      if (!co_await uploadPending(Trigger::automatic)) s_.leftPending();
+    });
   };
   auto timer = s_.platform.clock->after(followUpDelay, s_.work.whileAlive(upload));
   const std::scoped_lock lock(mutex_);

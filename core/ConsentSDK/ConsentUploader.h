@@ -19,7 +19,8 @@ class ConsentUploader {
   struct Services : Foundation {
     ServerApi& server;
     ConfigurationLoader& loader;
-    std::function<void()> answered;  // called after every upload that was accepted, failed or not possible
+    std::function<void()> answered;     // called after every upload that was accepted, failed or not possible
+    std::function<void()> leftPending;  // called when what was decided could not be uploaded by itself
   };
   explicit ConsentUploader(Services services) : s_(std::move(services)) {}
 

@@ -55,6 +55,7 @@ class Screens : public ScreenServices {
   std::optional<CustomColors> colors() const override { return s_.theme.colors(); }
   std::optional<ConsentSDKOptions> options() const override;
   const HostApplication& host() const override { return *s_.platform.host; }
+  std::shared_ptr<DesktopSettings> desktop() const override { return s_.platform.desktop; }
   SDKLogger& logger() override { return s_.logger; }
   SDKStatus status() const override { return s_.events.readiness.isReady(); }
   std::shared_ptr<void> followStatus(std::function<void(SDKStatus)> changed) override;

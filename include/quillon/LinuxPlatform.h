@@ -26,7 +26,8 @@ struct LinuxOptions {
   /// Posts a job to the application's main loop, which runs jobs later, in order. Called from any thread. Default: an
   /// SDK thread serves as the main queue.
   std::function<void(std::function<void()> job)> postToMainQueue = {};
-  /// Base URL of the vendor's application server, for development; ends in "/".
+  /// Base URL of the vendor's server, which is asked for the user's location unless ConsentSDKOptions::locationCode is
+  /// set; ends in "/". Default: the vendor's own.
   std::optional<std::string> vendorUrl = std::nullopt;
   /// Passes the consent-mode signals to the application's analytics library, by name ("ad_storage"), each "granted" or
   /// "denied". Called from an SDK thread after every change. Default: none.

@@ -13,11 +13,12 @@ namespace quillon {
 
 /// Adaptation of the screens to the user's desktop.
 struct QtQuickOptions {
-  /// Dark mode. Default: follows the application's palette when a screen is shown.
+  /// Dark mode. Default: follows the application's palette, and the desktop's colour scheme where that is dark.
   std::optional<bool> isDark = std::nullopt;
-  /// Text scale, clamped to 0.5 to 3. Default: the screen's logical density divided by 96 dots per inch.
+  /// Text scale, clamped to 0.5 to 3. Default: the screen's logical density divided by 96 dots per inch; where that is 1,
+  /// the desktop's factor for text.
   std::optional<double> textScale = std::nullopt;
-  /// Disables animations. Qt does not report the desktop's setting.
+  /// Disables animations, also where the desktop does not.
   bool isMotionReduced = false;
 };
 

@@ -16,6 +16,7 @@
 #include "platform/linux/FileCalls.h"
 #include "platform/linux/HostConsole.h"
 #include "platform/linux/LinuxClock.h"
+#include "platform/linux/LinuxDesktopSettings.h"
 #include "platform/linux/LinuxHostApplication.h"
 #include "platform/linux/LinuxPrivacySignals.h"
 #include "platform/linux/NetlinkPathMonitor.h"
@@ -134,6 +135,7 @@ Platform replaced(const Platform& ours, const std::function<void(Platform&)>& re
   keep(&Platform::permissions);
   keep(&Platform::host);
   if (theirs.signals == nullptr) theirs.signals = ours.signals;
+  if (theirs.desktop == nullptr) theirs.desktop = ours.desktop;
   return theirs;
 }
 
@@ -165,6 +167,7 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   platform.tracking = std::make_shared<FixedAppTracking>();
   platform.permissions = std::make_shared<LinuxPermissionSources>(options.applicationId);
   platform.signals = std::make_shared<LinuxPrivacySignals>();
+  platform.desktop = std::make_shared<LinuxDesktopSettings>();
   platform.random = std::make_shared<SystemRandom>();
   platform.host = std::make_shared<LinuxHostApplication>(resourceDirectory(options));
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);

@@ -54,8 +54,9 @@ TEST(Palettes, WhateverIsConfiguredIsLegibleInBothSurroundings) {
   const char* const texts[] = {"#FFFFFF", "#000000", "#777777", "#FF0000", "#00FF00", "#0000FF", "#FFFF00", "rot"};
   for (const char* ground : texts) {
     for (const char* ink : texts) {
-      for (const bool isDark : {false, true}) {
-        SCOPED_TRACE(testing::Message() << ink << " on " << ground << (isDark ? ", dark" : ""));
+      for (const auto& [isDark, least] :
+           {std::pair(false, LeastContrast()), {true, LeastContrast()}, {false, highContrast}, {true, highContrast}}) {
+        SCOPED_TRACE(testing::Message() << ink << " on " << ground << (isDark ? ", dark " : " ") << least.text);
         const ScreenColors colors(paletteFor(CustomColors{.buttonBackground = ground,
                                                           .buttonText = ink,
                                                           .buttonBorder = ink,
@@ -65,10 +66,10 @@ TEST(Palettes, WhateverIsConfiguredIsLegibleInBothSurroundings) {
                                                           .preferenceCenterFooterBackground = ground,
                                                           .preferenceCenterFooterSelector = ink},
                                              1, isDark),
-                                  isDark);
+                                  isDark, least);
         for (const auto& [text, on] : colors.texts())
-          EXPECT_GE(contrast(text, on), legible) << text.name().toStdString();
-        for (const auto& [part, on] : colors.controls()) EXPECT_GE(contrast(part, on), visible);
+          EXPECT_GE(contrast(text, on), least.text) << text.name().toStdString();
+        for (const auto& [part, on] : colors.controls()) EXPECT_GE(contrast(part, on), least.control);
         if (isDark && std::string_view(ground) == "#FFFFFF") {
           EXPECT_LT(contrast(colors.background, Qt::black), contrast(colors.background, Qt::white));
         }

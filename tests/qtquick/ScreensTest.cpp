@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/SettableDesktopSettings.h"
 #include "quillon/QtQuick.h"
 #include "tests/qtquick/ScreenWorld.h"
 
@@ -281,6 +282,27 @@ TEST_F(Screens, FollowTheDesktopIntoTheDark) {
   QGuiApplication::setPalette(dark);
   EXPECT_LT(window->grabWindow().pixelColor(inside).lightness(), 60);
   QGuiApplication::setPalette(light);
+}
+
+TEST_F(Screens, FollowWhatTheUserHasSetForTheWholeDesktop) {
+  const auto desktop = std::make_shared<SettableDesktopSettings>();
+  world.amend = [&, amend = world.amend](Platform& platform) {
+    amend(platform);
+    platform.desktop = desktop;
+  };
+  presenter = QtScreenPresenter::make({});
+  start();
+  banner();
+  const auto answer = [&] { return control("Reject"); };
+  const QPoint inside = answer()->mapToScene({-4, -4}).toPoint();
+  const double height = answer()->height();
+  EXPECT_GT(window->grabWindow().pixelColor(inside).lightness(), 200);
+  desktop->set({.prefersDark = true, .isContrastHigh = true, .isMotionReduced = true, .textScale = 2});
+  EXPECT_TRUE(await([&] { return answer() && answer()->height() > 1.3 * height; })) << "larger text, larger control";
+  EXPECT_LT(window->grabWindow().pixelColor(inside).lightness(), 60);
+  desktop->set({});
+  EXPECT_TRUE(await([&] { return answer() && answer()->height() == height; }));
+  EXPECT_GT(window->grabWindow().pixelColor(inside).lightness(), 200);
 }
 
 TEST(ScreensOfTheSharedInstance, AreConfiguredBeforeItsFirstUseAndShareTheQtLoop) {

@@ -222,7 +222,8 @@ void Model::judgeAct(const ActReport& act, const StoreView& before, const StoreV
                            after.given == explicitly && before.decisions == after.decisions;
   if (!(isDone && act.result != false) && !(mayBeUndone && (isSame(before, after) || isPromotion)) &&
       !(act.wasDisturbed && isDone)) {
-    trail_.fail(1, "the act has not the effect that it must have");
+    trail_.fail(1,
+                "the act has not the effect that it must have: from " + described(before) + " to " + described(after));
   }
   if (act.effect == Effect::decision && act.result == false && !act.wasDisturbed) {
     trail_.fail(10, "a decision was not stored though nothing was wrong");

@@ -14,6 +14,12 @@ void read(const SuiteEntries& entries, std::string_view key, Into& into) {
 
 }  // namespace
 
+std::string described(const StoreView& store) {
+  std::string text = store.given + " under \"" + store.law + "\":";
+  for (const auto& [purpose, status] : store.decisions) text += " " + std::to_string(purpose) + "=" + status;
+  return text;
+}
+
 StoreView viewOf(const SuiteEntries& entries) {
   StoreView view;
   for (const int purpose : purposes) {

@@ -32,6 +32,8 @@ struct StoreView {
   bool operator==(const StoreView&) const = default;
 };
 
+// Decisions, how they were given, and the law.
+[[nodiscard]] std::string described(const StoreView& store);
 [[nodiscard]] StoreView viewOf(const SuiteEntries& entries);
 
 }  // namespace quillon::sim

@@ -26,8 +26,12 @@ QColor clearOn(const QColor& background, double leastContrast, const std::vector
   return *std::ranges::max_element(colors, {}, [&](const QColor& color) { return contrast(color, background); });
 }
 
-QColor legibleOn(const QColor& background, const std::vector<QColor>& colors) {
-  return clearOn(background, legible, colors);
+// A fill on which black or white has that contrast: itself, else the nearer one of the two.
+QColor fillFor(const QColor& color, double leastContrast) {
+  const double onBlack = contrast(color, Qt::black);
+  const double onWhite = contrast(color, Qt::white);
+  if (std::max(onBlack, onWhite) >= leastContrast) return color;
+  return onBlack < onWhite ? Qt::black : Qt::white;
 }
 
 // What a built-in palette is made of; the rest is common to all.
@@ -126,19 +130,22 @@ double contrast(const QColor& first, const QColor& second) {
   return contrast(plain(first), plain(second));
 }
 
-ScreenColors::ScreenColors(const Palette& palette, bool isDark)
-    : background(palette.bannerBackground),
-      button(palette.buttonBackground),
+ScreenColors::ScreenColors(const Palette& palette, bool isDark, const LeastContrast& least)
+    : background(fillFor(palette.bannerBackground, least.text)),
+      button(fillFor(palette.buttonBackground, least.text)),
       buttonBorder(palette.buttonBorder),
-      footer(palette.footerBackground),
-      selector(palette.footerSelector),
-      note(palette.disclaimerBackground),
+      footer(fillFor(palette.footerBackground, least.text)),
+      selector(fillFor(palette.footerSelector, least.text)),
+      note(fillFor(palette.disclaimerBackground, least.text)),
       scrim(0, 0, 0, isDark ? 160 : 112) {
   // The configured colour where it is legible on all that it stands on, else another one that is; black or white is.
-  const auto rescued = [this](std::string_view role, const QColor& wanted, const std::vector<QColor>& backgrounds,
-                              std::vector<QColor> others, double least = legible) {
+  const auto legibleOn = [&](const QColor& fill, const std::vector<QColor>& colors) {
+    return clearOn(fill, least.text, colors);
+  };
+  const auto rescued = [&](std::string_view role, const QColor& wanted, const std::vector<QColor>& backgrounds,
+                           std::vector<QColor> others, double leastContrast) {
     const auto isClear = [&](const QColor& color) {
-      return std::ranges::all_of(backgrounds, [&](const QColor& on) { return contrast(color, on) >= least; });
+      return std::ranges::all_of(backgrounds, [&](const QColor& on) { return contrast(color, on) >= leastContrast; });
     };
     if (isClear(wanted)) return wanted;
     replaced.push_back(role);
@@ -146,29 +153,29 @@ ScreenColors::ScreenColors(const Palette& palette, bool isDark)
     const auto found = std::ranges::find_if(others, isClear);
     return found != others.end() ? *found : legibleOn(backgrounds.front(), {Qt::black, Qt::white});
   };
-  text = rescued("banner_text", palette.bannerText, {background}, {});
+  text = rescued("banner_text", palette.bannerText, {background}, {}, least.text);
   // Cards are a shade of the text's colour, and the text stands on them too.
   card = mixed(background, text, 0.04);
-  if (contrast(text, card) < legible) card = background;
+  if (contrast(text, card) < least.text) card = background;
   hairline = mixed(background, text, 0.14);
-  link = rescued("banner_links", palette.bannerLinks, {background, card}, {text});
-  buttonText = rescued("button_text", palette.buttonText, {button}, {text, background});
-  noteText = rescued("purpose_disclaimer_text", palette.disclaimerText, {note}, {text, background});
+  link = rescued("banner_links", palette.bannerLinks, {background, card}, {text}, least.text);
+  buttonText = rescued("button_text", palette.buttonText, {button}, {text, background}, least.text);
+  noteText = rescued("purpose_disclaimer_text", palette.disclaimerText, {note}, {text, background}, least.text);
   const QColor quiet = mixed(text, background, 0.28);
-  quietText = contrast(quiet, card) >= legible && contrast(quiet, background) >= legible ? quiet : text;
+  quietText = contrast(quiet, card) >= least.text && contrast(quiet, background) >= least.text ? quiet : text;
   // A pale button is legible by its text, which a switch has not.
-  switchOn = clearOn(card, visible, {palette.togglePrimary, buttonText, buttonBorder, link, text});
-  switchOff = clearOn(card, visible, {palette.toggleSecondary, quietText});
+  switchOn = clearOn(card, least.control, {palette.togglePrimary, buttonText, buttonBorder, link, text});
+  switchOff = clearOn(card, least.control, {palette.toggleSecondary, quietText});
   // Colours that were chosen to be text on a fill need not be legible without it.
   const QColor touched = mixed(background, text, 0.1);
   plainButtonText = text;
   for (const QColor& color : {buttonBorder, button, buttonText}) {
-    if (contrast(color, touched) >= legible && contrast(color, background) >= legible) plainButtonText = color;
+    if (contrast(color, touched) >= least.text && contrast(color, background) >= least.text) plainButtonText = color;
   }
   plainButton = mixed(background, plainButtonText, 0.1);
-  if (contrast(plainButtonText, plainButton) < legible) plainButton = background;
+  if (contrast(plainButtonText, plainButton) < least.text) plainButton = background;
   plainButtonBorder =
-      rescued("button_border", palette.buttonBorder, {background, card}, {plainButtonText, text}, visible);
+      rescued("button_border", palette.buttonBorder, {background, card}, {plainButtonText, text}, least.control);
   footerText = legibleOn(footer, {text, background, Qt::black, Qt::white});
   selectorText = legibleOn(selector, {background, text, Qt::black, Qt::white});
   focus = legibleOn(background, {link, text});

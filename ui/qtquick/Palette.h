@@ -77,7 +77,7 @@ struct ScreenColors {
 
  public:
   ScreenColors() = default;
-  ScreenColors(const Palette& palette, bool isDark);
+  ScreenColors(const Palette& palette, bool isDark, const LeastContrast& least = {});
 
   // What stands on what: texts, and controls.
   std::vector<std::pair<QColor, QColor>> texts() const;

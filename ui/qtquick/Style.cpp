@@ -15,13 +15,13 @@
 namespace quillon {
 namespace {
 
-bool isDesktopDark() {
+bool isApplicationDark() {
   const QPalette palette = QGuiApplication::palette();
   return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
 }
 
 // Desktops magnify text by a higher density, which fonts measured in points follow.
-double desktopTextScale() {
+double textScaleByDensity() {
   const QScreen* screen = QGuiApplication::primaryScreen();
   constexpr double ordinaryDensity = 96;
   return screen ? screen->logicalDotsPerInchY() / ordinaryDensity : 1;
@@ -51,11 +51,12 @@ Style::Style(QObject* parent) : QObject(parent) {
 }
 
 void Style::recolour() {
-  colors_ = ScreenColors(paletteFor(customColors_, paletteNumber_, isDark()), isDark());
+  const LeastContrast least = desktop().isContrastHigh ? highContrast : LeastContrast();
+  colors_ = ScreenColors(paletteFor(customColors_, paletteNumber_, isDark()), isDark(), least);
 }
 
 bool Style::isDark() const {
-  return isDark_.value_or(isDesktopDark());
+  return options_.isDark.value_or(isApplicationDark() || desktop().prefersDark);
 }
 
 // Once for a palette, however often its screens are shown.
@@ -72,7 +73,7 @@ void Style::warnOfReplacedColors(SDKLogger& logger) {
 
 // The desktop may turn dark while a screen is shown.
 bool Style::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::ApplicationPaletteChange && !isDark_) {
+  if (event->type() == QEvent::ApplicationPaletteChange && !options_.isDark) {
     recolour();
     Q_EMIT changed();
   }
@@ -85,20 +86,40 @@ Style& Style::of(QQmlEngine& engine) {
 }
 
 void Style::show(const QtQuickOptions& options, ScreenServices& sdk, const std::optional<BannerConfig>& banner) {
-  isDark_ = options.isDark;
+  options_ = options;
+  follow(sdk.desktop());
   customColors_ = sdk.colors();
   paletteNumber_ = banner ? banner->paletteTheme : std::nullopt;
   recolour();
   warnOfReplacedColors(sdk.logger());
   fonts_ = sdk.fonts();
-  constexpr double smallest = 0.5;
-  constexpr double largest = 3;
-  textScale_ = std::clamp(options.textScale.value_or(desktopTextScale()), smallest, largest);
-  isMotionReduced_ = options.isMotionReduced;
   buttonShape_ = shapeOf(banner);
   language_ = QString::fromStdString(sdk.language());
   isMirrored_ = QLocale(language_).textDirection() == Qt::RightToLeft;
   Q_EMIT changed();
+}
+
+// The desktop's settings may change while a screen is shown.
+void Style::follow(std::shared_ptr<DesktopSettings> desktop) {
+  if (desktop == desktop_) return;
+  desktopChanges_.reset();
+  desktop_ = std::move(desktop);
+  if (!desktop_) return;
+  desktopChanges_ = desktop_->observe([this] {
+    const auto adapt = [this] {
+      recolour();
+      Q_EMIT changed();
+    };
+    QMetaObject::invokeMethod(this, adapt, Qt::QueuedConnection);
+  });
+}
+
+// Where Qt knows of no magnification, the desktop may.
+double Style::textScale() const {
+  constexpr double smallest = 0.5;
+  constexpr double largest = 3;
+  const double byDensity = textScaleByDensity();
+  return std::clamp(options_.textScale.value_or(byDensity == 1 ? desktop().textScale : byDensity), smallest, largest);
 }
 
 QFont Style::font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight) const {
@@ -106,7 +127,7 @@ QFont Style::font(const std::optional<CustomFont>& custom, double size, int weig
   if (custom && !custom->name.empty()) font.setFamilies({QString::fromStdString(custom->name), font.family()});
   if (custom && custom->size > 0) size = std::min(custom->size, 64.0);
   if (custom) weight = std::clamp(custom->type, leastWeight, 1000);
-  font.setPixelSize(std::max(1, qRound(size * textScale_)));
+  font.setPixelSize(std::max(1, qRound(size * textScale())));
   font.setWeight(static_cast<QFont::Weight>(weight));
   return font;
 }
@@ -114,8 +135,8 @@ QFont Style::font(const std::optional<CustomFont>& custom, double size, int weig
 // What is large already grows less, or a long word would not fit on a small screen; yet it stays larger than the text.
 QFont Style::heading() const {
   QFont large = font(fonts_.heading, 20, QFont::DemiBold);
-  if (textScale_ <= 1) return large;
-  const int grown = qRound(large.pixelSize() * (1 + (textScale_ - 1) * 0.6) / textScale_);
+  if (textScale() <= 1) return large;
+  const int grown = qRound(large.pixelSize() * (1 + (textScale() - 1) * 0.6) / textScale());
   large.setPixelSize(std::max(grown, std::min(large.pixelSize(), leastHeadingSize())));
   return large;
 }

@@ -61,13 +61,13 @@ class Style : public QObject {
   QFont label() const { return font(fonts_.body, 15, QFont::DemiBold, QFont::DemiBold); }
   QFont tab() const { return font(fonts_.headingLight, 15, QFont::DemiBold); }
   QFont caption() const;
-  double textScale() const { return textScale_; }
-  Metrics metrics() const { return Metrics(textScale_); }
+  double textScale() const;
+  Metrics metrics() const { return Metrics(textScale()); }
   const QString& language() const { return language_; }
   ButtonShape buttonShape() const { return buttonShape_; }
   bool isMirrored() const { return isMirrored_; }
   bool isDark() const;
-  int duration() const { return isMotionReduced_ ? 0 : 180; }
+  int duration() const { return options_.isMotionReduced || desktop().isMotionReduced ? 0 : 180; }
   int messageTime() const { return 6000; }
 
  Q_SIGNALS:
@@ -80,16 +80,19 @@ class Style : public QObject {
   QFont font(const std::optional<CustomFont>& custom, double size, int weight, int leastWeight = 1) const;
 
   ScreenFonts fonts_;
-  std::optional<bool> isDark_;  // the surroundings as the host wants them; nothing when they follow the desktop
+  void follow(std::shared_ptr<DesktopSettings> desktop);
+  DesktopAppearance desktop() const { return desktop_ ? desktop_->appearance() : DesktopAppearance(); }
+
+  QtQuickOptions options_;
+  std::shared_ptr<DesktopSettings> desktop_;
+  std::unique_ptr<DesktopSettingsSubscription> desktopChanges_;
   std::optional<CustomColors> customColors_;
   std::optional<std::int64_t> paletteNumber_;
   ScreenColors colors_;
   std::vector<std::string_view> replaced_;  // the roles that the log was told of last
-  double textScale_ = 1;
   QString language_;
   ButtonShape buttonShape_ = Rounded;
   bool isMirrored_ = false;
-  bool isMotionReduced_ = false;
 };
 
 }  // namespace quillon

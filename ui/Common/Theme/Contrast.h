@@ -13,4 +13,11 @@ inline constexpr double legible = 4.5;
 // And a control.
 inline constexpr double visible = 3;
 
+// What holds on a screen; more where the user wants high contrast.
+struct LeastContrast {
+  double text = legible;
+  double control = visible;
+};
+inline constexpr LeastContrast highContrast{.text = 7, .control = 4.5};
+
 }  // namespace quillon
