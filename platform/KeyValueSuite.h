@@ -106,6 +106,13 @@ class KeyValueSuite {
   // other processes within 100 ms of their commit.
   virtual std::shared_ptr<const SuiteEntries> snapshot() const = 0;
 
+  // Passes on the content: now, and whenever it has changed, as early as a snapshot shows it and whether or not anybody
+  // takes one. One call at a time, in the order of the commits, with the suite locked, on the thread of the update or
+  // any other: the follower must neither block, throw nor call the suite. `changes` holds all keys that may differ since
+  // the call before; null: any may. Dropping the handle ends the calls; one may still be running then.
+  using Follower = std::function<void(const SuiteEntries& entries, const SuiteChanges* changes)>;
+  [[nodiscard]] virtual std::shared_ptr<void> follow(Follower follower) = 0;
+
   // Receives the newest committed content and returns the update, with all other writers of the suite, in any process,
   // locked out. Called again with the new content if the file had to be replaced or reopened; only the last result is
   // applied. Must not call the suite.

@@ -59,6 +59,7 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   {
     const std::scoped_lock lock(mutex_);
     inForce_ = inForce;
+    showTerms();
   }
   s_.signal.follow(*session, configuration.get());
   s_.events.gates.update();
@@ -66,6 +67,18 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   const bool changed = isStored && reconcile(configuration);
   s_.consentMode.updateFirebaseConsent(configuration, location);
   co_return changed;
+}
+
+void ConfigurationLoader::showTerms() {
+  std::optional<ConsentTable::Terms> shown;
+  if (inForce_) {
+    shown.emplace(inForce_->terms.allowedUndecided(), inForce_->terms.boundToTracking());
+    for (const AppPermission& permission :
+         inForce_->configuration->permissions.value_or(std::vector<AppPermission>())) {
+      if (permission.permissionId) shown->permissions.push_back(permission.permissionId->rawValue());
+    }
+  }
+  s_.store.consentTable().showTerms(std::move(shown));
 }
 
 void ConfigurationLoader::warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration) {

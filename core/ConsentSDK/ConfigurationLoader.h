@@ -93,6 +93,8 @@ class ConfigurationLoader {
   // call's turn.
   Task<std::optional<bool>> apply(SessionPointer session, ConfigurationPointer configuration,
                                   std::function<bool()> isWanted);
+  // Shows the configuration in force in the table of consents. Requires the lock.
+  void showTerms();
   bool reconcile(const ConfigurationPointer& configuration);
   void warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration);
   Served served(const SessionPointer& session, ConfigurationPointer cached) const;
@@ -103,7 +105,7 @@ class ConfigurationLoader {
   ConfigurationCache cache_;
   BundledConfiguration bundled_;
   TaskQueue applying_;
-  mutable std::mutex mutex_;  // guards the members below; never held while anything else is called
+  mutable std::mutex mutex_;  // guards the members below; held while they are shown, never while others are called
   std::shared_ptr<Flight> flight_;
   std::shared_ptr<const ConfigurationInForce> inForce_;
 };

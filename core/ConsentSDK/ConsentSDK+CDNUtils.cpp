@@ -174,7 +174,9 @@ void ConfigurationLoader::begin(const SessionPointer& session, bool reset) {
   if (reset) cache_.reset();
   const std::scoped_lock lock(mutex_);
   // Terms of another application must not answer for this one.
-  if (inForce_ && !inForce_->session->isOfSameApplication(*session)) inForce_.reset();
+  if (!inForce_ || inForce_->session->isOfSameApplication(*session)) return;
+  inForce_.reset();
+  showTerms();
 }
 
 void ConfigurationLoader::setReady(const SessionPointer& session, SDKStatus status) {

@@ -65,7 +65,8 @@ std::move_only_function<HistoryPage()> pageOfHistory(const std::shared_ptr<Core>
 }  // namespace
 
 ConsentStatus ConsentSDK::get(std::int64_t purposeId) const {
-  return StoredValues(*core_->store.snapshot()).consentOrDefault(PurposeKey(purposeId));
+  const PurposeState purpose = core_->store.consents().purpose(purposeId);
+  return purpose.decision().value_or(purpose.byDefault());
 }
 
 ConsentStatus ConsentSDK::get(const VantariKey& vantariKey) const {
@@ -81,7 +82,7 @@ bool ConsentSDK::isAllowed(const VantariKey& vantariKey) const {
 }
 
 bool ConsentSDK::isDecided(std::int64_t purposeId) const {
-  return StoredValues(*core_->store.snapshot()).consent(PurposeKey(purposeId)).has_value();
+  return core_->store.consents().purpose(purposeId).decision().has_value();
 }
 
 bool ConsentSDK::set(const Purpose& purpose, ConsentStatus consent) {

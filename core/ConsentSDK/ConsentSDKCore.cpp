@@ -23,7 +23,7 @@ ConsentSDK::Core::Core(Platform services)
               }}),
       server(platform, store, logger, work.stopToken()),
       location(platform, store, work, server, [this] { loader.reapply(); }),
-      signal(platform),
+      signal(platform, store),
       consentMode(platform, store, logger, work.stopToken()),
       loader({foundation, server, location, consentMode, signal}),
       tradeSignals({foundation, location, loader, signal}),
@@ -44,16 +44,10 @@ std::shared_ptr<ConsentSDK::Core> ConsentSDK::Core::make(Platform platform) {
 
 void ConsentSDK::Core::close() {
   work.close();
+  store.consentTable().close();
   cycle.close();
   uploader.close();
   others.close();
-}
-
-bool ConsentSDK::Core::isAllowed(std::int64_t purposeId) const {
-  const auto entries = store.snapshot();
-  const auto inForce = loader.inForce();
-  return isPurposeAllowed(purposeId, StoredValues(*entries), inForce ? &inForce->terms : nullptr, *platform.tracking,
-                          signal.optOuts());
 }
 
 }  // namespace quillon

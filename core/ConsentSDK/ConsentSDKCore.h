@@ -44,8 +44,10 @@ class ConsentSDK::Core {
 
   // Stops timers, observations and exchanges. Does not wait.
   void close();
-  // Whether an application may act on a purpose. Allocates nothing.
-  bool isAllowed(std::int64_t purposeId) const;
+  // Whether an application may act on a purpose. Neither waits nor allocates.
+  bool isAllowed(std::int64_t purposeId) const {
+    return isPurposeAllowed(store.consents().purpose(purposeId), *platform.tracking, platform.signals.get());
+  }
 };
 
 }  // namespace quillon

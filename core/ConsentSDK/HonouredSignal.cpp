@@ -10,6 +10,9 @@ void HonouredSignal::follow(const Session& session, const MainConfiguration* con
   generation_ = session.generation;
   isGiven_ = wanted && wanted->isGiven;
   mapping_ = std::move(mapping);
+  std::optional<ConsentTable::Signal> shown;
+  if (mapping_) shown.emplace(isGiven_, mapping_->purposes());
+  store_.consentTable().showSignal(std::move(shown));
 }
 
 OptOuts HonouredSignal::optOuts() const {

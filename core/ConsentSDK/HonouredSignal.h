@@ -6,16 +6,17 @@
 #include <mutex>
 
 #include "core/ConsentSDK/Session.h"
+#include "core/Persistance/UserDefaults/UserDefaultManager.h"
 #include "core/Purposes/OptOuts.h"
 #include "platform/Platform.h"
 
 namespace quillon {
 
-// Thread-safe. Stores the signal's mapping; queries the device's signal each time.
+// Thread-safe. Keeps the signal's mapping and shows it in the table of consents; queries the device's signal each time.
 class HonouredSignal {
  public:
-  // The platform must outlive it.
-  explicit HonouredSignal(const Platform& platform) : platform_(platform) {}
+  // Both must outlive it.
+  HonouredSignal(const Platform& platform, UserDefaultManager& store) : platform_(platform), store_(store) {}
 
   // Sets the signal's mapping, unless a later session has already set it. Null without a configuration.
   void follow(const Session& session, const MainConfiguration* configuration);
@@ -28,7 +29,8 @@ class HonouredSignal {
 
  private:
   const Platform& platform_;
-  mutable std::mutex mutex_;  // guards the members below; never held while anything else is called
+  UserDefaultManager& store_;
+  mutable std::mutex mutex_;  // guards the members below; held while they are shown, never while others are called
   std::uint64_t generation_ = 0;
   bool isGiven_ = false;                          // by the application
   std::shared_ptr<const SignalMapping> mapping_;  // null when no signal is honoured

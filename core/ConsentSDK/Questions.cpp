@@ -43,11 +43,10 @@ std::string sentence(const ConsentExplanation& consent, std::optional<Compliance
 }  // namespace
 
 ConsentStatus Questions::permissionStatus(const VantariKey& permission) const {
-  const auto permissions = s_.loader.permissions(s_.loader.current());
-  if (permissions.lists(permission)) {
-    if (const auto known = permissions.knownConsent(permission)) return *known;
-  }
-  return s_.store.getConsent(permission.rawValue()).value_or(ConsentStatus::notDetermined);
+  const PermissionState state = s_.store.consents().permission(permission.rawValue());
+  const bool isListed = state.isListed ? *state.isListed : s_.loader.permissions(s_.loader.current()).lists(permission);
+  const auto known = isListed ? s_.loader.permissions(nullptr).knownConsent(permission) : std::nullopt;
+  return known ? *known : state.stored.value_or(ConsentStatus::notDetermined);
 }
 
 bool Questions::isPermissionAllowed(const VantariKey& permission) const {

@@ -33,14 +33,19 @@ SignalState TradeSignals::state() {
   if (session->options.privacySignal) state.globalPrivacyControl = optOuts.isSignalOn();
   const auto configuration = s_.loader.current();
   if (!configuration || !configuration->purposes) return state;
-  const auto inForce = s_.loader.inForce();
+  std::vector<std::int64_t> ids;
+  for (const Purpose& purpose : *configuration->purposes) {
+    if (purpose.purposeId) ids.push_back(*purpose.purposeId);
+  }
+  const auto consents = s_.store.consents().purposes(ids);
+  auto next = consents.begin();
   for (const Purpose& purpose : *configuration->purposes) {
     if (!purpose.purposeId) continue;
-    const std::int64_t id = *purpose.purposeId;
+    const PurposeState& consent = *next++;
     auto& told = state.purposes.emplace_back();
-    told.id = id;
-    told.isGranted = isPurposeAllowed(id, stored, inForce ? &inForce->terms : nullptr, *s_.platform.tracking, optOuts);
-    told.isExplicit = stored.isAnswered(id);
+    told.id = *purpose.purposeId;
+    told.isGranted = isPurposeAllowed(consent, *s_.platform.tracking, s_.platform.signals.get());
+    told.isExplicit = consent.isAnswered();
     for (const SDK& sdk : purpose.sdks.value_or(std::vector<SDK>())) {
       if (sdk.sdkId) told.sdkIds.push_back(*sdk.sdkId);
     }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,10 @@ class SignalMapping {
   SignalMapping(const PrivacySignal& options, const MainConfiguration* configuration);
 
   [[nodiscard]] bool covers(std::int64_t purposeId) const;
+  // nullopt: any purpose.
+  [[nodiscard]] std::optional<std::vector<std::int64_t>> purposes() const {
+    return isKnown_ ? std::optional(purposes_) : std::nullopt;
+  }
 
  private:
   bool isKnown_ = true;

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "core/Persistance/UserDefaults/StoreKeys.h"
-
 namespace quillon {
 
 std::vector<std::int64_t> purposesBoundToTracking(const MainConfiguration& configuration) {
@@ -28,10 +26,6 @@ bool PurposeTerms::lists(std::int64_t purposeId) const {
   return std::ranges::binary_search(listed_, purposeId);
 }
 
-bool PurposeTerms::allowsUndecided(std::int64_t purposeId) const {
-  return lists(purposeId) && (isGrantedByDefault_ || isEssential(purposeId));
-}
-
 bool PurposeTerms::isEssential(std::int64_t purposeId) const {
   return std::ranges::binary_search(essential_, purposeId);
 }
@@ -40,15 +34,12 @@ bool PurposeTerms::isBoundToTracking(std::int64_t purposeId) const {
   return std::ranges::binary_search(bound_, purposeId);
 }
 
-bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const PurposeTerms* terms,
-                      const AppTracking& tracking, const OptOuts& optOuts) {
-  const auto decision = stored.consent(PurposeKey(purposeId));
-  const bool isAllowed = decision ? *decision == ConsentStatus::granted
-                                  : terms && terms->allowsUndecided(purposeId) && !stored.boolean(key::lostEntries);
-  if (!isAllowed || optOuts.include(purposeId, stored)) return false;
-  // The store covers the time before there are terms; the terms cover a failed store.
-  const bool isBound = stored.isBoundToTracking(purposeId) || (terms && terms->isBoundToTracking(purposeId));
-  return !isBound || tracking.authorization() == TrackingAuthorization::authorized;
+bool isPurposeAllowed(const PurposeState& purpose, const AppTracking& tracking, const PrivacySignals* signals) {
+  const auto decision = purpose.decision();
+  if (decision ? *decision != ConsentStatus::granted : !purpose.isAllowedUndecided()) return false;
+  const bool isConcerned = purpose.isCoveredBySignal() && !purpose.isAnswered();
+  if (isConcerned && (purpose.isSignalGiven() || (signals && signals->isOn()))) return false;
+  return !purpose.isBoundToTracking() || tracking.authorization() == TrackingAuthorization::authorized;
 }
 
 }  // namespace quillon

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/Persistance/UserDefaults/StoredValues.h"
-#include "core/Purposes/OptOuts.h"
+#include "core/Persistance/UserDefaults/ConsentTable.h"
 #include "platform/AppTracking.h"
+#include "platform/PrivacySignals.h"
 #include "quillon/MainConfiguration.h"
 
 namespace quillon {
@@ -20,9 +20,11 @@ class PurposeTerms {
   // `type` is that of the user's banner; without one nothing is granted by default.
   PurposeTerms(const MainConfiguration& configuration, std::optional<ComplianceType> type);
 
-  // Whether an undecided purpose may be acted on: it is listed, and essential or of a type that needs no question.
-  // Allocates nothing.
-  [[nodiscard]] bool allowsUndecided(std::int64_t purposeId) const;
+  // The purposes that may be acted on while undecided: essential ones, or all of a type that needs no question.
+  [[nodiscard]] const std::vector<std::int64_t>& allowedUndecided() const {
+    return isGrantedByDefault_ ? listed_ : essential_;
+  }
+  [[nodiscard]] const std::vector<std::int64_t>& boundToTracking() const { return bound_; }
   [[nodiscard]] bool lists(std::int64_t purposeId) const;
   [[nodiscard]] bool isEssential(std::int64_t purposeId) const;
   // Whether app tracking governs it.
@@ -30,15 +32,16 @@ class PurposeTerms {
 
  private:
   std::vector<std::int64_t> listed_;     // sorted
-  std::vector<std::int64_t> essential_;  // sorted
+  std::vector<std::int64_t> essential_;  // sorted; listed, too
   std::vector<std::int64_t> bound_;      // sorted
   bool isGrantedByDefault_;
 };
 
-// Whether an application may act on a purpose. Fails closed: an undecided purpose needs terms (null while none are in
-// force) that allow it, and no lost entries; a purpose bound to tracking also needs the device's authorization; a
-// privacy signal's opt-out denies. Allocates nothing.
-[[nodiscard]] bool isPurposeAllowed(std::int64_t purposeId, const StoredValues& stored, const PurposeTerms* terms,
-                                    const AppTracking& tracking, const OptOuts& optOuts);
+// Whether an application may act on a purpose. Fails closed: an undecided purpose needs terms in force that allow it,
+// and no lost entries; a purpose bound to tracking also needs the device's authorization; an honoured privacy signal
+// that is on opts out of what it covers, unless the user has answered. `signals` is null on a device without any.
+// Allocates nothing.
+[[nodiscard]] bool isPurposeAllowed(const PurposeState& purpose, const AppTracking& tracking,
+                                    const PrivacySignals* signals);
 
 }  // namespace quillon

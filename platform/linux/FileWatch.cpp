@@ -16,37 +16,45 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto soonest = 10ms;
-constexpr auto latest = 1000ms;
+// Changes are promised within 100 ms of a commit, so a busy file is checked as often.
+constexpr auto latest = 80ms;
+constexpr auto latestWithoutFolder = 1000ms;
 
 constexpr std::uint32_t folderGone = IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN_UNMOUNT;
 constexpr std::uint32_t changes = IN_MODIFY | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
 }  // namespace
 
-FileWatch::FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check, int descriptor)
+FileWatch::FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check)
     : loop_(std::move(loop)),
       file_(std::move(file)),
       check_(std::move(check)),
       strand_(boost::asio::make_strand(loop_->context())),
-      events_(strand_, descriptor),
+      events_(strand_),
       again_(strand_) {}
 
-std::expected<std::shared_ptr<FileWatch>, std::string> FileWatch::start(std::shared_ptr<WorkLoop> loop,
-                                                                        std::filesystem::path file, Check check) {
-  FileDescriptor descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-  if (!descriptor) return std::unexpected(systemError("watch", file));
-  auto watch = std::make_shared<FileWatch>(std::move(loop), std::move(file), std::move(check), descriptor.get());
-  (void)descriptor.release();
-  if (!watch->addFolder()) return std::unexpected(systemError("watch", watch->file_.parent_path()));
-  boost::asio::post(watch->strand_, [weak = watch->weak_from_this()] {
+std::shared_ptr<FileWatch> FileWatch::start(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check) {
+  auto started = std::make_shared<FileWatch>(std::move(loop), std::move(file), std::move(check));
+  started->fault_ = started->watch();
+  boost::asio::post(started->strand_, [weak = started->weak_from_this()] {
     const auto self = weak.lock();
     if (!self || self->loop_->isClosed()) return;
     contained([&] {
-      self->waitForEvents();
+      if (self->fault_.empty()) self->waitForEvents();
       self->check();  // for changes made before
     });
   });
-  return watch;
+  return started;
+}
+
+std::string FileWatch::watch() {
+  FileDescriptor descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  if (!descriptor) return systemError("watch", file_);
+  boost::system::error_code error;
+  events_.assign(descriptor.get(), error);
+  if (error) return "watch " + file_.string() + ": " + error.message();
+  (void)descriptor.release();
+  return addFolder() ? std::string() : systemError("watch", file_.parent_path());
 }
 
 bool FileWatch::addFolder() {
@@ -90,8 +98,10 @@ void FileWatch::takeEvents() {
 
 void FileWatch::check() {
   if (isFolderLost_ && addFolder()) isFolderLost_ = false;
-  if (check_() && !isFolderLost_) return;
-  delay_ = std::clamp<std::chrono::milliseconds>(delay_ * 2, soonest, latest);
+  const bool isBusy = !check_();
+  if (!isBusy && !isFolderLost_ && fault_.empty()) return;
+  const auto longest = isFolderLost_ ? latestWithoutFolder : latest;
+  delay_ = std::clamp<std::chrono::milliseconds>(isBusy || isFolderLost_ ? delay_ * 2 : longest, soonest, longest);
   again_.expires_after(delay_);
   again_.async_wait([weak = weak_from_this()](auto error) {
     const auto self = weak.lock();

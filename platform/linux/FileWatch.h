@@ -7,7 +7,6 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/strand.hpp>
 #include <chrono>
-#include <expected>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -17,23 +16,26 @@
 
 namespace quillon {
 
-// Watches the folder, so the file may appear, disappear and be replaced. Ends with its last owner; `check` may run once
-// more on a pool thread at that time.
+// Watches the folder, so the file may appear, disappear and be replaced. Where the system cannot watch, looks ten times
+// a second instead. Ends with its last owner; `check` may run once more on a pool thread at that time.
 class FileWatch : public std::enable_shared_from_this<FileWatch> {
  public:
-  // Checks the file; false when it could not and should be called again, at growing intervals.
+  // Checks the file; false when it could not and should be called again.
   using Check = std::function<bool()>;
 
   // `check` is called on the pool, one call at a time, after the file or its rollback journal was written, created,
-  // removed or replaced. The error says why watching is impossible, usually for lack of descriptors.
-  static std::expected<std::shared_ptr<FileWatch>, std::string> start(std::shared_ptr<WorkLoop> loop,
-                                                                      std::filesystem::path file, Check check);
+  // removed or replaced.
+  static std::shared_ptr<FileWatch> start(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check);
 
-  FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check, int descriptor);
+  FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check);
+
+  // Why the system cannot watch, usually for lack of descriptors; empty if it does.
+  const std::string& fault() const { return fault_; }
 
  private:
   using Strand = boost::asio::strand<boost::asio::io_context::executor_type>;
 
+  std::string watch();
   bool addFolder();
   void waitForEvents();
   void takeEvents();
@@ -42,6 +44,7 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
   const std::shared_ptr<WorkLoop> loop_;
   const std::filesystem::path file_;
   const Check check_;
+  std::string fault_;  // set by start()
   Strand strand_;
   // Members below are used on the strand only.
   boost::asio::posix::basic_stream_descriptor<Strand> events_;

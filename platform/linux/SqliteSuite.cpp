@@ -75,7 +75,7 @@ std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds op
 // The stored content is unknown, so nothing counts as decided.
 void SqliteSuite::startHeld(const std::string& why) {
   isHeld_ = true;
-  publish(std::make_shared<const SuiteEntries>(SuiteEntries{{std::string(lostEntriesKey), true}}));
+  publish(SuiteEntries{{std::string(lostEntriesKey), true}});
   note("Store " + path_.string() + " is held by another process (" + why +
        "): until it lets go, nothing can be stored, and what is stored counts as not decided");
 }
@@ -84,6 +84,17 @@ std::shared_ptr<const SuiteEntries> SqliteSuite::snapshot() const {
   if (coarseNanoseconds() >= nextProbe_.load(std::memory_order_relaxed)) probe();
   std::lock_guard lock(publishedMutex_);
   return published_;
+}
+
+std::shared_ptr<void> SqliteSuite::follow(Follower follower) {
+  std::shared_ptr<void> handle;
+  {
+    std::lock_guard lock(publishedMutex_);
+    handle = followers_.add(std::move(follower), *published_);
+  }
+  if (loop_) watch();
+  deliver();
+  return handle;
 }
 
 bool SqliteSuite::probe() const noexcept {
@@ -192,22 +203,16 @@ std::unique_ptr<SuiteSubscription> SqliteSuite::observe(std::function<void()> ch
 void SqliteSuite::watch() {
   std::lock_guard lock(watchMutex_);
   if (watch_) return;
-  auto begun = [&]() -> std::expected<std::shared_ptr<FileWatch>, std::string> {
-    try {
-      return FileWatch::start(loop_, path_, [weak = weak_from_this()] {
-        const auto suite = weak.lock();
-        return !suite || suite->probe();
-      });
-    } catch (const std::exception& error) {
-      return std::unexpected(error.what());
-    }
-  }();
-  if (begun) {
-    watch_ = std::move(*begun);
-  } else if (!std::exchange(isWatchFaultNoted_, true)) {
+  // Out of memory, the next follower or observer tries again.
+  contained([&] {
+    watch_ = FileWatch::start(loop_, path_, [weak = weak_from_this()] {
+      const auto suite = weak.lock();
+      return !suite || suite->probe();
+    });
+    if (watch_->fault().empty()) return;
     note("What other processes change in store " + path_.string() +
-         " is noticed only when it is read: " + begun.error());
-  }
+         " is looked for ten times a second, as the system cannot watch it: " + watch_->fault());
+  });
 }
 
 void SqliteSuite::useFile(SuiteFile::Opened opened) const {
@@ -227,14 +232,14 @@ SqliteResult<> SqliteSuite::refresh() const {
 }
 
 void SqliteSuite::publish(SuiteContent content) const {
-  version_ = content.version;
   if (*published_ != content.entries) hasChanged_ = true;
   isKnown_ = true;
   sound_ = content.unreadable.empty();
   if (std::exchange(isHeld_, false)) {
     note("Store " + path_.string() + " is free again and in use", KeyValueStore::ReportLevel::information);
   }
-  publish(std::make_shared<const SuiteEntries>(std::move(content.entries)));
+  publish(std::move(content.entries));
+  version_ = content.version;
 
   std::string fresh;
   std::size_t count = 0;
@@ -248,9 +253,29 @@ void SqliteSuite::publish(SuiteContent content) const {
   }
 }
 
-void SqliteSuite::publish(std::shared_ptr<const SuiteEntries> entries) const {
+void SqliteSuite::publish(SuiteEntries entries) const {
+  auto next = std::make_shared<SuiteEntries>(std::move(entries));
   std::lock_guard lock(publishedMutex_);
-  published_.swap(entries);
+  published_.swap(next);
+  followers_.tell(*published_, nullptr);
+}
+
+// In place, unless somebody has a snapshot, so that the cost depends on what changes.
+void SqliteSuite::publish(SuiteEntries changed, const SuiteChanges& changes) const {
+  const auto version = std::exchange(version_, std::nullopt);  // read again, should memory run out
+  std::lock_guard lock(publishedMutex_);
+  if (published_.use_count() > 1) {
+    published_ = std::make_shared<SuiteEntries>(*published_);
+  } else {
+    // Counting up and down acquires what the owner of the last snapshot released; use_count() does not.
+    const auto last = published_;
+  }
+  const auto size = published_->size() + changed.size();
+  if (size > published_->bucket_count()) published_->reserve(2 * size);  // nothing is allocated below
+  for (const auto& [key, value] : changes) published_->erase(key);
+  published_->merge(changed);
+  followers_.tell(*published_, &changes);
+  version_ = version;
 }
 
 void SqliteSuite::note(std::string message, KeyValueStore::ReportLevel level) const {

@@ -14,6 +14,7 @@
 
 #include "platform/KeyValueSuite.h"
 #include "platform/linux/SuiteFile.h"
+#include "platform/parts/SuiteFollowers.h"
 #include "platform/parts/SuiteObservers.h"
 
 namespace quillon {
@@ -21,20 +22,22 @@ namespace quillon {
 class FileWatch;
 class WorkLoop;
 
-// Readers take the published snapshot. At intervals a reader probes the file for commits of other processes, unless an
-// update of this process holds the connection. While there are observers, the pool also probes whenever the file
-// changes. Must not be used across a fork. The folder must exist and its path contain no links. A file held by another
+// Followers get the published content; while there are any, or observers, the pool probes the file for commits of other
+// processes whenever it changes. Snapshots are copies of it, and who takes one probes at intervals, unless an update of
+// this process holds the connection. Must not be used across a fork. The folder must exist and its path contain no links. A file held by another
 // process at the start is loaded once it is released.
 class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_this<SqliteSuite> {
  public:
   // Waits up to `openWait` for another process that holds the file. The error, with path and reason, when the file can
-  // be neither opened nor created. Without a loop observers are not called.
+  // be neither opened nor created. Without a loop observers are not called, and followers get what others commit when
+  // somebody takes a snapshot.
   static std::expected<std::shared_ptr<SqliteSuite>, std::string> open(std::filesystem::path file,
                                                                        KeyValueStore::Report report,
                                                                        std::shared_ptr<WorkLoop> loop,
                                                                        std::chrono::milliseconds openWait);
 
   std::shared_ptr<const SuiteEntries> snapshot() const override;
+  std::shared_ptr<void> follow(Follower follower) override;
   std::expected<void, std::string> update(const Edit& edit) override;
   std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
   std::expected<SuiteReading, std::string> read() const override;
@@ -66,7 +69,8 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   SqliteResult<> refresh() const;
   void useFile(SuiteFile::Opened opened) const;
   void publish(SuiteContent content) const;
-  void publish(std::shared_ptr<const SuiteEntries> entries) const;
+  void publish(SuiteEntries entries) const;
+  void publish(SuiteEntries changed, const SuiteChanges& changes) const;
   Problem problem(const SqliteError& error) const;
   std::expected<void, Problem> begin(std::unique_lock<std::mutex>& connection, Deadline deadline);
   std::expected<void, Problem> attempt(std::unique_lock<std::mutex>& connection, Deadline deadline, const Edit& edit,
@@ -90,13 +94,13 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   mutable std::set<std::string> unreadableNoted_;  // reported once each
   mutable std::set<std::int64_t> damagedNoted_;    // journal numbers, reported once each
 
-  mutable std::mutex publishedMutex_;  // held only to copy the pointer
-  mutable std::shared_ptr<const SuiteEntries> published_ = std::make_shared<SuiteEntries>();
+  mutable std::mutex publishedMutex_;  // guards the two members below; the first changes under both locks only
+  mutable std::shared_ptr<SuiteEntries> published_ = std::make_shared<SuiteEntries>();
+  mutable SuiteFollowers followers_;
   mutable std::atomic<std::int64_t> nextProbe_{0};  // nanoseconds of the coarse monotonic clock
 
-  std::mutex watchMutex_;  // guards the two members below
+  std::mutex watchMutex_;  // guards the member below
   std::shared_ptr<FileWatch> watch_;
-  bool isWatchFaultNoted_ = false;
   const std::shared_ptr<SuiteObservers> observers_ = std::make_shared<SuiteObservers>();
   mutable std::atomic<bool> hasChanged_{false};  // by another process, not yet reported
 

@@ -16,17 +16,6 @@ namespace {
 constexpr std::chrono::seconds writerWait{2};
 constexpr int attemptsToUpdate = 4;
 
-SuiteEntries applied(SuiteEntries entries, const SuiteChanges& changes) {
-  for (const auto& [key, value] : changes) {
-    if (value) {
-      entries.insert_or_assign(key, *value);
-    } else {
-      entries.erase(key);
-    }
-  }
-  return entries;
-}
-
 // The effective changes as rows; keys refer into the changes.
 using Rows = std::vector<std::pair<std::string_view, std::optional<StoredValue>>>;
 
@@ -151,8 +140,13 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   if (std::ranges::any_of(planned.appended, tooLong)) return impossible("a journal record is too long");
   const bool writesJournal = planned.clearsJournal || !planned.marks.empty() || !planned.appended.empty();
   if (rows->empty() && !writesJournal) return {};
-  auto next = std::make_shared<const SuiteEntries>(applied(current, planned.changes));
-  if (next->size() > maximumSuiteEntries) return impossible("the store has too many entries");
+  SuiteEntries changed;
+  std::size_t size = current.size();
+  for (const auto& [key, value] : planned.changes) {
+    size -= current.count(key);
+    if (value) changed.emplace(key, *value);
+  }
+  if (size + changed.size() > maximumSuiteEntries) return impossible("the store has too many entries");
 
   transaction.writing();
   for (const auto& [key, stored] : *rows) {
@@ -165,7 +159,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   if (auto done = file_->commit(writerDeadline()); !done) return std::unexpected(problem(done.error()));
   transaction.committed();
   isCommitted = true;
-  publish(std::move(next));
+  publish(std::move(changed), planned.changes);
   // Moved away by another process since it was checked: the update must go into its replacement.
   if (file_->moved()) return std::unexpected(Problem{Recovery::reopen, "it was moved away"});
   return {};

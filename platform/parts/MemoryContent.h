@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/parts/MemorySuite.h"
+#include "platform/parts/SuiteFollowers.h"
 
 namespace quillon {
 
@@ -14,6 +15,7 @@ namespace quillon {
 class MemorySuite::Content {
  public:
   std::shared_ptr<const SuiteEntries> snapshot() const;
+  std::shared_ptr<void> follow(Follower follower);
   // Exceptions of the edit propagate.
   std::expected<void, std::string> update(const Edit& edit);
   JournalPage journal(std::int64_t before, std::size_t count) const;
@@ -31,8 +33,9 @@ class MemorySuite::Content {
 
   mutable std::mutex writersMutex_;  // serialises edits; locked before snapshotMutex_; guards journal_
   std::deque<JournalRecord> journal_;
-  mutable std::mutex snapshotMutex_;
+  mutable std::mutex snapshotMutex_;  // guards the two members below
   std::shared_ptr<const SuiteEntries> snapshot_ = std::make_shared<SuiteEntries>();
+  SuiteFollowers followers_;
   mutable std::mutex viewersMutex_;
   std::vector<Viewer> viewers_;
 };

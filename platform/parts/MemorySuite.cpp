@@ -22,10 +22,10 @@ bool holds(const SuiteEntries& entries, std::string_view key, const std::optiona
   return found == entries.end() ? !value : value && found->second == *value;
 }
 
-SuiteEntries changed(SuiteEntries entries, SuiteChanges changes) {
-  for (auto& [key, value] : changes) {
+SuiteEntries changed(SuiteEntries entries, const SuiteChanges& changes) {
+  for (const auto& [key, value] : changes) {
     if (value) {
-      entries.insert_or_assign(key, std::move(*value));
+      entries.insert_or_assign(key, *value);
     } else {
       entries.erase(key);
     }
@@ -67,15 +67,20 @@ std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) 
   }
   // Most updates change nothing, so the content is copied only when they do.
   std::erase_if(update.changes, [&](const auto& change) { return holds(*current, change.first, change.second); });
-  auto next = update.changes.empty()
-                  ? current
-                  : std::make_shared<const SuiteEntries>(changed(*current, std::move(update.changes)));
+  auto next =
+      update.changes.empty() ? current : std::make_shared<const SuiteEntries>(changed(*current, update.changes));
   if (update.clearsJournal) journal_.clear();
   if (!update.marks.empty()) writeMarks(journal_, update.marks);
   append(journal_, std::move(update.appended));
   std::lock_guard lock(snapshotMutex_);
   snapshot_.swap(next);
+  if (!update.changes.empty()) followers_.tell(*snapshot_, &update.changes);
   return {};
+}
+
+std::shared_ptr<void> MemorySuite::Content::follow(Follower follower) {
+  std::lock_guard lock(snapshotMutex_);
+  return followers_.add(std::move(follower), *snapshot_);
 }
 
 JournalPage MemorySuite::Content::journal(std::int64_t before, std::size_t count) const {
@@ -120,6 +125,10 @@ MemorySuite::MemorySuite(std::shared_ptr<Content> content, std::shared_ptr<Proce
 
 std::shared_ptr<const SuiteEntries> MemorySuite::snapshot() const {
   return content_->snapshot();
+}
+
+std::shared_ptr<void> MemorySuite::follow(Follower follower) {
+  return content_->follow(std::move(follower));
 }
 
 std::expected<void, std::string> MemorySuite::update(const Edit& edit) {

@@ -31,6 +31,7 @@ class MemorySuite final : public KeyValueSuite {
   MemorySuite(std::shared_ptr<Content> content, std::shared_ptr<Process> process);
 
   std::shared_ptr<const SuiteEntries> snapshot() const override;
+  std::shared_ptr<void> follow(Follower follower) override;
   std::expected<void, std::string> update(const Edit& edit) override;
   std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
   std::expected<SuiteReading, std::string> read() const override;

@@ -216,6 +216,40 @@ TYPED_TEST(KeyValueSuiteContract, TellsThoseWhoObserveOfWhatOthersCommitAndOfNot
   EXPECT_EQ(calls, 1) << "a dropped subscription hears nothing";
 }
 
+TYPED_TEST(KeyValueSuiteContract, FollowersGetTheContentBeforeAnUpdateReturnsAndAnothersUnasked) {
+  ASSERT_TRUE(this->suite_->update(always({{"kept", true}, {"gone", true}})));
+  std::mutex mutex;
+  SuiteEntries passed, changed;
+  Signal theirs;
+  const auto following = this->suite_->follow([&](const SuiteEntries& entries, const SuiteChanges* changes) {
+    const std::lock_guard lock(mutex);
+    passed = entries;
+    if (!changes) changed = entries;
+    for (const auto& [key, value] : changes ? *changes : SuiteChanges()) {
+      changed.erase(key);
+      if (value) changed.emplace(key, *value);
+    }
+    if (entries.contains("theirs")) theirs.set();
+  });
+  const auto check = [&](const SuiteEntries& expected) {
+    const std::lock_guard lock(mutex);
+    EXPECT_EQ(passed, expected);
+    EXPECT_EQ(changed, expected) << "by the changes alone";
+  };
+  check({{"kept", true}, {"gone", true}});
+  ASSERT_TRUE(this->suite_->update(always({{"new", true}, {"gone", std::nullopt}})));
+  check({{"kept", true}, {"new", true}});
+  const auto held = this->suite_->snapshot();
+  ASSERT_TRUE(this->suite_->update(always({{"new", false}})));
+  check({{"kept", true}, {"new", false}});
+  EXPECT_EQ(held->at("new"), PropertyValue(true)) << "a snapshot does not change";
+  EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) -> SuiteChanges { throw std::runtime_error("no"); }));
+  const auto other = this->world_.later.open("suite", {}).value();
+  ASSERT_TRUE(other->update(always({{"theirs", true}})));
+  ASSERT_TRUE(theirs.wait(100ms)) << "nobody takes a snapshot";
+  check({{"kept", true}, {"new", false}, {"theirs", true}});
+}
+
 TYPED_TEST(KeyValueSuiteContract, ASubscriptionCanBeDroppedByItsOwnCall) {
   const auto other = this->world_.later.open("suite", {}).value();
   Signal stored, dropped;

@@ -59,6 +59,10 @@ KeyValueSuite& UserDefaultManager::suite() const {
                                unit::userDefaultManager);
     }
     suite_ = std::move(*opened);
+    following_ = suite_->follow([table = consents_](const SuiteEntries& entries, const SuiteChanges* changes) {
+      table->showStored(entries, changes);
+    });
+    isOpen_.store(true, std::memory_order_release);
   });
   return *suite_;
 }
@@ -131,10 +135,6 @@ bool UserDefaultManager::getBoolean(std::string_view key) const {
 
 std::int64_t UserDefaultManager::getInt64(std::string_view key, std::int64_t fallback) const {
   return StoredValues(*snapshot()).integer(key, fallback);
-}
-
-std::optional<ConsentStatus> UserDefaultManager::getConsent(std::string_view key) const {
-  return StoredValues(*snapshot()).consent(key);
 }
 
 bool UserDefaultManager::set(std::string_view key, PropertyValue value) {

@@ -1,6 +1,7 @@
 // The persistent state: a typed layer over the suite "quillon-cmp-sdk".
 #pragma once
 
+#include <atomic>
 #include <expected>
 #include <functional>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/Persistance/UserDefaults/ConsentTable.h"
 #include "core/Persistance/UserDefaults/StoredValues.h"
 #include "platform/Job.h"
 #include "platform/Platform.h"
@@ -26,6 +28,14 @@ class UserDefaultManager {
   // Both must outlive it; neither is used before the first operation.
   UserDefaultManager(const Platform& platform, SDKLogger& logger, Stored stored = {});
   ~UserDefaultManager();
+
+  // Shows what is stored, and what the owners of the configuration and of the signal add. Opens the suite.
+  const ConsentTable& consents() const {
+    if (!isOpen_.load(std::memory_order_acquire)) suite();
+    return *consents_;
+  }
+  // For those owners. Does not open the suite.
+  ConsentTable& consentTable() { return *consents_; }
 
   // A consistent snapshot of the suite.
   std::shared_ptr<const SuiteEntries> snapshot() const { return suite().snapshot(); }
@@ -48,7 +58,6 @@ class UserDefaultManager {
   std::string getString(std::string_view key, std::string_view fallback = {}) const;
   bool getBoolean(std::string_view key) const;
   std::int64_t getInt64(std::string_view key, std::int64_t fallback) const;
-  std::optional<ConsentStatus> getConsent(std::string_view key) const;
 
   bool set(std::string_view key, PropertyValue value);
   bool remove(std::string_view key);
@@ -82,7 +91,10 @@ class UserDefaultManager {
   std::mutex turn_;  // held from the start of a transaction until its decisions are announced
   std::shared_ptr<ReportLink> reports_;
   mutable std::once_flag opened_;
+  mutable std::atomic<bool> isOpen_{false};
   mutable std::shared_ptr<KeyValueSuite> suite_;
+  const std::shared_ptr<ConsentTable> consents_ = std::make_shared<ConsentTable>();
+  mutable std::shared_ptr<void> following_;  // the suite's content, for the table
 };
 
 // A random (version 4) UUID in canonical form, upper case.

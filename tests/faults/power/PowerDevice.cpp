@@ -28,6 +28,7 @@ class ChronicledSuite : public KeyValueSuite {
       : suite_(std::move(suite)), chronicle_(chronicle) {}
 
   std::shared_ptr<const SuiteEntries> snapshot() const override { return suite_->snapshot(); }
+  std::shared_ptr<void> follow(Follower follower) override { return suite_->follow(std::move(follower)); }
   std::expected<void, std::string> update(const Edit& edit) override {
     markCall("begun");
     auto done = suite_->update(edit);
