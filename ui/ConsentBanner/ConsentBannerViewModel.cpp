@@ -26,7 +26,8 @@ void ConsentBannerViewModel::loadBannerConfig() {
       sdk_, weak_from_this(), [](ScreenContent content, ScreenServices&) { return content; },
       [](ConsentBannerViewModel& model, ScreenContent loaded) {
         if (!loaded.banner) {
-          model.bannerConfigResult.set(BannerResult::failure({std::string(englishLabels().text(Label::bannerUnavailable))}));
+          model.bannerConfigResult.set(
+              BannerResult::failure({std::string(englishLabels().text(Label::bannerUnavailable))}));
           return;
         }
         model.gcmConfig.set(loaded.configuration->gcmConfig);
@@ -58,8 +59,9 @@ void ConsentBannerViewModel::loadSettingsPrompt() {
         return content.configuration ? content.configuration->settingPrompt : std::nullopt;
       },
       [](ConsentBannerViewModel& model, std::optional<SettingsPrompt> prompt) {
-        model.settingsPromptResult.set(prompt ? PromptResult::success(std::move(prompt))
-                                              : PromptResult::failure({std::string(englishLabels().text(Label::settingsPromptUnavailable))}));
+        model.settingsPromptResult.set(
+            prompt ? PromptResult::success(std::move(prompt))
+                   : PromptResult::failure({std::string(englishLabels().text(Label::settingsPromptUnavailable))}));
       });
   settingsPromptResult.set(PromptResult::loading());
 }

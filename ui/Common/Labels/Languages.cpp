@@ -13,8 +13,8 @@ namespace {
 // Codes of languages that we have by another: of regions that write another script than the most, of either written
 // Norwegian, and retired ones.
 constexpr std::pair<std::string_view, std::string_view> aliases[] = {
-    {"zh", "zh-hans"},    {"zh-tw", "zh-hant"}, {"zh-hk", "zh-hant"}, {"zh-mo", "zh-hant"},
-    {"yue", "zh-hant"},   {"no", "nb"},         {"nn", "nb"},         {"iw", "he"},
+    {"zh", "zh-hans"},  {"zh-tw", "zh-hant"}, {"zh-hk", "zh-hant"}, {"zh-mo", "zh-hant"},
+    {"yue", "zh-hant"}, {"no", "nb"},         {"nn", "nb"},         {"iw", "he"},
 };
 
 }  // namespace
