@@ -81,11 +81,11 @@ TEST(Labels, ALanguageIsFoundByItsRegionsAndOtherNames) {
 
 TEST(Labels, AConfiguredTableIsCompletedLabelByLabelByOurs) {
   BannerConfig banner;
-  banner.translations = Translations{{"de", {{{"accept", "Einverstanden"}, {"reject", ""}}}},
-                                     {"de-at", {{{"close", "Zumachen"}}}},
-                                     {"en", {{{"close", "Shut"}}}},
+  banner.translations = Translations{{"de", LocalizedText{{"accept", "Einverstanden"}, {"reject", ""}}},
+                                     {"de-at", LocalizedText{{"close", "Zumachen"}}},
+                                     {"en", LocalizedText{{"close", "Shut"}}},
                                      {"fr", std::nullopt},
-                                     {"sw", {{{"close", "Funga"}}}}};
+                                     {"sw", LocalizedText{{"close", "Funga"}}}};
   const struct {
     const char* language;
     Label label;
@@ -111,7 +111,7 @@ TEST(Labels, AConfiguredTableIsCompletedLabelByLabelByOurs) {
 
 TEST(Labels, TwoTextsAreJoinedAsTheLanguageDoesIt) {
   BannerConfig broken;
-  broken.translations = Translations{{"ja", {{{"two_sentences", "%1"}}}}};
+  broken.translations = Translations{{"ja", LocalizedText{{"two_sentences", "%1"}}}};
   const auto sentences = [&](const char* first, const char* second, const char* language) {
     return joined(Label::twoSentences, first, second, broken, language);
   };
@@ -127,7 +127,7 @@ TEST(Labels, TwoTextsAreJoinedAsTheLanguageDoesIt) {
 
 TEST(Labels, TheBlockedPageIsInTheLanguageWhateverIsConfigured) {
   BannerConfig banner;
-  banner.translations = Translations{{"de", {{{"page_blocked", "</h1><script>\"&{{language}}"}}}}};
+  banner.translations = Translations{{"de", LocalizedText{{"page_blocked", "</h1><script>\"&{{language}}"}}}};
   const std::string german = BlockedPage::own(banner, "de-at").html("https://a.example/");
   EXPECT_TRUE(german.contains("<html lang=\"de\" dir=\"auto\">")) << german;
   EXPECT_TRUE(german.contains("&lt;/h1&gt;&lt;script&gt;&quot;&amp;")) << german;

@@ -1,6 +1,7 @@
 #include "ui/Common/WebView/BlockedPage.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "core/Json/JsonWriter.h"
@@ -35,9 +36,12 @@ void fill(std::string& page, std::string_view key, std::string_view text) {
   std::string escaped;
   for (const char c : text) {
     constexpr std::string_view special = "&<>\"";
-    constexpr std::string_view entities[] = {"&amp;", "&lt;", "&gt;", "&quot;"};
-    const auto which = special.find(c);
-    which == std::string_view::npos ? escaped += c : escaped += entities[which];
+    constexpr std::array<std::string_view, special.size()> entities{"&amp;", "&lt;", "&gt;", "&quot;"};
+    if (const auto which = special.find(c); which != std::string_view::npos) {
+      escaped += entities.at(which);
+    } else {
+      escaped += c;
+    }
   }
   const std::string place = "{{" + std::string(key) + "}}";
   const auto at = page.find(place);
