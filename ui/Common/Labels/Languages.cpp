@@ -26,12 +26,12 @@ const LabelLanguage& englishLabels() {
 const LabelLanguage* labelLanguage(std::string_view language) {
   std::string lower;
   for (const char c : language) lower += c == '_' ? '-' : lowerCase(c);
-  const auto languages = labelLanguages();
+  const auto ours = labelLanguages();
   for (std::string_view code = lower; !code.empty(); code = parentLanguage(code)) {
     const auto* const alias = std::ranges::find(aliases, code, &std::pair<std::string_view, std::string_view>::first);
     const std::string_view known = alias == std::end(aliases) ? code : alias->second;
-    const auto found = std::ranges::find(languages, known, &LabelLanguage::code);
-    if (found != languages.end()) return &*found;
+    const auto found = std::ranges::find(ours, known, &LabelLanguage::code);
+    if (found != ours.end()) return &*found;
   }
   return nullptr;
 }
