@@ -73,6 +73,9 @@ class ScreenServices {
 
   // Language and appearance.
   virtual std::string language() const = 0;
+  // With the script and region of the device's setting, unless the application chose the language: "zh-hant-tw" where
+  // that is "zh".
+  virtual std::string regionalLanguage() const = 0;
   virtual ScreenFonts fonts() const = 0;
   virtual std::optional<CustomColors> colors() const = 0;
   virtual std::optional<ConsentSDKOptions> options() const = 0;

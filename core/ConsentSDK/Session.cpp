@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/Network/EndPoints.h"
+#include "core/Text/Ascii.h"
 
 namespace quillon {
 
@@ -38,6 +39,16 @@ SessionPointer Sessions::begin(ConsentSDKOptions options) {
 std::string Sessions::language() const {
   const auto session = current();
   return session ? session->language : locale_.currentLanguageCode();
+}
+
+std::string Sessions::regionalLanguage() const {
+  const auto session = current();
+  if (session && session->options.languageCode && !session->options.languageCode->text().empty()) {
+    return session->language;
+  }
+  std::string language = locale_.preferredLanguage();
+  language.replace(0, language.find('-'), locale_.currentLanguageCode());
+  return lowerCase(std::move(language));
 }
 
 DecisionContext Sessions::context(GivenType given) const {

@@ -6,7 +6,7 @@
 #include <map>
 
 #include "tests/qtquick/ScreenWorld.h"
-#include "ui/ConsentBanner/Labels.h"
+#include "ui/Common/Labels/Languages.h"
 #include "ui/qtquick/Palette.h"
 
 namespace quillon::test {
@@ -49,8 +49,9 @@ TEST(Legibility, EveryLinkOfALongTextIsReachedWhereItStands) {
 
 TEST(Legibility, NothingIsCutOrShrunkBelowTheUsersSizeHoweverLongTheLabels) {
   boost::json::object labels;
-  for (const auto& [key, english] : labelTexts) {
-    if (!english.contains('%')) labels[key] = std::string(english) + " Zusammengeschrieben" + std::string(english);
+  for (std::size_t i = 0; i < labelKeys.size(); ++i) {
+    const std::string english(englishLabels().texts[i]);
+    if (!english.contains('%')) labels[labelKeys[i]] = english + " Zusammengeschrieben" + english;
   }
   for (const double scale : {1.0, 2.0, 3.0}) {
     SCOPED_TRACE(scale);

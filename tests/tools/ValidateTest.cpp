@@ -153,8 +153,8 @@ TEST_F(Validate, LintReportsExactlyWhatIsWrong) {
                "sdks": [{"sdk_name": {"en": "Meter", "de": "Meter"}, "sdk_description": {"de": "Zählt."}}]}]})"),
        {"purposes[0].sdks[0].sdk_description: has no text in en",
         "banner_config.categories.eu.accept: has no text in de"}},
-      {bannerWith(R"({"accept": {"en": "Accept", "de": "Annehmen"}})"),
-       {"purposes[0].purpose_name: has no text in de", "i18n: has no labels in de; they are English there"}},
+      {bannerWith(R"({"accept": {"en": "Accept", "sw": "Kubali"}})"),
+       {"purposes[0].purpose_name: has no text in sw", "i18n: has no labels in sw; they are English there"}},
       {documentWith(R"({"i18n": {"l0":{},"l1":{},"l2":{},"l3":{},"l4":{},"l5":{},"l6":{},"l7":{},"l8":{}},
                "purposes": [{"purpose_id": 1, "disable_opt_out": false, "purpose_name":
                {"en":"","l0":"","l1":"","l2":"","l3":"","l4":"","l5":"","l6":"","l7":"","l8":""}}]})"),

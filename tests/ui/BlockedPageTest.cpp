@@ -4,8 +4,6 @@
 
 #include <boost/json/parse.hpp>
 
-#include "ui/Common/WebView/webview_blocked_page.h"
-
 namespace quillon::test {
 namespace {
 
@@ -36,7 +34,7 @@ TEST(BlockedPage, ItsScriptsFindTheAddressWhateverItIs) {
 }
 
 TEST(BlockedPage, KnowsItselfFromOtherPages) {
-  const BlockedPage page(ownBlockedPage);
+  const BlockedPage page = BlockedPage::own(std::nullopt, "ja");
   const auto html = page.html("https://a.example/");
   EXPECT_TRUE(page.isPage(html));
   const auto at = html.find("a.example");

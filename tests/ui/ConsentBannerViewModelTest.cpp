@@ -5,6 +5,7 @@
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/FixedLocale.h"
 #include "platform/memory/RecordingPresenter.h"
 #include "tests/support/World.h"
 #include "ui/SettingsPrompt/SettingsPromptViewModel.h"
@@ -99,22 +100,49 @@ TEST_F(Banner, ReleasedWhileLoadingHearsNothing) {
   world.settle();
 }
 
-TEST_F(Banner, LabelsComeFromTheTranslationsElseInEnglish) {
-  document["i18n"] = {{"de", {{"select_all", "Alle"}, {"close", ""}}}, {"fr", {{"close", "Fermer"}}}};
-  auto options = world.options();
-  options.languageCode = "de";
+TEST_F(Banner, LabelsComeFromTheTranslationsElseFromOursElseInEnglish) {
+  document["i18n"] = {{"de", {{"select_all", "Alle"}, {"close", ""}}}, {"sw", {{"close", "Funga"}}}};
   open();
-  world.start(options);
-  world.onMain([&] { EXPECT_EQ(model->label(Label::selectAll), "Select All") << "nothing is loaded yet"; });
+  const auto speak = [&](const char* language) {
+    auto options = world.options();
+    options.languageCode = language;
+    world.start(options);
+  };
+  speak("de");
+  world.onMain([&] { EXPECT_EQ(model->label(Label::selectAll), "Alle auswählen") << "nothing is loaded yet"; });
   load();
   world.onMain([&] {
     EXPECT_EQ(model->label(Label::selectAll), "Alle");
-    EXPECT_EQ(model->label(Label::close), "Close") << "a screen never shows an empty label";
+    EXPECT_EQ(model->label(Label::close), "Schließen") << "a screen never shows an empty label";
+    EXPECT_EQ(model->text(BannerAction::reject), "Ablehnen") << "the configuration names the button in no language";
+  });
+  speak("sw");
+  load();
+  world.onMain([&] {
+    EXPECT_EQ(model->label(Label::close), "Funga");
     EXPECT_EQ(model->label(Label::attManagedPurposeExplanation),
               "You can't toggle this Purpose because it\xE2\x80\x99s managed by Apple's App Tracking Transparency "
               "framework.");
-    EXPECT_EQ(model->text(BannerAction::reject), "Reject") << "the configuration names the button in no language";
   });
+}
+
+TEST_F(Banner, TheDevicesScriptChoosesAmongOursUnlessTheApplicationChoseTheLanguage) {
+  bannerOf(document)["banner_heading"] = {{"en", "Privacy"}, {"zh", "隐私"}};
+  world.amend = [](Platform& platform) {
+    platform.locale = std::make_shared<FixedLocale>(std::vector<std::string>{"zh-Hant-TW"});
+  };
+  open();
+  auto options = world.options();
+  options.languageCode = std::nullopt;
+  world.start(options);
+  load();
+  world.onMain([&] {
+    EXPECT_EQ(model->label(Label::reject), "拒絕");
+    EXPECT_EQ(model->text(model->bannerConfig.get()->bannerHeading), "隐私");
+  });
+  options.languageCode = "zh";
+  world.start(options);
+  world.onMain([&] { EXPECT_EQ(model->label(Label::reject), "拒绝"); });
 }
 
 TEST(BannerButtons, FollowTheComplianceTypeAndTheSwitches) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "tests/webengine/WebWorld.h"
+#include "ui/Common/Labels/Languages.h"
 
 namespace quillon::test {
 namespace {
@@ -39,6 +40,21 @@ TEST_F(WebWorld, TellsWhatIsOnScreenAndMovesThroughTheHistory) {
   screens.use("Close");
   EXPECT_TRUE(screens.isGone());
   EXPECT_EQ(refused.contacts(), "");
+}
+
+TEST_F(WebWorld, TheBlockedPageFollowsTheUsersLanguageAndItsDirection) {
+  for (const auto& [language, direction] : {std::pair("ar", "rtl"), {"ja", "ltr"}, {"he", "rtl"}}) {
+    auto options = screens.world.options();
+    options.languageCode = language;
+    screens.world.start(options);
+    open("$REFUSED/");
+    shows(std::string(labelLanguage(language)->text(Label::pageBlocked)));
+    EXPECT_EQ(evaluate("document.documentElement.lang"), language);
+    EXPECT_EQ(evaluate("getComputedStyle(document.querySelector('main')).direction"), direction) << language;
+    EXPECT_EQ(evaluate("getComputedStyle(document.getElementById('address')).direction"), "ltr") << language;
+    screens.presenter->dismissTopMost();
+    EXPECT_TRUE(screens.isGone());
+  }
 }
 
 TEST_F(WebWorld, GrantsAPageNothing) {

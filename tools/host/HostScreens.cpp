@@ -137,7 +137,7 @@ json::object description(const ConsentBannerViewModel& model) {
     result["hasCloseButton"] = buttons.close;
   }
   json::object labels;
-  for (std::size_t i = 0; i < labelTexts.size(); ++i) labels[labelTexts[i].key] = model.label(static_cast<Label>(i));
+  for (std::size_t i = 0; i < labelKeys.size(); ++i) labels[labelKeys[i]] = model.label(static_cast<Label>(i));
   result["labels"] = std::move(labels);
   return result;
 }

@@ -2,6 +2,7 @@
 
 #include "core/Logger/UnitLog.h"
 #include "core/Text/LocalizedTexts.h"
+#include "ui/Common/Labels/Languages.h"
 
 namespace quillon {
 namespace {
@@ -25,7 +26,8 @@ void ConsentBannerViewModel::loadBannerConfig() {
       sdk_, weak_from_this(), [](ScreenContent content, ScreenServices&) { return content; },
       [](ConsentBannerViewModel& model, ScreenContent loaded) {
         if (!loaded.banner) {
-          model.bannerConfigResult.set(BannerResult::failure({"Failed to Load Banner Configuration"}));
+          model.bannerConfigResult.set(
+              BannerResult::failure({std::string(englishLabels().text(Label::bannerUnavailable))}));
           return;
         }
         model.gcmConfig.set(loaded.configuration->gcmConfig);
@@ -57,8 +59,9 @@ void ConsentBannerViewModel::loadSettingsPrompt() {
         return content.configuration ? content.configuration->settingPrompt : std::nullopt;
       },
       [](ConsentBannerViewModel& model, std::optional<SettingsPrompt> prompt) {
-        model.settingsPromptResult.set(prompt ? PromptResult::success(std::move(prompt))
-                                              : PromptResult::failure({"Failed to Load Setting Prompt"}));
+        model.settingsPromptResult.set(
+            prompt ? PromptResult::success(std::move(prompt))
+                   : PromptResult::failure({std::string(englishLabels().text(Label::settingsPromptUnavailable))}));
       });
   settingsPromptResult.set(PromptResult::loading());
 }
@@ -112,11 +115,11 @@ void ConsentBannerViewModel::recordDefaultExplicitConsents() {
 }
 
 std::string ConsentBannerViewModel::label(Label label) const {
-  return labelText(label, bannerConfig.get(), sdk_->language());
+  return labelText(label, bannerConfig.get(), sdk_->regionalLanguage()).text;
 }
 
 std::string ConsentBannerViewModel::joined(Label pattern, std::string first, std::string second) const {
-  return quillon::joined(pattern, std::move(first), std::move(second), bannerConfig.get(), sdk_->language());
+  return quillon::joined(pattern, std::move(first), std::move(second), bannerConfig.get(), sdk_->regionalLanguage());
 }
 
 std::string ConsentBannerViewModel::text(const std::optional<LocalizedText>& text) const {

@@ -9,10 +9,10 @@
 #include "quillon/ConsentSDKResult.h"
 #include "quillon/MainConfiguration.h"
 #include "ui/Common/Images/ImageFromBase64.h"
+#include "ui/Common/Labels/Labels.h"
 #include "ui/Common/LoadTask.h"
 #include "ui/Common/Published.h"
 #include "ui/ConsentBanner/ButtonsByComplianceType.h"
-#include "ui/ConsentBanner/Labels.h"
 
 namespace quillon {
 
@@ -52,11 +52,12 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   // them.
   void recordDefaultExplicitConsents();
 
-  // A label in the current language, else in English.
+  // A label in the current language, or in English where we do not have that.
   std::string label(Label label) const;
   // Two texts joined by one of the patterns among the labels.
   std::string joined(Label pattern, std::string first, std::string second) const;
-  // A configured text in the current language, else in English, else in the first one that it has; else empty.
+  // A configured text in the current language or the next more general one, else in English, else in the first one that
+  // it has; else empty.
   std::string text(const std::optional<LocalizedText>& text) const;
   // What stands on a button; never empty.
   std::string text(BannerAction action) const;

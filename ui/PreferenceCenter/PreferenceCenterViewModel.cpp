@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "ui/Common/Labels/Languages.h"
+
 namespace quillon {
 namespace {
 
@@ -21,6 +23,11 @@ struct LoadedPurposes {
   ListResult<Purpose> result = ListResult<Purpose>::none();
 };
 
+// Errors are in English, like the log; what the user sees in their place is a label.
+CustomError english(Label label) {
+  return {std::string(englishLabels().text(label))};
+}
+
 // A purpose of which the configuration says both that the user may opt out and that the device does not govern it.
 bool isSwitchable(const Purpose& purpose) {
   return purpose.purposeId && purpose.disableOptOut == false && purpose.isATTMapped == false;
@@ -29,7 +36,7 @@ bool isSwitchable(const Purpose& purpose) {
 }  // namespace
 
 std::string_view rawValue(MyPreferences tab) noexcept {
-  return tab == MyPreferences::purposes ? "SDK Purposes" : "Permissions";
+  return englishLabels().text(tab == MyPreferences::purposes ? Label::purposesTab : Label::permissionsTab);
 }
 
 std::shared_ptr<PreferenceCenterViewModel> PreferenceCenterViewModel::make(
@@ -46,7 +53,7 @@ void PreferenceCenterViewModel::loadPurposes() {
       [](ScreenServices& sdk) {
         LoadedPurposes loaded;
         loaded.list = sdk.purposes();
-        loaded.result = loaded.list.empty() ? ListResult<Purpose>::failure({"Purposes are not available!"})
+        loaded.result = loaded.list.empty() ? ListResult<Purpose>::failure(english(Label::purposesUnavailable))
                                             : ListResult<Purpose>::success(loaded.list);
         return loaded;
       },
@@ -69,7 +76,7 @@ void PreferenceCenterViewModel::loadPermissions() {
       banner_->sdk(), weak_from_this(), [](ScreenServices& sdk) { return sdk.permissions(); },
       [](PreferenceCenterViewModel& model, std::vector<AppPermission> loaded) {
         if (loaded.empty()) {
-          model.permissionsResult.set(ListResult<AppPermission>::failure({"Permissions are not available!"}));
+          model.permissionsResult.set(ListResult<AppPermission>::failure(english(Label::permissionsUnavailable)));
           return;
         }
         model.permissions.set(loaded);

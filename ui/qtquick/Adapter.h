@@ -4,21 +4,13 @@
 #include <QtQml/qqmlregistration.h>
 #include <QMetaObject>
 #include <QObject>
-#include <QString>
 #include <QVariantList>
 #include <utility>
 #include <vector>
 
-#include "quillon/ConsentSDKResult.h"
 #include "ui/Common/Published.h"
 
 namespace quillon {
-
-// What went wrong; empty when nothing has.
-template <class Value>
-QString messageOf(const ConsentSDKResult<Value>& result) {
-  return result.error() ? QString::fromStdString(result.error()->localizedDescription()) : QString();
-}
 
 // Objects as the model of a repeater.
 template <class Object>

@@ -57,7 +57,7 @@ class ConsentBannerAdapter : public Adapter {
   bool isLoading() const { return !isLoaded() && !hasFailed(); }
   bool isLoaded() const { return model_->bannerConfigResult.get().value() != nullptr; }
   bool hasFailed() const { return model_->bannerConfigResult.get().error() != nullptr; }
-  QString failure() const { return messageOf(model_->bannerConfigResult.get()); }
+  QString failure() const { return hasFailed() ? label(Label::bannerUnavailable) : QString(); }
   bool isCentered() const { return config().bannerPosition == BannerPosition::center; }
   bool showsPoweredBy() const { return config().showPoweredByQuillonLogo.value_or(false); }
   bool canClose() const { return buttons().close; }

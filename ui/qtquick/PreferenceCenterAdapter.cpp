@@ -39,11 +39,9 @@ PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCente
 
 QString PreferenceCenterAdapter::tabName(MyPreferences tab) const {
   const BannerConfig& config = banner_->config();
-  QString configured =
-      banner_->words(tab == MyPreferences::purposes ? config.sdkTabHeading : config.permissionsTabHeading);
-  if (!configured.isEmpty()) return configured;
-  const std::string_view name = rawValue(tab);
-  return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  const bool isPurposes = tab == MyPreferences::purposes;
+  QString configured = banner_->words(isPurposes ? config.sdkTabHeading : config.permissionsTabHeading);
+  return configured.isEmpty() ? banner_->label(isPurposes ? Label::purposesTab : Label::permissionsTab) : configured;
 }
 
 QString PreferenceCenterAdapter::stateAndHint(Label state, Label action) const {

@@ -60,8 +60,8 @@ class PreferenceCenterAdapter : public Adapter {
   void setTab(int tab) { model_->currentSegment.set(static_cast<MyPreferences>(tab)); }
   QVariantList purposes() const { return listOf(purposes_); }
   bool arePurposesLoading() const { return model_->purposesResult.get().isLoading(); }
-  QString purposesFailure() const { return messageOf(model_->purposesResult.get()); }
-  QString permissionsFailure() const { return messageOf(model_->permissionsResult.get()); }
+  QString purposesFailure() const { return failure(model_->purposesResult.get(), Label::purposesUnavailable); }
+  QString permissionsFailure() const { return failure(model_->permissionsResult.get(), Label::permissionsUnavailable); }
   bool hasSwitchablePurposes() const { return model_->hasSwitchablePurposes(); }
   QString selectAllLabel() const { return banner_->label(Label::selectAll); }
   QString unselectAllLabel() const { return banner_->label(Label::unselectAll); }
@@ -99,6 +99,11 @@ class PreferenceCenterAdapter : public Adapter {
   void refresh() override;
 
  private:
+  // In words; empty when nothing has failed.
+  template <class Value>
+  QString failure(const ConsentSDKResult<Value>& result, Label words) const {
+    return result.error() ? banner_->label(words) : QString();
+  }
   QString tabName(MyPreferences tab) const;
   QString stateAndHint(Label state, Label action) const;
   void refreshPurposes();

@@ -36,7 +36,7 @@ class SettingsPromptAdapter : public Adapter {
   ConsentBannerAdapter* banner() const { return banner_; }
   bool isLoading() const { return !hasFailed() && !model_->banner()->settingsPromptResult.get().value(); }
   bool hasFailed() const { return model_->banner()->settingsPromptResult.get().error() != nullptr; }
-  QString failure() const { return messageOf(model_->banner()->settingsPromptResult.get()); }
+  QString failure() const { return hasFailed() ? banner_->label(Label::settingsPromptUnavailable) : QString(); }
   QString heading() const { return QString::fromStdString(content_.heading); }
   QString name() const { return heading().isEmpty() ? banner_->label(Label::openSettings) : heading(); }
   RichTextAdapter* message() const { return message_; }

@@ -1,12 +1,14 @@
 #include "ui/Common/WebView/BlockedPage.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "core/Json/JsonWriter.h"
 #include "core/Text/Ascii.h"
 #include "core/Text/ScriptText.h"
 #include "core/Text/Utf8.h"
+#include "ui/Common/Labels/Labels.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/webview_blocked_page.h"
 
@@ -29,6 +31,23 @@ std::size_t placeOfScript(std::string_view page) {
   }
 }
 
+// Puts a text, which may be any, where the page has its key.
+void fill(std::string& page, std::string_view key, std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    constexpr std::string_view special = "&<>\"";
+    constexpr std::array<std::string_view, special.size()> entities{"&amp;", "&lt;", "&gt;", "&quot;"};
+    if (const auto which = special.find(c); which != std::string_view::npos) {
+      escaped += entities.at(which);
+    } else {
+      escaped += c;
+    }
+  }
+  const std::string place = "{{" + std::string(key) + "}}";
+  const auto at = page.find(place);
+  if (at != std::string::npos) page.replace(at, place.size(), escaped);
+}
+
 }  // namespace
 
 BlockedPage::BlockedPage(std::string_view page) {
@@ -37,16 +56,24 @@ BlockedPage::BlockedPage(std::string_view page) {
   after_.append(closing).append(page.substr(place));
 }
 
-BlockedPage BlockedPage::configured(const std::optional<std::string>& name, const HostApplication& host,
-                                    const UnitLog& log) {
-  if (!name) return BlockedPage(ownBlockedPage);
-  std::string_view plain = *name;
+BlockedPage BlockedPage::own(const std::optional<BannerConfig>& banner, std::string_view language) {
+  std::string page(ownBlockedPage);
+  for (const Label label : {Label::pageBlocked, Label::pageBlockedExplanation, Label::blockedAddress}) {
+    fill(page, labelKeys.at(static_cast<std::size_t>(label)), labelText(label, banner, language).text);
+  }
+  fill(page, "language", labelText(Label::pageBlocked, banner, language).language);
+  return BlockedPage(page);
+}
+
+std::optional<BlockedPage> BlockedPage::configured(std::string_view name, const HostApplication& host,
+                                                   const UnitLog& log) {
+  std::string_view plain = name;
   if (plain.ends_with(".html")) plain.remove_suffix(extension.size() + 1);
   if (const auto page = host.resource(plain, extension); page && page->size() <= largestPage && isUtf8(*page)) {
     return BlockedPage(*page);
   }
   log(LogLevel::warning, "WebView: " + escapedForLog(plain) + ".html not found in bundle", "configured");
-  return BlockedPage(ownBlockedPage);
+  return std::nullopt;
 }
 
 std::string BlockedPage::html(std::string_view address) const {

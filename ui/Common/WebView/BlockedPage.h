@@ -7,6 +7,7 @@
 
 #include "core/Logger/UnitLog.h"
 #include "platform/HostApplication.h"
+#include "quillon/BannerConfig.h"
 
 namespace quillon {
 
@@ -17,10 +18,12 @@ class BlockedPage {
   // closing head tag; of a page without one, in front of everything.
   explicit BlockedPage(std::string_view page);
 
-  // The host application's page of that name, with or without ".html"; ours when none is named, or when it is missing
-  // or not UTF-8, which is logged. Reads a file.
-  static BlockedPage configured(const std::optional<std::string>& name, const HostApplication& host,
-                                const UnitLog& log);
+  // Ours, in a language. Its direction is that of its heading.
+  static BlockedPage own(const std::optional<BannerConfig>& banner, std::string_view language);
+
+  // The host application's page of that name, with or without ".html"; nothing when it is missing or not UTF-8, which is
+  // logged. Reads a file.
+  static std::optional<BlockedPage> configured(std::string_view name, const HostApplication& host, const UnitLog& log);
 
   // The page for an address, which may be any text. Longer ones than any that opens are cut; what is not UTF-8 becomes
   // U+FFFD.

@@ -45,9 +45,10 @@ struct Gathered {
 Gathered gather(const ScreenContent& content, ScreenServices& sdk) {
   const auto& configuration = content.configuration;
   const auto options = sdk.options();
-  const auto page = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
+  const auto name = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
+  auto page = name ? BlockedPage::configured(*name, sdk.host(), UnitLog(sdk.logger(), unit::webView)) : std::nullopt;
   return {configuration ? hostsOfLinks(*configuration) : std::set<std::string>(),
-          BlockedPage::configured(page, sdk.host(), UnitLog(sdk.logger(), unit::webView))};
+          page ? std::move(*page) : BlockedPage::own(content.banner, sdk.regionalLanguage())};
 }
 
 // What a page calls itself, in a length that a header can take.

@@ -1,4 +1,5 @@
-// The library's own page for refused addresses, from webview_blocked_page.html.
+// The library's own page for refused addresses, from webview_blocked_page.html. Labels take the places of their keys:
+// "{{page_blocked}}"; and the language that of "{{language}}".
 #pragma once
 
 #include <string_view>

@@ -1,0 +1,157 @@
+// The texts that the screens have of their own, apart from those that a banner configures.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "quillon/BannerConfig.h"
+
+namespace quillon {
+
+enum class Label {
+  selectAll,
+  unselectAll,
+  alwaysActive,
+  accepted,
+  rejected,
+  vendor,
+  dataCollected,
+  yes,
+  no,
+  developerURL,
+  licence,
+  releaseDate,
+  saveChanges,
+  purposes,
+  allowed,
+  notAllowed,
+  update,
+  companyLogo,
+  selectAllAnnouncement,
+  unselectAllAnnouncement,
+  webViewRefresh,
+  webViewBack,
+  webViewForward,
+  details,
+  close,
+  activationHint,
+  toggleHintWhenOff,
+  toggleHintWhenOn,
+  expandedState,
+  collapsedState,
+  expandHint,
+  collapseHint,
+  hintPrefix,
+  essentialPurposeExplanation,
+  attManagedPurposeExplanation,
+  privacySignalExplanation,
+  trackingNotAllowed,
+  loading,
+  saved,
+  notSaved,
+  // What takes the place of a content that cannot be loaded.
+  bannerUnavailable,
+  settingsPromptUnavailable,
+  purposesUnavailable,
+  permissionsUnavailable,
+  // The page for refused addresses.
+  pageBlocked,
+  pageBlockedExplanation,
+  blockedAddress,
+  // Patterns that join two texts, "%1" and "%2".
+  twoSentences,
+  partOf,
+  fact,
+  hint,
+  // For controls to which the configuration gives no text.
+  purposesTab,
+  permissionsTab,
+  accept,
+  reject,
+  privacyNotice,
+  dsrPortal,
+  openSettings,
+  notNow,
+};
+
+// In the configuration's table of translations and in the files of our languages; in the order of Label.
+inline constexpr auto labelKeys = std::to_array<std::string_view>({
+    "select_all",
+    "unselect_all",
+    "always_active",
+    "accepted",
+    "rejected",
+    "vendor",
+    "data_collected",
+    "yes",
+    "no",
+    "developer_url",
+    "licence",
+    "release_date",
+    "save_changes",
+    "purposes",
+    "allowed",
+    "not_allowed",
+    "update",
+    "company_logo",
+    "select_all_announcement",
+    "unselect_all_announcement",
+    "web_view_refresh",
+    "web_view_back",
+    "web_view_forward",
+    "details",
+    "close",
+    "activation_hint",
+    "toggle_hint_when_off",
+    "toggle_hint_when_on",
+    "expanded_state",
+    "collapsed_state",
+    "expand_hint",
+    "collapse_hint",
+    "hint_prefix",
+    "essential_purpose_explanation",
+    "att_managed_purpose_explanation",
+    "privacy_signal_explanation",
+    "tracking_not_allowed",
+    "loading",
+    "saved",
+    "not_saved",
+    "banner_unavailable",
+    "settings_prompt_unavailable",
+    "purposes_unavailable",
+    "permissions_unavailable",
+    "page_blocked",
+    "page_blocked_explanation",
+    "blocked_address",
+    "two_sentences",
+    "part_of",
+    "fact",
+    "hint",
+    "purposes_tab",
+    "permissions_tab",
+    "accept",
+    "reject",
+    "privacy_notice",
+    "dsr_portal",
+    "open_settings",
+    "not_now",
+});
+static_assert(labelKeys.size() == static_cast<std::size_t>(Label::notNow) + 1);
+
+struct LabelText {
+  std::string text;
+  std::string language;  // that it is in
+};
+
+// The banner's translation, else ours; an empty one counts as none. "zh-hant-tw" is looked up under itself, "zh-hant"
+// and "zh" in turn, first among the banner's and then among ours; what we do not have is English.
+[[nodiscard]] LabelText labelText(Label label, const std::optional<BannerConfig>& banner, std::string_view language);
+
+// Two texts joined by a pattern; the other one alone when one of them is empty. A translated pattern that does not have
+// both places gives way to ours. A full stop at the end of the first makes none double.
+[[nodiscard]] std::string joined(Label pattern, std::string first, std::string second,
+                                 const std::optional<BannerConfig>& banner, std::string_view language);
+
+}  // namespace quillon
