@@ -11,12 +11,20 @@ std::string intervalOf(const BannerConfig* banner) {
   return (banner ? banner->bannerReappearanceTime : std::nullopt).value_or(std::string(defaultBannerInterval));
 }
 
-void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
+void writeValues(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
   const MainConfiguration& configuration = *inForce.configuration;
   transaction.set(key::xAuthToken, configuration.token.value_or(std::string()));
   transaction.set(key::isSettingsPromptEnabled, configuration.isSettingsPromptEnabled.value_or(false));
   transaction.set(key::isATTEnabled, configuration.isATTEnabled.value_or(false));
   transaction.set(key::trackingPurposesList, purposesBoundToTracking(configuration));
+  if (!inForce.type) return;
+  transaction.set(key::currentComplianceType, std::string(rawValue(*inForce.type)));
+  transaction.set(key::bannerInterval, inForce.bannerInterval);
+}
+
+void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
+  writeValues(transaction, inForce);
+  const MainConfiguration& configuration = *inForce.configuration;
   if (configuration.version) {
     const bool isNewer = *configuration.version > transaction.integer(key::configurationVersion, 0);
     if (isNewer && configuration.reConsentEnabled.value_or(false)) transaction.requestReconsent();
@@ -24,15 +32,17 @@ void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
     if (isNewer) transaction.remove(key::uploadRefusedUpTo);
     transaction.set(key::configurationVersion, *configuration.version);
   }
-  if (!inForce.type) return;
-  transaction.set(key::currentComplianceType, std::string(rawValue(*inForce.type)));
-  transaction.set(key::bannerInterval, inForce.bannerInterval);
 }
 
 }  // namespace
 
 void ConfigurationInForce::restore(StoreTransaction& transaction) const {
-  if (type && !transaction.string(key::currentComplianceType)) write(transaction, *this);
+  if (!type || transaction.string(key::currentComplianceType)) return;
+  writeValues(transaction, *this);
+  // Whoever has answered since is not asked again: it was the same question.
+  if (configuration->version && transaction.integer(key::configurationVersion, 0) == 0) {
+    transaction.set(key::configurationVersion, *configuration->version);
+  }
 }
 
 Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, ConfigurationPointer configuration,
