@@ -126,6 +126,7 @@ TEST_F(OwnLabels, FitTheirControlsOnTheSmallestScreenInEveryLanguage) {
     corner.rx() += cell.width();
     if (corner.x() >= columns * cell.width()) corner = {0, corner.y() + cell.height()};
   }
+  painter.end();
   if (!file.isEmpty()) {
     EXPECT_TRUE(sheet.convertToFormat(QImage::Format_RGB888).save(file, "PNG", 0)) << file.toStdString();
   }
