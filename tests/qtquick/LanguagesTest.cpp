@@ -72,6 +72,7 @@ struct OwnLabels : testing::Test, ScreenWorld {
       EXPECT_FALSE(item->property("truncated").toBool());
       EXPECT_LE(item->property("contentWidth").toDouble(), item->width() + 1);
       if (hasSpaces(spoken.code)) {
+        EXPECT_LE(item->property("lineCount").toInt(), text.split(' ').size()) << "is divided";
         EXPECT_LE(Words::longest(text, item->property("font").value<QFont>()), item->width() + 1) << "is divided";
       }
       const QQuickItem* control = item->parentItem();
