@@ -15,6 +15,7 @@
 #include "DesktopSettings.h"
 #include "HostApplication.h"
 #include "Job.h"
+#include "Locale.h"
 #include "quillon/ConsentSDKOptions.h"
 #include "quillon/Listeners.h"
 #include "quillon/LogLevel.h"
@@ -73,9 +74,7 @@ class ScreenServices {
 
   // Language and appearance.
   virtual std::string language() const = 0;
-  // With the script and region of the device's setting, unless the application chose the language: "zh-hant-tw" where
-  // that is "zh".
-  virtual std::string regionalLanguage() const = 0;
+  virtual const Locale& locale() const = 0;
   virtual ScreenFonts fonts() const = 0;
   virtual std::optional<CustomColors> colors() const = 0;
   virtual std::optional<ConsentSDKOptions> options() const = 0;

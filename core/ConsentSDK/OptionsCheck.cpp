@@ -39,14 +39,11 @@ void checkIdentifier(std::string_view name, const std::string& identifier, std::
                      "\"news-reader\"");
 }
 
-// "de-DE" and "de_DE" mean "de".
+// "de-DE" and "de_DE" mean "de"; the session takes that part.
 void checkLanguage(std::optional<LanguageCode>& code, std::vector<std::string>& mistakes) {
   if (!code || code->text().empty()) return;
   const std::string language = code->text().substr(0, code->text().find_first_of("-_"));
-  if (isWord(language, 2, longestCode, isLetter)) {
-    code = LanguageCode(language);
-    return;
-  }
+  if (isWord(language, 2, longestCode, isLetter)) return;
   mistakes.push_back("languageCode is \"" + escapedForLog(code->text()) +
                      "\": it should be a code of ISO 639, such as \"de\"; the device's language is used");
   code.reset();

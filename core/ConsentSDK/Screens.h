@@ -51,7 +51,7 @@ class Screens : public ScreenServices {
   void openSystemSettings() override;
   std::shared_ptr<void> shown(ScreenKind screen) override;
   std::string language() const override { return s_.sessions.language(); }
-  std::string regionalLanguage() const override { return s_.sessions.regionalLanguage(); }
+  const Locale& locale() const override { return *s_.platform.locale; }
   ScreenFonts fonts() const override { return s_.theme.fonts(); }
   std::optional<CustomColors> colors() const override { return s_.theme.colors(); }
   std::optional<ConsentSDKOptions> options() const override;

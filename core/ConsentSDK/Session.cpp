@@ -1,9 +1,9 @@
 #include "core/ConsentSDK/Session.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/Network/EndPoints.h"
-#include "core/Text/Ascii.h"
 
 namespace quillon {
 
@@ -29,6 +29,7 @@ bool Sessions::isCurrent(const Session& session) const {
 SessionPointer Sessions::begin(ConsentSDKOptions options) {
   const Mode mode = options.mode.value_or(options.testingMode ? Mode::draft : Mode::live);
   std::string language = options.languageCode ? options.languageCode->text() : std::string();
+  language.erase(std::min(language.find_first_of("-_"), language.size()));
   if (language.empty()) language = locale_.currentLanguageCode();
   const std::scoped_lock lock(mutex_);
   const std::uint64_t generation = current_ ? current_->generation + 1 : 1;
@@ -39,16 +40,6 @@ SessionPointer Sessions::begin(ConsentSDKOptions options) {
 std::string Sessions::language() const {
   const auto session = current();
   return session ? session->language : locale_.currentLanguageCode();
-}
-
-std::string Sessions::regionalLanguage() const {
-  const auto session = current();
-  if (session && session->options.languageCode && !session->options.languageCode->text().empty()) {
-    return session->language;
-  }
-  std::string language = locale_.preferredLanguage();
-  language.replace(0, language.find('-'), locale_.currentLanguageCode());
-  return lowerCase(std::move(language));
 }
 
 DecisionContext Sessions::context(GivenType given) const {

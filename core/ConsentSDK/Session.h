@@ -43,8 +43,6 @@ class Sessions {
 
   // The user interface's language: the session's, before a setup the device's.
   [[nodiscard]] std::string language() const;
-  // In lower case, with the device's script and region unless the application chose the language.
-  [[nodiscard]] std::string regionalLanguage() const;
   // The context of a decision made now.
   [[nodiscard]] DecisionContext context(GivenType given) const;
 

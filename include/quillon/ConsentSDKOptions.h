@@ -123,7 +123,7 @@ struct ConsentSDKOptions {
   /// Identity of the data subject. Default: a random one, which is kept.
   std::optional<std::string> subjectId = std::nullopt;
   /// Language of the configuration, such as "de" ("de-DE" is read as "de"). Default: the device's first preferred
-  /// language.
+  /// language. The screens' own labels know scripts too: "zh-Hant".
   std::optional<LanguageCode> languageCode = std::nullopt;
   /// Region code such as "US#CA" ("US-CA" is read as "US#CA"). Default: the vendor's server is asked for the location.
   std::optional<std::string> locationCode = std::nullopt;

@@ -72,13 +72,14 @@ struct OwnLabels : testing::Test, ScreenWorld {
       EXPECT_FALSE(item->property("truncated").toBool());
       EXPECT_LE(item->property("contentWidth").toDouble(), item->width() + 1);
       if (hasSpaces(spoken.code)) {
+        EXPECT_LE(item->property("lineCount").toInt(), text.split(' ').size()) << "is divided";
         EXPECT_LE(Words::longest(text, item->property("font").value<QFont>()), item->width() + 1) << "is divided";
       }
       const QQuickItem* control = item->parentItem();
       if (control->metaObject()->indexOfSignal("clicked()") < 0) continue;
       EXPECT_TRUE(control->mapRectToScene(control->boundingRect()).adjusted(-1, -1, 1, 1).contains(place));
     }
-    EXPECT_GT(seen, 4) << spoken.code;
+    EXPECT_GT(seen, 3) << spoken.code;
   }
 };
 
@@ -126,6 +127,7 @@ TEST_F(OwnLabels, FitTheirControlsOnTheSmallestScreenInEveryLanguage) {
     corner.rx() += cell.width();
     if (corner.x() >= columns * cell.width()) corner = {0, corner.y() + cell.height()};
   }
+  painter.end();
   if (!file.isEmpty()) {
     EXPECT_TRUE(sheet.convertToFormat(QImage::Format_RGB888).save(file, "PNG", 0)) << file.toStdString();
   }

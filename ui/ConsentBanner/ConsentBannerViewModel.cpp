@@ -19,9 +19,10 @@ std::shared_ptr<ConsentBannerViewModel> ConsentBannerViewModel::make(std::shared
 }
 
 ConsentBannerViewModel::ConsentBannerViewModel(std::shared_ptr<ScreenServices> sdk, std::function<void()> leave)
-    : sdk_(std::move(sdk)), leave_(std::move(leave)) {}
+    : sdk_(std::move(sdk)), leave_(std::move(leave)), labelLanguage_(languageOfLabels(*sdk_)) {}
 
 void ConsentBannerViewModel::loadBannerConfig() {
+  labelLanguage_ = languageOfLabels(*sdk_);
   bannerConfigTask_ = LoadTask::startWithContent(
       sdk_, weak_from_this(), [](ScreenContent content, ScreenServices&) { return content; },
       [](ConsentBannerViewModel& model, ScreenContent loaded) {
@@ -115,11 +116,11 @@ void ConsentBannerViewModel::recordDefaultExplicitConsents() {
 }
 
 std::string ConsentBannerViewModel::label(Label label) const {
-  return labelText(label, bannerConfig.get(), sdk_->regionalLanguage()).text;
+  return labelText(label, bannerConfig.get(), labelLanguage_).text;
 }
 
 std::string ConsentBannerViewModel::joined(Label pattern, std::string first, std::string second) const {
-  return quillon::joined(pattern, std::move(first), std::move(second), bannerConfig.get(), sdk_->regionalLanguage());
+  return quillon::joined(pattern, std::move(first), std::move(second), bannerConfig.get(), labelLanguage_);
 }
 
 std::string ConsentBannerViewModel::text(const std::optional<LocalizedText>& text) const {

@@ -52,12 +52,11 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   // them.
   void recordDefaultExplicitConsents();
 
-  // A label in the current language, or in English where we do not have that.
+  // A label in the language at the last load, or in English where we do not have that.
   std::string label(Label label) const;
   // Two texts joined by one of the patterns among the labels.
   std::string joined(Label pattern, std::string first, std::string second) const;
-  // A configured text in the current language or the next more general one, else in English, else in the first one that
-  // it has; else empty.
+  // A configured text in the current language, else in English, else in the first one that it has; else empty.
   std::string text(const std::optional<LocalizedText>& text) const;
   // What stands on a button; never empty.
   std::string text(BannerAction action) const;
@@ -67,6 +66,7 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
  private:
   const std::shared_ptr<ScreenServices> sdk_;
   const std::function<void()> leave_;
+  std::string labelLanguage_;
   std::optional<LoadTask> settingsPromptTask_;
   std::optional<LoadTask> bannerConfigTask_;
   std::optional<LoadTask> companyLogoTask_;

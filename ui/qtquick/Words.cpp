@@ -22,19 +22,23 @@ void forEachWord(const QString& text, const auto& use) {
   }
 }
 
+// Of a line that holds the text. One breaks also for what its last letter stands out by, as the mark of "ľ" does.
+double lineWidth(const QString& text, const QFontMetricsF& metrics) {
+  return std::max(std::ceil(metrics.horizontalAdvance(text)) + 1, std::ceil(metrics.boundingRect(text).right()));
+}
+
 }  // namespace
 
 double Words::longest(const QString& text, const QFont& font) {
   const QFontMetricsF metrics(font);
   double width = 0;
-  forEachWord(text, [&](QStringView /*blanks*/, const QString& word) {
-    width = std::max(width, metrics.horizontalAdvance(word));
-  });
-  return std::ceil(width) + 1;
+  forEachWord(text,
+              [&](QStringView /*blanks*/, const QString& word) { width = std::max(width, lineWidth(word, metrics)); });
+  return width;
 }
 
 double Words::lineOf(const QString& text, const QFont& font) {
-  return std::ceil(QFontMetricsF(font).horizontalAdvance(text)) + 1;
+  return lineWidth(text, QFontMetricsF(font));
 }
 
 QFont Words::resized(QFont font, int size) {

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "core/Text/LocalizedTexts.h"
+#include "core/Text/Ascii.h"
+#include "platform/ScreenServices.h"
 #include "ui/Common/Labels/Languages.h"
 
 namespace quillon {
@@ -21,6 +22,17 @@ bool isPattern(std::string_view text) {
 constexpr std::string_view fullStops[] = {".", "。", "।"};
 
 }  // namespace
+
+std::string languageOfLabels(const ScreenServices& sdk) {
+  std::string code;
+  if (const auto options = sdk.options(); options && options->languageCode) code = options->languageCode->text();
+  if (const auto preferred = sdk.locale().preferredLanguages(); code.empty() && !preferred.empty()) {
+    code = lowerCase(preferred.front());
+  }
+  std::ranges::replace(code, '_', '-');
+  std::string language = sdk.language();
+  return code.starts_with(language + '-') ? code : language;
+}
 
 LabelText labelText(Label label, const std::optional<BannerConfig>& banner, std::string_view language) {
   if (!banner || !banner->translations) return ownText(label, language);

@@ -10,6 +10,8 @@
 
 namespace quillon {
 
+class ScreenServices;
+
 enum class Label {
   selectAll,
   unselectAll,
@@ -144,6 +146,10 @@ struct LabelText {
   std::string text;
   std::string language;  // that it is in
 };
+
+// The user's language with the script and region that the application, or else the device, gives it: "zh-hant-tw" where
+// the texts of the configuration are those for "zh".
+[[nodiscard]] std::string languageOfLabels(const ScreenServices& sdk);
 
 // The banner's translation, else ours; an empty one counts as none. "zh-hant-tw" is looked up under itself, "zh-hant"
 // and "zh" in turn, first among the banner's and then among ours; what we do not have is English.

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "core/Text/Ascii.h"
-#include "core/Text/LocalizedTexts.h"
 
 namespace quillon {
 namespace {

@@ -20,6 +20,12 @@ struct LabelLanguage {
 [[nodiscard]] std::span<const LabelLanguage> labelLanguages();
 [[nodiscard]] const LabelLanguage& englishLabels();
 
+// The next more general one of a language code: "zh-hant" of "zh-hant-tw"; empty when there is none.
+[[nodiscard]] constexpr std::string_view parentLanguage(std::string_view code) {
+  const auto end = code.rfind('-');
+  return code.substr(0, end == std::string_view::npos ? 0 : end);
+}
+
 // The one for a user's language, such as "pt-br" or "zh-tw", in any case; null when there is none.
 [[nodiscard]] const LabelLanguage* labelLanguage(std::string_view language);
 

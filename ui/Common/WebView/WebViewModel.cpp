@@ -8,6 +8,7 @@
 #include "core/Configuration/ConfiguredTexts.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Text/Utf8.h"
+#include "ui/Common/Labels/Labels.h"
 #include "ui/Common/WebView/LinkAddress.h"
 #include "ui/Common/WebView/WebViewUrlExtractor.h"
 
@@ -48,7 +49,7 @@ Gathered gather(const ScreenContent& content, ScreenServices& sdk) {
   const auto name = options && options->webviewConfig ? options->webviewConfig->blockedPageHTML : std::nullopt;
   auto page = name ? BlockedPage::configured(*name, sdk.host(), UnitLog(sdk.logger(), unit::webView)) : std::nullopt;
   return {configuration ? hostsOfLinks(*configuration) : std::set<std::string>(),
-          page ? std::move(*page) : BlockedPage::own(content.banner, sdk.regionalLanguage())};
+          page ? std::move(*page) : BlockedPage::own(content.banner, languageOfLabels(sdk))};
 }
 
 // What a page calls itself, in a length that a header can take.
