@@ -65,10 +65,6 @@ const bool registered = expectAtMost({"durable decision, against one bare SQLite
                                       {"decision/sdk"},
                                       Figure{"decision/sqlite commit"},
                                       1.15}) &&
-                        expectAtMost({"durable decision with 90,000 keys, against the same commit",
-                                      {"decision/sdk with 90000 keys"},
-                                      Figure{"decision/sqlite commit"},
-                                      1.3}) &&
                         expectAtMost({"saving 100 changed purposes, against one bare SQLite commit of one",
                                       {"decision/sdk saves 100"},
                                       Figure{"decision/sqlite commit"},
