@@ -148,7 +148,7 @@ const bool registered =
                   processorTime("read/sqlite select"), 0.01}) &&
     expectAtMost({"whether a purpose is allowed, nanoseconds", processorTime("read/sdk is allowed"), {}, 15}) &&
     expectAtMost({"whether a purpose is allowed, against a read", processorTime("read/sdk is allowed"),
-                  processorTime("read/sdk"), 1.25}) &&
+                  processorTime("read/sdk"), 1.5}) &&
     expectAtMost({"whether a purpose is allowed, bytes allocated", {"read/sdk is allowed", "allocated"}, {}, 0}) &&
     expectNoWaiting("2 threads") && expectNoWaiting("4 threads") && expectNoWaiting("1 thread and a writer") &&
     expectNoWaiting("2 threads and a writer") && expectNoWaiting("4 threads and a writer");

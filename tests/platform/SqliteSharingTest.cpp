@@ -78,7 +78,8 @@ TEST_F(SqliteSuiteTest, HearsOfCommitsThroughReplacedFilesAndSaysWhenItCannot) {
   test::Signal last;
   const auto blindly = blind->observe([&] { last.set(); });
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
-  EXPECT_TRUE(reported("is looked for ten times a second, as the system cannot watch it: watch " + file_.string() + ": Too many open files"));
+  EXPECT_TRUE(reported("is looked for ten times a second, as the system cannot watch it: watch " + file_.string() +
+                       ": Too many open files"));
   ASSERT_TRUE(put(*suite, "most", true));
   EXPECT_TRUE(last.wait(1s));
 }
