@@ -218,7 +218,7 @@ Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
 Seen sweepAll(Trial& trial, const Fault& fault) {
   Seen all;
   for (const Work* work : {&opening, &savingAConfiguration, &decision, &clearingThePending}) {
-    constexpr int stride = 5;
+    constexpr int stride = 3;
     const Seen one = sweep(trial, *work, fault, stride);
     all = {.status = one.status, .log = all.log + one.log, .stored = one.stored};
     if (one.stored != allAcknowledged) break;
@@ -259,7 +259,7 @@ std::vector<Row> sweepRows() {
   std::vector<Row> rows;
   for (const auto& [name, fault, work, effect, log] : cases) {
     // Few calls can be interrupted: every fifth would miss them all.
-    const int stride = effect == Effect::interrupted ? 1 : 5;
+    const int stride = effect == Effect::interrupted ? 1 : 3;
     rows.push_back({name,
                     fault,
                     [&swept = work, struck = systemCalls(effect), stride](Trial& trial) {

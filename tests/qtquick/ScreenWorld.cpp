@@ -28,6 +28,9 @@ ScreenWorld::ScreenWorld()
       window(std::make_unique<QQuickWindow>()) {
   QAccessible::setActive(true);
   bannerOf(document)["preference_center_link"] = {{"en", "Choose"}};
+  // The same words in every language that a test speaks.
+  bannerOf(document)["accept"] = {{"en", "Accept"}, {"ar", "Accept"}};
+  bannerOf(document)["reject"] = {{"en", "Reject"}, {"ar", "Reject"}};
   bannerOf(document)["should_show_settings_prompt"] = true;
   document["is_sp_enabled"] = true;
   document["settings_prompt"] = {{"prompt_heading", {{"en", "Change"}}},
