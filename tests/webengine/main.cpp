@@ -6,6 +6,7 @@
 
 #include "quillon/QtWebEngine.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/webengine/WebWorld.h"
 
 // Of the address sanitizer, for this program alone: the engine deletes objects of its own under the size of another
 // class, and leaves some behind when the process ends, as the fonts do.
@@ -28,7 +29,9 @@ int main(int argc, char** argv) {
   qputenv("QT_QUICK_BACKEND", "software");
   // The engine does not run in its sandbox as root.
   if (geteuid() == 0) qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--no-sandbox --disable-gpu");
-  if (!quillon::initializeQtWebEngine()) return 1;
+  using quillon::initializeQtWebEngine;
+  quillon::test::isEngineClosed = initializeQtWebEngine();
+  if (!quillon::test::isEngineClosed && !initializeQtWebEngine(quillon::UnfilteredConnections::accepted)) return 1;
   const QGuiApplication application(argc, argv);
   return RUN_ALL_TESTS();
 }

@@ -1,5 +1,7 @@
 #include "quillon/QtWebEngine.h"
 
+#include <QtWebEngineCore/qtwebenginecoreglobal.h>
+
 #include <QCoreApplication>
 #include <QtWebEngineQuick>
 
@@ -9,18 +11,24 @@ namespace quillon {
 namespace {
 
 // Web transports and the connections of WebRTC reach the network past every question that the engine asks. It reads its
-// switches when it starts; later engines know the policy by the second name.
+// switches when it starts.
 void closeSideDoors() {
   constexpr const char* variable = "QTWEBENGINE_CHROMIUM_FLAGS";
   constexpr const char* switches =
-      " --disable-blink-features=WebTransport --force-webrtc-ip-handling-policy=disable_non_proxied_udp"
-      " --webrtc-ip-handling-policy=disable_non_proxied_udp";
+      " --disable-blink-features=WebTransport --force-webrtc-ip-handling-policy=disable_non_proxied_udp";
   if (const QByteArray present = qgetenv(variable); !present.contains(switches)) qputenv(variable, present + switches);
+}
+
+// The last engine that was seen to obey the switch for WebTransport.
+bool canBeClosed() {
+  constexpr int lastClosed = 102;
+  return QByteArray(qWebEngineChromiumVersion()).split('.').constFirst().toInt() <= lastClosed;
 }
 
 }  // namespace
 
-bool initializeQtWebEngine() {
+bool initializeQtWebEngine(UnfilteredConnections connections) {
+  if (connections == UnfilteredConnections::refused && !canBeClosed()) return false;
   if (QCoreApplication::instance() && !QCoreApplication::testAttribute(Qt::AA_ShareOpenGLContexts)) return false;
   closeSideDoors();
   if (!QCoreApplication::instance()) QtWebEngineQuick::initialize();
