@@ -1,9 +1,10 @@
-// Reads a file named on the command line.
+// Reads and replaces a file named on the command line.
 #pragma once
 
 #include <cstddef>
 #include <expected>
 #include <string>
+#include <string_view>
 
 namespace quillon::tools {
 
@@ -12,5 +13,9 @@ inline constexpr std::size_t largestDocument = std::size_t{32} << 20;
 // The content; a file above the document limit is cut just beyond it, so that decoding rejects it. "-" is standard
 // input. The error is the system's.
 [[nodiscard]] std::expected<std::string, std::string> contentOf(const std::string& path);
+
+// Replaces the content at once or not at all; "-" is standard output. What a link names is replaced, and the link stays.
+// The error is the system's.
+[[nodiscard]] std::expected<void, std::string> replaceContent(const std::string& path, std::string_view content);
 
 }  // namespace quillon::tools

@@ -9,12 +9,15 @@
 #include "tools/check-server/CheckServerCommand.h"
 #include "tools/diff/DiffCommand.h"
 #include "tools/host/HostCommand.h"
+#include "tools/init/InitCommand.h"
 #include "tools/link/LinkCommand.h"
 #include "tools/preview/PreviewCommand.h"
 #include "tools/richtext/RichTextCommand.h"
+#include "tools/schema/SchemaCommand.h"
 #include "tools/serve/ServeCommand.h"
 #include "tools/signals/SignalsCommand.h"
 #include "tools/store/StoreCommand.h"
+#include "tools/texts/TextsCommand.h"
 #include "tools/validate/ValidateCommand.h"
 
 int main(int argc, char** argv) {
@@ -26,12 +29,15 @@ int main(int argc, char** argv) {
   quillon::tools::addCheckServerCommand(app, exitCode);
   quillon::tools::addDiffCommand(app, exitCode);
   quillon::tools::addHostCommand(app, exitCode);
+  quillon::tools::addInitCommand(app, exitCode);
   quillon::tools::addLinkCommand(app, exitCode);
   quillon::tools::addPreviewCommand(app, exitCode);
   quillon::tools::addRichTextCommand(app, exitCode);
+  quillon::tools::addSchemaCommand(app, exitCode);
   quillon::tools::addServeCommand(app, exitCode);
   quillon::tools::addSignalsCommand(app, exitCode);
   quillon::tools::addStoreCommand(app, exitCode);
+  quillon::tools::addTextsCommand(app, exitCode);
   quillon::tools::addValidateCommand(app, exitCode);
 
   std::vector<std::string> arguments(argv + 1, argv + argc);

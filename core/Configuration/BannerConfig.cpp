@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/Json/JsonType.h"
+#include "core/Json/JsonMapping.h"
 #include "core/Json/RawValues.h"
 #include "core/Json/Record.h"
 #include "core/Text/Ascii.h"

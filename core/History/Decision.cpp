@@ -1,5 +1,5 @@
 // The texts and the journal format of a decision.
-#include "core/Json/JsonType.h"
+#include "core/Json/JsonMapping.h"
 #include "core/Json/RawValues.h"
 #include "core/Json/Record.h"
 #include "quillon/DecisionHistory.h"

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "core/Json/JsonType.h"
+#include "core/Json/JsonMapping.h"
 #include "core/Json/Record.h"
 #include "core/Text/ScriptText.h"
 

@@ -1,6 +1,6 @@
 #include "quillon/PostConsentsRequest.h"
 
-#include "core/Json/JsonType.h"
+#include "core/Json/JsonMapping.h"
 #include "core/Json/Record.h"
 
 namespace quillon {

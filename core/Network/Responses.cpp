@@ -1,6 +1,6 @@
 #include "core/Network/Responses.h"
 
-#include "core/Json/JsonType.h"
+#include "core/Json/JsonMapping.h"
 #include "core/Json/Record.h"
 
 namespace quillon {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "core/Json/JsonType.h"
+#include "core/Json/JsonMapping.h"
 #include "core/Json/Record.h"
 
 namespace quillon {

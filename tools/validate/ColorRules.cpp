@@ -42,41 +42,53 @@ std::vector<std::pair<std::string_view, std::string_view>> rolesOf(const CustomC
   return roles;
 }
 
-}  // namespace
-
-void textsAreLegible(const MainConfiguration& configuration, const Report& report) {
+// Calls with each banner that has a palette, and the palette's path.
+template <class Visit>
+void forEachPalette(const MainConfiguration& configuration, Visit visit) {
   if (!configuration.bannerConfig) return;
   for (const auto& [name, banner] : configuration.bannerConfig->categories) {
     if (!banner.customPaletteTheme) continue;
+    visit(banner, DocumentPath().at("banner_config").at("categories").at(name).at("palette"));
+  }
+}
+
+}  // namespace
+
+void colorsAreColors(const MainConfiguration& configuration, const Report& report) {
+  forEachPalette(configuration, [&report](const BannerConfig& banner, const DocumentPath& path) {
+    for (const auto& [key, text] : rolesOf(*banner.customPaletteTheme)) {
+      if (text.empty() || isColor(text)) continue;
+      report(path.at(key), "is " + inQuotes(text) + ", which is no colour such as \"#1D3A5F\"");
+    }
+  });
+}
+
+void textsAreLegible(const MainConfiguration& configuration, const Report& report) {
+  forEachPalette(configuration, [&report](const BannerConfig& banner, const DocumentPath& path) {
     const CustomColors& colors = *banner.customPaletteTheme;
-    const auto path = DocumentPath().at("banner_config").at("categories").at(name).at("palette");
+    const auto expect = [&](std::string_view key, const std::string& color, std::string_view on,
+                            const std::string& background, double enough, std::string_view what) {
+      const double found = contrast(colorFromText(color), colorFromText(background));
+      if (found >= enough) return;
+      report(path.at(key), "has a contrast of " + ratio(found) + " on " + std::string(on) + "; " + std::string(what) +
+                               " from " + ratio(enough) + " on");
+    };
     const auto expectLegible = [&](std::string_view key, const std::string& text, std::string_view on,
                                    const std::string& background) {
-      const double found = contrast(colorFromText(text), colorFromText(background));
-      if (found >= legible) return;
-      report({path.at(key).text(), "has a contrast of " + ratio(found) + " on " + std::string(on) +
-                                       "; text is legible from " + ratio(legible) + " on"});
+      expect(key, text, on, background, legible, "text is legible");
     };
-    for (const auto& [key, text] : rolesOf(colors)) {
-      if (text.empty() || isColor(text)) continue;
-      report({path.at(key).text(), "is " + inQuotes(text) + ", which is no colour such as \"#1D3A5F\""});
-    }
     expectLegible("button_text", colors.buttonText, "button_background", colors.buttonBackground);
     expectLegible("banner_text", colors.bannerText, "banner_background", colors.bannerBackground);
     expectLegible("banner_links", colors.bannerLinks, "banner_background", colors.bannerBackground);
     if (banner.buttonShape == ButtonShape::outlined) {
-      const double found = contrast(colorFromText(colors.buttonBorder), colorFromText(colors.bannerBackground));
-      if (found < visible) {
-        report({path.at("button_border").text(), "has a contrast of " + ratio(found) +
-                                                     " on banner_background; an outline is visible from " +
-                                                     ratio(visible) + " on"});
-      }
+      expect("button_border", colors.buttonBorder, "banner_background", colors.bannerBackground, visible,
+             "an outline is visible");
     }
     if (colors.purposeDisclaimerTextColor && colors.purposeDisclaimerBackgroundColor) {
       expectLegible("purpose_disclaimer_text", *colors.purposeDisclaimerTextColor, "purpose_disclaimer_background",
                     *colors.purposeDisclaimerBackgroundColor);
     }
-  }
+  });
 }
 
 }  // namespace quillon::tools

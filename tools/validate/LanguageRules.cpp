@@ -2,21 +2,12 @@
 #include <string_view>
 
 #include "core/Configuration/ConfiguredTexts.h"
+#include "tools/validate/Codes.h"
+#include "tools/validate/Languages.h"
 #include "tools/validate/Rules.h"
-#include "ui/Common/Labels/Languages.h"
 
 namespace quillon::tools {
 namespace {
-
-using Languages = std::set<std::string_view>;
-
-Languages languagesOf(const MainConfiguration& configuration) {
-  Languages languages;
-  forEachText(configuration, NoPath(), [&languages](NoPath, const LocalizedText& text) {
-    for (const auto& [language, words] : text) languages.insert(language);
-  });
-  return languages;
-}
 
 // Lists languages missing from the texts; empty when none is missing. Lists only a few: with as many languages as texts
 // the message would grow quadratically.
@@ -38,17 +29,26 @@ std::string missing(const Languages& languages, const Texts& texts) {
 void textsHaveAllLanguages(const MainConfiguration& configuration, const Report& report) {
   const auto languages = languagesOf(configuration);
   forEachText(configuration, DocumentPath(), [&](const DocumentPath& path, const LocalizedText& text) {
-    if (const auto names = missing(languages, text); !names.empty()) report({path.text(), "has no text in " + names});
+    if (const auto names = missing(languages, text); !names.empty()) report(path, "has no text in " + names);
   });
 }
 
-// Labels of many languages are built in.
-void labelsHaveAllLanguages(const MainConfiguration& configuration, const Report& report) {
-  auto languages = languagesOf(configuration);
-  std::erase_if(languages, [](std::string_view language) { return labelLanguage(language) != nullptr; });
-  const auto names = missing(languages, configuration.translations.value_or(Translations()));
-  if (!names.empty())
-    report({DocumentPath().at("i18n").text(), "has no labels in " + names + "; they are English there"});
+void languagesExist(const MainConfiguration& configuration, const Report& report) {
+  std::set<std::string, std::less<>> told;
+  const auto expectLanguage = [&](const DocumentPath& path, const std::string& language) {
+    if (report.isFull() || told.contains(language)) return;
+    const auto problem = languageProblem(language);
+    if (problem.empty()) return;
+    told.insert(language);
+    report(path.at(language), problem);
+  };
+  forEachText(configuration, DocumentPath(), [&](const DocumentPath& path, const LocalizedText& text) {
+    for (const auto& [language, words] : text) expectLanguage(path, language);
+  });
+  if (!configuration.translations) return;
+  for (const auto& [language, labels] : *configuration.translations) {
+    expectLanguage(DocumentPath().at("i18n"), language);
+  }
 }
 
 }  // namespace quillon::tools

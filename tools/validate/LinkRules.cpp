@@ -12,7 +12,7 @@ namespace {
 void expectOpens(std::string_view address, const DocumentPath& path, const Report& report) {
   const auto link = parseLink(address);
   if (link) return;
-  report({path.text(), "the web view refuses " + inQuotes(address) + ": " + std::string(reason(link.error()))});
+  report(path, "the web view refuses " + inQuotes(address) + ": " + std::string(reason(link.error())));
 }
 
 // Calls `visit` with the value of every href attribute; linear time.

@@ -1,22 +1,26 @@
-// Warnings about valid configurations.
+// The rules for valid configurations, by their names.
 #pragma once
 
-#include <functional>
-#include <string>
+#include <span>
+#include <string_view>
 
 #include "quillon/MainConfiguration.h"
+#include "tools/validate/Finding.h"
 
 namespace quillon::tools {
 
-// Both texts are free of control characters and bounded in length.
-struct Finding {
-  std::string path;  // in decode()'s notation
-  std::string text;
+struct Rule {
+  std::string_view name;
+  Level level;
+  std::string_view expects;
+  // Null for the rules about the form of documents, which have code of their own.
+  void (*check)(const MainConfiguration& configuration, const Report& report) = nullptr;
 };
 
-using Report = std::function<void(const Finding&)>;
+// What would disappoint a user. Time and number of findings of each are linear in the size of the configuration.
+[[nodiscard]] std::span<const Rule> lintRules();
 
-// Reports the findings, rule by rule. Time and number of findings are linear in the size of the configuration.
-void lint(const MainConfiguration& configuration, const Report& report);
+// What the SDK itself expects of a document, and of a publication (Check.cpp).
+[[nodiscard]] std::span<const Rule> documentRules();
 
 }  // namespace quillon::tools

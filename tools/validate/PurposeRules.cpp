@@ -26,7 +26,7 @@ void expectPurposes(const std::optional<std::vector<std::int64_t>>& list, const 
   for (std::size_t i = 0; i < list->size(); ++i) {
     const auto identifier = (*list)[i];
     if (!known.contains(identifier)) {
-      report({path.at(i).text(), "there is no purpose " + std::to_string(identifier)});
+      report(path.at(i), "there is no purpose " + std::to_string(identifier));
     }
   }
 }
@@ -43,13 +43,13 @@ void expectPurposes(const DefaultMapping& mapping, const Identifiers& known, con
 
 void tokenIsThere(const MainConfiguration& configuration, const Report& report) {
   if (configuration.token.value_or("").empty()) {
-    report({DocumentPath().at("x-auth-token").text(), "is missing; no consent can be uploaded"});
+    report(DocumentPath().at("x-auth-token"), "is missing; no consent can be uploaded");
   }
 }
 
 void purposesAreThere(const MainConfiguration& configuration, const Report& report) {
   if (!configuration.purposes || configuration.purposes->empty()) {
-    report({purposesPath.text(), "there are none; nothing is asked"});
+    report(purposesPath, "there are none; nothing is asked");
   }
 }
 
@@ -59,13 +59,13 @@ void purposesAreComplete(const MainConfiguration& configuration, const Report& r
     const auto& purpose = (*configuration.purposes)[i];
     const auto path = purposesPath.at(i);
     if (!purpose.purposeId) {
-      report({path.at("purpose_id").text(), "is missing; no decision about this purpose can be kept"});
+      report(path.at("purpose_id"), "is missing; no decision about this purpose can be kept");
     }
     if (!purpose.purposeName || purpose.purposeName->empty()) {
-      report({path.at("purpose_name").text(), "is missing; the user cannot tell what is asked"});
+      report(path.at("purpose_name"), "is missing; the user cannot tell what is asked");
     }
     if (!purpose.disableOptOut) {
-      report({path.at("disable_opt_out").text(), "is missing; selecting all purposes leaves this one out"});
+      report(path.at("disable_opt_out"), "is missing; selecting all purposes leaves this one out");
     }
   }
 }
@@ -77,7 +77,7 @@ void purposeIdsAreUnique(const MainConfiguration& configuration, const Report& r
     const auto& identifier = (*configuration.purposes)[i].purposeId;
     if (!identifier) continue;
     if (const auto [entry, isNew] = first.emplace(*identifier, i); !isNew) {
-      report({purposesPath.at(i).at("purpose_id").text(), purposesPath.at(entry->second).text() + " has the same"});
+      report(purposesPath.at(i).at("purpose_id"), purposesPath.at(entry->second).text() + " has the same");
     }
   }
 }

@@ -1,0 +1,100 @@
+#include "tools/document/Edits.h"
+
+#include <algorithm>
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <span>
+
+namespace quillon::tools {
+namespace {
+
+namespace json = boost::json;
+using Steps = std::span<const DocumentPath::Step>;
+
+// Sets a member at the end of a path through objects, which are made where they are missing.
+bool setIn(json::object& object, Steps steps, const json::value& value) {
+  const auto* key = std::get_if<std::string>(&steps.front());
+  if (!key) return false;
+  if (steps.size() == 1) {
+    object[*key] = value;
+    return true;
+  }
+  json::value& member = object[*key];
+  if (member.is_null()) member.emplace_object();
+  return member.is_object() && setIn(member.get_object(), steps.subspan(1), value);
+}
+
+}  // namespace
+
+bool Edits::set(const DocumentPath& path, const json::value& value) {
+  const Value* place = &document_.root();
+  const Steps steps(path.steps());
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    const Value* const next = document_.find(DocumentPath({steps.begin(), steps.begin() + i + 1}));
+    if (next) {
+      place = next;
+      continue;
+    }
+    if (place->kind == Value::Kind::object) return setIn(added_[place], steps.subspan(i), value);
+    if (place->kind != Value::Kind::null) return false;
+    json::value& made = replaced_.try_emplace(place, json::object()).first->second;
+    return made.is_object() && setIn(made.get_object(), steps.subspan(i), value);
+  }
+  if (json::parse(document_.source(*place)) != value) replaced_.insert_or_assign(place, value);
+  return true;
+}
+
+std::string Edits::text() const {
+  std::vector<Splice> splices;
+  for (const auto& [place, value] : replaced_) {
+    splices.push_back({place->begin, place->end, laidOut(value, layout(), indentationAt(place->begin))});
+  }
+  for (const auto& [object, members] : added_) splices.push_back(addition(*object, members));
+  std::ranges::sort(splices, {}, &Splice::begin);
+  std::string text;
+  std::size_t at = 0;
+  for (const Splice& splice : splices) {
+    text.append(document_.text(), at, splice.begin - at);
+    text += splice.text;
+    at = splice.end;
+  }
+  return text.append(document_.text(), at);
+}
+
+Edits::Splice Edits::addition(const Value& object, const json::object& members) const {
+  const JsonLayout lines = layout();
+  if (object.children.empty()) return {object.begin, object.end, laidOut(members, lines, indentationAt(object.begin))};
+  const Value& last = object.children.back();
+  const bool isOneLine = !document_.source(object).contains('\n');
+  const std::string indentation = indentationAt(last.keyBegin);
+  std::string text;
+  for (const auto& [key, value] : members) {
+    text += isOneLine ? ", " : "," + lines.newline + indentation;
+    text += json::serialize(json::value(key)) + ": ";
+    text += isOneLine ? json::serialize(value) : laidOut(value, lines, indentation);
+  }
+  return {last.end, last.end, text};
+}
+
+// The blanks that begin the line.
+std::string Edits::indentationAt(std::size_t offset) const {
+  const std::string& text = document_.text();
+  const auto newline = text.rfind('\n', offset);
+  const auto begin = newline == std::string::npos ? 0 : newline + 1;
+  const auto end = text.find_first_not_of(" \t", begin);
+  return text.substr(begin, std::min(end, offset) - begin);
+}
+
+// That of the first member, which most documents have in a line of its own.
+JsonLayout Edits::layout() const {
+  JsonLayout layout;
+  const std::string& text = document_.text();
+  if (text.contains("\r\n")) layout.newline = "\r\n";
+  const Value& root = document_.root();
+  if (root.children.empty()) return layout;
+  const auto level = indentationAt(root.children.front().begin);
+  if (!level.empty()) layout.level = level;
+  return layout;
+}
+
+}  // namespace quillon::tools

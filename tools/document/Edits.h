@@ -1,0 +1,46 @@
+// Changes to a document that leave everything else as somebody wrote it: order, indentation and spelling.
+#pragma once
+
+#include <boost/json/object.hpp>
+#include <cstddef>
+#include <map>
+#include <string>
+
+#include "tools/JsonLayout.h"
+#include "tools/document/Document.h"
+
+namespace quillon::tools {
+
+// Collects changes to one document, which must outlive it.
+class Edits {
+ public:
+  explicit Edits(const Document& document) : document_(document) {}
+
+  // Sets what is at a path: a new value takes the place of the old one, a new member is appended to its object, and
+  // missing objects on the way are made. An equal value changes nothing. False when the path leads through something
+  // that is no object, or to a missing element of an array.
+  bool set(const DocumentPath& path, const boost::json::value& value);
+
+  [[nodiscard]] bool isEmpty() const { return replaced_.empty() && added_.empty(); }
+
+  // The changed document.
+  [[nodiscard]] std::string text() const;
+
+ private:
+  // Text in place of what is between two offsets.
+  struct Splice {
+    std::size_t begin;
+    std::size_t end;
+    std::string text;
+  };
+
+  Splice addition(const Value& object, const boost::json::object& members) const;
+  std::string indentationAt(std::size_t offset) const;
+  JsonLayout layout() const;
+
+  const Document& document_;
+  std::map<const Value*, boost::json::value> replaced_;
+  std::map<const Value*, boost::json::object> added_;  // by the object that gets them
+};
+
+}  // namespace quillon::tools

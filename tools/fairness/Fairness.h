@@ -1,0 +1,12 @@
+// Rules of fair asking, as far as a document can break them; docs/fairness.md has their sources.
+#pragma once
+
+#include <span>
+
+#include "tools/validate/Lint.h"
+
+namespace quillon::tools {
+
+[[nodiscard]] std::span<const Rule> fairnessRules();
+
+}  // namespace quillon::tools

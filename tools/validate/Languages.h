@@ -1,0 +1,23 @@
+// The languages of a configuration.
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string_view>
+
+#include "core/Configuration/ConfiguredTexts.h"
+
+namespace quillon::tools {
+
+using Languages = std::set<std::string_view>;
+
+// Those that any of its texts has; labels do not count. The names are the configuration's.
+[[nodiscard]] inline Languages languagesOf(const MainConfiguration& configuration) {
+  Languages languages;
+  forEachText(configuration, NoPath(), [&languages](NoPath, const LocalizedText& text) {
+    for (const auto& [language, words] : text) languages.insert(language);
+  });
+  return languages;
+}
+
+}  // namespace quillon::tools
