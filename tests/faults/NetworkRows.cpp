@@ -331,7 +331,7 @@ std::vector<Row> networkRows() {
       useless("stall-headers", "the servers fall silent within the headers", "Operation t",
               stallingAfter(ok + "Content-")),
       useless("stall-body", "the servers fall silent after half the body", "Operation t", stallingAfter(half)),
-      useless("half-body", "the servers hang up after half the body", "transfer closed with", saying(half)),
+      useless("half-body", "the servers hang up after half the body", "Failed to fetch CDN File: ", saying(half)),
       useless("half-chunk", "the servers hang up before the last chunk", "transfer closed with",
               saying(ok + "Transfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n")),
       useless("no-http", "the servers speak another protocol", "HTTP/0.9", saying("SSH-2.0-OpenSSH_9.2\r\n")),

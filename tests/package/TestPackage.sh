@@ -53,7 +53,9 @@ if [ "$flavour" = shared ]; then
     size=$((size + $(stat -c %s "$work/stripped")))
   done
   echo "core and Linux services: $size bytes stripped, Boost included"
-  [ "$size" -le 1215000 ] || fail "the SDK grew: docs/performance.md says what is in it"
+  most=1215000
+  [ "$url" != libboost_url ] || most=1250000  # what a newer compiler makes of it
+  [ "$size" -le "$most" ] || fail "the SDK grew: docs/performance.md says what is in it"
 fi
 
 [ "$("$prefix/bin/quillon-consent" --version)" = "$(sed -n 's/#define QUILLON_VERSION "\(.*\)"/\1/p' "$prefix/include/quillon/version.h")" ] ||

@@ -12,7 +12,7 @@ Sheet {
     readonly property int seenAtFirst: 4
 
     function openFirstPurpose() {
-        cards.itemAt(0)?.item?.toggleDetails()
+        cards.itemAt(0)?.item?.toggleDetails() // qmllint disable
     }
 
     banner: model.banner
