@@ -108,8 +108,8 @@ class KeyValueSuite {
 
   // Passes on the content: now, and whenever it has changed, as early as a snapshot shows it and whether or not anybody
   // takes one. One call at a time, in the order of the commits, with the suite locked, on the thread of the update or
-  // any other: the follower must neither block, throw nor call the suite. `changes` holds all keys that may differ since
-  // the call before; null: any may. Dropping the handle ends the calls; one may still be running then.
+  // any other: the follower must neither block, throw nor call the suite. `changes` holds all keys that may differ
+  // since the call before; null: any may. Dropping the handle ends the calls; one may still be running then.
   using Follower = std::function<void(const SuiteEntries& entries, const SuiteChanges* changes)>;
   [[nodiscard]] virtual std::shared_ptr<void> follow(Follower follower) = 0;
 

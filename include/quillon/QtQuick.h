@@ -15,8 +15,8 @@ namespace quillon {
 struct QtQuickOptions {
   /// Dark mode. Default: follows the application's palette, and the desktop's colour scheme where that is dark.
   std::optional<bool> isDark = std::nullopt;
-  /// Text scale, clamped to 0.5 to 3. Default: the screen's logical density divided by 96 dots per inch; where that is 1,
-  /// the desktop's factor for text.
+  /// Text scale, clamped to 0.5 to 3. Default: the screen's logical density divided by 96 dots per inch; where that is
+  /// 1, the desktop's factor for text.
   std::optional<double> textScale = std::nullopt;
   /// Disables animations, also where the desktop does not.
   bool isMotionReduced = false;
@@ -50,8 +50,8 @@ struct QtQuickOptions {
 ///
 /// Before acting, pages read `allowed` of a `PurposeConsent { purposeId: 2 }` or `PermissionConsent { permission:
 /// "NSCameraUsageDescription" }`, call `Consent.isAllowed(2)`, which is ConsentSDK::isAllowed(), or use `ConsentGate {
-/// purposeId: 2; onAllowed: ...; onDenied: ... }`, which is ConsentSDK::whileAllowed(). The singleton `Consent` also has
-/// `ready`, `status`, `bannerDue`, `language`, `presentBanner()`, `presentPreferenceCenter()` and `openLink()`.
+/// purposeId: 2; onAllowed: ...; onDenied: ... }`, which is ConsentSDK::whileAllowed(). The singleton `Consent` also
+/// has `ready`, `status`, `bannerDue`, `language`, `presentBanner()`, `presentPreferenceCenter()` and `openLink()`.
 ///
 /// Call it on the main thread, once per engine and before its first page is loaded. The SDK must outlive the engine.
 ///

@@ -31,8 +31,8 @@ class SDKLogger {
   [[nodiscard]] LogLevel logLevel() const noexcept { return logLevel_.load(std::memory_order_relaxed); }
   void setLogLevel(LogLevel level) noexcept { logLevel_.store(level, std::memory_order_relaxed); }
 
-  /// Writes @p message unless @p level is below the threshold or `off`. The function name, the source file (last path component)
-  /// and the line are written only at threshold debug. Never fails.
+  /// Writes @p message unless @p level is below the threshold or `off`. The function name, the source file (last path
+  /// component) and the line are written only at threshold debug. Never fails.
   void log(std::string_view message, LogLevel level, std::string_view functionName, std::string_view fileName,
            int lineNnumber);
 

@@ -24,8 +24,8 @@ class WorkLoop;
 
 // Followers get the published content; while there are any, or observers, the pool probes the file for commits of other
 // processes whenever it changes. Snapshots are copies of it, and who takes one probes at intervals, unless an update of
-// this process holds the connection. Must not be used across a fork. The folder must exist and its path contain no links. A file held by another
-// process at the start is loaded once it is released.
+// this process holds the connection. Must not be used across a fork. The folder must exist and its path contain no
+// links. A file held by another process at the start is loaded once it is released.
 class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_this<SqliteSuite> {
  public:
   // Waits up to `openWait` for another process that holds the file. The error, with path and reason, when the file can

@@ -11,8 +11,8 @@
 
 namespace quillon::test {
 
-// Whether every way past the filter can be closed. Where it cannot, the library refuses the engine, and the tests accept
-// it for the sake of all others.
+// Whether every way past the filter can be closed. Where it cannot, the library refuses the engine, and the tests
+// accept it for the sake of all others.
 inline bool isEngineClosed = false;
 
 struct WebWorld : testing::Test {

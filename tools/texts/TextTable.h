@@ -30,8 +30,8 @@ struct TextTable {
   std::vector<TextRow> rows = {};      // texts in the order of the document, then labels
 };
 
-// With further languages that the configuration does not have yet. Labels that the configuration does not word are ours,
-// in the languages that we have.
+// With further languages that the configuration does not have yet. Labels that the configuration does not word are
+// ours, in the languages that we have.
 [[nodiscard]] TextTable textTable(const MainConfiguration& configuration, const std::vector<std::string>& further = {});
 
 // A text that came back.

@@ -17,8 +17,8 @@ constexpr char16_t softHyphen = 0xAD;
 constexpr qsizetype longestWord = 100;
 constexpr qsizetype largestFile = qsizetype{4} << 20;
 
-// Patterns after Liang: letters with numbers between them, of which the largest at a place counts; a word may be divided
-// where that is odd. The usual library for the same files takes seconds to read the German one.
+// Patterns after Liang: letters with numbers between them, of which the largest at a place counts; a word may be
+// divided where that is odd. The usual library for the same files takes seconds to read the German one.
 class Level {
  public:
   // Such as "1ba", ".ab3c" or "te2st.".

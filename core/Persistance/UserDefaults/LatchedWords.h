@@ -13,10 +13,10 @@
 namespace quillon {
 
 // A sequence latch. There are two equal copies: readers use one while the writer changes the other, then the two change
-// places, and the writer repeats the change. A reader that was overtaken reads again, so each read is of one moment, and
-// a later read of a later one. Readers take no lock, write nothing and allocate nothing, and a writer that is stopped
-// anywhere stops none of them. Everything they touch is atomic and stays allocated: outgrown arrays, half as large
-// each, are kept.
+// places, and the writer repeats the change. A reader that was overtaken reads again, so each read is of one moment,
+// and a later read of a later one. Readers take no lock, write nothing and allocate nothing, and a writer that is
+// stopped anywhere stops none of them. Everything they touch is atomic and stays allocated: outgrown arrays, half as
+// large each, are kept.
 class LatchedWords {
  public:
   using Key = std::uint64_t;
@@ -93,8 +93,8 @@ class LatchedWords {
     std::vector<Edit> names = {};
     Word header = 0;
   };
-  // Shows the change as a whole. One call at a time. Out of memory it throws and changes nothing; without edits it needs
-  // no memory.
+  // Shows the change as a whole. One call at a time. Out of memory it throws and changes nothing; without edits it
+  // needs no memory.
   void apply(const Change& change);
 
   // For the writer: the header, and the keys that have a word.

@@ -26,7 +26,8 @@ class Inflation {
   Inflation(const Inflation&) = delete;
   Inflation& operator=(const Inflation&) = delete;
 
-  // False once there is more than the limit. What follows an error or the end is left to the decoder, which stops there.
+  // False once there is more than the limit. What follows an error or the end is left to the decoder, which stops
+  // there.
   bool add(std::string_view data, std::uint64_t limit) {
     stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));  // zlib does not write there
     stream_.avail_in = static_cast<uInt>(data.size());

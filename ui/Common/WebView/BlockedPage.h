@@ -21,8 +21,8 @@ class BlockedPage {
   // Ours, in a language. Its direction is that of its heading.
   static BlockedPage own(const std::optional<BannerConfig>& banner, std::string_view language);
 
-  // The host application's page of that name, with or without ".html"; nothing when it is missing or not UTF-8, which is
-  // logged. Reads a file.
+  // The host application's page of that name, with or without ".html"; nothing when it is missing or not UTF-8, which
+  // is logged. Reads a file.
   static std::optional<BlockedPage> configured(std::string_view name, const HostApplication& host, const UnitLog& log);
 
   // The page for an address, which may be any text. Longer ones than any that opens are cut; what is not UTF-8 becomes

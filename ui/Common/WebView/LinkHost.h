@@ -20,7 +20,8 @@ struct LinkHost {
 // here and by the browser would pass for another: whatever has more than one reading is refused. An international name
 // must be what its encoding stands for, capitals of the Latin, Greek and Cyrillic scripts aside: nothing is mapped
 // (full-width letters, soft hyphens, other full stops), and an encoded label ("xn--...") must be the one that its text
-// is encoded to. Underscores pass, since lists and browsers agree on them; an IPv6 address is written as RFC 5952 has it.
+// is encoded to. Underscores pass, since lists and browsers agree on them; an IPv6 address is written as RFC 5952 has
+// it.
 [[nodiscard]] std::expected<LinkHost, LinkRefusal> linkHost(std::string_view host);
 
 }  // namespace quillon
