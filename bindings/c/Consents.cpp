@@ -165,7 +165,7 @@ void quillon_get_history(size_t count, int64_t before,
       for (const HistoryEntry& entry : page.entries) {
         records.push_back(inC(entry.decision));
         records.back().number = entry.number;
-        records.back().upload = rawValue(entry.upload).data();
+        records.back().upload = word(entry.upload);
       }
       callback(addresses(records).data(), records.size(), page.before.value_or(0), page.damaged, context);
     });
@@ -178,7 +178,7 @@ void quillon_explain(int64_t purpose_id, void (*callback)(const quillon_explanat
     if (callback == nullptr) return;
     sdk().explain(purpose_id, [=](const ConsentExplanation& explanation) {
       const quillon_explanation record{.consent = inC(explanation.status),
-                                       .cause = explanation.cause ? rawValue(*explanation.cause).data() : nullptr,
+                                       .cause = explanation.cause ? word(*explanation.cause) : nullptr,
                                        .time = explanation.time.value_or(0),
                                        .text = explanation.text.c_str()};
       callback(&record, context);

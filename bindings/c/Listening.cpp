@@ -36,7 +36,7 @@ quillon_listening* quillon_listen_to_screens(void (*callback)(const char* screen
   return guarded([&]() -> quillon_listening* {
     if (callback == nullptr) return nullptr;
     return handle(sdk().listenToScreens(
-        [=](const ScreenEvent& event) { callback(rawValue(event.screen).data(), event.isShown ? 1 : 0, context); }));
+        [=](const ScreenEvent& event) { callback(word(event.screen), event.isShown ? 1 : 0, context); }));
   });
 }
 

@@ -62,6 +62,12 @@ inline std::string inUsersLanguage(const std::optional<LocalizedText>& texts) {
   return texts ? textIn(sdk().screens()->language(), *texts) : std::string();
 }
 
+// The text of an enumerator: a literal, so it ends in a zero.
+template <class Enumeration>
+const char* word(Enumeration value) noexcept {
+  return rawValue(value).data();  // NOLINT(bugprone-suspicious-stringview-data-usage)
+}
+
 // Valid as long as the decision.
 inline quillon_decision inC(const Decision& decision) {
   return {.number = 0,
@@ -70,8 +76,8 @@ inline quillon_decision inC(const Decision& decision) {
           .permission = decision.permission ? decision.permission->rawValue().c_str() : nullptr,
           .from = inC(decision.from.value_or(ConsentStatus::notDetermined)),
           .to = inC(decision.to),
-          .cause = rawValue(decision.cause).data(),
-          .given_type = rawValue(decision.givenType).data(),
+          .cause = word(decision.cause),
+          .given_type = word(decision.givenType),
           .configuration_version = decision.configurationVersion,
           .compliance = inC(std::optional(decision.complianceType)),
           .language = decision.language.c_str(),
@@ -81,7 +87,7 @@ inline quillon_decision inC(const Decision& decision) {
 // Valid as long as the explanation.
 inline quillon_banner_explanation inC(const BannerExplanation& explanation) {
   return {.is_due = explanation.isDue ? 1 : 0,
-          .reason = rawValue(explanation.reason).data(),
+          .reason = word(explanation.reason),
           .expires = explanation.expires.value_or(0),
           .version = explanation.version.value_or(0),
           .text = explanation.text.c_str()};

@@ -51,7 +51,7 @@ std::string FileWatch::watch() {
   FileDescriptor descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
   if (!descriptor) return systemError("watch", file_);
   boost::system::error_code error;
-  events_.assign(descriptor.get(), error);
+  (void)events_.assign(descriptor.get(), error);
   if (error) return "watch " + file_.string() + ": " + error.message();
   (void)descriptor.release();
   return addFolder() ? std::string() : systemError("watch", file_.parent_path());

@@ -27,9 +27,7 @@ std::vector<PurposeState> ConsentTable::purposes(std::span<const std::int64_t> i
 
 PermissionState ConsentTable::permission(std::string_view name) const noexcept {
   const auto [header, word] = words_.read([name](const LatchedWords::Copy& copy) {
-    const auto isName = [name](LatchedWords::Key found) {
-      return *reinterpret_cast<const std::string*>(found) == name;
-    };
+    const auto isName = [name](LatchedWords::Key found) { return LatchedWords::nameOf(found) == name; };
     return std::pair(copy.header.load(std::memory_order_acquire), copy.names.find(LatchedWords::hashOf(name), isName));
   });
   PermissionState state;

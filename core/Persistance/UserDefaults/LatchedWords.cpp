@@ -15,7 +15,7 @@ std::size_t hashOfNumber(LatchedWords::Key key) {
 }
 
 std::size_t hashOfName(LatchedWords::Key key) {
-  return LatchedWords::hashOf(std::string_view(*reinterpret_cast<const std::string*>(key)));
+  return LatchedWords::hashOf(LatchedWords::nameOf(key));
 }
 
 }  // namespace

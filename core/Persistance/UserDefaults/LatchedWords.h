@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -101,6 +102,10 @@ class LatchedWords {
   [[nodiscard]] Word header() const noexcept { return inUse().header.load(std::memory_order_relaxed); }
   [[nodiscard]] std::vector<Key> keys(Index Copy::* index) const;
 
+  // Of a key among the names.
+  [[nodiscard]] static std::string_view nameOf(Key key) noexcept {
+    return *reinterpret_cast<const std::string*>(key);  // NOLINT(performance-no-int-to-ptr)
+  }
   [[nodiscard]] static std::size_t hashOf(Key number) noexcept {
     return static_cast<std::size_t>((number * 0x9e3779b97f4a7c15) >> 32);
   }
