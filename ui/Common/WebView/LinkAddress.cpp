@@ -1,7 +1,6 @@
 #include "ui/Common/WebView/LinkAddress.h"
 
 #include <algorithm>
-#include <boost/url/encode.hpp>
 #include <boost/url/parse.hpp>
 
 #include "core/Text/Ascii.h"
@@ -59,8 +58,18 @@ bool isSoundPort(std::string_view port) {
   return port.find_first_not_of(decimalDigits) == std::string_view::npos && std::stoi(std::string(port)) <= 65535;
 }
 
-std::string percentEncoded(std::string_view text) {
-  return boost::urls::encode(text, [](char c) { return !isBeyondAscii(c); });
+// The library's own encoding takes no text that has some percent-encoding already.
+std::string percentEncoded(std::string_view text, bool (*isEncoded)(char)) {
+  std::string result;
+  for (const char c : text) {
+    if (isEncoded(c)) {
+      result += '%';
+      appendHex(result, c, upperHexDigits);
+    } else {
+      result += c;
+    }
+  }
+  return result;
 }
 
 // Brackets, braces and bars of the path, the query and the fragment have one reading, though the grammar wants them
@@ -70,7 +79,7 @@ std::string withEncodedBrackets(std::string_view address) {
   const std::size_t begin = std::min(address.find(authority), address.size() - 1) + 1;
   const std::size_t rest = std::min(address.find_first_of("/?#", begin + authority.size() - 1), address.size());
   return std::string(address.substr(0, rest)) +
-         boost::urls::encode(address.substr(rest), [](char c) { return !std::string_view("[]{}|").contains(c); });
+         percentEncoded(address.substr(rest), [](char c) { return std::string_view("[]{}|").contains(c); });
 }
 
 // Why the grammar does not take it.
@@ -115,7 +124,7 @@ std::expected<LinkAddress, LinkRefusal> parseLink(std::string_view address) {
   std::string text = (isSecure ? "https://" : "http://") + host->text;
   if (pieces->port) text.append(":").append(*pieces->port);
   if (!pieces->rest.starts_with('/')) text += '/';
-  text += percentEncoded(pieces->rest);
+  text += percentEncoded(pieces->rest, isBeyondAscii);
   if (text.size() > longestLink) return std::unexpected(LinkRefusal::tooLong);
   return LinkAddress{.text = std::move(text), .host = *std::move(host)};
 }
