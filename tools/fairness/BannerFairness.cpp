@@ -85,7 +85,7 @@ void answersAreAlike(const MainConfiguration& configuration, const Report& repor
     if (!banner.accept || !banner.reject) return;
     for (const auto& [language, refusing] : *banner.reject) {
       const auto accepting = textIn(language, *banner.accept);
-      const auto [shorter, longer] = std::minmax(lengthOf(accepting), lengthOf(refusing));
+      const auto [shorter, longer] = std::minmax({lengthOf(accepting), lengthOf(refusing)});
       const auto place = path.at("reject").at(language);
       if (longer > longLabel && longer > 3 * shorter) {
         report(place, "is of another length than the button that accepts: " + inQuotes(refusing) + " and " +
