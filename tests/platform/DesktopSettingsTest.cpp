@@ -1,13 +1,15 @@
 // What the desktop says about how things look, from a portal on a private bus.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
+#include <mutex>
 #include <optional>
 
 #include "platform/linux/LinuxDesktopSettings.h"
 #include "tests/platform/Environment.h"
 #include "tests/platform/PrivateBus.h"
-#include "tests/platform/Signal.h"
 
 namespace quillon::test {
 namespace {
@@ -32,8 +34,12 @@ TEST_F(DesktopSettingsTest, FollowsThePortalAndTakesOnlyWhatHasItsForm) {
   BusPeer portal(bus_->address(), portalName, {{"ReadAll", noPreference}});
   LinuxDesktopSettings settings;
   EXPECT_EQ(settings.appearance(), DesktopAppearance()) << "nobody has asked";
-  std::optional<Signal> changed(std::in_place);
-  const auto subscription = settings.observe([&] { changed->set(); });
+  std::mutex mutex;
+  std::condition_variable changed;
+  const auto subscription = settings.observe([&] {
+    const std::lock_guard lock(mutex);  // so that nobody begins to wait in between
+    changed.notify_all();
+  });
   const struct {
     const char* settings;
     DesktopAppearance appearance;
@@ -52,12 +58,12 @@ TEST_F(DesktopSettingsTest, FollowsThePortalAndTakesOnlyWhatHasItsForm) {
       {"({'org.freedesktop.appearance': {'color-scheme': <uint32 1>}},)", {.prefersDark = true}},
   };
   for (const auto& [said, appearance] : rows) {
-    changed.emplace();
     portal.reply("ReadAll", said);
     portal.emit("/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged",
                 "('org.freedesktop.appearance', 'color-scheme', <uint32 1>)");
-    EXPECT_TRUE(changed->wait()) << said;
-    EXPECT_EQ(settings.appearance(), appearance) << said;
+    std::unique_lock lock(mutex);
+    const auto isFollowed = [&, &expected = appearance] { return settings.appearance() == expected; };
+    EXPECT_TRUE(changed.wait_for(lock, std::chrono::seconds(10), isFollowed)) << said;
   }
 }
 
