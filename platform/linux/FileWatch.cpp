@@ -51,7 +51,7 @@ std::string FileWatch::watch() {
   FileDescriptor descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
   if (!descriptor) return systemError("watch", file_);
   boost::system::error_code error;
-  (void)events_.assign(descriptor.get(), error);
+  events_.assign(descriptor.get(), error);  // NOLINT(bugprone-unused-return-value): it is this error
   if (error) return "watch " + file_.string() + ": " + error.message();
   (void)descriptor.release();
   return addFolder() ? std::string() : systemError("watch", file_.parent_path());
