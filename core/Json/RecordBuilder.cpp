@@ -38,24 +38,6 @@ bool areSame(std::string_view left, std::string_view right) {
   return wordAt(left.data() + last) == wordAt(right.data() + last);
 }
 
-std::string_view expectation(Kind kind) {
-  switch (kind) {
-    case Kind::boolean:
-      return "expected a boolean";
-    case Kind::integer:
-      return "expected an integer";
-    case Kind::text:
-    case Kind::symbol:
-      return "expected a string";
-    case Kind::array:
-      return "expected an array";
-    case Kind::map:
-    case Kind::record:
-      return "expected an object";
-  }
-  return {};
-}
-
 // Truncates at a character boundary and escapes control characters.
 void appendQuote(std::string& message, std::string_view text) {
   std::string_view shown = text.substr(0, kLongestQuote);
@@ -75,6 +57,24 @@ void appendQuote(std::string& message, std::string_view text) {
 }
 
 }  // namespace
+
+std::string_view expectation(Kind kind) {
+  switch (kind) {
+    case Kind::boolean:
+      return "expected a boolean";
+    case Kind::integer:
+      return "expected an integer";
+    case Kind::text:
+    case Kind::symbol:
+      return "expected a string";
+    case Kind::array:
+      return "expected an array";
+    case Kind::map:
+    case Kind::record:
+      return "expected an object";
+  }
+  return {};
+}
 
 RecordBuilder::RecordBuilder(std::string_view document, const JsonType& type, void* record)
     : document_(document), levels_(kDeepestNesting + 1), target_{.type = &type, .place = record} {}

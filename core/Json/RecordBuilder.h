@@ -17,6 +17,9 @@ inline constexpr std::size_t kDeepestNesting = 64;
 /// Memory limit of a decoded document: a short text must not expand into many large structures.
 inline constexpr std::size_t kLargestRecord = std::size_t{256} << 20;
 
+/// What is wrong with a value of another kind, such as "expected an integer".
+[[nodiscard]] std::string_view expectation(JsonType::Kind kind);
+
 /// Builds one structure. Each event returns whether to continue; after a rejection error() gives the reason.
 class RecordBuilder {
  public:

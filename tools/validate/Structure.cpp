@@ -7,6 +7,7 @@
 #include <memory>
 #include <unordered_set>
 
+#include "core/Json/RecordBuilder.h"
 #include "core/Json/WholeNumber.h"
 #include "tools/document/Symbols.h"
 #include "tools/validate/Spelling.h"
@@ -15,24 +16,6 @@ namespace quillon::tools {
 namespace {
 
 using Kind = JsonType::Kind;
-
-std::string_view expectation(Kind kind) {
-  switch (kind) {
-    case Kind::boolean:
-      return "expected a boolean";
-    case Kind::integer:
-      return "expected an integer";
-    case Kind::text:
-    case Kind::symbol:
-      return "expected a string";
-    case Kind::array:
-      return "expected an array";
-    case Kind::map:
-    case Kind::record:
-      return "expected an object";
-  }
-  return {};
-}
 
 Value::Kind jsonKind(Kind kind) {
   switch (kind) {
@@ -80,10 +63,10 @@ class Check {
     if (!type) {
       eachChild(value, [this](const Value& child, const std::string*) { this->value(child, nullptr, true); });
     } else if (value.kind == Value::Kind::null) {
-      if (!mayBeNull) error(value.begin, std::string(expectation(type->kind)));
+      if (!mayBeNull) error(value.begin, std::string(json::expectation(type->kind)));
     } else if (value.kind != jsonKind(type->kind) ||
                (type->kind == Kind::integer && !isWhole(document_.source(value)))) {
-      error(value.begin, std::string(expectation(type->kind)));
+      error(value.begin, std::string(json::expectation(type->kind)));
     } else if (type->kind == Kind::symbol) {
       symbol(value, *type);
     } else if (type->kind == Kind::record) {
