@@ -98,6 +98,8 @@ class ConfigurationLoader {
   bool reconcile(const ConfigurationPointer& configuration);
   void warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration);
   Served served(const SessionPointer& session, ConfigurationPointer cached) const;
+  // What serves the session now. During a wait another process may have saved a newer document than `earlier`.
+  ConfigurationPointer newest(const SessionPointer& session, ConfigurationPointer earlier);
   bool isFresh(const Served& cached);
   void setReady(const SessionPointer& session, SDKStatus status);
 

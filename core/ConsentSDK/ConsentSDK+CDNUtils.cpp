@@ -100,7 +100,8 @@ std::unique_ptr<Timer> ConfigurationLoader::serveAfter(const SessionPointer& ses
   if (!limit || inForce()) return nullptr;
   return s_.platform.clock->after(*limit, s_.work.whileAlive([this, session, flight, cached] {
     s_.work.start([this, session, flight, cached]() mutable -> Task<void> {
-      const ConfigurationPointer substitute = cached ? cached : bundled_.get();
+      const ConfigurationPointer stored = newest(session, cached);
+      const ConfigurationPointer substitute = stored ? stored : bundled_.get();
       const std::function<bool()> isWanted = [flight] { return !flight->isOver; };
       if (substitute && !co_await apply(session, substitute, isWanted)) co_return;
       if (!flight->isOver) setReady(session, substitute ? SDKStatus::ready : SDKStatus::unavailable);
@@ -134,6 +135,11 @@ ConfigurationLoader::Served ConfigurationLoader::served(const SessionPointer& se
   return {std::move(cached)};
 }
 
+ConfigurationPointer ConfigurationLoader::newest(const SessionPointer& session, ConfigurationPointer earlier) {
+  auto present = cache_.readCDNFile(true);
+  return served(session, present ? std::move(present) : std::move(earlier)).configuration;
+}
+
 Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session, ConfigurationPointer cached) {
   const UnitLog log(s_.logger, unit::cdnUtils);
   for (;;) {
@@ -153,11 +159,11 @@ Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session,
       // Closing during a download is not a failure.
       log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error,
           "Failed to fetch CDN File: " + description(downloaded.error()), function);
-      co_return cached;
+      co_return newest(session, std::move(cached));
     }
     if (!sentTag || (cached && sentTag == cachedTag)) {
       log(LogLevel::info, "CDN Configuration is up to date", function);
-      co_return cached;
+      co_return newest(session, std::move(cached));
     }
     // 304 refers to a document that was never saved, or is gone. Request it again without the tag.
     s_.store.remove(key::etag);
