@@ -20,7 +20,7 @@ void run(Device& device, Operation operation, int purposes, bool granted) {
     case Operation::save: {
       std::map<std::int64_t, bool> choices;
       for (int id = 1; id <= purposes; ++id) choices.emplace(id, granted);
-      device.screens().save(choices);
+      device.screens().save(choices, {});
       device.sdk().settled().wait();
       break;
     }

@@ -37,7 +37,7 @@ void saveChoices(benchmark::State& state) {
     granted = !granted;
     std::map<std::int64_t, bool> choices;
     for (int id = 1; id <= manyChanges; ++id) choices.emplace(id, granted);
-    if (!device.screens().save(choices)) state.SkipWithError("not stored");
+    if (!device.screens().save(choices, {})) state.SkipWithError("not stored");
     device.sdk().settled().wait();
   }
 }

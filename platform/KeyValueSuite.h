@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <expected>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -74,13 +75,30 @@ struct SuiteUpdate {
   std::function<Marking(const std::vector<JournalRecord>& unmarked)> markRecords = {};
   std::map<std::int64_t, std::string> marks = {};
   std::vector<std::string> appended = {};  // texts, in this order
+  // Receives the newest record before the update, if any, as a page of one, and returns texts that follow `appended` and
+  // further changes. Same rules as for `markRecords`.
+  struct Appending {
+    std::vector<std::string> texts = {};
+    SuiteChanges changes = {};
+  };
+  std::function<Appending(const JournalPage& newest)> appendAfter = {};
 
-  // For suite implementations: calls `markRecords` and merges its result.
-  void complete(const std::vector<JournalRecord>& unmarked) {
-    if (!markRecords) return;
+  // For suite implementations: call `markRecords` and `appendAfter`, where given, and merge the results.
+  void completeMarks(const std::vector<JournalRecord>& unmarked) {
     Marking marking = markRecords(unmarked);
     marks.merge(marking.marks);
-    for (auto& [key, value] : marking.changes) changes.insert_or_assign(key, std::move(value));
+    merge(std::move(marking.changes));
+  }
+  void completeAppended(const JournalPage& newest) {
+    Appending appending = appendAfter(newest);
+    appended.insert(appended.end(), std::make_move_iterator(appending.texts.begin()),
+                    std::make_move_iterator(appending.texts.end()));
+    merge(std::move(appending.changes));
+  }
+
+ private:
+  void merge(SuiteChanges further) {
+    for (auto& [key, value] : further) changes.insert_or_assign(key, std::move(value));
   }
 };
 

@@ -31,6 +31,7 @@ class SDKLogger;
 struct ScreenContent {
   std::shared_ptr<const MainConfiguration> configuration;  // null when there is none
   std::optional<BannerConfig> banner;                      // for the user's location, with interface texts
+  std::string place;                                       // the location known; empty without one
 };
 
 struct ScreenFonts {
@@ -53,11 +54,16 @@ class ScreenServices {
   virtual std::vector<Purpose> purposes() = 0;
   virtual std::vector<AppPermission> permissions() = 0;
 
-  // The user's decisions. Stored on return, uploaded in the background. False when not stored.
-  virtual bool answer(bool accept) = 0;
-  virtual bool save(const std::map<std::int64_t, bool>& selectedPurposes) = 0;
+  // Background threads only: keeps the canonical text (RFC 8785) of what a screen shows and returns its SHA-256 digest,
+  // by which decisions name it.
+  virtual std::string keepNotice(std::string text) = 0;
+
+  // The user's decisions on a screen, with the digest of what it showed. Stored on return, uploaded in the background.
+  // False when not stored.
+  virtual bool answer(bool accept, const std::string& notice) = 0;
+  virtual bool save(const std::map<std::int64_t, bool>& selectedPurposes, const std::string& notice) = 0;
   // The banner was shown and not answered.
-  virtual bool recordDefaults() = 0;
+  virtual bool recordDefaults(const std::string& notice) = 0;
   // Stops the settings prompt from being offered again.
   virtual void closeSettingsPrompt() = 0;
 

@@ -11,9 +11,16 @@ namespace quillon::tools {
 
 [[nodiscard]] inline boost::json::object toJson(const HistoryEntry& entry) {
   boost::json::object object{{"number", entry.number}};
-  const auto decision = boost::json::parse(encode(entry.decision));
-  for (const auto& [key, value] : decision.as_object()) object.emplace(key, value);
+  const auto decision = boost::json::parse(encode(entry.decision)).as_object();
+  // What people look for first; the canonical form is sorted.
+  for (const char* key : {"time", "purpose_id", "permission", "from", "to", "cause", "given_type",
+                          "configuration_version"}) {
+    if (const auto* value = decision.if_contains(key)) object.emplace(key, *value);
+  }
+  for (const auto& [key, value] : decision) object.emplace(key, value);
   object.emplace("upload", rawValue(entry.upload));
+  object.emplace("link", rawValue(entry.link));
+  object.emplace("hash", entry.hash);
   return object;
 }
 

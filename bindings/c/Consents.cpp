@@ -166,6 +166,8 @@ void quillon_get_history(size_t count, int64_t before,
         records.push_back(inC(entry.decision));
         records.back().number = entry.number;
         records.back().upload = word(entry.upload);
+        records.back().link = word(entry.link);
+        records.back().hash = entry.hash.c_str();
       }
       callback(addresses(records).data(), records.size(), page.before.value_or(0), page.damaged, context);
     });

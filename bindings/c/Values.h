@@ -81,7 +81,10 @@ inline quillon_decision inC(const Decision& decision) {
           .configuration_version = decision.configurationVersion,
           .compliance = inC(std::optional(decision.complianceType)),
           .language = decision.language.c_str(),
-          .upload = nullptr};
+          .upload = nullptr,
+          .notice = decision.notice ? decision.notice->c_str() : nullptr,
+          .link = nullptr,
+          .hash = nullptr};
 }
 
 // Valid as long as the explanation.

@@ -37,12 +37,25 @@ void write(StoreTransaction& transaction, const ConfigurationInForce& inForce) {
 }  // namespace
 
 void ConfigurationInForce::restore(StoreTransaction& transaction) const {
+  const auto& version = configuration->version;
+  const bool isOutdated = version && *version < transaction.integer(key::configurationVersion, 0);
+  if (!*isStored && !isOutdated) return write(transaction, *this);
   if (!type || transaction.string(key::currentComplianceType)) return;
   writeValues(transaction, *this);
   // Whoever has answered since is not asked again: it was the same question.
   if (configuration->version && transaction.integer(key::configurationVersion, 0) == 0) {
     transaction.set(key::configurationVersion, *configuration->version);
   }
+}
+
+bool ConfigurationLoader::transact(const UserDefaultManager::Edit& edit) {
+  const auto present = inForce();
+  const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
+    if (present) present->restore(transaction);
+    edit(transaction);
+  });
+  if (stored && present) *present->isStored = true;
+  return stored;
 }
 
 Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, ConfigurationPointer configuration,
@@ -66,6 +79,7 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
     if (isCurrent) write(transaction, *inForce);
   });
   if (!isCurrent) co_return std::nullopt;
+  *inForce->isStored = isStored;
   {
     const std::scoped_lock lock(mutex_);
     inForce_ = inForce;

@@ -1,6 +1,7 @@
 // Loads and applies the configuration of a session.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -26,8 +27,10 @@ struct ConfigurationInForce {
   std::optional<ComplianceType> type;  // of the banner for the user's location; nullopt without a banner
   std::string bannerInterval;
   PurposeTerms terms;
+  std::shared_ptr<std::atomic<bool>> isStored = std::make_shared<std::atomic<bool>>(false);
 
-  // Stores its values again if another process has removed them: a default without a compliance type is granted.
+  // Stores its values if they could not be stored before, or if another process has removed them: a default under an
+  // earlier compliance type, or under none, is granted where this one asks.
   void restore(StoreTransaction& transaction) const;
 };
 
@@ -58,6 +61,8 @@ class ConfigurationLoader {
   ConfigurationPointer current();
   // The configuration applied last; null before the first and after close().
   std::shared_ptr<const ConfigurationInForce> inForce() const;
+  // As the store's, for decisions that depend on the configuration in force, whose values are stored first if missing.
+  bool transact(const UserDefaultManager::Edit& edit);
 
   // Updates stored consents to privacy signals and the session's mapping of them. True when a consent changed.
   bool honourSignals();

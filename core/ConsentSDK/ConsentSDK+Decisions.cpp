@@ -1,4 +1,5 @@
 #include "core/ConsentSDK/DecisionRecorder.h"
+#include "core/History/NoticeArchive.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
@@ -6,7 +7,8 @@ namespace quillon {
 
 bool DecisionRecorder::set(const Purpose& purpose, ConsentStatus consent) {
   if (!purpose.purposeId) return false;
-  const DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  context.notice = applicationsNotice;
   const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
     PurposeManager::setConsent(transaction, {*purpose.purposeId, consent, DecisionCause::user}, context);
   });
@@ -36,7 +38,8 @@ void DecisionRecorder::warn(const Purpose& purpose, ConsentStatus consent) {
 
 bool DecisionRecorder::set(const AppPermission& permission, ConsentStatus consent) {
   if (!permission.permissionId || key::isReserved(permission.permissionId->rawValue())) return false;
-  const DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  context.notice = applicationsNotice;
   return s_.store.transact([&](StoreTransaction& transaction) {
     PermissionManager::setConsent(transaction, *permission.permissionId, consent, DecisionCause::user, context);
   });
@@ -45,14 +48,10 @@ bool DecisionRecorder::set(const AppPermission& permission, ConsentStatus consen
 void DecisionRecorder::recordDefaults(const ConfigurationPointer& configuration) {
   const PurposeManager manager = s_.loader.purposes(configuration);
   const DecisionContext context = s_.sessions.context(GivenType::implicitly);
-  const auto inForce = s_.loader.inForce();
-  s_.store.transact([&](StoreTransaction& transaction) {
-    if (inForce) inForce->restore(transaction);
-    manager.recordDefaults(transaction, context);
-  });
+  s_.loader.transact([&](StoreTransaction& transaction) { manager.recordDefaults(transaction, context); });
 }
 
-DecisionRecorder::FollowUp DecisionRecorder::store(const Write& write) {
+DecisionRecorder::FollowUp DecisionRecorder::store(std::string notice, const Write& write) {
   const ConfigurationPointer configuration = s_.loader.current();
   if (!configuration) {
     UnitLog(s_.logger, unit::decisions)(LogLevel::error, "There is no configuration whose purposes could be answered",
@@ -60,10 +59,9 @@ DecisionRecorder::FollowUp DecisionRecorder::store(const Write& write) {
     return {};
   }
   const PurposeManager manager = s_.loader.purposes(configuration);
-  const DecisionContext context = s_.sessions.context(GivenType::explicitly);
-  const auto inForce = s_.loader.inForce();
-  const bool stored = s_.store.transact([&](StoreTransaction& transaction) {
-    if (inForce) inForce->restore(transaction);
+  DecisionContext context = s_.sessions.context(GivenType::explicitly);
+  context.notice = std::move(notice);
+  const bool stored = s_.loader.transact([&](StoreTransaction& transaction) {
     const GivenType given = write(manager, transaction, context);
     // The answer counts even without purposes, and when no purpose changed.
     transaction.setGivenType(given);
@@ -87,18 +85,20 @@ Task<void> DecisionRecorder::storePermissions(ConfigurationPointer configuration
   co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
-DecisionRecorder::FollowUp DecisionRecorder::answer(bool accept) {
-  return store([accept](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
-    for (const auto& resolution : manager.answer(accept, transaction)) {
-      PurposeManager::setConsent(transaction, resolution, context);
-    }
-    return GivenType::explicitly;
-  });
+DecisionRecorder::FollowUp DecisionRecorder::answer(bool accept, std::string notice) {
+  return store(std::move(notice),
+               [accept](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
+                 for (const auto& resolution : manager.answer(accept, transaction)) {
+                   PurposeManager::setConsent(transaction, resolution, context);
+                 }
+                 return GivenType::explicitly;
+               });
 }
 
-DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, bool>& selectedPurposes) {
-  return store([&selectedPurposes](const PurposeManager& manager, StoreTransaction& transaction,
-                                   const DecisionContext& context) {
+DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, bool>& selectedPurposes,
+                                                  std::string notice) {
+  return store(std::move(notice), [&selectedPurposes](const PurposeManager& manager, StoreTransaction& transaction,
+                                                      const DecisionContext& context) {
     for (const auto& resolution : manager.choices(selectedPurposes, transaction)) {
       const bool isSame = transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status;
       // Signal decisions were shown to the user, and become the user's own choice.
@@ -109,12 +109,13 @@ DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, b
   });
 }
 
-DecisionRecorder::FollowUp DecisionRecorder::recordDefaults() {
+DecisionRecorder::FollowUp DecisionRecorder::recordDefaults(std::string notice) {
   const auto inForce = s_.loader.inForce();
   if (!inForce || !inForce->type) return {};  // no banner could have been answered
-  return store([](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
-    return manager.recordDefaults(transaction, context);
-  });
+  return store(std::move(notice),
+               [](const PurposeManager& manager, StoreTransaction& transaction, const DecisionContext& context) {
+                 return manager.recordDefaults(transaction, context);
+               });
 }
 
 }  // namespace quillon

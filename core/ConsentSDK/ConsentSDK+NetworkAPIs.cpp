@@ -4,6 +4,7 @@
 #include "core/Network/ExchangeText.h"
 #include "core/Network/RequestBuilder.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Text/Sha256.h"
 
 namespace quillon {
 namespace {
@@ -50,7 +51,11 @@ Task<std::optional<CurrentLocationResponse>> ServerApi::getCurrentLocation() {
 
 Task<Answer<GenericResponse>> ServerApi::postConsents(std::string url, PostConsentsRequest request) {
   const std::string token = store_.getString(key::xAuthToken);
-  auto answer = co_await send<GenericResponse>(PostConsentsEndPoint(token, request), std::move(url));
+  PostConsentsEndPoint endPoint(token, request);
+  // A server that keeps the heads can tell later whether the device changed its past.
+  const std::string head = store_.getString(key::historyHead);
+  if (isSha256(head)) endPoint.headerParams->emplace(HeaderParam::historyHead, head);
+  auto answer = co_await send<GenericResponse>(std::move(endPoint), std::move(url));
   if (answer) answer->value.message = withoutEcho(std::move(answer->value.message), token);
   co_return answer;
 }

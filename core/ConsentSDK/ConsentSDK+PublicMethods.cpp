@@ -58,7 +58,7 @@ std::move_only_function<HistoryPage()> pageOfHistory(const std::shared_ptr<Core>
                                                      std::optional<std::int64_t> before) {
   return [core, count = std::clamp<std::size_t>(count, 1, maximumJournalRecords),
           before = before.value_or(std::numeric_limits<std::int64_t>::max())] {
-    return core->store.history(before, count);
+    return core->store.verifiedHistory(before, count);
   };
 }
 
@@ -94,7 +94,9 @@ bool ConsentSDK::set(const AppPermission& permission, ConsentStatus consent) {
 }
 
 void ConsentSDK::removeConsents() {
-  withoutThrowing([&] { core_->loader.removeConsents(); });
+  withoutThrowing([&] {
+    if (core_->loader.removeConsents()) core_->notices.clear();
+  });
 }
 
 bool ConsentSDK::isBannerDue() {
@@ -210,7 +212,7 @@ std::future<bool> ConsentSDK::uploadPendingConsents() {
 
 void ConsentSDK::acceptOrReject(bool accept, std::function<void(bool)> callback) {
   withoutThrowing([&] {
-    deliver<bool>(core_->work, following(core_->recorder.answer(accept)),
+    deliver<bool>(core_->work, following(core_->recorder.answer(accept, std::string(applicationsNotice))),
                   receiver<bool>(core_->work, std::move(callback)));
   });
 }
@@ -218,7 +220,7 @@ void ConsentSDK::acceptOrReject(bool accept, std::function<void(bool)> callback)
 std::future<bool> ConsentSDK::acceptOrReject(bool accept) {
   return withoutThrowing(
       [&] {
-        DecisionRecorder::FollowUp followUp = core_->recorder.answer(accept);
+        DecisionRecorder::FollowUp followUp = core_->recorder.answer(accept, std::string(applicationsNotice));
         const bool stored = static_cast<bool>(followUp);
         const auto kept = std::make_shared<Promise<bool>>(stored);
         auto future = kept->future();

@@ -122,6 +122,7 @@ void Screens::load(std::function<Job(ScreenContent)> prepare) {
     ScreenContent content;
     content.configuration = s_.loader.current();
     content.banner = co_await s_.loader.bannerFor(content.configuration);
+    content.place = s_.location.known(s_.sessions.current()).value_or("");
     s_.theme.configureColors(content.banner ? content.banner->customPaletteTheme : std::nullopt);
     if (auto job = prepare(std::move(content))) onMain(std::move(job));
   });

@@ -21,6 +21,7 @@ ConsentSDK::Core::Core(Platform services)
                 loader.refreshConsentMode();
                 cycle.watchAnswered();
               }}),
+      notices(platform, logger),
       server(platform, store, logger, work.stopToken()),
       location(platform, store, work, server, [this] { loader.reapply(); }),
       signal(platform, store),
@@ -31,7 +32,7 @@ ConsentSDK::Core::Core(Platform services)
       uploader(
           {foundation, server, loader, [this] { cycle.startRecurringCheck(); }, [this] { cycle.watchAnswered(); }}),
       recorder({foundation, loader, uploader}),
-      screens({foundation, loader, recorder, theme}),
+      screens({foundation, loader, recorder, theme, notices, location}),
       cycle({foundation, loader, uploader, recorder, others, signal, [this] { return screens.explainBanner(); }}),
       setUp({foundation, loader, cycle}) {}
 

@@ -29,6 +29,7 @@ class ConsentSDK::Core {
   const Foundation foundation;
   OtherProcesses others;
   Theme theme;
+  NoticeArchive notices;
   ServerApi server;
   LocationLookup location;
   HonouredSignal signal;

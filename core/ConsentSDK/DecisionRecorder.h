@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <string>
 
 #include "core/ConsentSDK/ConsentUploader.h"
 
@@ -28,12 +29,12 @@ class DecisionRecorder {
   // Each operation stores decisions on purposes in one transaction and returns the background work to run next: it
   // stores the current state of every permission and uploads. Empty when the decisions could not be stored.
   using FollowUp = std::move_only_function<Task<void>()>;
-  // The answer to the banner.
-  [[nodiscard]] FollowUp answer(bool accept);
+  // The answer to the banner. `notice` names what was on the screen; see DecisionContext.
+  [[nodiscard]] FollowUp answer(bool accept, std::string notice);
   // The choices of the preference centre: true for granted.
-  [[nodiscard]] FollowUp save(const std::map<std::int64_t, bool>& selectedPurposes);
+  [[nodiscard]] FollowUp save(const std::map<std::int64_t, bool>& selectedPurposes, std::string notice);
   // The banner was shown and not answered: stores the default of every undecided purpose.
-  [[nodiscard]] FollowUp recordDefaults();
+  [[nodiscard]] FollowUp recordDefaults(std::string notice);
 
   // Stores the compliance type's default for every undecided purpose; uploads nothing.
   void recordDefaults(const ConfigurationPointer& configuration);
@@ -41,7 +42,7 @@ class DecisionRecorder {
  private:
   // Writes decisions and returns how they were given.
   using Write = std::function<GivenType(const PurposeManager&, StoreTransaction&, const DecisionContext&)>;
-  FollowUp store(const Write& write);
+  FollowUp store(std::string notice, const Write& write);
   Task<void> storePermissions(ConfigurationPointer configuration, TaskQueue::Place place);
   void warn(const Purpose& purpose, ConsentStatus consent);
 

@@ -8,6 +8,7 @@
 
 #include "core/ConsentSDK/DecisionRecorder.h"
 #include "core/ConsentSDK/Theme.h"
+#include "core/History/NoticeArchive.h"
 #include "platform/ScreenServices.h"
 
 namespace quillon {
@@ -20,6 +21,8 @@ class Screens : public ScreenServices {
     ConfigurationLoader& loader;
     DecisionRecorder& recorder;
     Theme& theme;
+    NoticeArchive& notices;
+    const LocationLookup& location;
   };
   explicit Screens(Services services) : s_(services) {}
 
@@ -40,9 +43,12 @@ class Screens : public ScreenServices {
   void load(std::function<Job(ScreenContent)> prepare) override;
   std::vector<Purpose> purposes() override;
   std::vector<AppPermission> permissions() override;
-  bool answer(bool accept) override { return run(s_.recorder.answer(accept)); }
-  bool save(const std::map<std::int64_t, bool>& selected) override { return run(s_.recorder.save(selected)); }
-  bool recordDefaults() override { return run(s_.recorder.recordDefaults()); }
+  std::string keepNotice(std::string text) override { return s_.notices.keep(std::move(text)); }
+  bool answer(bool accept, const std::string& notice) override { return run(s_.recorder.answer(accept, notice)); }
+  bool save(const std::map<std::int64_t, bool>& selected, const std::string& notice) override {
+    return run(s_.recorder.save(selected, notice));
+  }
+  bool recordDefaults(const std::string& notice) override { return run(s_.recorder.recordDefaults(notice)); }
   void closeSettingsPrompt() override;
   void presentSettingPrompt(const VantariKey& permission) override { presentSettingPrompt(permission, Offer::always); }
   void openLink(std::string link) override;

@@ -17,18 +17,24 @@ QUILLON_RAW_VALUES(DecisionCause, {DecisionCause::user, "user"}, {DecisionCause:
 QUILLON_RAW_VALUES(UploadOutcome, {UploadOutcome::pending, "pending"}, {UploadOutcome::uploaded, "uploaded"},
                    {UploadOutcome::superseded, "superseded"}, {UploadOutcome::dropped, "dropped"});
 
+QUILLON_RAW_VALUES(HistoryLink, {HistoryLink::intact, "intact"}, {HistoryLink::beforeChain, "before_chain"},
+                   {HistoryLink::broken, "broken"});
+
+// Sorted by key: hashes are over the canonical form.
 template <>
 inline constexpr auto fields<Decision> = std::tuple{
-    Field<&Decision::time>{"time"},
-    Field<&Decision::purposeId>{"purpose_id"},
-    Field<&Decision::permission>{"permission"},
-    Field<&Decision::from>{"from"},
-    Field<&Decision::to>{"to"},
     Field<&Decision::cause>{"cause"},
-    Field<&Decision::givenType>{"given_type"},
-    Field<&Decision::configurationVersion>{"configuration_version"},
     Field<&Decision::complianceType>{"compliance_type"},
+    Field<&Decision::configurationVersion>{"configuration_version"},
+    Field<&Decision::from>{"from"},
+    Field<&Decision::givenType>{"given_type"},
     Field<&Decision::language>{"language"},
+    Field<&Decision::notice>{"notice"},
+    Field<&Decision::permission>{"permission"},
+    Field<&Decision::previous>{"previous"},
+    Field<&Decision::purposeId>{"purpose_id"},
+    Field<&Decision::time>{"time"},
+    Field<&Decision::to>{"to"},
 };
 
 template const JsonType& jsonType<Decision>();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "core/History/DecisionChain.h"
 #include "core/Json/Codec.h"
 #include "quillon/RawValue.h"
 
@@ -31,6 +32,7 @@ HistoryPage historyOf(const JournalPage& page, std::size_t count) {
   for (const auto number : page.damaged) oldest = std::min(oldest, number);
   for (const JournalRecord& record : page.records) {
     oldest = std::min(oldest, record.number);
+    if (record.text == removalRecord) continue;
     auto decision = decode<Decision>(record.text);
     const auto outcome = record.mark.empty() ? UploadOutcome::pending : fromRawValue<UploadOutcome>(record.mark);
     if (decision && outcome) {

@@ -21,6 +21,8 @@ struct DecisionContext {
   std::int64_t time;        // whole seconds since 1970
   std::string language;     // of the user interface
   std::string application;  // the application's id; empty before a setup
+  // Of what was on the screen, or applicationsNotice; empty when nothing was shown.
+  std::string notice = {};
 };
 
 // The journal text of a decision. Never longer than a record may be.

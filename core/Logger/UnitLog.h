@@ -18,6 +18,7 @@ inline constexpr std::string_view cdnUtils = "ConsentSDK/ConsentSDK+CDNUtils";
 inline constexpr std::string_view decisions = "ConsentSDK/ConsentSDK+Decisions";
 inline constexpr std::string_view networkAPIs = "ConsentSDK/ConsentSDK+NetworkAPIs";
 inline constexpr std::string_view screens = "ConsentSDK/ConsentSDK+Screens";
+inline constexpr std::string_view notices = "History/NoticeArchive";
 inline constexpr std::string_view consentModeHelper = "Integrations/GoogleConsentModeHelper";
 inline constexpr std::string_view networkManager = "Network/ConsentNetworkManager";
 inline constexpr std::string_view permissionManager = "Permissions/PermissionManager";

@@ -32,6 +32,8 @@ std::string_view rawValue(HeaderParam header) noexcept {
       return "Authorization";
     case HeaderParam::xAuthToken:
       return "X-Auth-Token";
+    case HeaderParam::historyHead:
+      return "X-Quillon-History-Head";
   }
   return {};
 }

@@ -210,6 +210,7 @@ std::vector<PurposeConsent> PurposeManager::pendingConsents(const StoredValues& 
 void PurposeManager::setConsent(StoreTransaction& transaction, const Resolution& resolution,
                                 const DecisionContext& context) {
   const PurposeKey purposeKey(resolution.purposeId);
+  const bool isAnswer = resolution.cause != DecisionCause::trackingStatus && resolution.cause != DecisionCause::signal;
   const auto before = transaction.consent(purposeKey);
   transaction.append({.time = context.time,
                       .purposeId = resolution.purposeId,
@@ -217,7 +218,8 @@ void PurposeManager::setConsent(StoreTransaction& transaction, const Resolution&
                       .to = resolution.status,
                       .cause = resolution.cause,
                       .givenType = context.givenType,
-                      .language = context.language},
+                      .language = context.language,
+                      .notice = isAnswer && !context.notice.empty() ? std::optional(context.notice) : std::nullopt},
                      context.application);
   if (before != resolution.status) {
     transaction.set(key::arePurposesChanged, true);

@@ -61,9 +61,24 @@ struct Decision {
   ComplianceType complianceType = ComplianceType::noticeOnly;
   /// Language code of the user interface, such as "de".
   std::string language = {};
+  /// For an answer of the user: the notice that was on the screen, as the SHA-256 digest of its canonical form in
+  /// hexadecimal, or "application" when the application asked by its own means.
+  std::optional<std::string> notice = std::nullopt;
+  /// In the history, the HistoryEntry::hash of the entry before; for the first one "first", "removed" (an earlier history
+  /// was removed), "unchained" (the entries before hold no hashes) or "lost" (they are damaged). nullopt in entries
+  /// written before the history had hashes.
+  std::optional<std::string> previous = std::nullopt;
 
   bool operator==(const Decision&) const = default;
 };
+
+/// Whether an entry still follows the entry after which it was written.
+enum class HistoryLink {
+  intact,       ///< "intact": it does, or it is the first one
+  beforeChain,  ///< "before_chain": written before the history had hashes
+  broken,       ///< "broken": what it was written after was changed, removed, inserted, moved or damaged
+};
+[[nodiscard]] std::string_view rawValue(HistoryLink value) noexcept;
 
 /// A history entry.
 struct HistoryEntry {
@@ -71,6 +86,10 @@ struct HistoryEntry {
   std::int64_t number = 0;
   Decision decision;
   UploadOutcome upload = UploadOutcome::pending;
+  HistoryLink link = HistoryLink::intact;
+  /// SHA-256 digest of the entry in hexadecimal, over the canonical JSON (RFC 8785) of its decision. The next entry holds
+  /// it, so whoever keeps the newest one can tell later whether any entry was changed.
+  std::string hash = {};
 
   bool operator==(const HistoryEntry&) const = default;
 };
@@ -82,6 +101,8 @@ struct HistoryPage {
   std::int64_t damaged = 0;
   /// Argument for the next page; nullopt on the last page.
   std::optional<std::int64_t> before = std::nullopt;
+  /// On the first page: the newest entry is not the one that was written last, which was changed or is missing.
+  bool isNewestMissing = false;
 };
 
 }  // namespace quillon

@@ -164,6 +164,9 @@ typedef struct quillon_decision {
   quillon_compliance compliance;
   const char* language;
   const char* upload; /**< "pending", "uploaded", "superseded", "dropped"; null for a change */
+  const char* notice; /**< digest of what was on the screen, or "application"; null without one */
+  const char* link;   /**< "intact", "before_chain", "broken", see quillon::HistoryLink; null for a change */
+  const char* hash;   /**< digest of the entry, which the next one holds; null for a change */
 } quillon_decision;
 
 /** Why a purpose has its status. */

@@ -132,7 +132,12 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
     const auto unmarked = file_->readUnmarked();
     if (!unmarked) return std::unexpected(problem(unmarked.error()));
     noteDamaged(unmarked->damaged);
-    planned.complete(unmarked->records);
+    planned.completeMarks(unmarked->records);
+  }
+  if (planned.appendAfter) {
+    const auto newest = file_->readNewest();
+    if (!newest) return std::unexpected(problem(newest.error()));
+    planned.completeAppended(*newest);
   }
   const auto rows = rowsToWrite(current, planned.changes);
   if (!rows) return impossible(rows.error());

@@ -222,6 +222,10 @@ SqliteResult<JournalPage> SuiteFile::readJournal(std::int64_t before, std::size_
   return retryWhileHeld(deadline, [&] { return journal_.read(database_, before, count); });
 }
 
+SqliteResult<JournalPage> SuiteFile::readNewest() {
+  return journal_.read(database_, SuiteJournal::endOfNumbers, 1);
+}
+
 SqliteResult<> SuiteFile::commit(Deadline deadline) {
   auto done = retryWhileHeld(deadline, [this] { return database_.run("COMMIT"); });
   if (done) journal_.transactionEnded(true);

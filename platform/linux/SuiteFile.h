@@ -66,6 +66,8 @@ class SuiteFile {
   [[nodiscard]] SqliteResult<JournalPage> readJournal(std::int64_t before, std::size_t count, Deadline deadline);
   // Does not wait.
   [[nodiscard]] SqliteResult<JournalPage> readUnmarked() { return journal_.unmarked(database_); }
+  // The newest record, as a page. Does not wait.
+  [[nodiscard]] SqliteResult<JournalPage> readNewest();
   // The readable journal records of a damaged file, oldest first.
   [[nodiscard]] std::vector<JournalRecord> readableJournal() { return journal_.readableRecords(database_); }
   // Waits for readers until the deadline; begin() does not wait, so that the caller can release its locks in between.

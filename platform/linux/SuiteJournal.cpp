@@ -65,7 +65,7 @@ SqliteResult<bool> SuiteJournal::prepare(SqliteDatabase& database, Missing missi
   Statements fresh;
   struct Prepared {
     SqliteStatement& statement;
-    std::string_view sql;
+    std::string sql;
   };
   for (auto& [statement, sql] :
        {Prepared{fresh.page,
@@ -74,7 +74,8 @@ SqliteResult<bool> SuiteJournal::prepare(SqliteDatabase& database, Missing missi
         // Numbers above the range are not ours.
         Prepared{fresh.range,
                  "SELECT (SELECT min(number) FROM journal), "
-                 "(SELECT max(number) FROM journal WHERE number<4611686018427387904)"},
+                 "(SELECT max(number) FROM journal WHERE number<" +
+                     std::to_string(endOfNumbers) + ")"},
         Prepared{fresh.put, "INSERT INTO journal(number, mark, text, checksum) VALUES(?, ?, ?, ?)"},
         Prepared{fresh.mark, "UPDATE journal SET mark=?, checksum=? WHERE number=?"}}) {
     auto prepared = database.prepare(sql);
@@ -194,6 +195,11 @@ std::vector<JournalRecord> SuiteJournal::readableRecords(SqliteDatabase& databas
   }
   std::map<std::int64_t, JournalRecord> sound;
   for (auto& record : page.records) sound.try_emplace(record.number, std::move(record));
+  // A damaged number may be any.
+  const std::int64_t most = (sound.empty() ? 0 : sound.rbegin()->first) + std::ssize(page.damaged);
+  for (const auto number : page.damaged) {
+    if (number > 0 && number <= most) sound.try_emplace(number, JournalRecord{number, {}, "lost"});
+  }
   std::vector<JournalRecord> records;
   records.reserve(sound.size());
   for (auto& [number, record] : sound) records.push_back(std::move(record));

@@ -19,6 +19,9 @@ class SuiteJournal {
   static constexpr std::string_view schema =
       "CREATE TABLE journal(number INTEGER PRIMARY KEY, mark TEXT, text TEXT, checksum INTEGER)";
 
+  // Above the number of every record of ours.
+  static constexpr std::int64_t endOfNumbers = std::int64_t{1} << 62;
+
   // Within a transaction: clears, marks and appends, and drops the oldest rows beyond the limit.
   [[nodiscard]] SqliteResult<> write(SqliteDatabase& database, const SuiteUpdate& update);
 
@@ -31,7 +34,8 @@ class SuiteJournal {
   // Writes a record of another file with its number.
   [[nodiscard]] SqliteResult<> put(SqliteDatabase& database, const JournalRecord& record);
 
-  // Every intact row still reachable in a damaged file, oldest first.
+  // Every intact row still reachable in a damaged file, oldest first, with an empty one, marked as lost, in the place of
+  // each damaged one: a number is never used again.
   [[nodiscard]] std::vector<JournalRecord> readableRecords(SqliteDatabase& database);
 
   void transactionEnded(bool committed);

@@ -17,6 +17,12 @@ std::vector<JournalRecord> unmarkedOf(const std::deque<JournalRecord>& journal) 
   return unmarked;
 }
 
+JournalPage newestOf(const std::deque<JournalRecord>& journal) {
+  JournalPage page;
+  if (!journal.empty()) page.records.push_back(journal.back());
+  return page;
+}
+
 bool holds(const SuiteEntries& entries, std::string_view key, const std::optional<PropertyValue>& value) {
   const auto found = entries.find(key);
   return found == entries.end() ? !value : value && found->second == *value;
@@ -60,7 +66,8 @@ std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) 
   std::lock_guard turn(writersMutex_);
   const auto current = snapshot();
   SuiteUpdate update = edit(*current);
-  if (update.markRecords) update.complete(unmarkedOf(journal_));
+  if (update.markRecords) update.completeMarks(unmarkedOf(journal_));
+  if (update.appendAfter) update.completeAppended(newestOf(journal_));
   if (update.changes.contains("")) return std::unexpected("a key is empty");
   for (const auto& text : update.appended) {
     if (text.size() > maximumJournalTextBytes) return std::unexpected("a journal record is too long");

@@ -6,7 +6,7 @@
 
 namespace quillon::sim {
 
-inline constexpr std::array<std::uint64_t, 17> keptSeeds{
+inline constexpr std::array<std::uint64_t, 18> keptSeeds{
     1,          // a listener was not told what another process had removed before the set-up
     9,          // a decision was not uploaded, as the first configuration asked again
     22,         // analytics was told of a consent although no compliance type was known
@@ -23,6 +23,7 @@ inline constexpr std::array<std::uint64_t, 17> keptSeeds{
     17032,      // the same close took back that another process had been answered explicitly
     17344,      // a decision that could not be sent waited for the next start
     20416,      // a failed download served the document that another process had replaced meanwhile
+    50575,      // as the last one, under the type of an earlier configuration
     989402466,  // defaults were recorded as granted, as the compliance type of a new configuration could not be stored
 };
 

@@ -74,6 +74,7 @@ bool Model::allowsUndecided(const Life& life, int version, int purpose) const {
 
 void Model::setUp(int owner, const SessionView& session) {
   Life& life = lives_.at(owner);
+  applications_.insert(session.application);
   if (life.isClosed) {
     life.session = session;
     return;
@@ -88,15 +89,15 @@ void Model::setUp(int owner, const SessionView& session) {
   life.isCertain = false;
   life.session = session;
   life.places.insert(session.place);
-  applications_.insert(session.application);
   if (disk_) life.versions.insert(*disk_);
   if (session.bundled) life.versions.insert(*session.bundled);
 }
 
-void Model::delivered(const std::string& url, int version) {
+void Model::delivered(int by, const std::string& url, int version) {
   // Whoever asked saves it, and any process may read it there before it is replaced.
   for (auto& [owner, life] : lives_) {
     if (!life.isSetUp) continue;
+    if (owner != by) life.mayHaveBeenOvertaken = true;
     if (url.find("/" + life.session.application + "/" + life.session.channel + "/") == std::string::npos) continue;
     life.versions.insert(version);
     life.isCertain = false;
@@ -113,7 +114,7 @@ void Model::diskHolds(std::optional<int> version) {
 
 void Model::settled(int owner) {
   Life& life = lives_.at(owner);
-  if (applications_.size() > 1) return;
+  if (applications_.size() > 1 || life.mayHaveBeenOvertaken) return;
   if (!disk_ && !life.session.bundled) return;
   life.versions.clear();
   if (disk_) life.versions.insert(*disk_);

@@ -27,11 +27,13 @@ class Model {
   void forget(int owner) { lives_.erase(owner); }
   void closed(int owner) { lives_.at(owner).isClosed = true; }
   void setUp(int owner, const SessionView& session);
-  void delivered(const std::string& url, int version);
+  void delivered(int owner, const std::string& url, int version);
   void diskHolds(std::optional<int> version);
   void trackingIs(bool isAuthorized) { isTrackingAuthorized_ = isAuthorized; }
   // Everything that was under way in the process is over, a load for the present session among it, and nothing failed.
   void settled(int owner);
+  // Nothing is under way in the process, in particular no load.
+  void quiet(int owner) { lives_.at(owner).mayHaveBeenOvertaken = false; }
 
   // Two moments of the store: around an act, and around the jobs that ran after it.
   void judgeAct(const ActReport& act, const StoreView& before, const StoreView& after);
@@ -52,7 +54,8 @@ class Model {
     bool isSetUp = false;
     bool isClosed = false;
     bool isEnded = false;
-    bool isCertain = false;  // one of the versions is in force
+    bool isCertain = false;             // one of the versions is in force
+    bool mayHaveBeenOvertaken = false;  // another process got a document while this one may have been loading one
   };
 
   const Document& document(int version) const { return documents_[static_cast<std::size_t>(version - 1)]; }

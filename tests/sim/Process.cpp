@@ -63,12 +63,11 @@ Process::Process(Surroundings& around, int owner, std::function<void()> killed)
 }
 
 Process::~Process() {
+  const bool wasKilled = std::exchange(isDead_, true);  // the store may still fail, but nothing dies twice
   screens_->clear();
   keepings_.clear();
   gates_.clear();
   listenings_.clear();
-  const bool wasKilled = isDead_;
-  isDead_ = true;
   if (!wasKilled) around_.model.ended(owner_);
   sdk_.reset();
   console_->leave();
@@ -214,7 +213,7 @@ void Process::answer(unsigned what, ActReport& report) {
       expectFuture(sdk_->acceptOrReject(report.accepts));
       break;
     default:
-      report.result = sdk_->screens()->answer(report.accepts);
+      report.result = sdk_->screens()->answer(report.accepts, {});
       break;
   }
 }
@@ -280,8 +279,11 @@ void Process::judgeStatuses(const char* what, std::size_t since, const std::vect
 }
 
 void Process::judgeHistory(std::size_t since, const HistoryPage& page) const {
+  if (page.isNewestMissing || page.damaged > 0) fail(1, "the history says that entries of it are missing");
   std::map<int, std::string> newest;
   for (const HistoryEntry& entry : page.entries) {
+    if (entry.link != HistoryLink::intact)
+      fail(1, "the history does not hold together at " + std::to_string(entry.number));
     if (entry.decision.purposeId) newest.emplace(*entry.decision.purposeId, words(entry.decision.to));
   }
   for (const auto& [purpose, status] : newest) {

@@ -18,8 +18,8 @@ Servers::Events eventsOf(Surroundings& world) {
     world.model.uploadSent(owner, upload, world.view());
   };
   events.uploadTaken = [&world](const Upload& upload) { world.model.uploadTaken(upload); };
-  events.configurationDelivered = [&world](int /*owner*/, const std::string& url, int version) {
-    world.model.delivered(url, version);
+  events.configurationDelivered = [&world](int owner, const std::string& url, int version) {
+    world.model.delivered(owner, url, version);
   };
   events.disturbed = [&world] { world.isDisturbed = true; };
   if (world.trail.isKept()) events.noted = [&world](const std::string& line) { world.trail.note(line); };

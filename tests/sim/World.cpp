@@ -167,6 +167,7 @@ void World::judge(const StoreView& before) {
       if (process->isSetUp() && !process->isClosed() && answers.isReady && (isAlone || hasLoaded)) {
         around_.model.settled(process->owner());
       }
+      around_.model.quiet(process->owner());
       process->judgeQuiet();
     }
     around_.model.judgeAnswers(process->owner(), answers, after, now);

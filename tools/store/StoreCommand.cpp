@@ -1,6 +1,7 @@
 #include "tools/store/StoreCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <chrono>
 #include <expected>
@@ -11,9 +12,11 @@
 #include <ranges>
 #include <string>
 
-#include "core/History/DecisionHistory.h"
+#include "core/History/DecisionChain.h"
+#include "core/History/NoticeArchive.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Persistance/UserDefaults/StoredValues.h"
+#include "core/Text/Sha256.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/SuiteFile.h"
 #include "tools/HistoryJson.h"
@@ -42,19 +45,19 @@ Platform platformOver(const StoreOptions& options) {
   return linuxPlatform(linux_);
 }
 
-// The store's file, with links resolved; an error when there is none.
-std::expected<std::filesystem::path, std::string> storeFile(const Platform& platform) {
+// A suite's file, with links resolved; an error when there is none.
+std::expected<std::filesystem::path, std::string> suiteFile(const Platform& platform, std::string_view suite) {
   const auto folder = platform.files->applicationSupportDirectory();
   if (!folder) return std::unexpected("there is no data folder; give one with --data-dir");
   std::error_code error;
-  auto file = std::filesystem::canonical(*folder, error) / (std::string(key::suiteName) + ".sqlite");
+  auto file = std::filesystem::canonical(*folder, error) / (std::string(suite) + ".sqlite");
   if (error || !std::filesystem::exists(file, error)) return std::unexpected(folder->string() + " holds no store");
   return file;
 }
 
 // Opens the file directly: the store would replace a damaged one, which a read must not do.
 std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) {
-  const auto file = storeFile(platformOver(options));
+  const auto file = suiteFile(platformOver(options), key::suiteName);
   if (!file) return std::unexpected(file.error());
   auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + writerWait);
   if (!opened) return std::unexpected(file->string() + ": " + opened.error().text);
@@ -91,34 +94,67 @@ std::expected<void, std::string> get(const StoreOptions& options) {
   return entry != entries->end() ? print(toJson(entry->second)) : std::unexpected("no value under " + options.key);
 }
 
-std::expected<HistoryPage, std::string> historyIn(SuiteFile& file) {
+std::expected<HistoryPage, std::string> historyIn(SuiteFile& file, const SuiteEntries& entries) {
   const auto journal = file.readJournal(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords,
                                         std::chrono::steady_clock::now() + writerWait);
   if (!journal) return std::unexpected(journal.error().text);
-  auto history = historyOf(*journal, maximumJournalRecords);
+  ChainState state{StoredValues(entries).string(key::historyHead, {}), {}, true};
+  if (!journal->records.empty()) state.newestNumber = journal->records.front().number;
+  auto history = verifiedHistory(*journal, maximumJournalRecords, state);
   if (history.damaged > 0) {
     std::cerr << "quillon-consent store: damaged entries of the history are left out: " << history.damaged << '\n';
   }
   return history;
 }
 
+// Names every entry that does not hold.
+std::expected<void, std::string> holdsTogether(const HistoryPage& history) {
+  std::size_t faults = history.isNewestMissing ? 1 : 0;
+  if (history.isNewestMissing) std::cerr << "quillon-consent store: the newest entry was changed or is missing\n";
+  for (const HistoryEntry& entry : history.entries | std::views::reverse) {
+    if (entry.link != HistoryLink::broken) continue;
+    ++faults;
+    std::cerr << "quillon-consent store: entry " << entry.number
+              << " does not follow the one after which it was written: that one was changed, moved or removed, or this one"
+                 " was inserted\n";
+  }
+  if (faults == 0) return {};
+  return std::unexpected("the history does not hold together");
+}
+
 // One decision per line, oldest first.
 std::expected<void, std::string> history(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
-  const auto history = historyIn(opened->file);
+  const auto history = historyIn(opened->file, opened->content.entries);
   if (!history) return std::unexpected(history.error());
   for (const HistoryEntry& entry : history->entries | std::views::reverse) {
     if (auto printed = print(toJson(entry)); !printed) return printed;
   }
-  return {};
+  return holdsTogether(*history);
+}
+
+// What a decision was an answer to.
+std::expected<void, std::string> notice(const StoreOptions& options) {
+  const auto file = suiteFile(platformOver(options), noticeSuiteName);
+  if (!file) return std::unexpected(file.error());
+  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + writerWait);
+  if (!opened) return std::unexpected(file->string() + ": " + opened.error().text);
+  const auto found = opened->content.entries.find(options.key);
+  const auto* text = found == opened->content.entries.end() ? nullptr : std::get_if<std::string>(&found->second);
+  if (!text || !isSha256(options.key)) return std::unexpected("no notice " + options.key);
+  if (text->empty()) return std::unexpected("the notice " + options.key + " was kept, and had to go for newer ones");
+  if (sha256(*text) != options.key) return std::unexpected("the notice " + options.key + " was changed");
+  boost::system::error_code error;
+  const auto value = boost::json::parse(*text, error);
+  return error ? std::unexpected("the notice " + options.key + " is damaged") : print(value);
 }
 
 // All data stored about the person; excludes the token, which belongs to the application.
 std::expected<void, std::string> exportPerson(const StoreOptions& options) {
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
-  const auto history = historyIn(opened->file);
+  const auto history = historyIn(opened->file, opened->content.entries);
   if (!history) return std::unexpected(history.error());
   const StoredValues stored(opened->content.entries);
   SuiteEntries purposes;
@@ -140,7 +176,7 @@ std::expected<void, std::string> exportPerson(const StoreOptions& options) {
 
 std::expected<void, std::string> reset(const StoreOptions& options) {
   const Platform platform = platformOver(options);
-  if (const auto file = storeFile(platform); !file) return std::unexpected(file.error());
+  if (const auto file = suiteFile(platform, key::suiteName); !file) return std::unexpected(file.error());
   const auto suite = platform.store->open(key::suiteName, [](auto, const std::string& damage) {
     std::cerr << "quillon-consent store: " << damage << '\n';
   });
@@ -176,7 +212,10 @@ void addStoreCommand(CLI::App& app, int& exitCode) {
   };
   add("dump", "Print everything as one JSON object, dates as seconds since 1970", dump);
   add("get", "Print one value as JSON", get)->add_option("KEY", options->key, "Its key")->required();
-  add("history", "Print the decisions as JSON, one a line, oldest first", history);
+  add("notice", "Print what was on the screen when a decision was made", notice)
+      ->add_option("HASH", options->key, "The \"notice\" of that decision")
+      ->required();
+  add("history", "Print the decisions as JSON, one a line, oldest first, and say whether any was changed", history);
   add("export", "Print what is kept of the person as one JSON object, decisions included", exportPerson);
   add("reset", "Remove every value and the history", reset);
 }

@@ -1,7 +1,9 @@
 // Which controls a banner has.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "quillon/BannerConfig.h"
@@ -20,5 +22,9 @@ struct BannerButtons {
 
 // A banner that could not be left otherwise keeps its close button, whatever the configuration says.
 [[nodiscard]] BannerButtons buttonsByComplianceType(const BannerConfig& banner);
+
+// What stands on a control: the configured text in the language, else a label; never empty.
+[[nodiscard]] std::string textOn(BannerAction action, const std::optional<BannerConfig>& banner,
+                                 std::string_view language, std::string_view labelLanguage);
 
 }  // namespace quillon

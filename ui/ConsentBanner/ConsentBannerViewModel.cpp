@@ -3,6 +3,7 @@
 #include "core/Logger/UnitLog.h"
 #include "core/Text/LocalizedTexts.h"
 #include "ui/Common/Labels/Languages.h"
+#include "ui/Common/Notice/Notice.h"
 
 namespace quillon {
 namespace {
@@ -24,8 +25,15 @@ ConsentBannerViewModel::ConsentBannerViewModel(std::shared_ptr<ScreenServices> s
 void ConsentBannerViewModel::loadBannerConfig() {
   labelLanguage_ = languageOfLabels(*sdk_);
   bannerConfigTask_ = LoadTask::startWithContent(
-      sdk_, weak_from_this(), [](ScreenContent content, ScreenServices&) { return content; },
-      [](ConsentBannerViewModel& model, ScreenContent loaded) {
+      sdk_, weak_from_this(),
+      [](ScreenContent content, ScreenServices& sdk) {
+        std::string notice = bannerNotice(content, sdk);
+        if (!notice.empty()) notice = sdk.keepNotice(std::move(notice));
+        return std::pair(std::move(content), std::move(notice));
+      },
+      [](ConsentBannerViewModel& model, std::pair<ScreenContent, std::string> shown) {
+        auto& [loaded, notice] = shown;
+        model.notice_ = std::move(notice);
         if (!loaded.banner) {
           model.bannerConfigResult.set(
               BannerResult::failure({std::string(englishLabels().text(Label::bannerUnavailable))}));
@@ -80,7 +88,7 @@ void ConsentBannerViewModel::perform(BannerAction action) {
   switch (action) {
     case BannerAction::accept:
     case BannerAction::reject:
-      sdk_->answer(action == BannerAction::accept);
+      sdk_->answer(action == BannerAction::accept, notice_);
       leave();
       break;
     case BannerAction::close:
@@ -109,7 +117,7 @@ void ConsentBannerViewModel::openLink(const std::string& link) {
 }
 
 void ConsentBannerViewModel::recordDefaultExplicitConsents() {
-  if (sdk_->recordDefaults()) return;
+  if (sdk_->recordDefaults(notice_)) return;
   UnitLog(sdk_->logger(), unit::consentBanner)(LogLevel::error,
                                                "Something went wrong while recording default constents explicitly.",
                                                "recordDefaultExplicitConsents()");
@@ -128,26 +136,7 @@ std::string ConsentBannerViewModel::text(const std::optional<LocalizedText>& tex
 }
 
 std::string ConsentBannerViewModel::text(BannerAction action) const {
-  const auto configured = [this](std::optional<LocalizedText> BannerConfig::* member, Label otherwise) {
-    const auto& banner = bannerConfig.get();
-    const std::string words = banner ? text((*banner).*member) : std::string();
-    return words.empty() ? label(otherwise) : words;
-  };
-  switch (action) {
-    case BannerAction::accept:
-      return configured(&BannerConfig::accept, Label::accept);
-    case BannerAction::reject:
-      return configured(&BannerConfig::reject, Label::reject);
-    case BannerAction::openPreferenceCenter:
-      return configured(&BannerConfig::preferenceCenterLink, Label::purposes);
-    case BannerAction::openPrivacyNotice:
-      return configured(&BannerConfig::privacyNoticeText, Label::privacyNotice);
-    case BannerAction::openDSRPortal:
-      return label(Label::dsrPortal);
-    case BannerAction::close:
-      break;
-  }
-  return label(Label::close);
+  return textOn(action, bannerConfig.get(), sdk_->language(), labelLanguage_);
 }
 
 }  // namespace quillon

@@ -67,6 +67,7 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   const std::shared_ptr<ScreenServices> sdk_;
   const std::function<void()> leave_;
   std::string labelLanguage_;
+  std::string notice_;  // the digest of what is shown
   std::optional<LoadTask> settingsPromptTask_;
   std::optional<LoadTask> bannerConfigTask_;
   std::optional<LoadTask> companyLogoTask_;

@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "ui/Common/Labels/Languages.h"
+#include "ui/Common/Notice/Notice.h"
 
 namespace quillon {
 namespace {
@@ -21,6 +22,7 @@ using ListResult = ConsentSDKResult<std::vector<Record>>;
 struct LoadedPurposes {
   std::vector<Purpose> list;
   ListResult<Purpose> result = ListResult<Purpose>::none();
+  std::string notice;
 };
 
 // Errors are in English, like the log; what the user sees in their place is a label.
@@ -48,11 +50,13 @@ PreferenceCenterViewModel::PreferenceCenterViewModel(std::shared_ptr<ConsentBann
     : banner_(std::move(banner)) {}
 
 void PreferenceCenterViewModel::loadPurposes() {
-  purposeTask_ = LoadTask::start(
+  purposeTask_ = LoadTask::startWithContent(
       banner_->sdk(), weak_from_this(),
-      [](ScreenServices& sdk) {
+      [](const ScreenContent& content, ScreenServices& sdk) {
         LoadedPurposes loaded;
         loaded.list = sdk.purposes();
+        loaded.notice = preferenceCenterNotice(content, loaded.list, sdk);
+        if (!loaded.notice.empty()) loaded.notice = sdk.keepNotice(std::move(loaded.notice));
         loaded.result = loaded.list.empty() ? ListResult<Purpose>::failure(english(Label::purposesUnavailable))
                                             : ListResult<Purpose>::success(loaded.list);
         return loaded;
@@ -63,6 +67,7 @@ void PreferenceCenterViewModel::loadPurposes() {
           for (const Purpose& purpose : loaded.list) {
             if (purpose.purposeId) selected[*purpose.purposeId] = purpose.consentStatus == ConsentStatus::granted;
           }
+          model.notice_ = std::move(loaded.notice);
           model.purposes.set(std::move(loaded.list));
           model.selectedPurposes.set(std::move(selected));
         }
@@ -150,7 +155,7 @@ bool PreferenceCenterViewModel::save() {
     if (choice != selected.end()) choices.insert(*choice);
   }
   const std::shared_ptr<ScreenServices> sdk = banner_->sdk();  // leaving may release all that is here
-  if (!sdk->save(choices)) return false;
+  if (!sdk->save(choices, notice_)) return false;
   banner_->leave();
   sdk->dismissBanner();
   return true;

@@ -81,6 +81,7 @@ class PreferenceCenterViewModel : public std::enable_shared_from_this<Preference
                                       Published<std::string> PreferenceCenterViewModel::* property, std::string text);
 
   const std::shared_ptr<ConsentBannerViewModel> banner_;
+  std::string notice_;  // the digest of what is shown
   std::optional<LoadTask> permissionsTask_;
   std::optional<LoadTask> purposeTask_;
   std::unique_ptr<Timer> voiceOverReset_;

@@ -32,6 +32,8 @@
   ROW(signalPurposesList, "SIGNAL_PURPOSES_LIST") \
   /* The application ids under which anything was decided. */ \
   ROW(decidedApplicationsList, "DECIDED_APPLICATIONS_LIST") \
+  /* The hash of the newest entry of the history. */ \
+  ROW(historyHead, "HISTORY_HEAD") \
   ROW(languageCode, "LANGUAGECODE") \
   ROW(lastModeUsed, "LAST_MODE_USED") \
   ROW(bannerInterval, "BANNER_INTERVAL") \

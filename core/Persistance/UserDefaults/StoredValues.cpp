@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <utility>
 
+#include "core/History/DecisionChain.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 
 namespace quillon {
@@ -178,8 +180,20 @@ void StoreTransaction::append(Decision decision, std::string_view applicationId)
 SuiteUpdate StoreTransaction::take() {
   SuiteUpdate update(std::move(changes_));
   update.marks = std::exchange(marks_, {});
-  for (const Decision& decision : decisions_) {
-    if (decision.cause != DecisionCause::removed) update.appended.push_back(journalText(decision));
+  std::vector<Decision> recorded;
+  std::ranges::copy_if(decisions_, std::back_inserter(recorded),
+                       [](const Decision& decision) { return decision.cause != DecisionCause::removed; });
+  if (recorded.empty()) return update;
+  if (auto head = string(key::historyHead)) {
+    auto [texts, newHead] = chained(recorded, std::move(*head));
+    update.appended = std::move(texts);
+    update.changes.insert_or_assign(std::string(key::historyHead), std::move(newHead));
+  } else {
+    update.appendAfter = [recorded = std::move(recorded),
+                          wereEntriesLost = boolean(key::lostEntries)](const JournalPage& newest) {
+      auto [texts, newHead] = chained(recorded, chainStart(newest, wereEntriesLost));
+      return SuiteUpdate::Appending{std::move(texts), {{std::string(key::historyHead), std::move(newHead)}}};
+    };
   }
   return update;
 }

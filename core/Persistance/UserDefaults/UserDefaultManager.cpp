@@ -1,7 +1,10 @@
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
+#include "core/History/DecisionChain.h"
 #include "core/Logger/UnitLog.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Text/Ascii.h"
@@ -159,10 +162,34 @@ std::string UserDefaultManager::getSubjectId() {
 
 HistoryPage UserDefaultManager::history(std::int64_t before, std::size_t count) const {
   const auto page = suite().journal(before, count);
-  if (page) return historyOf(*page, count);
-  logger_.log("Failed to read the history: " + page.error(), LogLevel::error, "history", unit::userDefaultManager,
-              __LINE__);
+  return page ? historyOf(*page, count) : noHistory(page.error());
+}
+
+HistoryPage UserDefaultManager::noHistory(std::string_view error) const {
+  logger_.log("Failed to read the history: " + escapedForLog(error), LogLevel::error, "history",
+              unit::userDefaultManager, __LINE__);
   return {};
+}
+
+HistoryPage UserDefaultManager::verifiedHistory(std::int64_t before, std::size_t count) const {
+  constexpr std::int64_t end = std::numeric_limits<std::int64_t>::max();
+  constexpr int mostAttempts = 3;
+  HistoryPage history;
+  // The head is read before the entries; a decision stored in between makes them differ.
+  for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    const auto reading = suite().read();
+    if (!reading) return noHistory(reading.error());
+    const auto newest = suite().journal(end, 1);
+    auto page = newest ? suite().journal(before, std::min(count, maximumJournalRecords) + 1) : newest;
+    if (!page) return noHistory(page.error());
+    ChainState state{StoredValues(*reading->entries).string(key::historyHead, {}), {}, false};
+    if (!newest->records.empty()) state.newestNumber = newest->records.front().number;
+    if (!newest->damaged.empty()) state.newestNumber = newest->damaged.front();
+    state.isFirstPage = !state.newestNumber || *state.newestNumber < before;
+    history = quillon::verifiedHistory(std::move(*page), count, state);
+    if (!history.isNewestMissing) break;
+  }
+  return history;
 }
 
 bool UserDefaultManager::removeAllConsents(const Edit& edit) {
@@ -175,6 +202,11 @@ bool UserDefaultManager::removeAllConsents(const Edit& edit) {
       SuiteUpdate update = transaction.take();
       for (const auto& [key, value] : current) update.changes.try_emplace(key, std::nullopt);
       update.clearsJournal = true;
+      update.appendAfter = [](const JournalPage& newest) {
+        const bool wasAny = !newest.records.empty() || !newest.damaged.empty();
+        return SuiteUpdate::Appending{wasAny ? std::vector{std::string(removalRecord)} : std::vector<std::string>(),
+                                      {}};
+      };
       decisions = removalsOf(current, now);
       return update;
     });

@@ -67,6 +67,8 @@ class UserDefaultManager {
 
   // At most `count` decisions numbered below `before`. An empty page on failure, which is logged.
   HistoryPage history(std::int64_t before, std::size_t count) const;
+  // As history(), each entry verified. May wait for the disk.
+  HistoryPage verifiedHistory(std::int64_t before, std::size_t count) const;
 
   // Removes every key and the history. The edit's changes are stored in the same update, so that no reader sees the
   // suite empty.
@@ -84,6 +86,7 @@ class UserDefaultManager {
   using Update = std::function<std::expected<void, std::string>(KeyValueSuite&, std::vector<Decision>&)>;
   std::expected<void, std::string> change(const Update& update);
   bool reportOutcome(const std::expected<void, std::string>& outcome);
+  HistoryPage noHistory(std::string_view error) const;
 
   const Platform& platform_;
   SDKLogger& logger_;

@@ -111,7 +111,7 @@ TEST_F(PrivacySignalTest, CountsAsAnOptOutUnlessTheUserHasAnsweredAndEndsWithThe
       device.settle();
       const bool isUsers = row.decided == Decided::grantedByUser || row.decided == Decided::declinedByUser;
       if (isUsers) sdk->set({.purposeId = 1}, row.decided == Decided::grantedByUser ? granted : declined);
-      EXPECT_TRUE(row.decided != Decided::byDefault || sdk->screens()->recordDefaults());
+      EXPECT_TRUE(row.decided != Decided::byDefault || sdk->screens()->recordDefaults({}));
       device.settle();
       EXPECT_EQ(allowed(), row.without);
 
@@ -137,7 +137,7 @@ TEST_F(PrivacySignalTest, CountsAsAnOptOutUnlessTheUserHasAnsweredAndEndsWithThe
 TEST_F(PrivacySignalTest, HoldsFromTheSetUpOnAndWhateverElseIsNotKnown) {
   device.publish(signalDocumentOf("opt-out"));
   launch(std::nullopt);
-  EXPECT_TRUE(sdk->screens()->recordDefaults());
+  EXPECT_TRUE(sdk->screens()->recordDefaults({}));
   device.settle();
   EXPECT_EQ(allowed(), "124");
   device.setPrivacySignal(true);
@@ -216,7 +216,7 @@ TEST_F(PrivacySignalTest, SettlesTheBannerOnlyWhenItLeavesNothingToAsk) {
   EXPECT_EQ(sdk->explain(1).get().cause, DecisionCause::signal);
   EXPECT_TRUE(sdk->isBannerDue()) << "purpose 4 is to be asked about";
   sdk->screens()->shown(ScreenKind::banner).reset();
-  EXPECT_TRUE(sdk->screens()->recordDefaults());
+  EXPECT_TRUE(sdk->screens()->recordDefaults({}));
   device.advance(std::chrono::seconds(1));
   EXPECT_EQ(sdk->explainBanner().reason, BannerReason::answered) << "what a signal decided is no earlier answer";
 }
@@ -263,7 +263,7 @@ TEST_F(PrivacySignalTest, WhatTheUserSavesWithTheSignalInSightIsTheUsersOwn) {
     EXPECT_TRUE(purposes.at(0).isOptedOutBySignal);
     EXPECT_EQ(purposes.at(0).consentStatus, declined);
     EXPECT_FALSE(purposes.at(3).isOptedOutBySignal);
-    EXPECT_TRUE(sdk->screens()->save({{1, choice}}));
+    EXPECT_TRUE(sdk->screens()->save({{1, choice}}, {}));
     device.settle();
     EXPECT_EQ(sdk->explain(1).get().cause, DecisionCause::user);
     EXPECT_EQ(sdk->isAllowed(1), choice);

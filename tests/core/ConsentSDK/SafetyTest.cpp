@@ -168,7 +168,7 @@ TEST_F(Safety, ABannerWithNothingToAnswerRecordsNothing) {
   for (const std::string& document : {withoutBanner(), boost::json::serialize(empty)}) {
     device.publish(document);
     launch();
-    EXPECT_FALSE(sdk->screens()->recordDefaults());
+    EXPECT_FALSE(sdk->screens()->recordDefaults({}));
     sdk->checkConsents().wait();
     device.settle();
     EXPECT_TRUE(std::ranges::none_of(sdk->getHistory().get().entries,
@@ -225,7 +225,7 @@ TEST_F(Safety, AnEssentialPurposeIsGrantedByAnyAnswer) {
   EXPECT_TRUE(device.log().find("[WARNING]Purpose 2 is essential") != std::string::npos);
   EXPECT_TRUE(sdk->set({.purposeId = 9}, declined));
   EXPECT_TRUE(device.log().find("[WARNING]Purpose 9 is not listed") != std::string::npos);
-  EXPECT_TRUE(sdk->screens()->save({{1, false}}));
+  EXPECT_TRUE(sdk->screens()->save({{1, false}}, {}));
   EXPECT_EQ(sdk->get(2), granted);
   EXPECT_EQ(sdk->explain(2).get().cause, DecisionCause::essential);
 }

@@ -16,7 +16,8 @@ struct History : ::testing::Test {
   // "number subject from>to cause upload", oldest first.
   std::vector<std::string> listed() {
     std::vector<std::string> lines;
-    for (const auto& [number, decision, upload] : world.sdk->getHistory(1000).get().entries) {
+    for (const auto& [number, decision, upload, link, hash] : world.sdk->getHistory(1000).get().entries) {
+      EXPECT_EQ(link, HistoryLink::intact);
       const std::string subject = decision.purposeId ? std::to_string(*decision.purposeId)
                                                      : decision.permission.value().rawValue().substr(2, 6);
       const std::string from(decision.from ? rawValue(*decision.from) : "");
@@ -51,7 +52,9 @@ TEST_F(History, TellsEveryKindOfDecisionWithItsCircumstances) {
                    "5 3 >declined tracking_status uploaded", "6 1 declined>granted user uploaded",
                    "7 3 declined>granted tracking_status uploaded", "8 1 granted>declined user uploaded",
                    "9 2 granted>granted essential uploaded", "10 3 granted>granted tracking_status uploaded"}));
-  const auto last = world.sdk->getHistory(3).get();
+  auto last = world.sdk->getHistory(3).get();
+  EXPECT_EQ(last.entries.front().decision.previous, last.entries.at(1).hash);
+  last.entries.front().decision.previous = std::nullopt;
   EXPECT_EQ(last.entries.front().decision, (Decision{.time = startSeconds + 1,
                                                      .purposeId = 3,
                                                      .from = granted,

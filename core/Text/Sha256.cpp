@@ -1,0 +1,28 @@
+#include "core/Text/Sha256.h"
+
+#include <nettle/sha2.h>
+
+#include <array>
+
+#include "core/Text/Ascii.h"
+
+namespace quillon {
+
+std::string sha256(std::string_view bytes) {
+  sha256_ctx context;
+  sha256_init(&context);
+  sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+  sha256_digest(&context, digest.size(), digest.data());
+  std::string text;
+  text.reserve(2 * digest.size());
+  for (const auto byte : digest) appendHex(text, static_cast<char>(byte));
+  return text;
+}
+
+bool isSha256(std::string_view text) noexcept {
+  return text.size() == std::size_t{2} * SHA256_DIGEST_SIZE &&
+         text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+}  // namespace quillon
