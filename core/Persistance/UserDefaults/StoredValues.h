@@ -81,6 +81,17 @@ class StoredValues {
   const SuiteChanges* changes_ = nullptr;
 };
 
+template <class T>
+const T* StoredValues::find(std::string_view key) const {
+  if (changes_) {
+    if (const auto changed = changes_->find(key); changed != changes_->end()) {
+      return changed->second ? std::get_if<T>(&*changed->second) : nullptr;
+    }
+  }
+  const auto entry = entries_.find(key);
+  return entry == entries_.end() ? nullptr : std::get_if<T>(&entry->second);
+}
+
 // Changes to a suite, applied atomically. Reads see earlier changes.
 class StoreTransaction : public StoredValues {
  public:
