@@ -75,9 +75,10 @@ void measurePgbench(benchmark::State& state, int clients) {
   test::setFileBytes(folder.path() / "script",
                      "\\set id random(1, 9000000000000000000)\n"
                      "INSERT INTO quillon_decisions(subject, tenant, application, kind, item, decided_at, status, "
-                     "essential, implicit, test, version, compliance, place, device, sdk_version, ad_id, received_at) "
+                     "essential, implicit, test, version, compliance, place, device, sdk_version, ad_id, received_at, "
+                     "cause, history_head) "
                      "VALUES ('device-' || :id::text, '', 'reader', 'purpose', '2', 1700000000, 'granted', 0, 0, 0, 3, "
-                     "'opt-in', '', 'Linux', '', '', 1700000000) ON CONFLICT DO NOTHING;\n");
+                     "'opt-in', '', 'Linux', '', '', 1700000000, '', '') ON CONFLICT DO NOTHING;\n");
   const std::string output = folder.path() / "output";
   const std::string command = test::postgresPrograms() + "pgbench -n -M prepared -T 3 -j 1 -c " +
                               std::to_string(clients) + " -f " + (folder.path() / "script").string() + " '" +

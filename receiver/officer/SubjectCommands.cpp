@@ -17,6 +17,7 @@ json::object toJson(const Upload& upload) {
           {"decided_at", decision.decidedAt},
           {"received_at", upload.receivedAt},
           {"essential", decision.isEssential},
+          {"cause", decision.cause},
           {"implicit", upload.isImplicit},
           {"test", upload.isTest},
           {"version", upload.version},
@@ -24,7 +25,8 @@ json::object toJson(const Upload& upload) {
           {"place", upload.place},
           {"device", upload.device},
           {"sdk_version", upload.sdkVersion},
-          {"advertising_id", upload.advertisingId}};
+          {"advertising_id", upload.advertisingId},
+          {"history_head", upload.historyHead}};
 }
 
 int exportSubject(DecisionStore& store, const Subject& subject) {

@@ -65,6 +65,7 @@ void Receiver::upload(HttpRequest request, HttpServer::Respond respond) {
   metrics_.tokenUsed(match->line);
   upload->tenant = match->tenant;
   upload->place = placeOf(request);
+  upload->historyHead = headOf(request);
   upload->receivedAt = secondsNow();
   const bool taken = queue_.submit(*std::move(upload), [respond](CommitQueue::Outcome outcome) {
     switch (outcome) {
@@ -87,6 +88,13 @@ std::string Receiver::placeOf(const HttpRequest& request) const {
         return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '#';
       });
   return isSound ? std::string(place) : std::string();
+}
+
+std::string Receiver::headOf(const HttpRequest& request) {
+  constexpr std::size_t digits = 64;
+  const std::string_view head = request.header("X-Quillon-History-Head");
+  const bool isDigest = head.size() == digits && head.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+  return isDigest ? std::string(head) : std::string();
 }
 
 HttpServer::Respond Receiver::counted(const HttpRequest& request, HttpServer::Respond respond) {

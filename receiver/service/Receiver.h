@@ -28,6 +28,7 @@ class Receiver {
   void upload(HttpRequest request, HttpServer::Respond respond);
   HttpServer::Respond counted(const HttpRequest& request, HttpServer::Respond respond);
   std::string placeOf(const HttpRequest& request) const;
+  static std::string headOf(const HttpRequest& request);
 
   const Options options_;
   Tokens tokens_;

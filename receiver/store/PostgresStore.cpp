@@ -55,7 +55,7 @@ std::expected<std::unique_ptr<DecisionStore>, StoreError> PostgresStore::open(co
                              ") SELECT * FROM unnest($1::text[], $2::text[], $3::text[], $4::text[], $5::text[], "
                              "$6::bigint[], $7::text[], $8::smallint[], $9::smallint[], $10::smallint[], "
                              "$11::bigint[], $12::text[], $13::text[], $14::text[], $15::text[], $16::text[], "
-                             "$17::bigint[]) ON CONFLICT DO NOTHING";
+                             "$17::bigint[], $18::text[], $19::text[]) ON CONFLICT DO NOTHING";
   if (auto prepared = store->connection_->prepare(kInsert, insert); !prepared) return std::unexpected(prepared.error());
   return store;
 }
@@ -77,17 +77,18 @@ std::expected<void, StoreError> PostgresStore::makeTable() {
   };
   auto there = isThere();
   if (!there) return std::unexpected(there.error());
-  if (*there) return {};
+  if (*there) return addLaterColumns();
 
   // Byte-wise collation: faster, and the same on every machine.
   const std::string text = " text COLLATE \"C\" NOT NULL, ";
-  const std::string table = "CREATE TABLE quillon_decisions(subject" + text + "tenant" + text + "application" + text +
-                            "kind" + text + "item" + text + "decided_at bigint NOT NULL, status" + text +
-                            "essential smallint NOT NULL, implicit smallint NOT NULL, test smallint NOT NULL, "
-                            "version bigint NOT NULL, compliance text NOT NULL, place text NOT NULL, "
-                            "device text NOT NULL, sdk_version text NOT NULL, ad_id text NOT NULL, "
-                            "received_at bigint NOT NULL, " +
-                            std::string(kKey) + ") PARTITION BY HASH (subject)";
+  const std::string table =
+      "CREATE TABLE quillon_decisions(subject" + text + "tenant" + text + "application" + text + "kind" + text +
+      "item" + text + "decided_at bigint NOT NULL, status" + text +
+      "essential smallint NOT NULL, implicit smallint NOT NULL, test smallint NOT NULL, "
+      "version bigint NOT NULL, compliance text NOT NULL, place text NOT NULL, "
+      "device text NOT NULL, sdk_version text NOT NULL, ad_id text NOT NULL, "
+      "received_at bigint NOT NULL, cause text NOT NULL DEFAULT '', history_head text NOT NULL DEFAULT '', " +
+      std::string(kKey) + ") PARTITION BY HASH (subject)";
   // One statement, so it is atomic even with concurrent callers.
   std::string sql = "DO $$ BEGIN " + table + ";";
   for (int i = 0; i < kPartitions; ++i) {
@@ -100,6 +101,23 @@ std::expected<void, StoreError> PostgresStore::makeTable() {
   there = isThere();
   if (there && *there) return {};  // created by another instance
   return std::unexpected(made.error());
+}
+
+// Only where they are missing: the statement stops every other one for a moment.
+std::expected<void, StoreError> PostgresStore::addLaterColumns() {
+  for (const std::string_view column : kLaterColumns) {
+    const std::string name(column);
+    const auto found = query(
+        "SELECT 1 FROM pg_attribute WHERE attrelid = to_regclass('quillon_decisions') AND attname = $1 AND NOT "
+        "attisdropped",
+        std::span(&name, 1));
+    if (!found) return std::unexpected(found.error());
+    if (!found->rows.empty()) continue;
+    const auto added =
+        query("ALTER TABLE quillon_decisions ADD COLUMN IF NOT EXISTS " + name + " text NOT NULL DEFAULT ''", {});
+    if (!added) return std::unexpected(added.error());
+  }
+  return {};
 }
 
 std::expected<std::int64_t, StoreError> PostgresStore::add(std::span<const Upload> uploads) {
@@ -127,6 +145,8 @@ std::expected<std::int64_t, StoreError> PostgresStore::add(std::span<const Uploa
     text(upload->sdkVersion);
     text(upload->advertisingId);
     number(upload->receivedAt);
+    text(decision->cause);
+    text(upload->historyHead);
   }
   std::vector<std::string> parameters;
   for (ArrayText& column : columns) parameters.push_back(std::move(column).finish());

@@ -18,6 +18,7 @@ class PostgresStore final : public SqlStore {
 
   std::expected<Result, StoreError> query(std::string_view sql, std::span<const std::string> parameters) override;
   std::expected<void, StoreError> makeTable();
+  std::expected<void, StoreError> addLaterColumns();
   std::expected<void, StoreError> makeDurable();
 
   std::unique_ptr<PostgresConnection> connection_;

@@ -30,12 +30,14 @@ Upload uploadOf(const std::vector<std::string>& row) {
           .advertisingId = row[15],
           .sdkVersion = row[14],
           .place = row[12],
+          .historyHead = row[18],
           .receivedAt = numberOf(row[16]),
           .decisions = {{.kind = row[3] == textOf(Kind::purpose) ? Kind::purpose : Kind::permission,
                          .item = row[4],
                          .decidedAt = numberOf(row[5]),
                          .status = statusOf(row[6]).value_or(Status::notDetermined),
-                         .isEssential = row[7] == "1"}}};
+                         .isEssential = row[7] == "1",
+                         .cause = row[17]}}};
 }
 
 }  // namespace

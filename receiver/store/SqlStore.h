@@ -20,8 +20,10 @@ class SqlStore : public DecisionStore {
   // The columns in add()'s order.
   static constexpr std::string_view kColumns =
       "subject, tenant, application, kind, item, decided_at, status, essential, implicit, test, version, compliance, "
-      "place, device, sdk_version, ad_id, received_at";
-  static constexpr std::size_t kColumnCount = 17;
+      "place, device, sdk_version, ad_id, received_at, cause, history_head";
+  static constexpr std::size_t kColumnCount = 19;
+  // Those of later versions, which an older table does not have.
+  static constexpr std::string_view kLaterColumns[] = {"cause", "history_head"};
   static constexpr std::string_view kKey = "PRIMARY KEY (subject, tenant, application, kind, item, decided_at, status)";
 
   using Row = std::pair<const Upload*, const Decision*>;

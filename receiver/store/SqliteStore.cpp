@@ -41,18 +41,20 @@ std::expected<std::unique_ptr<DecisionStore>, StoreError> SqliteStore::open(cons
     sqlite3_busy_timeout(store->database_, kBusyMilliseconds);
     // FULL: commits are durable before they are acknowledged; WAL alone does not ensure that.
     if (auto set = store->execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"); !set) return set;
-    return store->execute(("CREATE TABLE IF NOT EXISTS quillon_decisions("
-                           "subject TEXT NOT NULL, tenant TEXT NOT NULL, application TEXT NOT NULL, "
-                           "kind TEXT NOT NULL, item TEXT NOT NULL, decided_at INTEGER NOT NULL, status TEXT NOT NULL, "
-                           "essential INTEGER NOT NULL, implicit INTEGER NOT NULL, test INTEGER NOT NULL, "
-                           "version INTEGER NOT NULL, compliance TEXT NOT NULL, place TEXT NOT NULL, "
-                           "device TEXT NOT NULL, sdk_version TEXT NOT NULL, ad_id TEXT NOT NULL, "
-                           "received_at INTEGER NOT NULL, " +
-                           std::string(kKey) + ") WITHOUT ROWID, STRICT")
-                              .c_str());
+    return store->execute(
+        ("CREATE TABLE IF NOT EXISTS quillon_decisions("
+         "subject TEXT NOT NULL, tenant TEXT NOT NULL, application TEXT NOT NULL, "
+         "kind TEXT NOT NULL, item TEXT NOT NULL, decided_at INTEGER NOT NULL, status TEXT NOT NULL, "
+         "essential INTEGER NOT NULL, implicit INTEGER NOT NULL, test INTEGER NOT NULL, "
+         "version INTEGER NOT NULL, compliance TEXT NOT NULL, place TEXT NOT NULL, "
+         "device TEXT NOT NULL, sdk_version TEXT NOT NULL, ad_id TEXT NOT NULL, "
+         "received_at INTEGER NOT NULL, cause TEXT NOT NULL DEFAULT '', history_head TEXT NOT NULL DEFAULT '', " +
+         std::string(kKey) + ") WITHOUT ROWID, STRICT")
+            .c_str());
   }();
   ::umask(before);
   if (!prepared) return std::unexpected(prepared.error());
+  if (auto added = store->addLaterColumns(); !added) return std::unexpected(added.error());
   std::string sql = "INSERT INTO quillon_decisions(" + std::string(kColumns) + ") VALUES(?";
   for (std::size_t i = 1; i < kColumnCount; ++i) sql += ",?";
   sql += ") ON CONFLICT DO NOTHING";
@@ -61,6 +63,19 @@ std::expected<std::unique_ptr<DecisionStore>, StoreError> SqliteStore::open(cons
     return std::unexpected(store->error());
   }
   return store;
+}
+
+std::expected<void, StoreError> SqliteStore::addLaterColumns() {
+  for (const std::string_view column : kLaterColumns) {
+    const std::string name(column);
+    const auto found =
+        query("SELECT 1 FROM pragma_table_info('quillon_decisions') WHERE name = $1", std::span(&name, 1));
+    if (!found) return std::unexpected(found.error());
+    if (!found->rows.empty()) continue;
+    const std::string sql = "ALTER TABLE quillon_decisions ADD COLUMN " + name + " TEXT NOT NULL DEFAULT ''";
+    if (auto added = execute(sql.c_str()); !added) return added;
+  }
+  return {};
 }
 
 SqliteStore::~SqliteStore() {
@@ -107,6 +122,8 @@ bool SqliteStore::insert(const Upload& upload, const Decision& decision) {
   text(upload.sdkVersion);
   text(upload.advertisingId);
   number(upload.receivedAt);
+  text(decision.cause);
+  text(upload.historyHead);
   const bool done = sqlite3_step(insert_) == SQLITE_DONE;
   sqlite3_reset(insert_);
   return done;

@@ -26,6 +26,7 @@ class SqliteStore final : public SqlStore {
 
   std::expected<Result, StoreError> query(std::string_view sql, std::span<const std::string> parameters) override;
   std::expected<void, StoreError> execute(const char* sql);
+  std::expected<void, StoreError> addLaterColumns();
   bool insert(const Upload& upload, const Decision& decision);
   StoreError error() const;
 

@@ -22,6 +22,7 @@ struct Decision {
   std::int64_t decidedAt = 0;  // seconds since 1970-01-01T00:00:00Z, by the device's clock
   Status status = Status::notDetermined;
   bool isEssential = false;
+  std::string cause = {};  // "signal" when a privacy signal decided; else empty
 
   bool operator==(const Decision&) const = default;
 };
@@ -37,9 +38,10 @@ struct Upload {
   std::int64_t version = 0;     // of the answered configuration
   std::string compliance = {};  // the banner's compliance type, such as "opt-in"
   std::string advertisingId = {};
-  std::string sdkVersion = {};  // empty when unknown
-  std::string place = {};       // location set by the proxy, or empty
-  std::int64_t receivedAt = 0;  // seconds since 1970-01-01T00:00:00Z
+  std::string sdkVersion = {};   // empty when unknown
+  std::string place = {};        // location set by the proxy, or empty
+  std::string historyHead = {};  // digest of the newest entry of the device's history, or empty
+  std::int64_t receivedAt = 0;   // seconds since 1970-01-01T00:00:00Z
   std::vector<Decision> decisions = {};
 
   bool operator==(const Upload&) const = default;

@@ -111,7 +111,8 @@ std::expected<Upload, std::string> uploadOf(const json::object& object) {
                                 .item = std::to_string(entry.integer("purpose_id")),
                                 .decidedAt = entry.time("timestamp"),
                                 .status = entry.status("consent_status"),
-                                .isEssential = entry.truth("is_essential")});
+                                .isEssential = entry.truth("is_essential"),
+                                .cause = entry.optionalText("cause", kMaxNameBytes)});
   });
   members.forEach("permissions", [&](const Members& entry) {
     upload.decisions.push_back({.kind = Kind::permission,

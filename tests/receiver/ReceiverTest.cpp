@@ -81,7 +81,9 @@ TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
   ReceiverProcess receiver(store, {"--place-header", "X-Place", "--log-requests"});
   ASSERT_TRUE(receiver.waitUntilReady());
   const std::string body = uploadBody("anna@example.org", {{2, "granted", 86'400}, {3, "declined", 86'400}});
-  const httplib::Headers headers{{"X-Auth-Token", "secret-token"}, {"X-Place", "DE"}};
+  const httplib::Headers headers{{"X-Auth-Token", "secret-token"},
+                                 {"X-Place", "DE"},
+                                 {"X-Quillon-History-Head", std::string(64, '7')}};
   for (int i = 0; i < 3; ++i) {
     const auto answer = upload(receiver, body, headers);
     EXPECT_EQ(answer.status, 200);
@@ -96,6 +98,7 @@ TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
 
   EXPECT_TRUE(
       contains(officer("export", "anna@example.org"), R"("purpose":"2","status":"granted","decided_at":86400)"));
+  EXPECT_TRUE(contains(officer("export", "anna@example.org"), "\"history_head\":\"" + std::string(64, '7') + '"'));
   EXPECT_TRUE(contains(officer("stats", ""), R"("place":"DE","version":3,"day":86400,"status":"declined")"));
   {
     ServerProcess page({QUILLON_RECEIVER_PROGRAM, "stats", "--store", store, "--page", "0"});

@@ -1,5 +1,6 @@
 // What both stores promise.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <thread>
 
@@ -84,13 +85,33 @@ TEST_P(StoreTest, KeepsEachDecisionOnceInTheDevicesOrderWhateverTheArrival) {
   EXPECT_EQ(historyOf("s"), expected);
 }
 
+TEST(OlderStore, GetsTheColumnsThatItLacksAndKeepsItsDecisions) {
+  const TemporaryFolder folder{TemporaryFolder::fastParent()};
+  const std::string address = folder.path() / "store";
+  ASSERT_TRUE(receiver::openStore(address).value()->add(std::vector{upload("s", {purpose(1, Status::granted, 5)})}));
+  sqlite3* database = nullptr;
+  sqlite3_open((address + "/decisions.db").c_str(), &database);
+  ASSERT_EQ(sqlite3_exec(database,
+                         "ALTER TABLE quillon_decisions DROP COLUMN cause; "
+                         "ALTER TABLE quillon_decisions DROP COLUMN history_head",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(database);
+  const auto reopened = receiver::openStore(address).value();
+  const auto history = reopened->history({"s", {}}).value();
+  ASSERT_EQ(history.size(), 1u);
+  EXPECT_EQ(history.front().historyHead, "");
+}
+
 TEST_P(StoreTest, GivesBackEveryMemberWhateverItHolds) {
   Upload odd = upload("NULL", {{.kind = Kind::permission, .item = "a,b", .decidedAt = -5, .status = Status::withdrawn},
                                {.kind = Kind::purpose,
                                 .item = "-9223372036854775808",
                                 .decidedAt = 7,
                                 .status = Status::notDetermined,
-                                .isEssential = true}});
+                                .isEssential = true,
+                                .cause = "signal"}});
+  odd.historyHead = std::string(64, 'a');
   odd.device = "{\"quoted\", \\ NULL} \xF0\x9F\x93\xB1\n\t'";
   odd.isImplicit = odd.isTest = true;
   odd.version = INT64_MAX;

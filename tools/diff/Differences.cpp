@@ -123,6 +123,18 @@ void comparePurposes(const MainConfiguration& before, const MainConfiguration& a
   }
 }
 
+void compareSignals(const MainConfiguration& before, const MainConfiguration& after, Differences& found) {
+  const auto named = [](const MainConfiguration& configuration) {
+    auto purposes = configuration.privacySignalPurposes.value_or(std::vector<std::int64_t>());
+    std::ranges::sort(purposes);
+    return purposes;
+  };
+  const auto were = named(before);
+  const auto are = named(after);
+  if (were == are) return;
+  found.push_back({material, "a privacy signal opts out of " + list(are) + " in place of " + list(were)});
+}
+
 void comparePermissions(const MainConfiguration& before, const MainConfiguration& after, Differences& found) {
   const auto identity = [](const AppPermission& permission) { return permission.permissionId; };
   pairUp(byIdentity<VantariKey>(before.permissions, identity), byIdentity<VantariKey>(after.permissions, identity),
@@ -217,6 +229,7 @@ void compareConsentMode(const MainConfiguration& before, const MainConfiguration
 Differences differences(const MainConfiguration& before, const MainConfiguration& after) {
   Differences found;
   comparePurposes(before, after, found);
+  compareSignals(before, after, found);
   comparePermissions(before, after, found);
   compareBanners(before, after, found);
   compareConsentMode(before, after, found);
