@@ -440,6 +440,10 @@ Seen killedAtAnyMoment(Trial& trial) {
   host.setUp();
   const auto uploaded = host.ask(R"({"op":"upload"})");
   trial.expect(uploaded.contains("uploaded") && uploaded.at("uploaded") == true, "the rest cannot be uploaded");
+  const auto history = host.ask(R"({"op":"history","count":10000})");
+  for (const auto& entry : history.at("history").as_array()) {
+    trial.expect(entry.at("link") == "intact", "an entry looks changed: " + boost::json::serialize(entry));
+  }
   const std::scoped_lock lock(mutex);
   for (const auto& [id, values] : possible) {
     const auto stored = consentIn(host, id);

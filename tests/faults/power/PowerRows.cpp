@@ -2,10 +2,13 @@
 // is complete, and nothing is granted that was not.
 #include <algorithm>
 #include <fstream>
+#include <limits>
 #include <set>
 #include <unordered_set>
 
+#include "core/History/DecisionChain.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "core/Persistance/UserDefaults/StoredValues.h"
 #include "tests/faults/Areas.h"
 #include "tests/faults/power/PowerRuns.h"
 #include "tests/faults/power/States.h"
@@ -62,6 +65,18 @@ void layOut(const DiskState& state, const std::filesystem::path& data) {
   for (const auto& [name, content] : state) setFileBytes(data / name, content);
 }
 
+// Whether no entry of the history looks changed, among the newest.
+bool holdsTogether(KeyValueSuite& suite) {
+  constexpr std::size_t count = 20;
+  const auto page = suite.journal(std::numeric_limits<std::int64_t>::max(), count + 1);
+  if (!page) return false;
+  ChainState state{StoredValues(*suite.snapshot()).string(key::historyHead, {}), {}, true};
+  if (!page->records.empty()) state.newestNumber = page->records.front().number;
+  const auto history = verifiedHistory(*page, count, state);
+  return !history.isNewestMissing && history.damaged == 0 &&
+         std::ranges::all_of(history.entries, [](const auto& entry) { return entry.link == HistoryLink::intact; });
+}
+
 // Opens a state with the real SDK; returns the fault, empty if none.
 std::string fault(const PowerRun& run, const DiskState& state, const std::filesystem::path& data,
                   const SuiteImage& acknowledged, const SuiteImage& underWay) try {
@@ -72,6 +87,7 @@ std::string fault(const PowerRun& run, const DiskState& state, const std::filesy
   if (found != acknowledged && found != underWay) {
     return found.entries.contains(lostEntriesKey) && !run.isDamaged ? "passed for damage" : "another content is found";
   }
+  if (!run.isDamaged && !holdsTogether(*device.suite())) return "the history looks changed";
   const bool isLost = found.entries.contains(lostEntriesKey);
   if (run.isDamaged && !isLost) return "the loss is not known";
   const auto statusOf = [&](const std::string& key) {
@@ -90,6 +106,7 @@ std::string fault(const PowerRun& run, const DiskState& state, const std::filesy
   if (device.sdk().getStatus() != SDKStatus::ready) return "no configuration can be had";
   if (!device.sdk().set({.purposeId = 1}, ConsentStatus::declined)) return "nothing can be stored any more";
   if (device.sdk().get(1) != ConsentStatus::declined) return "a new decision does not hold";
+  if (!run.isDamaged && !holdsTogether(*device.suite())) return "the history looks changed after a new decision";
   return {};
 } catch (const std::exception& error) {
   return error.what();
