@@ -78,6 +78,15 @@ bool ConsentUploader::takeTurn(std::unique_ptr<StoreTurn>& turn) {
 Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
   const auto session = s_.sessions.current();
   if (!session) co_return false;
+  const bool isDone = co_await uploadInTurn(session, trigger);
+  if (isDone) co_return true;
+  // What the server has refused for good is left to the next change.
+  const ConfigurationPointer configuration = s_.loader.current();
+  if (!configuration || isUploadDue(configuration)) s_.leftPending();
+  co_return false;
+}
+
+Task<bool> ConsentUploader::uploadInTurn(SessionPointer session, Trigger trigger) {
   const auto place = turns_.join();
   co_await place.turn();
   if (!StoredValues(*s_.store.snapshot()).isAnythingPending()) co_return true;
@@ -238,9 +247,7 @@ void ConsentUploader::schedule() {
       const std::scoped_lock lock(mutex_);
       isScheduled_ = false;
     }
-    s_.work.start([this]() -> Task<void> {
-      if (!co_await uploadPending(Trigger::automatic)) s_.leftPending();
-    });
+    s_.work.start([this]() -> Task<void> { co_await uploadPending(Trigger::automatic); });
   };
   auto timer = s_.platform.clock->after(followUpDelay, s_.work.whileAlive(upload));
   const std::scoped_lock lock(mutex_);

@@ -20,7 +20,7 @@ class ConsentUploader {
     ServerApi& server;
     ConfigurationLoader& loader;
     std::function<void()> answered;     // called after every upload that was accepted, failed or not possible
-    std::function<void()> leftPending;  // called when what was decided could not be uploaded by itself
+    std::function<void()> leftPending;  // called when an upload has left something pending: somebody must try again
   };
   explicit ConsentUploader(Services services) : s_(std::move(services)) {}
 
@@ -52,6 +52,7 @@ class ConsentUploader {
     std::string subject;   // stored identifier when the request was made
   };
 
+  Task<bool> uploadInTurn(SessionPointer session, Trigger trigger);
   // Whether this process may upload. Also true, without a turn, once another process has held the turn for longer than
   // any exchange takes: a stopped process must not block the others for good.
   bool takeTurn(std::unique_ptr<StoreTurn>& turn);

@@ -3,6 +3,7 @@
 #include <nettle/sha2.h>
 
 #include <array>
+#include <cstdint>
 
 #include "core/Text/Ascii.h"
 

@@ -6,7 +6,7 @@
 
 namespace quillon::sim {
 
-inline constexpr std::array<std::uint64_t, 18> keptSeeds{
+inline constexpr std::array<std::uint64_t, 19> keptSeeds{
     1,          // a listener was not told what another process had removed before the set-up
     9,          // a decision was not uploaded, as the first configuration asked again
     22,         // analytics was told of a consent although no compliance type was known
@@ -24,6 +24,7 @@ inline constexpr std::array<std::uint64_t, 18> keptSeeds{
     17344,      // a decision that could not be sent waited for the next start
     20416,      // a failed download served the document that another process had replaced meanwhile
     50575,      // as the last one, under the type of an earlier configuration
+    103076,     // an answer that the server asked to send again waited for the next start
     989402466,  // defaults were recorded as granted, as the compliance type of a new configuration could not be stored
 };
 

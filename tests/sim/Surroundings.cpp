@@ -65,10 +65,18 @@ void Surroundings::tamper() {
 }
 
 bool Surroundings::wasStored(std::size_t since, int purpose, const std::string& status) const {
-  const auto isIt = [&](const StoreView& view) {
-    return view.decision(purpose).value_or(view.law == "opt-in" ? "declined" : "granted") == status;
+  const auto isIt = [&](const std::optional<std::string>& decision, const std::string& law) {
+    return decision.value_or(law == "opt-in" ? "declined" : "granted") == status;
   };
-  return isIt(view()) || std::any_of(views.begin() + static_cast<std::ptrdiff_t>(since), views.end(), isIt);
+  std::vector<StoreView> moments(views.begin() + static_cast<std::ptrdiff_t>(since), views.end());
+  moments.push_back(view());
+  for (std::size_t i = 0; i < moments.size(); ++i) {
+    const auto decision = moments[i].decision(purpose);
+    if (isIt(decision, moments[i].law)) return true;
+    // Between two moments the law is stored first, and what follows from it is decided then.
+    if (i + 1 < moments.size() && isIt(decision, moments[i + 1].law)) return true;
+  }
+  return false;
 }
 
 std::optional<int> Surroundings::versionOnDisk() const {

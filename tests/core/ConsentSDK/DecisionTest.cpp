@@ -156,7 +156,7 @@ TEST(UploadReply, DecidesWhatStaysPending) {
   };
   for (const Case& reply :
        {Case{R"({"status":0,"message":"saved\nwell"})", 200, false, false, false, "[INFO]saved\\nwell"},
-        Case{R"({"status":1,"message":"busy"})", 200, true, true, false, "[ERROR]busy"},
+        Case{R"({"status":1,"message":"busy"})", 200, true, true, true, "[ERROR]busy"},
         Case{R"({"status":2,"message":"odd"})", 200, false, true, false, "[INFO]odd"},
         Case{"{}", 500, true, true, true, "[ERROR]Failed with Status (500)"},
         Case{"[]", 200, true, true, true, "Failed to Decode GenericResponse : "}}) {
