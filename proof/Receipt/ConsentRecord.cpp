@@ -121,7 +121,10 @@ void stateController(json::object& process, const DataController& controller, Pr
 
 json::object processOf(const RecordContext& context, std::int64_t purposeId, const ToldPurpose& told) {
   json::object process{{"@type", "dpv:Process"}, {"dpv:hasPurpose", purposeOf(purposeId, told.texts)}};
-  state(process, "dpv:hasRecipient", told.texts.recipients);
+  auto recipients = told.texts.recipients;
+  if (context.request.controller) recipients.push_back(controllerId(*context.request.controller));
+  std::erase(recipients, "");
+  state(process, "dpv:hasRecipient", recipients);
   if (told.isEssential) process.emplace("dpv:hasNecessity", *told.isEssential ? "dpv:Required" : "dpv:Optional");
   if (auto all = controls(context.request); !all.empty()) process.emplace("dpv:hasConsentControl", std::move(all));
   if (context.request.controller) stateController(process, *context.request.controller, context.profile);
