@@ -62,7 +62,7 @@ std::expected<ExportedHistory, std::string> entryLines(std::string_view text) {
 }  // namespace
 
 std::expected<ExportedHistory, std::string> readHistory(std::string_view text) {
-  if (text.size() > largestProofFile) return std::unexpected("larger than 64 MiB");
+  if (text.size() > largestProofFile) return std::unexpected("larger than 32 MiB");
   auto whole = readUntrustedJson(text);
   if (whole && whole->is_object() && whole->get_object().contains("entries")) {
     return wholeHistory(std::move(whole->get_object()));

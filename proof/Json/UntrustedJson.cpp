@@ -104,7 +104,7 @@ std::size_t membersIn(const json::value& value) {
 }  // namespace
 
 std::expected<json::value, std::string> readUntrustedJson(std::string_view text) {
-  if (text.size() > largestProofFile) return std::unexpected("larger than 64 MiB");
+  if (text.size() > largestProofFile) return std::unexpected("larger than 32 MiB");
   json::parse_options options;
   options.max_depth = deepestProofFile;
   json::basic_parser<Builder> parser(options);

@@ -9,7 +9,7 @@
 
 namespace quillon::proof {
 
-inline constexpr std::size_t largestProofFile = std::size_t{64} << 20;
+inline constexpr std::size_t largestProofFile = std::size_t{32} << 20;
 inline constexpr std::size_t deepestProofFile = 64;
 
 // Refuses what is larger or deeper than the limits, is not UTF-8, or says a member twice, of which two readers would

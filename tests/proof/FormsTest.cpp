@@ -70,7 +70,7 @@ TEST(UntrustedJson, RefusesWhatTwoReadersReadDifferentlyAndWhatIsTooDeep) {
       {"", "no JSON"},
       {"[1,]", "no JSON"},
       {std::string(65, '[') + std::string(65, ']'), "no JSON"},
-      {std::string(largestProofFile + 1, ' '), "larger than 64 MiB"},
+      {std::string(largestProofFile + 1, ' '), "larger than 32 MiB"},
   };
   for (const auto& [text, error] : cases) {
     const auto read = readUntrustedJson(text);
