@@ -108,7 +108,7 @@ class ExportCheck {
       findings_.fault("file history.json", "cannot be read: " + history.error());
       return;
     }
-    if (!history->isWhole) findings_.fault("file history.json", "has no list of entries");
+    if (!history->state.isHeadKnown) findings_.fault("file history.json", "has no list of entries");
     checkChain(history->entries, history->state, findings_);
     checkNotices(history->entries, notices(*history), findings_);
     checkTimes(history->entries, expected_.now, findings_);

@@ -45,7 +45,7 @@ std::expected<ExportedHistory, std::string> wholeHistory(json::object document) 
 // A single line may be one entry, or a history of few.
 std::expected<ExportedHistory, std::string> entryLines(std::string_view text) {
   ExportedHistory history;
-  history.isWhole = false;
+  history.state.isHeadKnown = false;
   for (std::size_t line = 1; !text.empty(); ++line) {
     const auto end = std::min(text.find('\n'), text.size());
     const auto content = text.substr(0, end);

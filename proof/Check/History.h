@@ -18,7 +18,6 @@ struct ExportedHistory {
   HistoryEntries entries;
   ChainState state;
   std::vector<std::string> goneNotices;
-  bool isWhole = true;  // false for entries alone, without the hash of the newest one
 };
 
 // Reads the history.json of an export, or entries as `quillon-consent store history` prints them, one a line.

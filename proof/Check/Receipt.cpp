@@ -87,13 +87,15 @@ class ReceiptCheck {
       if (field.is_string()) listed.emplace_back(field.get_string());
     });
     const auto missing = missingFields(record, profile == schema::recordEuGdpr ? Profile::euGdpr : Profile::generic);
+    std::string said;
     for (const auto& field : missing) {
       if (std::ranges::find(listed, field) == listed.end()) {
         findings_.fault(name, "lacks the field " + field + ", and does not say so");
       } else {
-        findings_.note(name, "does not state the field " + field + ", and says so");
+        said += (said.empty() ? "" : ", ") + field;
       }
     }
+    if (!said.empty()) findings_.note(name, "does not state these fields, and says so: " + said);
     if (missing.empty()) findings_.holds(name, "states every field that it must");
     forEachIn(record, "dpv:hasConsentStatus", [&](const json::value& status) {
       if (status.is_object()) checkStatus(name, status.get_object());

@@ -104,6 +104,7 @@ class ChainCheck {
   }
 
   void checkHead() {
+    if (!state_.isHeadKnown) return;
     if (chained_ == 0) {
       if (state_.head) findings_.fault("history", "its newest entries are missing");
       return;

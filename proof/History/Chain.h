@@ -22,6 +22,7 @@ using HistoryEntries = std::vector<boost::json::object>;  // oldest first
 
 struct ChainState {
   std::optional<std::string> head;
+  bool isHeadKnown = true;   // false for entries alone, of which newer ones may be missing
   std::int64_t damaged = 0;  // entries that were left out
 };
 

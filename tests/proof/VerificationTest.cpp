@@ -220,7 +220,7 @@ TEST(Verification, TakesAHistoryThatHasGrownSinceTheReceiptAndLinesAsTheToolPrin
   for (const auto& entry : later.entries) lines += entry + "\n";
   auto history = readHistory(lines);
   ASSERT_TRUE(history) << history.error();
-  EXPECT_FALSE(history->isWhole);
+  EXPECT_FALSE(history->state.isHeadKnown);
   auto earlier = request();
   earlier.evidence.entries.pop_back();  // the permission, which is elsewhere in the longer one
   earlier.evidence.head = entryHash(json::parse(earlier.evidence.entries.back()).as_object());
