@@ -12,7 +12,7 @@
 #include "proof/Json/CanonicalJson.h"
 #include "proof/Signature/Sha256.h"
 
-namespace quillon::test {
+namespace quillon::proof::test {
 
 namespace json = boost::json;
 
@@ -124,4 +124,4 @@ inline std::string listed(const proof::Findings& findings, proof::Finding::Kind 
   return text;
 }
 
-}  // namespace quillon::test
+}  // namespace quillon::proof::test

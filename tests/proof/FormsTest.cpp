@@ -9,10 +9,9 @@
 #include "proof/Json/UntrustedJson.h"
 #include "proof/Receipt/Vocabulary.h"
 
-namespace quillon::test {
+namespace quillon::proof::test {
 namespace {
 
-using namespace quillon::proof;
 namespace fs = std::filesystem;
 
 std::string contentOf(const fs::path& path) {
@@ -112,4 +111,4 @@ TEST(Vocabulary, ReadsTheGuidesRecordsWithoutLossAndKnowsWhatTheyLack) {
 }
 
 }  // namespace
-}  // namespace quillon::test
+}  // namespace quillon::proof::test

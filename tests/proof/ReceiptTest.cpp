@@ -8,10 +8,8 @@
 #include "quillon/Receipts.h"
 #include "tests/proof/Evidence.h"
 
-namespace quillon::test {
+namespace quillon::proof::test {
 namespace {
-
-using namespace quillon::proof;
 
 json::object issued(const ReceiptRequest& from) {
   SeededRandom random;
@@ -129,4 +127,4 @@ TEST(Receipt, OfTheIssuerIsSignedByTheDevicesKey) {
 }
 
 }  // namespace
-}  // namespace quillon::test
+}  // namespace quillon::proof::test

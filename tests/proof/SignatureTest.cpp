@@ -8,10 +8,8 @@
 #include "proof/Signature/Keys.h"
 #include "proof/Signature/Sha256.h"
 
-namespace quillon::test {
+namespace quillon::proof::test {
 namespace {
-
-using namespace quillon::proof;
 
 std::string fromHex(std::string_view hex) {
   std::string bytes;
@@ -91,4 +89,4 @@ TEST(Jws, RefusesEveryOtherHeaderPayloadAndSpelling) {
 }
 
 }  // namespace
-}  // namespace quillon::test
+}  // namespace quillon::proof::test

@@ -7,10 +7,8 @@
 #include "proof/Receipt/Receipt.h"
 #include "tests/proof/Evidence.h"
 
-namespace quillon::test {
+namespace quillon::proof::test {
 namespace {
-
-using namespace quillon::proof;
 
 HistoryEntries entriesOf(const HistoryEvidence& evidence) {
   HistoryEntries entries;
@@ -233,4 +231,4 @@ TEST(Verification, TakesAHistoryThatHasGrownSinceTheReceiptAndLinesAsTheToolPrin
 }
 
 }  // namespace
-}  // namespace quillon::test
+}  // namespace quillon::proof::test
