@@ -44,6 +44,8 @@ quillon_pkgconfig(quillon-consent-testing "A device in memory, for tests of an a
   "-lquillon-testing;-lquillon-core" "-lquillon-memory;${core_archives}" "")
 quillon_pkgconfig(quillon-consent-signals "Consent management for applications, strings of the advertising trade"
   "-lquillon-signals;-lquillon-core" "${core_archives}" "")
+quillon_pkgconfig(quillon-consent-proof "Consent management for applications, receipts"
+  "-Wl,-u,quillonReceiptIssuer;-lquillon-proof;-lquillon-linux;-lquillon-core" "${core_archives}" "${needs};hogweed")
 # Of archives, the screens are also objects, which CMake alone hands on.
 if(TARGET quillon_qtquick AND BUILD_SHARED_LIBS)
   quillon_pkgconfig(quillon-consent-qtquick "Consent management for applications, screens for Qt Quick"
@@ -67,8 +69,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The libraries of the packages beside one another.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/ui
-  ${PROJECT_BINARY_DIR}/ui/qtquick)
+  ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/proof
+  ${PROJECT_BINARY_DIR}/ui  ${PROJECT_BINARY_DIR}/ui/qtquick)
 set(CPACK_COMPONENTS_ALL runtime development tools)
 set(runtime "libquillon-consent${QUILLON_ABI}")
 set(exactly "(= ${PROJECT_VERSION})")

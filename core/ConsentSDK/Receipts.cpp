@@ -11,8 +11,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view headKey = "HISTORY_HEAD";
-
 using Result = ConsentSDKResult<std::string>;
 
 std::string numbered(const HistoryEntry& entry) {
@@ -34,20 +32,18 @@ PurposeTexts textsOf(const Purpose& purpose, const std::string& language) {
 
 }  // namespace
 
-std::optional<HistoryEvidence> Receipts::evidence() const {
-  // A decision between the two readings would leave the newest hash without its entry.
-  constexpr int attempts = 10;
-  for (int attempt = 0; attempt < attempts; ++attempt) {
-    const auto entries = s_.store.snapshot();
-    const StoredValues stored(*entries);
-    HistoryEvidence evidence{.head = stored.string(headKey), .subjectId = stored.string(key::subjectId, {})};
-    const auto history = s_.store.history(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords);
-    if (StoredValues(*s_.store.snapshot()).string(headKey) != evidence.head) continue;
-    evidence.damaged = history.damaged;
-    for (const auto& entry : history.entries | std::views::reverse) evidence.entries.push_back(numbered(entry));
-    return evidence;
+HistoryEvidence Receipts::evidence() const {
+  const auto history = s_.store.verifiedHistory(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords);
+  HistoryEvidence evidence{.notices = s_.notices.texts(), .damaged = history.damaged};
+  for (const auto& entry : history.entries | std::views::reverse) evidence.entries.push_back(numbered(entry));
+  const auto stored = s_.store.snapshot();
+  evidence.subjectId = StoredValues(*stored).string(key::subjectId, {});
+  if (history.isNewestMissing) {
+    evidence.head = StoredValues(*stored).string(key::historyHead);
+  } else if (!history.entries.empty() && history.entries.front().decision.previous) {
+    evidence.head = history.entries.front().hash;  // the stored one may be newer by now
   }
-  return std::nullopt;
+  return evidence;
 }
 
 std::map<std::int64_t, PurposeTexts> Receipts::purposeTexts(const std::string& language) const {
@@ -68,12 +64,10 @@ Result Receipts::receipt(std::vector<std::int64_t> purposes) const {
   };
   if (!platform.receipts) return failure("the library quillon::proof is not linked");
   if (!platform.keys) return failure("the platform keeps no key");
-  auto known = evidence();
-  if (!known) return failure("the history changes too often");
+  ReceiptRequest request{.evidence = evidence(), .purposes = std::move(purposes)};
   const auto session = s_.sessions.current();
-  known->language = s_.sessions.language();
-  if (session) known->applicationId = session->options.appId;
-  ReceiptRequest request{.evidence = std::move(*known), .purposes = std::move(purposes)};
+  request.evidence.language = s_.sessions.language();
+  if (session) request.evidence.applicationId = session->options.appId;
   request.texts = purposeTexts(request.evidence.language);
   if (session) request.controller = session->options.controller;
   request.time = wholeSeconds(platform.clock->now());

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/ConsentSDK/ConfigurationLoader.h"
+#include "core/History/NoticeArchive.h"
 #include "quillon/ConsentSDKResult.h"
 
 namespace quillon {
@@ -17,6 +18,7 @@ class Receipts {
   // Collaborators; all must outlive it.
   struct Services : Foundation {
     ConfigurationLoader& loader;
+    NoticeArchive& notices;
   };
   explicit Receipts(Services services) : s_(services) {}
 
@@ -26,7 +28,7 @@ class Receipts {
   std::optional<std::string> keyThumbprint() const;
 
  private:
-  std::optional<HistoryEvidence> evidence() const;
+  HistoryEvidence evidence() const;
   std::map<std::int64_t, PurposeTexts> purposeTexts(const std::string& language) const;
 
   const Services s_;

@@ -1,13 +1,13 @@
 // Checks a folder of Export/Export.h.
 #include <set>
 
+#include "core/Text/Sha256.h"
 #include "proof/Check/SignedDocument.h"
 #include "proof/Check/Verification.h"
 #include "proof/Export/Export.h"
 #include "proof/Json/Members.h"
 #include "proof/Json/Times.h"
 #include "proof/Json/UntrustedJson.h"
-#include "proof/Signature/Sha256.h"
 
 namespace quillon::proof {
 namespace {
@@ -73,7 +73,7 @@ class ExportCheck {
         findings_.fault(subject, "is listed twice");
       } else if (file == files_.end()) {
         findings_.fault(subject, "is missing");
-      } else if (textIn(*entry, "sha256") != sha256Text(file->second) ||
+      } else if (textIn(*entry, "sha256") != sha256(file->second) ||
                  numberIn(*entry, "size") != static_cast<std::int64_t>(file->second.size())) {
         findings_.fault(subject, "was changed");
       } else {

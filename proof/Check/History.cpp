@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <set>
 
+#include "core/Text/Sha256.h"
 #include "proof/Json/CanonicalJson.h"
 #include "proof/Json/Members.h"
 #include "proof/Json/Times.h"
 #include "proof/Json/UntrustedJson.h"
-#include "proof/Signature/Sha256.h"
 
 namespace quillon::proof {
 namespace {
@@ -81,16 +81,16 @@ void checkNotices(const HistoryEntries& entries, const NoticeTexts& notices, Fin
     const std::string hash(textIn(entry, "notice").value_or(""));
     if (hash == "application" || !checked.insert(hash).second) continue;
     const std::string subject = "notice " + hash;
-    if (!isSha256Text(hash)) {
+    if (!isSha256(hash)) {
       findings.fault(nameOf(entry), "names no notice");
     } else if (const auto known = notices.find(hash); known == notices.end()) {
       findings.fault(subject, "is missing; " + nameOf(entry) + " answered it");
     } else if (!known->second) {
       ++gone;
-      findings.note(subject, "is gone by age; " + nameOf(entry) + " answered it");
+      findings.note(subject, "is not kept any more; " + nameOf(entry) + " answered it");
     } else if (const auto read = readUntrustedJson(*known->second); !read) {
       findings.fault(subject, "cannot be read: " + read.error());
-    } else if (sha256Text(canonicalJson(*read)) != hash) {
+    } else if (sha256(canonicalJson(*read)) != hash) {
       findings.fault(subject, "was changed");
     }
   }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "core/Text/Sha256.h"
 #include "proof/Check/SignedDocument.h"
 #include "proof/Check/Verification.h"
 #include "proof/Json/CanonicalJson.h"
@@ -9,7 +10,6 @@
 #include "proof/Json/Times.h"
 #include "proof/Receipt/ConsentEvent.h"
 #include "proof/Receipt/Vocabulary.h"
-#include "proof/Signature/Sha256.h"
 
 namespace quillon::proof {
 namespace {
@@ -66,8 +66,8 @@ class ReceiptCheck {
       const std::string hash(notice.key());
       notices_.insert(hash);
       if (notice.value().is_null()) {
-        findings_.note("notice " + hash, "is gone by age");
-      } else if (sha256Text(canonicalJson(notice.value())) != hash) {
+        findings_.note("notice " + hash, "is not kept any more");
+      } else if (sha256(canonicalJson(notice.value())) != hash) {
         findings_.fault("notice " + hash, "was changed");
       } else {
         findings_.holds("notice " + hash, "is what was shown");
@@ -120,7 +120,7 @@ class ReceiptCheck {
       findings_.note(name, "is younger than the receipt: the device's clock was set back");
     }
     const std::string notice(textIn(entry, "notice").value_or(""));
-    if (isSha256Text(notice) && !notices_.contains(notice)) {
+    if (isSha256(notice) && !notices_.contains(notice)) {
       findings_.fault("notice " + notice, "is missing; " + name + " answered it");
     }
   }

@@ -2,10 +2,10 @@
 
 #include <unordered_map>
 
+#include "core/Text/Sha256.h"
 #include "platform/KeyValueSuite.h"
 #include "proof/Json/CanonicalJson.h"
 #include "proof/Json/Members.h"
-#include "proof/Signature/Sha256.h"
 
 namespace quillon::proof {
 namespace {
@@ -73,7 +73,7 @@ class ChainCheck {
     }
     ++chained_;
     const auto previous = textIn(entries_[i], "previous").value_or("");
-    if (isSha256Text(previous)) {
+    if (isSha256(previous)) {
       checkHash(i, previous);
     } else if (previous == "first" || previous == "removed") {
       if (i > 0) fault(i, "says that none is before it, but " + nameOf(entries_[i - 1]) + " is");
@@ -128,12 +128,12 @@ class ChainCheck {
 
 json::object hashedPart(const json::object& entry) {
   json::object part = entry;
-  for (const auto* member : {"number", "upload", "hash"}) part.erase(member);
+  for (const auto* member : {"number", "upload", "link", "hash"}) part.erase(member);
   return part;
 }
 
 std::string entryHash(const json::object& entry) {
-  return sha256Text(canonicalJson(hashedPart(entry)));
+  return sha256(canonicalJson(hashedPart(entry)));
 }
 
 std::string nameOf(const json::object& entry) {

@@ -148,7 +148,7 @@ class Summary {
       lines_.push_back({Kind::section, "", "Notice " + std::string(hash)});
       const auto* const shown = notice.if_object();
       if (shown == nullptr) {
-        lines_.push_back({Kind::text, "", "Gone by age."});
+        lines_.push_back({Kind::text, "", "Not kept any more."});
         continue;
       }
       fact("Screen", statedIn(*shown, "screen"));

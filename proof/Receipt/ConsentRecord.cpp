@@ -3,11 +3,11 @@
 #include <boost/json/value_from.hpp>
 #include <set>
 
+#include "core/Text/Sha256.h"
 #include "proof/Json/Members.h"
 #include "proof/Json/Times.h"
 #include "proof/Receipt/ConsentEvent.h"
 #include "proof/Receipt/Identifiers.h"
-#include "proof/Signature/Sha256.h"
 
 namespace quillon::proof {
 namespace {
@@ -163,7 +163,7 @@ json::object statusOf(const RecordContext& context, const json::object& entry) {
       {"dpv:isIndicatedAtTime", timeText(numberIn(entry, "time").value_or(0))},
   };
   const std::string notice(textIn(entry, "notice").value_or(""));
-  if (isSha256Text(notice)) {
+  if (isSha256(notice)) {
     status.emplace("dpv:hasNotice", std::string(noticePrefix) + notice);
     if (const auto known = context.notices.find(notice); known != context.notices.end()) {
       if (const auto screen = textIn(known->second, "screen")) status.emplace("dpv:hasIndicationMethod", *screen);
@@ -186,7 +186,7 @@ json::array noticesOf(const RecordContext& context, const std::vector<const json
   json::array all;
   for (const auto* entry : entries) {
     const std::string hash(textIn(*entry, "notice").value_or(""));
-    if (!isSha256Text(hash) || !seen.insert(hash).second) continue;
+    if (!isSha256(hash) || !seen.insert(hash).second) continue;
     json::object notice{{"@id", std::string(noticePrefix) + hash},
                         {"@type", "dpv:ConsentNotice"},
                         {"dct:language", textIn(*entry, "language").value_or("")}};

@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "core/Text/Sha256.h"
 #include "proof/Json/CanonicalJson.h"
 #include "proof/Json/Members.h"
 #include "proof/Json/Times.h"
@@ -10,7 +11,6 @@
 #include "proof/Receipt/Identifiers.h"
 #include "proof/Receipt/Vocabulary.h"
 #include "proof/Signature/Jws.h"
-#include "proof/Signature/Sha256.h"
 #include "quillon/version.h"
 
 namespace quillon::proof {
@@ -64,7 +64,7 @@ json::object answered(const EntriesByPurpose& decided, const std::map<std::strin
   for (const auto& [id, entries] : decided) {
     for (const auto* entry : entries) {
       const std::string hash(textIn(*entry, "notice").value_or(""));
-      if (!isSha256Text(hash)) continue;
+      if (!isSha256(hash)) continue;
       const auto known = notices.find(hash);
       all.emplace(hash, known != notices.end() ? json::value(known->second) : json::value());
     }

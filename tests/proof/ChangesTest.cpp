@@ -44,7 +44,7 @@ class Changer {
     json::array list;
     for (const auto& [name, content] : files) {
       if (name == "manifest.json") continue;
-      list.push_back(json::object{{"name", name}, {"size", content.size()}, {"sha256", sha256Text(content)}});
+      list.push_back(json::object{{"name", name}, {"size", content.size()}, {"sha256", sha256(content)}});
     }
     document.get_object().at("manifest").as_object()["files"] = std::move(list);
     manifest->second = canonicalJson(document);

@@ -5,12 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "core/Text/Sha256.h"
 #include "platform/ReceiptIssuer.h"
 #include "platform/memory/SeededRandom.h"
 #include "proof/Export/Export.h"
 #include "proof/History/Chain.h"
 #include "proof/Json/CanonicalJson.h"
-#include "proof/Signature/Sha256.h"
 
 namespace quillon::proof::test {
 
@@ -72,7 +72,7 @@ inline HistoryEvidence someEvidence(int entries = 12) {
     entry["time"] = decisionTime + i;
     if (isByUser) {
       const auto notice = noticeText(i % 3);
-      const auto hash = proof::sha256Text(notice);
+      const auto hash = sha256(notice);
       evidence.notices.emplace(hash, i % 3 == 0 ? "" : notice);
       entry.emplace("notice", i == 1 ? "application" : std::string_view(hash));
     }

@@ -1,7 +1,10 @@
 // Receipts that applications ask the SDK for, over a real store.
 #include <gtest/gtest.h>
 
+#include "core/Text/Sha256.h"
+#include "platform/ScreenServices.h"
 #include "proof/Check/Verification.h"
+#include "proof/Json/CanonicalJson.h"
 #include "quillon/Receipts.h"
 #include "tests/proof/Evidence.h"
 #include "tests/support/World.h"
@@ -15,7 +18,9 @@ struct SdkReceipts : testing::Test {
     auto options = world.options();
     options.controller = completeController();
     world.start(options);
-    ASSERT_TRUE(world.sdk->acceptOrReject(true).get());
+    const auto screens = world.sdk->screens();
+    ASSERT_TRUE(screens->answer(true, screens->keepNotice(noticeText(1))));
+    world.settle();
   }
   std::string thumbprint() { return receiptIssuer()->keyThumbprint(*world.platform.keys).value(); }
   Findings checked(const std::string& document, const std::string& key) {
@@ -37,7 +42,8 @@ TEST_F(SdkReceipts, HoldAndAreMadeByTheLibraryThatIsLinked) {
   const auto document = json::parse(*receipt.value()).at("receipt");
   const auto& process = document.at("dpv:hasRecordOfActivity").at(0).at("dpv:hasProcess");
   EXPECT_EQ(process.at("dpv:hasPurpose").at("dct:identifier"), "1");
-  EXPECT_TRUE(process.at("dpv:hasPurpose").as_object().contains("dct:title"));
+  EXPECT_EQ(process.at("dpv:hasPurpose").at("dct:title"), "Statistik") << "as it was shown";
+  EXPECT_EQ(canonicalJson(document.at("quillon:notices").at(sha256(noticeText(1)))), noticeText(1));
   EXPECT_EQ(document.at("dct:publisher"), "Reader Ltd");
   EXPECT_EQ(world.sdk->receipt({99}).get().error()->error, "purpose 99 was not decided on");
 }

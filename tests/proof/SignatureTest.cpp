@@ -3,10 +3,10 @@
 #include <boost/json.hpp>
 #include <fstream>
 
+#include "core/Text/Sha256.h"
 #include "proof/Signature/Base64Url.h"
 #include "proof/Signature/Jws.h"
 #include "proof/Signature/Keys.h"
-#include "proof/Signature/Sha256.h"
 
 namespace quillon::proof::test {
 namespace {
@@ -60,7 +60,7 @@ TEST(Jws, HasThePublishedKeyThumbprintAndSignature) {
   EXPECT_EQ(input, "eyJhbGciOiJFZERTQSJ9.RXhhbXBsZSBvZiBFZDI1NTE5IHNpZ25pbmc");
   EXPECT_EQ(base64Url(textOf(key.sign(input))),
             "hgyY0il_MGCjP0JzlnLWG1PPOt7-09PGcvMg3AIbQR6dWbhijcNR4ki4iylGjg5BhVsPt9g7sVvpAr_MuM0KAg");
-  EXPECT_EQ(sha256Text("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(sha256("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
 }
 
 TEST(Jws, RefusesEveryOtherHeaderPayloadAndSpelling) {

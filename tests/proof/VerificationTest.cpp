@@ -107,7 +107,7 @@ TEST(Verification, TellsEveryPartOfAnExportThatHolds) {
         "signature of the receipt: ", "receipt: is a part of the history"}) {
     EXPECT_NE(holding.find(part), std::string::npos) << part << '\n' << holding;
   }
-  EXPECT_NE(listed(findings, Finding::Kind::note).find("is gone by age"), std::string::npos);
+  EXPECT_NE(listed(findings, Finding::Kind::note).find("is not kept any more"), std::string::npos);
   Findings empty;
   checkExport(someExport({.time = issueTime}), {.now = issueTime}, empty);
   EXPECT_EQ(empty.faults(), 0u) << listed(empty);
@@ -121,7 +121,7 @@ struct ExportCase {
 };
 
 TEST(Verification, NamesWhatDoesNotHoldInAnExport) {
-  const auto hash = sha256Text(noticeText(1));
+  const auto hash = sha256(noticeText(1));
   const auto path = "notices/" + hash + ".json";
   const auto fresh = [](ExportFiles& files) { files["manifest.json"] = manifestOf(files, issueTime, otherKey()); };
   const auto ofOwnKey = [](ExportFiles& files) {
@@ -195,7 +195,7 @@ TEST(Verification, FindsAReceiptThatContradictsItself) {
       {[&](auto&, auto& r) { statusOf(r).erase(term::decision); }, "without the entry of the history"},
       {[](auto& a, auto&) { a[term::notices].as_object().begin()->value() = json::object(); }, "was changed"},
       {[](auto& a, auto&) { a[term::notices].as_object().clear(); }, "is missing; entry"},
-      {[](auto& a, auto&) { a[term::historyHead] = sha256Text(""); }, "the newest entry that it knew"},
+      {[](auto& a, auto&) { a[term::historyHead] = sha256(""); }, "the newest entry that it knew"},
       {[](auto& a, auto&) { a["dct:conformsTo"] = "https://other.example/"; }, "conforms to no profile"},
       {[](auto& a, auto&) { a["dct:created"] = "yesterday"; }, "has no time of its creation"},
       {[](auto& a, auto&) { a["dpv:hasRecordOfActivity"] = json::array(); }, "holds no record"},

@@ -55,7 +55,9 @@ TEST_F(Receipts, OfAnExportHoldUntilAnythingOfItIsChanged) {
   auto run = runTool({"receipt", "verify", in("export"), "--key", in("export/key.json")});
   EXPECT_EQ(run.status, 0) << run.output << run.errors;
   EXPECT_TRUE(contains(run.output, "holds: receipt: is a part of the history")) << run.output;
-  EXPECT_TRUE(contains(run.output, "does not state these fields, and says so: dpv:hasNotice, dpv:hasPersonalData, ")) << run.output;
+  EXPECT_TRUE(contains(run.output, "holds: chain: 4 entries follow each other")) << run.output;
+  EXPECT_TRUE(contains(run.output, "does not state these fields, and says so: dpv:hasNotice, dpv:hasPersonalData, "))
+      << run.output;
   EXPECT_TRUE(run.output.ends_with("everything holds\n"));
 
   // A later receipt by the same key is a part of the store's history, in every form that that is handed out in.

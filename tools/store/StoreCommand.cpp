@@ -70,9 +70,10 @@ std::expected<void, std::string> holdsTogether(const HistoryPage& history) {
   for (const HistoryEntry& entry : history.entries | std::views::reverse) {
     if (entry.link != HistoryLink::broken) continue;
     ++faults;
-    std::cerr << "quillon-consent store: entry " << entry.number
-              << " does not follow the one after which it was written: that one was changed, moved or removed, or this one"
-                 " was inserted\n";
+    std::cerr
+        << "quillon-consent store: entry " << entry.number
+        << " does not follow the one after which it was written: that one was changed, moved or removed, or this one"
+           " was inserted\n";
   }
   if (faults == 0) return {};
   return std::unexpected("the history does not hold together");
@@ -136,6 +137,7 @@ std::expected<void, std::string> reset(const StoreOptions& options) {
     std::cerr << "quillon-consent store: " << damage << '\n';
   });
   if (!suite) return std::unexpected(suite.error());
+  if (auto forgotten = platform.keys->forget(); !forgotten) return forgotten;
   return suite.value()->update([](const SuiteEntries& current) {
     SuiteUpdate update;
     for (const auto& [key, value] : current) update.changes.emplace(key, std::nullopt);

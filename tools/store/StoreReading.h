@@ -14,14 +14,15 @@ namespace quillon::tools {
 // The services over a data folder; an empty one is that of `quillon-consent host`.
 [[nodiscard]] Platform platformOver(const std::filesystem::path& dataDirectory);
 
-// The store's file, with links resolved; an error when there is none.
-[[nodiscard]] std::expected<std::filesystem::path, std::string> storeFile(const Platform& platform);
+// A suite's file, with links resolved; an error when there is none.
+[[nodiscard]] std::expected<std::filesystem::path, std::string> suiteFile(const Platform& platform,
+                                                                          std::string_view suite);
 
-// Opens a suite's file directly: the store would replace a damaged one, which a read must not do. Damaged entries are
-// told on standard error.
-[[nodiscard]] std::expected<SuiteFile::Opened, std::string> openSuite(const std::filesystem::path& file);
+// Opens the file directly: the store would replace a damaged one, which a read must not do. Damaged entries are told on
+// standard error.
+[[nodiscard]] std::expected<SuiteFile::Opened, std::string> openSuite(const Platform& platform, std::string_view suite);
 
-// Every entry, newest first.
-[[nodiscard]] std::expected<HistoryPage, std::string> historyIn(SuiteFile& file);
+// Every decision, newest first; the entries are those of the same file.
+[[nodiscard]] std::expected<HistoryPage, std::string> historyIn(SuiteFile& file, const SuiteEntries& entries);
 
 }  // namespace quillon::tools

@@ -4,8 +4,10 @@
 #include <chrono>
 #include <ranges>
 
+#include "core/History/NoticeArchive.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Persistance/UserDefaults/StoredValues.h"
+#include "core/Text/Sha256.h"
 #include "proof/Export/Export.h"
 #include "proof/Receipt/ControllerJson.h"
 #include "proof/Receipt/Receipt.h"
@@ -17,41 +19,36 @@
 namespace quillon::tools {
 namespace {
 
-constexpr std::string_view headKey = "HISTORY_HEAD";
-
-std::expected<void, std::string> readNotices(const std::filesystem::path& store, HistoryEvidence& evidence) {
-  auto file = store;
-  file.replace_filename(std::string(key::suiteName) + ".notices.sqlite");
-  std::error_code error;
-  if (!std::filesystem::exists(file, error)) return {};
-  const auto opened = openSuite(file);
+std::expected<void, std::string> readNotices(const Platform& platform, HistoryEvidence& evidence) {
+  if (!suiteFile(platform, noticeSuiteName)) return {};  // of an earlier release, or without a screen
+  const auto opened = openSuite(platform, noticeSuiteName);
   if (!opened) return std::unexpected(opened.error());
   for (const auto& [hash, value] : opened->content.entries) {
-    if (const auto* const text = std::get_if<std::string>(&value)) evidence.notices.emplace(hash, *text);
+    const auto* const text = std::get_if<std::string>(&value);
+    if (text != nullptr && isSha256(hash)) evidence.notices.emplace(hash, *text);
   }
   return {};
 }
 
 std::expected<HistoryEvidence, std::string> evidenceIn(const Platform& platform) {
-  const auto file = storeFile(platform);
-  if (!file) return std::unexpected(file.error());
-  auto opened = openSuite(*file);
+  auto opened = openSuite(platform, key::suiteName);
   if (!opened) return std::unexpected(opened.error());
-  const auto history = historyIn(opened->file);
+  const auto& entries = opened->content.entries;
+  const auto history = historyIn(opened->file, entries);
   if (!history) return std::unexpected(history.error());
-  const StoredValues stored(opened->content.entries);
-  HistoryEvidence evidence{.damaged = history->damaged, .subjectId = stored.string(key::subjectId, {})};
+  const StoredValues stored(entries);
+  HistoryEvidence evidence{.head = stored.string(key::historyHead),
+                           .damaged = history->damaged,
+                           .subjectId = stored.string(key::subjectId, {})};
   for (const HistoryEntry& entry : history->entries | std::views::reverse) {
     evidence.entries.push_back(boost::json::serialize(toJson(entry)));
     evidence.language = entry.decision.language;
   }
-  evidence.head = stored.string(headKey);
-  if (const auto found = opened->content.entries.find(key::decidedApplicationsList);
-      found != opened->content.entries.end()) {
+  if (const auto found = entries.find(key::decidedApplicationsList); found != entries.end()) {
     const auto* const applications = std::get_if<std::vector<std::string>>(&found->second);
     if (applications != nullptr && !applications->empty()) evidence.applicationId = applications->back();
   }
-  if (auto read = readNotices(*file, evidence); !read) return std::unexpected(read.error());
+  if (auto read = readNotices(platform, evidence); !read) return std::unexpected(read.error());
   return evidence;
 }
 
