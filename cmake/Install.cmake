@@ -36,7 +36,7 @@ function(quillon_pkgconfig name description libraries archives requires)
 endfunction()
 
 set(needs sqlite3 libcurl gio-2.0)
-set(core_archives -lquillon-parts -lboost_json -lboost_url -lz -pthread)
+set(core_archives -lquillon-parts -lnettle -lboost_json -lboost_url -lz -pthread)
 quillon_pkgconfig(quillon-consent "Consent management for applications"
   "-lquillon-linux;-lquillon-core" "${core_archives}" "${needs}")
 quillon_pkgconfig(quillon-consent-c "Consent management for applications, C interface" "-lquillon-consent-c" "" "")
@@ -70,7 +70,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The libraries of the packages beside one another.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/proof
-  ${PROJECT_BINARY_DIR}/ui  ${PROJECT_BINARY_DIR}/ui/qtquick)
+  ${PROJECT_BINARY_DIR}/ui ${PROJECT_BINARY_DIR}/ui/qtquick)
 set(CPACK_COMPONENTS_ALL runtime development tools)
 set(runtime "libquillon-consent${QUILLON_ABI}")
 set(exactly "(= ${PROJECT_VERSION})")
