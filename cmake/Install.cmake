@@ -44,8 +44,12 @@ quillon_pkgconfig(quillon-consent-testing "A device in memory, for tests of an a
   "-lquillon-testing;-lquillon-core" "-lquillon-memory;${core_archives}" "")
 quillon_pkgconfig(quillon-consent-signals "Consent management for applications, strings of the advertising trade"
   "-lquillon-signals;-lquillon-core" "${core_archives}" "")
+set(forced -Wl,-u,quillonReceiptIssuer -lquillon-proof)
+if(BUILD_SHARED_LIBS)
+  set(forced -Wl,--push-state,--no-as-needed -lquillon-proof -Wl,--pop-state)
+endif()
 quillon_pkgconfig(quillon-consent-proof "Consent management for applications, receipts"
-  "-Wl,-u,quillonReceiptIssuer;-lquillon-proof;-lquillon-linux;-lquillon-core" "${core_archives}" "${needs};hogweed")
+  "${forced};-lquillon-linux;-lquillon-core" "${core_archives}" "${needs};hogweed")
 # Of archives, the screens are also objects, which CMake alone hands on.
 if(TARGET quillon_qtquick AND BUILD_SHARED_LIBS)
   quillon_pkgconfig(quillon-consent-qtquick "Consent management for applications, screens for Qt Quick"

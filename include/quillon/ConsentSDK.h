@@ -199,7 +199,7 @@ class ConsentSDK {
   ///
   /// @code
   /// const auto receipt = sdk.receipt().get();
-  /// if (const auto* document = receipt.value()) save("receipt.json", *document);
+  /// if (const auto* document = receipt.value()) std::ofstream("receipt.json") << *document;
   /// @endcode
   void receipt(std::vector<std::int64_t> purposes, std::function<void(ConsentSDKResult<std::string>)> callback);
   [[nodiscard]] std::future<ConsentSDKResult<std::string>> receipt(std::vector<std::int64_t> purposes = {});
