@@ -36,7 +36,7 @@ function(quillon_pkgconfig name description libraries archives requires)
 endfunction()
 
 set(needs sqlite3 libcurl gio-2.0)
-set(core_archives -lquillon-parts -lboost_json -lboost_url -lz -pthread)
+set(core_archives -lquillon-parts -lnettle -lboost_json -lboost_url -lz -pthread)
 quillon_pkgconfig(quillon-consent "Consent management for applications"
   "-lquillon-linux;-lquillon-core" "${core_archives}" "${needs}")
 quillon_pkgconfig(quillon-consent-c "Consent management for applications, C interface" "-lquillon-consent-c" "" "")
@@ -44,6 +44,12 @@ quillon_pkgconfig(quillon-consent-testing "A device in memory, for tests of an a
   "-lquillon-testing;-lquillon-core" "-lquillon-memory;${core_archives}" "")
 quillon_pkgconfig(quillon-consent-signals "Consent management for applications, strings of the advertising trade"
   "-lquillon-signals;-lquillon-core" "${core_archives}" "")
+set(forced -Wl,-u,quillonReceiptIssuer -lquillon-proof)
+if(BUILD_SHARED_LIBS)
+  set(forced -Wl,--push-state,--no-as-needed -lquillon-proof -Wl,--pop-state)
+endif()
+quillon_pkgconfig(quillon-consent-proof "Consent management for applications, receipts"
+  "${forced};-lquillon-linux;-lquillon-core" "${core_archives}" "${needs};hogweed")
 # Of archives, the screens are also objects, which CMake alone hands on.
 if(TARGET quillon_qtquick AND BUILD_SHARED_LIBS)
   quillon_pkgconfig(quillon-consent-qtquick "Consent management for applications, screens for Qt Quick"
@@ -67,8 +73,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The libraries of the packages beside one another.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
-  ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/ui
-  ${PROJECT_BINARY_DIR}/ui/qtquick)
+  ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/proof
+  ${PROJECT_BINARY_DIR}/ui ${PROJECT_BINARY_DIR}/ui/qtquick)
 set(CPACK_COMPONENTS_ALL runtime development tools)
 set(runtime "libquillon-consent${QUILLON_ABI}")
 set(exactly "(= ${PROJECT_VERSION})")

@@ -14,12 +14,14 @@
 #include "FileSystem.h"
 #include "HostApplication.h"
 #include "HttpSession.h"
+#include "KeyStore.h"
 #include "KeyValueSuite.h"
 #include "Locale.h"
 #include "NetworkPathMonitor.h"
 #include "PermissionSources.h"
 #include "PrivacySignals.h"
 #include "RandomSource.h"
+#include "ReceiptIssuer.h"
 #include "ScreenPresenter.h"
 
 namespace quillon {
@@ -37,10 +39,12 @@ struct Platform {
   std::shared_ptr<PermissionSources> permissions;
   std::shared_ptr<HostApplication> host;
   std::shared_ptr<RandomSource> random;
+  std::shared_ptr<KeyStore> keys;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
   std::shared_ptr<PrivacySignals> signals;   // null: a device without privacy signals
   std::shared_ptr<DesktopSettings> desktop;  // null: the toolkit alone says how things look
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
+  std::shared_ptr<ReceiptIssuer> receipts;   // null: quillon::proof is not linked
   bool areScreensLinked = false;             // a user interface is linked, configured or not
 
   // Base URL of the vendor's server, which is asked for the location. Ends in "/".

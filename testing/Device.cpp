@@ -10,6 +10,7 @@
 #include "platform/memory/FixedLocale.h"
 #include "platform/memory/MemoryConsole.h"
 #include "platform/memory/MemoryFileSystem.h"
+#include "platform/memory/MemoryKeyStore.h"
 #include "platform/memory/MemoryStore.h"
 #include "platform/memory/RecordingPresenter.h"
 #include "platform/memory/ScriptedHttpSession.h"
@@ -69,6 +70,7 @@ class Device::World {
     platform.signals = signals;
     platform.host = std::make_shared<FixedHostApplication>();
     platform.random = random;
+    platform.keys = keys;
     platform.consentSink = consentSink;
     platform.screens = screens;
     platform.vendorUrl = DeviceServers::address;
@@ -87,6 +89,7 @@ class Device::World {
   const std::shared_ptr<NotingConsentSink> consentSink = std::make_shared<NotingConsentSink>();
   const std::shared_ptr<std::atomic<bool>> isDiskFull = std::make_shared<std::atomic<bool>>(false);
   const std::shared_ptr<SeededRandom> random = std::make_shared<SeededRandom>();
+  const std::shared_ptr<MemoryKeyStore> keys = std::make_shared<MemoryKeyStore>();
   const std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>(
       [isDiskFull = isDiskFull] { return *isDiskFull ? MemoryFault::before : MemoryFault::none; });
   std::mutex mutex;  // guards the member below

@@ -12,6 +12,7 @@
 #include "tools/init/InitCommand.h"
 #include "tools/link/LinkCommand.h"
 #include "tools/preview/PreviewCommand.h"
+#include "tools/receipt/ReceiptCommand.h"
 #include "tools/richtext/RichTextCommand.h"
 #include "tools/schema/SchemaCommand.h"
 #include "tools/serve/ServeCommand.h"
@@ -32,6 +33,7 @@ int main(int argc, char** argv) {
   quillon::tools::addInitCommand(app, exitCode);
   quillon::tools::addLinkCommand(app, exitCode);
   quillon::tools::addPreviewCommand(app, exitCode);
+  quillon::tools::addReceiptCommand(app, exitCode);
   quillon::tools::addRichTextCommand(app, exitCode);
   quillon::tools::addSchemaCommand(app, exitCode);
   quillon::tools::addServeCommand(app, exitCode);

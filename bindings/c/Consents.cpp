@@ -174,6 +174,21 @@ void quillon_get_history(size_t count, int64_t before,
   });
 }
 
+void quillon_get_receipt(const int64_t* purposes, size_t count,
+                         void (*callback)(const char* receipt, const char* error, void* context), void* context) {
+  guarded([&] {
+    if (callback == nullptr) return;
+    std::vector<std::int64_t> wanted;
+    if (purposes != nullptr) wanted.assign(purposes, purposes + count);
+    sdk().receipt(std::move(wanted), [=](const ConsentSDKResult<std::string>& receipt) {
+      const auto* const document = receipt.value();
+      const auto* const error = receipt.error();
+      callback(document != nullptr ? document->c_str() : nullptr, error != nullptr ? error->error.c_str() : nullptr,
+               context);
+    });
+  });
+}
+
 void quillon_explain(int64_t purpose_id, void (*callback)(const quillon_explanation* explanation, void* context),
                      void* context) {
   guarded([&] {

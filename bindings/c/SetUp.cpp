@@ -72,6 +72,35 @@ std::optional<PrivacySignal> privacySignal(const quillon_options& options) {
   return signal;
 }
 
+std::vector<std::string> listOf(const char* const* texts) {
+  std::vector<std::string> all;
+  for (; texts != nullptr && *texts != nullptr; ++texts) all.emplace_back(*texts);
+  return all;
+}
+
+std::optional<DataController> controllerOf(const quillon_controller* given) {
+  if (given == nullptr) return std::nullopt;
+  const auto known = fieldsOf(*given);
+  return DataController{.name = text(known.name),
+                        .identifier = text(known.identifier),
+                        .postalAddress = text(known.postal_address),
+                        .email = text(known.email),
+                        .phone = text(known.phone),
+                        .website = text(known.website),
+                        .legalBasis = text(known.legal_basis),
+                        .jurisdiction = text(known.jurisdiction),
+                        .personalData = listOf(known.personal_data),
+                        .dataSources = listOf(known.data_sources),
+                        .processing = listOf(known.processing),
+                        .storageLocations = listOf(known.storage_locations),
+                        .processingLocations = listOf(known.processing_locations),
+                        .retention = text(known.retention),
+                        .validity = text(known.validity),
+                        .withdrawalAddress = text(known.withdrawal_address),
+                        .rightsContact = text(known.rights_contact),
+                        .authority = text(known.authority)};
+}
+
 // A structure without a size would read as one without fields.
 bool hasSize(std::size_t size, const char* function) {
   if (size > 0) return true;
@@ -142,6 +171,7 @@ int32_t quillon_setup(const quillon_options* options) {
         .locationCode = optionalText(given.location_code),
         .bundledConfiguration = optionalText(given.bundled_configuration),
         .privacySignal = privacySignal(given),
+        .controller = controllerOf(given.controller),
     };
     if (given.ready_within > 0) taken.readyWithin = std::chrono::milliseconds(given.ready_within);
     if (given.check_interval != 0) taken.consentsCheckInterval = given.check_interval;

@@ -153,6 +153,12 @@ std::shared_ptr<const ConfigurationInForce> ConfigurationLoader::inForce() const
 
 bool ConfigurationLoader::removeConsents() {
   const auto present = inForce();
+  // First, so that even after a crash between the two nothing links the next user to the last one.
+  if (s_.platform.keys) {
+    if (const auto forgotten = s_.platform.keys->forget(); !forgotten) {
+      UnitLog(s_.logger, unit::consentSDK)(LogLevel::error, "The device's key stays: " + forgotten.error(), __func__);
+    }
+  }
   const bool removed = s_.store.removeAllConsents([&](StoreTransaction& transaction) {
     if (!present) return;
     write(transaction, *present);

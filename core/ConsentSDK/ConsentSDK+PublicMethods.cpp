@@ -200,6 +200,19 @@ std::future<HistoryPage> ConsentSDK::getHistory(std::size_t count, std::optional
   return promise<HistoryPage>(core_, pageOfHistory(core_, count, before));
 }
 
+void ConsentSDK::receipt(std::vector<std::int64_t> purposes,
+                         std::function<void(ConsentSDKResult<std::string>)> callback) {
+  answer<ConsentSDKResult<std::string>>(core_, std::move(callback), [core = core_, purposes = std::move(purposes)] {
+    return core->receipts.receipt(purposes);
+  });
+}
+
+std::future<ConsentSDKResult<std::string>> ConsentSDK::receipt(std::vector<std::int64_t> purposes) {
+  return promise<ConsentSDKResult<std::string>>(
+      core_, [core = core_, purposes = std::move(purposes)] { return core->receipts.receipt(purposes); },
+      ConsentSDKResult<std::string>::failure({"the SDK was closed"}));
+}
+
 void ConsentSDK::uploadPendingConsents(std::function<void(bool)> callback) {
   answer<bool>(core_, std::move(callback),
                [core = core_] { return core->uploader.uploadPending(ConsentUploader::Trigger::application); });

@@ -29,6 +29,7 @@ ConsentSDK::Core::Core(Platform services)
       loader({foundation, server, location, consentMode, signal}),
       tradeSignals({foundation, location, loader, signal}),
       questions({foundation, location, loader, tradeSignals}),
+      receipts({foundation, loader, notices}),
       uploader(
           {foundation, server, loader, [this] { cycle.startRecurringCheck(); }, [this] { cycle.watchAnswered(); }}),
       recorder({foundation, loader, uploader}),

@@ -5,6 +5,7 @@
 
 #include "core/ConsentSDK/CheckCycle.h"
 #include "core/ConsentSDK/Questions.h"
+#include "core/ConsentSDK/Receipts.h"
 #include "core/ConsentSDK/Screens.h"
 #include "core/ConsentSDK/SetUp.h"
 #include "core/ConsentSDK/StoredLogContext.h"
@@ -37,6 +38,7 @@ class ConsentSDK::Core {
   ConfigurationLoader loader;
   TradeSignals tradeSignals;
   Questions questions;
+  Receipts receipts;
   ConsentUploader uploader;
   DecisionRecorder recorder;
   Screens screens;

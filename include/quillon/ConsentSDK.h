@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "quillon/ConsentSDKOptions.h"
+#include "quillon/ConsentSDKResult.h"
 #include "quillon/ConsentStatus.h"
 #include "quillon/DecisionHistory.h"
 #include "quillon/Explanations.h"
@@ -41,8 +42,8 @@ struct Platform;
 /// Each asynchronous operation has two forms. Callback: called exactly once, on the main queue, after the call has
 /// returned; the arguments are the callback's to keep; an exception is contained; the callback is not called when the
 /// SDK is destroyed or closed first. Future: becomes ready on an SDK thread and never holds an exception; it holds an
-/// empty list, text or record, `false`, or ConsentStatus::notDetermined when the SDK is destroyed or closed first. The
-/// main queue may wait for a future.
+/// empty list, text or record, `false`, an error, or ConsentStatus::notDetermined when the SDK is destroyed or closed
+/// first. The main queue may wait for a future.
 ///
 /// Ask isAllowed() or whileAllowed() before acting on a purpose: they fail closed. get() returns the status, which
 /// without a configuration is the default `granted`.
@@ -190,6 +191,18 @@ class ConsentSDK {
   void getHistory(std::size_t count, std::optional<std::int64_t> before, std::function<void(HistoryPage)> callback);
   [[nodiscard]] std::future<HistoryPage> getHistory(std::size_t count = 100,
                                                     std::optional<std::int64_t> before = std::nullopt);
+
+  /// A signed receipt of the decisions on the purposes, or on all purposes: a consent receipt of ISO/IEC TS 27560:2023 as
+  /// the Data Privacy Vocabulary writes it, a JSON document that anybody can check with the device's public key in it.
+  /// The error says why there is none: nothing was decided on a purpose, the library quillon::proof is not linked, or
+  /// the key can be neither read nor made. What ConsentSDKOptions::controller does not state is listed as missing.
+  ///
+  /// @code
+  /// const auto receipt = sdk.receipt().get();
+  /// if (const auto* document = receipt.value()) std::ofstream("receipt.json") << *document;
+  /// @endcode
+  void receipt(std::vector<std::int64_t> purposes, std::function<void(ConsentSDKResult<std::string>)> callback);
+  [[nodiscard]] std::future<ConsentSDKResult<std::string>> receipt(std::vector<std::int64_t> purposes = {});
 
   /// Why get() returns what it does for a purpose: who decided, and when.
   void explain(std::int64_t purposeId, std::function<void(ConsentExplanation)> callback);

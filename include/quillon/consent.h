@@ -98,6 +98,29 @@ typedef struct quillon_platform {
   void* log_context;
 } quillon_platform;
 
+/** What only the application knows of the processing, for receipts; see quillon::DataController. Null: not stated. */
+typedef struct quillon_controller {
+  size_t size; /**< sizeof(quillon_controller) */
+  const char* name;
+  const char* identifier;
+  const char* postal_address;
+  const char* email;
+  const char* phone;
+  const char* website;
+  const char* legal_basis;
+  const char* jurisdiction;
+  const char* const* personal_data; /**< ends with null, like the other lists */
+  const char* const* data_sources;
+  const char* const* processing;
+  const char* const* storage_locations;
+  const char* const* processing_locations;
+  const char* retention;
+  const char* validity;
+  const char* withdrawal_address;
+  const char* rights_contact;
+  const char* authority;
+} quillon_controller;
+
 /** Options of quillon_setup(). The first four members are required; addresses end in "/". */
 typedef struct quillon_options {
   size_t size; /**< sizeof(quillon_options) */
@@ -119,6 +142,7 @@ typedef struct quillon_options {
   quillon_privacy_signal privacy_signal;
   const int64_t* signal_purposes; /**< null: those that the configuration names */
   size_t signal_purpose_count;
+  const quillon_controller* controller; /**< null: receipts list what is missing */
 } quillon_options;
 
 /** A configured purpose with its current consent; texts are in the user's language, "" where missing. */
@@ -244,6 +268,10 @@ void quillon_get_history(size_t count, int64_t before,
                          void (*callback)(const quillon_decision* const* entries, size_t count, int64_t before,
                                           int64_t damaged, void* context),
                          void* context);
+/** A signed receipt of the decisions on the purposes, or on all when @p count is 0: a JSON document; see
+ * ConsentSDK::receipt(). Either the receipt or the error is null. */
+void quillon_get_receipt(const int64_t* purposes, size_t count,
+                         void (*callback)(const char* receipt, const char* error, void* context), void* context);
 void quillon_explain(int64_t purpose_id, void (*callback)(const quillon_explanation* explanation, void* context),
                      void* context);
 /** Deletes every stored value: decisions, identity, token. */

@@ -14,6 +14,7 @@
 #include "platform/linux/CurlHttpSession.h"
 #include "platform/linux/EnvironmentLocale.h"
 #include "platform/linux/FileCalls.h"
+#include "platform/linux/FileKeyStore.h"
 #include "platform/linux/HostConsole.h"
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxDesktopSettings.h"
@@ -32,6 +33,8 @@
 
 // Defined by the user-interface library, if linked.
 extern "C" [[gnu::weak]] void quillonScreensAreLinked();
+// Defined by the library of receipts, if linked; never null.
+extern "C" [[gnu::weak]] quillon::ReceiptIssuer* quillonReceiptIssuer();
 
 namespace quillon {
 namespace {
@@ -132,6 +135,7 @@ Platform replaced(const Platform& ours, const std::function<void(Platform&)>& re
   keep(&Platform::locale);
   keep(&Platform::tracking);
   keep(&Platform::random);
+  keep(&Platform::keys);
   keep(&Platform::permissions);
   keep(&Platform::host);
   if (theirs.signals == nullptr) theirs.signals = ours.signals;
@@ -169,6 +173,8 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   platform.signals = std::make_shared<LinuxPrivacySignals>();
   platform.desktop = std::make_shared<LinuxDesktopSettings>();
   platform.random = std::make_shared<SystemRandom>();
+  platform.keys = std::make_shared<FileKeyStore>(platform.files);
+  if (quillonReceiptIssuer != nullptr) platform.receipts = {std::shared_ptr<void>(), quillonReceiptIssuer()};
   platform.host = std::make_shared<LinuxHostApplication>(resourceDirectory(options));
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);
   if (options.vendorUrl) platform.vendorUrl = *options.vendorUrl;

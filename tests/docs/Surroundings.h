@@ -1,6 +1,7 @@
 /* What the examples in the public headers take for granted of the application they stand in. */
 #ifdef __cplusplus
 #include <cassert>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>

@@ -3,25 +3,20 @@
 #include <CLI/CLI.hpp>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
-#include <chrono>
 #include <expected>
-#include <filesystem>
 #include <iostream>
-#include <limits>
 #include <memory>
 #include <ranges>
 #include <string>
 
-#include "core/History/DecisionChain.h"
 #include "core/History/NoticeArchive.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Persistance/UserDefaults/StoredValues.h"
 #include "core/Text/Sha256.h"
-#include "platform/linux/LinuxPlatform.h"
-#include "platform/linux/SuiteFile.h"
 #include "tools/HistoryJson.h"
-#include "tools/HostApplicationId.h"
 #include "tools/SuiteJson.h"
+#include "tools/store/StoreReading.h"
+#include "tools/store/StoreReceipts.h"
 
 namespace quillon::tools {
 namespace {
@@ -29,42 +24,16 @@ namespace {
 constexpr const char* storeFooter = R"(
 A host may run on the folder meanwhile: reading finds what it has committed, and after a reset it finds its store empty
 within a tenth of a second. Reading neither makes nor mends a store; a damaged one is reported and left as it is, while a
-reset keeps it beside the new one. The access token is shown as "***". The exit status is 1 when the folder holds no
+reset keeps it beside the new one. A receipt or an export makes the device's key when there is none. The access token is shown as "***". The exit status is 1 when the folder holds no
 store, the key is absent, or the store cannot be read or written.)";
 
-constexpr std::chrono::seconds writerWait{2};
-
-struct StoreOptions {
-  std::filesystem::path dataDirectory;  // empty: that of `quillon-consent host`
+struct StoreOptions : StoreReceiptOptions {
   std::string key;
 };
 
-Platform platformOver(const StoreOptions& options) {
-  LinuxOptions linux_{.applicationId = hostApplicationId};
-  if (!options.dataDirectory.empty()) linux_.dataDirectory = options.dataDirectory;
-  return linuxPlatform(linux_);
-}
-
-// A suite's file, with links resolved; an error when there is none.
-std::expected<std::filesystem::path, std::string> suiteFile(const Platform& platform, std::string_view suite) {
-  const auto folder = platform.files->applicationSupportDirectory();
-  if (!folder) return std::unexpected("there is no data folder; give one with --data-dir");
-  std::error_code error;
-  auto file = std::filesystem::canonical(*folder, error) / (std::string(suite) + ".sqlite");
-  if (error || !std::filesystem::exists(file, error)) return std::unexpected(folder->string() + " holds no store");
-  return file;
-}
-
-// Opens the file directly: the store would replace a damaged one, which a read must not do.
+// Opens the store of the data folder.
 std::expected<SuiteFile::Opened, std::string> open(const StoreOptions& options) {
-  const auto file = suiteFile(platformOver(options), key::suiteName);
-  if (!file) return std::unexpected(file.error());
-  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + writerWait);
-  if (!opened) return std::unexpected(file->string() + ": " + opened.error().text);
-  for (const auto& damaged : opened->content.unreadable) {
-    std::cerr << "quillon-consent store: a damaged entry is left out: " << damaged << '\n';
-  }
-  return std::move(*opened);
+  return openSuite(platformOver(options.dataDirectory), key::suiteName);
 }
 
 // The entries, with the token masked.
@@ -94,19 +63,6 @@ std::expected<void, std::string> get(const StoreOptions& options) {
   return entry != entries->end() ? print(toJson(entry->second)) : std::unexpected("no value under " + options.key);
 }
 
-std::expected<HistoryPage, std::string> historyIn(SuiteFile& file, const SuiteEntries& entries) {
-  const auto journal = file.readJournal(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords,
-                                        std::chrono::steady_clock::now() + writerWait);
-  if (!journal) return std::unexpected(journal.error().text);
-  ChainState state{StoredValues(entries).string(key::historyHead, {}), {}, true};
-  if (!journal->records.empty()) state.newestNumber = journal->records.front().number;
-  auto history = verifiedHistory(*journal, maximumJournalRecords, state);
-  if (history.damaged > 0) {
-    std::cerr << "quillon-consent store: damaged entries of the history are left out: " << history.damaged << '\n';
-  }
-  return history;
-}
-
 // Names every entry that does not hold.
 std::expected<void, std::string> holdsTogether(const HistoryPage& history) {
   std::size_t faults = history.isNewestMissing ? 1 : 0;
@@ -114,9 +70,10 @@ std::expected<void, std::string> holdsTogether(const HistoryPage& history) {
   for (const HistoryEntry& entry : history.entries | std::views::reverse) {
     if (entry.link != HistoryLink::broken) continue;
     ++faults;
-    std::cerr << "quillon-consent store: entry " << entry.number
-              << " does not follow the one after which it was written: that one was changed, moved or removed, or this one"
-                 " was inserted\n";
+    std::cerr
+        << "quillon-consent store: entry " << entry.number
+        << " does not follow the one after which it was written: that one was changed, moved or removed, or this one"
+           " was inserted\n";
   }
   if (faults == 0) return {};
   return std::unexpected("the history does not hold together");
@@ -136,10 +93,8 @@ std::expected<void, std::string> history(const StoreOptions& options) {
 
 // What a decision was an answer to.
 std::expected<void, std::string> notice(const StoreOptions& options) {
-  const auto file = suiteFile(platformOver(options), noticeSuiteName);
-  if (!file) return std::unexpected(file.error());
-  auto opened = SuiteFile::open(*file, std::chrono::steady_clock::now() + writerWait);
-  if (!opened) return std::unexpected(file->string() + ": " + opened.error().text);
+  const auto opened = openSuite(platformOver(options.dataDirectory), noticeSuiteName);
+  if (!opened) return std::unexpected(opened.error());
   const auto found = opened->content.entries.find(options.key);
   const auto* text = found == opened->content.entries.end() ? nullptr : std::get_if<std::string>(&found->second);
   if (!text || !isSha256(options.key)) return std::unexpected("no notice " + options.key);
@@ -152,6 +107,7 @@ std::expected<void, std::string> notice(const StoreOptions& options) {
 
 // All data stored about the person; excludes the token, which belongs to the application.
 std::expected<void, std::string> exportPerson(const StoreOptions& options) {
+  if (!options.out.empty()) return writeExport(options);
   auto opened = open(options);
   if (!opened) return std::unexpected(opened.error());
   const auto history = historyIn(opened->file, opened->content.entries);
@@ -175,12 +131,13 @@ std::expected<void, std::string> exportPerson(const StoreOptions& options) {
 }
 
 std::expected<void, std::string> reset(const StoreOptions& options) {
-  const Platform platform = platformOver(options);
+  const Platform platform = platformOver(options.dataDirectory);
   if (const auto file = suiteFile(platform, key::suiteName); !file) return std::unexpected(file.error());
   const auto suite = platform.store->open(key::suiteName, [](auto, const std::string& damage) {
     std::cerr << "quillon-consent store: " << damage << '\n';
   });
   if (!suite) return std::unexpected(suite.error());
+  if (auto forgotten = platform.keys->forget(); !forgotten) return forgotten;
   return suite.value()->update([](const SuiteEntries& current) {
     SuiteUpdate update;
     for (const auto& [key, value] : current) update.changes.emplace(key, std::nullopt);
@@ -216,7 +173,18 @@ void addStoreCommand(CLI::App& app, int& exitCode) {
       ->add_option("HASH", options->key, "The \"notice\" of that decision")
       ->required();
   add("history", "Print the decisions as JSON, one a line, oldest first, and say whether any was changed", history);
-  add("export", "Print what is kept of the person as one JSON object, decisions included", exportPerson);
+  const auto addController = [&options](CLI::App* command) {
+    command->add_option("--controller", options->controller, "A file with what only the application knows, as JSON");
+  };
+  auto* const person =
+      add("export", "Print what is kept of the person as one JSON object, decisions included", exportPerson);
+  person->add_option("--out", options->out, "A new folder, to which it is written with proof of it, signed");
+  addController(person);
+  auto* const receipt = add("receipt", "Write a signed receipt of the person's consents",
+                            [](const StoreOptions& given) { return writeReceipt(given); });
+  receipt->add_option("--out", options->out, "The file to write; - is standard output")->required();
+  receipt->add_option("--purpose", options->purposes, "Only this one. Several times for more");
+  addController(receipt);
   add("reset", "Remove every value and the history", reset);
 }
 

@@ -1,5 +1,6 @@
 #include "ui/qtquick/Consent.h"
 
+#include <QPointer>
 #include <utility>
 
 #include "ui/qtquick/PlacedScreen.h"
@@ -36,6 +37,19 @@ void Consent::presentPreferenceCenter() {
 
 void Consent::openLink(const QString& link) {
   if (page_) page_->sdk.openLink(link.toStdString());
+}
+
+void Consent::receipt(const QList<qint64>& purposes, const QJSValue& callback) {
+  const auto tell = [page = QPointer(this), callback](const QString& document, const QString& error) {
+    if (page) callback.call({document, error});  // else the engine that it belongs to is gone
+  };
+  if (!page_) return tell({}, QStringLiteral("the pages have no SDK"));
+  page_->sdk.receipt({purposes.begin(), purposes.end()}, [tell](const ConsentSDKResult<std::string>& receipt) {
+    const auto* const document = receipt.value();
+    const auto* const error = receipt.error();
+    tell(document ? QString::fromStdString(*document) : QString(),
+         error ? QString::fromStdString(error->error) : QString());
+  });
 }
 
 QString Consent::status() const {

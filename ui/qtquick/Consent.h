@@ -3,6 +3,7 @@
 
 #include <QtQml/qqmlregistration.h>
 #include <QJSEngine>
+#include <QList>
 #include <QQmlEngine>
 #include <memory>
 #include <vector>
@@ -36,6 +37,9 @@ class Consent : public QObject {
   Q_INVOKABLE void presentPreferenceCenter();
   // In the web view, if the configuration or the application allows the address.
   Q_INVOKABLE void openLink(const QString& link);
+  // Calls with a signed receipt of the decisions on the purposes, or on all of none is named, and with why there is
+  // none; one of both is empty.
+  Q_INVOKABLE void receipt(const QList<qint64>& purposes, const QJSValue& callback);
 
   QString status() const;
   bool isReady() const;

@@ -197,6 +197,8 @@ constexpr Operation operations[] = {
     {"openLink", [](auto& sdk, auto&) { sdk.openLink("https://a.example/"); }},
     {"registerFonts", [](auto& sdk, auto&) { sdk.registerFonts(CustomFont{}, {}, {}, {}); }},
     {"registerColors", [](auto& sdk, auto&) { sdk.registerColors({}); }},
+    {"receipt", [](auto& sdk, auto& caller) { sdk.receipt({}, caller.callback()); }},
+    {"receipt", [](auto& sdk, auto& caller) { caller.wait(sdk.receipt({caller.purpose()})); }},
     {"uploadConsents",
      [](auto& sdk, auto& caller) { sdk.uploadConsents(caller.world().server.url(), {}, caller.callback()); }},
     {"uploadConsents",

@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include "platform/memory/MemoryKeyStore.h"
+#include "proof/Check/Verification.h"
+#include "proof/Json/UntrustedJson.h"
+#include "proof/Receipt/Receipt.h"
+#include "proof/Receipt/Vocabulary.h"
+#include "quillon/Receipts.h"
+#include "tests/proof/Evidence.h"
+
+namespace quillon::proof::test {
+namespace {
+
+json::object issued(const ReceiptRequest& from) {
+  SeededRandom random;
+  return readUntrustedJson(issueReceipt(from, deviceKey(), random).value())->at("receipt").get_object();
+}
+
+const json::object& recordOf(const json::object& receipt, std::size_t i) {
+  return receipt.at("dpv:hasRecordOfActivity").at(i).get_object();
+}
+
+std::vector<std::string> missingIn(const json::object& record) {
+  const auto* const missing = record.if_contains(term::missing);
+  return missing != nullptr ? json::value_to<std::vector<std::string>>(*missing) : std::vector<std::string>();
+}
+
+TEST(Receipt, StatesEveryMandatoryFieldOfBothProfilesWhenTheControllerDoes) {
+  for (const auto* basis : {"eu-gdpr:A6-1-a", "dpv:Consent"}) {
+    auto from = request();
+    from.controller->legalBasis = basis;
+    const auto receipt = issued(from);
+    const bool isGdpr = std::string_view(basis).starts_with("eu-gdpr");
+    EXPECT_EQ(receipt.at("dct:conformsTo").as_string(), isGdpr ? schema::receiptEuGdpr : schema::receipt);
+    EXPECT_EQ(receipt.at("dpv:hasRecordOfActivity").as_array().size(), 2u);
+    for (const std::size_t i : {0, 1}) {
+      EXPECT_EQ(missingIn(recordOf(receipt, i)), std::vector<std::string>()) << basis;
+      EXPECT_EQ(recordOf(receipt, i).at("dct:conformsTo").as_string(), isGdpr ? schema::recordEuGdpr : schema::record);
+    }
+    const auto& purpose = recordOf(receipt, 0).at("dpv:hasProcess").at("dpv:hasPurpose");
+    EXPECT_EQ(purpose.at("dct:title"), "Statistik");
+    EXPECT_EQ(recordOf(receipt, 0).at("dpv:hasProcess").at("dpv:hasRecipient"),
+              (json::array{"Counter", "https://reader.example/"}));
+  }
+}
+
+TEST(Receipt, ListsWhatNobodyStatedAndInventsNothing) {
+  auto from = request();
+  from.controller.reset();
+  from.evidence.notices.clear();
+  const auto receipt = issued(from);
+  EXPECT_EQ(missingIn(recordOf(receipt, 0)),
+            (std::vector<std::string>{"dpv:hasPersonalData", "dpv:StorageLocation", "dpv:StorageDuration",
+                                      "dpv:hasDataController", "dpv:hasRecipient", "dpv:hasJurisdiction",
+                                      "dpv:hasRight", "dpv:hasName", "dpv:hasIdentifier", "schema:contactPoint",
+                                      "schema:address", "dpv:hasDuration"}));
+  EXPECT_FALSE(receipt.contains("dct:publisher"));
+  EXPECT_FALSE(recordOf(receipt, 0).at("dpv:hasProcess").at("dpv:hasPurpose").as_object().contains("dct:title"));
+}
+
+// What is not the user's own answer is no consent, whatever it allows.
+TEST(Receipt, SaysOfEachDecisionWhatItWasAndCallsNoDefaultAConsent) {
+  struct Case {
+    const char* cause;
+    const char* from;
+    const char* to;
+    const char* state;
+    const char* by;
+  };
+  constexpr Case cases[] = {
+      {"user", "", "granted", "dpv:ConsentGiven", "dpv:DataSubject"},
+      {"user", "declined", "granted", "dpv:ConsentGiven", "dpv:DataSubject"},
+      {"user", "granted", "granted", "dpv:RenewedConsentGiven", "dpv:DataSubject"},
+      {"user", "", "declined", "dpv:ConsentRefused", "dpv:DataSubject"},
+      {"user", "granted", "declined", "dpv:ConsentWithdrawn", "dpv:DataSubject"},
+      {"user", "granted", "withdrawn", "dpv:ConsentWithdrawn", "dpv:DataSubject"},
+      {"user", "granted", "not_determined", "dpv:ConsentUnknown", "dpv:DataSubject"},
+      {"signal", "", "declined", "dpv:ConsentRefused", "dpv:DataSubject"},
+      {"signal", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
+      {"default", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
+      {"essential", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
+      {"tracking_status", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
+      {"unheard of", "granted", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
+  };
+  HistoryEvidence evidence{.subjectId = "s", .applicationId = "a"};
+  for (const auto& each : cases) {
+    auto entry = decision(7, each.to, each.cause);
+    if (*each.from != '\0') entry.emplace("from", each.from);
+    append(evidence, std::move(entry));
+  }
+  const auto receipt = issued(request(evidence));
+  const auto& statuses = recordOf(receipt, 0).at("dpv:hasConsentStatus").as_array();
+  ASSERT_EQ(statuses.size(), std::size(cases));
+  for (std::size_t i = 0; i < statuses.size(); ++i) {
+    const auto& types = statuses[i].at("@type").as_array();
+    EXPECT_EQ(types.at(0), cases[i].state) << i;
+    EXPECT_EQ(types.size() == 2, std::string_view(cases[i].state).ends_with("ConsentGiven")) << i;
+    EXPECT_EQ(statuses[i].at("dpv:isIndicatedBy"), cases[i].by) << i;
+  }
+}
+
+TEST(Receipt, IsForThePurposesNamedOrAllAndForNoneThatWasNotDecided) {
+  auto from = request();
+  from.purposes = {2};
+  EXPECT_EQ(recordOf(issued(from), 0).at("dpv:hasProcess").at("dpv:hasPurpose").at("dct:identifier"), "2");
+  SeededRandom random;
+  from.purposes = {2, 3};
+  EXPECT_EQ(issueReceipt(from, deviceKey(), random).error(), "purpose 3 was not decided on");
+  EXPECT_EQ(issueReceipt({}, deviceKey(), random).error(), "no purpose was decided on");
+  from.evidence.entries.emplace_back("{");
+  EXPECT_EQ(issueReceipt(from, deviceKey(), random).error(), "an entry of the history cannot be read");
+}
+
+TEST(Receipt, OfTheIssuerIsSignedByTheDevicesKey) {
+  MemoryKeyStore keys;
+  SeededRandom random;
+  const auto issuer = receiptIssuer();
+  const auto document = issuer->issue(request(), keys, random).value();
+  Findings findings;
+  checkReceipt(document, {.now = issueTime, .keyThumbprint = issuer->keyThumbprint(keys).value()}, std::nullopt,
+               findings);
+  EXPECT_EQ(findings.faults(), 0u) << listed(findings);
+  ASSERT_TRUE(keys.forget());
+  Findings after;
+  checkReceipt(document, {.now = issueTime, .keyThumbprint = issuer->keyThumbprint(keys).value()}, std::nullopt, after);
+  EXPECT_TRUE(after.names("key"));
+}
+
+}  // namespace
+}  // namespace quillon::proof::test
