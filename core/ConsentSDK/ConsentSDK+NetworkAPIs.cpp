@@ -55,6 +55,16 @@ Task<Answer<GenericResponse>> ServerApi::postConsents(std::string url, PostConse
   // A server that keeps the heads can tell later whether the device changed its past.
   const std::string head = store_.getString(key::historyHead);
   if (isSha256(head)) endPoint.headerParams->emplace(HeaderParam::historyHead, head);
+  if (platform_.receipts && platform_.keys) {
+    auto thumbprint = platform_.receipts->keyThumbprint(*platform_.keys);
+    if (thumbprint) {
+      endPoint.headerParams->emplace(HeaderParam::receiptKey, std::move(*thumbprint));
+    } else {
+      UnitLog(logger_, unit::networkAPIs)(LogLevel::warning,
+                                          "The device's key cannot be used: " + escapedForLog(thumbprint.error()),
+                                          "uploadConsents(url:request:)");
+    }
+  }
   auto answer = co_await send<GenericResponse>(std::move(endPoint), std::move(url));
   if (answer) answer->value.message = withoutEcho(std::move(answer->value.message), token);
   co_return answer;

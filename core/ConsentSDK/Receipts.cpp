@@ -75,15 +75,4 @@ Result Receipts::receipt(std::vector<std::int64_t> purposes) const {
   return document ? Result::success(std::move(*document)) : failure(std::move(document.error()));
 }
 
-std::optional<std::string> Receipts::keyThumbprint() const {
-  if (!s_.platform.receipts || !s_.platform.keys) return std::nullopt;
-  auto thumbprint = s_.platform.receipts->keyThumbprint(*s_.platform.keys);
-  if (!thumbprint) {
-    UnitLog(s_.logger, unit::consentSDK)(LogLevel::warning, "The device's key cannot be used: " + thumbprint.error(),
-                                         __func__);
-    return std::nullopt;
-  }
-  return std::move(*thumbprint);
-}
-
 }  // namespace quillon

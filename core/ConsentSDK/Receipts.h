@@ -24,8 +24,6 @@ class Receipts {
 
   // Background threads only: reads all of the history.
   ConsentSDKResult<std::string> receipt(std::vector<std::int64_t> purposes) const;
-  // What names the device's key; nullopt when nothing is linked that signs, or there is no key.
-  std::optional<std::string> keyThumbprint() const;
 
  private:
   HistoryEvidence evidence() const;

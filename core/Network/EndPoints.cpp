@@ -34,6 +34,8 @@ std::string_view rawValue(HeaderParam header) noexcept {
       return "X-Auth-Token";
     case HeaderParam::historyHead:
       return "X-Quillon-History-Head";
+    case HeaderParam::receiptKey:
+      return "X-Quillon-Receipt-Key";
   }
   return {};
 }

@@ -12,7 +12,7 @@
 namespace quillon {
 
 enum class HttpMethod { get, post, put, delete_, patch, head };
-enum class HeaderParam { contentType, accept, authorization, xAuthToken, historyHead };
+enum class HeaderParam { contentType, accept, authorization, xAuthToken, historyHead, receiptKey };
 enum class QueryParam { limit };
 
 [[nodiscard]] std::string_view rawValue(HttpMethod method) noexcept;

@@ -82,6 +82,18 @@ TEST_F(Store, ShowsWhatADecisionAnsweredAndNamesAnEntryThatWasChanged) {
   EXPECT_EQ(notice.at("screen"), "banner");
   EXPECT_EQ(store({"notice", std::string(64, 'a')}).status, 1);
 
+  // The configuration that shows it again makes the same notice.
+  {
+    const auto again = json::parse(shown({"notice", digest, "--as-configuration"})).as_object();
+    ConsentServer other;
+    other.serve(again);
+    HostProcess host(folder.path() / "other", other.url(), {"--clock", "1700000000"});
+    host.setUp();
+    host.ask(R"({"op":"banner","perform":"reject"})");
+    const auto history = host.ask(R"({"op":"history","count":1})");
+    EXPECT_EQ(history.at("history").at(0).at("notice"), json::string(digest));
+  }
+
   // Somebody rewrites the store, with the checksums made right again.
   const auto file = data / "quillon-cmp-sdk.sqlite";
   SuiteFile opened = std::move(SuiteFile::open(file, std::chrono::steady_clock::now() + 2s)->file);

@@ -15,6 +15,7 @@
 #include "core/Text/Sha256.h"
 #include "tools/HistoryJson.h"
 #include "tools/SuiteJson.h"
+#include "tools/store/NoticeDocument.h"
 #include "tools/store/StoreReading.h"
 #include "tools/store/StoreReceipts.h"
 
@@ -29,6 +30,7 @@ store, the key is absent, or the store cannot be read or written.)";
 
 struct StoreOptions : StoreReceiptOptions {
   std::string key;
+  bool isForPreview = false;
 };
 
 // Opens the store of the data folder.
@@ -102,7 +104,8 @@ std::expected<void, std::string> notice(const StoreOptions& options) {
   if (sha256(*text) != options.key) return std::unexpected("the notice " + options.key + " was changed");
   boost::system::error_code error;
   const auto value = boost::json::parse(*text, error);
-  return error ? std::unexpected("the notice " + options.key + " is damaged") : print(value);
+  if (error || !value.is_object()) return std::unexpected("the notice " + options.key + " is damaged");
+  return print(options.isForPreview ? documentShowing(value.get_object()) : value.get_object());
 }
 
 // All data stored about the person; excludes the token, which belongs to the application.
@@ -169,9 +172,10 @@ void addStoreCommand(CLI::App& app, int& exitCode) {
   };
   add("dump", "Print everything as one JSON object, dates as seconds since 1970", dump);
   add("get", "Print one value as JSON", get)->add_option("KEY", options->key, "Its key")->required();
-  add("notice", "Print what was on the screen when a decision was made", notice)
-      ->add_option("HASH", options->key, "The \"notice\" of that decision")
-      ->required();
+  auto* const shown = add("notice", "Print what was on the screen when a decision was made", notice);
+  shown->add_option("HASH", options->key, "The \"notice\" of that decision")->required();
+  shown->add_flag("--as-configuration", options->isForPreview,
+                  "As a configuration, of which preview makes the picture");
   add("history", "Print the decisions as JSON, one a line, oldest first, and say whether any was changed", history);
   const auto addController = [&options](CLI::App* command) {
     command->add_option("--controller", options->controller, "A file with what only the application knows, as JSON");

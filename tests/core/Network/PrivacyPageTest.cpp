@@ -7,6 +7,7 @@
 #include <regex>
 #include <set>
 
+#include "platform/memory/MemoryKeyStore.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -37,8 +38,19 @@ void addMembers(const boost::json::value& value, std::set<std::string>& names) {
   }
 }
 
+class Issuer final : public ReceiptIssuer {
+  std::expected<std::string, std::string> issue(const ReceiptRequest&, KeyStore&, RandomSource&) override {
+    return "{}";
+  }
+  std::expected<std::string, std::string> keyThumbprint(KeyStore&) override { return "thumbprint"; }
+};
+
 TEST(PrivacyPage, NamesEveryFieldThatLeavesTheDeviceAndNoOther) {
   World world;
+  world.amend = [](Platform& platform) {
+    platform.receipts = std::make_shared<Issuer>();
+    platform.keys = std::make_shared<MemoryKeyStore>();
+  };
   auto document = validConfiguration();
   document["banner_config"].as_object()["locations"].as_object()["US"] = "eu";  // it matters where one is
   world.server.serve(boost::json::serialize(document), "\"tag\"");
