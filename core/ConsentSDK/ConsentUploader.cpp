@@ -81,8 +81,12 @@ Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
   const bool isDone = co_await uploadInTurn(session, trigger);
   if (isDone) co_return true;
   // What the server has refused for good is left to the next change.
-  const ConfigurationPointer configuration = s_.loader.current();
-  if (!configuration || isUploadDue(configuration)) s_.leftPending();
+  const auto entries = s_.store.snapshot();
+  const StoredValues stored(*entries);
+  constexpr std::int64_t nothingRefused = -1;
+  const bool isRefused = !stored.boolean(key::uploadConsentRequestPending) &&
+                         stored.integer(key::uploadRefusedUpTo, nothingRefused) != nothingRefused;
+  if (!isRefused) s_.leftPending();
   co_return false;
 }
 
