@@ -63,10 +63,10 @@ class Check {
     if (!type) {
       eachChild(value, [this](const Value& child, const std::string*) { this->value(child, nullptr, true); });
     } else if (value.kind == Value::Kind::null) {
-      if (!mayBeNull) error(value.begin, std::string(json::expectation(type->kind)));
+      if (!mayBeNull) error(value.begin, std::string(quillon::json::expectation(type->kind)));
     } else if (value.kind != jsonKind(type->kind) ||
                (type->kind == Kind::integer && !isWhole(document_.source(value)))) {
-      error(value.begin, std::string(json::expectation(type->kind)));
+      error(value.begin, std::string(quillon::json::expectation(type->kind)));
     } else if (type->kind == Kind::symbol) {
       symbol(value, *type);
     } else if (type->kind == Kind::record) {
