@@ -29,7 +29,7 @@ std::expected<std::string, Guard::Refusal> Guard::admitted(const httplib::Reques
 
 void Guard::protect(httplib::Response& response) {
   response.set_header("Content-Security-Policy",
-                      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob:; "
+                      "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; "
                       "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'");
   response.set_header("X-Content-Type-Options", "nosniff");
   response.set_header("Referrer-Policy", "same-origin");

@@ -6,7 +6,9 @@
 #include "tools/validate/Check.h"
 #include "tools/validate/Contrasts.h"
 #include "tools/validate/Languages.h"
+#include "tools/validate/Output.h"
 #include "tools/workbench/ContentTable.h"
+#include "tools/workbench/Publication.h"
 
 namespace quillon::tools {
 namespace {
@@ -33,7 +35,12 @@ json::object comparison(const MainConfiguration& live, const MainConfiguration& 
   for (const auto& [isMaterial, text] : differences(live, draft)) {
     found.push_back({{"isMaterial", isMaterial}, {"text", text}});
   }
-  return {{"askedAgain", whoIsAskedAgain(live, draft)}, {"differences", std::move(found)}};
+  MainConfiguration published = draft;
+  const auto version = versionToPublish(draft, &live);
+  if (version) published.version = version;
+  return {{"askedAgain", whoIsAskedAgain(live, published)},
+          {"raisedVersion", version ? json::value(*version) : json::value()},
+          {"differences", std::move(found)}};
 }
 
 std::optional<DocumentPath> pathFrom(const json::value* value) {
@@ -52,19 +59,6 @@ std::optional<DocumentPath> pathFrom(const json::value* value) {
 }
 
 }  // namespace
-
-json::array toJson(const std::vector<Finding>& findings) {
-  json::array all;
-  for (const Finding& finding : findings) {
-    all.push_back({{"level", nameOf(finding.level)},
-                   {"rule", finding.rule},
-                   {"path", finding.path},
-                   {"line", finding.line},
-                   {"column", finding.column},
-                   {"text", finding.text}});
-  }
-  return all;
-}
 
 json::object inspect(const std::string& text, const std::optional<std::string>& live) {
   const auto published = live ? decode<MainConfiguration>(*live) : std::unexpected(std::string());

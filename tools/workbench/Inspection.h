@@ -6,16 +6,11 @@
 #include <expected>
 #include <optional>
 #include <string>
-#include <vector>
-
-#include "tools/validate/Finding.h"
 
 namespace quillon::tools {
 
-[[nodiscard]] boost::json::array toJson(const std::vector<Finding>& findings);
-
 // Findings of every kind; of a valid document also languages, colours with their contrast, what users get, and the
-// comparison with the live document, if there is a valid one.
+// comparison of what publishing would make of it with the live document, if there is a valid one.
 [[nodiscard]] boost::json::object inspect(const std::string& text, const std::optional<std::string>& live);
 
 // The document with changes, one after the other, each {"path": ["purposes", 0, ...], "value"} or {"path", "remove":

@@ -1,32 +1,31 @@
 #include "tools/workbench/Publication.h"
 
 #include <algorithm>
-#include <optional>
+#include <limits>
 
 #include "core/Json/Codec.h"
 #include "tools/diff/Differences.h"
 #include "tools/document/Edits.h"
 #include "tools/validate/Check.h"
-#include "tools/workbench/Inspection.h"
+#include "tools/validate/Output.h"
 
 namespace quillon::tools {
 namespace {
-
-// The version that a document must have; nullopt when its own will do.
-std::optional<std::int64_t> neededVersion(const MainConfiguration& draft, const std::optional<StoredDocument>& live) {
-  const auto published = live ? decode<MainConfiguration>(live->text) : std::unexpected(std::string());
-  const auto was = published ? published->version.value_or(0) : 0;
-  if (!published) return draft.version ? std::nullopt : std::optional<std::int64_t>(1);
-  if (draft.version.value_or(0) > was) return std::nullopt;
-  const bool isMaterial = std::ranges::any_of(differences(*published, draft), &Difference::isMaterial);
-  return isMaterial || !draft.version ? std::optional(was + 1) : std::nullopt;
-}
 
 std::unexpected<NotPublished> refused(std::string why, std::vector<Finding> findings = {}) {
   return std::unexpected(NotPublished{{.text = std::move(why)}, toJson(findings)});
 }
 
 }  // namespace
+
+std::optional<std::int64_t> versionToPublish(const MainConfiguration& draft, const MainConfiguration* live) {
+  if (!live) return draft.version ? std::nullopt : std::optional<std::int64_t>(1);
+  const auto was = live->version.value_or(0);
+  if (draft.version && *draft.version > was) return std::nullopt;
+  const bool isMaterial = std::ranges::any_of(differences(*live, draft), &Difference::isMaterial);
+  const bool isLast = was == std::numeric_limits<std::int64_t>::max();
+  return (isMaterial || !draft.version) && !isLast ? std::optional(was + 1) : std::nullopt;
+}
 
 std::expected<Published, NotPublished> publish(DraftFolder& folder, const DocumentName& name, const std::string& tag,
                                                bool isConfirmed) {
@@ -47,7 +46,8 @@ std::expected<Published, NotPublished> publish(DraftFolder& folder, const Docume
   if (!findings.empty() && !isConfirmed) return refused("there are warnings", std::move(findings));
 
   published.version = configuration->version.value_or(0);
-  if (const auto version = neededVersion(*configuration, *live)) {
+  const auto compared = *live ? decode<MainConfiguration>((*live)->text) : std::unexpected(std::string());
+  if (const auto version = versionToPublish(*configuration, compared ? &*compared : nullptr)) {
     const auto document = Document::parse(published.draft.text);
     Edits edits(*document);
     if (!edits.set(DocumentPath().at("version"), *version)) return refused("the version has no place");

@@ -4,11 +4,18 @@
 #include <boost/json/array.hpp>
 #include <cstdint>
 #include <expected>
+#include <optional>
 #include <string>
 
+#include "quillon/MainConfiguration.h"
 #include "tools/workbench/DraftFolder.h"
 
 namespace quillon::tools {
+
+// The version that a draft gets when it is published: one more than what is live when something material changed and its
+// own is not greater, 1 when it has none; nullopt when its own will do.
+[[nodiscard]] std::optional<std::int64_t> versionToPublish(const MainConfiguration& draft,
+                                                           const MainConfiguration* live);
 
 struct Published {
   StoredDocument draft;  // what is live now

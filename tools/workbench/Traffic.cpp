@@ -1,10 +1,8 @@
 #include "tools/workbench/Traffic.h"
 
 #include <algorithm>
-#include <boost/json/parse.hpp>
 #include <chrono>
 #include <map>
-#include <optional>
 #include <string>
 
 #include "core/Json/Codec.h"
@@ -71,14 +69,11 @@ json::object decoded(const PostConsentsRequest& upload, const DraftFolder& folde
           {"permissions", std::move(permissions)}};
 }
 
-// The text of the server's answer to a request that it refused.
-std::optional<std::string> messageOf(const httplib::Response& response) {
-  if (response.status < 400) return std::nullopt;
-  boost::system::error_code error;
-  const json::value answer = json::parse(response.body, error);
-  const auto* object = error ? nullptr : answer.if_object();
-  const auto* message = object ? object->if_contains("message") : nullptr;
-  return message && message->is_string() ? std::optional(escapedForLog(message->get_string())) : std::nullopt;
+// Why the server refused a request; the answer itself may be compressed. Empty when it did not, or was told to fail.
+std::string whyRefused(const httplib::Response& response, const std::string& uploadError) {
+  if (response.status == 400) return escapedForLog(uploadError);
+  if (response.status == 401) return "the access token is missing, or none of this application's";
+  return response.status == 404 ? "there is no such file" : "";
 }
 
 }  // namespace
@@ -89,10 +84,13 @@ void Traffic::add(const httplib::Request& request, const httplib::Response& resp
                         {"method", escapedForLog(request.method)},
                         {"target", escapedForLog(request.target.substr(0, longestTarget))},
                         {"status", response.status}};
-  if (auto message = messageOf(response)) exchange["message"] = *std::move(message);
+  std::string uploadError;
   if (request.method == "POST") {
-    if (const auto upload = decode<PostConsentsRequest>(request.body)) exchange["upload"] = decoded(*upload, folder_);
+    const auto upload = decode<PostConsentsRequest>(request.body);
+    if (upload) exchange["upload"] = decoded(*upload, folder_);
+    if (!upload) uploadError = upload.error();
   }
+  if (auto why = whyRefused(response, uploadError); !why.empty()) exchange["message"] = std::move(why);
   const std::lock_guard lock(mutex_);
   exchange["number"] = ++count_;
   exchanges_.push_back(std::move(exchange));
