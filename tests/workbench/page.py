@@ -58,7 +58,7 @@ def workbench(program, launcher=(), folder=None):
 def browser():
     options = webdriver.ChromeOptions()
     options.binary_location = shutil.which("chromium")
-    for argument in ("--headless=new", "--disable-gpu", "--disable-dev-shm-usage", "--window-size=1400,1100", "--lang=en"):
+    for argument in ("--headless=new", "--disable-gpu", "--disable-dev-shm-usage", "--window-size=1400,1240", "--lang=en"):
         options.add_argument(argument)
     if os.geteuid() == 0:  # its sandbox does not work for the super-user
         options.add_argument("--no-sandbox")
@@ -72,6 +72,7 @@ class Page:
     def __init__(self, driver, address):
         self.driver = driver
         driver.get("about:blank")
+        driver.get_log("browser")  # that of the page before
         driver.get(address)
         self.until(lambda: self.run("return document.readyState") == "complete")
 
@@ -88,8 +89,11 @@ class Page:
     def text(self, identifier):
         return self.run("return document.getElementById(arguments[0]).textContent", identifier)
 
-    def field(self, path):
-        """The control of that path, in sight."""
+    def field(self, path, after=None):
+        """The control of that path, in sight; it may be there only after a button was pressed."""
+        if after:
+            self.run("for (const d of document.querySelectorAll('details')) d.open = true")
+            self.press(after)
         def found():
             controls = self.driver.find_elements(By.CSS_SELECTOR, f'[data-path="{path}"]')
             return controls and controls[0]
@@ -103,10 +107,10 @@ class Page:
 
     def press(self, name):
         """Presses the button of that accessible name or text."""
-        buttons = self.driver.find_elements(By.CSS_SELECTOR, "button")
-        wanted = [b for b in buttons if b.is_displayed() and name in (b.text, b.get_attribute("aria-label"))]
-        assert wanted, f"there is no button {name}"
-        wanted[0].click()
+        found = self.run("return [...document.querySelectorAll('button')].find((b) => b.checkVisibility() && "
+                         "[b.textContent, b.getAttribute('aria-label')].includes(arguments[0]))", name)
+        assert found, f"there is no button {name}"
+        found.click()
 
     def say(self):
         return self.text("status")

@@ -165,7 +165,11 @@ async function save() {
 }
 
 // Another program wrote the file, or removed it.
-async function resolveConflict(theirs = {text: '', tag: ''}) {
+async function resolveConflict(theirs) {
+  if (!theirs) {
+    working.tag = '';
+    return say('Not saved: the file is gone. Saving again makes it anew.', true);
+  }
   const answer = await askAboutConflict(working.name.file, working.text, theirs.text);
   if (answer === 'theirs') {
     working.take(theirs);
@@ -201,13 +205,14 @@ async function watch() {
     working.liveTag = live?.tag ?? '';
     working.inspectAgain();
   }
-  if ((draft?.tag ?? '') === working.tag || draft?.tag === working.seenTag) return;
+  const tag = draft?.tag ?? '';
+  if (tag === working.tag || tag === working.seenTag) return;
   if (working.isSaved && draft) {
     working.take((await server.read(working.name)).draft);
     say('The file changed on disk; this is what it says now.');
   } else {
-    working.seenTag = draft?.tag;  // said once
-    say('The file changed on disk. Saving shows both.', true);
+    working.seenTag = tag;
+    say(draft ? 'The file changed on disk. Saving shows both.' : 'The file on disk is gone.', true);
   }
 }
 

@@ -15,6 +15,7 @@ export class Working {
     this.waiting = new Map();
     this.history = [];
     this.liveTag = stored.live?.tag ?? '';
+    this.seenTag = null;  // of a change on disk that was told
     this.take(stored.draft ?? {text: stored.live?.text ?? '', tag: ''});
   }
 
@@ -24,7 +25,7 @@ export class Working {
 
   // The text of the file that has that tag becomes this one's.
   take({text, tag}) {
-    this.savedText = tag === '' ? undefined : text;
+    this.savedText = text;
     this.tag = tag;
     this.replace(text);
   }
