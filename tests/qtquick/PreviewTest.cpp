@@ -110,5 +110,47 @@ TEST(Preview, WritesASheetOfAllScreensWithTheirContrast) {
   EXPECT_TRUE(page.contains("Yes &amp; more: "));
 }
 
+// Our screens hold the answers alike, so another program draws what would be found.
+TEST(Preview, AnswersThatDoNotWeighTheSameOnTheScreenAreFound) {
+  struct Case {
+    const char* second;  // the answer beside one of 80 by 48 pixels, weight 500, contrast 9 and prominence 9
+    bool isFound;
+  };
+  const Case cases[] = {{"88, 48, 500, 9, 9", false}, {"89, 48, 500, 9, 9", true}, {"80, 53, 500, 9, 9", true},
+                        {"80, 48, 400, 9, 9", true},  {"80, 48, 500, 8, 9", true}, {"80, 48, 500, 9, 4.5", true}};
+  const TemporaryFolder folder;
+  const auto in = [&folder](const char* name) { return QString::fromStdString((folder.path() / name).string()); };
+  ASSERT_TRUE(QFile::copy(QUILLON_CONSENT, in("quillon-consent")));
+  const auto validate = [&](const QString& program) {
+    QProcess process;
+    process.setProcessEnvironment(environmentIn(folder));
+    process.start(program, {"validate", "--drawn", "--fail-on", "warning", QUILLON_SAMPLE_CONFIGURATION});
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    return std::pair(process.exitCode(), process.readAllStandardOutput());
+  };
+  EXPECT_EQ(validate(QUILLON_CONSENT).first, 0);
+  // What cannot be measured does not pass for fair.
+  EXPECT_TRUE(validate(in("quillon-consent")).second.contains("cannot be measured in de"));
+  for (const auto& [second, isFound] : cases) {
+    QFile program(in("quillon-consent-preview"));
+    ASSERT_TRUE(program.open(QFile::WriteOnly | QFile::Truncate));
+    program.write(R"(#!/usr/bin/python3
+import json, sys
+keys = ["width", "height", "weight", "contrast", "prominence"]
+answers = [dict(zip(keys, values), text="Answer") for values in ([80, 48, 500, 9, 9], [)");
+    program.write(second);
+    program.write(R"(])]
+for line in iter(sys.stdin.buffer.readline, b""):
+    sys.stdin.buffer.read(json.loads(line)["bytes"])
+    print(json.dumps({"bytes": 0, "answers": answers}), flush=True)
+)");
+    program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    program.close();
+    const auto [status, output] = validate(in("quillon-consent"));
+    EXPECT_EQ(status, isFound ? 2 : 0) << second << "\n" << output.toStdString();
+    EXPECT_EQ(output.contains("[fair-drawn]"), isFound) << second;
+  }
+}
+
 }  // namespace
 }  // namespace quillon::test

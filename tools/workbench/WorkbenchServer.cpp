@@ -245,9 +245,10 @@ void WorkbenchServer::draw(const httplib::Request& request, httplib::Response& r
   std::from_chars(scale.data(), scale.data() + scale.size(), factor);
   view["scale"] = factor;
   if (request.body.size() > largestDocument) return refuse(response, 413, "the document is larger than 32 MiB");
-  const auto picture = preview_.picture(std::move(view), request.body);
-  if (!picture) return refuse(response, 422, picture.error());
-  response.set_content(*picture, "image/png");
+  const auto drawn = preview_.draw(std::move(view), request.body);
+  if (!drawn) return refuse(response, 422, drawn.error());
+  if (!drawn->answers.empty()) response.set_header("Answers", preview::areAlike(drawn->answers) ? "alike" : "unlike");
+  response.set_content(drawn->png, "image/png");
 }
 
 void WorkbenchServer::publishDraft(const httplib::Request& request, httplib::Response& response) {

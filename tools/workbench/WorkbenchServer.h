@@ -6,12 +6,12 @@
 #include <optional>
 #include <string>
 
+#include "tools/preview/WarmPreview.h"
 #include "tools/serve/DevelopmentServer.h"
 #include "tools/serve/LoopbackServer.h"
 #include "tools/workbench/DraftFolder.h"
 #include "tools/workbench/Guard.h"
 #include "tools/workbench/Traffic.h"
-#include "tools/workbench/WarmPreview.h"
 
 namespace quillon::tools {
 

@@ -6,6 +6,8 @@
 #include <QString>
 #include <vector>
 
+#include "ui/preview/MeasuredAnswer.h"
+
 namespace quillon::preview {
 
 struct MeasuredText {
@@ -16,12 +18,7 @@ struct MeasuredText {
 // Of each text of the screen that is in the picture.
 [[nodiscard]] std::vector<MeasuredText> measuredTexts(const QImage& picture, QQuickItem& screen);
 
-struct MeasuredButton {
-  QString text;
-  QSize size;
-};
-
 // The answers in the row of a banner's answers, in the order of the screen; none on other screens.
-[[nodiscard]] std::vector<MeasuredButton> measuredAnswers(QQuickItem& screen);
+[[nodiscard]] std::vector<MeasuredAnswer> measuredAnswers(const QImage& picture, QQuickItem& screen);
 
 }  // namespace quillon::preview

@@ -1,6 +1,7 @@
 #include "ui/preview/Pictures.h"
 
 #include <QBuffer>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <string>
 
+#include "ui/preview/Measure.h"
 #include "ui/preview/Presenters.h"
 #include "ui/preview/Preview.h"
 
@@ -36,18 +38,32 @@ std::optional<Request> requestFrom(const std::string& line) {
                  .bytes = bytes};
 }
 
-std::expected<QByteArray, const char*> pictureOf(const View& view, std::string document, Presenters& presenters) {
+struct Drawn {
+  QByteArray png;
+  QJsonArray answers;
+};
+
+std::expected<Drawn, const char*> drawn(const View& view, std::string document, Presenters& presenters) {
   Preview preview(view, std::move(document), presenters.of(view.isDark, view.scale));
   if (!preview.start()) return std::unexpected("the document is no valid configuration");
   preview.present(view.screen);
   const QImage picture = preview.picture();
-  if (picture.isNull()) return std::unexpected("the screen does not appear");
-  QByteArray png;
-  QBuffer buffer(&png);
+  if (picture.isNull() || !preview.screen()) return std::unexpected("the screen does not appear");
+  Drawn drawn;
+  QBuffer buffer(&drawn.png);
   // Whoever looks at it is on this machine: time counts, and not size.
   constexpr int leastCompression = 90;
   picture.save(&buffer, "PNG", leastCompression);
-  return png;
+  if (view.screen != "banner") return drawn;
+  for (const auto& answer : measuredAnswers(picture, *preview.screen())) {
+    drawn.answers.append(QJsonObject{{"text", QString::fromStdString(answer.text)},
+                                     {"width", answer.width},
+                                     {"height", answer.height},
+                                     {"weight", answer.weight},
+                                     {"contrast", answer.contrast},
+                                     {"prominence", answer.prominence}});
+  }
+  return drawn;
 }
 
 }  // namespace
@@ -60,10 +76,11 @@ int drawPictures() {
     if (!request) return 1;
     std::string document(static_cast<std::size_t>(request->bytes), '\0');
     if (!std::cin.read(document.data(), request->bytes)) return 1;
-    const auto png = pictureOf(request->view, std::move(document), presenters);
-    const QJsonObject answer = png ? QJsonObject{{"bytes", png->size()}} : QJsonObject{{"error", png.error()}};
+    const auto result = drawn(request->view, std::move(document), presenters);
+    const QJsonObject answer = result ? QJsonObject{{"bytes", result->png.size()}, {"answers", result->answers}}
+                                      : QJsonObject{{"error", result.error()}};
     std::cout << QJsonDocument(answer).toJson(QJsonDocument::Compact).toStdString() << '\n';
-    if (png) std::cout.write(png->data(), png->size());
+    if (result) std::cout.write(result->png.data(), result->png.size());
     if (!std::cout.flush()) return 1;
   }
   return 0;

@@ -77,13 +77,15 @@ QString measuresOf(const QImage& picture, QQuickItem& screen) {
     measures += "<br>least contrast " + marked(ratio, least->contrast < legible) + " (" +
                 least->text.left(32).toHtmlEscaped() + ")";
   }
-  const auto answers = measuredAnswers(screen);
+  const auto answers = measuredAnswers(picture, screen);
+  const bool isUnequal = !areAlike(answers);
   for (const auto& answer : answers) {
-    const auto& first = answers.front().size;
-    const bool isUnequal = std::abs(answer.size.width() - first.width()) * 10 > first.width() ||
-                           std::abs(answer.size.height() - first.height()) * 10 > first.height();
-    measures += "<br>" + answer.text.toHtmlEscaped() + ": " +
-                marked(QString("%1×%2").arg(answer.size.width()).arg(answer.size.height()), isUnequal);
+    const QString measure = QString("%1×%2, weight %3, contrast %4:1")
+                                .arg(answer.width)
+                                .arg(answer.height)
+                                .arg(answer.weight)
+                                .arg(std::floor(answer.contrast * 10) / 10);
+    measures += "<br>" + escaped(answer.text) + ": " + marked(measure, isUnequal);
   }
   return measures;
 }

@@ -48,7 +48,7 @@ export class Screens {
     this.isDrawing = false;
   }
 
-  async #put(blob, since) {
+  async #put({blob, answers}, since) {
     const picture = byId('picture');
     const last = picture.src;
     picture.src = URL.createObjectURL(blob);
@@ -59,6 +59,8 @@ export class Screens {
     picture.dataset.count = Number(picture.dataset.count ?? 0) + 1;
     const time = since === undefined ? undefined : Math.round(performance.now() - since);
     picture.dataset.milliseconds = time ?? '';
-    byId('drawn').textContent = time === undefined ? '' : `${time} ms after the change`;
+    const measured = {alike: 'Refusing and accepting weigh the same.', unlike: 'Refusing and accepting do not weigh the same.'};
+    byId('drawn').textContent = [measured[answers], time !== undefined && `Drawn ${time} ms after the change.`].filter(Boolean).join(' ');
+    byId('drawn').classList.toggle('error', answers === 'unlike');
   }
 }

@@ -34,6 +34,10 @@ export const inspect = (name, text, changes) =>
   askJson('POST', `api/inspect?${query(name)}`, {body: JSON.stringify({text, changes})});
 export const publish = (name, tag) =>
   askJson('POST', `api/publish?${query(name)}`, {body: JSON.stringify({tag, isConfirmed: true})});
-export const picture = async (view, text) => (await ask('POST', `api/picture?${query(view)}`, {body: text})).blob();
+// Resolves with the picture, and for a banner with whether its answers are 'alike' or 'unlike', as measured on it.
+export async function picture(view, text) {
+  const response = await ask('POST', `api/picture?${query(view)}`, {body: text});
+  return {blob: await response.blob(), answers: response.headers.get('Answers')};
+}
 export const traffic = (after) => askJson('GET', `api/traffic?${query({after})}`);
 export const setFaults = (faults) => askJson('PUT', 'api/faults', {body: JSON.stringify(faults)});

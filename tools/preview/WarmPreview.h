@@ -9,8 +9,16 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "ui/preview/MeasuredAnswer.h"
 
 namespace quillon::tools {
+
+struct DrawnScreen {
+  std::string png;
+  std::vector<preview::MeasuredAnswer> answers;  // of a banner
+};
 
 // Starts the program when it is first needed, and anew after it failed. Thread-safe; one picture is drawn at a time.
 class WarmPreview {
@@ -21,8 +29,8 @@ class WarmPreview {
   WarmPreview(const WarmPreview&) = delete;
   WarmPreview& operator=(const WarmPreview&) = delete;
 
-  // A PNG picture. The view has the keys that ui/preview/Pictures.h names; the error is a sentence.
-  [[nodiscard]] std::expected<std::string, std::string> picture(boost::json::object view, std::string_view document);
+  // The view has the keys that ui/preview/Pictures.h names; the error is a sentence.
+  [[nodiscard]] std::expected<DrawnScreen, std::string> draw(boost::json::object view, std::string_view document);
 
  private:
   using Deadline = std::chrono::steady_clock::time_point;
@@ -35,8 +43,7 @@ class WarmPreview {
 
   std::mutex mutex_;  // guards all below
   pid_t program_ = -1;
-  int input_ = -1;
-  int output_ = -1;
+  int connection_ = -1;  // its standard input and output
   std::string read_;
 };
 
