@@ -148,15 +148,23 @@ export class Form {
   }
 
   #banners(banners) {
-    return this.#group('Banners', Object.entries(objectOf(banners.categories)).map(([category, banner]) => {
-      const path = ['banner_config', 'categories', category];
-      const values = objectOf(banner);
-      const colors = values.palette
-        ? this.#fields(fields.palette, [...path, 'palette'], objectOf(values.palette))
-        : [button('Give it colours of its own', () => this.working.change([...path, 'palette'], fields.newPalette, true))];
-      return this.#group(category, [...this.#fields(fields.banner, path, values),
-        this.#group('Colours', colors, {isClosed: true, path: [...path, 'palette']})], {isClosed: true, path});
-    }));
+    const categories = Object.entries(objectOf(banners.categories));
+    const name = element('input', {type: 'text', spellcheck: 'false', 'aria-label': 'Name of a further banner'});
+    const add = () => name.value.trim() && this.working.change(['banner_config', 'categories', name.value.trim()],
+      categories[0]?.[1] ?? {compliance_type: 'opt-in'}, true);
+    return this.#group('Banners', [...categories.map(([category, banner]) => this.#banner(category, objectOf(banner))),
+      element('div', {class: 'actions'}, name, button('Add a banner', add, {title: 'a copy of the first'}))]);
+  }
+
+  #banner(category, banner) {
+    const path = ['banner_config', 'categories', category];
+    const palette = [...path, 'palette'];
+    const colors = banner.palette
+      ? this.#fields(fields.palette, palette, objectOf(banner.palette))
+      : [button('Give it colours of its own', () => this.working.change(palette, fields.newPalette, true))];
+    return this.#group(category, [...this.#fields(fields.banner, path, banner),
+      this.#group('Colours', colors, {isClosed: true, path: palette}),
+      this.#remove(`Remove banner ${category}`, path)], {isClosed: true, path});
   }
 
   #places(banners) {
