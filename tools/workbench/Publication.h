@@ -12,8 +12,8 @@
 
 namespace quillon::tools {
 
-// The version that a draft gets when it is published: one more than what is live when something material changed and its
-// own is not greater, 1 when it has none; nullopt when its own will do.
+// The version that a draft gets when it is published: one more than what is live when something material changed and
+// its own is not greater, 1 when it has none; nullopt when its own will do.
 [[nodiscard]] std::optional<std::int64_t> versionToPublish(const MainConfiguration& draft,
                                                            const MainConfiguration* live);
 

@@ -1,4 +1,5 @@
-// quillon-consent-preview: shows a screen of a configuration in a window, or writes its picture or those of all screens.
+// quillon-consent-preview: shows a screen of a configuration in a window, or writes its picture or those of all
+// screens.
 #include <CLI/CLI.hpp>
 #include <QGuiApplication>
 #include <QImage>
