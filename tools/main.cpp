@@ -20,6 +20,7 @@
 #include "tools/store/StoreCommand.h"
 #include "tools/texts/TextsCommand.h"
 #include "tools/validate/ValidateCommand.h"
+#include "tools/workbench/WorkbenchCommand.h"
 
 int main(int argc, char** argv) {
   CLI::App app("Tools for developers of applications that ask for consent.", "quillon-consent");
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
   quillon::tools::addStoreCommand(app, exitCode);
   quillon::tools::addTextsCommand(app, exitCode);
   quillon::tools::addValidateCommand(app, exitCode);
+  quillon::tools::addWorkbenchCommand(app, exitCode);
 
   std::vector<std::string> arguments(argv + 1, argv + argc);
   // These two take texts of any form.

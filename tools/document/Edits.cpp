@@ -24,6 +24,10 @@ bool setIn(json::object& object, Steps steps, const json::value& value) {
   return member.is_object() && setIn(member.get_object(), steps.subspan(1), value);
 }
 
+std::size_t beginOf(const Value& child) {
+  return child.keyEnd > 0 ? child.keyBegin : child.begin;
+}
+
 }  // namespace
 
 bool Edits::set(const DocumentPath& path, const json::value& value) {
@@ -36,6 +40,13 @@ bool Edits::set(const DocumentPath& path, const json::value& value) {
       continue;
     }
     if (place->kind == Value::Kind::object) return setIn(added_[place], steps.subspan(i), value);
+    if (place->kind == Value::Kind::array) {
+      json::array& further = appended_[place];
+      const auto* index = std::get_if<std::size_t>(&steps[i]);
+      if (!index || i + 1 != steps.size() || *index != place->children.size() + further.size()) return false;
+      further.push_back(value);
+      return true;
+    }
     if (place->kind != Value::Kind::null) return false;
     json::value& made = replaced_.try_emplace(place, json::object()).first->second;
     return made.is_object() && setIn(made.get_object(), steps.subspan(i), value);
@@ -50,6 +61,7 @@ std::string Edits::text() const {
     splices.push_back({place->begin, place->end, laidOut(value, layout(), indentationAt(place->begin))});
   }
   for (const auto& [object, members] : added_) splices.push_back(addition(*object, members));
+  for (const auto& [array, elements] : appended_) splices.push_back(addition(*array, elements));
   std::ranges::sort(splices, {}, &Splice::begin);
   std::string text;
   std::size_t at = 0;
@@ -61,17 +73,22 @@ std::string Edits::text() const {
   return text.append(document_.text(), at);
 }
 
-Edits::Splice Edits::addition(const Value& object, const json::object& members) const {
+// Of the members of an object, or the elements of an array, behind those that are there.
+Edits::Splice Edits::addition(const Value& parent, const json::value& children) const {
   const JsonLayout lines = layout();
-  if (object.children.empty()) return {object.begin, object.end, laidOut(members, lines, indentationAt(object.begin))};
-  const Value& last = object.children.back();
-  const bool isOneLine = !document_.source(object).contains('\n');
-  const std::string indentation = indentationAt(last.keyBegin);
+  if (parent.children.empty()) return {parent.begin, parent.end, laidOut(children, lines, indentationAt(parent.begin))};
+  const Value& last = parent.children.back();
+  const bool isOneLine = !document_.source(parent).contains('\n');
+  const std::string indentation = indentationAt(beginOf(last));
   std::string text;
-  for (const auto& [key, value] : members) {
+  const auto add = [&](const std::string& key, const json::value& value) {
     text += isOneLine ? ", " : "," + lines.newline + indentation;
-    text += json::serialize(json::value(key)) + ": ";
-    text += isOneLine ? json::serialize(value) : laidOut(value, lines, indentation);
+    text += key + (isOneLine ? json::serialize(value) : laidOut(value, lines, indentation));
+  };
+  if (children.is_array()) {
+    for (const json::value& element : children.get_array()) add({}, element);
+  } else {
+    for (const auto& [key, value] : children.get_object()) add(json::serialize(json::value(key)) + ": ", value);
   }
   return {last.end, last.end, text};
 }
@@ -95,6 +112,26 @@ JsonLayout Edits::layout() const {
   const auto level = indentationAt(root.children.front().begin);
   if (!level.empty()) layout.level = level;
   return layout;
+}
+
+std::optional<std::string> without(const Document& document, const DocumentPath& path) {
+  const Value* const value = document.find(path);
+  const Steps steps(path.steps());
+  if (!value || steps.empty()) return std::nullopt;
+  const Value& parent = *document.find(DocumentPath({steps.begin(), steps.end() - 1}));
+  const auto index = static_cast<std::size_t>(value - parent.children.data());
+  // With its comma: the one before it, or of a first child the one behind. An only child leaves nothing.
+  std::size_t begin = parent.begin + 1;
+  std::size_t end = parent.end - 1;
+  if (index > 0) {
+    begin = parent.children[index - 1].end;
+    end = value->end;
+  } else if (parent.children.size() > 1) {
+    begin = beginOf(*value);
+    end = beginOf(parent.children[1]);
+  }
+  std::string text = document.text();
+  return text.erase(begin, end - begin);
 }
 
 }  // namespace quillon::tools

@@ -21,14 +21,13 @@ bool isInside(const fs::path& file, const fs::path& folder) {
   return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
 }
 
-// Tags depend on the content only, so clients' caches survive a restart of the server.
+}  // namespace
+
 std::string entityTagOf(std::string_view content) {
   char tag[64];
   std::snprintf(tag, sizeof tag, "\"%zx-%zx\"", content.size(), std::hash<std::string_view>{}(content));
   return tag;
 }
-
-}  // namespace
 
 std::optional<ConfigurationFolder::Document> ConfigurationFolder::read(std::string_view urlPath) const {
   if (urlPath.empty() || urlPath.find('\0') != std::string_view::npos) return std::nullopt;

@@ -8,12 +8,15 @@
 
 namespace quillon::tools {
 
+// Strong: equal tags mean equal contents. It depends on the content only, so it survives a restart.
+[[nodiscard]] std::string entityTagOf(std::string_view content);
+
 // The published files of a folder. Immutable and thread-safe; every call reads the disk.
 class ConfigurationFolder {
  public:
   struct Document {
     std::string content;
-    std::string entityTag;  // strong: equal tags mean equal contents
+    std::string entityTag;
   };
 
   // `root` must be canonical.

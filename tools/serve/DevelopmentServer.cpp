@@ -1,13 +1,9 @@
 #include "tools/serve/DevelopmentServer.h"
 
-#include <sys/socket.h>
-
 #include <algorithm>
 #include <boost/json.hpp>
 #include <chrono>
-#include <cstdio>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 #include "core/Json/Codec.h"
@@ -17,7 +13,6 @@
 namespace quillon::tools {
 namespace {
 
-constexpr auto kAddress = "127.0.0.1";
 constexpr std::string_view kLocationPath = "/core/v1/utils/geo/location";
 constexpr std::string_view kUploadPath = "/vantari/v1/consent/mobile/singleupload";
 constexpr std::string_view kControlPath = "/control";
@@ -43,54 +38,20 @@ bool matches(std::string_view list, std::string_view entityTag) {
   return false;
 }
 
-// Logs the client's target, escaped so that it cannot forge log lines.
-void logRequest(const httplib::Request& request, const httplib::Response& response) {
-  std::string line = request.method + " " + request.target;
-  for (char& c : line) {
-    if (c < ' ' || c > '~') c = '?';
-  }
-  std::printf("%s %d\n", line.c_str(), response.status);
-  std::fflush(stdout);
-}
-
 }  // namespace
 
-DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults,
+DevelopmentServer::DevelopmentServer(ConfigurationFolder folder, UploadStore& uploads, Faults faults, Observer observer,
                                      std::string uploadsTo)
     : folder_(std::move(folder)), uploads_(uploads), uploadsTo_(std::move(uploadsTo)), faults_(faults) {
+  auto& http = server_.http();
   // One handler per method: the library's routing would match regular expressions against client input.
-  http_.Get(".*", [this](const auto& request, auto& response) { get(request, response); });
-  http_.Post(".*", [this](const auto& request, auto& response) { post(request, response); });
-  http_.set_error_handler([](const httplib::Request&, httplib::Response& response) {
+  http.Get(".*", [this](const auto& request, auto& response) { get(request, response); });
+  http.Post(".*", [this](const auto& request, auto& response) { post(request, response); });
+  http.set_error_handler([](const httplib::Request&, httplib::Response& response) {
     if (response.body.empty() && response.status >= 400) answer(response, response.status, 1, "request refused");
   });
-  http_.set_post_routing_handler(logRequest);
-  http_.set_payload_max_length(kMaxBodyBytes);
-  // One response per connection, so that no idle connection keeps run() from returning.
-  http_.set_keep_alive_max_count(1);
-  // By default the library would let two servers share a port unnoticed.
-  http_.set_socket_options([this](socket_t socket) {
-    const int on = 1;
-    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    listener_ = socket;
-  });
-}
-
-std::expected<int, std::string> DevelopmentServer::bind(int port) {
-  if (port == 0) {
-    port = http_.bind_to_any_port(kAddress);
-  } else if (!http_.bind_to_port(kAddress, port)) {
-    return std::unexpected("port " + std::to_string(port) + " cannot be taken");
-  }
-  if (port < 0) return std::unexpected("no free port on 127.0.0.1");
-  // The library's backlog is five; the system drops further connections, which retry after a second.
-  listen(listener_, SOMAXCONN);
-  return port;
-}
-
-void DevelopmentServer::run() {
-  http_.listen_after_bind();
-  ended_ = true;
+  http.set_post_routing_handler(std::move(observer));
+  http.set_payload_max_length(kMaxBodyBytes);
 }
 
 void DevelopmentServer::stop() {
@@ -99,14 +60,24 @@ void DevelopmentServer::stop() {
     stopping_ = true;
   }
   stopRequested_.notify_all();
-  // The library ignores a stop before its accept loop has begun.
-  while (!http_.is_running() && !ended_) std::this_thread::yield();
-  http_.stop();
+  server_.stop();
 }
 
 bool DevelopmentServer::stopped() const {
   const std::lock_guard lock(mutex_);
   return stopping_;
+}
+
+Faults DevelopmentServer::faults() const {
+  const std::lock_guard lock(mutex_);
+  return faults_;
+}
+
+std::expected<Faults, std::string> DevelopmentServer::changeFaults(std::string_view json) {
+  const std::lock_guard lock(mutex_);
+  auto changed = faults_.changedBy(json);
+  if (changed) faults_ = *changed;
+  return changed;
 }
 
 // Waits for the delay in force when the request arrived, and returns the faults of that moment.
@@ -173,11 +144,9 @@ void DevelopmentServer::passOn(const httplib::Request& request, httplib::Respons
 void DevelopmentServer::control(const httplib::Request& request, httplib::Response& response) {
   // Only browsers send this header: web pages must not access the local server.
   if (request.has_header("Origin")) return answer(response, 403, 1, "not for web pages");
-  const std::lock_guard lock(mutex_);
-  const auto changed = faults_.changedBy(request.body);
+  const auto changed = changeFaults(request.body);
   if (!changed) return answer(response, 400, 1, changed.error());
-  faults_ = *changed;
-  response.set_content(faults_.toJson(), kJson);
+  response.set_content(changed->toJson(), kJson);
 }
 
 }  // namespace quillon::tools

@@ -74,6 +74,16 @@ int list(const std::string& database) {
   return std::fflush(stdout) == 0 ? 0 : fail("standard output cannot be written");
 }
 
+// Logs the client's target, escaped so that it cannot forge log lines.
+void logRequest(const httplib::Request& request, const httplib::Response& response) {
+  std::string line = request.method + " " + request.target;
+  for (char& c : line) {
+    if (c < ' ' || c > '~') c = '?';
+  }
+  std::printf("%s %d\n", line.c_str(), response.status);
+  std::fflush(stdout);
+}
+
 int serve(const ServeOptions& options) {
   std::error_code error;
   const auto folder = std::filesystem::canonical(options.folder, error);
@@ -90,7 +100,7 @@ int serve(const ServeOptions& options) {
       UploadStore::open(options.database.empty() ? ":memory:" : options.database, UploadStore::Access::readWrite);
   if (!uploads) return fail(uploads.error());
 
-  DevelopmentServer server(ConfigurationFolder(folder), **uploads, options.faults, options.uploadsTo);
+  DevelopmentServer server(ConfigurationFolder(folder), **uploads, options.faults, logRequest, options.uploadsTo);
   const auto port = server.bind(options.port);
   if (!port) return fail(port.error());
   std::printf("listening on http://127.0.0.1:%d/\n", *port);

@@ -5,6 +5,7 @@
 
 #include "core/Json/Codec.h"
 #include "tools/diff/Differences.h"
+#include "tools/fairness/DrawnFairness.h"
 #include "tools/fairness/Fairness.h"
 #include "tools/validate/Lint.h"
 #include "tools/validate/Structure.h"
@@ -48,10 +49,9 @@ Checked check(const std::string& text, const CheckOptions& options) {
     const auto apply = [&](std::span<const Rule> rules) {
       for (const Rule& rule : rules) rule.check(*configuration, reportOf(rule));
     };
-    if (options.live) {
-      const auto rule = std::ranges::find(documentRules(), std::string_view("version-rises"), &Rule::name);
-      versionRises(*options.live, *configuration, reportOf(*rule));
-    }
+    const auto ruleOf = [](std::string_view name) { return *std::ranges::find(documentRules(), name, &Rule::name); };
+    if (options.live) versionRises(*options.live, *configuration, reportOf(ruleOf("version-rises")));
+    if (options.screens) drawnAnswersAreAlike(text, *configuration, *options.screens, reportOf(ruleOf("fair-drawn")));
     if (options.lint) apply(lintRules());
     if (options.fairness) apply(fairnessRules());
     checked.configuration = *std::move(configuration);

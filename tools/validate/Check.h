@@ -10,10 +10,13 @@
 
 namespace quillon::tools {
 
+class WarmPreview;
+
 struct CheckOptions {
   bool lint = false;                        // what would disappoint a user
   bool fairness = false;                    // what would be unfair to one
   const MainConfiguration* live = nullptr;  // what users have; outlives the check
+  WarmPreview* screens = nullptr;           // draws the banners, to measure what would be unfair on them
 };
 
 struct Checked {

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "core/Text/Ascii.h"
+#include "tools/validate/Contrasts.h"
 #include "tools/validate/Rules.h"
-#include "ui/Common/Theme/Contrast.h"
 
 namespace quillon::tools {
 namespace {
@@ -65,28 +65,10 @@ void colorsAreColors(const MainConfiguration& configuration, const Report& repor
 
 void textsAreLegible(const MainConfiguration& configuration, const Report& report) {
   forEachPalette(configuration, [&report](const BannerConfig& banner, const DocumentPath& path) {
-    const CustomColors& colors = *banner.customPaletteTheme;
-    const auto expect = [&](std::string_view key, const std::string& color, std::string_view on,
-                            const std::string& background, double enough, std::string_view what) {
-      const double found = contrast(colorFromText(color), colorFromText(background));
-      if (found >= enough) return;
-      report(path.at(key), "has a contrast of " + ratio(found) + " on " + std::string(on) + "; " + std::string(what) +
-                               " from " + ratio(enough) + " on");
-    };
-    const auto expectLegible = [&](std::string_view key, const std::string& text, std::string_view on,
-                                   const std::string& background) {
-      expect(key, text, on, background, legible, "text is legible");
-    };
-    expectLegible("button_text", colors.buttonText, "button_background", colors.buttonBackground);
-    expectLegible("banner_text", colors.bannerText, "banner_background", colors.bannerBackground);
-    expectLegible("banner_links", colors.bannerLinks, "banner_background", colors.bannerBackground);
-    if (banner.buttonShape == ButtonShape::outlined) {
-      expect("button_border", colors.buttonBorder, "banner_background", colors.bannerBackground, visible,
-             "an outline is visible");
-    }
-    if (colors.purposeDisclaimerTextColor && colors.purposeDisclaimerBackgroundColor) {
-      expectLegible("purpose_disclaimer_text", *colors.purposeDisclaimerTextColor, "purpose_disclaimer_background",
-                    *colors.purposeDisclaimerBackgroundColor);
+    for (const ColorPair& pair : colorPairs(banner)) {
+      if (pair.contrast >= pair.enough) continue;
+      report(path.at(pair.key), "has a contrast of " + ratio(pair.contrast) + " on " + std::string(pair.on) + "; " +
+                                    std::string(pair.what) + " from " + ratio(pair.enough) + " on");
     }
   });
 }

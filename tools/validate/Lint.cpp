@@ -15,6 +15,7 @@ constexpr Rule rulesOfDocuments[] = {
     {"document", Level::error, "The SDK takes the document."},
     {"unknown-key", Level::warning, "The SDK knows every key."},
     {"version-rises", Level::warning, "A material change comes with a greater version."},
+    {"fair-drawn", Level::warning, "Accepting and refusing weigh the same on the screen."},
     {"findings", Level::note, "No document has more than 1000 findings."},
 };
 

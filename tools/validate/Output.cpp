@@ -49,6 +49,19 @@ json::array sarifRules() {
 
 }  // namespace
 
+json::array toJson(const std::vector<Finding>& findings) {
+  json::array all;
+  for (const Finding& finding : findings) {
+    all.push_back({{"level", nameOf(finding.level)},
+                   {"rule", finding.rule},
+                   {"path", finding.path},
+                   {"line", finding.line},
+                   {"column", finding.column},
+                   {"text", finding.text}});
+  }
+  return all;
+}
+
 void writeText(std::ostream& out, const CheckedFile& file) {
   const std::string name = text(file.name);
   if (file.isValid) out << name << ": ok\n";
@@ -61,16 +74,7 @@ void writeText(std::ostream& out, const CheckedFile& file) {
 void writeJson(std::ostream& out, const std::vector<CheckedFile>& files) {
   json::array all;
   for (const CheckedFile& file : files) {
-    json::array findings;
-    for (const Finding& finding : file.findings) {
-      findings.push_back({{"level", nameOf(finding.level)},
-                          {"rule", finding.rule},
-                          {"path", finding.path},
-                          {"line", finding.line},
-                          {"column", finding.column},
-                          {"text", finding.text}});
-    }
-    all.push_back({{"file", text(file.name)}, {"valid", file.isValid}, {"findings", std::move(findings)}});
+    all.push_back({{"file", text(file.name)}, {"valid", file.isValid}, {"findings", toJson(file.findings)}});
   }
   out << json::serialize(json::object{{"files", std::move(all)}}) << '\n';
 }

@@ -1,6 +1,7 @@
 // Findings in the forms that people and programs read.
 #pragma once
 
+#include <boost/json/array.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -16,6 +17,9 @@ struct CheckedFile {
 };
 
 // "FILE: ok", and "FILE:LINE:COLUMN: LEVEL: PATH: TEXT [RULE]" for each finding.
+// {"level", "rule", "path", "line", "column", "text"} of each.
+[[nodiscard]] boost::json::array toJson(const std::vector<Finding>& findings);
+
 void writeText(std::ostream& out, const CheckedFile& file);
 
 // {"files":[{"file":…,"valid":…,"findings":[…]}]}

@@ -11,6 +11,7 @@
 #include "tools/ConfigurationFile.h"
 #include "tools/FileContent.h"
 #include "tools/PlainArguments.h"
+#include "tools/preview/WarmPreview.h"
 #include "tools/validate/Check.h"
 #include "tools/validate/ConfigurationFiles.h"
 #include "tools/validate/Output.h"
@@ -27,6 +28,7 @@ struct ValidateOptions {
   std::vector<std::string> files;
   bool lint = false;
   bool fairness = false;
+  bool drawn = false;
   std::string live;
   std::string format = "text";
   Level failOn = Level::error;
@@ -43,20 +45,23 @@ CheckedFile unreadable(const std::string& name, const std::string& why) {
   return {.name = name, .isValid = false, .findings = {{Level::error, "file", "document", why}}};
 }
 
-CheckedFile checkFile(const std::string& name, const std::string& live, const ValidateOptions& options) {
+CheckedFile checkFile(const std::string& name, const std::string& live, const ValidateOptions& options,
+                      WarmPreview& screens) {
   const auto content = contentOf(name);
   if (!content) return unreadable(name, "cannot be read: " + content.error());
   std::expected<MainConfiguration, std::string> published;
   if (!live.empty() && !(published = configurationOf(live))) {
     return unreadable(name, "cannot be compared with " + live + ": " + published.error());
   }
-  auto [configuration, findings] = check(
-      *content, {.lint = options.lint, .fairness = options.fairness, .live = live.empty() ? nullptr : &*published});
+  auto [configuration, findings] = check(*content, {.lint = options.lint,
+                                                    .fairness = options.fairness,
+                                                    .live = live.empty() ? nullptr : &*published,
+                                                    .screens = options.drawn ? &screens : nullptr});
   return {.name = name, .isValid = configuration.has_value(), .findings = std::move(findings)};
 }
 
 // The files below the folder, each compared with the one of the same name below the live folder, if there is one.
-std::vector<CheckedFile> checkFolder(const std::string& folder, const ValidateOptions& options) {
+std::vector<CheckedFile> checkFolder(const std::string& folder, const ValidateOptions& options, WarmPreview& screens) {
   const auto names = configurationsBelow(folder);
   if (!names) return {unreadable(folder, names.error())};
   std::vector<CheckedFile> files;
@@ -69,7 +74,7 @@ std::vector<CheckedFile> checkFolder(const std::string& folder, const ValidateOp
     } else {
       live = options.live;
     }
-    files.push_back(checkFile(name, live, options));
+    files.push_back(checkFile(name, live, options, screens));
   }
   return files;
 }
@@ -83,10 +88,12 @@ int statusOf(const std::vector<CheckedFile>& files, Level failOn) {
 }
 
 void run(const ValidateOptions& options, int& exitCode) {
+  WarmPreview screens;  // starts with the first picture
   std::vector<CheckedFile> all;
   for (const auto& argument : options.files) {
     const std::string name = plain(argument);
-    auto files = isFolder(name) ? checkFolder(name, options) : std::vector{checkFile(name, options.live, options)};
+    auto files = isFolder(name) ? checkFolder(name, options, screens)
+                                : std::vector{checkFile(name, options.live, options, screens)};
     std::ranges::move(files, std::back_inserter(all));
   }
   if (options.format == "json") {
@@ -116,6 +123,8 @@ void addValidateCommand(CLI::App& app, int& exitCode) {
       ->required();
   command->add_flag("--lint", options->lint, "Also tell what would disappoint a user");
   command->add_flag("--fairness", options->fairness, "Also tell what would be unfair to a user");
+  command->add_flag("--drawn", options->drawn,
+                    "Also draw the banners, and tell where their answers do not weigh the same");
   command->add_option("--against", options->live,
                       "What is live, a file or folder: a material change needs a greater version");
   command->add_option("--format", options->format, "Of the output")

@@ -1,8 +1,8 @@
 #include "ui/preview/PreviewDevice.h"
 
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/memory/FixedLocale.h"
@@ -16,12 +16,10 @@
 
 namespace quillon::preview {
 
-PreviewDevice::PreviewDevice(const std::filesystem::path& configuration, std::shared_ptr<ScreenPresenter> screens)
+PreviewDevice::PreviewDevice(std::string document, std::shared_ptr<ScreenPresenter> screens)
     : platform_(linuxPlatform(
           {.postToMainQueue = [](std::function<void()> job) { MainQueue::instance().post(std::move(job)); }})) {
-  std::ifstream file(configuration, std::ios::binary);
-  std::string document((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  platform_.http = std::make_shared<ScriptedHttpSession>([document](const HttpRequest& request) {
+  platform_.http = std::make_shared<ScriptedHttpSession>([document = std::move(document)](const HttpRequest& request) {
     return HttpResponse{request.url, 200, {}, request.method == "GET" ? document : R"({"status":0})"};
   });
   platform_.console = std::make_shared<MemoryConsole>();

@@ -1,8 +1,8 @@
 // A device that forgets: everything in memory, and one configuration on its network.
 #pragma once
 
-#include <filesystem>
 #include <memory>
+#include <string>
 
 #include "platform/Platform.h"
 
@@ -10,8 +10,8 @@ namespace quillon::preview {
 
 class PreviewDevice {
  public:
-  // Every configuration that is asked for is the file's; uploads succeed and go nowhere.
-  PreviewDevice(const std::filesystem::path& configuration, std::shared_ptr<ScreenPresenter> screens);
+  // Every configuration that is asked for is the document; uploads succeed and go nowhere.
+  PreviewDevice(std::string document, std::shared_ptr<ScreenPresenter> screens);
 
   const Platform& platform() const { return platform_; }
 

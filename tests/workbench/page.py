@@ -1,0 +1,158 @@
+"""A running workbench, and its page in a browser."""
+import contextlib
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+
+from selenium import webdriver
+from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.ui import WebDriverWait
+
+SECONDS = 30
+
+
+class Workbench:
+    """`quillon-consent workbench` on a folder of its own."""
+
+    def __init__(self, program, folder, arguments=(), launcher=()):
+        self.folder = pathlib.Path(folder)
+        self.process = subprocess.Popen([*launcher, program, "workbench", str(folder), *arguments],
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.address = self._line("workbench: ")
+        self.applications = self._line("applications: ")
+
+    def _line(self, prefix):
+        line = self.process.stdout.readline()
+        assert line.startswith(prefix), line + self.process.stderr.read()
+        return line.removeprefix(prefix).strip()
+
+    def file(self, channel, name="config.json"):
+        return self.folder / "consent/mobile_banner/acme/runner" / channel / name
+
+    def put(self, channel, text):
+        self.file(channel).parent.mkdir(parents=True, exist_ok=True)
+        self.file(channel).write_bytes(text.encode())
+
+    def end(self):
+        self.process.terminate()
+        _, errors = self.process.communicate(timeout=SECONDS)
+        assert self.process.returncode == 0, errors
+
+
+@contextlib.contextmanager
+def workbench(program, launcher=(), folder=None):
+    made = folder or tempfile.mkdtemp(prefix="workbench-")
+    running = Workbench(program, made, launcher=launcher)
+    try:
+        yield running
+    finally:
+        running.end()
+        if not folder:
+            shutil.rmtree(made)
+
+
+def browser():
+    options = webdriver.ChromeOptions()
+    options.binary_location = shutil.which("chromium")
+    for argument in ("--headless=new", "--disable-gpu", "--disable-dev-shm-usage", "--window-size=1400,1240", "--lang=en"):
+        options.add_argument(argument)
+    if os.geteuid() == 0:  # its sandbox does not work for the super-user
+        options.add_argument("--no-sandbox")
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    return webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
+
+
+class Page:
+    """What a person does on the page."""
+
+    def __init__(self, driver, address):
+        self.driver = driver
+        driver.get("about:blank")
+        driver.get_log("browser")  # that of the page before
+        driver.get(address)
+        self.until(lambda: self.run("return document.readyState") == "complete")
+
+    def until(self, condition, what=""):
+        """Waits until the condition holds, and returns its value."""
+        return WebDriverWait(self.driver, SECONDS, poll_frequency=0.02).until(lambda _: condition(), what)
+
+    def run(self, script, *arguments):
+        return self.driver.execute_script(script, *arguments)
+
+    def at(self, identifier):
+        return self.driver.find_element(By.ID, identifier)
+
+    def text(self, identifier):
+        return self.run("return document.getElementById(arguments[0]).textContent", identifier)
+
+    def field(self, path, after=None):
+        """The control of that path, in sight; it may be there only after a button was pressed."""
+        if after:
+            self.run("for (const d of document.querySelectorAll('details')) d.open = true")
+            self.press(after)
+        def found():
+            controls = self.driver.find_elements(By.CSS_SELECTOR, f'[data-path="{path}"]')
+            return controls and controls[0]
+        control = self.until(found, path)
+        self.run("for (let e = arguments[0].closest('details'); e; e = e.parentElement.closest('details')) e.open = true;"
+                 "arguments[0].scrollIntoView({block: 'center'})", control)
+        return control
+
+    def fill(self, path, text):
+        self.field(path).send_keys(Keys.CONTROL, "a", Keys.NULL, text)
+
+    def press(self, name):
+        """Presses the button of that accessible name or text."""
+        found = self.run("return [...document.querySelectorAll('button')].find((b) => b.checkVisibility() && "
+                         "[b.textContent, b.getAttribute('aria-label')].includes(arguments[0]))", name)
+        assert found, f"there is no button {name}"
+        found.click()
+
+    def say(self):
+        return self.text("status")
+
+    def await_said(self, text):
+        self.until(lambda: text in self.say(), text)
+
+    def open(self):
+        """Waits until the only configuration of the folder is there with its findings."""
+        self.until(lambda: self.text("tab-findings") != "Findings", "findings")
+
+    def findings(self):
+        return [item.text for item in self.driver.find_elements(By.CSS_SELECTOR, "#findings li")]
+
+    def dialog(self):
+        self.until(lambda: self.at("dialog").is_displayed(), "a dialog")
+        return self.at("dialog").text
+
+    def save(self):
+        self.until(lambda: self.at("save").is_enabled(), "something to save")
+        self.press("Save")
+        self.await_said("Saved.")
+
+    def publish(self):
+        self.press("Publish…")
+        told = self.dialog()
+        self.press("Publish all the same" if "warning:" in told else "Publish now")
+        self.await_said("is live")
+        return told
+
+    def type_and_time(self, path, text):
+        """Types letter by letter, and returns the milliseconds from each to its picture."""
+        control = self.field(path)
+        times = []
+        for letter in text:
+            before = self.run("return document.getElementById('picture').dataset.count")
+            control.send_keys(letter)
+            self.until(lambda: self.run("const p = document.getElementById('picture'); return p.dataset.count !== "
+                                        "arguments[0] && p.dataset.milliseconds", before), "a picture")
+            times.append(int(self.run("return document.getElementById('picture').dataset.milliseconds")))
+        return times
+
+    def errors(self):
+        """What the browser complained about, apart from the statuses that a scenario provokes."""
+        return [entry["message"] for entry in self.driver.get_log("browser") if "status of" not in entry["message"]]

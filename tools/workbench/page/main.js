@@ -1,0 +1,259 @@
+// The page on which a configuration is written, seen, compared and published.
+import {askAboutConflict, askAboutPublishing, askForNew} from './dialogs.js';
+import {byId, element, say, tabs} from './elements.js';
+import {Form} from './form.js';
+import {markFields, showComparison, showContent, showFindings} from './panels.js';
+import {Screens} from './screens.js';
+import * as server from './server.js';
+import {Working} from './working.js';
+
+const milliseconds = 2000;  // between two looks at the file
+
+let overview;
+let working;
+let inspection;
+let ownLabels;
+const furtherLanguages = new Set();
+const screens = new Screens();
+const views = tabs(byId('views'), (id) => id === 'tab-source' && showSource());
+tabs(byId('lower'));
+
+const fileTitle = (name) => `${name.tenant} / ${name.application} / ${name.file}`;
+// English first, as translators begin with it.
+const languages = () => [...new Set([...(inspection?.languages ?? []), ...furtherLanguages])].sort(
+  (left, right) => (right === 'en') - (left === 'en') || left.localeCompare(right));
+
+// The document as values; undefined when it is no JSON.
+function root() {
+  try {
+    return JSON.parse(working.text);
+  } catch {
+    return undefined;
+  }
+}
+
+function showForm() {
+  const values = root();
+  byId('form-note').hidden = values !== undefined;
+  byId('form').inert = values === undefined;
+  if (values === undefined) return;
+  const open = [...byId('form').querySelectorAll('details[open]')].map((group) => group.dataset.group);
+  const isFirst = byId('form').childElementCount === 0;
+  const focused = document.activeElement?.dataset?.path;
+  const form = new Form(working, languages(), overview.permissions);
+  const built = form.build(values);
+  if (!isFirst) for (const group of built.querySelectorAll('details')) group.open = open.includes(group.dataset.group);
+  byId('form').replaceChildren(built, labelsGroup(form, values, open.includes('labels')));
+  if (focused) byId('form').querySelector(`[data-path=${CSS.escape(focused)}]`)?.focus();
+}
+
+// Many, and seldom changed, so they are made when somebody looks.
+function labelsGroup(form, values, isOpen) {
+  const group = element('details', {'data-group': 'labels'}, element('summary', {}, 'Labels of the screens'));
+  group.ontoggle = async () => {
+    if (!group.open || group.childElementCount > 1) return;
+    ownLabels ??= await server.labels();
+    group.append(...form.labels(values, ownLabels));
+  };
+  group.open = isOpen;
+  return group;
+}
+
+function showSource() {
+  const source = byId('source');
+  if (document.activeElement !== source && source.value !== working?.text) source.value = working?.text ?? '';
+}
+
+function onInspected(found, isRebuilt) {
+  inspection = {...found, languages: found.languages ?? inspection?.languages ?? []};
+  if (isRebuilt) showForm();
+  showSource();
+  showFindings(found.findings, showField, showLine);
+  showComparison(found);
+  markFields(byId('form'), found.findings, found.colors ?? []);
+  if (found.isValid) {
+    showContent(found.content, languages());
+    screens.show(working.text, {...found, languages: languages()}, working.changedAt);
+  }
+  working.changedAt = undefined;
+  showState();
+}
+
+function onFailed(refusal) {
+  say(refusal.message, true);
+}
+
+function showState() {
+  const isUnsaved = working && !working.isSaved;
+  byId('save').disabled = !isUnsaved;
+  byId('undo').disabled = !working?.history.length;
+  byId('publish').disabled = byId('add-language').disabled = !working;
+  document.title = `${isUnsaved ? '* ' : ''}${working ? working.name.application : 'Configurations'} - Workbench`;
+}
+
+// The field of a finding, or the one that is nearest to it.
+function showField(finding) {
+  const fields = [...byId('form').querySelectorAll('[data-path]')];
+  const groups = [...byId('form').querySelectorAll('[data-group]')];
+  for (let path = finding.path; path; path = path.replace(/(\.[^.[]*|\[\d+\]|^[^.[]*)$/, '')) {
+    const group = groups.find((other) => other.dataset.group === path);
+    const field = fields.find((other) => other.dataset.path === path) ??
+      group?.querySelector('.missing[data-path]') ?? group?.querySelector('[data-path]') ??
+      fields.find((other) => other.dataset.path.startsWith(path));
+    if (!field) continue;
+    views.show('tab-form');
+    for (let above = field.closest('details'); above; above = above.parentElement.closest('details')) above.open = true;
+    field.scrollIntoView({block: 'center'});
+    return field.focus();
+  }
+  showLine(finding);
+}
+
+function showLine({line, column}) {
+  views.show('tab-source');
+  const source = byId('source');
+  const lines = source.value.split('\n');
+  const before = lines.slice(0, line - 1).reduce((length, text) => length + text.length + 1, 0);
+  const start = before + [...(lines[line - 1] ?? '')].slice(0, column - 1).join('').length;
+  source.focus();
+  source.setSelectionRange(start, start + 1);
+  source.scrollTop = (line - 5) * (source.scrollHeight / lines.length);
+}
+
+async function open(name) {
+  try {
+    const stored = await server.read(name);
+    furtherLanguages.clear();
+    byId('form').replaceChildren();
+    inspection = undefined;
+    working = new Working(name, stored, onInspected, onFailed);
+    history.replaceState(null, '', `#${new URLSearchParams(name)}`);
+    say(stored.draft ? '' : 'There is no draft; this is what is live.');
+  } catch (refusal) {
+    say(`${fileTitle(name)} cannot be opened: ${refusal.message}`, true);
+  }
+}
+
+async function showDocuments(chosen) {
+  overview = await server.overview();
+  byId('applications').textContent = overview.applications;
+  const known = ({tenant, application, file}) => JSON.stringify({tenant, application, file});
+  byId('document').replaceChildren(element('option', {value: ''}, 'Choose a configuration'),
+    ...overview.documents.map((entry) => element('option', {value: known(entry)},
+      `${fileTitle(entry)}${entry.isDraft ? '' : ' (live only)'}`)));
+  const only = overview.documents.length === 1 ? overview.documents[0] : undefined;
+  const name = chosen ?? only;
+  if (!name) return showState();
+  byId('document').value = known(name);
+  await open(JSON.parse(known(name)));
+}
+
+async function save() {
+  document.activeElement?.blur();  // what is still being typed
+  await working.settled();
+  try {
+    const {tag} = await server.save(working.name, working.text, working.tag);
+    working.tag = tag;
+    working.savedText = working.text;
+    say('Saved.');
+  } catch (refusal) {
+    if (refusal.status !== 412) say(`Not saved: ${refusal.message}`, true);
+    else await resolveConflict(refusal.answer.draft);
+  }
+  showState();
+  return working.isSaved;
+}
+
+// Another program wrote the file, or removed it.
+async function resolveConflict(theirs) {
+  if (!theirs) {
+    working.tag = '';
+    return say('Not saved: the file is gone. Saving again makes it anew.', true);
+  }
+  const answer = await askAboutConflict(working.name.file, working.text, theirs.text);
+  if (answer === 'theirs') {
+    working.take(theirs);
+    say('The file on disk was taken.');
+  } else if (answer === 'mine') {
+    working.tag = theirs.tag;
+    await save();
+  } else {
+    say('Not saved: the file has changed on disk.', true);
+  }
+}
+
+async function publish() {
+  await working.settled();
+  if (!(await askAboutPublishing(working.name, inspection))) return;
+  if (!working.isSaved && !(await save())) return;
+  try {
+    const {draft, version, isRaised} = await server.publish(working.name, working.tag);
+    working.take(draft);
+    say(`Version ${version} is live${isRaised ? '; the version was raised' : ''}.`);
+  } catch (refusal) {
+    say(`Not published: ${refusal.message}`, true);
+  }
+}
+
+// Looks for what other programs did.
+async function watch() {
+  if (!working || working.running || document.hidden || byId('dialog').open) return;
+  const watched = working;
+  const {draft, live} = await server.tags(watched.name);
+  if (watched !== working || working.running) return;
+  if ((live?.tag ?? '') !== working.liveTag) {
+    working.liveTag = live?.tag ?? '';
+    working.inspectAgain();
+  }
+  const tag = draft?.tag ?? '';
+  if (tag === working.tag || tag === working.seenTag) return;
+  if (working.isSaved && draft) {
+    working.take((await server.read(working.name)).draft);
+    say('The file changed on disk; this is what it says now.');
+  } else {
+    working.seenTag = tag;
+    say(draft ? 'The file changed on disk. Saving shows both.' : 'The file on disk is gone.', true);
+  }
+}
+
+function addLanguage() {
+  const code = byId('language-code').value.trim().toLowerCase();
+  if (!code || languages().includes(code)) return;
+  furtherLanguages.add(code);
+  byId('language-code').value = '';
+  showForm();
+  markFields(byId('form'), inspection.findings, inspection.colors ?? []);
+  say(`Texts have a column for ${code}.`);
+}
+
+byId('document').onchange = async (event) => {
+  if (working && !working.isSaved && !confirm('Leave without saving?')) return;
+  if (event.target.value) await open(JSON.parse(event.target.value));
+};
+byId('new').onclick = async () => {
+  const name = await askForNew(overview);
+  if (!name) return;
+  await showDocuments(name);
+  say('The configuration was made. Findings tell what is still to be done.');
+};
+byId('save').onclick = save;
+byId('publish').onclick = publish;
+byId('undo').onclick = () => working.undo();
+byId('add-language').onclick = addLanguage;
+byId('source').oninput = (event) => {
+  const text = event.target.value;
+  // The control knows one form of line ends.
+  working.replace(working.text.includes('\r\n') ? text.replaceAll('\n', '\r\n') : text);
+  working.changedAt = performance.now();
+};
+document.addEventListener('keydown', (event) => {
+  if ((event.ctrlKey || event.metaKey) && event.key === 's' && working) {
+    event.preventDefault();
+    save();
+  }
+});
+window.addEventListener('beforeunload', (event) => working && !working.isSaved && event.preventDefault());
+setInterval(() => watch().catch(onFailed), milliseconds);
+
+const linked = Object.fromEntries(new URLSearchParams(location.hash.slice(1)));
+await showDocuments(linked.file ? linked : undefined).catch(onFailed);

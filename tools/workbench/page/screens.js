@@ -1,0 +1,66 @@
+// The picture beside the form: a screen as the user who is chosen sees it.
+import {byId, element} from './elements.js';
+import * as server from './server.js';
+
+const choices = ['screen', 'location', 'language', 'size', 'scale', 'dark'];
+
+export class Screens {
+  constructor() {
+    for (const id of choices) byId(id).onchange = () => this.#draw();
+  }
+
+  // Draws the document as soon as the picture before is there; `since` is when somebody changed something.
+  show(text, inspection, since) {
+    this.text = text;
+    this.since ??= since;
+    this.#offer('language', inspection.languages, (language) => language);
+    this.#offer('location', inspection.content.flatMap((row) => row.places), (place) => place || 'elsewhere');
+    this.#draw();
+  }
+
+  #offer(id, values, name) {
+    const select = byId(id);
+    if (values.join() === [...select.options].map((option) => option.value).join()) return;
+    const chosen = select.value;
+    select.replaceChildren(...values.map((value) => element('option', {value}, name(value))));
+    if (values.includes(chosen)) select.value = chosen;
+  }
+
+  #view() {
+    const view = Object.fromEntries(choices.map((id) => [id, byId(id).value]));
+    return {...view, dark: byId('dark').checked};
+  }
+
+  async #draw() {
+    this.isWanted = this.text !== undefined;
+    if (this.isDrawing) return;
+    this.isDrawing = true;
+    while (this.isWanted) {
+      this.isWanted = false;
+      const since = this.since;
+      this.since = undefined;
+      try {
+        await this.#put(await server.picture(this.#view(), this.text), since);
+      } catch (refusal) {
+        byId('drawn').textContent = refusal.message;
+      }
+    }
+    this.isDrawing = false;
+  }
+
+  async #put({blob, answers}, since) {
+    const picture = byId('picture');
+    const last = picture.src;
+    picture.src = URL.createObjectURL(blob);
+    await picture.decode();
+    if (last) URL.revokeObjectURL(last);
+    const option = (id) => byId(id).selectedOptions[0]?.textContent;
+    picture.alt = `${option('screen')} in ${option('language')}, ${option('location')}`;
+    picture.dataset.count = Number(picture.dataset.count ?? 0) + 1;
+    const time = since === undefined ? undefined : Math.round(performance.now() - since);
+    picture.dataset.milliseconds = time ?? '';
+    const measured = {alike: 'Refusing and accepting weigh the same.', unlike: 'Refusing and accepting do not weigh the same.'};
+    byId('drawn').textContent = [measured[answers], time !== undefined && `Drawn ${time} ms after the change.`].filter(Boolean).join(' ');
+    byId('drawn').classList.toggle('error', answers === 'unlike');
+  }
+}
