@@ -9,62 +9,60 @@
 namespace quillon::tools {
 namespace {
 
-namespace json = boost::json;
-
 constexpr const char* category = "notice";
 
-const json::value* memberOf(const json::object& object, std::string_view name) {
+const boost::json::value* memberOf(const boost::json::object& object, std::string_view name) {
   return object.if_contains(name);
 }
 
-const json::array& arrayOf(const json::object& object, std::string_view name) {
-  static const json::array none;
+const boost::json::array& arrayOf(const boost::json::object& object, std::string_view name) {
+  static const boost::json::array none;
   const auto* value = memberOf(object, name);
   const auto* array = value ? value->if_array() : nullptr;
   return array ? *array : none;
 }
 
-std::string textOf(const json::object& object, std::string_view name) {
+std::string textOf(const boost::json::object& object, std::string_view name) {
   const auto* value = memberOf(object, name);
   const auto* text = value ? value->if_string() : nullptr;
   return text ? std::string(*text) : std::string();
 }
 
-json::object purposeShowing(const json::object& purpose, const std::string& language) {
-  const auto inLanguage = [&](const json::object& from, std::string_view name) {
-    return json::object{{language, textOf(from, name)}};
+boost::json::object purposeShowing(const boost::json::object& purpose, const std::string& language) {
+  const auto inLanguage = [&](const boost::json::object& from, std::string_view name) {
+    return boost::json::object{{language, textOf(from, name)}};
   };
-  json::array components;
+  boost::json::array components;
   for (const auto& value : arrayOf(purpose, "components")) {
     const auto* component = value.if_object();
     if (!component) continue;
-    components.push_back(json::object{{"sdk_id", static_cast<std::int64_t>(components.size() + 1)},
-                                      {"sdk_name", inLanguage(*component, "name")},
-                                      {"sdk_description", inLanguage(*component, "description")},
-                                      {"vendor", textOf(*component, "vendor")},
-                                      {"website", textOf(*component, "website")},
-                                      {"license", textOf(*component, "licence")}});
+    components.push_back(boost::json::object{{"sdk_id", static_cast<std::int64_t>(components.size() + 1)},
+                                             {"sdk_name", inLanguage(*component, "name")},
+                                             {"sdk_description", inLanguage(*component, "description")},
+                                             {"vendor", textOf(*component, "vendor")},
+                                             {"website", textOf(*component, "website")},
+                                             {"license", textOf(*component, "licence")}});
   }
   const auto* essential = memberOf(purpose, "essential");
-  json::object document{{"purpose_name", inLanguage(purpose, "name")},
-                        {"purpose_description", inLanguage(purpose, "description")},
-                        {"opt_out_text", inLanguage(purpose, "note")},
-                        {"disable_opt_out", essential && essential->is_bool() && essential->get_bool()},
-                        {"sdks", std::move(components)}};
+  boost::json::object document{{"purpose_name", inLanguage(purpose, "name")},
+                               {"purpose_description", inLanguage(purpose, "description")},
+                               {"opt_out_text", inLanguage(purpose, "note")},
+                               {"disable_opt_out", essential && essential->is_bool() && essential->get_bool()},
+                               {"sdks", std::move(components)}};
   if (const auto* number = memberOf(purpose, "purpose_id")) document.emplace("purpose_id", *number);
   return document;
 }
 
 }  // namespace
 
-json::object documentShowing(const json::object& notice) {
+boost::json::object documentShowing(const boost::json::object& notice) {
   const std::string language = textOf(notice, "language").empty() ? "en" : textOf(notice, "language");
-  json::object banner{{"compliance_type", textOf(notice, "compliance_type")},
-                      {"banner_position", textOf(notice, "banner_type")},
-                      {"hide_close_button", true},
-                      {"hide_accept_toggle", true}};
-  json::object labels;
-  json::object consentMode;
+  boost::json::object banner{{"compliance_type", textOf(notice, "compliance_type")},
+                             {"banner_position", textOf(notice, "banner_type")},
+                             {"hide_close_button", true},
+                             {"hide_accept_toggle", true}};
+  boost::json::object labels;
+  boost::json::object consentMode;
   for (const auto& value : arrayOf(notice, "texts")) {
     const auto* shown = value.if_object();
     if (!shown) continue;
@@ -86,16 +84,16 @@ json::object documentShowing(const json::object& notice) {
       banner[role] = {{language, text}};
     }
   }
-  json::array purposes;
+  boost::json::array purposes;
   for (const auto& value : arrayOf(notice, "purposes")) {
     if (const auto* purpose = value.if_object()) purposes.push_back(purposeShowing(*purpose, language));
   }
-  json::object document{{"purposes", std::move(purposes)},
-                        {"banner_config",
-                         {{"categories", {{category, std::move(banner)}}},
-                          {"names_map", json::object()},
-                          {"locations", {{"default", category}}}}},
-                        {"i18n", {{language, std::move(labels)}}}};
+  boost::json::object document{{"purposes", std::move(purposes)},
+                               {"banner_config",
+                                {{"categories", {{category, std::move(banner)}}},
+                                 {"names_map", boost::json::object()},
+                                 {"locations", {{"default", category}}}}},
+                               {"i18n", {{language, std::move(labels)}}}};
   if (const auto* version = memberOf(notice, "configuration_version")) document.emplace("version", *version);
   if (!consentMode.empty()) document.emplace("gcm_config", std::move(consentMode));
   return document;
