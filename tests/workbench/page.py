@@ -123,7 +123,8 @@ class Page:
         self.until(lambda: self.text("tab-findings") != "Findings", "findings")
 
     def findings(self):
-        return [item.text for item in self.driver.find_elements(By.CSS_SELECTOR, "#findings li")]
+        # At once: the page makes them anew with every change.
+        return self.run("return [...document.querySelectorAll('#findings li')].map((item) => item.textContent)")
 
     def dialog(self):
         self.until(lambda: self.at("dialog").is_displayed(), "a dialog")

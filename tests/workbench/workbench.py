@@ -1,38 +1,24 @@
-#!/usr/bin/python3
+#!/usr/bin/python3 -B
 """The workbench in a real browser, scenario by scenario.
 
 usage: workbench.py QUILLON_CONSENT [--pictures FOLDER] [--only SCENARIO]
 """
 import argparse
-import http.client
 import json
-import os
 import pathlib
-import socket
 import subprocess
 import sys
 import tempfile
 import time
 import traceback
-import urllib.parse
 
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
-from page import Page, Workbench, browser, workbench
-
-TEXT = "banner_config.categories.opt-in.banner_text.en"
-HAND_WRITTEN = """{
-    "version": 3,   "name": "Run\\u006eer", "x-auth-token": "T", "re_consent_enabled": true,
-    "purposes": [
-        {"purpose_id": 1, "purpose_name": {"en": "Plans"}, "purpose_description": {"en": "Makes plans."}, "disable_opt_out": false},
-        { "purpose_id": 2,
-          "purpose_name": {"en": "Ads"}, "disable_opt_out" : false, "purpose_description": {"en": "Shows ads."} }
-    ],
-    "banner_config": {"categories": {"opt-in": {"compliance_type": "opt-in", "banner_text": {"en": "May we?"},
-      "accept": {"en": "Yes"}, "reject": {"en": "No"}}}, "names_map": {}, "locations": {"default": "opt-in"}}
-}
-"""
+from accessibility import everybody_can_use_it
+from documents import HAND_WRITTEN, TEXT
+from page import Page, browser, workbench
+from refusals import bad_input_is_answered, strangers_are_refused
 
 
 def create_runner(page):
@@ -208,147 +194,6 @@ def an_application_is_watched(driver, program, pictures):
         host.communicate(timeout=20)
         errors = page.errors()
         assert errors == [], errors
-
-
-CONTRASTS = """
-const channel = (c) => c <= 0.04045 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4;
-const parts = (text) => text.match(/[\\d.]+/g).map(Number);
-const light = ([r, g, b]) => 0.2126 * channel(r / 255) + 0.7152 * channel(g / 255) + 0.0722 * channel(b / 255);
-const behind = (e) => { for (; e; e = e.parentElement) { const c = parts(getComputedStyle(e).backgroundColor);
-  if (c.length < 4 || c[3] > 0) return c; } return [255, 255, 255]; };
-return [...document.querySelectorAll('body *')].filter((e) => e.checkVisibility() && !e.disabled &&
-    (e.value || [...e.childNodes].some((n) => n.nodeType === 3 && n.textContent.trim())) && e.type !== 'color')
-  .map((e) => { const [a, b] = [light(parts(getComputedStyle(e).color)), light(behind(e))].sort((x, y) => y - x);
-    return [(a + 0.05) / (b + 0.05), e.outerHTML.slice(0, 100)]; }).filter(([ratio]) => ratio < 4.5);
-"""
-
-
-def everybody_can_use_it(driver, program, _):
-    with workbench(program) as bench:
-        bench.put("draft", HAND_WRITTEN)
-        bench.put("live", HAND_WRITTEN)
-        for address in (bench.address, bench.address + "traffic.html"):
-            page = Page(driver, address)
-            if not address.endswith(".html"):
-                page.open()
-                page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
-                page.run("for (const d of document.querySelectorAll('details')) d.open = true")
-                page.until(lambda: driver.find_elements(By.CSS_SELECTOR, '[data-path="i18n.en.accept"]'))
-            # Of the many labels one does.
-            controls = page.run("return [...document.querySelectorAll('button, input, select, textarea, summary, a, img')]"
-                                ".filter((c) => c.checkVisibility() && !/^i18n.en.[^a]/.test(c.dataset.path))")
-            assert len(controls) >= 8
-            for control in controls:
-                name, role = control.accessible_name, control.aria_role
-                assert name.strip() and role not in ("none", "generic", ""), control.get_attribute("outerHTML")
-            assert page.run(CONTRASTS) == []
-            # The focus can be seen wherever the keyboard leads.
-            driver.find_element(By.TAG_NAME, "body").send_keys(Keys.TAB)
-            for _ in range(12):
-                if page.run("return document.activeElement === document.body"):
-                    break  # once round
-                outline = page.run("const s = getComputedStyle(document.activeElement); return s.outlineStyle + s.outlineWidth")
-                assert outline == "solid3px", page.run("return document.activeElement.outerHTML")
-                driver.switch_to.active_element.send_keys(Keys.TAB)
-            # At 200 % nothing is cut off.
-            driver.set_window_size(700, 1240)
-            assert page.run("return document.documentElement.scrollWidth <= innerWidth")
-            driver.set_window_size(1400, 1240)
-        page = Page(driver, bench.address)
-        page.open()
-        page.at("tab-findings").send_keys(Keys.ARROW_RIGHT)
-        assert page.at("comparison").is_displayed() and driver.switch_to.active_element.get_attribute("id") == "tab-comparison"
-
-
-def bad_input_is_answered(driver, program, _):
-    with workbench(program) as bench:
-        # Too large, no JSON, no UTF-8: said, and the files stay.
-        for content, said in ((b'{"name": "' + b"x" * (40 << 20) + b'"}', "larger than 32 MiB"), (b'{"name": "\xff"}', "no UTF-8"),
-                              (b"{", None)):
-            bench.put("draft", "")
-            bench.file("draft").write_bytes(content)
-            page = Page(driver, bench.address)
-            page.await_said(said) if said else page.until(lambda: any("syntax" in f for f in page.findings()))
-            assert bench.file("draft").read_bytes() == content
-        # A second workbench, and ports that are taken.
-        for arguments, said in (((), "another workbench is open"),
-                                (("--port", str(urllib.parse.urlsplit(bench.address).port)), "cannot be taken"),
-                                (("--applications-port", str(urllib.parse.urlsplit(bench.applications).port)), "cannot be taken")):
-            with tempfile.TemporaryDirectory() as other:
-                run = subprocess.run([program, "workbench", other if arguments else str(bench.folder), *arguments],
-                                     capture_output=True, text=True, timeout=20)
-                assert run.returncode == 1 and said in run.stderr, run
-    # A folder that cannot be written; nothing keeps the super-user from writing, so somebody else works there.
-    with tempfile.TemporaryDirectory() as folder:
-        launcher = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"] if os.geteuid() == 0 else []
-        home = pathlib.Path(folder)
-        draft = home / "consent/mobile_banner/acme/runner/draft"
-        draft.mkdir(parents=True)
-        (draft / "config.json").write_text(HAND_WRITTEN)
-        for path in (home, *home.rglob("*")):
-            path.chmod(0o555 if path.is_dir() else 0o444)
-        with workbench(program, launcher, folder) as bench:
-            page = Page(driver, bench.address)
-            page.open()
-            page.fill(TEXT, "Mine")
-            page.until(lambda: page.at("save").is_enabled())
-            page.press("Save")
-            page.await_said("Not saved: ")
-            assert "Permission denied" in page.say() and bench.file("draft").read_text() == HAND_WRITTEN
-        for path in (home, *home.rglob("*")):
-            path.chmod(0o755)
-
-
-def strangers_are_refused(driver, program, _):
-    with workbench(program) as bench:
-        attack = HAND_WRITTEN.replace("May we?", "<img src=x onerror='window.harm=1'><script>window.harm=1</script>")
-        attack = attack.replace('"Plans"', '"<b id=harm>Plans</b>"')
-        bench.put("draft", attack)
-        page = Page(driver, bench.address)
-        page.open()
-        page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
-        assert page.run("return [window.harm, document.querySelectorAll('#harm, #form img, #form script').length]") == [None, 0]
-        assert page.run("return performance.getEntriesByType('resource').every((e) => e.name.startsWith(location.origin))")
-        # Not even a script that got into the page runs.
-        assert page.run("const s = document.createElement('script'); s.textContent = 'window.harm = 1';"
-                        "document.body.append(s); return window.harm ?? 'none'") == "none"
-
-        address = urllib.parse.urlsplit(bench.address)
-        own = f"http://{address.netloc}"
-        document = address.path + "api/document?tenant=acme&application=runner&file=config.json"
-
-        def status(method, path, host=address.netloc, origin=None, body=None, headers=None):
-            connection = http.client.HTTPConnection("127.0.0.1", address.port, timeout=20)
-            connection.putrequest(method, path, skip_host=True)
-            headers = {"Host": host, **({"Origin": origin} if origin else {}), **(headers or {})}
-            for key, value in {**headers, "Content-Length": str(len(body or ""))}.items():
-                connection.putheader(key, value)
-            connection.endheaders((body or "").encode())
-            return connection.getresponse().status
-
-        tag = json.loads(page.run("return fetch('api/document?tenant=acme&application=runner&file=config.json').then((r) => r.text())"))
-        match = {"If-Match": tag["draft"]["tag"]}
-        cases = [
-            (("GET", document), 200),
-            (("GET", document.replace(address.path, "/" + "0" * 32 + "/")), 404),  # the wrong token
-            (("GET", "/"), 404),
-            (("GET", document, "attacker.example"), 403),  # a name that leads to this machine
-            (("GET", document, f"attacker.example:{address.port}"), 403),
-            (("GET", document, address.netloc, "http://attacker.example"), 403),
-            (("PUT", document, address.netloc, "http://attacker.example", "{}", match), 403),
-            (("PUT", document, address.netloc, None, "{}", match), 403),
-            (("PUT", document, address.netloc, "null", "{}", match), 403),
-            (("PUT", document.replace("runner", ".."), address.netloc, own, "{}"), 500),
-            (("PUT", document.replace("config.json", "config_..%2f..%2fx.json"), address.netloc, own, "{}"), 500),
-            (("PUT", document, address.netloc, own, "{}", {"If-Match": "other"}), 412),
-            (("PUT", document, address.netloc, own, "x" * (66 << 20), match), 413),
-            (("DELETE", document, address.netloc, own), 404),
-        ]
-        for request, expected in cases:
-            assert status(*request) == expected, request[:2]
-        assert bench.file("draft").read_text() == attack
-        # Other addresses of this machine lead nowhere.
-        assert socket.socket().connect_ex(("127.0.0.2", address.port)) != 0
 
 
 SCENARIOS = [from_nothing_to_published, planted_mistakes_are_found, only_what_changed_differs,

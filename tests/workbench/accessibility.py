@@ -1,0 +1,55 @@
+"""The pages for those who use the keyboard, a screen reader or large text."""
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+
+from documents import HAND_WRITTEN
+from page import Page, workbench
+
+CONTRASTS = """
+const channel = (c) => c <= 0.04045 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4;
+const parts = (text) => text.match(/[\\d.]+/g).map(Number);
+const light = ([r, g, b]) => 0.2126 * channel(r / 255) + 0.7152 * channel(g / 255) + 0.0722 * channel(b / 255);
+const behind = (e) => { for (; e; e = e.parentElement) { const c = parts(getComputedStyle(e).backgroundColor);
+  if (c.length < 4 || c[3] > 0) return c; } return [255, 255, 255]; };
+return [...document.querySelectorAll('body *')].filter((e) => e.checkVisibility() && !e.disabled &&
+    (e.value || [...e.childNodes].some((n) => n.nodeType === 3 && n.textContent.trim())) && e.type !== 'color')
+  .map((e) => { const [a, b] = [light(parts(getComputedStyle(e).color)), light(behind(e))].sort((x, y) => y - x);
+    return [(a + 0.05) / (b + 0.05), e.outerHTML.slice(0, 100)]; }).filter(([ratio]) => ratio < 4.5);
+"""
+
+
+def everybody_can_use_it(driver, program, _):
+    with workbench(program) as bench:
+        bench.put("draft", HAND_WRITTEN)
+        bench.put("live", HAND_WRITTEN)
+        for address in (bench.address, bench.address + "traffic.html"):
+            page = Page(driver, address)
+            if not address.endswith(".html"):
+                page.open()
+                page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
+                page.run("for (const d of document.querySelectorAll('details')) d.open = true")
+                page.until(lambda: driver.find_elements(By.CSS_SELECTOR, '[data-path="i18n.en.accept"]'))
+            # Of the many labels one does.
+            controls = page.run("return [...document.querySelectorAll('button, input, select, textarea, summary, a, img')]"
+                                ".filter((c) => c.checkVisibility() && !/^i18n.en.[^a]/.test(c.dataset.path))")
+            assert len(controls) >= 8
+            for control in controls:
+                name, role = control.accessible_name, control.aria_role
+                assert name.strip() and role not in ("none", "generic", ""), control.get_attribute("outerHTML")
+            assert page.run(CONTRASTS) == []
+            # The focus can be seen wherever the keyboard leads.
+            driver.find_element(By.TAG_NAME, "body").send_keys(Keys.TAB)
+            for _ in range(12):
+                if page.run("return document.activeElement === document.body"):
+                    break  # once round
+                outline = page.run("const s = getComputedStyle(document.activeElement); return s.outlineStyle + s.outlineWidth")
+                assert outline == "solid3px", page.run("return document.activeElement.outerHTML")
+                driver.switch_to.active_element.send_keys(Keys.TAB)
+            # At 200 % nothing is cut off.
+            driver.set_window_size(700, 1240)
+            assert page.run("return document.documentElement.scrollWidth <= innerWidth")
+            driver.set_window_size(1400, 1240)
+        page = Page(driver, bench.address)
+        page.open()
+        page.at("tab-findings").send_keys(Keys.ARROW_RIGHT)
+        assert page.at("comparison").is_displayed() and driver.switch_to.active_element.get_attribute("id") == "tab-comparison"
