@@ -1,5 +1,6 @@
 // Whatever somebody hands out as a receipt or an export, it is checked in bounds and shown without mark-up of its own.
-// The first byte says as what the rest is read; an export's files are divided by zero bytes, in the order of their names.
+// The first byte says as what the rest is read; an export's files are divided by zero bytes, in the order of their
+// names.
 #include <array>
 
 #include "fuzz/Check.h"

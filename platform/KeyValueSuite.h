@@ -75,8 +75,8 @@ struct SuiteUpdate {
   std::function<Marking(const std::vector<JournalRecord>& unmarked)> markRecords = {};
   std::map<std::int64_t, std::string> marks = {};
   std::vector<std::string> appended = {};  // texts, in this order
-  // Receives the newest record before the update, if any, as a page of one, and returns texts that follow `appended` and
-  // further changes. Same rules as for `markRecords`.
+  // Receives the newest record before the update, if any, as a page of one, and returns texts that follow `appended`
+  // and further changes. Same rules as for `markRecords`.
   struct Appending {
     std::vector<std::string> texts = {};
     SuiteChanges changes = {};

@@ -13,8 +13,8 @@ namespace quillon::tools {
   boost::json::object object{{"number", entry.number}};
   const auto decision = boost::json::parse(encode(entry.decision)).as_object();
   // What people look for first; the canonical form is sorted.
-  for (const char* key : {"time", "purpose_id", "permission", "from", "to", "cause", "given_type",
-                          "configuration_version"}) {
+  for (const char* key :
+       {"time", "purpose_id", "permission", "from", "to", "cause", "given_type", "configuration_version"}) {
     if (const auto* value = decision.if_contains(key)) object.emplace(key, *value);
   }
   for (const auto& [key, value] : decision) object.emplace(key, value);

@@ -1,5 +1,5 @@
-// The hash chain through the history. Every entry names the hash of the entry before it, so none can be changed, removed,
-// inserted or moved unnoticed.
+// The hash chain through the history. Every entry names the hash of the entry before it, so none can be changed,
+// removed, inserted or moved unnoticed.
 #pragma once
 
 #include <optional>

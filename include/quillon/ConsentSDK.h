@@ -192,10 +192,10 @@ class ConsentSDK {
   [[nodiscard]] std::future<HistoryPage> getHistory(std::size_t count = 100,
                                                     std::optional<std::int64_t> before = std::nullopt);
 
-  /// A signed receipt of the decisions on the purposes, or on all purposes: a consent receipt of ISO/IEC TS 27560:2023 as
-  /// the Data Privacy Vocabulary writes it, a JSON document that anybody can check with the device's public key in it.
-  /// The error says why there is none: nothing was decided on a purpose, the library quillon::proof is not linked, or
-  /// the key can be neither read nor made. What ConsentSDKOptions::controller does not state is listed as missing.
+  /// A signed receipt of the decisions on the purposes, or on all purposes: a consent receipt of ISO/IEC TS 27560:2023
+  /// as the Data Privacy Vocabulary writes it, a JSON document that anybody can check with the device's public key in
+  /// it. The error says why there is none: nothing was decided on a purpose, the library quillon::proof is not linked,
+  /// or the key can be neither read nor made. What ConsentSDKOptions::controller does not state is listed as missing.
   ///
   /// @code
   /// const auto receipt = sdk.receipt().get();

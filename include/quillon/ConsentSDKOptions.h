@@ -143,7 +143,8 @@ struct ConsentSDKOptions {
   std::optional<std::chrono::milliseconds> readyWithin = std::nullopt;
   /// Default: no privacy signal is queried. All processes of an application should set the same.
   std::optional<PrivacySignal> privacySignal = std::nullopt;
-  /// What only the application knows of the processing, for ConsentSDK::receipt(). Default: receipts list it as missing.
+  /// What only the application knows of the processing, for ConsentSDK::receipt(). Default: receipts list it as
+  /// missing.
   std::optional<DataController> controller = std::nullopt;
 
   bool operator==(const ConsentSDKOptions&) const = default;

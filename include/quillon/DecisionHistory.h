@@ -64,9 +64,9 @@ struct Decision {
   /// For an answer of the user: the notice that was on the screen, as the SHA-256 digest of its canonical form in
   /// hexadecimal, or "application" when the application asked by its own means.
   std::optional<std::string> notice = std::nullopt;
-  /// In the history, the HistoryEntry::hash of the entry before; for the first one "first", "removed" (an earlier history
-  /// was removed), "unchained" (the entries before hold no hashes) or "lost" (they are damaged). nullopt in entries
-  /// written before the history had hashes.
+  /// In the history, the HistoryEntry::hash of the entry before; for the first one "first", "removed" (an earlier
+  /// history was removed), "unchained" (the entries before hold no hashes) or "lost" (they are damaged). nullopt in
+  /// entries written before the history had hashes.
   std::optional<std::string> previous = std::nullopt;
 
   bool operator==(const Decision&) const = default;
@@ -87,8 +87,8 @@ struct HistoryEntry {
   Decision decision;
   UploadOutcome upload = UploadOutcome::pending;
   HistoryLink link = HistoryLink::intact;
-  /// SHA-256 digest of the entry in hexadecimal, over the canonical JSON (RFC 8785) of its decision. The next entry holds
-  /// it, so whoever keeps the newest one can tell later whether any entry was changed.
+  /// SHA-256 digest of the entry in hexadecimal, over the canonical JSON (RFC 8785) of its decision. The next entry
+  /// holds it, so whoever keeps the newest one can tell later whether any entry was changed.
   std::string hash = {};
 
   bool operator==(const HistoryEntry&) const = default;

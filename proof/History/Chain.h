@@ -13,7 +13,8 @@ namespace quillon::proof {
 
 using HistoryEntries = std::vector<boost::json::object>;  // oldest first
 
-// What the hash is of: the entry without its number, which is its place, its upload, which changes later, and what is made of the hashes.
+// What the hash is of: the entry without its number, which is its place, its upload, which changes later, and what is
+// made of the hashes.
 [[nodiscard]] boost::json::object hashedPart(const boost::json::object& entry);
 [[nodiscard]] std::string entryHash(const boost::json::object& entry);
 

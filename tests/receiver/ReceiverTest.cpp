@@ -81,9 +81,8 @@ TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
   ReceiverProcess receiver(store, {"--place-header", "X-Place", "--log-requests"});
   ASSERT_TRUE(receiver.waitUntilReady());
   const std::string body = uploadBody("anna@example.org", {{2, "granted", 86'400}, {3, "declined", 86'400}});
-  const httplib::Headers headers{{"X-Auth-Token", "secret-token"},
-                                 {"X-Place", "DE"},
-                                 {"X-Quillon-History-Head", std::string(64, '7')}};
+  const httplib::Headers headers{
+      {"X-Auth-Token", "secret-token"}, {"X-Place", "DE"}, {"X-Quillon-History-Head", std::string(64, '7')}};
   for (int i = 0; i < 3; ++i) {
     const auto answer = upload(receiver, body, headers);
     EXPECT_EQ(answer.status, 200);
