@@ -169,6 +169,7 @@ bool ConfigurationLoader::removeConsents() {
   });
   if (!removed || !present) return removed;
   s_.work.run([this, present] {
+    if (inForce() != present) return;  // a later set-up has begun with another one, or with none
     reconcile(present->configuration);
     refreshConsentMode();
   });

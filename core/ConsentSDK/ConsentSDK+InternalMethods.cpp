@@ -41,6 +41,7 @@ Task<void> CheckCycle::follow(SessionPointer session) {
   startNetworkMonitor();
   startPermissionObservation();
   s_.others.begin();
+  s_.events.gates.update();  // another process may have decided while this one was loading
   if (!loaded.configuration) {
     scheduleRetry(session);
     co_return;

@@ -6,7 +6,7 @@
 
 namespace quillon::sim {
 
-inline constexpr std::array<std::uint64_t, 19> keptSeeds{
+inline constexpr std::array<std::uint64_t, 21> keptSeeds{
     1,          // a listener was not told what another process had removed before the set-up
     9,          // a decision was not uploaded, as the first configuration asked again
     22,         // analytics was told of a consent although no compliance type was known
@@ -25,6 +25,8 @@ inline constexpr std::array<std::uint64_t, 19> keptSeeds{
     20416,      // a failed download served the document that another process had replaced meanwhile
     50575,      // as the last one, under the type of an earlier configuration
     103076,     // an answer that the server asked to send again waited for the next start
+    170209,     // what a removal left to do was done for a document that was no longer in force
+    176782,     // a gate did not see what another process had decided during the first load
     989402466,  // defaults were recorded as granted, as the compliance type of a new configuration could not be stored
 };
 
