@@ -14,8 +14,6 @@ namespace {
 
 namespace json = boost::json;
 
-constexpr std::int64_t clockTolerance = 24 * 60 * 60;
-
 class ExportCheck {
  public:
   ExportCheck(const ExportFiles& files, const Expectations& expected, Findings& findings)

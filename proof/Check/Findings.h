@@ -2,11 +2,15 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace quillon::proof {
+
+// Seconds. Clocks of devices differ by as much as a time zone that somebody got wrong.
+inline constexpr std::int64_t clockTolerance = 24 * 60 * 60;
 
 struct Finding {
   enum class Kind {

@@ -14,9 +14,6 @@ namespace {
 
 namespace json = boost::json;
 
-// Clocks of devices differ by as much as a time zone that somebody got wrong.
-constexpr std::int64_t clockTolerance = 24 * 60 * 60;
-
 std::expected<HistoryEntries, std::string> entriesIn(json::array array) {
   HistoryEntries entries;
   entries.reserve(array.size());

@@ -16,8 +16,6 @@ namespace {
 
 namespace json = boost::json;
 
-constexpr std::int64_t clockTolerance = 24 * 60 * 60;
-
 class ReceiptCheck {
  public:
   ReceiptCheck(const json::object& receipt, const Expectations& expected, const std::optional<KnownHistory>& known,
