@@ -27,6 +27,7 @@ bool isChained(const std::string& text) {
 // Everything in the page, newest first.
 std::vector<Earlier> sequence(const JournalPage& page) {
   std::vector<Earlier> all;
+  all.reserve(page.records.size() + page.damaged.size());
   for (const JournalRecord& record : page.records) {
     all.push_back({record.number, record.text.empty(), record.text == removalRecord, isChained(record.text),
                    entryHash(record.text)});
@@ -68,6 +69,7 @@ std::string entryHash(std::string_view journalText) {
 
 ChainedTexts chained(const std::vector<Decision>& decisions, std::string previous) {
   ChainedTexts chain{{}, std::move(previous)};
+  chain.texts.reserve(decisions.size());
   for (Decision decision : decisions) {
     decision.previous = std::move(chain.head);
     chain.texts.push_back(journalText(decision));
