@@ -119,7 +119,8 @@ TEST(Preview, AnswersThatDoNotWeighTheSameOnTheScreenAreFound) {
   const Case cases[] = {{"88, 48, 500, 9, 9", false}, {"89, 48, 500, 9, 9", true}, {"80, 53, 500, 9, 9", true},
                         {"80, 48, 400, 9, 9", true},  {"80, 48, 500, 8, 9", true}, {"80, 48, 500, 9, 4.5", true}};
   const TemporaryFolder folder;
-  const auto in = [&folder](const char* name) { return QString::fromStdString((folder.path() / name).string()); };
+  const TemporaryFolder programs;  // the other one has caches with their names
+  const auto in = [&programs](const char* name) { return QString::fromStdString((programs.path() / name).string()); };
   ASSERT_TRUE(QFile::copy(QUILLON_CONSENT, in("quillon-consent")));
   const auto validate = [&](const QString& program) {
     QProcess process;
@@ -132,8 +133,6 @@ TEST(Preview, AnswersThatDoNotWeighTheSameOnTheScreenAreFound) {
   // What cannot be measured does not pass for fair.
   EXPECT_TRUE(validate(in("quillon-consent")).second.contains("cannot be measured in de"));
   for (const auto& [second, isFound] : cases) {
-    // A new file, since the one that ran last may be busy.
-    QFile::remove(in("quillon-consent-preview"));
     QFile program(in("quillon-consent-preview"));
     ASSERT_TRUE(program.open(QFile::WriteOnly)) << program.errorString().toStdString();
     program.write(R"(#!/usr/bin/python3
