@@ -61,8 +61,9 @@ std::expected<KeyStore::Secret, std::string> FileKeyStore::secret() {
   if (auto written = files_->write(mine, *fresh); !written) return std::unexpected(written.error());
   const auto moved = files_->move(mine, *kept);
   if (!moved) {
-    (void)files_->remove(mine);
+    const auto removed = files_->remove(mine);
     if (!files_->stamp(*kept)) return std::unexpected(moved.error());
+    if (!removed) return std::unexpected(removed.error());  // a second secret must not stay
   }
   return read(*kept);
 }
