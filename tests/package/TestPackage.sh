@@ -119,7 +119,7 @@ trap 'kill "$server" 2>/dev/null || true' EXIT
 read -r -t 20 -u "$log" line || fail "the development server did not start"
 url=${line#listening on }
 cat <&"$log" >"$work/requests" &
-run() { quietly timeout 60 "$@"; }
+run() { quietly timeout 180 "$@"; }
 for folder in plain clang; do
   [ -d "$work/$folder" ] || continue
   run "$work/$folder/quillon-host-test"
