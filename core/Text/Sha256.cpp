@@ -2,19 +2,21 @@
 
 #include <nettle/sha2.h>
 
-#include <array>
-#include <cstdint>
-
 #include "core/Text/Ascii.h"
 
 namespace quillon {
 
-std::string sha256(std::string_view bytes) {
+Sha256 sha256Bytes(std::string_view bytes) {
   sha256_ctx context;
   sha256_init(&context);
   sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
-  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+  Sha256 digest{};
   sha256_digest(&context, digest.size(), digest.data());
+  return digest;
+}
+
+std::string sha256(std::string_view bytes) {
+  const Sha256 digest = sha256Bytes(bytes);
   std::string text;
   text.reserve(2 * digest.size());
   for (const auto byte : digest) appendHex(text, static_cast<char>(byte));

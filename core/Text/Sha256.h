@@ -1,14 +1,19 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace quillon {
 
-// The SHA-256 digest of the bytes, as 64 lower-case hexadecimal digits. Thread-safe.
+// SHA-256 digests. Thread-safe.
+using Sha256 = std::array<std::uint8_t, 32>;
+[[nodiscard]] Sha256 sha256Bytes(std::string_view bytes);
+// As 64 lower-case hexadecimal digits.
 [[nodiscard]] std::string sha256(std::string_view bytes);
 
-// Whether a text has the form of such a digest.
+// Whether a text has the form of such digits.
 [[nodiscard]] bool isSha256(std::string_view text) noexcept;
 
 }  // namespace quillon

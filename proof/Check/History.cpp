@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "core/History/NoticeArchive.h"
 #include "core/Text/Sha256.h"
 #include "proof/Json/CanonicalJson.h"
 #include "proof/Json/Members.h"
@@ -76,7 +77,7 @@ void checkNotices(const HistoryEntries& entries, const NoticeTexts& notices, Fin
     const auto* const member = entry.if_contains("notice");
     if (member == nullptr) continue;
     const std::string hash(textIn(entry, "notice").value_or(""));
-    if (hash == "application" || !checked.insert(hash).second) continue;
+    if (hash == applicationsNotice || !checked.insert(hash).second) continue;
     const std::string subject = "notice " + hash;
     if (!isSha256(hash)) {
       findings.fault(nameOf(entry), "names no notice");

@@ -2,6 +2,7 @@
 
 #include <unordered_map>
 
+#include "core/History/DecisionChain.h"
 #include "core/Text/Sha256.h"
 #include "platform/KeyValueSuite.h"
 #include "proof/Json/CanonicalJson.h"
@@ -75,12 +76,12 @@ class ChainCheck {
     const auto previous = textIn(entries_[i], "previous").value_or("");
     if (isSha256(previous)) {
       checkHash(i, previous);
-    } else if (previous == "first" || previous == "removed") {
+    } else if (previous == chain_start::first || previous == chain_start::removed) {
       if (i > 0) fault(i, "says that none is before it, but " + nameOf(entries_[i - 1]) + " is");
-    } else if (previous == "unchained") {
+    } else if (previous == chain_start::unchained) {
       if (chained_ > 1) fault(i, "says that the chain begins here, but it had begun");
       if (i == 0 && !mayLackOlder()) fault(i, "the entries from before the chain, which it speaks of, are missing");
-    } else if (previous == "lost") {
+    } else if (previous == chain_start::lost) {
       fault(i, "the store was damaged before it: nothing shows that no entry is missing there");
     } else {
       fault(i, "has no hash of the entry before it");

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "proof/Signature/Digest.h"
+#include "core/Text/Sha256.h"
 
 namespace quillon::proof {
 namespace {
@@ -33,7 +33,7 @@ std::string randomUuid(RandomSource& random) {
 }
 
 std::string uuidOf(std::string_view text) {
-  const auto digest = digestOf(text);
+  const auto digest = sha256Bytes(text);
   std::array<std::uint8_t, 16> bytes;
   std::copy_n(digest.begin(), bytes.size(), bytes.begin());
   return uuid(bytes, 8);

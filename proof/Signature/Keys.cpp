@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
+#include "core/Text/Sha256.h"
 #include "proof/Json/CanonicalJson.h"
 #include "proof/Signature/Base64Url.h"
-#include "proof/Signature/Digest.h"
 
 namespace quillon::proof {
 namespace {
@@ -47,7 +47,7 @@ json::object PublicKey::jwk() const {
 }
 
 std::string PublicKey::thumbprint() const {
-  return base64Url(textOf(digestOf(canonicalJson(jwk()))));
+  return base64Url(textOf(sha256Bytes(canonicalJson(jwk()))));
 }
 
 bool PublicKey::verifies(std::string_view message, std::string_view signature) const {

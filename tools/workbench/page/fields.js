@@ -49,7 +49,7 @@ export const banner = [
   {key: 'privacy_notice_text', label: 'Link to the privacy notice', kind: 'text'},
   {key: 'privacy_notice_link', label: 'Address of the privacy notice', kind: 'string'},
   {key: 'hide_close_button', label: 'Without a button to close', kind: 'switch'},
-  {key: 'hide_accept_toggle', label: 'Without the switch of each purpose', kind: 'switch'},
+  {key: 'hide_accept_toggle', label: 'Without the button to accept', kind: 'switch'},
   {key: 'banner_position', label: 'Position', kind: 'choice', choices: names('bottom', 'center')},
   {key: 'button_shape', label: 'Shape of buttons', kind: 'choice',
     choices: names('rounded', 'square', 'pill', 'outlined', 'edgeless')},
