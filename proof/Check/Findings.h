@@ -10,7 +10,7 @@
 namespace quillon::proof {
 
 // Seconds. Clocks of devices differ by as much as a time zone that somebody got wrong.
-inline constexpr std::int64_t clockTolerance = 24 * 60 * 60;
+inline constexpr std::int64_t clockTolerance = std::int64_t{24} * 60 * 60;
 
 struct Finding {
   enum class Kind {

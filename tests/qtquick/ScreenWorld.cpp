@@ -79,7 +79,8 @@ bool ScreenWorld::await(const std::function<bool()>& condition) {
 void ScreenWorld::settle() {
   for (int quiet = 0; quiet < 2;) {
     const auto settled = world.sdk->settled();
-    quiet = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready ? quiet + 1 : 0;
+    const bool isQuiet = settled.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    quiet = isQuiet && !presenter->isFilling() ? quiet + 1 : 0;
     settled.wait();
     for (int turn = 0; turn < 3; ++turn) QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -120,7 +120,8 @@ void Preview::settle() {
       return false;
     }
     settled = sdk_.settled();
-    return ++quietTurns > 20;
+    quietTurns = presenter_->isFilling() ? 0 : quietTurns + 1;
+    return quietTurns > 20;
   });
 }
 

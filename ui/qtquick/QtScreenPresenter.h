@@ -3,6 +3,7 @@
 
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQmlIncubationController>
 #include <QQuickWindow>
 #include <map>
 #include <memory>
@@ -36,6 +37,8 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
 
   // The item of the top-most screen; null when there is none or it is still being made.
   QQuickItem* topItem() const { return stack_.empty() ? nullptr : stack_.back()->item(); }
+  // While cards of the screens are still being made, a few in each turn of the main loop.
+  bool isFilling() const { return engine_ && engine_->incubationController()->incubatingObjectCount() > 0; }
 
  protected:
   // Keeps the Tab key within the top-most screen.
