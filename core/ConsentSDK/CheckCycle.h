@@ -1,6 +1,7 @@
 // Recurring consent checks, triggered by the timer, the network, the device's permissions or a failed download.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -49,8 +50,10 @@ class CheckCycle {
   void startPermissionObservation();
   // Schedules another attempt at a failed first download.
   void scheduleRetry(const SessionPointer& session);
-  // Notifies listeners when the banner has become due.
+  // Notifies listeners when the banner has become due, again after each answer.
   void reportDueBanner();
+  // The history's number of the user's newest answer; 0 when there is none.
+  std::int64_t newestAnswer() const;
   // A uniformly distributed duration from zero to the limit.
   std::chrono::milliseconds atRandom(std::chrono::milliseconds limit);
 
@@ -66,6 +69,7 @@ class CheckCycle {
   std::unique_ptr<PermissionSubscription> permissionObservation_;
   std::unique_ptr<PrivacySignalSubscription> signalObservation_;
   bool wasBannerDue_ = false;
+  std::int64_t answerBeforeDue_ = 0;
 };
 
 }  // namespace quillon

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <limits>
 
 #include "core/ConsentSDK/CheckCycle.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
@@ -224,11 +225,22 @@ void CheckCycle::honourSignals() {
 void CheckCycle::reportDueBanner() {
   if (s_.events.bannerDue.isEmpty()) return;
   BannerExplanation banner = s_.explainBanner();
+  // No check may have come by between an answer and the next time.
+  const std::int64_t answer = banner.isDue ? newestAnswer() : 0;
   {
     const std::scoped_lock lock(mutex_);
-    if (std::exchange(wasBannerDue_, banner.isDue) == banner.isDue) return;
+    const bool isAnother = std::exchange(answerBeforeDue_, answer) != answer;
+    if (std::exchange(wasBannerDue_, banner.isDue) == banner.isDue && !isAnother) return;
   }
   if (banner.isDue) s_.events.bannerDue.notify(std::move(banner));
+}
+
+std::int64_t CheckCycle::newestAnswer() const {
+  constexpr std::size_t defaultsAndDevicesAtMost = 1000;
+  const auto page = s_.store.history(std::numeric_limits<std::int64_t>::max(), defaultsAndDevicesAtMost);
+  const auto isAnswer = [](const HistoryEntry& entry) { return entry.decision.cause == DecisionCause::user; };
+  const auto newest = std::ranges::find_if(page.entries, isAnswer);
+  return newest == page.entries.end() ? 0 : newest->number;
 }
 
 }  // namespace quillon

@@ -5,15 +5,14 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
+
+#include "tests/support/Effort.h"
 
 namespace quillon::test {
 
 // What a user or a reader of the log sees.
-inline constexpr bool isSanitized = !std::string_view(SANITIZERS).empty();
-
 struct Seen {
   std::string status;  // of the SDK: "ready", "unavailable"
   // In a row: part of an error line of the log; empty when no error may be logged. In a result: the whole log.
@@ -32,7 +31,7 @@ class Trial {
 
   // Of a sweep over calls or states, a short trial takes one in so many, and a sanitized one, which costs ten times as
   // much, still fewer: the release has looked at the others.
-  int oneIn(int few) const { return !isShort_ ? 1 : isSanitized ? 2 * few : few; }
+  int oneIn(int few) const { return !isShort_ ? 1 : isSanitized ? 4 * few : few; }
 
   // A further claim; the row fails if it does not hold, and continues. Returns whether it holds.
   bool expect(bool holds, const std::string& claim) {

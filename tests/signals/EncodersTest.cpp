@@ -6,14 +6,14 @@
 #include <memory>
 
 #include "tests/signals/RandomStates.h"
+#include "tests/support/Effort.h"
 
 namespace quillon::signals::test {
 namespace {
 
 constexpr std::uint32_t kInBlock = 1000;
 // A sanitized encoder takes fifty times as long, so it makes the first of them alone.
-constexpr bool kSanitized = !std::string_view(SANITIZERS).empty();
-constexpr std::uint32_t kStates = kSanitized ? 2'000 : 50'000;
+constexpr std::uint32_t kStates = quillon::test::isSanitized ? 2'000 : 50'000;
 
 std::string sha256(const std::string& text) {
   const std::unique_ptr<char, void (*)(void*)> sum(
@@ -38,7 +38,7 @@ void compare(const std::string& file, const F& stringOf) {
     ASSERT_EQ("sha256 " + sha256(block), line) << "a state before " << state;
     std::getline(lines, line);
   }
-  EXPECT_TRUE(lines.eof() || kSanitized);
+  EXPECT_TRUE(lines.eof() || quillon::test::isSanitized);
 }
 
 TEST(EncodersTest, TcStringsAreThoseOfTheReferenceEncoderAndAreReadBack) {

@@ -6,6 +6,7 @@
 #include "core/Json/Codec.h"
 #include "tests/core/Configuration/CompleteDocuments.h"
 #include "tests/support/Contains.h"
+#include "tests/support/Effort.h"
 
 namespace quillon {
 namespace {
@@ -58,7 +59,8 @@ TEST_F(HostileDocument, IsRefusedWhenItsRecordsWouldTakeTooMuchMemory) {
 
 TEST_F(HostileDocument, MayHaveMillionsOfUnknownKeysButNoneTwice) {
   std::string json = R"({"id":"a")";
-  for (int i = 0; i < 2'000'000; ++i) json += ",\"" + std::to_string(i) + "\":0";
+  constexpr int count = test::isSanitized ? 200'000 : 2'000'000;
+  for (int i = 0; i < count; ++i) json += ",\"" + std::to_string(i) + "\":0";
   EXPECT_EQ(errorOf(json + "}"), "accepted");
   EXPECT_EQ(errorOf(json + ",\"7\":0}"), "document: duplicate key");
 }

@@ -283,7 +283,7 @@ TEST_F(Safety, AnotherApplicationsDocumentServesNobodyElsesDecisions) {
 
 TEST_F(Safety, AProcessOfMonthsAsksAgain) {
   device.publish(documentOf("opt-in"));
-  launch();
+  launch([](ConsentSDKOptions& options) { options.consentsCheckInterval = 3h; });
   int due = 0;
   auto listening = sdk->listenToBannerDue([&](const BannerExplanation&) { ++due; });
   EXPECT_TRUE(sdk->isBannerDue());
@@ -297,7 +297,7 @@ TEST_F(Safety, AProcessOfMonthsAsksAgain) {
   auto newer = validConfiguration();
   newer["version"] = 6;
   device.publish(boost::json::serialize(newer));
-  device.advance(3h);
+  device.advance(3h);  // one check, the first since the answer
   EXPECT_EQ(due, 2);
   EXPECT_EQ(sdk->explainBanner().reason, BannerReason::reconsent);
   {

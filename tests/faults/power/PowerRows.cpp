@@ -168,7 +168,7 @@ Seen powerCuts(const PowerRun& run, Trial& trial) {
   const auto outcome = cutPower(run, record(run), {.combinations = trial.isShort() ? 3u : 250u, .oneOf = oneOf});
   for (const auto& fault : outcome.faults) trial.expect(false, fault);
   trial.tell(std::to_string(outcome.states) + " different states at " + std::to_string(outcome.moments) + " moments");
-  trial.expect(outcome.states * oneOf > 400, "hardly a state was built");
+  trial.expect(outcome.states * oneOf > 100, "hardly a state was built");
   return {.status = "ready", .log = {}, .stored = allAcknowledged};
 }
 

@@ -1,0 +1,11 @@
+// How much a test does.
+#pragma once
+
+#include <string_view>
+
+namespace quillon::test {
+
+// Where a sanitizer makes each round cost ten times as much, few are enough: the release goes through all of them.
+inline constexpr bool isSanitized = !std::string_view(SANITIZERS).empty();
+
+}  // namespace quillon::test
