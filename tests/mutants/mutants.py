@@ -22,7 +22,7 @@ from places import Finder, Mutant
 
 ROOMS = ["core", "platform/linux", "ui/Common", "ui/ConsentBanner", "ui/PreferenceCenter", "ui/SettingsPrompt"]
 TESTS = ["configuration_tests", "core_tests", "ui_tests", "testing_tests", "sim_tests", "proof_tests", "platform_tests",
-         "tools_tests", "fleet_tests"]
+         "signals_tests", "tools_tests", "fleet_tests"]
 SEEDS = 300
 
 
