@@ -27,8 +27,7 @@ def everybody_can_use_it(driver, program, _):
             if not address.endswith(".html"):
                 page.open()
                 page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
-                page.run("for (const d of document.querySelectorAll('details')) d.open = true")
-                page.until(lambda: driver.find_elements(By.CSS_SELECTOR, '[data-path="i18n.en.accept"]'))
+                page.until(lambda: page.open_groups() == 0)
             # Of the many labels one does.
             controls = page.run("return [...document.querySelectorAll('button, input, select, textarea, summary, a, img')]"
                                 ".filter((c) => c.checkVisibility() && !/^i18n.en.[^a]/.test(c.dataset.path))")

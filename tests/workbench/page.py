@@ -92,15 +92,22 @@ class Page:
     def field(self, path, after=None):
         """The control of that path, in sight; it may be there only after a button was pressed."""
         if after:
-            self.run("for (const d of document.querySelectorAll('details')) d.open = true")
+            self.until(lambda: self.open_groups() == 0)
             self.press(after)
         def found():
+            self.open_groups(path)
             controls = self.driver.find_elements(By.CSS_SELECTOR, f'[data-path="{path}"]')
             return controls and controls[0]
         control = self.until(found, path)
-        self.run("for (let e = arguments[0].closest('details'); e; e = e.parentElement.closest('details')) e.open = true;"
-                 "arguments[0].scrollIntoView({block: 'center'})", control)
+        self.run("arguments[0].scrollIntoView({block: 'center'})", control)
         return control
+
+    def open_groups(self, path=None):
+        """Opens the groups that lead to a path, or all; returns how many. They get their controls then, which may be groups."""
+        return self.run("const path = arguments[0];"
+                        "const closed = [...document.querySelectorAll('#form details:not([open])')].filter((group) => "
+                        "path === null || group.isTitled || path.startsWith(group.dataset.group));"
+                        "for (const group of closed) group.open = true; return closed.length", path)
 
     def fill(self, path, text):
         self.field(path).send_keys(Keys.CONTROL, "a", Keys.NULL, text)

@@ -1,6 +1,7 @@
 #include "tools/document/Document.h"
 
 #include <boost/json/parse.hpp>
+#include <ranges>
 
 #include "tools/document/Syntax.h"
 
@@ -124,7 +125,8 @@ const Value* Document::child(const Value& parent, const DocumentPath::Step& step
   }
   if (parent.kind != Value::Kind::object) return nullptr;
   const std::string_view wanted = std::get<std::string>(step);
-  for (const Value& member : parent.children) {
+  // Of duplicate keys the last one, which readers of JSON take.
+  for (const Value& member : std::views::reverse(parent.children)) {
     const auto spelt = std::string_view(text_).substr(member.keyBegin + 1, member.keyEnd - member.keyBegin - 2);
     if (spelt.contains('\\') ? key(member) == wanted : spelt == wanted) return &member;
   }

@@ -24,6 +24,12 @@ bool setIn(json::object& object, Steps steps, const json::value& value) {
   return member.is_object() && setIn(member.get_object(), steps.subspan(1), value);
 }
 
+std::string inOneLine(const json::array& list) {
+  std::string text = "[";
+  for (const json::value& element : list) text += (text.size() > 1 ? ", " : "") + json::serialize(element);
+  return text + "]";
+}
+
 std::size_t beginOf(const Value& child) {
   return child.keyEnd > 0 ? child.keyBegin : child.begin;
 }
@@ -58,7 +64,11 @@ bool Edits::set(const DocumentPath& path, const json::value& value) {
 std::string Edits::text() const {
   std::vector<Splice> splices;
   for (const auto& [place, value] : replaced_) {
-    splices.push_back({place->begin, place->end, laidOut(value, layout(), indentationAt(place->begin))});
+    // A list in one line stays in one.
+    const bool isOneLine = value.is_array() && !place->children.empty() && !document_.source(*place).contains('\n');
+    splices.push_back(
+        {place->begin, place->end,
+         isOneLine ? inOneLine(value.get_array()) : laidOut(value, layout(), indentationAt(place->begin))});
   }
   for (const auto& [object, members] : added_) splices.push_back(addition(*object, members));
   for (const auto& [array, elements] : appended_) splices.push_back(addition(*array, elements));

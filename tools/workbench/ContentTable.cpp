@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <boost/json/object.hpp>
+#include <ranges>
+#include <string_view>
 #include <vector>
 
 #include "core/Banner/BannerSelection.h"
@@ -13,6 +15,10 @@ namespace quillon::tools {
 namespace {
 
 namespace json = boost::json;
+
+constexpr std::size_t mostRows = 200;
+constexpr std::size_t mostLanguages = 100;
+constexpr std::size_t longestText = 1000;  // bytes
 
 struct Group {
   const BannerConfig* banner;
@@ -36,12 +42,19 @@ std::vector<Group> groupsOf(const MainConfiguration& configuration) {
   return groups;
 }
 
+std::string_view beginningOf(std::string_view text) {
+  if (text.size() <= longestText) return text;
+  auto end = longestText;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;  // inside a character
+  return text.substr(0, end);
+}
+
 json::object textsOf(const BannerConfig& banner, std::string_view language) {
   json::object texts;
   bool isForeign = false;
   const auto add = [&](std::string_view key, const std::optional<LocalizedText>& text, Label otherwise) {
     if (text && !text->empty()) {
-      texts[key] = textIn(language, *text);
+      texts[key] = beginningOf(textIn(language, *text));
       isForeign = isForeign || !text->contains(language);
     } else if (const auto* labels = labelLanguage(language)) {
       texts[key] = labels->text(otherwise);
@@ -54,7 +67,7 @@ json::object textsOf(const BannerConfig& banner, std::string_view language) {
   if (typeOf(banner) != ComplianceType::noticeOnly) add("reject", banner.reject, Label::reject);
   const auto addOwn = [&](std::string_view key, const std::optional<LocalizedText>& text) {
     if (!text || text->empty()) return;
-    texts[key] = textIn(language, *text);
+    texts[key] = beginningOf(textIn(language, *text));
     isForeign = isForeign || !text->contains(language);
   };
   addOwn("heading", banner.bannerHeading);
@@ -70,9 +83,11 @@ json::array contentTable(const MainConfiguration& configuration, const Languages
   if (!configuration.bannerConfig) return rows;
   const auto& categories = configuration.bannerConfig->categories;
   for (auto& [banner, places] : groupsOf(configuration)) {
+    if (rows.size() == mostRows) break;
     const auto category = std::ranges::find(categories, banner, [](const auto& entry) { return &entry.second; });
     json::object texts;
-    for (const auto language : languages) texts[language] = textsOf(*banner, language);
+    for (const auto language : languages | std::views::take(mostLanguages))
+      texts[language] = textsOf(*banner, language);
     rows.push_back({{"places", std::move(places)},
                     {"category", category->first},
                     {"type", rawValue(typeOf(*banner))},

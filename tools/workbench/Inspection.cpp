@@ -1,5 +1,7 @@
 #include "tools/workbench/Inspection.h"
 
+#include <ranges>
+
 #include "core/Json/Codec.h"
 #include "tools/diff/Differences.h"
 #include "tools/document/Edits.h"
@@ -31,8 +33,10 @@ json::array colors(const MainConfiguration& configuration) {
 }
 
 json::object comparison(const MainConfiguration& live, const MainConfiguration& draft) {
+  constexpr std::size_t most = 1000;
+  const auto all = differences(live, draft);
   json::array found;
-  for (const auto& [isMaterial, text] : differences(live, draft)) {
+  for (const auto& [isMaterial, text] : all | std::views::take(most)) {
     found.push_back({{"isMaterial", isMaterial}, {"text", text}});
   }
   MainConfiguration published = draft;
@@ -40,6 +44,8 @@ json::object comparison(const MainConfiguration& live, const MainConfiguration& 
   if (version) published.version = version;
   return {{"askedAgain", whoIsAskedAgain(live, published)},
           {"raisedVersion", version ? json::value(*version) : json::value()},
+          {"isOlder", draft.version && *draft.version < live.version.value_or(0)},
+          {"leftOut", all.size() - found.size()},
           {"differences", std::move(found)}};
 }
 

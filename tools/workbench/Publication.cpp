@@ -24,26 +24,31 @@ std::optional<std::int64_t> versionToPublish(const MainConfiguration& draft, con
   if (draft.version && *draft.version > was) return std::nullopt;
   const bool isMaterial = std::ranges::any_of(differences(*live, draft), &Difference::isMaterial);
   const bool isLast = was == std::numeric_limits<std::int64_t>::max();
-  return (isMaterial || !draft.version) && !isLast ? std::optional(was + 1) : std::nullopt;
+  if ((isMaterial || !draft.version) && !isLast) return was + 1;
+  // A version that falls would keep a later greater one from asking anybody.
+  return draft.version && *draft.version < was ? std::optional(was) : std::nullopt;
 }
 
-std::expected<Published, NotPublished> publish(DraftFolder& folder, const DocumentName& name, const std::string& tag,
-                                               bool isConfirmed) {
+std::expected<Published, NotPublished> publish(DraftFolder& folder, const DocumentName& name,
+                                               const PublicationRequest& request) {
   const auto draft = folder.read(name, Channel::draft);
   const auto live = folder.read(name, Channel::live);
   if (!draft) return refused(draft.error());
   if (!live) return refused(live.error());
   if (!*draft) return refused("there is no draft");
-  if ((*draft)->tag != tag) {
-    return std::unexpected(NotPublished{{.isConflict = true, .text = "the draft has changed on disk"}});
-  }
+  const auto changed = [](const char* what) {
+    return std::unexpected(NotPublished{{.isConflict = true, .text = what}});
+  };
+  if ((*draft)->tag != request.tag) return changed("the draft has changed on disk");
+  const std::string liveTag = *live ? (*live)->tag : std::string();
+  if (liveTag != request.liveTag) return changed("what is live has changed; compare with it again");
   Published published{.draft = **draft};
   auto [configuration, findings] = check(published.draft.text, {.lint = true, .fairness = true});
   if (!configuration) return refused("applications would refuse the draft", std::move(findings));
   std::erase_if(findings, [](const Finding& finding) { return finding.level == Level::note; });
   // A missing version is given below.
   std::erase_if(findings, [](const Finding& finding) { return finding.rule == "version"; });
-  if (!findings.empty() && !isConfirmed) return refused("there are warnings", std::move(findings));
+  if (!findings.empty() && !request.isConfirmed) return refused("there are warnings", std::move(findings));
 
   published.version = configuration->version.value_or(0);
   const auto compared = *live ? decode<MainConfiguration>((*live)->text) : std::unexpected(std::string());
@@ -54,12 +59,15 @@ std::expected<Published, NotPublished> publish(DraftFolder& folder, const Docume
     published.isRaised = true;
     published.version = *version;
     published.draft.text = edits.text();
-    const auto written = folder.write(name, Channel::draft, published.draft.text, tag);
-    if (!written) return std::unexpected(NotPublished{written.error()});
-    published.draft.tag = *written;
   }
-  const auto written = folder.write(name, Channel::live, published.draft.text, *live ? (*live)->tag : std::string());
+  // In this order, so that a failure leaves the draft as its author knows it.
+  const auto written = folder.write(name, Channel::live, published.draft.text, liveTag);
   if (!written) return std::unexpected(NotPublished{written.error()});
+  if (published.isRaised) {
+    const auto raised = folder.write(name, Channel::draft, published.draft.text, request.tag);
+    if (!raised) return refused("it is live, but the draft did not get its version: " + raised.error().text);
+  }
+  published.draft.tag = *written;
   return published;
 }
 

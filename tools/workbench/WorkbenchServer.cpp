@@ -232,6 +232,7 @@ void WorkbenchServer::inspectDocument(const httplib::Request& request, httplib::
   const auto live = folder_.read(nameIn(request), Channel::live);
   json::object result = inspect(text, live && *live ? std::optional((*live)->text) : std::nullopt);
   result["isLive"] = live && *live;
+  result["liveTag"] = live && *live ? (*live)->tag : std::string();
   if (isChanged) result["text"] = std::move(text);
   send(response, result);
 }
@@ -254,8 +255,10 @@ void WorkbenchServer::draw(const httplib::Request& request, httplib::Response& r
 void WorkbenchServer::publishDraft(const httplib::Request& request, httplib::Response& response) {
   const json::object body = bodyOf(request);
   const auto* confirmed = body.if_contains("isConfirmed");
-  const auto published = publish(folder_, nameIn(request), textOf(body, "tag"),
-                                 confirmed && confirmed->is_bool() && confirmed->get_bool());
+  const auto published = publish(folder_, nameIn(request),
+                                 {.tag = textOf(body, "tag"),
+                                  .liveTag = textOf(body, "liveTag"),
+                                  .isConfirmed = confirmed && confirmed->is_bool() && confirmed->get_bool()});
   if (published) {
     return send(response, json::object{{"draft", toJson(published->draft)},
                                        {"version", published->version},

@@ -41,7 +41,7 @@ export function askAboutConflict(file, mine, theirs) {
 export function askAboutPublishing(name, {findings, isValid, comparison}) {
   const list = findings.filter((finding) => finding.level !== 'note' && finding.rule !== 'version-rises');
   const again = comparison
-    ? `${comparison.raisedVersion ? `The version is raised to ${comparison.raisedVersion}. ` : ''}Asked again: ${comparison.askedAgain}.`
+    ? `${comparison.isOlder ? 'The version of the draft is less than that of what is live: the draft may be an old one. ' : ''}${comparison.raisedVersion ? `The version is raised to ${comparison.raisedVersion}. ` : ''}Asked again: ${comparison.askedAgain}.`
     : 'Nothing is live yet.';
   const told = list.map((finding) => element('li', {class: finding.level}, `${finding.level}: ${finding.path}: ${finding.text}`));
   const actions = !isValid ? {} : {[list.length > 0 ? 'Publish all the same' : 'Publish now']: () => true};

@@ -1,5 +1,5 @@
 // What the form asks for, by the keys of the document. `kind` is the form of a value: 'text' is one in every language,
-// 'long' a longer one.
+// 'long' a longer one, 'purposes' a list of their numbers. `in` leads from the values at hand to those of the key.
 
 const names = (...values) => values.map((value) => ({value, label: value}));
 
@@ -8,6 +8,8 @@ export const general = [
   {key: 'version', label: 'Version', kind: 'integer'},
   {key: 're_consent_enabled', label: 'A greater version asks everyone again', kind: 'switch'},
   {key: 'x-auth-token', label: 'Access token for uploads', kind: 'string'},
+  {key: 'logo_base64', label: 'Logo, for banners without one', kind: 'picture'},
+  {key: 'privacy_signal_purposes', label: 'Purposes that a privacy signal opts out of', kind: 'purposes'},
 ];
 
 export const purpose = [
@@ -26,13 +28,18 @@ export const component = [
   {key: 'vendor', label: 'Vendor', kind: 'string'},
   {key: 'website', label: 'Address', kind: 'string'},
   {key: 'license', label: 'Licence', kind: 'string'},
+  {key: 'release_date', label: 'Date of release', kind: 'string'},
   {key: 'collecting_data', label: 'Collects data', kind: 'switch'},
+  {key: 'namespace_id', label: 'Name in the program', kind: 'string'},
+  {key: 'matched_by', label: 'Recognised by, one a line', kind: 'lines'},
+  {key: 'logo_base64', label: 'Logo', kind: 'picture'},
 ];
 
 export const permission = [
   {key: 'permission_id', label: 'Permission', kind: 'permission'},
   {key: 'nameI18N', label: 'Name', kind: 'text'},
   {key: 'description', label: 'Description', kind: 'long'},
+  {key: 'group', label: 'Group, under which it is shown', kind: 'string'},
 ];
 
 export const banner = [
@@ -48,11 +55,16 @@ export const banner = [
   {key: 'preference_center_link', label: 'Link to the choices', kind: 'text'},
   {key: 'privacy_notice_text', label: 'Link to the privacy notice', kind: 'text'},
   {key: 'privacy_notice_link', label: 'Address of the privacy notice', kind: 'string'},
+  {key: 'dsr_portal_link', label: 'Address for requests about data', kind: 'string'},
+  {key: 'embed_dsr_portal_link', label: 'With the link for requests about data', kind: 'switch'},
   {key: 'hide_close_button', label: 'Without a button to close', kind: 'switch'},
   {key: 'hide_accept_toggle', label: 'Without the button to accept', kind: 'switch'},
   {key: 'banner_position', label: 'Position', kind: 'choice', choices: names('bottom', 'center')},
   {key: 'button_shape', label: 'Shape of buttons', kind: 'choice',
     choices: names('rounded', 'square', 'pill', 'outlined', 'edgeless')},
+  {key: 'company_logo', label: 'Logo', kind: 'picture'},
+  {key: 'show_powered_by_quillon_logo', label: 'With a line about the maker of the screens', kind: 'switch'},
+  {key: 'record_consent_upon_app_start', label: 'Records the defaults when it appears', kind: 'switch'},
   {key: 'preference_center_heading', label: 'Heading of the choices', kind: 'text'},
   {key: 'preference_center_guidance', label: 'Guidance on the choices', kind: 'long'},
   {key: 'preference_center_description', label: 'Description of the choices', kind: 'long'},
@@ -60,6 +72,9 @@ export const banner = [
   {key: 'permissions_tab_heading', label: 'Tab of permissions', kind: 'text'},
   {key: 'permissions_tab_guidance', label: 'Guidance on permissions', kind: 'long'},
   {key: 'permissions_tab_description', label: 'Description of permissions', kind: 'long'},
+  {key: 'hide_toggle_for_essential_categories', label: 'Essential purposes without a switch', kind: 'switch'},
+  {key: 'show_description_text_with_preference_center_toggle', label: 'Descriptions beside the switches', kind: 'switch'},
+  {key: 'should_show_settings_prompt', label: 'Offers the prompt for the system settings', kind: 'switch'},
 ];
 
 export const palette = [
@@ -71,6 +86,10 @@ export const palette = [
   {key: 'banner_links', label: 'Links'},
   {key: 'preference_center_footer_background', label: 'Background of the footer'},
   {key: 'preference_center_footer_selector', label: 'Button in the footer'},
+  {key: 'toggle_primary', label: 'Switch that is on'},
+  {key: 'toggle_secondary', label: 'Switch that is off'},
+  {key: 'purpose_disclaimer_text', label: 'Text about essential purposes'},
+  {key: 'purpose_disclaimer_background', label: 'Background of that text'},
 ].map((field) => ({...field, kind: 'color'}));
 
 // What a banner without colours of its own begins with.
@@ -81,8 +100,39 @@ export const newPalette = {
 };
 
 export const prompt = [
-  {key: 'prompt_heading', label: 'Heading', kind: 'text'},
-  {key: 'prompt_message', label: 'Message', kind: 'long'},
-  {key: 'settings_button_text', label: 'Button to the settings', kind: 'text'},
-  {key: 'not_now_button_text', label: 'Button to decline', kind: 'text'},
+  {key: 'is_sp_enabled', label: 'The prompt is shown', kind: 'switch'},
+  ...[
+    {key: 'prompt_heading', label: 'Heading', kind: 'text'},
+    {key: 'prompt_message', label: 'Message', kind: 'long'},
+    {key: 'settings_button_text', label: 'Button to the settings', kind: 'text'},
+    {key: 'not_now_button_text', label: 'Button to decline', kind: 'text'},
+  ].map((field) => ({...field, in: ['settings_prompt']})),
 ];
+
+export const tracking = [
+  {key: 'is_att_enabled', label: 'Purposes follow the tracking setting of the device', kind: 'switch'},
+  ...[
+    {key: 'purpose_ids', label: 'Purposes that follow it', kind: 'purposes'},
+    {key: 'show_info_on_pref_center', label: 'The choices say so', kind: 'switch'},
+    {key: 'info_text', label: 'What they say', kind: 'long'},
+  ].map((field) => ({...field, in: ['att_or_gad_config']})),
+];
+
+export const consentMode = [
+  {key: 'is_gcm_enabled', label: 'Choices are handed on by consent mode', kind: 'switch'},
+  {key: 'show_gcm_description', label: 'The choices say so', kind: 'switch', in: ['gcm_config']},
+  {key: 'gcm_description', label: 'What they say', kind: 'long', in: ['gcm_config']},
+];
+
+// A signal is granted when all of its purposes are.
+export const signals = [
+  {key: 'analytics_storage', label: 'Storage for analytics'},
+  {key: 'ad_storage', label: 'Storage for advertising'},
+  {key: 'ad_user_data', label: 'Data about users for advertising'},
+  {key: 'ad_personalization', label: 'Personal advertising'},
+].map((field) => ({...field, kind: 'purposes'}));
+
+// What is asked of whoever adds a member whose name people choose.
+export const place = {label: 'A further place', example: 'DE or US#CA', add: 'Add a place'};
+export const name = {label: 'A further name', example: '', add: 'Add a name'};
+export const region = {label: 'Further regions', example: 'US#CA, US#VA', add: 'Add regions'};

@@ -1,214 +1,238 @@
-// The document as a form. Every control carries the path of its value, as findings spell it.
-import {button, element} from './elements.js';
+// The document as a form: groups of controls, made when they are opened.
+import {Controls, listOf, objectOf, pathText} from './controls.js';
+import {button, element, say} from './elements.js';
 import * as fields from './fields.js';
 
-const listOf = (value) => (Array.isArray(value) ? value : []);
-const objectOf = (value) => (value && typeof value === 'object' && !Array.isArray(value) ? value : {});
-
-export function pathText(path) {
-  return path.map((step, i) => (typeof step === 'number' ? `[${step}]` : i === 0 ? step : `.${step}`)).join('');
-}
+// Entries of a list that are there at once; more come by a button.
+const mostEntries = 200;
 
 // The free number after those that the list has.
 const nextNumber = (list, key) => 1 + Math.max(0, ...listOf(list).map((entry) => Number(objectOf(entry)[key]) || 0));
 
-// Builds the form of one document. `working` takes the changes; `languages` are those with a column.
+// Builds the form of one document.
 export class Form {
-  constructor(working, languages, permissions) {
+  // `working` takes the changes; `languages` are those with a column, `own` the labels that are there without the
+  // document's. `open` has the names of the groups to open, all of the first level when it is missing. onFilled(group)
+  // follows when a group got its controls.
+  constructor({working, languages, permissions, own, open, onFilled}) {
     this.working = working;
+    this.controls = new Controls(working, languages);
     this.languages = languages;
     this.permissions = permissions;
+    this.own = own;
+    this.open = open;
+    this.onFilled = onFilled;
   }
 
   build(root) {
     const banners = objectOf(root.banner_config);
+    this.purposes = this.#purposeNames(root);
+    const closed = {isClosed: true};
     return element('div', {},
-      this.#group('Application', this.#fields(fields.general, [], root)),
+      this.#group('Application', () => this.#fields(fields.general, [], root)),
       this.#purposes(root),
-      this.#banners(banners),
-      this.#places(banners),
+      this.#banners(root, banners),
+      this.#map('Places', ['banner_config', 'locations'], banners.locations, fields.place,
+        (path, category, place) => this.controls.choice(place === 'default' ? 'default (elsewhere)' : place, path, category, [
+          ...Object.keys(objectOf(banners.categories)), ...Object.keys(objectOf(banners.names_map))].map(
+          (value) => ({value, label: value}))), () => Object.keys(objectOf(banners.categories))[0]),
+      this.#map('Other names of banners', ['banner_config', 'names_map'], banners.names_map, fields.name,
+        (path, category, name) => this.controls.choice(name, path, category,
+          Object.keys(objectOf(banners.categories)).map((value) => ({value, label: value}))),
+        () => Object.keys(objectOf(banners.categories))[0]),
       this.#permissionList(root),
-      this.#group('Prompt for the system settings', this.#fields(fields.prompt, ['settings_prompt'],
-        objectOf(root.settings_prompt)), {isClosed: true}));
-  }
-
-  // The labels of the screens, of which `own` are those that are there without the document's.
-  labels(root, own) {
-    const tables = objectOf(root.i18n);
-    return own.keys.map((key, i) => this.#text(key, (language) => ['i18n', language, key],
-      (language) => objectOf(tables[language])[key], (language) => own.languages[language]?.[i] ?? ''));
+      this.#group('Prompt for the system settings', () => this.#prompt(root), closed),
+      this.#group('Tracking', () => this.#fields(fields.tracking, [], root), closed),
+      this.#group('Consent mode', () => this.#consentMode(root), closed),
+      this.#group('Labels of the screens', () => this.#labels(root), {...closed, path: ['i18n']}));
   }
 
   #group(title, content, {isClosed = false, path} = {}) {
-    return element('details', {open: !isClosed, 'data-group': path ? pathText(path) : title},
-      element('summary', {}, title), ...content);
+    const name = path ? pathText(path) : title;
+    const isOpen = this.open ? this.open.has(name) : !isClosed;
+    const group = element('details', {open: isOpen, 'data-group': name}, element('summary', {}, title));
+    group.isTitled = !path;
+    // Large documents have more controls than a browser can lay out.
+    group.fill = () => {
+      group.fill = undefined;
+      group.append(...content());
+      this.onFilled(group);
+    };
+    if (isOpen) group.fill();
+    group.ontoggle = () => group.open && group.fill?.();
+    return group;
   }
 
   #fields(list, path, values) {
-    return list.map((field) => this.#field(field, [...path, field.key], values[field.key]));
-  }
-
-  #field(field, path, value) {
-    if (field.kind === 'text' || field.kind === 'long') {
-      const texts = objectOf(value);
-      return this.#text(field.label, (language) => [...path, language], (language) => texts[language], () => '',
-        field.kind === 'long', path);
-    }
-    if (field.kind === 'switch') return this.#switch(field.label, path, value === true);
-    if (field.kind === 'choice') return this.#choice(field.label, path, value, field.choices);
-    if (field.kind === 'permission') {
-      return this.#choice(field.label, path, value, this.permissions.map((key) => ({value: key, label: key})));
-    }
-    if (field.kind === 'color') return this.#color(field.label, path, value);
-    const isNumber = field.kind === 'integer';
-    const input = element('input', {type: 'text', inputmode: isNumber && 'numeric', value: value ?? '',
-      'data-path': pathText(path), spellcheck: 'false'});
-    input.oninput = () => this.#take(path, isNumber && /^-?\d{1,15}$/.test(input.value) ? Number(input.value) : input.value);
-    input.onchange = () => this.#dropIfEmpty(path, input.value);
-    return element('label', {class: 'field'}, element('span', {}, field.label), input);
-  }
-
-  // A text with a control for each language.
-  #text(label, pathIn, valueIn, placeholderIn, isLong = false, path = undefined) {
-    const columns = this.languages.map((language) => {
-      const value = valueIn(language);
-      const control = element(isLong ? 'textarea' : 'input', {
-        type: !isLong && 'text', rows: isLong && 3, lang: language, dir: 'auto', value: value ?? '',
-        placeholder: placeholderIn(language), 'data-path': pathText(pathIn(language)),
-        'aria-label': `${label}, ${language}`, class: value ? '' : 'missing'});
-      control.oninput = () => {
-        control.classList.toggle('missing', control.value === '');
-        this.#take(pathIn(language), control.value);
-      };
-      control.onchange = () => this.#dropIfEmpty(pathIn(language), control.value);
-      return element('div', {class: 'column'}, element('span', {class: 'language', 'aria-hidden': 'true'}, language), control);
+    return list.map((field) => {
+      const keys = [...path, ...(field.in ?? []), field.key];
+      const parent = (field.in ?? []).reduce((value, key) => objectOf(value[key]), values);
+      return this.#field(field, keys, parent[field.key]);
     });
-    return element('div', {class: 'text', role: 'group', 'aria-label': label, 'data-group': path && pathText(path)},
-      element('span', {class: 'label', 'aria-hidden': 'true'}, label), element('div', {class: 'columns'}, ...columns));
   }
 
-  #switch(label, path, isOn) {
-    const input = element('input', {type: 'checkbox', checked: isOn, 'data-path': pathText(path)});
-    input.onchange = () => this.#take(path, input.checked);
-    return element('label', {class: 'switch'}, input, element('span', {}, label));
+  #field({kind, label, choices}, path, value) {
+    const {controls} = this;
+    if (kind === 'text' || kind === 'long') {
+      const texts = objectOf(value);
+      return controls.text(label, (language) => [...path, language], (language) => texts[language], {isLong: kind === 'long', path});
+    }
+    if (kind === 'switch') return controls.switch(label, path, value === true);
+    if (kind === 'choice') return controls.choice(label, path, value, choices);
+    if (kind === 'permission') {
+      return controls.choice(label, path, value, this.permissions.map((key) => ({value: key, label: key})));
+    }
+    if (kind === 'color') return controls.color(label, path, value);
+    if (kind === 'picture') return controls.picture(label, path, value);
+    if (kind === 'lines') return controls.lines(label, path, value);
+    if (kind === 'purposes') return controls.purposes(label, path, value, this.purposes);
+    return controls.line(label, path, value, kind === 'integer');
   }
 
-  #choice(label, path, value, choices) {
-    const known = choices.some((choice) => choice.value === value);
-    const options = known || !value ? choices : [{value, label: value}, ...choices];
-    const select = element('select', {'data-path': pathText(path)},
-      !value && element('option', {value: ''}, 'nothing'),
-      ...options.map((choice) => element('option', {value: choice.value, selected: choice.value === value}, choice.label)));
-    select.onchange = () => this.#take(path, select.value);
-    return element('label', {class: 'field'}, element('span', {}, label), select);
+  // Controls of a list's entries, the first ones and a button for more.
+  #list(entries, make, start = 0) {
+    const end = start + mostEntries;
+    const made = entries.slice(start, end).map((entry, i) => make(entry, start + i));
+    if (end < entries.length) {
+      const more = button(`Show more of ${entries.length}`, () => {
+        const further = this.#list(entries, make, end);
+        more.replaceWith(...further);
+        for (const group of further) this.onFilled(group);
+      });
+      made.push(more);
+    }
+    return made;
   }
 
-  #color(label, path, value) {
-    const isColor = /^#[0-9a-f]{6}$/i.test(value ?? '');
-    const text = element('input', {type: 'text', value: value ?? '', 'data-path': pathText(path), spellcheck: 'false',
-      'aria-label': label});
-    const picker = element('input', {type: 'color', value: isColor ? value : '#000000', 'aria-label': `${label}, from a palette`});
-    text.oninput = () => {
-      if (/^#[0-9a-f]{6}$/i.test(text.value)) picker.value = text.value;
-      this.#take(path, text.value);
-    };
-    picker.oninput = () => {
-      text.value = picker.value.toUpperCase();
-      this.#take(path, text.value);
-    };
-    return element('div', {class: 'field'}, element('span', {'aria-hidden': 'true'}, label), text, picker,
-      element('span', {class: 'contrast', 'data-contrast': pathText(path)}));
+  // Appends an entry, to a list that may be missing.
+  #append(path, list, entry) {
+    if (Array.isArray(list)) this.working.change([...path, list.length], entry, true);
+    else this.working.change(path, [entry], true);
+  }
+
+  #purposeNames(root) {
+    const byNumber = new Map(listOf(root.purposes).map(objectOf).map((purpose) =>
+      [purpose.purpose_id, {number: purpose.purpose_id, name: this.#nameOf(purpose.purpose_name) ?? 'without a name'}]));
+    byNumber.delete(undefined);
+    return [...byNumber.values()];
   }
 
   #purposes(root) {
     const all = listOf(root.purposes);
-    const add = () => this.working.change(['purposes', all.length], {
+    const add = () => this.#append(['purposes'], root.purposes, {
       purpose_id: nextNumber(all, 'purpose_id'), purpose_name: {}, purpose_description: {}, sdks: [],
-      consent_status: 'not_determined', disable_opt_out: false}, true);
-    return this.#group('Purposes', [
-      ...all.map((purpose, i) => this.#purpose(objectOf(purpose), ['purposes', i])),
-      button('Add a purpose', Array.isArray(root.purposes) ? add : () => this.working.change(['purposes'], [], true))]);
+      consent_status: 'not_determined', disable_opt_out: false});
+    return this.#group('Purposes', () => [
+      ...this.#list(all, (purpose, i) => this.#purpose(objectOf(purpose), ['purposes', i])), button('Add a purpose', add)]);
   }
 
   #purpose(purpose, path) {
     const name = this.#nameOf(purpose.purpose_name) || `Purpose ${purpose.purpose_id ?? ''}`;
+    const list = [...path, 'sdks'];
     const components = listOf(purpose.sdks);
-    const add = () => this.working.change([...path, 'sdks', components.length],
-      {sdk_id: nextNumber(components, 'sdk_id'), sdk_name: {}, vendor: ''}, true);
-    return this.#group(name, [
+    const add = () => this.#append(list, purpose.sdks, {sdk_id: nextNumber(components, 'sdk_id'), sdk_name: {}, vendor: ''});
+    return this.#group(name, () => [
       ...this.#fields(fields.purpose, path, purpose),
-      ...components.map((component, i) => this.#group(
+      ...this.#list(components, (component, i) => this.#group(
         `Component: ${this.#nameOf(objectOf(component).sdk_name) || i + 1}`,
-        [...this.#fields(fields.component, [...path, 'sdks', i], objectOf(component)),
-          this.#remove(`Remove component ${i + 1} of ${name}`, [...path, 'sdks', i])],
-        {isClosed: true, path: [...path, 'sdks', i]})),
+        () => [...this.#fields(fields.component, [...list, i], objectOf(component)),
+          this.controls.remove(`Remove component ${i + 1} of ${name}`, [...list, i])],
+        {isClosed: true, path: [...list, i]})),
       element('div', {class: 'actions'},
-        Array.isArray(purpose.sdks) && button('Add a component', add, {'aria-label': `Add a component to ${name}`}),
-        this.#remove(`Remove ${name}`, path))], {isClosed: true, path});
+        button('Add a component', add, {'aria-label': `Add a component to ${name}`}),
+        this.controls.remove(`Remove ${name}`, path))], {isClosed: true, path});
   }
 
-  #banners(banners) {
+  #banners(root, banners) {
     const categories = Object.entries(objectOf(banners.categories));
     const name = element('input', {type: 'text', spellcheck: 'false', 'aria-label': 'Name of a further banner'});
-    const add = () => name.value.trim() && this.working.change(['banner_config', 'categories', name.value.trim()],
-      categories[0]?.[1] ?? {compliance_type: 'opt-in'}, true);
-    return this.#group('Banners', [...categories.map(([category, banner]) => this.#banner(category, objectOf(banner))),
+    const add = () => {
+      const category = name.value.trim();
+      if (!this.#isNew(category, banners.categories)) return;
+      const banner = categories[0]?.[1] ?? {compliance_type: 'opt-in'};
+      // All three are required.
+      if (!root.banner_config) {
+        this.working.change(['banner_config'], {categories: {[category]: banner}, locations: {default: category}, names_map: {}}, true);
+      } else {
+        this.working.change(['banner_config', 'categories', category], banner, true);
+      }
+    };
+    return this.#group('Banners', () => [
+      ...this.#list(categories, ([category, banner]) => this.#banner(category, objectOf(banner))),
       element('div', {class: 'actions'}, name, button('Add a banner', add, {title: 'a copy of the first'}))]);
   }
 
   #banner(category, banner) {
     const path = ['banner_config', 'categories', category];
     const palette = [...path, 'palette'];
-    const colors = banner.palette
+    const colors = () => (banner.palette
       ? this.#fields(fields.palette, palette, objectOf(banner.palette))
-      : [button('Give it colours of its own', () => this.working.change(palette, fields.newPalette, true))];
-    return this.#group(category, [...this.#fields(fields.banner, path, banner),
+      : [button('Give it colours of its own', () => this.working.change(palette, fields.newPalette, true))]);
+    return this.#group(category, () => [...this.#fields(fields.banner, path, banner),
       this.#group('Colours', colors, {isClosed: true, path: palette}),
-      this.#remove(`Remove banner ${category}`, path)], {isClosed: true, path});
+      this.controls.remove(`Remove banner ${category}`, path)], {isClosed: true, path});
   }
 
-  #places(banners) {
-    const path = ['banner_config', 'locations'];
-    const categories = Object.keys(objectOf(banners.categories)).map((value) => ({value, label: value}));
-    const rows = Object.entries(objectOf(banners.locations)).map(([place, category]) =>
-      element('div', {class: 'place'},
-        this.#choice(place === 'default' ? 'default (elsewhere)' : place, [...path, place], category, categories),
-        this.#remove(`Remove ${place}`, [...path, place])));
-    const place = element('input', {type: 'text', spellcheck: 'false', placeholder: 'DE or US#CA', 'aria-label': 'A further place'});
-    const add = () => place.value.trim() && categories.length > 0 &&
-      this.working.change([...path, place.value.trim()], categories[0].value, true);
-    return this.#group('Places', [...rows, element('div', {class: 'actions'}, place, button('Add a place', add))],
-      {isClosed: true, path});
+  // An object whose keys people choose: a row or a group for each of its members. makeControl(path, value, key).
+  #map(title, path, values, words, makeControl, newValue) {
+    const row = ([key, value]) => element('div', {class: 'place'}, makeControl([...path, key], value, key),
+      this.controls.remove(`Remove ${key}`, [...path, key]));
+    const name = element('input', {type: 'text', spellcheck: 'false', placeholder: words.example, 'aria-label': words.label});
+    const add = () => {
+      const key = name.value.trim();
+      const value = newValue();
+      if (value !== undefined && this.#isNew(key, values)) this.working.change([...path, key], value, true);
+    };
+    return this.#group(title, () => [...this.#list(Object.entries(objectOf(values)), row),
+      element('div', {class: 'actions'}, name, button(words.add, add))], {isClosed: true, path});
+  }
+
+  // Whether a member of that name can be added; what is there is not replaced.
+  #isNew(name, members) {
+    const isThere = Object.hasOwn(objectOf(members), name);
+    if (isThere) say(`There is a ${name} already.`, true);
+    return name !== '' && !isThere;
   }
 
   #permissionList(root) {
     const all = listOf(root.permissions);
-    const add = () => {
-      const entry = {id: nextNumber(all, 'id'), permission_id: this.permissions[0]};
-      const hasList = Array.isArray(root.permissions);
-      this.working.change(hasList ? ['permissions', all.length] : ['permissions'], hasList ? entry : [entry], true);
-    };
-    return this.#group('Permissions', [
-      ...all.map((permission, i) => this.#group(objectOf(permission).permission_id ?? `Permission ${i + 1}`,
-        [...this.#fields(fields.permission, ['permissions', i], objectOf(permission)),
-          this.#remove(`Remove permission ${i + 1}`, ['permissions', i])], {isClosed: true, path: ['permissions', i]})),
+    const add = () => this.#append(['permissions'], root.permissions, {id: nextNumber(all, 'id'), permission_id: this.permissions[0]});
+    return this.#group('Permissions', () => [
+      ...this.#list(all, (permission, i) => this.#group(objectOf(permission).permission_id ?? `Permission ${i + 1}`,
+        () => [...this.#fields(fields.permission, ['permissions', i], objectOf(permission)),
+          this.controls.remove(`Remove permission ${i + 1}`, ['permissions', i])], {isClosed: true, path: ['permissions', i]})),
       button('Add a permission', add)], {isClosed: true});
   }
 
-  #remove(label, path) {
-    return button('Remove', () => this.working.remove(path, true), {'aria-label': label, class: 'quiet'});
+  #prompt(root) {
+    const path = ['settings_prompt', 'permissions'];
+    const chosen = objectOf(objectOf(root.settings_prompt).permissions);
+    const listed = listOf(root.permissions).map((permission) => objectOf(permission).permission_id).filter((key) => typeof key === 'string');
+    return [...this.#fields(fields.prompt, [], root),
+      element('fieldset', {'data-group': pathText(path)}, element('legend', {}, 'Offered for'),
+        ...this.#list([...new Set([...listed, ...Object.keys(chosen)])],
+          (key) => this.controls.switch(key, [...path, key], chosen[key] === true)))];
+  }
+
+  #consentMode(root) {
+    const path = ['gcm_config', 'region_overrides'];
+    const regions = objectOf(root.gcm_config).region_overrides;
+    return [...this.#fields(fields.consentMode, [], root),
+      this.#group('Everywhere', () => this.#fields(fields.signals, ['gcm_config', 'default_mapping'],
+        objectOf(objectOf(root.gcm_config).default_mapping)), {isClosed: true, path: ['gcm_config', 'default_mapping']}),
+      this.#map('In regions of its own', path, regions, fields.region,
+        (at, mapping, region) => this.#group(region, () => this.#fields(fields.signals, at, objectOf(mapping)), {isClosed: true, path: at}),
+        () => Object.fromEntries(fields.signals.map(({key}) => [key, []])))];
+  }
+
+  // The labels of the screens: many, and seldom changed.
+  #labels(root) {
+    const tables = objectOf(root.i18n);
+    return this.own.keys.map((key, i) => this.controls.text(key, (language) => ['i18n', language, key],
+      (language) => objectOf(tables[language])[key], {own: (language) => this.own.languages[language]?.[i] ?? ''}));
   }
 
   #nameOf(text) {
     return objectOf(text)[this.languages[0]] || Object.values(objectOf(text))[0];
-  }
-
-  #take(path, value) {
-    this.working.change(path, value);
-  }
-
-  // A text that is left empty is none; while somebody types it keeps its place.
-  #dropIfEmpty(path, value) {
-    if (value === '') this.working.remove(path);
   }
 }

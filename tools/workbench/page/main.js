@@ -2,12 +2,13 @@
 import {askAboutConflict, askAboutPublishing, askForNew} from './dialogs.js';
 import {byId, element, say, tabs} from './elements.js';
 import {Form} from './form.js';
-import {markFields, showComparison, showContent, showFindings} from './panels.js';
+import {markFields, showComparison, showContent, showFindings, showNoContent} from './panels.js';
 import {Screens} from './screens.js';
 import * as server from './server.js';
 import {Working} from './working.js';
 
 const milliseconds = 2000;  // between two looks at the file
+const mostColumns = 100;
 
 let overview;
 let working;
@@ -37,41 +38,44 @@ function showForm() {
   byId('form-note').hidden = values !== undefined;
   byId('form').inert = values === undefined;
   if (values === undefined) return;
-  const open = [...byId('form').querySelectorAll('details[open]')].map((group) => group.dataset.group);
   const isFirst = byId('form').childElementCount === 0;
+  const open = new Set([...byId('form').querySelectorAll('details[open]')].map((group) => group.dataset.group));
   const focused = document.activeElement?.dataset?.path;
-  const form = new Form(working, languages(), overview.permissions);
-  const built = form.build(values);
-  if (!isFirst) for (const group of built.querySelectorAll('details')) group.open = open.includes(group.dataset.group);
-  byId('form').replaceChildren(built, labelsGroup(form, values, open.includes('labels')));
+  const form = new Form({working, languages: languages().slice(0, mostColumns), permissions: overview.permissions,
+    own: ownLabels, open: isFirst ? undefined : open, onFilled: markGroup});
+  byId('form').replaceChildren(form.build(values));
+  const left = languages().length - mostColumns;
+  if (left > 0) byId('form').prepend(element('p', {class: 'hint'}, `Texts of ${left} further languages are in the JSON only.`));
   if (focused) byId('form').querySelector(`[data-path=${CSS.escape(focused)}]`)?.focus();
 }
 
-// Many, and seldom changed, so they are made when somebody looks.
-function labelsGroup(form, values, isOpen) {
-  const group = element('details', {'data-group': 'labels'}, element('summary', {}, 'Labels of the screens'));
-  group.ontoggle = async () => {
-    if (!group.open || group.childElementCount > 1) return;
-    ownLabels ??= await server.labels();
-    group.append(...form.labels(values, ownLabels));
-  };
-  group.open = isOpen;
-  return group;
+// What there is to say about the controls of a group.
+function markGroup(group) {
+  if (inspection?.findings) markFields(group, inspection.findings, inspection.colors ?? []);
 }
 
 function showSource() {
   const source = byId('source');
-  if (document.activeElement !== source && source.value !== working?.text) source.value = working?.text ?? '';
+  if (byId('panel-source').hidden) return;
+  // As the control spells the ends of lines.
+  const text = (working?.text ?? '').replace(/\r\n?/g, '\n');
+  if (source.value === text) return;
+  const {selectionStart, selectionEnd} = source;
+  source.value = text;
+  source.setSelectionRange(selectionStart, selectionEnd);
 }
 
 function onInspected(found, isRebuilt) {
   inspection = {...found, languages: found.languages ?? inspection?.languages ?? []};
   if (isRebuilt) showForm();
+  else markGroup(byId('form'));
   showSource();
   showFindings(found.findings, showField, showLine);
   showComparison(found);
-  markFields(byId('form'), found.findings, found.colors ?? []);
-  if (found.isValid) {
+  if (!found.isValid) {
+    screens.keep();
+    showNoContent();
+  } else {
     showContent(found.content, languages());
     screens.show(working.text, {...found, languages: languages()}, working.changedAt);
   }
@@ -81,6 +85,7 @@ function onInspected(found, isRebuilt) {
 
 function onFailed(refusal) {
   say(refusal.message, true);
+  showState();
 }
 
 function showState() {
@@ -91,15 +96,21 @@ function showState() {
   document.title = `${isUnsaved ? '* ' : ''}${working ? working.name.application : 'Configurations'} - Workbench`;
 }
 
-// The field of a finding, or the one that is nearest to it.
+// The field of a finding, or the one that is nearest to it; else its line.
 function showField(finding) {
+  const {path: wanted, rule} = finding;
+  if (rule === 'unknown-key' || rule === 'label-known') return showLine(finding);
+  // A closed group may have no controls yet, some of which are groups again.
+  const holds = ({dataset: {group}, isTitled}) => isTitled || (wanted.startsWith(group) && /^($|[.[])/.test(wanted.slice(group.length)));
+  const unfilled = () => [...byId('form').querySelectorAll('details')].find((group) => group.fill && holds(group));
+  for (let group = unfilled(); group; group = unfilled()) group.fill();
   const fields = [...byId('form').querySelectorAll('[data-path]')];
   const groups = [...byId('form').querySelectorAll('[data-group]')];
   for (let path = finding.path; path; path = path.replace(/(\.[^.[]*|\[\d+\]|^[^.[]*)$/, '')) {
     const group = groups.find((other) => other.dataset.group === path);
     const field = fields.find((other) => other.dataset.path === path) ??
-      group?.querySelector('.missing[data-path]') ?? group?.querySelector('[data-path]') ??
-      fields.find((other) => other.dataset.path.startsWith(path));
+      group?.querySelector('.missing[data-path]') ?? group?.querySelector('input, select, textarea') ??
+      (path === finding.path ? fields.find((other) => other.dataset.path.startsWith(`${path}.`)) : undefined);
     if (!field) continue;
     views.show('tab-form');
     for (let above = field.closest('details'); above; above = above.parentElement.closest('details')) above.open = true;
@@ -114,7 +125,11 @@ function showLine({line, column}) {
   const source = byId('source');
   const lines = source.value.split('\n');
   const before = lines.slice(0, line - 1).reduce((length, text) => length + text.length + 1, 0);
-  const start = before + [...(lines[line - 1] ?? '')].slice(0, column - 1).join('').length;
+  let start = before;
+  for (const character of (lines[line - 1] ?? '').slice(0, 2 * column)) {
+    if (--column <= 0) break;
+    start += character.length;
+  }
   source.focus();
   source.setSelectionRange(start, start + 1);
   source.scrollTop = (line - 5) * (source.scrollHeight / lines.length);
@@ -123,6 +138,7 @@ function showLine({line, column}) {
 async function open(name) {
   try {
     const stored = await server.read(name);
+    if (!stored.draft && !stored.live) return say(`${fileTitle(name)} is not there any more.`, true);
     furtherLanguages.clear();
     byId('form').replaceChildren();
     inspection = undefined;
@@ -135,7 +151,7 @@ async function open(name) {
 }
 
 async function showDocuments(chosen) {
-  overview = await server.overview();
+  [overview, ownLabels] = await Promise.all([server.overview(), ownLabels ?? server.labels()]);
   byId('applications').textContent = overview.applications;
   const known = ({tenant, application, file}) => JSON.stringify({tenant, application, file});
   byId('document').replaceChildren(element('option', {value: ''}, 'Choose a configuration'),
@@ -150,7 +166,9 @@ async function showDocuments(chosen) {
 
 async function save() {
   document.activeElement?.blur();  // what is still being typed
+  working.resume();
   await working.settled();
+  if (working.waiting.size > 0) return say(`Not saved: ${byId('status').textContent}`, true);
   try {
     const {tag} = await server.save(working.name, working.text, working.tag);
     working.tag = tag;
@@ -183,11 +201,13 @@ async function resolveConflict(theirs) {
 }
 
 async function publish() {
+  working.resume();
   await working.settled();
+  if (!inspection?.findings) return;
   if (!(await askAboutPublishing(working.name, inspection))) return;
   if (!working.isSaved && !(await save())) return;
   try {
-    const {draft, version, isRaised} = await server.publish(working.name, working.tag);
+    const {draft, version, isRaised} = await server.publish(working.name, working.tag, inspection.liveTag);
     working.take(draft);
     say(`Version ${version} is live${isRaised ? '; the version was raised' : ''}.`);
   } catch (refusal) {
@@ -201,6 +221,7 @@ async function watch() {
   const watched = working;
   const {draft, live} = await server.tags(watched.name);
   if (watched !== working || working.running) return;
+  working.resume();
   if ((live?.tag ?? '') !== working.liveTag) {
     working.liveTag = live?.tag ?? '';
     working.inspectAgain();
@@ -222,7 +243,6 @@ function addLanguage() {
   furtherLanguages.add(code);
   byId('language-code').value = '';
   showForm();
-  markFields(byId('form'), inspection.findings, inspection.colors ?? []);
   say(`Texts have a column for ${code}.`);
 }
 

@@ -20,13 +20,14 @@ export function showComparison({comparison, isLive, isValid}) {
     const which = isValid ? 'What is live' : 'The draft';
     return panel.replaceChildren(element('p', {}, `${which} is no valid configuration, so there is nothing to compare.`));
   }
-  const {askedAgain, raisedVersion, differences} = comparison;
+  const {askedAgain, raisedVersion, leftOut, differences} = comparison;
   const items = differences.map(({isMaterial, text}) => element('li', {class: isMaterial ? 'warning' : 'note'},
     element('span', {class: 'level'}, isMaterial ? 'material' : 'cosmetic'), text));
   panel.replaceChildren(
     element('p', {}, raisedVersion && `Publishing raises the version to ${raisedVersion}. `,
       element('strong', {}, 'Asked again: '), `${askedAgain}.`),
-    items.length > 0 ? element('ul', {}, ...items) : element('p', {}, 'The draft is what is live.'));
+    items.length > 0 ? element('ul', {}, ...items) : element('p', {}, 'The draft is what is live.'),
+    leftOut > 0 && element('p', {}, `And ${leftOut} more.`));
 }
 
 const placeName = (place) => place || 'elsewhere';
@@ -48,6 +49,10 @@ export function showContent(content, languages) {
       element('th', {scope: 'row'}, row.places.map(placeName).join(', ')),
       element('td', {}, `${row.type}, valid for ${row.validity}`, element('p', {}, `banner "${row.category}"`)),
       ...languages.map((language) => cell(row, language)))))));
+}
+
+export function showNoContent() {
+  byId('content').replaceChildren(element('p', {}, 'Applications would refuse the document.'));
 }
 
 // Beside the fields: what they have to do with findings, and contrasts of colours.

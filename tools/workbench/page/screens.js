@@ -18,6 +18,19 @@ export class Screens {
     this.#draw();
   }
 
+  // The document is not valid, so there is no picture of it.
+  keep() {
+    this.text = undefined;
+    if (!byId('picture').dataset.count) return;
+    byId('picture').classList.add('old');
+    this.#tell('The document is not valid. This is the last picture.', true);
+  }
+
+  #tell(text, isError) {
+    byId('drawn').textContent = text;
+    byId('drawn').classList.toggle('error', isError);
+  }
+
   #offer(id, values, name) {
     const select = byId(id);
     if (values.join() === [...select.options].map((option) => option.value).join()) return;
@@ -40,9 +53,11 @@ export class Screens {
       const since = this.since;
       this.since = undefined;
       try {
-        await this.#put(await server.picture(this.#view(), this.text), since);
+        const drawn = await server.picture(this.#view(), this.text);
+        if (this.text !== undefined) await this.#put(drawn, since);
       } catch (refusal) {
-        byId('drawn').textContent = refusal.message;
+        byId('picture').classList.add('old');
+        this.#tell(refusal.message, true);
       }
     }
     this.isDrawing = false;
@@ -60,7 +75,8 @@ export class Screens {
     const time = since === undefined ? undefined : Math.round(performance.now() - since);
     picture.dataset.milliseconds = time ?? '';
     const measured = {alike: 'Refusing and accepting weigh the same.', unlike: 'Refusing and accepting do not weigh the same.'};
-    byId('drawn').textContent = [measured[answers], time !== undefined && `Drawn ${time} ms after the change.`].filter(Boolean).join(' ');
-    byId('drawn').classList.toggle('error', answers === 'unlike');
+    picture.classList.remove('old');
+    this.#tell([measured[answers], time !== undefined && `Drawn ${time} ms after the change.`].filter(Boolean).join(' '),
+      answers === 'unlike');
   }
 }

@@ -14,7 +14,7 @@ async function ask(method, path, {body, headers} = {}) {
   try {
     response = await fetch(path, {method, body, headers});
   } catch {
-    throw new Refusal(0, {error: 'The workbench does not answer. Is it still running?'});
+    throw new Refusal(0, {error: 'The workbench does not answer. Is it still running? What you wrote is still here.'});
   }
   if (response.ok) return response;
   throw new Refusal(response.status, await response.json().catch(() => ({})));
@@ -32,8 +32,8 @@ export const save = (name, text, tag) =>
   askJson('PUT', `api/document?${query(name)}`, {body: text, headers: {'If-Match': tag}});
 export const inspect = (name, text, changes) =>
   askJson('POST', `api/inspect?${query(name)}`, {body: JSON.stringify({text, changes})});
-export const publish = (name, tag) =>
-  askJson('POST', `api/publish?${query(name)}`, {body: JSON.stringify({tag, isConfirmed: true})});
+export const publish = (name, tag, liveTag) =>
+  askJson('POST', `api/publish?${query(name)}`, {body: JSON.stringify({tag, liveTag, isConfirmed: true})});
 // Resolves with the picture, and for a banner with whether its answers are 'alike' or 'unlike', as measured on it.
 export async function picture(view, text) {
   const response = await ask('POST', `api/picture?${query(view)}`, {body: text});

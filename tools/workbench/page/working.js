@@ -1,7 +1,9 @@
 // A document that is being worked on: its text, and what there is to say about it.
 import * as server from './server.js';
 
+// Of a large document some steps only: each is a text.
 const longestHistory = 100;
+const largestHistory = 64 << 20;  // characters
 
 // Changes are made by the server, which leaves everything else in the text as it is. While one request is under way,
 // further changes wait; the last value of a place counts.
@@ -56,6 +58,11 @@ export class Working {
     this.#run();
   }
 
+  // Tries again what the server did not answer.
+  resume() {
+    this.#run();
+  }
+
   // Anew, as what is live has changed.
   inspectAgain() {
     this.isAgain = true;
@@ -69,7 +76,8 @@ export class Working {
 
   #remember() {
     this.history.push(this.text);
-    if (this.history.length > longestHistory) this.history.shift();
+    const most = Math.max(1, Math.min(longestHistory, Math.floor(largestHistory / (this.text.length + 1))));
+    this.history.splice(0, this.history.length - most);
   }
 
   #add(change, isRebuilt) {
@@ -87,14 +95,15 @@ export class Working {
 
   async #inspectAll() {
     while (this.waiting.size > 0 || this.isReplaced || this.isAgain) {
-      const changes = [...this.waiting.values()];
+      const changes = [...this.waiting];
+      const isAgain = this.isAgain;
       const isRebuilt = Boolean(this.isReplaced || this.isRebuilt);
       const text = this.text;
       this.waiting.clear();
       this.isReplaced = this.isRebuilt = this.isAgain = false;
       this.isBusy = true;
       try {
-        const inspection = await server.inspect(this.name, text, changes);
+        const inspection = await server.inspect(this.name, text, changes.map(([, change]) => change));
         if (this.text !== text) continue;  // replaced meanwhile
         if (inspection.text !== undefined && inspection.text !== text) {
           this.#remember();
@@ -104,6 +113,15 @@ export class Working {
         this.onInspected(inspection, isRebuilt);
       } catch (refusal) {
         this.isBusy = false;
+        if (refusal.status === 0) {
+          // No answer: nothing is lost, all of it waits.
+          if (this.text === text) this.waiting = new Map([...changes, ...this.waiting]);
+          this.isReplaced ||= isRebuilt;
+          this.isAgain ||= isAgain;
+          return this.onFailed(refusal);
+        }
+        // What cannot be done is not to be seen as done.
+        this.isReplaced ||= changes.length > 0;
         this.onFailed(refusal);
       }
     }

@@ -1,0 +1,179 @@
+// Controls of the form, one for each kind of value. Every control carries the path of its value, as findings spell it.
+import {button, element, say} from './elements.js';
+
+// What the screens take as the text of a picture, in bytes of its file.
+const largestPicture = 768 * 1024;
+// More boxes than anybody looks through.
+const mostBoxes = 100;
+
+export const listOf = (value) => (Array.isArray(value) ? value : []);
+export const objectOf = (value) => (value && typeof value === 'object' && !Array.isArray(value) ? value : {});
+
+export function pathText(path) {
+  return path.map((step, i) => (typeof step === 'number' ? `[${step}]` : i === 0 ? step : `.${step}`)).join('');
+}
+
+// The address of a picture that a document holds as base64; undefined when it is none that the screens show.
+function pictureAddress(text) {
+  const base64 = /^(?:data:image\/(?:png|gif|jpeg);base64,)?([A-Za-z0-9+/=\s]+)$/.exec(text)?.[1] ?? '';
+  const type = {iVBOR: 'png', '/9j/4': 'jpeg', R0lGO: 'gif'}[base64.slice(0, 5)];
+  return type && `data:image/${type};base64,${base64}`;
+}
+
+async function base64Of(file) {
+  const reader = new FileReader();
+  await new Promise((resolve, reject) => {
+    reader.onload = resolve;
+    reader.onerror = () => reject(reader.error);
+    reader.readAsDataURL(file);
+  });
+  return reader.result.slice(reader.result.indexOf(',') + 1);
+}
+
+export class Controls {
+  // `working` takes the changes; `languages` are those with a column.
+  constructor(working, languages) {
+    this.working = working;
+    this.languages = languages;
+  }
+
+  line(label, path, value, isNumber = false) {
+    const input = element('input', {type: 'text', inputmode: isNumber && 'numeric', value: value ?? '',
+      'data-path': pathText(path), spellcheck: 'false', dir: 'auto'});
+    input.oninput = () => this.take(path, isNumber && /^-?\d{1,15}$/.test(input.value) ? Number(input.value) : input.value);
+    input.onchange = () => this.#dropIfEmpty(path, input.value);
+    return element('label', {class: 'field'}, element('span', {}, label), input);
+  }
+
+  // A list of texts, one a line.
+  lines(label, path, value) {
+    const area = element('textarea', {rows: 2, value: listOf(value).join('\n'), 'data-path': pathText(path), spellcheck: 'false'});
+    area.oninput = () => this.take(path, area.value.split('\n').map((line) => line.trim()).filter(Boolean));
+    return element('label', {class: 'field', 'data-group': pathText(path)}, element('span', {}, label), area);
+  }
+
+  // A text with a control for each language. `own` has what is there without the document's.
+  text(label, pathIn, valueIn, {own = () => '', isLong = false, path} = {}) {
+    const columns = this.languages.map((language) => {
+      const value = valueIn(language);
+      // A control of one line would drop the ends of lines.
+      const isArea = isLong || /[\r\n]/.test(value ?? '');
+      const control = element(isArea ? 'textarea' : 'input', {
+        type: !isArea && 'text', rows: isArea && 3, lang: language, dir: 'auto', value: value ?? '',
+        placeholder: own(language), 'data-path': pathText(pathIn(language)),
+        'aria-label': `${label}, ${language}`, class: value ? '' : 'missing'});
+      control.oninput = () => {
+        control.classList.toggle('missing', control.value === '');
+        this.take(pathIn(language), control.value);
+      };
+      control.onchange = () => this.#dropIfEmpty(pathIn(language), control.value);
+      return element('div', {class: 'column'}, element('span', {class: 'language', 'aria-hidden': 'true'}, language), control);
+    });
+    return element('div', {class: 'text', role: 'group', 'aria-label': label, 'data-group': path && pathText(path)},
+      element('span', {class: 'label', 'aria-hidden': 'true'}, label), element('div', {class: 'columns'}, ...columns));
+  }
+
+  switch(label, path, isOn) {
+    const input = element('input', {type: 'checkbox', checked: isOn, 'data-path': pathText(path)});
+    input.onchange = () => this.take(path, input.checked);
+    return element('label', {class: 'switch'}, input, element('span', {}, label));
+  }
+
+  choice(label, path, value, choices) {
+    const known = choices.some((choice) => choice.value === value);
+    const options = known || !value ? choices : [{value, label: value}, ...choices];
+    const select = element('select', {'data-path': pathText(path)},
+      !value && element('option', {value: ''}, 'nothing'),
+      ...options.map((choice) => element('option', {value: choice.value, selected: choice.value === value}, choice.label)));
+    select.onchange = () => (select.value ? this.take(path, select.value) : this.working.remove(path));
+    return element('label', {class: 'field'}, element('span', {}, label), select);
+  }
+
+  color(label, path, value) {
+    const isColor = /^#[0-9a-f]{6}$/i.test(value ?? '');
+    const text = element('input', {type: 'text', value: value ?? '', 'data-path': pathText(path), spellcheck: 'false',
+      'aria-label': label});
+    const picker = element('input', {type: 'color', value: isColor ? value : '#000000', 'aria-label': `${label}, from a palette`});
+    text.oninput = () => {
+      if (/^#[0-9a-f]{6}$/i.test(text.value)) picker.value = text.value;
+      this.take(path, text.value);
+    };
+    text.onchange = () => this.#dropIfEmpty(path, text.value);
+    picker.oninput = () => {
+      text.value = picker.value.toUpperCase();
+      this.take(path, text.value);
+    };
+    return element('div', {class: 'field'}, element('span', {'aria-hidden': 'true'}, label), text, picker,
+      element('span', {class: 'contrast', 'data-contrast': pathText(path)}));
+  }
+
+  picture(label, path, value) {
+    const image = element('img', {class: 'logo', alt: `${label} as it is`});
+    const file = element('input', {type: 'file', accept: 'image/png,image/jpeg,image/gif', 'aria-label': `${label}, from a file`,
+      'data-path': pathText(path)});
+    const remove = button('Remove', () => {
+      this.working.remove(path);
+      show('');
+    }, {class: 'quiet', 'aria-label': `Remove ${label}`});
+    const show = (text) => {
+      const address = typeof text === 'string' ? pictureAddress(text) : undefined;
+      image.hidden = !address;
+      if (address) image.src = address;
+      remove.hidden = !text;
+    };
+    file.onchange = async () => {
+      const [chosen] = file.files;
+      if (!chosen) return;
+      if (chosen.size > largestPicture) return say(`${chosen.name} is larger than 768 KB, which the screens do not show.`, true);
+      const text = await base64Of(chosen);
+      this.take(path, text);
+      show(text);
+    };
+    show(value);
+    return element('div', {class: 'field'}, element('span', {'aria-hidden': 'true'}, label), file, image, remove);
+  }
+
+  // The purposes that something depends on: a list of their numbers, in the order in which they were chosen. `purposes`
+  // are those that there are, {number, name}.
+  purposes(label, path, value, purposes) {
+    let chosen = listOf(value);
+    const unknown = [...new Set(chosen)].filter((number) => purposes.every((purpose) => purpose.number !== number));
+    const all = [...purposes, ...unknown.map((number) => ({number, name: 'no such purpose'}))];
+    const group = element('fieldset', {'data-group': pathText(path)}, element('legend', {}, label));
+    // A number that a script cannot hold would become another one.
+    if (all.length > mostBoxes || !all.every(({number}) => Number.isSafeInteger(number))) {
+      group.append(element('p', {class: 'hint'}, 'These purposes can only be chosen in the JSON.'));
+      return group;
+    }
+    const boxes = all.map(({number, name}) => {
+      const box = element('input', {type: 'checkbox', checked: chosen.includes(number)});
+      box.onchange = () => {
+        chosen = box.checked ? [...chosen, number] : chosen.filter((other) => other !== number);
+        this.take(path, chosen);
+        showPaths();
+      };
+      group.append(element('label', {class: 'switch'}, box, element('span', {}, `${number}: ${name}`)));
+      return {box, number};
+    });
+    const showPaths = () => boxes.forEach(({box, number}) => {
+      if (chosen.includes(number)) box.dataset.path = pathText([...path, chosen.indexOf(number)]);
+      else delete box.dataset.path;
+    });
+    showPaths();
+    if (all.length === 0) group.append(element('p', {class: 'hint'}, 'There are no purposes yet.'));
+    return group;
+  }
+
+  remove(label, path) {
+    return button('Remove', () => this.working.remove(path, true), {'aria-label': label, class: 'quiet'});
+  }
+
+  take(path, value) {
+    this.working.change(path, value);
+  }
+
+  // A text that is left empty is none; while somebody types it keeps its place.
+  #dropIfEmpty(path, value) {
+    if (value === '') this.working.remove(path);
+  }
+}
