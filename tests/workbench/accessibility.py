@@ -35,7 +35,9 @@ def everybody_can_use_it(driver, program, _):
             for control in controls:
                 name, role = control.accessible_name, control.aria_role
                 assert name.strip() and role not in ("none", "generic", ""), control.get_attribute("outerHTML")
-            assert page.run(CONTRASTS) == []
+            for scheme in ("dark", "light"):
+                driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [{"name": "prefers-color-scheme", "value": scheme}]})
+                assert page.run(CONTRASTS) == [], (scheme, page.run(CONTRASTS))
             # The focus can be seen wherever the keyboard leads.
             driver.find_element(By.TAG_NAME, "body").send_keys(Keys.TAB)
             for _ in range(12):

@@ -125,6 +125,10 @@ class Page:
     def await_said(self, text):
         self.until(lambda: text in self.say(), text)
 
+    def notice(self, condition, what=""):
+        """Waits until the page has noticed what others did; it looks whenever somebody comes back to it."""
+        self.until(lambda: self.run("window.dispatchEvent(new Event('focus'))") or condition(), what)
+
     def open(self):
         """Waits until the only configuration of the folder is there with its findings."""
         self.until(lambda: self.text("tab-findings") != "Findings", "findings")

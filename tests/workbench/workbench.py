@@ -18,6 +18,8 @@ from selenium.webdriver.common.keys import Keys
 from accessibility import everybody_can_use_it
 from documents import HAND_WRITTEN, TEXT
 from page import Page, browser, workbench
+from form import every_value_has_a_control
+from losses import large_documents_are_worked_on, nothing_is_lost
 from refusals import bad_input_is_answered, strangers_are_refused
 
 
@@ -141,7 +143,7 @@ def a_changed_file_is_not_overwritten(driver, program, pictures):
         page.open()
         # Without changes of one's own the page follows the file.
         bench.put("draft", HAND_WRITTEN.replace("May we?", "Would you?"))
-        page.await_said("this is what it says now")
+        page.notice(lambda: "this is what it says now" in page.say())
         assert page.field(TEXT).get_attribute("value") == "Would you?"
         for answer, theirs, expected in (("Take the file on disk", "Theirs", "Theirs"), ("Overwrite it with mine", "Others", "Mine")):
             page.fill(TEXT, "Mine")
@@ -197,7 +199,8 @@ def an_application_is_watched(driver, program, pictures):
 
 
 SCENARIOS = [from_nothing_to_published, planted_mistakes_are_found, only_what_changed_differs,
-             a_changed_file_is_not_overwritten, an_application_is_watched, everybody_can_use_it, bad_input_is_answered,
+             a_changed_file_is_not_overwritten, nothing_is_lost, every_value_has_a_control, large_documents_are_worked_on,
+             an_application_is_watched, everybody_can_use_it, bad_input_is_answered,
              strangers_are_refused]
 
 

@@ -5,12 +5,28 @@ import {button, element, say} from './elements.js';
 const largestPicture = 768 * 1024;
 // More boxes than anybody looks through.
 const mostBoxes = 100;
+// A control with a longer text keeps the browser busy for seconds.
+const longestText = 20_000;
+
+const isLonger = (value) => typeof value === 'string' && value.length > longestText;
+const lengthOf = (value) => element('span', {class: 'hint'}, `${value.length} characters, to be changed in the JSON`);
 
 export const listOf = (value) => (Array.isArray(value) ? value : []);
 export const objectOf = (value) => (value && typeof value === 'object' && !Array.isArray(value) ? value : {});
 
 export function pathText(path) {
   return path.map((step, i) => (typeof step === 'number' ? `[${step}]` : i === 0 ? step : `.${step}`)).join('');
+}
+
+// The languages of a document that is not valid: the keys of what looks like a text, labels apart.
+export function languagesIn(values, found = new Set()) {
+  const members = Object.entries(values && typeof values === 'object' ? values : {});
+  const isText = !Array.isArray(values) && members.every(([key, value]) => /^[a-z]{2,3}(-[a-z0-9]+)*$/.test(key) && typeof value === 'string');
+  for (const [key, value] of members) {
+    if (isText) found.add(key);
+    else if (!['i18n', 'names_map', 'locations'].includes(key)) languagesIn(value, found);
+  }
+  return found;
 }
 
 // The address of a picture that a document holds as base64; undefined when it is none that the screens show.
@@ -38,6 +54,7 @@ export class Controls {
   }
 
   line(label, path, value, isNumber = false) {
+    if (isLonger(value)) return element('div', {class: 'field'}, element('span', {}, label), lengthOf(value));
     const input = element('input', {type: 'text', inputmode: isNumber && 'numeric', value: value ?? '',
       'data-path': pathText(path), spellcheck: 'false', dir: 'auto'});
     input.oninput = () => this.take(path, isNumber && /^-?\d{1,15}$/.test(input.value) ? Number(input.value) : input.value);
@@ -47,7 +64,9 @@ export class Controls {
 
   // A list of texts, one a line.
   lines(label, path, value) {
-    const area = element('textarea', {rows: 2, value: listOf(value).join('\n'), 'data-path': pathText(path), spellcheck: 'false'});
+    const joined = listOf(value).join('\n');
+    if (isLonger(joined)) return element('div', {class: 'field'}, element('span', {}, label), lengthOf(joined));
+    const area = element('textarea', {rows: 2, value: joined, 'data-path': pathText(path), spellcheck: 'false'});
     area.oninput = () => this.take(path, area.value.split('\n').map((line) => line.trim()).filter(Boolean));
     return element('label', {class: 'field', 'data-group': pathText(path)}, element('span', {}, label), area);
   }
@@ -56,6 +75,8 @@ export class Controls {
   text(label, pathIn, valueIn, {own = () => '', isLong = false, path} = {}) {
     const columns = this.languages.map((language) => {
       const value = valueIn(language);
+      const title = element('span', {class: 'language', 'aria-hidden': 'true'}, language);
+      if (isLonger(value)) return element('div', {class: 'column'}, title, lengthOf(value));
       // A control of one line would drop the ends of lines.
       const isArea = isLong || /[\r\n]/.test(value ?? '');
       const control = element(isArea ? 'textarea' : 'input', {
@@ -67,7 +88,7 @@ export class Controls {
         this.take(pathIn(language), control.value);
       };
       control.onchange = () => this.#dropIfEmpty(pathIn(language), control.value);
-      return element('div', {class: 'column'}, element('span', {class: 'language', 'aria-hidden': 'true'}, language), control);
+      return element('div', {class: 'column'}, title, control);
     });
     return element('div', {class: 'text', role: 'group', 'aria-label': label, 'data-group': path && pathText(path)},
       element('span', {class: 'label', 'aria-hidden': 'true'}, label), element('div', {class: 'columns'}, ...columns));

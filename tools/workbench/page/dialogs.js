@@ -24,13 +24,16 @@ function asked(heading, contents, actions) {
   });
 }
 
-// Both texts, from the first line on in which they differ. Resolves with 'theirs', 'mine' or undefined.
+const mostLines = 200;
+const longestText = 20_000;
+
+// The beginning of what differs in both texts. Resolves with 'theirs', 'mine' or undefined.
 export function askAboutConflict(file, mine, theirs) {
   const [left, right] = [mine.split('\n'), theirs.split('\n')];
   let first = 0;
   while (first < left.length && left[first] === right[first]) ++first;
   const side = (title, lines) => element('div', {}, element('h3', {}, title),
-    element('textarea', {readonly: true, rows: 16, wrap: 'off', 'aria-label': title, value: lines.slice(Math.max(0, first - 2)).join('\n')}));
+    element('textarea', {readonly: true, rows: 16, wrap: 'off', 'aria-label': title, value: lines.slice(Math.max(0, first - 2), first + mostLines).join('\n').slice(0, longestText)}));
   return asked(`${file} has changed on disk`, [
     element('p', {}, `Somebody else has written the file. It differs from line ${first + 1} on; nothing is overwritten unasked.`),
     element('div', {class: 'sides'}, side('Yours', left), side('On disk', right))],

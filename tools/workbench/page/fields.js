@@ -113,15 +113,15 @@ export const tracking = [
   {key: 'is_att_enabled', label: 'Purposes follow the tracking setting of the device', kind: 'switch'},
   ...[
     {key: 'purpose_ids', label: 'Purposes that follow it', kind: 'purposes'},
-    {key: 'show_info_on_pref_center', label: 'The choices say so', kind: 'switch'},
-    {key: 'info_text', label: 'What they say', kind: 'long'},
+    {key: 'show_info_on_pref_center', label: 'The choices tell of tracking', kind: 'switch'},
+    {key: 'info_text', label: 'What they tell of tracking', kind: 'long'},
   ].map((field) => ({...field, in: ['att_or_gad_config']})),
 ];
 
 export const consentMode = [
   {key: 'is_gcm_enabled', label: 'Choices are handed on by consent mode', kind: 'switch'},
-  {key: 'show_gcm_description', label: 'The choices say so', kind: 'switch', in: ['gcm_config']},
-  {key: 'gcm_description', label: 'What they say', kind: 'long', in: ['gcm_config']},
+  {key: 'show_gcm_description', label: 'The choices tell of consent mode', kind: 'switch', in: ['gcm_config']},
+  {key: 'gcm_description', label: 'What they tell of consent mode', kind: 'long', in: ['gcm_config']},
 ];
 
 // A signal is granted when all of its purposes are.

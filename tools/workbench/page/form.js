@@ -5,6 +5,7 @@ import * as fields from './fields.js';
 
 // Entries of a list that are there at once; more come by a button.
 const mostEntries = 200;
+const longestTitle = 100;
 
 // The free number after those that the list has.
 const nextNumber = (list, key) => 1 + Math.max(0, ...listOf(list).map((entry) => Number(objectOf(entry)[key]) || 0));
@@ -50,7 +51,7 @@ export class Form {
   #group(title, content, {isClosed = false, path} = {}) {
     const name = path ? pathText(path) : title;
     const isOpen = this.open ? this.open.has(name) : !isClosed;
-    const group = element('details', {open: isOpen, 'data-group': name}, element('summary', {}, title));
+    const group = element('details', {open: isOpen, 'data-group': name}, element('summary', {}, String(title).slice(0, longestTitle)));
     group.isTitled = !path;
     // Large documents have more controls than a browser can lay out.
     group.fill = () => {
@@ -233,6 +234,7 @@ export class Form {
   }
 
   #nameOf(text) {
-    return objectOf(text)[this.languages[0]] || Object.values(objectOf(text))[0];
+    const name = objectOf(text)[this.languages[0]] || Object.values(objectOf(text))[0];
+    return typeof name === 'string' ? name.slice(0, longestTitle) : undefined;
   }
 }

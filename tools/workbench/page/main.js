@@ -1,10 +1,12 @@
 // The page on which a configuration is written, seen, compared and published.
+import {languagesIn} from './controls.js';
 import {askAboutConflict, askAboutPublishing, askForNew} from './dialogs.js';
 import {byId, element, say, tabs} from './elements.js';
 import {Form} from './form.js';
 import {markFields, showComparison, showContent, showFindings, showNoContent} from './panels.js';
 import {Screens} from './screens.js';
 import * as server from './server.js';
+import {Source} from './source.js';
 import {Working} from './working.js';
 
 const milliseconds = 2000;  // between two looks at the file
@@ -14,8 +16,14 @@ let overview;
 let working;
 let inspection;
 let ownLabels;
+let isLooking = false;
+let isUnanswered = false;
 const furtherLanguages = new Set();
 const screens = new Screens();
+const source = new Source((text) => {
+  working.replace(text);
+  working.changedAt = performance.now();
+});
 const views = tabs(byId('views'), (id) => id === 'tab-source' && showSource());
 tabs(byId('lower'));
 
@@ -55,18 +63,11 @@ function markGroup(group) {
 }
 
 function showSource() {
-  const source = byId('source');
-  if (byId('panel-source').hidden) return;
-  // As the control spells the ends of lines.
-  const text = (working?.text ?? '').replace(/\r\n?/g, '\n');
-  if (source.value === text) return;
-  const {selectionStart, selectionEnd} = source;
-  source.value = text;
-  source.setSelectionRange(selectionStart, selectionEnd);
+  if (!byId('panel-source').hidden) source.show(working?.text ?? '');
 }
 
 function onInspected(found, isRebuilt) {
-  inspection = {...found, languages: found.languages ?? inspection?.languages ?? []};
+  inspection = {...found, languages: found.languages ?? inspection?.languages ?? [...languagesIn(root())]};
   if (isRebuilt) showForm();
   else markGroup(byId('form'));
   showSource();
@@ -84,6 +85,7 @@ function onInspected(found, isRebuilt) {
 }
 
 function onFailed(refusal) {
+  isUnanswered = refusal.status === 0;
   say(refusal.message, true);
   showState();
 }
@@ -120,19 +122,9 @@ function showField(finding) {
   showLine(finding);
 }
 
-function showLine({line, column}) {
+function showLine(place) {
   views.show('tab-source');
-  const source = byId('source');
-  const lines = source.value.split('\n');
-  const before = lines.slice(0, line - 1).reduce((length, text) => length + text.length + 1, 0);
-  let start = before;
-  for (const character of (lines[line - 1] ?? '').slice(0, 2 * column)) {
-    if (--column <= 0) break;
-    start += character.length;
-  }
-  source.focus();
-  source.setSelectionRange(start, start + 1);
-  source.scrollTop = (line - 5) * (source.scrollHeight / lines.length);
+  source.select(place);
 }
 
 async function open(name) {
@@ -221,6 +213,8 @@ async function watch() {
   const watched = working;
   const {draft, live} = await server.tags(watched.name);
   if (watched !== working || working.running) return;
+  if (isUnanswered) say('The workbench answers again.');
+  isUnanswered = false;
   working.resume();
   if ((live?.tag ?? '') !== working.liveTag) {
     working.liveTag = live?.tag ?? '';
@@ -235,6 +229,13 @@ async function watch() {
     working.seenTag = tag;
     say(draft ? 'The file changed on disk. Saving shows both.' : 'The file on disk is gone.', true);
   }
+}
+
+async function look() {
+  if (isLooking) return;
+  isLooking = true;
+  await watch().catch(onFailed);
+  isLooking = false;
 }
 
 function addLanguage() {
@@ -260,12 +261,6 @@ byId('save').onclick = save;
 byId('publish').onclick = publish;
 byId('undo').onclick = () => working.undo();
 byId('add-language').onclick = addLanguage;
-byId('source').oninput = (event) => {
-  const text = event.target.value;
-  // The control knows one form of line ends.
-  working.replace(working.text.includes('\r\n') ? text.replaceAll('\n', '\r\n') : text);
-  working.changedAt = performance.now();
-};
 document.addEventListener('keydown', (event) => {
   if ((event.ctrlKey || event.metaKey) && event.key === 's' && working) {
     event.preventDefault();
@@ -273,7 +268,8 @@ document.addEventListener('keydown', (event) => {
   }
 });
 window.addEventListener('beforeunload', (event) => working && !working.isSaved && event.preventDefault());
-setInterval(() => watch().catch(onFailed), milliseconds);
+setInterval(look, milliseconds);
+window.addEventListener('focus', look);  // back from another program
 
 const linked = Object.fromEntries(new URLSearchParams(location.hash.slice(1)));
 await showDocuments(linked.file ? linked : undefined).catch(onFailed);

@@ -1,0 +1,97 @@
+"""What others do meanwhile, and what goes wrong: nothing that somebody wrote is lost unasked."""
+import json
+import shutil
+
+from documents import HAND_WRITTEN, TEXT
+from page import Page, workbench
+
+
+def nothing_is_lost(driver, program, _):
+    with workbench(program) as bench:
+        bench.put("draft", HAND_WRITTEN.replace('"May we?"', '"May\\nwe?", "en": "Or may\\nwe?"'))
+        page = Page(driver, bench.address)
+        page.open()
+        # Of a key that is there twice the last one counts, and lines stay lines.
+        assert any("duplicate-key" in finding for finding in page.findings())
+        assert page.field(TEXT).get_attribute("value") == "Or may\nwe?"
+        page.field(TEXT).send_keys("!")
+        page.save()
+        assert '"May\\nwe?", "en": "Or may\\nwe?!"' in bench.file("draft").read_text()
+
+        # What the server does not answer waits for it.
+        page.run("window.network = fetch; window.fetch = () => Promise.reject(new TypeError())")
+        page.fill("name", "Unanswered")
+        page.await_said("does not answer")
+        page.press("Save")
+        page.await_said("Not saved")
+        page.run("window.fetch = window.network")
+        page.notice(lambda: "answers again" in page.say())
+        page.save()
+        assert "Unanswered" in bench.file("draft").read_text()
+
+        # A file that changes under the cursor is not overwritten by the next letter.
+        page.at("tab-source").click()
+        page.at("source").click()
+        bench.put("draft", HAND_WRITTEN.replace("May we?", "Would you?"))
+        page.notice(lambda: "this is what it says now" in page.say())
+        page.at("source").send_keys(" ")
+        page.save()
+        assert "Would you?" in bench.file("draft").read_text()
+
+        # Broken on disk, gone, and there again.
+        page.at("tab-form").click()
+        bench.put("draft", "{")
+        page.notice(lambda: page.at("form-note").is_displayed())
+        assert "This is the last picture" in page.text("drawn")
+        bench.put("draft", HAND_WRITTEN)
+        page.notice(lambda: not page.at("form-note").is_displayed())
+        page.fill(TEXT, "Mine")
+        shutil.rmtree(bench.file("draft").parent)
+        page.notice(lambda: "is gone" in page.say())
+        page.press("Save")
+        page.await_said("Saving again makes it anew")
+        page.save()
+        assert "Mine" in bench.file("draft").read_text()
+
+        # What somebody else published is not replaced by one who did not see it, and versions do not fall.
+        bench.put("live", HAND_WRITTEN)
+        page.notice(lambda: "Nothing is live" not in page.text("comparison"))
+        page.press("Publish…")
+        page.dialog()
+        bench.put("live", HAND_WRITTEN.replace('"version": 3', '"version": 7'))
+        page.press("Publish all the same" if "warning:" in page.dialog() else "Publish now")
+        page.await_said("what is live has changed")
+        assert "May we?" in bench.file("live").read_text()
+        page.notice(lambda: "raises the version to" in page.text("comparison"))
+        told = page.publish()
+        assert "may be an old one" in told, told
+        assert json.loads(bench.file("live").read_text())["version"] >= 7
+        assert bench.file("live").read_text() == bench.file("draft").read_text()
+
+
+def large_documents_are_worked_on(driver, program, _):
+    further = "".join(f',\n    {{"purpose_id": {i}, "purpose_name": {{"en": "Purpose {i}"}}, "disable_opt_out": false,'
+                      f' "purpose_description": {{"en": "{"Counts steps. " * 200}"}}}}' for i in range(3, 503))
+    document = HAND_WRITTEN.replace('{"en": "Shows ads."} }', '{"en": "Shows ads."} }' + further)
+    document = document.replace('"May we?"', f'"{"Long words. " * 50000}"')
+    planted = document.replace('"Purpose 400"', '"Purpose 400", "xx": "?"').replace('"Purpose 20"', '""')
+    with workbench(program) as bench:
+        bench.put("draft", planted)
+        page = Page(driver, bench.address)
+        page.open()
+        click = lambda text: page.run("[...document.querySelectorAll('#findings button')].find((button) => "
+                                      "button.textContent.startsWith(arguments[0])).click()", text)
+        # The field of a finding that no group has shown yet, and the line of one that is far down.
+        click("purposes[19].purpose_name")
+        assert driver.switch_to.active_element.get_attribute("data-path") == "purposes[19].purpose_name.en"
+        click("purposes[399].purpose_name.xx")
+        source = driver.switch_to.active_element
+        part = page.run("return arguments[0].value", source)
+        assert source.get_attribute("id") == "source" and len(part) < len(planted) / 2
+        at = source.get_property("selectionStart")
+        assert "?" in part[at:at + 10] or '"xx"' in part[at:at + 10], part[at - 20:at + 20]
+        # What is typed there is typed there.
+        page.run("const [control, from] = arguments; control.setRangeText('', from, from + ', \"xx\": \"?\"'.length);"
+                 "control.dispatchEvent(new Event('input'))", source, part.index(', "xx": "?"'))
+        page.save()
+        assert bench.file("draft").read_text() == document.replace('"Purpose 20"', '""')
