@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <set>
 #include <string_view>
 
@@ -9,15 +10,20 @@
 namespace quillon::tools {
 namespace {
 
-// Lists languages missing from the texts; empty when none is missing. Lists only a few: with as many languages as texts
+bool isBlank(std::string_view text) {
+  return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+// Lists languages missing from the texts, or blank there while others are not; empty when none is. Lists only a few: with as many languages as texts
 // the message would grow quadratically.
-template <class Texts>
-std::string missing(const Languages& languages, const Texts& texts) {
+std::string missing(const Languages& languages, const LocalizedText& texts) {
   constexpr int mostNames = 8;
   std::string names;
   int count = 0;
+  const bool isNone = std::ranges::all_of(texts, [](const auto& text) { return isBlank(text.second); });
   for (const auto language : languages) {
-    if (texts.contains(language)) continue;
+    const auto text = texts.find(language);
+    if (text != texts.end() && (isNone || !isBlank(text->second))) continue;
     if (++count > mostNames) return names + " and others";
     names += (count == 1 ? "" : ", ") + shown(language);
   }

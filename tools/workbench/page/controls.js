@@ -1,5 +1,5 @@
 // Controls of the form, one for each kind of value. Every control carries the path of its value, as findings spell it.
-import {button, element, say} from './elements.js';
+import {apart, button, element, say} from './elements.js';
 
 // What the screens take as the text of a picture, in bytes of its file.
 const largestPicture = 768 * 1024;
@@ -173,7 +173,7 @@ export class Controls {
         this.take(path, chosen);
         showPaths();
       };
-      group.append(element('label', {class: 'switch'}, box, element('span', {}, `${number}: ${name}`)));
+      group.append(element('label', {class: 'switch'}, box, element('span', {}, `${number}: `, apart(name))));
       return {box, number};
     });
     const showPaths = () => boxes.forEach(({box, number}) => {

@@ -1,5 +1,5 @@
 // Questions that have to be answered before work goes on.
-import {button, byId, element} from './elements.js';
+import {apart, button, byId, element} from './elements.js';
 import * as server from './server.js';
 
 // Shows a dialog of these contents and actions, {text: action}. Resolves with what the chosen action returns, or undefined
@@ -46,7 +46,7 @@ export function askAboutPublishing(name, {findings, isValid, comparison}) {
   const again = comparison
     ? `${comparison.isOlder ? 'The version of the draft is less than that of what is live: the draft may be an old one. ' : ''}${comparison.raisedVersion ? `The version is raised to ${comparison.raisedVersion}. ` : ''}Asked again: ${comparison.askedAgain}.`
     : 'Nothing is live yet.';
-  const told = list.map((finding) => element('li', {class: finding.level}, `${finding.level}: ${finding.path}: ${finding.text}`));
+  const told = list.map((finding) => element('li', {class: finding.level}, `${finding.level}: `, apart(finding.path), ': ', apart(finding.text)));
   const actions = !isValid ? {} : {[list.length > 0 ? 'Publish all the same' : 'Publish now']: () => true};
   return asked(`Publish ${name.application}, ${name.file}?`, [
     element('p', {}, isValid ? again : 'Applications would refuse the draft, so it cannot be published.'),

@@ -12,7 +12,12 @@ export function element(tag, attributes = {}, ...children) {
   return made;
 }
 
-export const button = (text, onclick, attributes = {}) => element('button', {type: 'button', onclick, ...attributes}, text);
+// `content` is a text, or a list of texts and elements.
+export const button = (content, onclick, attributes = {}) =>
+  element('button', {type: 'button', onclick, ...attributes}, ...[content].flat());
+
+// A text of the document among others, whose direction it does not turn.
+export const apart = (text) => element('bdi', {}, text);
 
 export const byId = (id) => document.getElementById(id);
 

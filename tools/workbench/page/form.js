@@ -113,7 +113,7 @@ export class Form {
 
   #purposeNames(root) {
     const byNumber = new Map(listOf(root.purposes).map(objectOf).map((purpose) =>
-      [purpose.purpose_id, {number: purpose.purpose_id, name: this.#nameOf(purpose.purpose_name) ?? 'without a name'}]));
+      [purpose.purpose_id, {number: purpose.purpose_id, name: this.#nameOf(purpose.purpose_name) || 'without a name'}]));
     byNumber.delete(undefined);
     return [...byNumber.values()];
   }
@@ -234,7 +234,7 @@ export class Form {
   }
 
   #nameOf(text) {
-    const name = objectOf(text)[this.languages[0]] || Object.values(objectOf(text))[0];
+    const name = objectOf(text)[this.languages[0]] || Object.values(objectOf(text)).find(Boolean);
     return typeof name === 'string' ? name.slice(0, longestTitle) : undefined;
   }
 }

@@ -1,11 +1,11 @@
 // What there is to say about a document: findings, the comparison with what is live, what users get.
-import {button, byId, element} from './elements.js';
+import {apart, button, byId, element} from './elements.js';
 
 export function showFindings(findings, onShow, onShowSource) {
   byId('tab-findings').textContent = `Findings (${findings.length})`;
   const items = findings.map((finding) => element('li', {class: finding.level},
     element('span', {class: 'level'}, finding.level),
-    button(`${finding.path}: ${finding.text}`, () => onShow(finding), {class: 'link'}),
+    button([apart(finding.path), ': ', apart(finding.text)], () => onShow(finding), {class: 'link'}),
     button(`line ${finding.line}`, () => onShowSource(finding),
       {class: 'link', 'aria-label': `line ${finding.line} of the JSON: ${finding.path}`}),
     element('code', {}, finding.rule)));
@@ -22,7 +22,7 @@ export function showComparison({comparison, isLive, isValid}) {
   }
   const {askedAgain, raisedVersion, leftOut, differences} = comparison;
   const items = differences.map(({isMaterial, text}) => element('li', {class: isMaterial ? 'warning' : 'note'},
-    element('span', {class: 'level'}, isMaterial ? 'material' : 'cosmetic'), text));
+    element('span', {class: 'level'}, isMaterial ? 'material' : 'cosmetic'), apart(text)));
   panel.replaceChildren(
     element('p', {}, raisedVersion && `Publishing raises the version to ${raisedVersion}. `,
       element('strong', {}, 'Asked again: '), `${askedAgain}.`),
@@ -30,6 +30,8 @@ export function showComparison({comparison, isLive, isValid}) {
     leftOut > 0 && element('p', {}, `And ${leftOut} more.`));
 }
 
+const longestText = 200;
+const shortened = (text) => (text.length > longestText ? `${text.slice(0, longestText)}…` : text);
 const placeName = (place) => place || 'elsewhere';
 
 export function showContent(content, languages) {
@@ -38,7 +40,7 @@ export function showContent(content, languages) {
     if (!texts) return element('td', {}, 'no texts');
     const answers = [texts.reject, texts.accept].filter(Boolean).map((text) => `[${text}]`).join(' ');
     return element('td', {lang: texts.isForeign ? undefined : language, dir: 'auto'},
-      element('strong', {}, texts.heading ?? ''), element('p', {}, (texts.text ?? '').slice(0, 200)), element('p', {}, answers),
+      element('strong', {}, texts.heading ?? ''), element('p', {}, shortened(texts.text ?? '')), element('p', {}, answers),
       texts.isForeign && element('p', {class: 'foreign'}, 'in part in another language'));
   };
   byId('content').replaceChildren(element('table', {},
@@ -47,7 +49,7 @@ export function showContent(content, languages) {
       element('th', {scope: 'col'}, text)))),
     element('tbody', {}, ...content.map((row) => element('tr', {},
       element('th', {scope: 'row'}, row.places.map(placeName).join(', ')),
-      element('td', {}, `${row.type}, valid for ${row.validity}`, element('p', {}, `banner "${row.category}"`)),
+      element('td', {}, `${row.type}, valid for ${row.validity}`, element('p', {}, 'banner ', apart(row.category))),
       ...languages.map((language) => cell(row, language)))))));
 }
 
@@ -60,6 +62,8 @@ export function markFields(form, findings, colors) {
   const wrong = new Map(findings.filter((finding) => finding.level !== 'note').map((finding) => [finding.path, finding]));
   for (const field of form.querySelectorAll('[data-path]')) {
     const finding = wrong.get(field.dataset.path);
+    // There may be thousands, and most have none.
+    if (!finding && !field.hasAttribute('aria-invalid')) continue;
     field.toggleAttribute('aria-invalid', Boolean(finding));
     if (finding) field.setAttribute('aria-invalid', 'true');
     field.title = finding ? finding.text : '';

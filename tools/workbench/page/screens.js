@@ -33,7 +33,8 @@ export class Screens {
 
   #offer(id, values, name) {
     const select = byId(id);
-    if (values.join() === [...select.options].map((option) => option.value).join()) return;
+    const offered = [...select.options].map((option) => option.value);
+    if (values.length === offered.length && values.every((value, i) => value === offered[i])) return;
     const chosen = select.value;
     select.replaceChildren(...values.map((value) => element('option', {value}, name(value))));
     if (values.includes(chosen)) select.value = chosen;
