@@ -12,7 +12,7 @@ SAMPLE = pathlib.Path(__file__).parents[2] / "examples/configuration/consent/mob
 ONLY_IN_JSON = {
     "generated_on", "id", "description", "tenant_id", "platform", "status", "sdk_version",
     "purposes[0].consent_status", "permissions[0].id", "permissions[0].name", "permissions[0].group_id",
-    "permissions[0].consent_status", "banner_config.categories.eu.name", "banner_config.categories.eu.palette_theme"}
+    "permissions[0].consent_status", "banner_config.categories.eu.name"}
 
 
 def paths(schema, node, path, values):

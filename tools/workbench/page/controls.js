@@ -100,13 +100,18 @@ export class Controls {
     return element('label', {class: 'switch'}, input, element('span', {}, label));
   }
 
-  choice(label, path, value, choices) {
+  // Nothing can be chosen when there is nothing, or when it is optional.
+  choice(label, path, value, choices, isOptional = false) {
     const known = choices.some((choice) => choice.value === value);
     const options = known || !value ? choices : [{value, label: value}, ...choices];
     const select = element('select', {'data-path': pathText(path)},
-      !value && element('option', {value: ''}, 'nothing'),
-      ...options.map((choice) => element('option', {value: choice.value, selected: choice.value === value}, choice.label)));
-    select.onchange = () => (select.value ? this.take(path, select.value) : this.working.remove(path));
+      (!value || isOptional) && element('option', {value: ''}, 'nothing'),
+      ...options.map((choice) => element('option', {value: String(choice.value), selected: choice.value === value}, choice.label)));
+    select.onchange = () => {
+      const chosen = options.find((choice) => String(choice.value) === select.value);
+      if (chosen) this.take(path, chosen.value);
+      else this.working.remove(path);
+    };
     return element('label', {class: 'field'}, element('span', {}, label), select);
   }
 

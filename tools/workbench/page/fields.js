@@ -62,6 +62,8 @@ export const banner = [
   {key: 'banner_position', label: 'Position', kind: 'choice', choices: names('bottom', 'center')},
   {key: 'button_shape', label: 'Shape of buttons', kind: 'choice',
     choices: names('rounded', 'square', 'pill', 'outlined', 'edgeless')},
+  {key: 'palette_theme', label: 'Colours, unless it has its own', kind: 'choice', isOptional: true,
+    choices: ['Ink', 'Forest', 'Plum', 'Clay', 'Graphite'].map((label, i) => ({value: i + 1, label}))},
   {key: 'company_logo', label: 'Logo', kind: 'picture'},
   {key: 'show_powered_by_quillon_logo', label: 'With a line about the maker of the screens', kind: 'switch'},
   {key: 'record_consent_upon_app_start', label: 'Records the defaults when it appears', kind: 'switch'},

@@ -72,14 +72,14 @@ export class Form {
     });
   }
 
-  #field({kind, label, choices}, path, value) {
+  #field({kind, label, choices, isOptional}, path, value) {
     const {controls} = this;
     if (kind === 'text' || kind === 'long') {
       const texts = objectOf(value);
       return controls.text(label, (language) => [...path, language], (language) => texts[language], {isLong: kind === 'long', path});
     }
     if (kind === 'switch') return controls.switch(label, path, value === true);
-    if (kind === 'choice') return controls.choice(label, path, value, choices);
+    if (kind === 'choice') return controls.choice(label, path, value, choices, isOptional);
     if (kind === 'permission') {
       return controls.choice(label, path, value, this.permissions.map((key) => ({value: key, label: key})));
     }
