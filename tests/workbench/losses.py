@@ -18,6 +18,20 @@ def nothing_is_lost(driver, program, _):
         page.save()
         assert '"May\\nwe?", "en": "Or may\\nwe?!"' in bench.file("draft").read_text()
 
+        # Nobody leaves what is not saved unasked.
+        bench.put("live", HAND_WRITTEN)
+        bench.file("live", "config_de.json").write_text(HAND_WRITTEN)
+        page = Page(driver, bench.address + "#tenant=acme&application=runner&file=config.json")
+        page.open()
+        page.fill("name", "Unsaved")
+        page.until(lambda: page.at("save").is_enabled())
+        for leave in (lambda: page.press("New…"), lambda: page.at("document").send_keys("acme / runner / config_de")):
+            leave()
+            driver.switch_to.alert.dismiss()
+            assert "config.json" in page.at("document").get_attribute("value") and not page.at("dialog").is_displayed()
+        bench.file("live").unlink()
+        bench.file("live", "config_de.json").unlink()
+
         # What the server does not answer waits for it.
         page.run("window.network = fetch; window.fetch = () => Promise.reject(new TypeError())")
         page.fill("name", "Unanswered")

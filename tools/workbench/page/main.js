@@ -139,20 +139,29 @@ async function open(name) {
     say(stored.draft ? '' : 'There is no draft; this is what is live.');
   } catch (refusal) {
     say(`${fileTitle(name)} cannot be opened: ${refusal.message}`, true);
+  } finally {
+    showName();
   }
 }
+
+const known = ({tenant, application, file}) => JSON.stringify({tenant, application, file});
+
+// The choice is always the document that is open.
+function showName() {
+  byId('document').value = working ? known(working.name) : '';
+}
+
+const mayLeave = () => !working || working.isSaved || confirm('Leave without saving?');
 
 async function showDocuments(chosen) {
   [overview, ownLabels] = await Promise.all([server.overview(), ownLabels ?? server.labels()]);
   byId('applications').textContent = overview.applications;
-  const known = ({tenant, application, file}) => JSON.stringify({tenant, application, file});
   byId('document').replaceChildren(element('option', {value: ''}, 'Choose a configuration'),
     ...overview.documents.map((entry) => element('option', {value: known(entry)},
       `${fileTitle(entry)}${entry.isDraft ? '' : ' (live only)'}`)));
   const only = overview.documents.length === 1 ? overview.documents[0] : undefined;
   const name = chosen ?? only;
   if (!name) return showState();
-  byId('document').value = known(name);
   await open(JSON.parse(known(name)));
 }
 
@@ -248,10 +257,12 @@ function addLanguage() {
 }
 
 byId('document').onchange = async (event) => {
-  if (working && !working.isSaved && !confirm('Leave without saving?')) return;
-  if (event.target.value) await open(JSON.parse(event.target.value));
+  const chosen = event.target.value;
+  if (chosen && mayLeave()) await open(JSON.parse(chosen));
+  else showName();
 };
 byId('new').onclick = async () => {
+  if (!mayLeave()) return;
   const name = await askForNew(overview);
   if (!name) return;
   await showDocuments(name);
