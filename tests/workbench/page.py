@@ -92,7 +92,7 @@ class Page:
     def field(self, path, after=None):
         """The control of that path, in sight; it may be there only after a button was pressed."""
         if after:
-            self.until(lambda: self.open_groups() == 0)
+            self.until(lambda: self.open_groups(path) == 0)
             self.press(after)
         def found():
             self.open_groups(path)
