@@ -82,9 +82,9 @@ def nothing_is_lost(driver, program, _):
 
 def large_documents_are_worked_on(driver, program, _):
     further = "".join(f',\n    {{"purpose_id": {i}, "purpose_name": {{"en": "Purpose {i}"}}, "disable_opt_out": false,'
-                      f' "purpose_description": {{"en": "{"Counts steps. " * 150}"}}}}' for i in range(3, 253))
+                      f' "purpose_description": {{"en": "{"Counts steps. " * 110}"}}}}' for i in range(3, 253))
     document = HAND_WRITTEN.replace('{"en": "Shows ads."} }', '{"en": "Shows ads."} }' + further)
-    document = document.replace('"May we?"', f'"{"Long words. " * 3000}"')
+    document = document.replace('"Makes plans."', f'"{"Long words. " * 3000}"')
     planted = document.replace('"Purpose 240"', '"Purpose 240", "xx": "?"').replace('"Purpose 20"', '""')
     with workbench(program) as bench:
         bench.put("draft", planted)
