@@ -51,6 +51,7 @@ def nothing_is_lost(driver, program, _):
 
         # Broken on disk, gone, and there again.
         page.at("tab-form").click()
+        page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
         bench.put("draft", "{")
         page.notice(lambda: page.at("form-note").is_displayed())
         assert "This is the last picture" in page.text("drawn")

@@ -149,8 +149,9 @@ class Page:
     def publish(self):
         self.press("Publish…")
         told = self.dialog()
+        self.run("document.getElementById('status').textContent = ''")  # what was said before
         self.press("Publish all the same" if "warning:" in told else "Publish now")
-        self.await_said("is live")
+        self.await_said(" is live")
         return told
 
     def type_and_time(self, path, text):
