@@ -1,5 +1,6 @@
 /* A C application that asks for consent: it sets the SDK up, waits until it is ready, asks when the banner is due (here:
- * a line of text, answered with yes) and tells what is allowed. usage: quillon-c-example SERVER DATA_FOLDER */
+ * a line of text, answered with yes), uploads the answer and tells what is allowed. Exit status 0 when everything went as
+ * expected. usage: quillon-c-example SERVER DATA_FOLDER [again] */
 #define _POSIX_C_SOURCE 200809L
 #include <pthread.h>
 #include <stdio.h>
@@ -13,8 +14,15 @@ typedef struct {
   pthread_cond_t changed;
   int answers; /* how many came */
   quillon_status status;
-  int32_t stored;
+  int fetched; /* whether a download was waited for */
+  int32_t done;
+  int refused; /* purposes that are neither granted nor follow a setting of the device */
 } progress;
+
+static int fail(const char* reason) {
+  fprintf(stderr, "C host: %s\n", reason);
+  return 1;
+}
 
 static void answered(progress* p) {
   ++p->answers;
@@ -26,13 +34,14 @@ static void on_status(quillon_status status, void* context) {
   progress* p = context;
   pthread_mutex_lock(&p->mutex);
   p->status = status;
+  if (status == QUILLON_FETCHING) p->fetched = 1;
   answered(p);
 }
 
-static void on_stored(int32_t stored, void* context) {
+static void on_done(int32_t done, void* context) {
   progress* p = context;
   pthread_mutex_lock(&p->mutex);
-  p->stored = stored;
+  p->done = done;
   answered(p);
 }
 
@@ -45,10 +54,14 @@ static void on_banner(const quillon_banner* banner, void* context) {
 
 static void on_purposes(const quillon_purpose* const* purposes, size_t count, void* context) {
   progress* p = context;
+  int refused = 0;
   for (size_t i = 0; i < count; ++i) {
-    printf("%s: %s\n", purposes[i]->name, purposes[i]->consent == QUILLON_GRANTED ? "granted" : "not granted");
+    const int is_granted = purposes[i]->consent == QUILLON_GRANTED;
+    printf("%s: %s\n", purposes[i]->name, is_granted ? "granted" : "not granted");
+    if (!is_granted && !purposes[i]->follows_device) ++refused;
   }
   pthread_mutex_lock(&p->mutex);
+  p->refused = refused;
   answered(p);
 }
 
@@ -103,8 +116,9 @@ static int wait_for_answer(progress* p, int* seen) {
 
 int main(int argc, char** argv) {
   static progress p = {.mutex = PTHREAD_MUTEX_INITIALIZER, .changed = PTHREAD_COND_INITIALIZER};
+  const int is_first_run = argc == 3;
   int seen = 0;
-  if (argc != 3) return 2;
+  if (argc < 3) return 2;
 
   quillon_platform platform = {.size = sizeof platform,
                                .application_id = "news-reader",
@@ -121,27 +135,35 @@ int main(int argc, char** argv) {
 
   quillon_is_ready(on_status, &p);
   while (p.status != QUILLON_READY || seen < 1) {
-    if (!wait_for_answer(&p, &seen)) return 1;
+    if (!wait_for_answer(&p, &seen)) return fail("no configuration could be had");
   }
   quillon_remove_listeners();
   quillon_settle(20000);
   seen = p.answers;
+  printf(p.fetched ? "ready\n" : "ready (from cache)\n");
+  if (p.fetched != is_first_run) return fail(p.fetched ? "expected the cached configuration" : "expected a download");
 
   quillon_listening* changes = quillon_listen_to_consents(on_change, &p);
   quillon_listening* measuring = quillon_while_allowed(2, start_measuring, stop_measuring, &p);
   quillon_explain_banner(on_explanation, &p);
-  if (quillon_is_banner_due()) {
+  const int is_due = quillon_is_banner_due();
+  if (is_due != is_first_run) return fail("the banner's turn is not what was expected");
+  if (is_due) {
     quillon_get_banner(on_banner, &p);
-    if (!wait_for_answer(&p, &seen)) return 1;
-    quillon_accept_or_reject(1, on_stored, &p);
-    if (!wait_for_answer(&p, &seen) || !p.stored) return 1;
+    if (!wait_for_answer(&p, &seen)) return fail("there is no banner to show");
+    quillon_accept_or_reject(1, on_done, &p);
+    if (!wait_for_answer(&p, &seen) || !p.done) return fail("the answer could not be stored");
+    quillon_upload_pending_consents(on_done, &p);
+    if (!wait_for_answer(&p, &seen) || !p.done) return fail("the answer could not be uploaded");
+    printf("uploaded\n");
   }
   quillon_get_purposes(on_purposes, &p);
-  if (!wait_for_answer(&p, &seen)) return 1;
+  if (!wait_for_answer(&p, &seen)) return fail("no purposes came");
+  if (p.refused != 0) return fail("an accepted purpose is not granted");
   quillon_settle(20000);
   quillon_get_history(10, 0, on_history, &p);
-  if (!wait_for_answer(&p, &seen)) return 1;
+  if (!wait_for_answer(&p, &seen)) return fail("no history came");
   quillon_end(measuring);
   quillon_end(changes);
-  return quillon_is_purpose_allowed(2) ? 0 : 1;
+  return quillon_is_purpose_allowed(2) ? 0 : fail("purpose 2 is not allowed");
 }

@@ -16,8 +16,14 @@ run() {
   local name=$1
   shift
   echo "== $name"
+  "$@" "$url" "$work/$name" again >"$work/output" 2>&1 && { echo "$name did not ask, and says that it went well"; exit 1; }
+  rm -rf "${work:?}/$name"
   "$@" "$url" "$work/$name" | tee "$work/output"
-  grep -qE ':? granted$' "$work/output"
+  grep -q ': granted$' "$work/output"
+  grep -q '^uploaded$' "$work/output"
+  "$@" "$url" "$work/$name" again >"$work/once-more"
+  grep -q '^ready (from cache)$' "$work/once-more"
+  grep -q ': granted$' "$work/once-more"
   runs=$((runs + 1))
 }
 
