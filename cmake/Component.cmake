@@ -28,7 +28,7 @@ function(quillon_component name package)
     target_link_libraries(${target} PUBLIC quillon_include ${components} PRIVATE ${libraries})
     configure_file(exports.map exports.map @ONLY)
     target_link_options(${target} PRIVATE
-      -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,--gc-sections -Wl,-z,now
+      -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,--gc-sections
       -Wl,-z,nodelete  # the shared instance is never destroyed, nor may its code go
       $<$<BOOL:${QUILLON_PACKS_RELOCATIONS}>:-Wl,-z,pack-relative-relocs>
       $<$<BOOL:${QUILLON_SANITIZE}>:-fsanitize=${QUILLON_SANITIZE}>

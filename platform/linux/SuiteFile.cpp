@@ -77,7 +77,9 @@ SqliteResult<SuiteFile::Opened> SuiteFile::open(const std::filesystem::path& pat
     return damaged("it is larger than a store can be");
   }
   // Best effort, and never through a descriptor: closing it would release SQLite's locks on the file.
-  if ((status.st_mode & 077) != 0) (void)::fchmodat(AT_FDCWD, path.c_str(), 0600, AT_SYMLINK_NOFOLLOW);
+  if ((status.st_mode & 077) != 0) {
+    [[maybe_unused]] const int closed = ::fchmodat(AT_FDCWD, path.c_str(), 0600, AT_SYMLINK_NOFOLLOW);
+  }
 
   auto opened = retryWhileHeld(deadline, [&] { return tryOpen(path); });
   if (!opened && opened.error().recovery != Recovery::replace) {

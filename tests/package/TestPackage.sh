@@ -56,6 +56,8 @@ if [ "$flavour" = shared ]; then
   most=1250000
   [ "$url" != libboost_url ] || most=1290000  # what a newer compiler makes of it
   [ "$size" -le "$most" ] || fail "the SDK grew: docs/performance.md says what is in it"
+  "$source/tests/package/CheckBinaries.py" "$prefix" "$prefix/share/quillon-consent/quillon-consent.spdx.json" \
+    "$source/" "$build/" || fail "the binaries are not built as they are meant to be"
 fi
 
 [ "$("$prefix/bin/quillon-consent" --version)" = "$(sed -n 's/#define QUILLON_VERSION "\(.*\)"/\1/p' "$prefix/include/quillon/version.h")" ] ||
@@ -63,8 +65,9 @@ fi
 
 # What is installed beside it knows every command.
 commands=$("$prefix/bin/quillon-consent" --help | sed -n '/^Subcommands:/,$s/^  \([a-z][a-z-]*\).*/\1/p')
+manual=$(zcat "$prefix/share/man/man1/quillon-consent.1.gz")
 for command in $commands; do
-  grep -qx "\.B $command" "$prefix/share/man/man1/quillon-consent.1" || fail "the manual lacks $command"
+  grep -qx "\.B $command" <<<"$manual" || fail "the manual lacks $command"
 done
 completed=$(PATH=$prefix/bin:$PATH bash -c '. "$0"; COMP_WORDS=(quillon-consent va) COMP_CWORD=1; _quillon_consent
   echo "${COMPREPLY[@]}"' "$prefix/share/bash-completion/completions/quillon-consent")
@@ -80,11 +83,19 @@ if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
   ! grep -i warning "$work/log" || { cat "$work/log"; fail "the linter warns of ${pages[*]}"; }
 fi
 
-# The interfaces of the platform find one another where they are installed.
-for interface in "$source"/platform/*.h; do
-  echo "#include \"quillon/platform/$(basename "$interface")\""
-done >"$work/interfaces.cpp"
-quietly "$cxx" -std=c++23 -Wall -Wextra -Werror -fsyntax-only -I"$prefix/include" "$work/interfaces.cpp"
+# What does not depend on the flavour is asked once.
+if [ "$flavour" = shared ]; then
+  # The interfaces of the platform find one another where they are installed.
+  for interface in "$source"/platform/*.h; do
+    echo "#include \"quillon/platform/$(basename "$interface")\""
+  done >"$work/interfaces.cpp"
+  quietly "$cxx" -std=c++23 -Wall -Wextra -Werror -fsyntax-only -I"$prefix/include" "$work/interfaces.cpp"
+
+  # Who misspells a component is told the names that there are.
+  echo 'find_package(QuillonConsent REQUIRED COMPONENTS QtQiuck)' >"$work/misspelt.cmake"
+  said=$(cmake -DCMAKE_PREFIX_PATH="$prefix" -P "$work/misspelt.cmake" 2>&1 | tr -s '\n ' ' ') || true
+  [[ $said == *"no component QtQiuck; it has Core;Linux;"* ]] || fail "a misspelt component is not named: $said"
+fi
 
 # The examples away from their repository, as somebody's own project. First without anything of Qt, with both compilers.
 cp -r "$source/examples" "$work/examples"
@@ -120,9 +131,9 @@ read -r -t 20 -u "$log" line || fail "the development server did not start"
 url=${line#listening on }
 cat <&"$log" >"$work/requests" &
 run() { quietly timeout 180 "$@"; }
+[ "$flavour" != shared ] || run "$work/plain/quillon-host-test"
 for folder in plain clang; do
   [ -d "$work/$folder" ] || continue
-  run "$work/$folder/quillon-host-test"
   run "$work/$folder/quillon-analytics-example" "$url" "$work/data-$folder-analytics"
   run "$work/$folder/quillon-c-example" "$url" "$work/data-$folder-c"
   run "$work/$folder/quillon-plain-host" --app-url "$url" --cdn-url "$url" --vendor-url "$url" --language de \
@@ -146,12 +157,14 @@ fi
 kill "$server"
 
 # An application builds the SDK along: it sees include/ and nothing else, and its compiler's warnings stop nothing.
-quietly cmake -G Ninja -S "$source/tests/package/embedding" -B "$work/embedding" -DQUILLON_SOURCE="$source" \
-  -DQUILLON_QTQUICK=OFF -DCMAKE_CXX_COMPILER="$cxx"
-quietly cmake --build "$work/embedding" --target CMakeFiles/{application.dir/application,service.dir/service}.cpp.o
-! grep -q -e -Werror "$work/embedding/compile_commands.json" || fail "warnings are errors for those who build the SDK along"
-! ninja -C "$work/embedding" -t targets all | grep -qE 'quillon-consent:|_tests' ||
-  fail "those who build the SDK along build its tools and tests"
+if [ "$flavour" = shared ]; then
+  quietly cmake -G Ninja -S "$source/tests/package/embedding" -B "$work/embedding" -DQUILLON_SOURCE="$source" \
+    -DQUILLON_QTQUICK=OFF -DCMAKE_CXX_COMPILER="$cxx"
+  quietly cmake --build "$work/embedding" --target CMakeFiles/{application.dir/application,service.dir/service}.cpp.o
+  ! grep -q -e -Werror "$work/embedding/compile_commands.json" || fail "warnings are errors for those who build the SDK along"
+  ! ninja -C "$work/embedding" -t targets all | grep -qE 'quillon-consent:|_tests' ||
+    fail "those who build the SDK along build its tools and tests"
+fi
 
 if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
   (cd "$work" && quietly cpack --config "$build/CPackConfig.cmake" -B "$work/packages")
@@ -171,6 +184,16 @@ if [ "$flavour" = shared ] && [ "$screens" = yes ]; then
     qml6-module-quillon-consent_*:libquillon-qtquick.so quillon-consent-tools*:bin/quillon-consent; do
     # shellcheck disable=SC2086
     dpkg-deb -c "$work"/packages/${file%%:*}.deb >"$work/content" && grep -qF "${file#*:}" "$work/content" || fail "$file is not packaged"
+  done
+  for package in "$work"/packages/*.deb; do
+    name=$(dpkg-deb -f "$package" Package)
+    dpkg-deb -c "$package" >"$work/content"
+    for file in copyright changelog.gz; do
+      grep -q "/usr/share/doc/$name/$file$" "$work/content" || fail "$name lacks $file"
+    done
+    # Who links our libraries gets the package as a dependency, and the loader learns of them.
+    ! grep -q '/lib[^/]*\.so\.[0-9.]*$' "$work/content" || [[ $(dpkg-deb -I "$package") == *shlibs*triggers* ]] ||
+      fail "$name does not tell what libraries it has"
   done
 fi
 echo "the package works"
