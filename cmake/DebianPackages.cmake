@@ -1,4 +1,5 @@
-# Debian packages of what is installed: `cpack -G DEB` in the build folder of a shared build.
+# Debian packages of what is installed: `cpack -G DEB` in the build folder of a shared build, with the usual umask, which
+# their folders take over.
 set(CPACK_PACKAGE_NAME quillon-consent)
 set(CPACK_PACKAGE_VENDOR "Quillon")
 set(CPACK_PACKAGE_CONTACT "Quillon consent SDK maintainers <maintainers@quillon.example>")
@@ -13,9 +14,6 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# The same for every umask.
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
-  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 # The libraries of the packages beside one another.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/proof

@@ -22,6 +22,7 @@ build() {
     cmake --preset release '"${options[*]@Q}"'
     cmake --build --preset release -j "$(nproc)"
     cmake --install build/release --prefix installed
+    umask 022 # of packages, which take it over
     cpack -G DEB --config build/release/CPackConfig.cmake -B packages
     rm -rf packages/_CPack_Packages' >"$folder.log" 2>&1 || { tail -40 "$folder.log"; exit 1; }
   echo "$((SECONDS - begin)) s: $folder"
