@@ -2,7 +2,7 @@
 """Writes the bill of materials of a build, in SPDX 2.3: what the installed programs and libraries link, of what the
 commands of the build name, and whose headers are compiled in. A test compares it with what the binaries ask for.
 
-usage: BillOfMaterials.py BUILD_FOLDER SOURCE_FOLDER VERSION COMPILER OUTPUT BINARY...
+usage: BillOfMaterials.py BUILD_FOLDER SOURCE_FOLDER VERSION NINJA COMPILER OUTPUT BINARY...
 """
 import json
 import os
@@ -12,8 +12,8 @@ import subprocess
 import sys
 from datetime import datetime, timezone
 
-BUILD, SOURCE, VERSION, COMPILER, OUTPUT = sys.argv[1:6]
-BINARIES = [os.path.relpath(binary, BUILD) for binary in sys.argv[6:]]
+BUILD, SOURCE, VERSION, NINJA, COMPILER, OUTPUT = sys.argv[1:7]
+BINARIES = [os.path.relpath(binary, BUILD) for binary in sys.argv[7:]]
 UNKNOWN = "NOASSERTION"
 
 
@@ -23,7 +23,7 @@ def run(*command):
 
 def words(target):
     """The last command that makes a file of the build."""
-    return shlex.split(run("ninja", "-t", "commands", "-s", target))
+    return shlex.split(run(NINJA, "-t", "commands", "-s", target))
 
 
 def linked(target):
@@ -55,7 +55,7 @@ def needed(binary):
 def headers(objects):
     """Every file that the compiler read for the objects."""
     wanted, read, ours = set(objects), set(), False
-    for line in run("ninja", "-t", "deps").splitlines():
+    for line in run(NINJA, "-t", "deps").splitlines():
         if not line.startswith(" "):
             ours = line.split(":")[0] in wanted
         elif ours:
