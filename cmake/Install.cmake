@@ -38,7 +38,7 @@ endfunction()
 set(needs sqlite3 libcurl gio-2.0)
 set(core_archives -lquillon-parts -lnettle -lboost_json -lboost_url -lz -pthread)
 quillon_pkgconfig(quillon-consent "Consent management for applications"
-  "-lquillon-linux;-lquillon-core" "${core_archives}" "${needs}")
+  "-lquillon-linux;-lquillon-core" "-lquillon-bus;${core_archives}" "${needs}")
 quillon_pkgconfig(quillon-consent-c "Consent management for applications, C interface" "-lquillon-consent-c" "" "")
 quillon_pkgconfig(quillon-consent-testing "A device in memory, for tests of an application's consent flow"
   "-lquillon-testing;-lquillon-core" "-lquillon-memory;${core_archives}" "")
@@ -49,7 +49,7 @@ if(BUILD_SHARED_LIBS)
   set(forced -Wl,--push-state,--no-as-needed -lquillon-proof -Wl,--pop-state)
 endif()
 quillon_pkgconfig(quillon-consent-proof "Consent management for applications, receipts"
-  "${forced};-lquillon-linux;-lquillon-core" "${core_archives}" "${needs};hogweed")
+  "${forced};-lquillon-linux;-lquillon-core" "-lquillon-bus;${core_archives}" "${needs};hogweed")
 # Of archives, the screens are also objects, which CMake alone hands on.
 if(TARGET quillon_qtquick AND BUILD_SHARED_LIBS)
   quillon_pkgconfig(quillon-consent-qtquick "Consent management for applications, screens for Qt Quick"

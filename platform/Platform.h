@@ -11,6 +11,7 @@
 #include "Console.h"
 #include "DesktopSettings.h"
 #include "Executors.h"
+#include "FileChooser.h"
 #include "FileSystem.h"
 #include "HostApplication.h"
 #include "HttpSession.h"
@@ -44,6 +45,7 @@ struct Platform {
   std::shared_ptr<PrivacySignals> signals;   // null: a device without privacy signals
   std::shared_ptr<DesktopSettings> desktop;  // null: the toolkit alone says how things look
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
+  std::shared_ptr<FileChooser> chooser;      // null: nobody asks the user for a place
   std::shared_ptr<ReceiptIssuer> receipts;   // null: quillon::proof is not linked
   bool areScreensLinked = false;             // a user interface is linked, configured or not
 

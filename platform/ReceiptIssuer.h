@@ -6,10 +6,12 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "KeyStore.h"
 #include "RandomSource.h"
+#include "ReceiptSummary.h"
 #include "quillon/DataController.h"
 
 namespace quillon {
@@ -52,6 +54,9 @@ class ReceiptIssuer {
   // A signed receipt as a JSON document. The error is a text for the log.
   virtual std::expected<std::string, std::string> issue(const ReceiptRequest& request, KeyStore& keys,
                                                         RandomSource& random) = 0;
+  // What a document of issue() says, for people: of each purpose the newest decision. The error is a text for the log.
+  virtual std::expected<std::vector<ReceiptLine>, std::string> summary(std::string_view document,
+                                                                       const ReceiptWords& words) = 0;
   // What names the device's key, which is made if there is none: its thumbprint (RFC 7638).
   virtual std::expected<std::string, std::string> keyThumbprint(KeyStore& keys) = 0;
 };

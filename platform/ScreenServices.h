@@ -17,6 +17,7 @@
 #include "Job.h"
 #include "Locale.h"
 #include "quillon/ConsentSDKOptions.h"
+#include "quillon/ConsentSDKResult.h"
 #include "quillon/Listeners.h"
 #include "quillon/LogLevel.h"
 #include "quillon/MainConfiguration.h"
@@ -25,6 +26,8 @@
 
 namespace quillon {
 
+class FileChooser;
+class ReceiptIssuer;
 class SDKLogger;
 
 // The configuration's content for a screen.
@@ -53,6 +56,13 @@ class ScreenServices {
   // the device.
   virtual std::vector<Purpose> purposes() = 0;
   virtual std::vector<AppPermission> permissions() = 0;
+
+  // Background threads only: a signed receipt of all decisions. Why there is none is in the log, too.
+  virtual ConsentSDKResult<std::string> receipt() = 0;
+  // What tells its content; null without one.
+  virtual std::shared_ptr<ReceiptIssuer> receipts() const = 0;
+  // Null without one.
+  virtual std::shared_ptr<FileChooser> chooser() const = 0;
 
   // Background threads only: keeps the canonical text (RFC 8785) of what a screen shows and returns its SHA-256 digest,
   // by which decisions name it.

@@ -33,7 +33,7 @@ ConsentSDK::Core::Core(Platform services)
       uploader(
           {foundation, server, loader, [this] { cycle.startRecurringCheck(); }, [this] { cycle.watchAnswered(); }}),
       recorder({foundation, loader, uploader}),
-      screens({foundation, loader, recorder, theme, notices, location}),
+      screens({foundation, loader, recorder, theme, notices, receipts, location}),
       cycle({foundation, loader, uploader, recorder, others, signal, [this] { return screens.explainBanner(); }}),
       setUp({foundation, loader, cycle}) {}
 

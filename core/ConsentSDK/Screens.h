@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/ConsentSDK/DecisionRecorder.h"
+#include "core/ConsentSDK/Receipts.h"
 #include "core/ConsentSDK/Theme.h"
 #include "core/History/NoticeArchive.h"
 #include "platform/ScreenServices.h"
@@ -22,6 +23,7 @@ class Screens : public ScreenServices {
     DecisionRecorder& recorder;
     Theme& theme;
     NoticeArchive& notices;
+    const Receipts& receipts;
     const LocationLookup& location;
   };
   explicit Screens(Services services) : s_(services) {}
@@ -43,6 +45,9 @@ class Screens : public ScreenServices {
   void load(std::function<Job(ScreenContent)> prepare) override;
   std::vector<Purpose> purposes() override;
   std::vector<AppPermission> permissions() override;
+  ConsentSDKResult<std::string> receipt() override { return s_.receipts.receipt({}); }
+  std::shared_ptr<ReceiptIssuer> receipts() const override { return s_.platform.receipts; }
+  std::shared_ptr<FileChooser> chooser() const override { return s_.platform.chooser; }
   std::string keepNotice(std::string text) override { return s_.notices.keep(std::move(text)); }
   bool answer(bool accept, const std::string& notice) override { return run(s_.recorder.answer(accept, notice)); }
   bool save(const std::map<std::int64_t, bool>& selected, const std::string& notice) override {

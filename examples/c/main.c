@@ -101,6 +101,13 @@ static void on_history(const quillon_decision* const* entries, size_t count, int
   answered(p);
 }
 
+static void on_receipt(const char* receipt, const char* error, void* context) {
+  progress* p = context;
+  printf("receipt %.20s\n", receipt ? receipt : error);
+  pthread_mutex_lock(&p->mutex);
+  answered(p);
+}
+
 /* Waits for one more answer, at most 20 seconds. Not 0 when it came. */
 static int wait_for_answer(progress* p, int* seen) {
   struct timespec limit;
@@ -163,6 +170,8 @@ int main(int argc, char** argv) {
   quillon_settle(20000);
   quillon_get_history(10, 0, on_history, &p);
   if (!wait_for_answer(&p, &seen)) return fail("no history came");
+  quillon_get_receipt(NULL, 0, on_receipt, &p);
+  if (!wait_for_answer(&p, &seen)) return fail("no answer about a receipt came");
   quillon_end(measuring);
   quillon_end(changes);
   return quillon_is_purpose_allowed(2) ? 0 : fail("purpose 2 is not allowed");

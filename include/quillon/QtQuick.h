@@ -11,7 +11,7 @@ class QQmlEngine;
 
 namespace quillon {
 
-/// Adaptation of the screens to the user's desktop.
+/// Adaptation of the screens to the application and the user's desktop.
 struct QtQuickOptions {
   /// Dark mode. Default: follows the application's palette, and the desktop's colour scheme where that is dark.
   std::optional<bool> isDark = std::nullopt;
@@ -20,6 +20,9 @@ struct QtQuickOptions {
   std::optional<double> textScale = std::nullopt;
   /// Disables animations, also where the desktop does not.
   bool isMotionReduced = false;
+  /// Offers "Receipt" in the preference centre: it shows the user what ConsentSDK::receipt() says, and saves it where the
+  /// desktop's file dialog is told to. Needs the library quillon::proof.
+  bool offersReceipt = false;
 };
 
 /// Replaces configure() in a Qt Quick application. The Qt main loop becomes the main queue of ConsentSDK::shared(), and

@@ -33,6 +33,8 @@
 
 // Defined by the user-interface library, if linked.
 extern "C" [[gnu::weak]] void quillonScreensAreLinked();
+// Defined by the user-interface library, if linked; the caller owns the result.
+extern "C" [[gnu::weak]] quillon::FileChooser* quillonFileChooser();
 // Defined by the library of receipts, if linked; never null.
 extern "C" [[gnu::weak]] quillon::ReceiptIssuer* quillonReceiptIssuer();
 
@@ -174,6 +176,7 @@ Platform linuxPlatform(const LinuxOptions& options, std::shared_ptr<ScreenPresen
   platform.desktop = std::make_shared<LinuxDesktopSettings>();
   platform.random = std::make_shared<SystemRandom>();
   platform.keys = std::make_shared<FileKeyStore>(platform.files);
+  if (quillonFileChooser != nullptr) platform.chooser.reset(quillonFileChooser());
   if (quillonReceiptIssuer != nullptr) platform.receipts = {std::shared_ptr<void>(), quillonReceiptIssuer()};
   platform.host = std::make_shared<LinuxHostApplication>(resourceDirectory(options));
   if (options.consentSink) platform.consentSink = std::make_shared<FunctionConsentSink>(options.consentSink);

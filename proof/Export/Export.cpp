@@ -58,7 +58,7 @@ bool hasPurpose(const json::object& entry) {
 
 }  // namespace
 
-std::string manifestOf(const ExportFiles& files, std::int64_t time, const SigningKey& key) {
+std::expected<std::string, std::string> manifestOf(const ExportFiles& files, std::int64_t time, const SigningKey& key) {
   json::array list;
   for (const auto& [name, content] : files) {
     list.push_back(json::object{{"name", name}, {"size", content.size()}, {"sha256", sha256(content)}});
@@ -80,7 +80,9 @@ std::expected<ExportFiles, std::string> exportFiles(const ReceiptRequest& reques
     if (!receipt) return std::unexpected(receipt.error());
     files[file::receipt] = std::move(*receipt);
   }
-  files[file::manifest] = manifestOf(files, request.time, key);
+  auto manifest = manifestOf(files, request.time, key);
+  if (!manifest) return std::unexpected(manifest.error());
+  files[file::manifest] = std::move(*manifest);
   return files;
 }
 

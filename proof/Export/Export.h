@@ -25,6 +25,7 @@ inline constexpr const char* notices = "notices/";
                                                                   RandomSource& random);
 
 // The list of the files, signed.
-[[nodiscard]] std::string manifestOf(const ExportFiles& files, std::int64_t time, const SigningKey& key);
+[[nodiscard]] std::expected<std::string, std::string> manifestOf(const ExportFiles& files, std::int64_t time,
+                                                                 const SigningKey& key);
 
 }  // namespace quillon::proof

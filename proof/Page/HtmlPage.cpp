@@ -3,7 +3,7 @@
 namespace quillon::proof {
 namespace {
 
-using Kind = SummaryLine::Kind;
+using Kind = ReceiptLine::Kind;
 
 constexpr const char* style = R"(
 body { font: 1rem/1.5 sans-serif; max-width: 45rem; margin: 2rem auto; padding: 0 1rem; color: #111; background: #fff }
@@ -51,14 +51,15 @@ std::string element(const std::string& tag, const std::string& text, const std::
 
 }  // namespace
 
-std::string htmlPage(const std::vector<SummaryLine>& lines, const SummaryWords& words) {
-  std::string html =
-      "<!DOCTYPE html>\n<html lang=\"" + escaped(words.language) + "\"" + (words.isRightToLeft ? " dir=\"rtl\"" : "") +
-      ">\n<head>\n<meta charset=\"utf-8\">\n"
-      "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-      "style-src 'unsafe-inline'\">\n"
-      "<meta name=\"viewport\" content=\"width=device-width\">\n<title>Consent receipt</title>\n<style>" +
-      std::string(style) + "</style>\n</head>\n<body>\n";
+std::string htmlPage(const std::vector<ReceiptLine>& lines, std::string_view language, bool isRightToLeft) {
+  std::string html = "<!DOCTYPE html>\n<html lang=\"" + escaped(language) + "\"" +
+                     (isRightToLeft ? " dir=\"rtl\"" : "") +
+                     ">\n<head>\n<meta charset=\"utf-8\">\n"
+                     "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+                     "style-src 'unsafe-inline'\">\n"
+                     "<meta name=\"viewport\" content=\"width=device-width\">\n<title>" +
+                     escaped(lines.empty() ? std::string_view() : lines.front().text) + "</title>\n<style>" + style +
+                     "</style>\n</head>\n<body>\n";
   bool isInList = false;
   for (const auto& line : lines) {
     const bool isFact = line.kind == Kind::fact;

@@ -2,13 +2,15 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "proof/Page/Summary.h"
+#include "platform/ReceiptSummary.h"
 
 namespace quillon::proof {
 
-// Nothing of the summary can become mark-up.
-[[nodiscard]] std::string htmlPage(const std::vector<SummaryLine>& lines, const SummaryWords& words);
+// In the language, such as "de". Nothing of the summary can become mark-up.
+[[nodiscard]] std::string htmlPage(const std::vector<ReceiptLine>& lines, std::string_view language,
+                                   bool isRightToLeft);
 
 }  // namespace quillon::proof

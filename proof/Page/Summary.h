@@ -2,32 +2,18 @@
 #pragma once
 
 #include <boost/json/object.hpp>
-#include <string>
 #include <vector>
 
+#include "platform/ReceiptSummary.h"
 #include "proof/Check/Findings.h"
 
 namespace quillon::proof {
 
-// Words of the page that are known in the user's language.
-struct SummaryWords {
-  std::string language = "en";
-  bool isRightToLeft = false;
-  std::string purposes = "Purposes";
-  std::string accepted = "Accepted";
-  std::string rejected = "Rejected";
-  std::string details = "Details";
-};
+// All that it says. The findings are those of a check of the receipt; its faults come first. Takes any object.
+[[nodiscard]] std::vector<ReceiptLine> summaryOf(const boost::json::object& receipt, const Findings& findings,
+                                                 const ReceiptWords& words);
 
-struct SummaryLine {
-  enum class Kind { title, section, fact, text, warning };
-  Kind kind;
-  std::string name;  // of a fact
-  std::string text;
-};
-
-// The findings are those of a check of the receipt; its faults come first. Takes any object.
-[[nodiscard]] std::vector<SummaryLine> summaryOf(const boost::json::object& receipt, const Findings& findings,
-                                                 const SummaryWords& words);
+// The newest decision on each purpose, who gets the data and why, without what was shown. Takes any object.
+[[nodiscard]] std::vector<ReceiptLine> shortSummaryOf(const boost::json::object& receipt, const ReceiptWords& words);
 
 }  // namespace quillon::proof

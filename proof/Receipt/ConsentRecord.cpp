@@ -1,13 +1,15 @@
 #include "proof/Receipt/ConsentRecord.h"
 
+#include <algorithm>
+#include <array>
 #include <boost/json/value_from.hpp>
 #include <set>
 
 #include "core/Text/Sha256.h"
+#include "core/Text/Uuid.h"
 #include "proof/Json/Members.h"
 #include "proof/Json/Times.h"
 #include "proof/Receipt/ConsentEvent.h"
-#include "proof/Receipt/Identifiers.h"
 
 namespace quillon::proof {
 namespace {
@@ -198,13 +200,23 @@ json::array noticesOf(const RecordContext& context, const std::vector<const json
   return all;
 }
 
+// The same in every receipt.
+std::string identifierOf(const HistoryEvidence& evidence, std::int64_t purposeId) {
+  const auto digest =
+      sha256Bytes(evidence.applicationId + '\n' + evidence.subjectId + '\n' + std::to_string(purposeId));
+  std::array<std::uint8_t, 16> bytes;
+  std::copy_n(digest.begin(), bytes.size(), bytes.begin());
+  constexpr unsigned custom = 8;
+  return uuidOf(bytes, custom);
+}
+
 }  // namespace
 
 json::object consentRecord(const RecordContext& context, std::int64_t purposeId,
                            const std::vector<const json::object*>& entries) {
   const auto& evidence = context.request.evidence;
   const bool isGdpr = context.profile == Profile::euGdpr;
-  const std::string id = uuidOf(evidence.applicationId + '\n' + evidence.subjectId + '\n' + std::to_string(purposeId));
+  const std::string id = identifierOf(evidence, purposeId);
   json::object record{
       {"@id", "urn:uuid:" + id},
       {"@type", "dpv:ConsentRecord"},

@@ -3,12 +3,12 @@
 #include <map>
 
 #include "core/Text/Sha256.h"
+#include "core/Text/Uuid.h"
 #include "proof/Json/CanonicalJson.h"
 #include "proof/Json/Members.h"
 #include "proof/Json/Times.h"
 #include "proof/Json/UntrustedJson.h"
 #include "proof/Receipt/ConsentRecord.h"
-#include "proof/Receipt/Identifiers.h"
 #include "proof/Receipt/Vocabulary.h"
 #include "proof/Signature/Jws.h"
 #include "quillon/version.h"
@@ -79,9 +79,11 @@ Profile profileOf(const ReceiptRequest& request) {
 
 }  // namespace
 
-std::string signedDocument(std::string_view name, json::object content, const SigningKey& key) {
-  std::string signature = detachedJws(canonicalJson(content), key);
-  return canonicalJson(json::object{{name, std::move(content)}, {"signature", std::move(signature)}});
+std::expected<std::string, std::string> signedDocument(std::string_view name, json::object content,
+                                                       const SigningKey& key) {
+  auto signature = detachedJws(canonicalJson(content), key);
+  if (!signature) return std::unexpected(std::move(signature.error()));
+  return canonicalJson(json::object{{name, std::move(content)}, {"signature", std::move(*signature)}});
 }
 
 std::expected<std::string, std::string> issueReceipt(const ReceiptRequest& request, const SigningKey& key,

@@ -16,6 +16,7 @@ namespace quillon::proof {
                                                                    RandomSource& random);
 
 // An object beside its signature, under the names given.
-[[nodiscard]] std::string signedDocument(std::string_view name, boost::json::object content, const SigningKey& key);
+[[nodiscard]] std::expected<std::string, std::string> signedDocument(std::string_view name, boost::json::object content,
+                                                                     const SigningKey& key);
 
 }  // namespace quillon::proof

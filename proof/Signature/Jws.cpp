@@ -11,11 +11,12 @@ constexpr std::size_t longestJws = 4096;
 
 }  // namespace
 
-std::string detachedJws(std::string_view payload, const SigningKey& key) {
+std::expected<std::string, std::string> detachedJws(std::string_view payload, const SigningKey& key) {
   const std::string header =
       base64Url(canonicalJson(boost::json::object{{"alg", "EdDSA"}, {"jwk", key.publicKey().jwk()}}));
   const auto signature = key.sign(header + '.' + base64Url(payload));
-  return header + ".." + base64Url({reinterpret_cast<const char*>(signature.data()), signature.size()});
+  if (!signature) return std::unexpected(signature.error());
+  return header + ".." + base64Url({reinterpret_cast<const char*>(signature->data()), signature->size()});
 }
 
 std::expected<PublicKey, std::string> signerOf(std::string_view payload, std::string_view jws) {

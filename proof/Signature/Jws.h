@@ -9,8 +9,8 @@
 
 namespace quillon::proof {
 
-// "HEADER..SIGNATURE".
-[[nodiscard]] std::string detachedJws(std::string_view payload, const SigningKey& key);
+// "HEADER..SIGNATURE"; an error when the key does not sign.
+[[nodiscard]] std::expected<std::string, std::string> detachedJws(std::string_view payload, const SigningKey& key);
 // The key that signed the payload, which proves nothing about whose it is; or why none did. Headers that ask for
 // anything but what detachedJws() makes are refused.
 [[nodiscard]] std::expected<PublicKey, std::string> signerOf(std::string_view payload, std::string_view jws);

@@ -55,7 +55,7 @@ bool PublicKey::verifies(std::string_view message, std::string_view signature) c
          ed25519_sha512_verify(bytes.data(), message.size(), bytesOf(message), bytesOf(signature)) == 1;
 }
 
-SigningKey::SigningKey(const Secret& secret) : secret_(secret) {
+SigningKey::SigningKey(const KeyStore::Secret& secret) : secret_(secret) {
   ed25519_sha512_public_key(publicKey_.bytes.data(), secret_.data());
 }
 
@@ -63,8 +63,15 @@ SigningKey::~SigningKey() {
   explicit_bzero(secret_.data(), secret_.size());
 }
 
-Signature SigningKey::sign(std::string_view message) const {
-  Signature signature;
+std::expected<Signer::Signature, std::string> SigningKey::sign(std::string_view message) const {
+  if (signer_ != nullptr) {
+    auto signature = signer_->sign(message);
+    if (signature && !publicKey_.verifies(message, textOf(*signature))) {
+      return std::unexpected("the key made a signature that does not hold");
+    }
+    return signature;
+  }
+  Signer::Signature signature;
   ed25519_sha512_sign(publicKey_.bytes.data(), secret_.data(), message.size(), bytesOf(message), signature.data());
   return signature;
 }

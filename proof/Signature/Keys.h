@@ -1,19 +1,19 @@
 // Ed25519 (RFC 8032), and its public keys as JSON Web Keys (RFC 8037).
 #pragma once
 
-#include <array>
 #include <boost/json/object.hpp>
-#include <cstdint>
+#include <expected>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "platform/KeyStore.h"
 
 namespace quillon::proof {
 
-using Signature = std::array<std::uint8_t, 64>;
-
 struct PublicKey {
-  std::array<std::uint8_t, 32> bytes{};
+  Signer::PublicKey bytes{};
 
   [[nodiscard]] static std::optional<PublicKey> fromJwk(const boost::json::value& jwk);
   [[nodiscard]] boost::json::object jwk() const;
@@ -24,22 +24,37 @@ struct PublicKey {
   bool operator==(const PublicKey&) const = default;
 };
 
-// Wiped when destroyed.
+// What signs: a secret, wiped when destroyed, or a key that does it by itself.
 class SigningKey {
  public:
-  using Secret = std::array<std::uint8_t, 32>;
-
-  explicit SigningKey(const Secret& secret);
+  explicit SigningKey(const KeyStore::Secret& secret);
+  // The signer must outlive it.
+  SigningKey(Signer& signer, const PublicKey& publicKey) : signer_(&signer), publicKey_(publicKey) {}
   ~SigningKey();
   SigningKey(const SigningKey&) = delete;
   SigningKey& operator=(const SigningKey&) = delete;
 
   [[nodiscard]] const PublicKey& publicKey() const { return publicKey_; }
-  [[nodiscard]] Signature sign(std::string_view message) const;
+  // Holds for the public key, whoever made it.
+  [[nodiscard]] std::expected<Signer::Signature, std::string> sign(std::string_view message) const;
 
  private:
-  Secret secret_;
+  Signer* const signer_ = nullptr;
+  KeyStore::Secret secret_{};
   PublicKey publicKey_;
 };
+
+// Calls with the store's key and gives what the call does, or why there is no key.
+template <class Use>
+auto withKeyOf(KeyStore& store, const Use& use) -> decltype(use(std::declval<const SigningKey&>())) {
+  if (Signer* const signer = store.signer()) {
+    const auto publicKey = signer->publicKey();
+    if (!publicKey) return std::unexpected(publicKey.error());
+    return use(SigningKey(*signer, {*publicKey}));
+  }
+  const auto secret = store.secret();
+  if (!secret) return std::unexpected(secret.error());
+  return use(SigningKey(*secret));
+}
 
 }  // namespace quillon::proof

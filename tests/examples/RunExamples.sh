@@ -28,7 +28,7 @@ run() {
 }
 
 run c "$programs/quillon-c-example"
-for said in 'signal ad_storage=' 'change purpose 2 by user$' 'measuring$' 'history [0-9]*: user, uploaded$'; do
+for said in 'signal ad_storage=' 'change purpose 2 by user$' 'measuring$' 'history [0-9]*: user, uploaded$' 'receipt {"receipt":'; do
   grep -q "^$said" "$work/output" || { echo "the C example does not say $said"; exit 1; }
 done
 # A sanitizer's runtime would have to be loaded before Python's own program.

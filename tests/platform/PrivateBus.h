@@ -9,9 +9,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
+#include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -123,6 +127,7 @@ class BusPeer {
     {
       const std::lock_guard lock(mutex_);
       replies_.erase(connection_);
+      calls_.erase(connection_);
     }
     g_object_unref(connection_);
   }
@@ -132,17 +137,33 @@ class BusPeer {
     replies_[connection_][method] = text;
   }
 
+  struct Call {
+    std::string sender;
+    std::string arguments;  // in GVariant notation
+  };
+  // The next call of a method, waited for; nullopt when none comes.
+  std::optional<Call> nextCall(const std::string& method) {
+    std::unique_lock lock(mutex_);
+    auto& calls = calls_[connection_][method];
+    if (!called_.wait_for(lock, std::chrono::seconds(10), [&] { return !calls.empty(); })) return std::nullopt;
+    auto call = std::move(calls.front());
+    calls.pop_front();
+    return call;
+  }
+
   void emit(const std::string& path, const std::string& interface, const std::string& name,
             const std::string& arguments) {
-    g_dbus_connection_emit_signal(connection_, nullptr, path.c_str(), interface.c_str(), name.c_str(),
-                                  g_variant_new_parsed(arguments.c_str()), nullptr);
+    GVariant* const parsed = g_variant_parse(nullptr, arguments.c_str(), nullptr, nullptr, nullptr);
+    if (parsed == nullptr) throw std::runtime_error(arguments);
+    g_dbus_connection_emit_signal(connection_, nullptr, path.c_str(), interface.c_str(), name.c_str(), parsed, nullptr);
+    g_variant_unref(parsed);
   }
 
  private:
   // Called on a GLib thread.
   static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming, gpointer) {
     if (!incoming || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return message;
-    const std::string text = replyTo(connection, g_dbus_message_get_member(message));
+    const std::string text = replyTo(connection, message);
     if (!text.empty()) {
       GDBusMessage* answer = nullptr;
       if (text.starts_with("error:")) {
@@ -158,8 +179,17 @@ class BusPeer {
     return nullptr;
   }
 
-  static std::string replyTo(GDBusConnection* connection, const std::string& method) {
+  static std::string replyTo(GDBusConnection* connection, GDBusMessage* message) {
+    const std::string method = g_dbus_message_get_member(message);
+    Call call{g_dbus_message_get_sender(message), {}};
+    if (GVariant* const body = g_dbus_message_get_body(message)) {
+      char* const text = g_variant_print(body, FALSE);
+      call.arguments = text;
+      g_free(text);
+    }
     const std::lock_guard lock(mutex_);
+    calls_[connection][method].push_back(std::move(call));
+    called_.notify_all();
     return replies_[connection][method];
   }
 
@@ -167,7 +197,9 @@ class BusPeer {
 
   // Shared by all peers: data used by GLib's thread must not be created or destroyed with one, since the thread
   // sanitizer does not see GLib's hand-over.
-  static inline std::mutex mutex_;  // guards the member below
+  static inline std::mutex mutex_;  // guards the members below
+  static inline std::condition_variable called_;
+  static inline std::map<GDBusConnection*, std::map<std::string, std::deque<Call>>> calls_;
   static inline std::map<GDBusConnection*, std::map<std::string, std::string>> replies_;
 };
 

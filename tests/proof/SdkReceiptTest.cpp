@@ -81,5 +81,39 @@ TEST_F(SdkReceipts, OfTheNextUserAreByAnotherKey) {
   EXPECT_EQ(checked(before, key).faults(), 0u) << "an old receipt holds still";
 }
 
+// A key that hands out no secret.
+class SecureElement : public KeyStore, private Signer {
+ public:
+  enum class Fault { none, refusal, wrongSignature };
+
+  Signer* signer() override { return this; }
+  std::expected<Secret, std::string> secret() override { return std::unexpected("nobody gets the secret"); }
+  std::expected<void, std::string> forget() override { return {}; }
+
+  std::atomic<Fault> fault = Fault::none;
+
+ private:
+  std::expected<Signer::PublicKey, std::string> publicKey() override { return deviceKey().publicKey().bytes; }
+  std::expected<Signature, std::string> sign(std::string_view message) override {
+    if (fault == Fault::refusal) return std::unexpected("the element is locked");
+    return (fault == Fault::none ? deviceKey() : otherKey()).sign(message);
+  }
+};
+
+TEST_F(SdkReceipts, AreByAKeyOfTheApplicationsOrNotAtAll) {
+  const auto element = std::make_shared<SecureElement>();
+  world.amend = [&](Platform& platform) { platform.keys = element; };
+  start();
+  const auto thumbprint = deviceKey().publicKey().thumbprint();
+  EXPECT_EQ(checked(*world.sdk->receipt().get().value(), thumbprint).faults(), 0u);
+  const auto uploads = world.server.seen(quillon::test::uploadPath);
+  ASSERT_FALSE(uploads.empty());
+  EXPECT_EQ(uploads.back().headers.find("X-Quillon-Receipt-Key")->second, thumbprint);
+  element->fault = SecureElement::Fault::refusal;
+  EXPECT_EQ(world.sdk->receipt().get().error()->error, "the element is locked");
+  element->fault = SecureElement::Fault::wrongSignature;
+  EXPECT_EQ(world.sdk->receipt().get().error()->error, "the key made a signature that does not hold");
+}
+
 }  // namespace
 }  // namespace quillon::proof::test

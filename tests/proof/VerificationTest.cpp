@@ -123,10 +123,12 @@ struct ExportCase {
 TEST(Verification, NamesWhatDoesNotHoldInAnExport) {
   const auto hash = sha256(noticeText(1));
   const auto path = "notices/" + hash + ".json";
-  const auto fresh = [](ExportFiles& files) { files["manifest.json"] = manifestOf(files, issueTime, otherKey()); };
+  const auto fresh = [](ExportFiles& files) {
+    files["manifest.json"] = manifestOf(files, issueTime, otherKey()).value();
+  };
   const auto ofOwnKey = [](ExportFiles& files) {
     files.erase("manifest.json");
-    files["manifest.json"] = manifestOf(files, issueTime, deviceKey());
+    files["manifest.json"] = manifestOf(files, issueTime, deviceKey()).value();
   };
   const std::vector<ExportCase> cases{
       {"a file removed", [](auto& f) { f.erase("receipt.json"); }, "file receipt.json"},
@@ -207,7 +209,8 @@ TEST(Verification, FindsAReceiptThatContradictsItself) {
     auto receipt = json::parse(files.at("receipt.json")).at("receipt").as_object();
     change(receipt, receipt.at("dpv:hasRecordOfActivity").as_array().at(0).as_object());
     Findings findings;
-    checkReceipt(signedDocument("receipt", receipt, deviceKey()), {.now = issueTime}, KnownHistory{history}, findings);
+    checkReceipt(signedDocument("receipt", receipt, deviceKey()).value(), {.now = issueTime}, KnownHistory{history},
+                 findings);
     EXPECT_NE(listed(findings).find(fault), std::string::npos) << fault << '\n' << listed(findings);
   }
 }

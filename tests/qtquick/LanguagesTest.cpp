@@ -24,7 +24,7 @@ bool hasSpaces(std::string_view language) {
 
 // A configuration whose controls are all ours to name.
 struct OwnLabels : testing::Test, ScreenWorld {
-  OwnLabels() {
+  OwnLabels() : ScreenWorld({.isDark = false, .textScale = 1, .isMotionReduced = true, .offersReceipt = true}) {
     window->resize(smallest);
     auto& banner = bannerOf(document);
     for (const char* text : {"accept", "reject", "preference_center_link"}) banner.erase(text);
@@ -40,6 +40,7 @@ struct OwnLabels : testing::Test, ScreenWorld {
                                                              {"license", "MIT"},
                                                              {"release_date", "2026-11-26"}}};
     start();
+    world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
   }
 
   void speak(const LabelLanguage& spoken) {
@@ -119,6 +120,14 @@ TEST_F(OwnLabels, FitTheirControlsOnTheSmallestScreenInEveryLanguage) {
     QMetaObject::invokeMethod(top(), "openFirstPurpose");
     settle();
     draw(1);
+    fits(spoken);
+    QQuickItem* const receipt = control(std::string(spoken.text(Label::receipt)));
+    ASSERT_TRUE(receipt) << spoken.code;
+    tap(*receipt, Way::assistive);
+    ASSERT_TRUE(await([&] { return control(std::string(spoken.text(Label::saveReceipt))) != nullptr; }));
+    settle();
+    window->grabWindow();
+    settle();
     fits(spoken);
     top()->property("model").value<QObject*>()->setProperty("tab", 1);
     appears();

@@ -183,6 +183,7 @@ TEST(Pictures, EveryScreenLooksAsInItsReference) {
   const bool isFontAnother = QLibraryInfo::version() >= QVersionNumber(6, 5);
   for (const Look& look : allLooks()) {
     if (isFontAnother && look.language == std::string_view("ar")) continue;
+    SCOPED_TRACE(look.name());
     Gallery gallery(look);
     if (look.begin) {
       gallery.picture();

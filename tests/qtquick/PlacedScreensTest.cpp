@@ -160,6 +160,22 @@ TEST_F(PlacedScreens, APageAsksWhatIsAllowedAndFollowsIt) {
   EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
 }
 
+TEST_F(PlacedScreens, APageAsksForAReceiptAndIsToldWhyThereIsNone) {
+  load(
+      "Item { id: page; property string told\n"
+      "function ask(purpose) { told = ''; Consent.receipt([purpose], (receipt, error) =>\n"
+      "  { page.told = receipt ? JSON.parse(receipt).receipt['@type'] : error }) } }");
+  start();
+  const auto told = [&](int purpose) {
+    QMetaObject::invokeMethod(page.get(), "ask", Q_ARG(QVariant, purpose));
+    EXPECT_TRUE(await([&] { return !page->property("told").toString().isEmpty(); }));
+    return page->property("told").toString().toStdString();
+  };
+  world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
+  EXPECT_EQ(told(1), "dpv:ConsentReceipt");
+  EXPECT_EQ(told(99), "purpose 99 was not decided on");
+}
+
 TEST_F(PlacedScreens, ThePromptIsAboutThePermissionThatThePageNames) {
   place("SettingsPrompt", "permission: 'NSCameraUsageDescription'");
   start();

@@ -23,9 +23,8 @@ std::vector<QQuickItem*> itemsBelow(QQuickItem* item) {
   return items;
 }
 
-ScreenWorld::ScreenWorld()
-    : presenter(QtScreenPresenter::make({.isDark = false, .textScale = 1, .isMotionReduced = true})),
-      window(std::make_unique<QQuickWindow>()) {
+ScreenWorld::ScreenWorld(const QtQuickOptions& options)
+    : presenter(QtScreenPresenter::make(options)), window(std::make_unique<QQuickWindow>()) {
   QAccessible::setActive(true);
   bannerOf(document)["preference_center_link"] = {{"en", "Choose"}};
   // The same words in every language that a test speaks.

@@ -19,7 +19,7 @@ enum class Way { mouse, touch, key, assistive };
 // The main queue is the test's own thread: it runs within the waits.
 class ScreenWorld {
  public:
-  ScreenWorld();
+  explicit ScreenWorld(const QtQuickOptions& options = {.isDark = false, .textScale = 1, .isMotionReduced = true});
   ~ScreenWorld();
 
   // Serves the document and waits until the SDK is ready.

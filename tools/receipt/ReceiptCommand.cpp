@@ -18,6 +18,7 @@
 #include "tools/FileContent.h"
 #include "tools/receipt/ExportFolder.h"
 #include "ui/Common/Labels/Languages.h"
+#include "ui/Common/Labels/ReceiptWords.h"
 
 namespace quillon::tools {
 namespace {
@@ -144,23 +145,10 @@ Result<bool> verify(const ReceiptOptions& options) {
   return findings->faults() == 0;
 }
 
-SummaryWords wordsIn(const std::string& language) {
-  SummaryWords words;
-  const auto* const labels = labelLanguage(language);
-  if (labels == nullptr) return words;
-  words.language = labels->code;
-  words.isRightToLeft = labels->code == "ar" || labels->code == "he";
-  words.purposes = labels->text(Label::purposes);
-  words.accepted = labels->text(Label::accepted);
-  words.rejected = labels->text(Label::rejected);
-  words.details = labels->text(Label::details);
-  return words;
-}
-
-void printText(const std::vector<SummaryLine>& lines) {
+void printText(const std::vector<ReceiptLine>& lines) {
   for (const auto& line : lines) {
-    if (line.kind == SummaryLine::Kind::section) std::cout << '\n';
-    if (line.kind == SummaryLine::Kind::fact) std::cout << "  " << escapedForLog(line.name) << ": ";
+    if (line.kind == ReceiptLine::Kind::section) std::cout << '\n';
+    if (line.kind == ReceiptLine::Kind::fact) std::cout << "  " << escapedForLog(line.name) << ": ";
     std::cout << escapedForLog(line.text) << '\n';
   }
 }
@@ -177,10 +165,12 @@ Result<bool> show(const ReceiptOptions& options) {
   checkReceipt(*document, *expected, std::nullopt, findings);
   const auto language = options.language.empty() ? std::string(textIn(receipt->content, "dct:language").value_or("en"))
                                                  : options.language;
-  const auto words = wordsIn(language);
+  const auto* const known = labelLanguage(language);
+  const auto& labels = known != nullptr ? *known : englishLabels();
+  const auto words = receiptWords([&](Label label) { return std::string(labels.text(label)); });
   const auto lines = summaryOf(receipt->content, findings, words);
   if (options.isHtml) {
-    std::cout << htmlPage(lines, words);
+    std::cout << htmlPage(lines, labels.code, labels.code == "ar" || labels.code == "he");
   } else {
     printText(lines);
   }

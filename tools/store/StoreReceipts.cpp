@@ -73,9 +73,8 @@ auto made(const StoreReceiptOptions& options, const Make& make)
   const Platform platform = platformOver(options.dataDirectory);
   const auto request = requestOf(platform, options);
   if (!request) return std::unexpected(request.error());
-  const auto secret = platform.keys->secret();
-  if (!secret) return std::unexpected(secret.error());
-  return make(*request, proof::SigningKey(*secret), *platform.random);
+  return proof::withKeyOf(*platform.keys,
+                          [&](const proof::SigningKey& key) { return make(*request, key, *platform.random); });
 }
 
 }  // namespace

@@ -88,7 +88,8 @@ PlacedScreen::Model PlacedBanner::makeModel(std::shared_ptr<ConsentBannerViewMod
 }
 
 PlacedScreen::Model PlacedPreferenceCenter::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
-  auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(std::move(banner)), this);
+  const auto& options = PageSdk::of(*qmlEngine(this), *this)->options;
+  auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(std::move(banner)), options, this);
   // On a page it has no other end than this.
   return {adapter, adapter->banner(), [adapter] { adapter->load(); }, [] { return saved; }};
 }

@@ -13,7 +13,8 @@ bool isSameButForStatus(AppPermission left, AppPermission right) {
 
 }  // namespace
 
-PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCenterViewModel> model, QObject* parent)
+PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCenterViewModel> model,
+                                                 const QtQuickOptions& options, QObject* parent)
     : Adapter(parent),
       model_(std::move(model)),
       banner_(new ConsentBannerAdapter(model_->banner(), this)),
@@ -21,7 +22,8 @@ PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCente
       guidance_(new RichTextAdapter(model_->banner()->sdk(), this)),
       consentModeNote_(new RichTextAdapter(model_->banner()->sdk(), this)),
       permissionsDescription_(new RichTextAdapter(model_->banner()->sdk(), this)),
-      permissionsGuidance_(new RichTextAdapter(model_->banner()->sdk(), this)) {
+      permissionsGuidance_(new RichTextAdapter(model_->banner()->sdk(), this)),
+      receipt_(options.offersReceipt ? new ReceiptAdapter(*banner_, this) : nullptr) {
   follow(model_->banner()->bannerConfigResult);
   follow(model_->purposesResult);
   follow(model_->permissionsResult);

@@ -7,10 +7,12 @@
 #include <QVariantList>
 #include <memory>
 
+#include "quillon/QtQuick.h"
 #include "ui/PreferenceCenter/PreferenceCenterViewModel.h"
 #include "ui/qtquick/ConsentBannerAdapter.h"
 #include "ui/qtquick/PermissionAdapter.h"
 #include "ui/qtquick/PurposeAdapter.h"
+#include "ui/qtquick/ReceiptAdapter.h"
 
 namespace quillon {
 
@@ -39,6 +41,8 @@ class PreferenceCenterAdapter : public Adapter {
   Q_PROPERTY(QString unselectAllLabel READ unselectAllLabel NOTIFY changed)
   Q_PROPERTY(bool showsDescriptions READ showsDescriptions NOTIFY changed)
   Q_PROPERTY(QVariantList permissions READ permissions NOTIFY permissionsChanged)
+  // Null unless the application offers one.
+  Q_PROPERTY(quillon::ReceiptAdapter* receipt MEMBER receipt_ CONSTANT)
   Q_PROPERTY(bool arePermissionsLoading READ arePermissionsLoading NOTIFY changed)
   Q_PROPERTY(QString voiceOverText READ voiceOverText NOTIFY changed)
   Q_PROPERTY(QString saveLabel READ saveLabel NOTIFY changed)
@@ -49,7 +53,8 @@ class PreferenceCenterAdapter : public Adapter {
   Q_PROPERTY(QString collapsedDescription READ collapsedDescription NOTIFY changed)
 
  public:
-  explicit PreferenceCenterAdapter(std::shared_ptr<PreferenceCenterViewModel> model, QObject* parent = nullptr);
+  PreferenceCenterAdapter(std::shared_ptr<PreferenceCenterViewModel> model, const QtQuickOptions& options,
+                          QObject* parent = nullptr);
 
   ConsentBannerAdapter* banner() const { return banner_; }
   QString heading() const { return banner_->words(banner_->config().preferenceCenterHeading); }
@@ -117,6 +122,7 @@ class PreferenceCenterAdapter : public Adapter {
   RichTextAdapter* const consentModeNote_;
   RichTextAdapter* const permissionsDescription_;
   RichTextAdapter* const permissionsGuidance_;
+  ReceiptAdapter* const receipt_;
   std::shared_ptr<const std::vector<Purpose>> shownPurposes_;  // the cards look into it
   std::vector<AppPermission> shownPermissions_;
   QStringList tabs_;

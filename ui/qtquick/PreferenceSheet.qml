@@ -121,6 +121,19 @@ Sheet {
                 }
             }
         }
+        Loader {
+            active: screen.model.receipt !== null && cards.count > 0
+            visible: active
+            sourceComponent: ReceiptCard {
+                id: receiptCard
+                // qmllint disable unqualified
+                width: purposes.width
+                receipt: screen.model.receipt
+                model: screen.model
+                onOpened: screen.revealGrowing(receiptCard)
+                // qmllint enable unqualified
+            }
+        }
     }
     Column {
         width: parent.width

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QThread>
 
+#include "platform/linux/LinuxFileChooser.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "ui/qtquick/MainQueue.h"
 #include "ui/qtquick/Module.h"
@@ -11,6 +12,12 @@
 
 // Its presence is what matters.
 extern "C" void quillonScreensAreLinked() {}
+
+// The Linux platform finds it by its name: only screens ask for files.
+extern "C" quillon::FileChooser* quillonFileChooser();
+extern "C" quillon::FileChooser* quillonFileChooser() {
+  return new quillon::LinuxFileChooser;
+}
 
 namespace quillon {
 

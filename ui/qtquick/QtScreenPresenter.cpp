@@ -111,7 +111,8 @@ void QtScreenPresenter::presentBanner(Services sdk) {
 
 void QtScreenPresenter::presentPreferenceCenter(Services sdk) {
   if (isShown(ScreenKind::preferenceCenter, sdk)) return;
-  auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(ConsentBannerViewModel::make(sdk)));
+  auto* adapter =
+      new PreferenceCenterAdapter(PreferenceCenterViewModel::make(ConsentBannerViewModel::make(sdk)), options_);
   adapter->load();
   present(std::make_unique<Screen>(ScreenKind::preferenceCenter, std::move(sdk), adapter, adapter->banner()));
 }

@@ -1,7 +1,6 @@
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 #include "core/History/DecisionChain.h"
@@ -9,6 +8,7 @@
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Text/Ascii.h"
 #include "core/Text/LogText.h"
+#include "core/Text/Uuid.h"
 
 namespace quillon {
 namespace {
@@ -223,22 +223,10 @@ bool UserDefaultManager::removeAllConsents(const Edit& edit) {
   return outcome.has_value();
 }
 
-std::string makeUUID(RandomSource& random) {
-  std::array<std::uint64_t, 2> bits{random.next(), random.next()};
-  bits[0] = (bits[0] & ~std::uint64_t{0xf000}) | 0x4000;                     // version 4
-  bits[1] = (bits[1] & ~(std::uint64_t{3} << 62)) | std::uint64_t{1} << 63;  // variant of RFC 9562
-  std::string text;
-  for (std::size_t i = 0; i < 16; ++i) {
-    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
-    appendHex(text, static_cast<char>(bits[i / 8] >> (56 - i % 8 * 8)), upperHexDigits);
-  }
-  return text;
-}
-
 std::string ensureSubjectId(StoreTransaction& transaction, RandomSource& random) {
   std::string subject = transaction.string(key::subjectId, {});
   if (subject.empty()) {
-    subject = makeUUID(random);
+    subject = randomUuid(random, upperHexDigits);
     transaction.set(key::subjectId, subject);
   }
   return subject;

@@ -100,10 +100,7 @@ class UserDefaultManager {
   mutable std::shared_ptr<void> following_;  // the suite's content, for the table
 };
 
-// A random (version 4) UUID in canonical form, upper case.
-[[nodiscard]] std::string makeUUID(RandomSource& random);
-
-// Returns the subject identifier, creating one if there is none.
+// Returns the subject identifier, creating a random UUID in upper case if there is none.
 std::string ensureSubjectId(StoreTransaction& transaction, RandomSource& random);
 
 }  // namespace quillon

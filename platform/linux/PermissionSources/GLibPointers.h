@@ -11,6 +11,7 @@ struct GLibRelease {
   void operator()(GCancellable* cancellable) const { g_object_unref(cancellable); }
   void operator()(GDBusConnection* connection) const { g_object_unref(connection); }
   void operator()(GIOStream* stream) const { g_object_unref(stream); }
+  void operator()(GFile* file) const { g_object_unref(file); }
   void operator()(GError* error) const { g_error_free(error); }
   void operator()(GMainContext* context) const { g_main_context_unref(context); }
   void operator()(GSettings* settings) const { g_object_unref(settings); }

@@ -42,6 +42,9 @@ class Issuer final : public ReceiptIssuer {
   std::expected<std::string, std::string> issue(const ReceiptRequest&, KeyStore&, RandomSource&) override {
     return "{}";
   }
+  std::expected<std::vector<ReceiptLine>, std::string> summary(std::string_view, const ReceiptWords&) override {
+    return {};
+  }
   std::expected<std::string, std::string> keyThumbprint(KeyStore&) override { return "thumbprint"; }
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t\n\f\r";
 // A longer address is no link; each run has a copy.
-constexpr std::size_t longestLink = 2048;
+constexpr std::size_t longestRunLink = 2048;
 // However often one is small or big within the other.
 constexpr double smallestScale = 0.5;
 constexpr double largestScale = 3;
@@ -103,7 +103,7 @@ void applyTag(InlineStyle& style, const GumboElement& element) {
     case GUMBO_TAG_A: {
       const auto address = withoutBlanks(attribute(element, "href"));
       const bool hasControls = std::ranges::any_of(address, [](unsigned char c) { return c < 0x20 || c == 0x7f; });
-      if (address.size() <= longestLink && !hasControls && isUtf8(address)) style.link = address;
+      if (address.size() <= longestRunLink && !hasControls && isUtf8(address)) style.link = address;
       break;
     }
     default:
