@@ -20,6 +20,16 @@ Consents storedIn(const SuiteEntries& entries) {
   return {stored.begin(), stored.end()};
 }
 
+std::set<DecisionSubject> differing(const Consents& left, const Consents& right) {
+  std::set<DecisionSubject> subjects;
+  for (const auto* consents : {&left, &right}) {
+    for (const auto& [subject, status] : *consents) {
+      if (statusOf(left, subject) != statusOf(right, subject)) subjects.insert(subject);
+    }
+  }
+  return subjects;
+}
+
 }  // namespace
 
 void OtherProcesses::begin() {
@@ -74,19 +84,21 @@ void OtherProcesses::addOwn(const std::vector<Decision>& decisions) {
 void OtherProcesses::compare() {
   constexpr std::size_t pageSize = 500;
   Consents present = storedIn(*s_.store.snapshot());
-  const HistoryPage history = s_.store.history(std::numeric_limits<std::int64_t>::max(), pageSize);
+  std::optional<HistoryPage> history;  // read only where there is something to tell: it is long
   std::vector<Decision> decisions;
-  {
-    const std::scoped_lock lock(mutex_);
-    std::set<DecisionSubject> subjects;
-    for (const auto& [subject, status] : reported_) subjects.insert(subject);
-    for (const auto& [subject, status] : present) subjects.insert(subject);
-    for (const auto& subject : subjects) {
-      const auto from = statusOf(reported_, subject);
-      const auto to = statusOf(present, subject);
-      if (from != to) decisions.push_back(decisionOn(subject, from, to, history));
+  for (;;) {
+    {
+      const std::scoped_lock lock(mutex_);
+      const auto subjects = differing(reported_, present);
+      if (subjects.empty() || history) {
+        for (const auto& subject : subjects) {
+          decisions.push_back(decisionOn(subject, statusOf(reported_, subject), statusOf(present, subject), *history));
+        }
+        reported_ = std::move(present);
+        break;
+      }
     }
-    reported_ = std::move(present);
+    history = s_.store.history(std::numeric_limits<std::int64_t>::max(), pageSize);
   }
   s_.events.announce(std::move(decisions))();
   s_.changed();

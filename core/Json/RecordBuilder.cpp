@@ -77,7 +77,10 @@ std::string_view expectation(Kind kind) {
 }
 
 RecordBuilder::RecordBuilder(std::string_view document, const JsonType& type, void* record)
-    : document_(document), levels_(kDeepestNesting + 1), target_{.type = &type, .place = record} {}
+    : document_(document), target_{.type = &type, .place = record} {
+  levels_.reserve(kDeepestNesting + 1);
+  top_ = &levels_.emplace_back();
+}
 
 std::string RecordBuilder::path() const {
   std::string path;
@@ -187,6 +190,7 @@ void* RecordBuilder::address() {
 }
 
 bool RecordBuilder::begin(bool isArray, const JsonType* type) {
+  if (top_ == &levels_.back()) levels_.emplace_back();
   Level& level = *++top_;
   level.type = type;
   level.element = type && type->element ? &type->element() : nullptr;

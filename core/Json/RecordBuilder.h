@@ -83,8 +83,8 @@ class RecordBuilder {
   std::string_view whole(std::string_view piece, std::size_t size);
 
   std::string_view document_;
-  std::vector<Level> levels_;    // allocated in full; the first is the document's
-  Level* top_ = levels_.data();  // the innermost
+  std::vector<Level> levels_;  // allocated in full, made when first used; the first is the document's
+  Level* top_;                 // the innermost
   Target target_;
   std::string pieces_;
   std::vector<std::uint64_t> skippedKeys_;  // hashes, to detect duplicates among skipped keys
