@@ -129,7 +129,12 @@ bool ConfigurationLoader::honourSignals() {
   const auto session = s_.sessions.current();
   if (!session) return false;
   const bool isHonoured = session->options.privacySignal.has_value();
-  const ConfigurationPointer configuration = isHonoured ? current() : nullptr;
+  ConfigurationPointer configuration;
+  if (isHonoured) {
+    // Not another one that a process has saved since, or none as it has removed it: the mapping goes with the terms.
+    const auto present = inForce();
+    configuration = present ? present->configuration : current();
+  }
   s_.signal.follow(*session, configuration.get());
   if (!isHonoured && StoredValues(*s_.store.snapshot()).decidedBySignal().empty()) return false;
   return purposes(configuration).honourSignals(s_.sessions.context(GivenType::noAction));
@@ -190,7 +195,10 @@ Task<std::optional<BannerConfig>> ConfigurationLoader::bannerFor(ConfigurationPo
 }
 
 void ConfigurationLoader::refreshConsentMode() {
-  s_.consentMode.updateFirebaseConsent(current(), s_.location.known(s_.sessions.current()));
+  ConfigurationPointer configuration = current();
+  // Whoever was told of a consent must hear of its end, even if the document is gone.
+  if (const auto present = inForce(); !configuration && present) configuration = present->configuration;
+  s_.consentMode.updateFirebaseConsent(std::move(configuration), s_.location.known(s_.sessions.current()));
 }
 
 }  // namespace quillon

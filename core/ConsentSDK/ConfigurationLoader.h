@@ -64,6 +64,8 @@ class ConfigurationLoader {
   // As the store's, for decisions that depend on the configuration in force, whose values are stored first if missing.
   bool transact(const UserDefaultManager::Edit& edit);
 
+  // What privacy signals opt out of now.
+  [[nodiscard]] OptOuts optOuts() const { return s_.signal.optOuts(); }
   // Updates stored consents to privacy signals and the session's mapping of them. True when a consent changed.
   bool honourSignals();
 

@@ -100,10 +100,14 @@ DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, b
   return store(std::move(notice), [&selectedPurposes](const PurposeManager& manager, StoreTransaction& transaction,
                                                       const DecisionContext& context) {
     for (const auto& resolution : manager.choices(selectedPurposes, transaction)) {
-      const bool isSame = transaction.consent(PurposeKey(resolution.purposeId)) == resolution.status;
+      const std::int64_t id = resolution.purposeId;
       // Signal decisions were shown to the user, and become the user's own choice.
-      if (isSame && !manager.isOptedOutBySignal(resolution.purposeId, transaction)) continue;
-      PurposeManager::setConsent(transaction, resolution, context);
+      const bool isSignals = manager.isOptedOutBySignal(id, transaction) || transaction.isDecidedBySignal(id);
+      if (isSignals || transaction.consent(PurposeKey(id)) != resolution.status) {
+        PurposeManager::setConsent(transaction, resolution, context);
+      } else if (resolution.cause == DecisionCause::user) {
+        transaction.confirm(id);
+      }
     }
     return GivenType::explicitly;
   });

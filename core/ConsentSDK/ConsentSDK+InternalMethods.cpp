@@ -18,6 +18,11 @@ std::chrono::milliseconds periodOf(const SessionPointer& session) {
   return session ? std::chrono::seconds(session->options.consentsCheckInterval.count()) : periodWithoutOptions;
 }
 
+bool isSignalPending(const SuiteEntries& entries) {
+  const StoredValues stored(entries);
+  return std::ranges::any_of(stored.pendingPurposes(), [&](auto id) { return stored.isDecidedBySignal(id); });
+}
+
 }  // namespace
 
 void CheckCycle::begin(SessionPointer session) {
@@ -48,9 +53,10 @@ Task<void> CheckCycle::follow(SessionPointer session) {
     co_return;
   }
   reportDueBanner();
-  // Uploads what an earlier run left pending without waiting for the first period, or for the next answer if the
-  // configuration asks again. Permission states that were never sent wait for the first answer.
-  if (wasPending && (isAnswered || isUploadOwed))
+  // Uploads what an earlier run left pending, and what a privacy signal decided during the load, without waiting for the
+  // first period, or for the next answer if the configuration asks again. Permission states that were never sent wait
+  // for the first answer.
+  if ((wasPending && (isAnswered || isUploadOwed)) || isSignalPending(*s_.store.snapshot()))
     co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }
 
@@ -200,14 +206,13 @@ void CheckCycle::startPermissionObservation() {
 void CheckCycle::honourSignals() {
   std::unique_ptr<PrivacySignalSubscription> observation;  // the earlier one, destroyed outside the lock as above
   const auto session = s_.sessions.current();
-  if (session && session->options.privacySignal) {
+  const bool isHonoured = session && session->options.privacySignal;
+  if (isHonoured) {
     observation = s_.signal.observe(s_.work.whileAlive([this] {
       s_.events.gates.update();
       s_.work.start([this]() -> Task<void> {
-        if (s_.loader.honourSignals()) {
-          s_.loader.refreshConsentMode();
-          s_.uploader.schedule();
-        }
+        if (s_.loader.honourSignals()) s_.uploader.schedule();
+        s_.loader.refreshConsentMode();
         reportDueBanner();
         co_return;
       });
@@ -218,7 +223,10 @@ void CheckCycle::honourSignals() {
     if (!s_.work.isClosed()) signalObservation_.swap(observation);
   }
   // On this thread, so that later queries see it.
-  if (s_.loader.honourSignals()) s_.uploader.schedule();
+  const bool hasChanged = s_.loader.honourSignals();
+  if (hasChanged) s_.uploader.schedule();
+  // A load may take its time, or fail.
+  if (hasChanged || isHonoured) s_.work.run([this] { s_.loader.refreshConsentMode(); });
   s_.events.gates.update();
 }
 

@@ -25,7 +25,8 @@ ConsentSDK::Core::Core(Platform services)
       server(platform, store, logger, work.stopToken()),
       location(platform, store, work, server, [this] { loader.reapply(); }),
       signal(platform, store),
-      consentMode(platform, store, logger, work.stopToken()),
+      consentMode(
+          platform, store, logger, [this] { return signal.optOuts(); }, work.stopToken()),
       loader({foundation, server, location, consentMode, signal}),
       tradeSignals({foundation, location, loader, signal}),
       questions({foundation, location, loader, tradeSignals}),

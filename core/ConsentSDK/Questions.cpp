@@ -77,7 +77,7 @@ Task<Questions::Signals> Questions::consentModeSignals() {
   const auto* mapping = co_await mappingFor(configuration);
   Signals signals;
   if (!mapping) co_return signals;
-  for (const auto& [type, granted] : consentMap(*mapping, StoredValues(*s_.store.snapshot()))) {
+  for (const auto& [type, granted] : consentMap(*mapping, StoredValues(*s_.store.snapshot()), s_.loader.optOuts())) {
     signals.emplace(type, granted ? ConsentStatus::granted : ConsentStatus::declined);
   }
   co_return signals;
@@ -104,7 +104,8 @@ Task<std::string> Questions::consentScript() {
     if (const auto type = stored.string(key::currentComplianceType)) {
       undecided.emplace(key::currentComplianceType, *type);
     }
-    signals.emplace(consentMap(*mapping, StoredValues(undecided)), consentMap(*mapping, stored));
+    const OptOuts optOuts = s_.loader.optOuts();
+    signals.emplace(consentMap(*mapping, StoredValues(undecided), optOuts), consentMap(*mapping, stored, optOuts));
   }
   co_return withTradeSignals(quillon::consentScript(consents, signals));
 }

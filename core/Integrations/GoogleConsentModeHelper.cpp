@@ -38,13 +38,14 @@ const DefaultMapping* consentModeMapping(const GcmConfig& configuration, const s
   return configuration.defaultMapping ? &*configuration.defaultMapping : nullptr;
 }
 
-ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored) {
+ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored, const OptOuts& optOuts) {
   // A configuration without a banner has no compliance type, so undecided purposes are not granted.
   const bool isTypeKnown = stored.string(key::currentComplianceType).has_value();
   const ConsentStatus undecided = isTypeKnown ? stored.complianceDefault() : ConsentStatus::notDetermined;
   const auto isGranted = [&](const std::optional<std::vector<std::int64_t>>& purposes) {
     return purposes && !purposes->empty() && std::ranges::all_of(*purposes, [&](std::int64_t id) {
-             return stored.consent(PurposeKey(id)).value_or(undecided) == ConsentStatus::granted;
+             return !optOuts.include(id, stored) &&
+                    stored.consent(PurposeKey(id)).value_or(undecided) == ConsentStatus::granted;
            });
   };
   return {{GoogleConsentType::analyticsStorage, isGranted(mapping.analyticsStorage)},
@@ -91,7 +92,7 @@ void GoogleConsentModeHelper::send(const Request& request) {
         "updateFirebaseConsent(mainConfiguration:location:)");
     return;
   }
-  setFirebaseConsent(consentMap(*mapping, StoredValues(*store_.snapshot())));
+  setFirebaseConsent(consentMap(*mapping, StoredValues(*store_.snapshot()), optOuts_()));
 }
 
 void GoogleConsentModeHelper::setFirebaseConsent(const ConsentMap& consentMap) {

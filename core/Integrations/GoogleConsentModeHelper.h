@@ -1,6 +1,7 @@
 // Computes the four consent-mode signals and passes them to the host's analytics library.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "core/Persistance/UserDefaults/UserDefaultManager.h"
+#include "core/Purposes/OptOuts.h"
 #include "quillon/GoogleConsentType.h"
 #include "quillon/MainConfiguration.h"
 
@@ -23,16 +25,17 @@ using ConsentMap = std::map<GoogleConsentType, bool>;
 [[nodiscard]] const DefaultMapping* consentModeMapping(const GcmConfig& configuration,
                                                        const std::optional<std::string>& location);
 
-// A signal is granted when it lists purposes and all of them are granted.
-[[nodiscard]] ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored);
+// A signal is granted when it lists purposes and all of them are granted, and no privacy signal opts out of any.
+[[nodiscard]] ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored, const OptOuts& optOuts);
 
 // Thread-safe. Sets of signals are passed on one at a time, each computed from the newest consents, so the last one
 // delivered is current.
 class GoogleConsentModeHelper {
  public:
-  // All must outlive it. Nothing is passed on once a stop is requested.
-  GoogleConsentModeHelper(const Platform& platform, UserDefaultManager& store, SDKLogger& logger, std::stop_token stop)
-      : platform_(platform), store_(store), logger_(logger), stop_(std::move(stop)) {}
+  // All must outlive it; `optOuts` gives the present ones. Nothing is passed on once a stop is requested.
+  GoogleConsentModeHelper(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
+                          std::function<OptOuts()> optOuts, std::stop_token stop)
+      : platform_(platform), store_(store), logger_(logger), optOuts_(std::move(optOuts)), stop_(std::move(stop)) {}
 
   // Computes the signals from the stored consents and sends them, or leaves that to the thread currently sending. Does
   // nothing unless the configuration drives consent mode. `location` is the newest known one.
@@ -52,6 +55,7 @@ class GoogleConsentModeHelper {
   const Platform& platform_;
   UserDefaultManager& store_;
   SDKLogger& logger_;
+  const std::function<OptOuts()> optOuts_;
   const std::stop_token stop_;
   std::mutex mutex_;  // guards the members below
   std::optional<Request> newest_;

@@ -48,7 +48,8 @@ const std::vector<Purpose>& PurposeManager::purposes() const {
 }
 
 ConsentStatus PurposeManager::currentStatus(std::int64_t purposeId, const StoredValues& stored) const {
-  if (optOuts_.include(purposeId, stored)) return ConsentStatus::declined;
+  // The opt-outs may be of another configuration, which does not bind the purpose to tracking.
+  if (!isATTMapped(purposeId) && optOuts_.include(purposeId, stored)) return ConsentStatus::declined;
   const auto decision = stored.consent(PurposeKey(purposeId));
   const ConsentStatus status = decision.value_or(stored.complianceDefault());
   return isATTMapped(purposeId) ? adjusted(status, decision.has_value(), tracking_) : status;

@@ -95,6 +95,10 @@ void StoreTransaction::decide(std::int64_t purposeId, ConsentStatus status, Deci
   set(PurposeKey(purposeId), std::string(rawValue(status)));
 }
 
+void StoreTransaction::confirm(std::int64_t purposeId) {
+  include(key::answeredPurposesList, purposeId, true);
+}
+
 void StoreTransaction::endSignal(std::int64_t purposeId, std::int64_t time) {
   const PurposeKey purpose(purposeId);
   decisions_.push_back(

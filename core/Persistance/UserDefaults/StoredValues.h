@@ -106,6 +106,8 @@ class StoreTransaction : public StoredValues {
 
   // Stores a purpose's consent and its cause.
   void decide(std::int64_t purposeId, ConsentStatus status, DecisionCause cause);
+  // The stored consent becomes the user's own answer, which no privacy signal overrides.
+  void confirm(std::int64_t purposeId);
   // Removes a privacy signal's decision: the purpose is undecided again.
   void endSignal(std::int64_t purposeId, std::int64_t time);
 

@@ -273,5 +273,70 @@ TEST_F(PrivacySignalTest, WhatTheUserSavesWithTheSignalInSightIsTheUsersOwn) {
   }
 }
 
+// Neither what is saved as it was shown, nor what a signal decided that has just ended.
+TEST_F(PrivacySignalTest, WhatIsSavedUnchangedIsTheUsersOwnToo) {
+  device.publish(signalDocumentOf("opt-out"));
+  launch(PrivacySignal{});
+  EXPECT_TRUE(sdk->screens()->recordDefaults({}));
+  EXPECT_TRUE(sdk->screens()->save({{1, true}}, {}));
+  device.setPrivacySignal(true);
+  device.settle();
+  EXPECT_TRUE(sdk->isAllowed(1));
+
+  sdk->removeConsents();
+  device.settle();
+  EXPECT_FALSE(sdk->isAllowed(1));
+  device.setPrivacySignal(false);
+  EXPECT_TRUE(sdk->screens()->save({{1, false}}, {})) << "before the end of the signal is recorded";
+  device.settle();
+  EXPECT_EQ(sdk->get(1), declined);
+  EXPECT_FALSE(sdk->isAllowed(1)) << "the refusal does not end with the signal";
+}
+
+TEST_F(PrivacySignalTest, AnalyticsIsToldOfNoConsentThatASignalRefuses) {
+  auto document = boost::json::parse(signalDocumentOf("opt-out")).as_object();
+  document["privacy_signal_purposes"] = {1, 9};  // 9 is not listed, so nothing is recorded about it
+  document["is_gcm_enabled"] = true;
+  document["gcm_config"] = {{"default_mapping", {{"analytics_storage", {1}}, {"ad_storage", {9}}}}};
+  device.publish(boost::json::serialize(document));
+  launch(PrivacySignal{});
+  for (const Given signal : {Given::byDevice, Given::byApplication}) {
+    EXPECT_EQ(device.consentMode().at("analytics_storage"), "granted");
+    EXPECT_EQ(device.consentMode().at("ad_storage"), "granted");
+    device.setOnline(false);  // nothing is loaded that could bring the news
+    give(signal);
+    EXPECT_EQ(device.consentMode().at("analytics_storage"), "denied");
+    EXPECT_EQ(device.consentMode().at("ad_storage"), "denied");
+    device.setOnline(true);
+    takeBack(signal);
+  }
+
+  device.setOnline(false);
+  ConsentSDKOptions inAnotherLanguage = device.options();
+  inAnotherLanguage.languageCode = "de";  // drops the document, and there is no other
+  inAnotherLanguage.privacySignal.emplace();
+  sdk->setup(inAnotherLanguage);
+  device.settle();
+  EXPECT_EQ(device.consentMode().at("analytics_storage"), "granted");
+  device.setPrivacySignal(true);
+  device.settle();
+  EXPECT_EQ(device.consentMode().at("analytics_storage"), "denied");
+  sdk->set({.purposeId = 1}, granted);
+  device.settle();
+  EXPECT_EQ(device.consentMode().at("analytics_storage"), "granted");
+  sdk->set({.purposeId = 1}, declined);
+  device.settle();
+  EXPECT_EQ(device.consentMode().at("analytics_storage"), "denied");
+}
+
+TEST_F(PrivacySignalTest, WhatItDecidesWithTheFirstConfigurationIsUploaded) {
+  device.publish(signalDocumentOf("opt-out"));
+  device.setPrivacySignal(true);
+  launch(PrivacySignal{});
+  device.advance(std::chrono::seconds(2));
+  ASSERT_EQ(device.uploads().size(), 1u);
+  EXPECT_NE(device.uploads().front().find(R"("cause":"signal")"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace quillon::test
