@@ -40,6 +40,12 @@ bool Document::isEssential(int purpose) const {
   return has(essential, purpose);
 }
 
+bool Document::isSignalled(int purpose, const std::optional<std::vector<int>>& named) const {
+  const auto& list = named ? named : signalled;
+  const bool isTracked = bindsToTracking && purpose == trackedPurpose;
+  return list && has(*list, purpose) && !isEssential(purpose) && !isTracked;
+}
+
 std::string Document::json() const {
   std::string text = R"({"version":)" + std::to_string(version) + R"(,"x-auth-token":"token","purposes":[)";
   for (const int purpose : listed) {
@@ -52,6 +58,7 @@ std::string Document::json() const {
   if (bindsToTracking) {
     text += R"(,"is_att_enabled":true,"att_or_gad_config":{"purpose_ids":)" + listText({trackedPurpose}) + "}";
   }
+  if (signalled) text += R"(,"privacy_signal_purposes":)" + listText(*signalled);
   if (hasBanner) {
     text += R"(,"banner_config":{"categories":{"here":)" + category(textOf(law), interval);
     if (lawInPlace) text += R"(,"there":)" + category(textOf(*lawInPlace), interval);
@@ -88,7 +95,18 @@ int monthsOf(const std::string& interval) {
   return word == "month" ? count : word == "year" ? count * year : year;
 }
 
-std::vector<Document> makeDocuments(Choices choices) {
+std::vector<int> anyPurposes(Choices& choices) {
+  const bool isAll = choices.oneIn(3);
+  std::vector<int> some;
+  for (const int purpose : purposes) {
+    if (isAll || choices.oneIn(2)) some.push_back(purpose);
+  }
+  return some;
+}
+
+std::vector<Document> makeDocuments(std::uint64_t seed) {
+  Choices choices(seed);
+  Choices ofSignals(~seed);  // its own, so that no seed means another document since there are signals
   std::vector<Document> documents;
   for (int version = 1; version <= howMany; ++version) {
     Document document;
@@ -110,6 +128,7 @@ std::vector<Document> makeDocuments(Choices choices) {
     if (choices.oneIn(2)) document.analytics = {1};
     if (!document.analytics.empty() && choices.oneIn(2)) document.analytics.push_back(3);
     document.hasPermission = choices.oneIn(2);
+    if (!ofSignals.oneIn(5)) document.signalled = anyPurposes(ofSignals);
     documents.push_back(std::move(document));
     if (version == howMany) documents.back().asksAgain = false;
   }

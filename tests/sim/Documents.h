@@ -30,14 +30,20 @@ struct Document {
   std::optional<std::string> interval;
   std::vector<int> analytics;  // the purposes behind the analytics signal; none without consent mode
   bool hasPermission = false;
+  std::optional<std::vector<int>> signalled;  // what a privacy signal stands for, unless the application says so
 
   [[nodiscard]] bool lists(int purpose) const;
   [[nodiscard]] bool isEssential(int purpose) const;
+  // Whether a privacy signal stands for it; the application may name purposes.
+  [[nodiscard]] bool isSignalled(int purpose, const std::optional<std::vector<int>>& named) const;
   [[nodiscard]] std::string json() const;
 };
 
 // Documents that differ in all that matters. The last one, newer than all, is for the end.
-[[nodiscard]] std::vector<Document> makeDocuments(Choices choices);
+[[nodiscard]] std::vector<Document> makeDocuments(std::uint64_t seed);
+
+// None, all, or some.
+[[nodiscard]] std::vector<int> anyPurposes(Choices& choices);
 
 // After which the banner comes again; a text that says nothing means twelve months.
 [[nodiscard]] int monthsOf(const std::string& interval);

@@ -6,7 +6,7 @@
 
 namespace quillon::sim {
 
-inline constexpr std::array<std::uint64_t, 21> keptSeeds{
+inline constexpr std::array<std::uint64_t, 28> keptSeeds{
     1,          // a listener was not told what another process had removed before the set-up
     9,          // a decision was not uploaded, as the first configuration asked again
     22,         // analytics was told of a consent although no compliance type was known
@@ -28,6 +28,14 @@ inline constexpr std::array<std::uint64_t, 21> keptSeeds{
     170209,     // what a removal left to do was done for a document that was no longer in force
     176782,     // a gate did not see what another process had decided during the first load
     989402466,  // defaults were recorded as granted, as the compliance type of a new configuration could not be stored
+    // With privacy signals.
+    2'000'000'002,  // what the user saved as it was shown did not count as the user's own
+    2'000'000'007,  // analytics was told of a consent that the signal refuses
+    2'000'000'049,  // what the signal stands for was forgotten as another process had removed the document
+    2'000'000'100,  // analytics was not told that a signal refuses a purpose which the document does not list
+    2'000'001'307,  // what the signal decided with the first configuration was not uploaded
+    2'000'001'608,  // a purpose that tracking governs was declined, as the signal stood for it in an older document
+    2'000'002'293,  // a refusal that was saved as the signal ended ended with it
 };
 
 }  // namespace quillon::sim

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <utility>
 
 namespace quillon::sim {
 namespace {
@@ -24,7 +25,8 @@ std::string defaultUnder(const std::string& law) {
 }
 
 bool isSame(const StoreView& before, const StoreView& after) {
-  return before.decisions == after.decisions && before.given == after.given;
+  return before.decisions == after.decisions && before.given == after.given && before.answered == after.answered &&
+         before.signalled == after.signalled;
 }
 
 std::int64_t monthsLater(std::int64_t seconds, int months) {
@@ -75,8 +77,10 @@ bool Model::allowsUndecided(const Life& life, int version, int purpose) const {
 void Model::setUp(int owner, const SessionView& session) {
   Life& life = lives_.at(owner);
   applications_.insert(session.application);
+  if (std::exchange(life.hasSession, true)) life.replaced = {life.session, mayMap(life)};
   if (life.isClosed) {
     life.session = session;
+    life.isCertain = false;
     return;
   }
   const bool isSameApplication =
@@ -179,6 +183,8 @@ bool Model::isEffect(const ActReport& act, const StoreView& before, const StoreV
   switch (act.effect) {
     case Effect::nothing:
       return isSame(before, after);
+    case Effect::setUp:
+      return after.given == before.given && isSetUp(before, after);
     case Effect::decision: {
       auto decisions = before.decisions;
       for (const auto& [purpose, status] : act.chosen) decisions[purpose] = status;
@@ -186,12 +192,8 @@ bool Model::isEffect(const ActReport& act, const StoreView& before, const StoreV
     }
     case Effect::answer:
     case Effect::save: {
-      const Life& life = lives_.at(act.owner);
-      std::set<int> at = life.versions;
-      if (disk_) at.insert(*disk_);
-      if (life.session.bundled) at.insert(*life.session.bundled);
-      return after.given == explicitly &&
-             std::ranges::any_of(at, [&](int version) { return isAnswerBy(document(version), act, before, after); });
+      const auto isAnswer = [&](int version) { return isAnswerBy(document(version), act, before, after); };
+      return after.given == explicitly && std::ranges::any_of(atHand(lives_.at(act.owner)), isAnswer);
     }
     case Effect::defaults:
       return (after.given == before.given || (before.given == noAction && after.given == implicitly)) &&
@@ -230,18 +232,29 @@ void Model::judgeAct(const ActReport& act, const StoreView& before, const StoreV
     trail_.fail(10, "a decision was not stored though nothing was wrong");
   }
   keepTold(act, before, after);
+  if (!mayBeUndone || !isSame(before, after)) keepAnswers(act, after);
+  forgetSignalled(before, after);
+  judgeOwners(after);
+  for (auto& [owner, life] : lives_) life.replaced.reset();
 }
 
 void Model::keepTold(const ActReport& act, const StoreView& before, const StoreView& after) {
   const bool isUsers = act.effect == Effect::decision || act.effect == Effect::answer || act.effect == Effect::save;
   if (act.effect == Effect::removal) {
-    if (after.decisions.empty()) told_.clear();
-  } else if (act.wasDisturbed) {
+    if (!after.decisions.empty()) return;
+    told_.clear();
+    answers_.clear();
+    mayBeAnswers_.clear();
+    return;
+  }
+  if (act.wasDisturbed) {
     for (auto& [purpose, status] : told_) status = after.decision(purpose).value_or(status);
   } else if (isUsers && after.given == explicitly && act.result != false) {
     for (const auto& [purpose, status] : after.decisions) {
       const bool isChosen = act.effect == Effect::answer || act.chosen.contains(purpose);
-      if (purpose != trackedPurpose && (isChosen || before.decision(purpose) != status)) told_[purpose] = status;
+      if (purpose != trackedPurpose && !after.signalled.contains(purpose) &&
+          (isChosen || before.decision(purpose) != status))
+        told_[purpose] = status;
     }
   }
 }
@@ -250,13 +263,18 @@ void Model::judgeJobs(const StoreView& before, const StoreView& after) {
   for (const int purpose : purposes) {
     const auto from = before.decision(purpose);
     const auto to = after.decision(purpose);
-    if (from == to) continue;
-    const bool isRight = to && (isFollowingTracking(purpose, *to) || (!from && isDefault(purpose, *to, before, after)));
+    const bool isOwnerSame = before.signalled.contains(purpose) == after.signalled.contains(purpose);
+    if (from == to && isOwnerSame) continue;
+    const bool isRight =
+        isSignalled(purpose, before, after) ||
+        (to && isOwnerSame && (isFollowingTracking(purpose, *to) || (!from && isDefault(purpose, *to, before, after))));
     if (!isRight) {
       trail_.fail(2, "purpose " + std::to_string(purpose) + " became " + wordFor(to) + " after " + wordFor(from) +
                          ", which nobody decided");
     }
   }
+  judgeOwners(after);
+  forgetSignalled(before, after);
   for (const auto& [purpose, status] : told_) {
     if (after.decision(purpose) != status) {
       trail_.fail(1, "the user decided " + status + " on purpose " + std::to_string(purpose) + ", stored is " +
@@ -299,25 +317,29 @@ void Model::judgeAnswers(int owner, const Answers& answers, const StoreView& sto
     const auto binds = [&](int version) { return document(version).bindsToTracking; };
     const bool mayBe = decision ? decision == granted : !life.isClosed && std::ranges::any_of(life.versions, allows);
     if (isAllowed && !mayBe) wrong(2, purpose, "isAllowed says yes");
+    if (isAllowed && isRefused(life, purpose)) wrong(2, purpose, "isAllowed says yes despite a privacy signal");
     const bool isTracked = purpose == trackedPurpose;
     if (isAllowed && isTracked && !isTrackingAuthorized_ && life.isCertain && !life.isClosed &&
         std::ranges::all_of(life.versions, binds)) {
       wrong(2, purpose, "isAllowed says yes without tracking");
     }
-    if (!isAllowed && !isTracked && decision == granted) wrong(1, purpose, "isAllowed says no");
+    if (!isAllowed && !isTracked && decision == granted && !mayBeRefused(life, purpose))
+      wrong(1, purpose, "isAllowed says no");
   }
   if (answers.isQuiet && answers.isReady && life.versions.empty()) trail_.fail(10, "ready without any document");
   bool isNear = false;
   const bool isDue = isBannerDue(store, now, isNear);
+  if (answers.isBannerDue && isBannerSettled(life, Sure::yes)) trail_.fail(6, "a signal settles the banner");
   if (answers.isBannerDue && (life.isClosed || life.versions.empty() || (!isDue && !isNear))) {
     trail_.fail(6, "the banner is due for no reason");
   }
-  if (!answers.isBannerDue && isDue && !isNear && life.isCertain && !life.isClosed) {
+  if (!answers.isBannerDue && isDue && !isNear && life.isCertain && !life.isClosed &&
+      !isBannerSettled(life, Sure::no)) {
     trail_.fail(6, "the banner is due, and process " + std::to_string(owner) + " does not know");
   }
 }
 
-void Model::judgeSink(const std::map<std::string, std::string>& signals, const StoreView& store) {
+void Model::judgeSink(int owner, const std::map<std::string, std::string>& signals, const StoreView& store) {
   const auto found = signals.find("analytics_storage");
   if (found == signals.end() || found->second != granted) return;
   std::set<int> versions = everywhere();
@@ -326,6 +348,7 @@ void Model::judgeSink(const std::map<std::string, std::string>& signals, const S
     const auto& behind = document(version).analytics;
     return !behind.empty() && std::ranges::all_of(behind, [&](int purpose) {
       const auto decision = store.decision(purpose);
+      if (isRefused(lives_.at(owner), purpose)) return false;
       return decision ? *decision == granted : !store.law.empty() && defaultUnder(store.law) == granted;
     });
   });
@@ -340,8 +363,9 @@ void Model::uploadSent(int owner, const Upload& upload, const StoreView& store) 
                          wordFor(store.decision(purpose)));
     }
   }
-  if (upload.isImplicit != (store.given != explicitly))
+  if (upload.isImplicit != (store.given != explicitly || !upload.signalled.empty()))
     trail_.fail(5, sender + " says how consents were given wrongly");
+  judgeCauses(sender, upload, store);
   if (upload.subject.empty() || upload.subject != store.subject) trail_.fail(5, sender + " has another subject");
 }
 

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "tests/sim/Choices.h"
+#include "tests/sim/Documents.h"
 
 namespace quillon::sim {
 namespace {
@@ -30,17 +31,39 @@ constexpr std::array<Kind, actCount> kinds{{
     {"permission", 3},     {"language", 1},
     {"publish", 9},        {"failRequest", 10},
     {"failStore", 4},      {"failFile", 2},
-    {"tamper", 0},
+    {"signal", 0},         {"tamper", 0},
 }};
 
 constexpr bool isFault(Act act) {
   return act == Act::failRequest || act == Act::failStore || act == Act::failFile;
 }
 
+// From numbers of their own, and in place of other acts, so that the seeds of before mean the same.
+void addSignals(Plan& plan, Choices choices) {
+  constexpr std::size_t seldom = 8;
+  if (choices.oneIn(3)) return;
+  plan.signals.emplace();
+  plan.signals->isGiven = choices.oneIn(seldom);
+  if (choices.oneIn(3)) plan.signals->purposes = anyPurposes(choices);
+  for (std::size_t i = plan.processes; i < plan.steps.size(); ++i) {
+    if (choices.oneIn(seldom)) plan.steps[i].act = Act::signal;
+  }
+}
+
 }  // namespace
 
 const char* nameOf(Act act) {
   return kinds[static_cast<std::size_t>(act)].name;
+}
+
+std::optional<SignalUse> signalsOf(const Plan& plan, unsigned how) {
+  constexpr unsigned others = 384;  // what else the number decides
+  constexpr unsigned moods = 8;
+  const unsigned mood = plan.processes == 1 ? how / others % moods : 0;
+  std::optional<SignalUse> use = plan.signals;
+  if (mood == 1) use.reset();
+  if (use && (mood == 2 || mood == 3)) use->isGiven = !use->isGiven;
+  return use;
 }
 
 Plan makePlan(std::uint64_t seed, std::size_t steps) {
@@ -73,6 +96,7 @@ Plan makePlan(std::uint64_t seed, std::size_t steps) {
     if (i < plan.processes) step = {.act = Act::setUp, .process = static_cast<unsigned>(i), .order = step.order};
     plan.steps.push_back(step);
   }
+  if (seed >= firstSeedWithSignals) addSignals(plan, Choices(~seed));
   return plan;
 }
 

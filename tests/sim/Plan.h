@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,7 @@ enum class Act {
   failRequest,
   failStore,
   failFile,
+  signal,  // of those that the user gives the device
   tamper,  // writes a consent into the store past the SDK: no plan has it, but those that show that it is found
 };
 inline constexpr std::size_t actCount = static_cast<std::size_t>(Act::tamper) + 1;
@@ -52,6 +54,12 @@ struct Step {
   std::uint64_t order = 0;
 };
 
+// How the application honours privacy signals.
+struct SignalUse {
+  bool isGiven = false;                      // by the application itself
+  std::optional<std::vector<int>> purposes;  // that it names, rather than the documents
+};
+
 struct Plan {
   std::uint64_t seed = 0;
   unsigned processes = 1;
@@ -59,8 +67,15 @@ struct Plan {
   bool hasLanguageFiles = false;      // a document for each language, rather than one for all
   bool hasSummerTime = false;         // else the device is in UTC
   bool isVerbose = false;             // the SDK logs all that it has to say
+  std::optional<SignalUse> signals;   // none is honoured without; the same in all processes
   std::vector<Step> steps;
 };
+
+// From this seed on worlds know privacy signals. Those below mean what they meant before.
+inline constexpr std::uint64_t firstSeedWithSignals = 2'000'000'000;
+
+// How a set-up of those numbers honours them, if it does: a process that is alone may change its mind.
+[[nodiscard]] std::optional<SignalUse> signalsOf(const Plan& plan, unsigned how);
 
 [[nodiscard]] Plan makePlan(std::uint64_t seed, std::size_t steps);
 

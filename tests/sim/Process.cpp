@@ -85,6 +85,7 @@ Platform Process::platform() {
   platform.locale = std::make_shared<FixedLocale>(std::vector<std::string>{around_.language});
   platform.tracking = std::make_shared<Tracking>(around_.isTrackingAuthorized);
   platform.permissions = around_.permissions;
+  platform.signals = around_.signals;
   platform.host = std::make_shared<FixedHostApplication>(
       FixedHostApplication::Description{.resources = {{"bundled.json", around_.documents.front().json()}}});
   platform.random = std::make_shared<SeededRandom>(around_.plan.seed + static_cast<unsigned>(owner_));
@@ -92,7 +93,7 @@ Platform Process::platform() {
       std::make_shared<FunctionConsentSink>([this](const std::map<std::string, std::string>& signals) {
         if (isDead_) return;
         if (isClosed_) fail(7, "analytics was called after the end");
-        around_.model.judgeSink(signals, around_.view());
+        around_.model.judgeSink(owner_, signals, around_.view());
         signals_ = signals;
       });
   platform.screens = screens_;
@@ -112,6 +113,7 @@ void Process::listen() {
     live();
     if (!decision.purposeId) return;
     const int purpose = static_cast<int>(*decision.purposeId);
+    judgeSignal(decision);
     const bool isRemoved = decision.cause == DecisionCause::removed;
     heard_[purpose] = isRemoved ? "" : words(decision.to);
   }));
@@ -158,6 +160,13 @@ void Process::setUp(unsigned what, unsigned how) {
     session.bundled = around_.documents.front().version;
   }
   if (what / 12 % 4 == 1) options.readyWithin = std::chrono::seconds(2);
+  if (auto use = signalsOf(around_.plan, how)) {
+    session.signals = std::move(use);
+    options.privacySignal = PrivacySignal{.isGiven = session.signals->isGiven};
+    if (const auto& named = session.signals->purposes) {
+      options.privacySignal->purposes.emplace(named->begin(), named->end());
+    }
+  }
   options.logLevel = around_.plan.isVerbose ? LogLevel::debug : LogLevel::error;
   options.consentsCheckInterval = around_.plan.checkInterval;
   around_.model.setUp(owner_, session);
@@ -225,7 +234,7 @@ void Process::askBannerDue(ActReport& report) {
 
 void Process::ask(unsigned what) {
   if (isClosed_) return;
-  const std::size_t since = around_.views.empty() ? 0 : around_.views.size() - 1;
+  const std::size_t since = around_.moments.empty() ? 0 : around_.moments.size() - 1;
   switch (what % 8) {
     case 0:
     case 1: {
@@ -281,16 +290,28 @@ void Process::judgeStatuses(const char* what, std::size_t since, const std::vect
 void Process::judgeHistory(std::size_t since, const HistoryPage& page) const {
   if (page.isNewestMissing || page.damaged > 0) fail(1, "the history says that entries of it are missing");
   std::map<int, std::string> newest;
+  std::set<std::int64_t> named;
   for (const HistoryEntry& entry : page.entries) {
     if (entry.link != HistoryLink::intact)
       fail(1, "the history does not hold together at " + std::to_string(entry.number));
-    if (entry.decision.purposeId) newest.emplace(*entry.decision.purposeId, words(entry.decision.to));
+    judgeSignal(entry.decision);
+    if (!entry.decision.purposeId || !named.insert(*entry.decision.purposeId).second) continue;
+    // The end of a signal has no entry.
+    const int purpose = static_cast<int>(*entry.decision.purposeId);
+    const bool hasEnded = entry.decision.cause == DecisionCause::signal && around_.wasUndecided(since, purpose);
+    if (!hasEnded) newest.emplace(purpose, words(entry.decision.to));
   }
   for (const auto& [purpose, status] : newest) {
     if (!around_.wasStored(since, purpose, status)) {
       fail(1, "the history's newest entry on purpose " + std::to_string(purpose) + " says " + status);
     }
   }
+}
+
+void Process::judgeSignal(const Decision& decision) const {
+  if (decision.cause != DecisionCause::signal) return;
+  if (decision.to != ConsentStatus::declined) fail(2, "a privacy signal is said to have granted");
+  if (decision.givenType == GivenType::explicitly) fail(5, "a privacy signal is said to be an explicit answer");
 }
 
 void Process::judgeScript(std::size_t since, const std::string& script) const {
@@ -368,6 +389,11 @@ Answers Process::answers() const {
 bool Process::isQuiet() const {
   return !around_.scheduler->hasJobsOf(owner_) && !around_.servers.hasRequestsOf(owner_) &&
          sdk_->settled().wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+void Process::judgeTold() const {
+  if (!isSetUp_ || isClosed_ || around_.isDisturbed || around_.scheduler->hasJobsOf(owner_)) return;
+  around_.model.judgeTold(owner_, signals_);
 }
 
 void Process::judgeQuiet() {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -51,7 +52,9 @@ class Process {
   [[nodiscard]] Answers answers() const;
   // Whether nothing is under way.
   [[nodiscard]] bool isQuiet() const;
-  // What must hold while that is so.
+  // What must hold as soon as no job waits, even if an answer does.
+  void judgeTold() const;
+  // What must hold while nothing is under way.
   void judgeQuiet();
   // Whether a load is over since this was asked last.
   bool takeLoaded() { return std::exchange(hasLoaded_, false); }
@@ -81,6 +84,7 @@ class Process {
   template <class T>
   void expectFuture(std::future<T> future);
   void judgeStatuses(const char* what, std::size_t since, const std::vector<Purpose>& purposes) const;
+  void judgeSignal(const Decision& decision) const;
   void judgeHistory(std::size_t since, const HistoryPage& page) const;
   void judgeScript(std::size_t since, const std::string& script) const;
   void fail(int claim, const std::string& reason) const;

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "tests/sim/Plan.h"
+
 namespace quillon::sim {
 
 // What a process was set up with, as far as it decides which document is in force.
@@ -13,6 +15,7 @@ struct SessionView {
   std::string channel = "live";
   std::optional<std::string> place;
   std::optional<int> bundled;  // version
+  std::optional<SignalUse> signals;
 };
 
 // What one process answers at one moment.
@@ -26,7 +29,7 @@ struct Answers {
 };
 
 // What an act may change in the store before it returns.
-enum class Effect { nothing, decision, answer, save, defaults, removal, bannerTest };
+enum class Effect { nothing, setUp, decision, answer, save, defaults, removal, bannerTest };
 
 struct ActReport {
   int owner = 0;

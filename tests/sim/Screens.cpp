@@ -17,7 +17,7 @@ void Screens::presentPreferenceCenter(Services sdk) {
   auto banner =
       ConsentBannerViewModel::make(sdk, [this] { const auto gone = std::exchange(preferences_, std::nullopt); });
   auto model = PreferenceCenterViewModel::make(banner);
-  preferences_ = Preferences{model, sdk->shown(ScreenKind::preferenceCenter), around_.views.size()};
+  preferences_ = Preferences{model, sdk->shown(ScreenKind::preferenceCenter), around_.moments.size()};
   banner->loadBannerConfig();
   model->loadPurposes();
   model->loadPermissions();

@@ -18,8 +18,10 @@ Upload uploadOf(const std::string& body, int number) {
   upload.isImplicit = root->at("implicit_consent").as_bool();
   upload.subject = root->at("uuid").as_string();
   for (const auto& consent : root->at("purpose_consents").as_array()) {
-    upload.purposes.emplace(static_cast<int>(consent.at("purpose_id").as_int64()),
-                            std::string(consent.at("consent_status").as_string()));
+    const int purpose = static_cast<int>(consent.at("purpose_id").as_int64());
+    upload.purposes.emplace(purpose, std::string(consent.at("consent_status").as_string()));
+    const auto* cause = consent.as_object().if_contains("cause");
+    if (cause && cause->as_string() == "signal") upload.signalled.insert(purpose);
   }
   return upload;
 }
@@ -225,6 +227,7 @@ std::string Servers::lineAbout(const Exchange& exchange, const std::expected<Htt
   if (exchange.server == Server::uploads) {
     line += " of " + exchange.upload.subject.substr(0, 8) + (exchange.upload.isImplicit ? " implicit" : " explicit");
     for (const auto& [purpose, status] : exchange.upload.purposes) line += " " + std::to_string(purpose) + "=" + status;
+    for (const int purpose : exchange.upload.signalled) line += " signal:" + std::to_string(purpose);
   }
   return line + ": " + (outcome ? std::to_string(outcome->status.value_or(0)) : outcome.error().description);
 }

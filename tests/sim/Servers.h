@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,7 @@ struct Upload {
   bool isImplicit = false;
   std::string subject = {};
   std::map<int, std::string> purposes = {};  // statuses in words
+  std::set<int> signalled = {};              // of them, those said to be a privacy signal's
 };
 
 class Servers {

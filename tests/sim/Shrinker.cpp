@@ -63,6 +63,7 @@ class Search {
     attempt([](Plan& plan) { return std::exchange(plan.isVerbose, false); });
     attempt([](Plan& plan) { return std::exchange(plan.hasSummerTime, false); });
     attempt([](Plan& plan) { return std::exchange(plan.hasLanguageFiles, false); });
+    attempt([](Plan& plan) { return std::exchange(plan.signals, std::nullopt).has_value(); });
     for (std::size_t i = 0; i < best_.steps.size(); ++i) {
       attempt([&](Plan& plan) { return std::exchange(plan.steps[i].order, 0U) != 0; });
       attempt([&](Plan& plan) { return std::exchange(plan.steps[i].process, 0U) != 0; });

@@ -12,11 +12,18 @@ void read(const SuiteEntries& entries, std::string_view key, Into& into) {
   if (const auto* value = std::get_if<Value>(&found->second)) into = *value;
 }
 
+std::set<int> purposesIn(const SuiteEntries& entries, std::string_view key) {
+  std::vector<std::int64_t> list;
+  read<std::vector<std::int64_t>>(entries, key, list);
+  return {list.begin(), list.end()};
+}
+
 }  // namespace
 
 std::string described(const StoreView& store) {
   std::string text = store.given + " under \"" + store.law + "\":";
   for (const auto& [purpose, status] : store.decisions) text += " " + std::to_string(purpose) + "=" + status;
+  for (const int purpose : store.signalled) text += " signal:" + std::to_string(purpose);
   return text;
 }
 
@@ -27,6 +34,8 @@ StoreView viewOf(const SuiteEntries& entries) {
     read<std::string>(entries, std::to_string(purpose), status);
     if (!status.empty()) view.decisions.emplace(purpose, std::move(status));
   }
+  view.answered = purposesIn(entries, "ANSWERED_PURPOSES_LIST");
+  view.signalled = purposesIn(entries, "SIGNAL_PURPOSES_LIST");
   read<std::string>(entries, "CONSENT_GIVEN_TYPE", view.given);
   read<std::string>(entries, "CURRENT_COMPLIANCE_TYPE", view.law);
   read<std::string>(entries, "BANNER_INTERVAL", view.interval);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,8 @@ namespace quillon::sim {
 
 struct StoreView {
   std::map<int, std::string> decisions;  // by purpose, in words
+  std::set<int> answered;                // that the user has answered
+  std::set<int> signalled;               // that a privacy signal decided
   std::string given = "CONSENT_NO_ACTION";
   std::string law;  // empty while none is known
   std::string interval = "12 month";

@@ -31,7 +31,7 @@ Servers::Events eventsOf(Surroundings& world) {
 Surroundings::Surroundings(const Plan& of, Trail& to)
     : plan(of),
       trail(to),
-      documents(makeDocuments(Choices(of.seed))),
+      documents(makeDocuments(of.seed)),
       model(documents, trail),
       clock(std::make_shared<VirtualClock>(start, of.hasSummerTime ? TimeZone::device : TimeZone::utc)),
       servers(scheduler, clock, eventsOf(*this)),
@@ -68,15 +68,24 @@ bool Surroundings::wasStored(std::size_t since, int purpose, const std::string& 
   const auto isIt = [&](const std::optional<std::string>& decision, const std::string& law) {
     return decision.value_or(law == "opt-in" ? "declined" : "granted") == status;
   };
-  std::vector<StoreView> moments(views.begin() + static_cast<std::ptrdiff_t>(since), views.end());
-  moments.push_back(view());
-  for (std::size_t i = 0; i < moments.size(); ++i) {
-    const auto decision = moments[i].decision(purpose);
-    if (isIt(decision, moments[i].law)) return true;
+  const Moment present{view(), model.mayBeRefused()};
+  for (std::size_t i = since; i <= moments.size(); ++i) {
+    const Moment& moment = i < moments.size() ? moments[i] : present;
+    if (status == "declined" && moment.refused.contains(purpose)) return true;
+    const auto decision = moment.store.decision(purpose);
+    if (isIt(decision, moment.store.law)) return true;
+    if (i == moments.size()) break;
     // Between two moments the law is stored first, and what follows from it is decided then.
-    if (i + 1 < moments.size() && isIt(decision, moments[i + 1].law)) return true;
+    const Moment& next = i + 1 < moments.size() ? moments[i + 1] : present;
+    if (isIt(decision, next.store.law)) return true;
   }
   return false;
+}
+
+bool Surroundings::wasUndecided(std::size_t since, int purpose) const {
+  const auto isUndecided = [&](const Moment& moment) { return !moment.store.decision(purpose); };
+  return !view().decision(purpose) ||
+         std::any_of(moments.begin() + static_cast<std::ptrdiff_t>(since), moments.end(), isUndecided);
 }
 
 std::optional<int> Surroundings::versionOnDisk() const {

@@ -8,6 +8,7 @@
 #include "platform/memory/MemoryFileSystem.h"
 #include "platform/memory/MemoryStore.h"
 #include "platform/memory/SettablePermissionSources.h"
+#include "platform/memory/SettablePrivacySignals.h"
 #include "platform/memory/StaticNetworkPath.h"
 #include "platform/memory/VirtualClock.h"
 #include "tests/sim/Documents.h"
@@ -35,6 +36,7 @@ class Surroundings {
   const std::shared_ptr<MemoryFileSystem> files = std::make_shared<MemoryFileSystem>("/data");
   const std::shared_ptr<StaticNetworkPath> network = std::make_shared<StaticNetworkPath>();
   const std::shared_ptr<SettablePermissionSources> permissions = std::make_shared<SettablePermissionSources>();
+  const std::shared_ptr<SettablePrivacySignals> signals = std::make_shared<SettablePrivacySignals>();
   Servers servers;
   Traffic traffic;
   std::shared_ptr<bool> isTrackingAuthorized = std::make_shared<bool>(false);
@@ -51,10 +53,17 @@ class Surroundings {
   [[nodiscard]] StoreView view() const;
   // Writes a consent that nobody gave.
   void tamper();
-  // Every content that the store had after an act or the jobs behind it, without repetitions.
-  std::vector<StoreView> views;
-  // Whether the store held that status of the purpose at some moment since it had that many contents.
+  // What the store held after an act or the jobs behind it, and which purposes a signal may have refused then.
+  struct Moment {
+    StoreView store;
+    std::set<int> refused;
+  };
+  std::vector<Moment> moments;
+  void remember(const StoreView& store) { moments.push_back({store, model.mayBeRefused()}); }
+  // Whether that was the status of the purpose at some moment since there were that many.
   [[nodiscard]] bool wasStored(std::size_t since, int purpose, const std::string& status) const;
+  // Whether nothing was decided about it then, as its signal had ended.
+  [[nodiscard]] bool wasUndecided(std::size_t since, int purpose) const;
   [[nodiscard]] std::optional<int> versionOnDisk() const;
   // The document under every name that it may be asked for by.
   void publishEverywhere(const Document& document);

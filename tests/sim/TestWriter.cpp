@@ -1,5 +1,6 @@
 #include "tests/sim/TestWriter.h"
 
+#include <algorithm>
 #include <array>
 
 #include "tests/sim/Documents.h"
@@ -13,13 +14,27 @@ std::string purposeOf(const Step& step) {
   return std::to_string(purposes[step.what % purposes.size()]);
 }
 
-std::string launchText(const Step& step) {
+std::string signalText(const SignalUse& use) {
+  std::string text = std::string("PrivacySignal{.isGiven = ") + (use.isGiven ? "true" : "false");
+  if (use.purposes) {
+    text += ", .purposes = std::vector<std::int64_t>{";
+    for (const int purpose : *use.purposes) {
+      text += (purpose == use.purposes->front() ? "" : ", ") + std::to_string(purpose);
+    }
+    text += "}";
+  }
+  return text + "}";
+}
+
+std::string launchText(const Step& step, const Plan& plan) {
   std::string text = "options = device.options();";
   if (step.how / 128 % 3 == 1) text += std::string(" options.locationCode = \"") + lawfulPlace + "\";";
   if (step.what % 3 != 0)
     text += std::string(" options.languageCode = \"") + (step.what % 3 == 1 ? "en" : "de") + "\";";
   if (step.how / 16 % 8 == 1) text += " options.testingMode = true;";
-  return text + " sdk->setup(options);";
+  if (const auto use = signalsOf(plan, step.how)) text += " options.privacySignal = " + signalText(*use) + ";";
+  text += " options.consentsCheckInterval = " + std::to_string(plan.checkInterval) + ";";
+  return text + "\n  sdk->setup(options);";
 }
 
 std::string answerText(RequestFault fault) {
@@ -67,11 +82,11 @@ std::string requestText(const Step& step) {
 std::string line(const Step& step, const Plan& plan, const std::vector<Document>& documents) {
   switch (step.act) {
     case Act::setUp:
-      return launchText(step);
+      return launchText(step, plan);
     case Act::close:
       return "sdk->close();";
     case Act::restart:
-      return "sdk.reset();\n  sdk = device.launch();\n  " + launchText(step);
+      return "sdk.reset();\n  sdk = device.launch();\n  " + launchText(step, plan);
     case Act::kill:
       return "sdk.reset();  // was killed\n  sdk = device.launch();";
     case Act::decide:
@@ -104,6 +119,8 @@ std::string line(const Step& step, const Plan& plan, const std::vector<Document>
       if (step.how % 12 == 0)
         return step.what % 2 == 0 ? "device.setLocation(\"US\", \"CA\");" : "// the place is unknown";
       return "device.publish(R\"json(" + documents[step.what % (documents.size() - 1)].json() + ")json\");";
+    case Act::signal:
+      return std::string("device.setPrivacySignal(") + (step.what % 2 == 0 ? "true" : "false") + ");";
     case Act::failRequest:
       return requestText(step);
     case Act::failStore:
@@ -115,14 +132,24 @@ std::string line(const Step& step, const Plan& plan, const std::vector<Document>
   }
 }
 
+// A reason may quote the log.
+std::string onOneLine(std::string text) {
+  std::ranges::replace(text, '\n', ' ');
+  if (text.ends_with('\\')) text += '.';
+  return text;
+}
+
 }  // namespace
 
 std::string asTest(const Plan& plan, const std::string& failure) {
-  const auto documents = makeDocuments(Choices(plan.seed));
-  std::string text = "TEST_F(DeviceTest, NameOfTheClaim) {  // " + failure + "\n  device.publish(R\"json(" +
-                     documents.front().json() + ")json\");\n  sdk = device.launch();\n" +
-                     "  ConsentSDKOptions options = device.options();\n  options.consentsCheckInterval = " +
-                     std::to_string(plan.checkInterval) + ";\n";
+  const auto documents = makeDocuments(plan.seed);
+  const std::string reason = onOneLine(failure);
+  std::string text =
+      "#include <gtest/gtest.h>\n\n#include <chrono>\n#include <memory>\n\n#include \"quillon/Testing.h\"\n\n"
+      "namespace quillon::testing {\nnamespace {\n\nusing namespace std::chrono_literals;\n\n";
+  text += "TEST(SeedTest, NameOfTheClaim) {  // seed " + std::to_string(plan.seed) + ": " + reason +
+          "\n  Device device;\n  device.publish(R\"json(" + documents.front().json() +
+          ")json\");\n  auto sdk = device.launch();\n  ConsentSDKOptions options;\n";
   for (const Step& step : plan.steps) {
     text += "  " + line(step, plan, documents);
     if (plan.processes > 1) text += "  // in process " + std::to_string(step.process % plan.processes);
@@ -130,7 +157,8 @@ std::string asTest(const Plan& plan, const std::string& failure) {
     if (step.order != 0) text += "  // jobs in the order of " + std::to_string(step.order) + "\n";
     text += "  device.settle();\n";
   }
-  return text + "}\n";
+  return text +
+         "  ADD_FAILURE() << \"say here what must hold\";\n}\n\n}  // namespace\n}  // namespace quillon::testing\n";
 }
 
 }  // namespace quillon::sim

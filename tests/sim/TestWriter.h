@@ -7,8 +7,8 @@
 
 namespace quillon::sim {
 
-// A test over quillon::testing that makes the plan's steps, to be pasted and completed with what must hold. A device
-// has one process and runs its jobs as they come: what cannot be said there stands in a comment.
+// A test over quillon::testing that makes the plan's steps, a file of its own. It fails until it is completed with what
+// must hold. A device has one process and runs its jobs as they come: what cannot be said there stands in a comment.
 [[nodiscard]] std::string asTest(const Plan& plan, const std::string& failure);
 
 }  // namespace quillon::sim

@@ -132,7 +132,7 @@ void World::make(const Step& step) {
   const StoreView after = around_.view();
   around_.model.judgeAct(report, before, after);
   bury();
-  around_.views.push_back(after);
+  around_.remember(after);
   if (step.act == Act::pass) {
     const std::chrono::seconds interval(around_.plan.checkInterval);
     const std::chrono::milliseconds times[] = {500ms, 1s, 5s, 20s, 70s, interval, interval, 3601s, 3601s + interval};
@@ -156,10 +156,11 @@ void World::judge(const StoreView& before) {
   const auto version = around_.versionOnDisk();
   around_.model.diskHolds(version);
   around_.model.judgeJobs(before, after);
-  around_.views.push_back(after);
+  around_.remember(after);
   const std::int64_t now = wholeSeconds(around_.clock->now());
   for (const auto& process : processes_) {
     if (!process) continue;
+    process->judgeTold();
     const Answers answers = process->answers();
     if (answers.isQuiet) {
       const bool isAlone = processes_.size() == 1;
@@ -169,6 +170,7 @@ void World::judge(const StoreView& before) {
       }
       around_.model.quiet(process->owner());
       process->judgeQuiet();
+      if (!around_.isDisturbed) around_.model.judgeSignals(process->owner(), after);
     }
     around_.model.judgeAnswers(process->owner(), answers, after, now);
   }
@@ -179,6 +181,7 @@ void World::apply(const Step& step, ActReport& report) {
   Process& acting = process(step.process);
   switch (step.act) {
     case Act::setUp:
+      report.effect = Effect::setUp;
       acting.setUp(step.what, step.how);
       if (step.what / 48 % 6 == 1) acting.setUp(step.what / 7, step.how / 7);
       break;
@@ -186,6 +189,7 @@ void World::apply(const Step& step, ActReport& report) {
       acting.close();
       break;
     case Act::restart:
+      report.effect = Effect::setUp;
       acting.screens().clear();
       ended_.push_back(acting.owner());
       processes_[step.process % processes_.size()].reset();
@@ -277,6 +281,10 @@ void World::applyToDevice(const Step& step) {
       break;
     case Act::publish:
       publish(step.what, step.how);
+      break;
+    case Act::signal:
+      around_.model.signalIs(step.what % 2 == 0);
+      around_.signals->set(step.what % 2 == 0);
       break;
     default:
       break;
