@@ -119,7 +119,8 @@ void Model::diskHolds(std::optional<int> version) {
 void Model::settled(int owner) {
   Life& life = lives_.at(owner);
   if (applications_.size() > 1 || life.mayHaveBeenOvertaken) return;
-  if (!disk_ && !life.session.bundled) return;
+  // Another process may have removed the document that is in force.
+  if (!disk_ && (!life.session.bundled || lives_.size() > 1)) return;
   life.versions.clear();
   if (disk_) life.versions.insert(*disk_);
   // It is at hand as soon as the file is not.
