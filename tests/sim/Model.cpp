@@ -102,7 +102,8 @@ void Model::delivered(int by, const std::string& url, int version) {
   for (auto& [owner, life] : lives_) {
     if (!life.isSetUp) continue;
     if (owner != by) life.mayHaveBeenOvertaken = true;
-    if (url.find("/" + life.session.application + "/" + life.session.channel + "/") == std::string::npos) continue;
+    const std::string own = "/" + life.session.application + "/" + (owner == by ? life.session.channel + "/" : "");
+    if (url.find(own) == std::string::npos) continue;
     life.versions.insert(version);
     life.isCertain = false;
   }
@@ -244,8 +245,7 @@ void Model::keepTold(const ActReport& act, const StoreView& before, const StoreV
   if (act.effect == Effect::removal) {
     if (!after.decisions.empty()) return;
     told_.clear();
-    answers_.clear();
-    mayBeAnswers_.clear();
+    answers_ = mayBeAnswers_ = std::set<int>();
     return;
   }
   if (act.wasDisturbed) {
