@@ -53,9 +53,9 @@ Task<void> CheckCycle::follow(SessionPointer session) {
     co_return;
   }
   reportDueBanner();
-  // Uploads what an earlier run left pending, and what a privacy signal decided during the load, without waiting for the
-  // first period, or for the next answer if the configuration asks again. Permission states that were never sent wait
-  // for the first answer.
+  // Uploads what an earlier run left pending, and what a privacy signal decided during the load, without waiting for
+  // the first period, or for the next answer if the configuration asks again. Permission states that were never sent
+  // wait for the first answer.
   if ((wasPending && (isAnswered || isUploadOwed)) || isSignalPending(*s_.store.snapshot()))
     co_await s_.uploader.uploadPending(ConsentUploader::Trigger::automatic);
 }

@@ -20,8 +20,8 @@ struct QtQuickOptions {
   std::optional<double> textScale = std::nullopt;
   /// Disables animations, also where the desktop does not.
   bool isMotionReduced = false;
-  /// Offers "Receipt" in the preference centre: it shows the user what ConsentSDK::receipt() says, and saves it where the
-  /// desktop's file dialog is told to. Needs the library quillon::proof.
+  /// Offers "Receipt" in the preference centre: it shows the user what ConsentSDK::receipt() says, and saves it where
+  /// the desktop's file dialog is told to. Needs the library quillon::proof.
   bool offersReceipt = false;
 };
 

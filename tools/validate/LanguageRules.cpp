@@ -14,8 +14,8 @@ bool isBlank(std::string_view text) {
   return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
-// Lists languages missing from the texts, or blank there while others are not; empty when none is. Lists only a few: with as many languages as texts
-// the message would grow quadratically.
+// Lists languages missing from the texts, or blank there while others are not; empty when none is. Lists only a few:
+// with as many languages as texts the message would grow quadratically.
 std::string missing(const Languages& languages, const LocalizedText& texts) {
   constexpr int mostNames = 8;
   std::string names;

@@ -13,7 +13,8 @@
 namespace quillon::tools {
 
 // The version that a draft gets when it is published: one more than what is live when something material changed and
-// its own is not greater, that of what is live when its own is less, 1 when there is none; nullopt when its own will do.
+// its own is not greater, that of what is live when its own is less, 1 when there is none; nullopt when its own will
+// do.
 [[nodiscard]] std::optional<std::int64_t> versionToPublish(const MainConfiguration& draft,
                                                            const MainConfiguration* live);
 
