@@ -80,12 +80,15 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   });
   if (!isCurrent) co_return std::nullopt;
   *inForce->isStored = isStored;
+  // Nobody may see new terms with an old mapping, or the other way round.
+  const bool hasNewMapping = session->options.privacySignal && (!earlier || earlier->configuration != configuration);
+  if (hasNewMapping) s_.store.consentTable().showTerms(std::nullopt);
+  s_.signal.follow(*session, configuration.get());
   {
     const std::scoped_lock lock(mutex_);
     inForce_ = inForce;
     showTerms();
   }
-  s_.signal.follow(*session, configuration.get());
   s_.events.gates.update();
   // Without the compliance type in the store, defaults would be recorded under another one, or under none: granted.
   const bool changed = isStored && reconcile(configuration);

@@ -17,17 +17,14 @@
 #include "tests/receiver/Servers.h"
 #include "tests/receiver/UploadBody.h"
 #include "tests/support/Contains.h"
+#include "tests/support/Effort.h"
 
 namespace quillon::test {
 namespace {
 
 using namespace std::chrono_literals;
 
-#ifdef QUILLON_SANITIZED
-constexpr int kFewDevices = 15;
-#else
-constexpr int kFewDevices = 80;
-#endif
+constexpr int kFewDevices = isSanitized ? 15 : 80;
 
 int fromEnvironment(const char* name, int otherwise) {
   const char* const value = std::getenv(name);

@@ -164,7 +164,7 @@ Outcome cutPower(const PowerRun& run, const Recorded& recorded, const Effort& ef
 constexpr const char* allAcknowledged = "all that was acknowledged";
 
 Seen powerCuts(const PowerRun& run, Trial& trial) {
-  const auto oneOf = static_cast<std::size_t>(trial.oneIn(8));
+  const auto oneOf = static_cast<std::size_t>(trial.oneIn(isSanitized ? 16 : 8));
   const auto outcome = cutPower(run, record(run), {.combinations = trial.isShort() ? 3u : 250u, .oneOf = oneOf});
   for (const auto& fault : outcome.faults) trial.expect(false, fault);
   trial.tell(std::to_string(outcome.states) + " different states at " + std::to_string(outcome.moments) + " moments");
