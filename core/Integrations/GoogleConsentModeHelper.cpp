@@ -56,10 +56,13 @@ ConsentMap consentMap(const DefaultMapping& mapping, const StoredValues& stored,
 
 void GoogleConsentModeHelper::updateFirebaseConsent(std::shared_ptr<const MainConfiguration> mainConfiguration,
                                                     std::optional<std::string> location) {
-  if (!mainConfiguration) return;
   {
     const std::scoped_lock lock(mutex_);
-    newest_ = Request{std::move(mainConfiguration), std::move(location)};
+    const bool isGone = !mainConfiguration;
+    if (!isGone) last_ = Request{std::move(mainConfiguration), std::move(location)};
+    if (!last_) return;
+    newest_ = last_;
+    newest_->isGone = isGone;
     if (std::exchange(isSending_, true)) return;
   }
   for (;;) {
@@ -92,7 +95,13 @@ void GoogleConsentModeHelper::send(const Request& request) {
         "updateFirebaseConsent(mainConfiguration:location:)");
     return;
   }
-  setFirebaseConsent(consentMap(*mapping, StoredValues(*store_.snapshot()), optOuts_()));
+  auto signals = consentMap(*mapping, StoredValues(*store_.snapshot()), optOuts_());
+  if (request.isGone) {
+    for (auto& [type, granted] : signals) granted = granted && told_.contains(type) && told_.at(type);
+    if (signals == told_) return;
+  }
+  setFirebaseConsent(signals);
+  told_ = std::move(signals);
 }
 
 void GoogleConsentModeHelper::setFirebaseConsent(const ConsentMap& consentMap) {

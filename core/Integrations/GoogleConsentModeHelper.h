@@ -38,7 +38,8 @@ class GoogleConsentModeHelper {
       : platform_(platform), store_(store), logger_(logger), optOuts_(std::move(optOuts)), stop_(std::move(stop)) {}
 
   // Computes the signals from the stored consents and sends them, or leaves that to the thread currently sending. Does
-  // nothing unless the configuration drives consent mode. `location` is the newest known one.
+  // nothing unless the configuration drives consent mode. `location` is the newest known one. Without a configuration,
+  // the last one tells whether a consent has ended: whoever was told of it must hear that.
   void updateFirebaseConsent(std::shared_ptr<const MainConfiguration> mainConfiguration,
                              std::optional<std::string> location);
 
@@ -49,6 +50,7 @@ class GoogleConsentModeHelper {
   struct Request {
     std::shared_ptr<const MainConfiguration> configuration;
     std::optional<std::string> location;
+    bool isGone = false;  // the configuration
   };
   void send(const Request& request);
 
@@ -57,9 +59,11 @@ class GoogleConsentModeHelper {
   SDKLogger& logger_;
   const std::function<OptOuts()> optOuts_;
   const std::stop_token stop_;
-  std::mutex mutex_;  // guards the members below
-  std::optional<Request> newest_;
+  std::mutex mutex_;               // guards the members below
+  std::optional<Request> last_;    // with a configuration
+  std::optional<Request> newest_;  // to be sent
   bool isSending_ = false;
+  ConsentMap told_;  // last; used by the thread that sends alone
 };
 
 }  // namespace quillon

@@ -6,7 +6,7 @@
 
 namespace quillon::sim {
 
-inline constexpr std::array<std::uint64_t, 28> keptSeeds{
+inline constexpr std::array<std::uint64_t, 29> keptSeeds{
     1,          // a listener was not told what another process had removed before the set-up
     9,          // a decision was not uploaded, as the first configuration asked again
     22,         // analytics was told of a consent although no compliance type was known
@@ -35,6 +35,7 @@ inline constexpr std::array<std::uint64_t, 28> keptSeeds{
     2'000'000'100,  // analytics was not told that a signal refuses a purpose which the document does not list
     2'000'001'307,  // what the signal decided with the first configuration was not uploaded
     2'000'001'608,  // a purpose that tracking governs was declined, as the signal stood for it in an older document
+    2'000'317'622,  // analytics was not told that a signal refuses, as the set-up for another channel had no document yet
     2'000'002'293,  // a refusal that was saved as the signal ended ended with it
 };
 
