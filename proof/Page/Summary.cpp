@@ -33,7 +33,7 @@ std::string wordsOf(const json::value& value) {
   return all;
 }
 
-// Of the first of the names that is there.
+// What the object states under the name; empty when nothing.
 std::string statedIn(const json::object& object, std::string_view key) {
   const auto* const value = object.if_contains(key);
   return value != nullptr ? wordsOf(*value) : std::string();
