@@ -5,14 +5,13 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/PermissionSources/BusService.h"
+#include "platform/linux/Bus/BusService.h"
+#include "platform/linux/Bus/DesktopPortal.h"
 #include "platform/parts/ChangeObservers.h"
 
 namespace quillon {
 namespace {
 
-constexpr const char* service = "org.freedesktop.portal.Desktop";
-constexpr const char* path = "/org/freedesktop/portal/desktop";
 constexpr const char* interface = "org.freedesktop.portal.Settings";
 
 constexpr const char* common = "org.freedesktop.appearance";
@@ -68,9 +67,12 @@ DesktopAppearance appearanceOf(GVariant* reply) {
 class LinuxDesktopSettings::Portal {
  public:
   Portal() {
-    session_.watch(
-        {.sender = service, .path = path, .interface = interface, .name = "SettingChanged", .firstArgument = nullptr},
-        [this](GVariant*) { ask(); });
+    session_.watch({.sender = portal::service,
+                    .path = portal::path,
+                    .interface = interface,
+                    .name = "SettingChanged",
+                    .firstArgument = nullptr},
+                   [this](GVariant*) { ask(); });
   }
 
   [[nodiscard]] bool open() { return loop_.open(); }
@@ -94,7 +96,7 @@ class LinuxDesktopSettings::Portal {
       return;
     }
     isOutdated_ = false;
-    const BusMethod readAll{path, interface, "ReadAll", "(a{sa{sv}})"};
+    const BusMethod readAll{portal::path, interface, "ReadAll", "(a{sa{sv}})"};
     const char* const spaces[] = {common, gnome, gnomeAccessibility, nullptr};
     portal_.call(readAll, g_variant_new("(^as)", spaces), [this](const BusService::Reply& reply) {
       isAsking_ = false;
@@ -113,7 +115,7 @@ class LinuxDesktopSettings::Portal {
 
   BusLoop loop_;
   MessageBus session_{loop_, sessionBusAddress()};
-  BusService portal_{session_, service, BusService::Start::onDemand};
+  BusService portal_{session_, portal::service, BusService::Start::onDemand};
   bool isAsking_ = false;  // like the next, used on the loop's thread only
   bool isOutdated_ = false;
   mutable std::mutex mutex_;  // guards the member below

@@ -5,14 +5,13 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/PermissionSources/BusService.h"
+#include "platform/linux/Bus/BusService.h"
+#include "platform/linux/Bus/DesktopPortal.h"
 #include "platform/parts/Contained.h"
 
 namespace quillon {
 namespace {
 
-constexpr const char* portalService = "org.freedesktop.portal.Desktop";
-constexpr const char* portalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* chooserInterface = "org.freedesktop.portal.FileChooser";
 constexpr const char* requestInterface = "org.freedesktop.portal.Request";
 
@@ -23,7 +22,7 @@ std::string requestPath(GDBusConnection* connection, const std::string& token) {
   for (char& c : sender) {
     if (c == '.') c = '_';
   }
-  return std::string(portalPath) + "/request/" + sender + '/' + token;
+  return std::string(portal::path) + "/request/" + sender + '/' + token;
 }
 
 GVariant* saveArguments(const FileToSave& file, const std::string& token) {
@@ -83,7 +82,7 @@ class LinuxFileChooser::Portal {
                     .path = "/org/freedesktop/DBus",
                     .interface = "org.freedesktop.DBus",
                     .name = "NameOwnerChanged",
-                    .firstArgument = portalService},
+                    .firstArgument = portal::service},
                    [this](GVariant* arguments) {
                      const char* owner = nullptr;
                      g_variant_get(arguments, "(&s&s&s)", nullptr, nullptr, &owner);
@@ -124,9 +123,9 @@ class LinuxFileChooser::Portal {
     request_ = requestPath(connection, token);
     connection_.reset(G_DBUS_CONNECTION(g_object_ref(connection)));
     subscription_ =
-        g_dbus_connection_signal_subscribe(connection, portalService, requestInterface, "Response", request_.c_str(),
+        g_dbus_connection_signal_subscribe(connection, portal::service, requestInterface, "Response", request_.c_str(),
                                            nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &Portal::responded, this, nullptr);
-    const BusMethod saveFile{portalPath, chooserInterface, "SaveFile", "(o)"};
+    const BusMethod saveFile{portal::path, chooserInterface, "SaveFile", "(o)"};
     portal_.call(saveFile, saveArguments(choice_->file(), token),
                  [this, asked = choice_](const BusService::Reply& reply) {
                    if (!reply && asked == choice_) end(SaveOutcome::unavailable);
@@ -163,7 +162,7 @@ class LinuxFileChooser::Portal {
     if (connection_) {
       g_dbus_connection_signal_unsubscribe(connection_.get(), subscription_);
       if (!isAnswered_) {
-        g_dbus_connection_call(connection_.get(), portalService, request_.c_str(), requestInterface, "Close", nullptr,
+        g_dbus_connection_call(connection_.get(), portal::service, request_.c_str(), requestInterface, "Close", nullptr,
                                nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
       }
       connection_.reset();
@@ -174,7 +173,7 @@ class LinuxFileChooser::Portal {
 
   BusLoop loop_;
   MessageBus session_{loop_, sessionBusAddress()};
-  BusService portal_{session_, portalService, BusService::Start::onDemand};
+  BusService portal_{session_, portal::service, BusService::Start::onDemand};
   // The members below are used on the loop's thread only.
   std::shared_ptr<Choice> choice_;             // null while nobody is asked
   GLibPointer<GDBusConnection> connection_{};  // of the request that is under way

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/PermissionSources/BusLoop.h"
+#include "platform/linux/Bus/BusLoop.h"
 #include "platform/parts/ChangeObservers.h"
 
 namespace quillon {

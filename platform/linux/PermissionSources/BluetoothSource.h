@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/linux/PermissionSources/BusService.h"
+#include "platform/linux/Bus/BusService.h"
 #include "platform/linux/PermissionSources/PermissionSource.h"
 
 namespace quillon {

@@ -1,7 +1,7 @@
 // Whether fingerprint recognition is available.
 #pragma once
 
-#include "platform/linux/PermissionSources/BusService.h"
+#include "platform/linux/Bus/BusService.h"
 #include "platform/linux/PermissionSources/PermissionSource.h"
 
 namespace quillon {

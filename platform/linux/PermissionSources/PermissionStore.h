@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/linux/PermissionSources/BusService.h"
+#include "platform/linux/Bus/BusService.h"
 #include "platform/linux/PermissionSources/PermissionSource.h"
 
 namespace quillon {

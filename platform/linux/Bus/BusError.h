@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/linux/PermissionSources/GLibPointers.h"
+#include "platform/linux/Bus/GLibPointers.h"
 
 namespace quillon {
 

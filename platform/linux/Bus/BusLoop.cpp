@@ -1,4 +1,4 @@
-#include "platform/linux/PermissionSources/BusLoop.h"
+#include "platform/linux/Bus/BusLoop.h"
 
 #include <sys/eventfd.h>
 

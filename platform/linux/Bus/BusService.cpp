@@ -1,4 +1,4 @@
-#include "platform/linux/PermissionSources/BusService.h"
+#include "platform/linux/Bus/BusService.h"
 
 #include <utility>
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/linux/PermissionSources/MessageBus.h"
+#include "platform/linux/Bus/MessageBus.h"
 
 namespace quillon {
 

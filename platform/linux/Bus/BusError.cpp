@@ -1,4 +1,4 @@
-#include "platform/linux/PermissionSources/BusError.h"
+#include "platform/linux/Bus/BusError.h"
 
 #include <algorithm>
 #include <cstring>

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/linux/PermissionSources/GLibPointers.h"
+#include "platform/linux/Bus/GLibPointers.h"
 
 namespace quillon {
 

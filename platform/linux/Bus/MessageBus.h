@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/PermissionSources/BusError.h"
-#include "platform/linux/PermissionSources/BusLoop.h"
+#include "platform/linux/Bus/BusError.h"
+#include "platform/linux/Bus/BusLoop.h"
 
 namespace quillon {
 

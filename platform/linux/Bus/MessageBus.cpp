@@ -1,4 +1,4 @@
-#include "platform/linux/PermissionSources/MessageBus.h"
+#include "platform/linux/Bus/MessageBus.h"
 
 #include <stdlib.h>
 

@@ -1,0 +1,9 @@
+// The portal, by which a desktop offers its services to applications.
+#pragma once
+
+namespace quillon::portal {
+
+inline constexpr const char* service = "org.freedesktop.portal.Desktop";
+inline constexpr const char* path = "/org/freedesktop/portal/desktop";
+
+}  // namespace quillon::portal
