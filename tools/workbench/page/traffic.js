@@ -30,7 +30,7 @@ function add(exchanges) {
   const rows = byId('exchanges');
   for (const exchange of exchanges) {
     last = exchange.number;
-    rows.prepend(element('tr', {}, element('td', {}, time(exchange.time)),
+    rows.prepend(element('tr', {}, element('td', {class: 'time'}, time(exchange.time)),
       element('td', {class: 'target'}, `${exchange.method} ${exchange.target}`),
       element('td', {class: exchange.status >= 400 ? 'error' : ''}, String(exchange.status)),
       element('td', {}, ...details(exchange))));
