@@ -68,7 +68,8 @@ TEST_F(SqliteSuiteTest, HearsOfCommitsThroughReplacedFilesAndSaysWhenItCannot) {
   EXPECT_EQ(listed(*suite), "more=true theirs=true");
   EXPECT_TRUE(reports_.empty());
 
-  // A sanitizer looks through a pipe at what it sees for the first time, so timers are used while there are descriptors.
+  // A sanitizer looks through a pipe at what it sees for the first time, so timers are used while there are
+  // descriptors.
   LinuxClock clock(pool);
   test::Signal fired;
   const auto timer = clock.after(0ms, [&] { fired.set(); });
