@@ -105,7 +105,7 @@ struct SuiteUpdate {
 // A consistent read of the newest commit of any process.
 struct SuiteReading {
   std::shared_ptr<const SuiteEntries> entries;
-  std::vector<JournalRecord> unmarked;  // newest first, without damaged ones
+  std::vector<JournalRecord> unmarked;  // as many as asked for, newest first, without damaged ones
 };
 
 // Thread-safe. After destruction no call begins; destruction waits for a call running on another thread, so do not
@@ -144,9 +144,9 @@ class KeyValueSuite {
   // for the disk and for a commit of this process.
   virtual std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const = 0;
 
-  // The newest entries, with the unmarked records of the same moment. May wait up to two seconds for the disk and for a
-  // commit of any process; the error gives the reason.
-  virtual std::expected<SuiteReading, std::string> read() const = 0;
+  // The newest entries, with the newest `count` unmarked records of the same moment. May wait up to two seconds for the
+  // disk and for a commit of any process; the error gives the reason.
+  virtual std::expected<SuiteReading, std::string> read(std::size_t count) const = 0;
 
   // Calls `changed` within a second after the content was changed other than through this object, usually by another
   // process. snapshot() then shows the change. Several commits may be merged into one call, and a call may find nothing

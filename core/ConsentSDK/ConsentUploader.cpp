@@ -15,6 +15,7 @@ constexpr std::string_view function = "uploadConsents(url:request:)";
 constexpr std::int64_t statusAccepted = 0;
 constexpr std::int64_t statusFailed = 1;
 constexpr std::chrono::seconds followUpDelay{1};
+constexpr std::int64_t nothingRefused = -1;
 constexpr int mostMissedTurns = 90;  // one a second
 
 std::set<DecisionSubject> subjectsOf(const PostConsentsRequest& request) {
@@ -52,13 +53,6 @@ JournalRecord newestOf(const std::vector<JournalRecord>& unmarked) {
   return unmarked.empty() ? JournalRecord() : unmarked.front();
 }
 
-// Each subject with the number of its newest decision; 0 without a history entry.
-NewestDecisions numbered(const std::set<DecisionSubject>& subjects, const NewestDecisions& newest) {
-  NewestDecisions result;
-  for (const auto& subject : subjects) result.emplace(subject, numberOf(newest, subject));
-  return result;
-}
-
 }  // namespace
 
 void ConsentUploader::close() {
@@ -83,7 +77,6 @@ Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
   // What the server has refused for good is left to the next change.
   const auto entries = s_.store.snapshot();
   const StoredValues stored(*entries);
-  constexpr std::int64_t nothingRefused = -1;
   const bool isRefused = !stored.boolean(key::uploadConsentRequestPending) &&
                          stored.integer(key::uploadRefusedUpTo, nothingRefused) != nothingRefused;
   if (!isRefused) s_.leftPending();
@@ -103,12 +96,11 @@ Task<bool> ConsentUploader::uploadInTurn(SessionPointer session, Trigger trigger
     co_return false;
   }
   for (;;) {
-    const auto reading = s_.store.read();
+    const auto reading = read();
     if (!reading) co_return false;
     const StoredValues stored(*reading->entries);
     if (!stored.isAnythingPending()) co_return true;  // another process has uploaded it
-    const NewestDecisions newest = newestDecisions(reading->unmarked);
-    if (trigger == Trigger::automatic && !isDue(stored, newest, configuration)) co_return false;
+    if (trigger == Trigger::automatic && !isDue(*reading, configuration)) co_return false;
     PostConsentsRequest upload = request(*session, stored, configuration);
     if (upload.uuid.empty()) {
       // Under an identifier that is not stored nobody would find the consents again; a check retries.
@@ -116,7 +108,7 @@ Task<bool> ConsentUploader::uploadInTurn(SessionPointer session, Trigger trigger
       co_return false;
     }
     const bool isAll = !keepBackSignals(upload);
-    Sent sent{numbered(subjectsOf(upload), newest), newestOf(reading->unmarked), upload.uuid};
+    Sent sent{subjectsOf(upload), newestOf(reading->unmarked), upload.uuid};
     const bool isAccepted = co_await send(session->options.appUrl, std::move(upload), std::move(sent));
     if (!isAccepted || isAll) co_return isAccepted;
   }
@@ -129,10 +121,9 @@ Task<void> ConsentUploader::upload(std::string url, PostConsentsRequest request)
   std::unique_ptr<StoreTurn> turn;
   takeTurn(turn);  // sent in any case: the application decides when
   Sent sent;
-  if (const auto reading = s_.store.read()) {
+  if (const auto reading = s_.store.read(1)) {
     const StoredValues stored(*reading->entries);
-    sent = {numbered(pendingSubjects(stored), newestDecisions(reading->unmarked)), newestOf(reading->unmarked),
-            stored.string(key::subjectId, {})};
+    sent = {pendingSubjects(stored), newestOf(reading->unmarked), stored.string(key::subjectId, {})};
   }
   co_await send(std::move(url), std::move(request), std::move(sent));
 }
@@ -196,8 +187,7 @@ void ConsentUploader::applyAnswer(const GenericResponse& response, const PostCon
     // Decisions made during the upload, and those it did not carry, stay pending.
     const NewestDecisions newest = newestDecisions(unmarked);
     const auto wasSent = [&](const DecisionSubject& subject) {
-      const auto carried = sent.decisions.find(subject);
-      return carried != sent.decisions.end() && numberOf(newest, subject) <= carried->second;
+      return sent.subjects.contains(subject) && numberOf(newest, subject) <= sent.newest.number;
     };
     auto purposes = transaction.pendingPurposes();
     std::erase_if(purposes, [&](std::int64_t id) { return wasSent({.purposeId = id}); });
@@ -206,7 +196,7 @@ void ConsentUploader::applyAnswer(const GenericResponse& response, const PostCon
     std::erase_if(permissions, [&](const std::string& name) { return wasSent({.permission = VantariKey(name)}); });
     transaction.set(key::pendingPermissionsList, std::move(permissions));
 
-    for (const auto& [number, outcome] : outcomesOf(unmarked, sent.decisions, subjectsOf(request))) {
+    for (const auto& [number, outcome] : outcomesOf(unmarked, sent.newest.number, sent.subjects, subjectsOf(request))) {
       transaction.mark(number, rawValue(outcome));
     }
   });
@@ -217,15 +207,23 @@ bool ConsentUploader::isUploadDue(const ConfigurationPointer& configuration) con
   const StoredValues stored(*entries);
   if (stored.boolean(key::uploadConsentRequestPending)) return true;
   if (pendingSubjects(stored).empty()) return false;
-  const auto reading = s_.store.read();
-  return reading && isDue(StoredValues(*reading->entries), newestDecisions(reading->unmarked), configuration);
+  const auto reading = read();
+  return reading && isDue(*reading, configuration);
 }
 
-bool ConsentUploader::isDue(const StoredValues& stored, const NewestDecisions& newest,
-                            const ConfigurationPointer& configuration) const {
+std::optional<SuiteReading> ConsentUploader::read() const {
+  auto reading = s_.store.read(1);
+  // What was rejected is told by the numbers of all decisions.
+  const bool wasRejected =
+      reading && StoredValues(*reading->entries).integer(key::uploadRefusedUpTo, nothingRefused) != nothingRefused;
+  return wasRejected ? s_.store.read(maximumJournalRecords) : std::move(reading);
+}
+
+bool ConsentUploader::isDue(const SuiteReading& reading, const ConfigurationPointer& configuration) const {
+  const StoredValues stored(*reading.entries);
   if (stored.boolean(key::uploadConsentRequestPending)) return true;
-  constexpr std::int64_t nothingRefused = -1;
   std::int64_t refused = stored.integer(key::uploadRefusedUpTo, nothingRefused);
+  const NewestDecisions newest = newestDecisions(reading.unmarked);
   // A number above every existing one was never rejected; accepting it would stop uploads from this process for good.
   if (std::ranges::none_of(newest, [&](const auto& decision) { return decision.second >= refused; })) {
     refused = nothingRefused;

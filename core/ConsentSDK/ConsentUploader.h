@@ -5,6 +5,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <set>
 #include <string>
 
 #include "core/ConsentSDK/ConfigurationLoader.h"
@@ -45,10 +47,11 @@ class ConsentUploader {
   bool isUploadDue(const ConfigurationPointer& configuration) const;
 
  private:
-  // The decisions an upload carries, to detect changes made during it.
+  // The decisions an upload carries: those on its subjects up to an entry of the history. It tells them from decisions
+  // made during the upload.
   struct Sent {
-    NewestDecisions decisions;
-    JournalRecord newest;  // history entry when the request was made; number 0 without one
+    std::set<DecisionSubject> subjects;
+    JournalRecord newest;  // unmarked history entry when the request was made; number 0 without one
     std::string subject;   // stored identifier when the request was made
   };
 
@@ -62,8 +65,9 @@ class ConsentUploader {
   // False once the consents were removed during the upload: the history then counts from 1 again.
   static bool isOfSameHistory(const Sent& sent, const StoredValues& stored, const std::vector<JournalRecord>& unmarked);
   void applyAnswer(const GenericResponse& response, const PostConsentsRequest& request, const Sent& sent);
-  bool isDue(const StoredValues& stored, const NewestDecisions& newest,
-             const ConfigurationPointer& configuration) const;
+  // The stored content with as much of the history as isDue() needs of it.
+  std::optional<SuiteReading> read() const;
+  bool isDue(const SuiteReading& reading, const ConfigurationPointer& configuration) const;
 
   const Services s_;
   TaskQueue turns_;

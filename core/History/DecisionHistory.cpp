@@ -53,18 +53,21 @@ NewestDecisions newestDecisions(const std::vector<JournalRecord>& unmarked) {
   return newest;
 }
 
-std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unmarked,
-                                                 const NewestDecisions& sent,
+std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unmarked, std::int64_t last,
+                                                 const std::set<DecisionSubject>& sent,
                                                  const std::set<DecisionSubject>& carried) {
   std::map<std::int64_t, UploadOutcome> outcomes;
+  std::set<DecisionSubject> settled;
   for (const JournalRecord& record : unmarked) {
+    if (record.number > last) continue;
     const auto decision = decode<Decision>(record.text);
     if (!decision) continue;
-    const auto newest = sent.find(subjectOf(*decision));
-    if (newest == sent.end() || record.number > newest->second) continue;
-    const auto outcome = record.number < newest->second    ? UploadOutcome::superseded
-                         : carried.contains(newest->first) ? UploadOutcome::uploaded
-                                                           : UploadOutcome::dropped;
+    const auto subject = subjectOf(*decision);
+    if (!sent.contains(subject)) continue;
+    const bool isNewest = settled.insert(subject).second;
+    const auto outcome = !isNewest                   ? UploadOutcome::superseded
+                         : carried.contains(subject) ? UploadOutcome::uploaded
+                                                     : UploadOutcome::dropped;
     outcomes.emplace(record.number, outcome);
   }
   return outcomes;

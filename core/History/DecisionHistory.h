@@ -44,10 +44,10 @@ struct DecisionSubject {
 using NewestDecisions = std::map<DecisionSubject, std::int64_t>;
 [[nodiscard]] NewestDecisions newestDecisions(const std::vector<JournalRecord>& unmarked);
 
-// The outcome of each unmarked decision that an upload covers, by number: for every subject in `sent`, all decisions up
-// to its number there. The newest of them was uploaded if the upload carried the subject.
+// The outcome of each unmarked decision that an upload covers, by number: those on a subject in `sent`, up to number
+// `last`. The newest of a subject's was uploaded if the upload carried the subject.
 [[nodiscard]] std::map<std::int64_t, UploadOutcome> outcomesOf(const std::vector<JournalRecord>& unmarked,
-                                                               const NewestDecisions& sent,
+                                                               std::int64_t last, const std::set<DecisionSubject>& sent,
                                                                const std::set<DecisionSubject>& carried);
 
 }  // namespace quillon

@@ -84,7 +84,7 @@ std::map<std::string, std::string> NoticeArchive::texts() {
   std::map<std::string, std::string> texts;
   KeyValueSuite* const suite = this->suite();
   if (!suite) return texts;
-  const auto reading = suite->read();
+  const auto reading = suite->read(0);
   if (!reading) {
     report(reading.error());
     return texts;

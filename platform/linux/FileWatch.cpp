@@ -31,6 +31,7 @@ FileWatch::FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file,
       check_(std::move(check)),
       strand_(boost::asio::make_strand(loop_->context())),
       events_(strand_),
+      rest_(strand_),
       again_(strand_) {}
 
 std::shared_ptr<FileWatch> FileWatch::start(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check) {
@@ -48,28 +49,45 @@ std::shared_ptr<FileWatch> FileWatch::start(std::shared_ptr<WorkLoop> loop, std:
 }
 
 std::string FileWatch::watch() {
-  FileDescriptor descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-  if (!descriptor) return systemError("watch", file_);
-  boost::system::error_code error;
-  events_.assign(descriptor.get(), error);  // NOLINT(bugprone-unused-return-value): it is this error
-  if (error) return "watch " + file_.string() + ": " + error.message();
-  (void)descriptor.release();
+  resting_ = FileDescriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  if (!resting_) return systemError("watch", file_);
   return addFolder() ? std::string() : systemError("watch", file_.parent_path());
 }
 
+int FileWatch::descriptor() {
+  return resting_ ? resting_.get() : events_.native_handle();
+}
+
 bool FileWatch::addFolder() {
-  return ::inotify_add_watch(events_.native_handle(), file_.parent_path().c_str(),
+  return ::inotify_add_watch(descriptor(), file_.parent_path().c_str(),
                              changes | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR) >= 0;
 }
 
 void FileWatch::waitForEvents() {
+  boost::system::error_code problem;
+  events_.assign(resting_.get(), problem);  // NOLINT(bugprone-unused-return-value): it is this error
+  if (problem) {
+    rest(latest);
+    check();
+    return;
+  }
+  (void)resting_.release();
   events_.async_wait(boost::asio::posix::descriptor_base::wait_read, [weak = weak_from_this()](auto error) {
     const auto self = weak.lock();
     if (!self || error || self->loop_->isClosed()) return;
     contained([&] {
+      self->resting_ = FileDescriptor(self->events_.release());
+      self->rest(soonest);
       self->takeEvents();
-      self->waitForEvents();
     });
+  });
+}
+
+void FileWatch::rest(std::chrono::milliseconds duration) {
+  rest_.expires_after(duration);
+  rest_.async_wait([weak = weak_from_this()](auto error) {
+    const auto self = weak.lock();
+    if (self && !error && !self->loop_->isClosed()) contained([&] { self->waitForEvents(); });
   });
 }
 
@@ -79,7 +97,7 @@ void FileWatch::takeEvents() {
   bool isConcerned = false;
   alignas(inotify_event) std::array<char, 4096> buffer;
   for (;;) {
-    const auto count = ::read(events_.native_handle(), buffer.data(), buffer.size());
+    const auto count = ::read(descriptor(), buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) break;
     for (std::size_t at = 0; at < static_cast<std::size_t>(count);) {

@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/linux/FileDescriptor.h"
 #include "platform/linux/WorkPool.h"
 
 namespace quillon {
@@ -34,11 +35,17 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
 
  private:
   using Strand = boost::asio::strand<boost::asio::io_context::executor_type>;
+  using Timer = boost::asio::basic_waitable_timer<std::chrono::steady_clock,
+                                                  boost::asio::wait_traits<std::chrono::steady_clock>, Strand>;
 
   std::string watch();
+  int descriptor();
   bool addFolder();
   void waitForEvents();
   void takeEvents();
+  // Leaves the events alone for a while: a commit makes a dozen, and this process's own would pay for waking a thread
+  // with each.
+  void rest(std::chrono::milliseconds duration);
   void check();
 
   const std::shared_ptr<WorkLoop> loop_;
@@ -48,9 +55,9 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
   Strand strand_;
   // Members below are used on the strand only.
   boost::asio::posix::basic_stream_descriptor<Strand> events_;
-  boost::asio::basic_waitable_timer<std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>,
-                                    Strand>
-      again_;
+  FileDescriptor resting_;  // that of the events, while nobody waits for them
+  Timer rest_;
+  Timer again_;
   std::chrono::milliseconds delay_{0};
   bool isFolderLost_ = false;
 };

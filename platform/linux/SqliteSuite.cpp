@@ -142,17 +142,17 @@ std::expected<JournalPage, std::string> SqliteSuite::journal(std::int64_t before
   return page;
 }
 
-std::expected<SuiteReading, std::string> SqliteSuite::read() const {
+std::expected<SuiteReading, std::string> SqliteSuite::read(std::size_t count) const {
   auto reading = [&]() -> std::expected<SuiteReading, std::string> {
     try {
       std::lock_guard connection(connectionMutex_);
       if (auto done = ready(); !done) return std::unexpected(std::move(done.error()));
       const auto deadline = writerDeadline();
-      auto unmarked = readOnce();
+      auto unmarked = readOnce(count);
       while (!unmarked && unmarked.error().recovery == Recovery::wait && file_ &&
              std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        unmarked = readOnce();
+        unmarked = readOnce(count);
       }
       if (!unmarked) return std::unexpected(problem(unmarked.error()).text);
       noteDamaged(unmarked->damaged);
@@ -165,7 +165,7 @@ std::expected<SuiteReading, std::string> SqliteSuite::read() const {
   return reading;
 }
 
-SqliteResult<JournalPage> SqliteSuite::readOnce() const {
+SqliteResult<JournalPage> SqliteSuite::readOnce(std::size_t count) const {
   if (auto begun = file_->beginReading(); !begun) return std::unexpected(begun.error());
   struct Ended {
     std::optional<SuiteFile>& file;
@@ -174,7 +174,7 @@ SqliteResult<JournalPage> SqliteSuite::readOnce() const {
     }
   } ended{file_};
   if (auto done = refresh(); !done) return std::unexpected(done.error());
-  return file_->readUnmarked();
+  return file_->readUnmarked(count);
 }
 
 // Ensures that an open file is at the path.

@@ -40,7 +40,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   std::shared_ptr<void> follow(Follower follower) override;
   std::expected<void, std::string> update(const Edit& edit) override;
   std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
-  std::expected<SuiteReading, std::string> read() const override;
+  std::expected<SuiteReading, std::string> read(std::size_t count) const override;
   std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed) override;
 
  private:
@@ -64,7 +64,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
 
   // The members below require connectionMutex_.
   std::expected<void, std::string> ready() const;
-  SqliteResult<JournalPage> readOnce() const;
+  SqliteResult<JournalPage> readOnce(std::size_t count) const;
   void noteDamaged(const std::vector<std::int64_t>& records) const;
   SqliteResult<> refresh() const;
   void useFile(SuiteFile::Opened opened) const;

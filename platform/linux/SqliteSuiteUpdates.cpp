@@ -129,7 +129,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   const auto impossible = [](std::string why) { return std::unexpected(Problem{Recovery::none, std::move(why)}); };
   SuiteUpdate planned = edit(current);
   if (planned.markRecords) {
-    const auto unmarked = file_->readUnmarked();
+    const auto unmarked = file_->readUnmarked(maximumJournalRecords);
     if (!unmarked) return std::unexpected(problem(unmarked.error()));
     noteDamaged(unmarked->damaged);
     planned.completeMarks(unmarked->records);

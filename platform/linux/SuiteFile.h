@@ -65,7 +65,9 @@ class SuiteFile {
   // Waits for a writer until the deadline.
   [[nodiscard]] SqliteResult<JournalPage> readJournal(std::int64_t before, std::size_t count, Deadline deadline);
   // Does not wait.
-  [[nodiscard]] SqliteResult<JournalPage> readUnmarked() { return journal_.unmarked(database_); }
+  [[nodiscard]] SqliteResult<JournalPage> readUnmarked(std::size_t count) {
+    return journal_.unmarked(database_, count);
+  }
   // The newest record, as a page. Does not wait.
   [[nodiscard]] SqliteResult<JournalPage> readNewest();
   // The readable journal records of a damaged file, oldest first.

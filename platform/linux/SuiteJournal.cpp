@@ -33,8 +33,9 @@ SqliteResult<> take(const SqliteStatement& row, JournalPage& page) {
   return {};
 }
 
-SqliteResult<> collect(SqliteStatement& statement, JournalPage& page) {
-  for (;;) {
+// Reads rows until there are none or the page has `count` sound records.
+SqliteResult<> collect(SqliteStatement& statement, JournalPage& page, std::size_t count = maximumJournalRecords) {
+  while (page.records.size() < count) {
     const auto row = statement.step();
     if (!row) return std::unexpected(row.error());
     if (!*row) return {};
@@ -43,6 +44,8 @@ SqliteResult<> collect(SqliteStatement& statement, JournalPage& page) {
       return taken;
     }
   }
+  statement.reset();
+  return {};
 }
 
 SqliteResult<> finish(SqliteStatement& statement) {
@@ -176,12 +179,12 @@ SqliteResult<JournalPage> SuiteJournal::read(SqliteDatabase& database, std::int6
   return page;
 }
 
-SqliteResult<JournalPage> SuiteJournal::unmarked(SqliteDatabase& database) {
+SqliteResult<JournalPage> SuiteJournal::unmarked(SqliteDatabase& database, std::size_t count) {
   JournalPage page;
   const auto prepared = prepare(database, Missing::leave);
   if (!prepared) return std::unexpected(prepared.error());
   if (!*prepared) return page;
-  if (auto done = collect(statements_->unmarked, page); !done) return std::unexpected(done.error());
+  if (auto done = collect(statements_->unmarked, page, count); !done) return std::unexpected(done.error());
   return page;
 }
 

@@ -28,8 +28,8 @@ class SuiteJournal {
   // Newest first; the table need not exist.
   [[nodiscard]] SqliteResult<JournalPage> read(SqliteDatabase& database, std::int64_t before, std::size_t count);
 
-  // Unmarked records, newest first; the table need not exist.
-  [[nodiscard]] SqliteResult<JournalPage> unmarked(SqliteDatabase& database);
+  // The newest `count` unmarked records, newest first; the table need not exist.
+  [[nodiscard]] SqliteResult<JournalPage> unmarked(SqliteDatabase& database, std::size_t count);
 
   // Writes a record of another file with its number.
   [[nodiscard]] SqliteResult<> put(SqliteDatabase& database, const JournalRecord& record);

@@ -19,7 +19,7 @@ class MemorySuite::Content {
   // Exceptions of the edit propagate.
   std::expected<void, std::string> update(const Edit& edit);
   JournalPage journal(std::int64_t before, std::size_t count) const;
-  SuiteReading read() const;
+  SuiteReading read(std::size_t count) const;
 
   void add(std::shared_ptr<Process> process, std::weak_ptr<SuiteObservers> observers);
   // Observers of ended processes are not called.

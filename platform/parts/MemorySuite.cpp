@@ -10,10 +10,11 @@ namespace quillon {
 
 namespace {
 
-std::vector<JournalRecord> unmarkedOf(const std::deque<JournalRecord>& journal) {
+std::vector<JournalRecord> unmarkedOf(const std::deque<JournalRecord>& journal, std::size_t count) {
   std::vector<JournalRecord> unmarked;
-  std::copy_if(journal.rbegin(), journal.rend(), std::back_inserter(unmarked),
-               [](const JournalRecord& record) { return record.mark.empty(); });
+  for (auto record = journal.rbegin(); record != journal.rend() && unmarked.size() < count; ++record) {
+    if (record->mark.empty()) unmarked.push_back(*record);
+  }
   return unmarked;
 }
 
@@ -66,7 +67,7 @@ std::expected<void, std::string> MemorySuite::Content::update(const Edit& edit) 
   std::lock_guard turn(writersMutex_);
   const auto current = snapshot();
   SuiteUpdate update = edit(*current);
-  if (update.markRecords) update.completeMarks(unmarkedOf(journal_));
+  if (update.markRecords) update.completeMarks(unmarkedOf(journal_, journal_.size()));
   if (update.appendAfter) update.completeAppended(newestOf(journal_));
   if (update.changes.contains("")) return std::unexpected("a key is empty");
   for (const auto& text : update.appended) {
@@ -99,9 +100,9 @@ JournalPage MemorySuite::Content::journal(std::int64_t before, std::size_t count
   return page;
 }
 
-SuiteReading MemorySuite::Content::read() const {
+SuiteReading MemorySuite::Content::read(std::size_t count) const {
   std::lock_guard turn(writersMutex_);
-  return {snapshot(), unmarkedOf(journal_)};
+  return {snapshot(), unmarkedOf(journal_, count)};
 }
 
 void MemorySuite::Content::add(std::shared_ptr<Process> process, std::weak_ptr<SuiteObservers> observers) {
@@ -163,8 +164,8 @@ std::expected<JournalPage, std::string> MemorySuite::journal(std::int64_t before
   return content_->journal(before, count);
 }
 
-std::expected<SuiteReading, std::string> MemorySuite::read() const {
-  return content_->read();
+std::expected<SuiteReading, std::string> MemorySuite::read(std::size_t count) const {
+  return content_->read(count);
 }
 
 std::unique_ptr<SuiteSubscription> MemorySuite::observe(std::function<void()> changed) {

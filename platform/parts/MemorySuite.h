@@ -34,7 +34,7 @@ class MemorySuite final : public KeyValueSuite {
   std::shared_ptr<void> follow(Follower follower) override;
   std::expected<void, std::string> update(const Edit& edit) override;
   std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override;
-  std::expected<SuiteReading, std::string> read() const override;
+  std::expected<SuiteReading, std::string> read(std::size_t count) const override;
   std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed) override;
 
  private:

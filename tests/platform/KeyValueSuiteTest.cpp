@@ -177,18 +177,19 @@ TYPED_TEST(KeyValueSuiteContract, JournalLosesItsOldestRecordsFirst) {
 
 TYPED_TEST(KeyValueSuiteContract, AReadingIsTheNewestCommitOfAnyProcessWithItsUnsettledRecords) {
   const auto other = this->world_.later.open("suite", {}).value();
-  ASSERT_TRUE(this->suite_->read()->unmarked.empty());
+  ASSERT_TRUE(this->suite_->read(10)->unmarked.empty());
   ASSERT_TRUE(other->update([](const SuiteEntries&) { return appending({"first", "second"}, {{"key", true}}); }));
-  const auto reading = this->suite_->read();
+  const auto reading = this->suite_->read(10);
   ASSERT_TRUE(reading);
   EXPECT_EQ(*reading->entries, (SuiteEntries{{"key", true}})) << "however lately the file was looked at";
   EXPECT_EQ(reading->unmarked, (std::vector<JournalRecord>{{2, "second", ""}, {1, "first", ""}}));
+  EXPECT_EQ(this->suite_->read(1)->unmarked, (std::vector<JournalRecord>{{2, "second", ""}}));
   ASSERT_TRUE(other->update([](const SuiteEntries&) {
     SuiteUpdate update;
     update.markRecords = [](const auto&) { return SuiteUpdate::Marking{{{1, "sent"}}, {}}; };
     return update;
   }));
-  EXPECT_EQ(this->suite_->read()->unmarked, (std::vector<JournalRecord>{{2, "second", ""}}));
+  EXPECT_EQ(this->suite_->read(10)->unmarked, (std::vector<JournalRecord>{{2, "second", ""}}));
 }
 
 TYPED_TEST(KeyValueSuiteContract, TellsThoseWhoObserveOfWhatOthersCommitAndOfNothingElse) {

@@ -161,7 +161,7 @@ TEST_F(SqliteSuiteTest, AFileWithMoreInItThanWeKnowIsReadAndWrittenOn) {
     });
     EXPECT_TRUE(done) << done.error();
     EXPECT_EQ(listed(*open()), "a=granted b=declined");
-    EXPECT_EQ(suite->read()->unmarked.size(), 1u);
+    EXPECT_EQ(suite->read(10)->unmarked.size(), 1u);
     EXPECT_EQ(keptAside().size(), replaced);
     EXPECT_EQ(reports_.size(), replaced);
   }

@@ -193,7 +193,7 @@ TEST_F(SqliteSuiteTest, AStoreThatAnotherProcessHoldsIsDoneWithoutUntilItLetsGo)
   const auto done = put(*suite, "1", std::string("declined"));
   ASSERT_FALSE(done);
   EXPECT_TRUE(contains(done.error(), "another process holds it"));
-  EXPECT_FALSE(suite->read());
+  EXPECT_FALSE(suite->read(1));
   EXPECT_EQ(listed(*suite), "LOST_ENTRIES=true");
   ASSERT_TRUE(foreign->run("ROLLBACK"));
   ASSERT_TRUE(free.wait(5s)) << "taken up without being asked";

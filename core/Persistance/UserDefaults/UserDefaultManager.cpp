@@ -116,8 +116,8 @@ bool UserDefaultManager::markOutcomes(const OutcomeEdit& edit) {
   }));
 }
 
-std::optional<SuiteReading> UserDefaultManager::read() const {
-  auto reading = suite().read();
+std::optional<SuiteReading> UserDefaultManager::read(std::size_t count) const {
+  auto reading = suite().read(count);
   if (reading) return std::move(*reading);
   logger_.log("Failed to read: " + escapedForLog(reading.error()), LogLevel::error, "read", unit::userDefaultManager,
               __LINE__);
@@ -177,7 +177,7 @@ HistoryPage UserDefaultManager::verifiedHistory(std::int64_t before, std::size_t
   HistoryPage history;
   // The head is read before the entries; a decision stored in between makes them differ.
   for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-    const auto reading = suite().read();
+    const auto reading = suite().read(0);
     if (!reading) return noHistory(reading.error());
     const auto newest = suite().journal(end, 1);
     auto page = newest ? suite().journal(before, std::min(count, maximumJournalRecords) + 1) : newest;

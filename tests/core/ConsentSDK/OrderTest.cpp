@@ -63,7 +63,7 @@ TEST(Order, OneProcessUploadsAtATimeAndTheLatestDecisionEndsAtTheServer) {
   slow.wait();
   EXPECT_TRUE(other.uploadPendingConsents().get());
   EXPECT_EQ(world.uploads().size(), 2u);
-  const auto newest = world.platform.store->open(key::suiteName, {}).value()->read().value();
+  const auto newest = world.platform.store->open(key::suiteName, {}).value()->read(0).value();
   EXPECT_TRUE(StoredValues(*newest.entries).pendingPurposes().empty());
   other.close();
 }

@@ -40,7 +40,7 @@ class ChronicledSuite : public KeyValueSuite {
   std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const override {
     return suite_->journal(before, count);
   }
-  std::expected<SuiteReading, std::string> read() const override { return suite_->read(); }
+  std::expected<SuiteReading, std::string> read(std::size_t count) const override { return suite_->read(count); }
   std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed) override {
     return suite_->observe(std::move(changed));
   }
@@ -72,7 +72,7 @@ class ChronicledStore : public KeyValueStore {
 
 SuiteImage imageOf(const KeyValueSuite& suite) {
   auto journal = suite.journal(std::numeric_limits<std::int64_t>::max(), maximumJournalRecords);
-  const auto reading = suite.read();
+  const auto reading = suite.read(0);
   if (!journal || !reading) throw std::runtime_error("the store cannot be read");
   if (!journal->damaged.empty()) throw std::runtime_error("a record of the journal is damaged");
   return {*reading->entries, std::move(journal->records)};
