@@ -55,6 +55,12 @@ SqliteResult<bool> SqliteStatement::step() {
   return result;
 }
 
+SqliteResult<> SqliteStatement::run() {
+  const auto done = step();
+  if (!done) return std::unexpected(done.error());
+  return {};
+}
+
 SqliteResult<std::string_view> SqliteStatement::asText(int column) const {
   const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
   if (data == nullptr) return failed(nullptr, SQLITE_NOMEM);

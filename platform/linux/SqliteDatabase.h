@@ -39,6 +39,9 @@ class SqliteStatement {
   // True on a row, false at the end; after the end or an error it can be bound and run again.
   [[nodiscard]] SqliteResult<bool> step();
 
+  // Runs a statement without results.
+  [[nodiscard]] SqliteResult<> run();
+
   // Ends a run early; until then the connection keeps its lock.
   void reset() noexcept { sqlite3_reset(statement_.get()); }
 

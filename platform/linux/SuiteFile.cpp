@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <thread>
 
 #include "platform/linux/FileCalls.h"
@@ -51,6 +50,15 @@ SqliteResult<std::optional<Row>> verifiedRow(const SqliteStatement& statement) {
   if (key.size() + text.size() > maximumEntryBytes) return std::nullopt;
   if (statement.integer(3) != storedChecksum(key, type, text)) return std::nullopt;
   return Row{key, type, text};
+}
+
+// The only row of a statement; 0 if it has none or is no number.
+SqliteResult<std::int64_t> number(SqliteStatement& statement) {
+  const auto row = statement.step();
+  if (!row) return std::unexpected(row.error());
+  const auto number = statement.integer(0);
+  statement.reset();
+  return number.value_or(0);
 }
 
 std::string printable(std::string_view key) {
@@ -135,7 +143,8 @@ SqliteResult<> SuiteFile::prepareStatements() {
     std::string_view sql;
   };
   for (auto& [statement, sql] :
-       {Prepared{version_, "PRAGMA data_version"},
+       {Prepared{version_, "PRAGMA data_version"}, Prepared{pageCount_, "PRAGMA page_count"},
+        Prepared{begin_, "BEGIN IMMEDIATE"}, Prepared{beginReading_, "BEGIN"}, Prepared{commit_, "COMMIT"},
         Prepared{select_, "SELECT key, type, value, checksum FROM entries ORDER BY key"},
         Prepared{put_, SuiteLayout::put}, Prepared{remove_, "DELETE FROM entries WHERE key=?"}}) {
     auto prepared = database_.prepare(sql);
@@ -146,11 +155,7 @@ SqliteResult<> SuiteFile::prepareStatements() {
 }
 
 SqliteResult<std::int64_t> SuiteFile::version() {
-  const auto row = version_.step();
-  if (!row) return std::unexpected(row.error());
-  const auto version = version_.integer(0);
-  version_.reset();
-  return version.value_or(0);
+  return number(version_);
 }
 
 SqliteResult<SuiteContent> SuiteFile::read() {
@@ -202,11 +207,10 @@ SqliteResult<SuiteContent> SuiteFile::read() {
 }
 
 bool SuiteFile::truncated() {
-  const auto pages = database_.ask("PRAGMA page_count");
+  const auto pages = number(pageCount_);
   struct stat status{};
   if (!pages || ::stat(path_.c_str(), &status) != 0) return false;
-  return static_cast<std::uint64_t>(status.st_size) <
-         std::strtoull(pages->c_str(), nullptr, 10) * SuiteLayout::pageBytes;
+  return status.st_size < *pages * static_cast<std::int64_t>(SuiteLayout::pageBytes);
 }
 
 SqliteResult<> SuiteFile::put(std::string_view key, const StoredValue& value) {
@@ -215,9 +219,7 @@ SqliteResult<> SuiteFile::put(std::string_view key, const StoredValue& value) {
 
 SqliteResult<> SuiteFile::remove(std::string_view key) {
   remove_.bind(0, key);
-  const auto done = remove_.step();
-  if (!done) return std::unexpected(done.error());
-  return {};
+  return remove_.run();
 }
 
 SqliteResult<JournalPage> SuiteFile::readJournal(std::int64_t before, std::size_t count, Deadline deadline) {
@@ -229,7 +231,7 @@ SqliteResult<JournalPage> SuiteFile::readNewest() {
 }
 
 SqliteResult<> SuiteFile::commit(Deadline deadline) {
-  auto done = retryWhileHeld(deadline, [this] { return database_.run("COMMIT"); });
+  auto done = retryWhileHeld(deadline, [this] { return commit_.run(); });
   if (done) journal_.transactionEnded(true);
   return done;
 }

@@ -56,9 +56,9 @@ class SuiteFile {
   // Whether the file is shorter than its header states; SQLite would not notice while the pages are cached.
   [[nodiscard]] bool truncated();
 
-  [[nodiscard]] SqliteResult<> begin() { return database_.run("BEGIN IMMEDIATE"); }
+  [[nodiscard]] SqliteResult<> begin() { return begin_.run(); }
   // Reads until the end of the transaction see one moment.
-  [[nodiscard]] SqliteResult<> beginReading() { return database_.run("BEGIN"); }
+  [[nodiscard]] SqliteResult<> beginReading() { return beginReading_.run(); }
   [[nodiscard]] SqliteResult<> put(std::string_view key, const StoredValue& value);
   [[nodiscard]] SqliteResult<> remove(std::string_view key);
   [[nodiscard]] SqliteResult<> writeJournal(const SuiteUpdate& update) { return journal_.write(database_, update); }
@@ -87,6 +87,10 @@ class SuiteFile {
   std::filesystem::path path_;
   SqliteDatabase database_;
   SqliteStatement version_;
+  SqliteStatement pageCount_;
+  SqliteStatement begin_;
+  SqliteStatement beginReading_;
+  SqliteStatement commit_;
   SqliteStatement select_;
   SqliteStatement put_;
   SqliteStatement remove_;

@@ -48,12 +48,6 @@ SqliteResult<> collect(SqliteStatement& statement, JournalPage& page, std::size_
   return {};
 }
 
-SqliteResult<> finish(SqliteStatement& statement) {
-  const auto done = statement.step();
-  if (!done) return std::unexpected(done.error());
-  return {};
-}
-
 }  // namespace
 
 SqliteResult<bool> SuiteJournal::prepare(SqliteDatabase& database, Missing missing) {
@@ -117,7 +111,7 @@ SqliteResult<> SuiteJournal::writeMarks(const SuiteUpdate& update) {
     statements_->mark.bind(0, mark->second);
     statements_->mark.bind(1, checksum(record.number, mark->second, record.text));
     statements_->mark.bind(2, record.number);
-    if (auto done = finish(statements_->mark); !done) return done;
+    if (auto done = statements_->mark.run(); !done) return done;
   }
   return {};
 }
@@ -142,7 +136,7 @@ SqliteResult<> SuiteJournal::put(SqliteDatabase& database, const JournalRecord& 
   statement.bind(1, record.mark);
   statement.bind(2, record.text);
   statement.bind(3, checksum(record.number, record.mark, record.text));
-  return finish(statement);
+  return statement.run();
 }
 
 SqliteResult<SuiteJournal::Range> SuiteJournal::range() {

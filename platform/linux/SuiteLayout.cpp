@@ -35,9 +35,7 @@ SqliteResult<> SuiteLayout::write(SqliteStatement& statement, std::string_view k
   statement.bind(1, type);
   statement.bind(2, text);
   statement.bind(3, std::int64_t{storedChecksum(key, type, text)});
-  const auto done = statement.step();
-  if (!done) return std::unexpected(done.error());
-  return {};
+  return statement.run();
 }
 
 }  // namespace quillon
