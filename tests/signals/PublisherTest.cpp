@@ -171,15 +171,17 @@ TEST_F(PublisherTest, AnEarlierRunsKeysAreGoneBeforeAnythingIsKnown) {
   device.settle();
   publisher.reset();
   sdk = device.launch();
-  const SignalPublisher early(*sdk, options(), signalDefaultsIn(suite));
+  publisher.emplace(*sdk, options(), signalDefaultsIn(suite));
   EXPECT_EQ(told(), "none - none none") << "before the set-up";
   setup("DE");
-  const SignalPublisher another(*sdk, options(), signalDefaultsIn(suite));
+  publisher.reset();  // two would write at once
+  publisher.emplace(*sdk, options(), signalDefaultsIn(suite));
   EXPECT_EQ(told(), "11 TC 2 none") << "the user's answer and the cached configuration are enough";
 
   auto nobody = options();
   nobody.cmpId = 0;
-  const SignalPublisher unregistered(*sdk, nobody, signalDefaultsIn(suite));
+  publisher.reset();
+  publisher.emplace(*sdk, nobody, signalDefaultsIn(suite));
   EXPECT_EQ(told(), "none - none none");
   EXPECT_NE(device.log().find("without the number of a registered consent platform nothing is written"),
             std::string::npos);
