@@ -31,8 +31,7 @@ FileWatch::FileWatch(std::shared_ptr<WorkLoop> loop, std::filesystem::path file,
       check_(std::move(check)),
       strand_(boost::asio::make_strand(loop_->context())),
       events_(strand_),
-      rest_(strand_),
-      again_(strand_) {}
+      pause_(strand_) {}
 
 std::shared_ptr<FileWatch> FileWatch::start(std::shared_ptr<WorkLoop> loop, std::filesystem::path file, Check check) {
   auto started = std::make_shared<FileWatch>(std::move(loop), std::move(file), std::move(check));
@@ -40,10 +39,7 @@ std::shared_ptr<FileWatch> FileWatch::start(std::shared_ptr<WorkLoop> loop, std:
   boost::asio::post(started->strand_, [weak = started->weak_from_this()] {
     const auto self = weak.lock();
     if (!self || self->loop_->isClosed()) return;
-    contained([&] {
-      if (self->fault_.empty()) self->waitForEvents();
-      self->check();  // for changes made before
-    });
+    contained([&] { self->check(); });  // for changes made before
   });
   return started;
 }
@@ -54,50 +50,31 @@ std::string FileWatch::watch() {
   return addFolder() ? std::string() : systemError("watch", file_.parent_path());
 }
 
-int FileWatch::descriptor() {
-  return resting_ ? resting_.get() : events_.native_handle();
-}
-
 bool FileWatch::addFolder() {
-  return ::inotify_add_watch(descriptor(), file_.parent_path().c_str(),
+  return ::inotify_add_watch(resting_.get(), file_.parent_path().c_str(),
                              changes | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR) >= 0;
 }
 
 void FileWatch::waitForEvents() {
   boost::system::error_code problem;
   events_.assign(resting_.get(), problem);  // NOLINT(bugprone-unused-return-value): it is this error
-  if (problem) {
-    rest(latest);
-    check();
-    return;
-  }
+  if (problem) return check();
   (void)resting_.release();
   events_.async_wait(boost::asio::posix::descriptor_base::wait_read, [weak = weak_from_this()](auto error) {
     const auto self = weak.lock();
     if (!self || error || self->loop_->isClosed()) return;
-    contained([&] {
-      self->resting_ = FileDescriptor(self->events_.release());
-      self->rest(soonest);
-      self->takeEvents();
-    });
+    self->resting_ = FileDescriptor(self->events_.release());
+    contained([&] { self->takeEvents() ? self->check() : self->pause(soonest, &FileWatch::waitForEvents); });
   });
 }
 
-void FileWatch::rest(std::chrono::milliseconds duration) {
-  rest_.expires_after(duration);
-  rest_.async_wait([weak = weak_from_this()](auto error) {
-    const auto self = weak.lock();
-    if (self && !error && !self->loop_->isClosed()) contained([&] { self->waitForEvents(); });
-  });
-}
-
-void FileWatch::takeEvents() {
+bool FileWatch::takeEvents() {
   const std::string name = file_.filename();
   const std::string journal = name + "-journal";
   bool isConcerned = false;
   alignas(inotify_event) std::array<char, 4096> buffer;
   for (;;) {
-    const auto count = ::read(descriptor(), buffer.data(), buffer.size());
+    const auto count = ::read(resting_.get(), buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) break;
     for (std::size_t at = 0; at < static_cast<std::size_t>(count);) {
@@ -108,22 +85,26 @@ void FileWatch::takeEvents() {
       if (changed.empty() || changed == name || changed == journal) isConcerned = true;
     }
   }
-  if (!isConcerned) return;
-  delay_ = 0ms;
-  again_.cancel();
-  check();
+  return isConcerned;
 }
 
 void FileWatch::check() {
   if (isFolderLost_ && addFolder()) isFolderLost_ = false;
   const bool isBusy = !check_();
-  if (!isBusy && !isFolderLost_ && fault_.empty()) return;
+  if (!isBusy && !isFolderLost_ && fault_.empty()) {
+    delay_ = 0ms;
+    return pause(soonest, &FileWatch::waitForEvents);
+  }
   const auto longest = isFolderLost_ ? latestWithoutFolder : latest;
   delay_ = std::clamp<std::chrono::milliseconds>(isBusy || isFolderLost_ ? delay_ * 2 : longest, soonest, longest);
-  again_.expires_after(delay_);
-  again_.async_wait([weak = weak_from_this()](auto error) {
+  pause(delay_, &FileWatch::check);
+}
+
+void FileWatch::pause(std::chrono::milliseconds duration, void (FileWatch::*next)()) {
+  pause_.expires_after(duration);
+  pause_.async_wait([weak = weak_from_this(), next](auto error) {
     const auto self = weak.lock();
-    if (self && !error && !self->loop_->isClosed()) contained([&] { self->check(); });
+    if (self && !error && !self->loop_->isClosed()) contained([&] { (self.get()->*next)(); });
   });
 }
 

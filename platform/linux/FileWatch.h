@@ -35,17 +35,15 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
 
  private:
   using Strand = boost::asio::strand<boost::asio::io_context::executor_type>;
-  using Timer = boost::asio::basic_waitable_timer<std::chrono::steady_clock,
-                                                  boost::asio::wait_traits<std::chrono::steady_clock>, Strand>;
 
   std::string watch();
-  int descriptor();
   bool addFolder();
   void waitForEvents();
-  void takeEvents();
+  // Whether one of them is about the file.
+  bool takeEvents();
   // Leaves the events alone for a while: a commit makes a dozen, and this process's own would pay for waking a thread
   // with each.
-  void rest(std::chrono::milliseconds duration);
+  void pause(std::chrono::milliseconds duration, void (FileWatch::*next)());
   void check();
 
   const std::shared_ptr<WorkLoop> loop_;
@@ -54,10 +52,11 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
   std::string fault_;  // set by start()
   Strand strand_;
   // Members below are used on the strand only.
+  FileDescriptor resting_;  // that of the events, except while they are waited for
   boost::asio::posix::basic_stream_descriptor<Strand> events_;
-  FileDescriptor resting_;  // that of the events, while nobody waits for them
-  Timer rest_;
-  Timer again_;
+  boost::asio::basic_waitable_timer<std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>,
+                                    Strand>
+      pause_;
   std::chrono::milliseconds delay_{0};
   bool isFolderLost_ = false;
 };
