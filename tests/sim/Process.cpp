@@ -115,7 +115,14 @@ void Process::listen() {
     const int purpose = static_cast<int>(*decision.purposeId);
     judgeSignal(decision);
     const bool isRemoved = decision.cause == DecisionCause::removed;
-    heard_[purpose] = isRemoved ? "" : words(decision.to);
+    const std::string from = decision.from ? words(*decision.from) : "";
+    const std::string to = isRemoved ? "" : words(decision.to);
+    if (from == to) fail(7, "a listener heard of a change that is none");
+    const auto before = heard_.find(purpose);
+    // Of what another process has decided meanwhile only the last is told.
+    const bool isAlone = around_.plan.processes == 1;
+    if (isAlone && before != heard_.end() && before->second != from) fail(7, "a listener missed a change");
+    heard_[purpose] = to;
   }));
   listenings_.push_back(sdk_->listenToUploads([live](const UploadEvent&) { live(); }));
   listenings_.push_back(sdk_->listenToScreens([live](const ScreenEvent&) { live(); }));
@@ -406,6 +413,7 @@ void Process::judgeQuiet() {
   calls_.clear();
   if (heardStatus_ != sdk_->getStatus()) fail(7, "the status was not reported");
   if (!isSetUp_) return;
+  if (heardStatus_ == SDKStatus::fetching) fail(10, "nothing runs, and the set-up has not ended");
   for (const Gate& gate : gates_) {
     if (gate.isOpen != sdk_->isAllowed(gate.purpose)) {
       fail(9, "the gate of purpose " + std::to_string(gate.purpose) + " is " + (gate.isOpen ? "open" : "closed"));
