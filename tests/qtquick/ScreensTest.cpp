@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPalette>
+#include <algorithm>
 #include <optional>
 #include <thread>
 
@@ -177,6 +178,31 @@ TEST_F(Screens, ASwitchThatCannotBeSwitchedStaysAndIsExplainedLater) {
   EXPECT_FALSE(hasMessage(message));
   advance(1ms);
   EXPECT_TRUE(hasMessage(message));
+}
+
+TEST_F(Screens, APurposeThatAPrivacySignalOptsOutIsOffAndSaysWhy) {
+  bannerOf(document)["compliance_type"] = "opt-out";
+  document["privacy_signal_purposes"] = {1};
+  world.server.serve(document);
+  auto options = world.options();
+  options.languageCode = language;
+  options.privacySignal = PrivacySignal{.isGiven = true};
+  world.start(options);
+  preferenceCenter();
+  EXPECT_FALSE(control("Statistics")->property("isOn").toBool());
+  const auto explains = [](const QQuickItem* item) {
+    const auto* content = item->property("content").value<QObject*>();
+    return item->isVisible() && content && content->property("markup").toString().contains("privacy signal");
+  };
+  EXPECT_TRUE(std::ranges::any_of(itemsBelow(top()), explains));
+  // The user may know better.
+  use("Statistics");
+  use("Save Changes");
+  EXPECT_TRUE(isGone());
+  EXPECT_EQ(status(1), "granted");
+  preferenceCenter();
+  EXPECT_TRUE(control("Statistics")->property("isOn").toBool());
+  EXPECT_FALSE(std::ranges::any_of(itemsBelow(top()), explains));
 }
 
 TEST_F(Screens, ThePromptIsOfferedAgainUnlessItWasClosed) {
