@@ -3,14 +3,25 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace quillon {
+
+// Its parts are from 0 to 1, as for sRGB.
+struct AccentColor {
+  double red = 0;
+  double green = 0;
+  double blue = 0;
+
+  bool operator==(const AccentColor&) const = default;
+};
 
 struct DesktopAppearance {
   bool prefersDark = false;
   bool isContrastHigh = false;
   bool isMotionReduced = false;
   double textScale = 1;  // factor, finite and positive
+  std::optional<AccentColor> accent = std::nullopt;
 
   bool operator==(const DesktopAppearance&) const = default;
 };

@@ -36,6 +36,15 @@ class PortalSettings {
     const auto setting = find(space, key, G_VARIANT_TYPE_DOUBLE);
     return setting ? std::optional(g_variant_get_double(setting.get())) : std::nullopt;
   }
+  // A color with a part out of its bounds means none.
+  std::optional<AccentColor> color(const char* space, const char* key) const {
+    const auto setting = find(space, key, G_VARIANT_TYPE("(ddd)"));
+    if (!setting) return std::nullopt;
+    AccentColor color;
+    g_variant_get(setting.get(), "(ddd)", &color.red, &color.green, &color.blue);
+    const auto isPart = [](double part) { return part >= 0 && part <= 1; };
+    return isPart(color.red) && isPart(color.green) && isPart(color.blue) ? std::optional(color) : std::nullopt;
+  }
 
  private:
   GLibPointer<GVariant> find(const char* space, const char* key, const GVariantType* type) const {
@@ -58,6 +67,7 @@ DesktopAppearance appearanceOf(GVariant* reply) {
       settings.is(common, "reduced-motion", more) || settings.isBoolean(gnome, "enable-animations", false);
   const double scale = settings.number(gnome, "text-scaling-factor").value_or(1);
   if (std::isfinite(scale) && scale > 0) appearance.textScale = scale;
+  appearance.accent = settings.color(common, "accent-color");
   return appearance;
 }
 

@@ -51,6 +51,12 @@ TEST_F(DesktopSettingsTest, FollowsThePortalAndTakesOnlyWhatHasItsForm) {
       {"({'org.gnome.desktop.interface': {'enable-animations': <false>, 'text-scaling-factor': <1.5>}, "
        "'org.gnome.desktop.a11y.interface': {'high-contrast': <true>}},)",
        {.isContrastHigh = true, .isMotionReduced = true, .textScale = 1.5}},
+      {"({'org.freedesktop.appearance': {'accent-color': <(0.25, 0.5, 1.0)>}},)",
+       {.accent = AccentColor{0.25, 0.5, 1}}},
+      {"({'org.freedesktop.appearance': {'accent-color': <(0.25, 0.5, 1.1)>}},)", {}},
+      {"({'org.freedesktop.appearance': {'accent-color': <(0.25, -1.0, 1.0)>, 'color-scheme': <uint32 1>}},)",
+       {.prefersDark = true}},
+      {"({'org.freedesktop.appearance': {'accent-color': <0.5>}},)", {}},
       // Of other types, out of all bounds, or unknown: as if it were not there.
       {"({'org.freedesktop.appearance': {'color-scheme': <'1'>, 'contrast': <true>}, "
        "'org.gnome.desktop.interface': {'text-scaling-factor': <-1.0>, 'enable-animations': <uint32 0>}},)",

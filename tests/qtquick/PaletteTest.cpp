@@ -78,6 +78,25 @@ TEST(Palettes, WhateverIsConfiguredIsLegibleInBothSurroundings) {
   }
 }
 
+TEST(Palettes, TheDesktopsAccentIsUsedWhereNothingElseIsConfiguredAndStaysLegible) {
+  for (const char* text : {"#ffffff", "#000000", "#777777", "#e62d42", "#3584e4", "#c88800", "#00ff00"}) {
+    const QColor color(text);
+    const AccentColor accent{color.redF(), color.greenF(), color.blueF()};
+    for (const auto& [isDark, least] :
+         {std::pair(false, LeastContrast()), {true, LeastContrast()}, {false, highContrast}, {true, highContrast}}) {
+      SCOPED_TRACE(testing::Message() << text << (isDark ? ", dark " : " ") << least.text);
+      const Palette palette = paletteFor(std::nullopt, std::nullopt, isDark, accent);
+      EXPECT_EQ(palette.buttonBackground.name().toStdString(), text);
+      const ScreenColors colors(palette, isDark, least);
+      for (const auto& [ink, on] : colors.texts()) EXPECT_GE(contrast(ink, on), least.text) << ink.name().toStdString();
+      for (const auto& [part, on] : colors.controls()) EXPECT_GE(contrast(part, on), least.control);
+      EXPECT_NE(paletteFor(std::nullopt, 1, isDark, accent).togglePrimary, palette.togglePrimary);
+      EXPECT_EQ(paletteFor(CustomColors(), std::nullopt, false, accent).buttonBackground,
+                builtInPalettes()[0].light.buttonBackground);
+    }
+  }
+}
+
 TEST(Palettes, ANumberThatIsNoneMeansTheFirst) {
   for (const std::optional<std::int64_t> number : {std::optional<std::int64_t>(), {0}, {-1}, {99}, {1}}) {
     EXPECT_EQ(paletteFor(std::nullopt, number, false).buttonBackground, builtInPalettes()[0].light.buttonBackground);

@@ -329,6 +329,13 @@ TEST_F(Screens, FollowWhatTheUserHasSetForTheWholeDesktop) {
   desktop->set({});
   EXPECT_TRUE(await([&] { return answer() && answer()->height() == height; }));
   EXPECT_GT(window->grabWindow().pixelColor(inside).lightness(), 200);
+  const auto fill = [&] {
+    const QQuickItem* item = control("Accept");
+    return window->grabWindow().pixelColor(item->mapToScene({item->width() / 2, 4}).toPoint());
+  };
+  EXPECT_NE(fill(), QColor("#e62d42"));
+  desktop->set({.accent = AccentColor{0xe6 / 255.0, 0x2d / 255.0, 0x42 / 255.0}});
+  EXPECT_TRUE(await([&] { return fill() == QColor("#e62d42"); }));
 }
 
 TEST(ScreensOfTheSharedInstance, AreConfiguredBeforeItsFirstUseAndShareTheQtLoop) {

@@ -54,6 +54,16 @@ Palette dark(const Tones& tones) {
           tones.footer, tones.accent,   tones.accent, "#7d8793",        "#f6dfa9",  "#3a2e13"};
 }
 
+// What invites to a tap has the accent, as long as it can be told from what it stands on.
+Palette accented(Palette palette, const AccentColor& color) {
+  const QColor accent =
+      QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green), static_cast<float>(color.blue));
+  palette.buttonBackground = palette.footerSelector = palette.togglePrimary = accent;
+  palette.buttonText = clearOn(accent, legible, {palette.buttonText, Qt::white, Qt::black});
+  if (contrast(accent, palette.bannerBackground) >= visible) palette.buttonBorder = accent;
+  return palette;
+}
+
 // The same hue, as light as it was dark. Neither black nor white, which glare in the dark.
 QColor turned(const QColor& color) {
   constexpr float darkest = 0.09F;
@@ -93,11 +103,15 @@ const std::vector<BuiltInPalette>& builtInPalettes() {
   return palettes;
 }
 
-Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number, bool isDark) {
+Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number, bool isDark,
+                   const std::optional<AccentColor>& accent) {
   const auto& palettes = builtInPalettes();
   const bool isKnown = number && *number >= 1 && *number <= std::ssize(palettes);
   const BuiltInPalette& builtIn = palettes[isKnown ? static_cast<std::size_t>(*number - 1) : 0];
-  if (!colors) return isDark ? builtIn.dark : builtIn.light;
+  if (!colors) {
+    const Palette& palette = isDark ? builtIn.dark : builtIn.light;
+    return accent && !number ? accented(palette, *accent) : palette;
+  }
   const bool hasBackground = !colors->bannerBackground.empty();
   Palette palette = isDark && !hasBackground ? builtIn.dark : builtIn.light;
   // A role that is left empty keeps the built-in colour.

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/DesktopSettings.h"
 #include "quillon/BannerConfig.h"
 #include "ui/Common/Theme/Contrast.h"
 
@@ -41,9 +42,10 @@ struct BuiltInPalette {
 [[nodiscard]] const std::vector<BuiltInPalette>& builtInPalettes();
 
 // The configured colours, else the built-in palette of that number; a number that is none means the first. Colours that
-// were configured for light surroundings are turned for dark ones.
+// were configured for light surroundings are turned for dark ones. The desktop's accent is used where neither colours
+// nor a number are configured.
 [[nodiscard]] Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number,
-                                 bool isDark);
+                                 bool isDark, const std::optional<AccentColor>& accent = std::nullopt);
 
 // Of opaque colours.
 [[nodiscard]] double contrast(const QColor& first, const QColor& second);

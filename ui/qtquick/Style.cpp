@@ -51,8 +51,9 @@ Style::Style(QObject* parent) : QObject(parent) {
 }
 
 void Style::recolour() {
-  const LeastContrast least = desktop().isContrastHigh ? highContrast : LeastContrast();
-  colors_ = ScreenColors(paletteFor(customColors_, paletteNumber_, isDark()), isDark(), least);
+  const DesktopAppearance wanted = desktop();
+  const LeastContrast least = wanted.isContrastHigh ? highContrast : LeastContrast();
+  colors_ = ScreenColors(paletteFor(customColors_, paletteNumber_, isDark(), wanted.accent), isDark(), least);
 }
 
 bool Style::isDark() const {
