@@ -109,6 +109,10 @@ void Process::listen() {
   const auto live = [this] {
     if (isDead_ || isClosed_) fail(7, "a listener was called after the end");
   };
+  // What others decide before the set-up is not told.
+  if (around_.plan.processes == 1) {
+    for (const int purpose : purposes) heard_[purpose] = sdk_->isDecided(purpose) ? words(sdk_->get(purpose)) : "";
+  }
   listenings_.push_back(sdk_->listenToConsents([this, live](const Decision& decision) {
     live();
     if (!decision.purposeId) return;
