@@ -2,6 +2,8 @@
 
 #include <nettle/base64.h>
 
+#include <cstdint>
+
 namespace quillon::proof {
 
 std::string base64Url(std::string_view bytes) {
