@@ -182,7 +182,7 @@ TEST_F(Screens, ASwitchThatCannotBeSwitchedStaysAndIsExplainedLater) {
 
 TEST_F(Screens, APurposeThatAPrivacySignalOptsOutIsOffAndSaysWhy) {
   bannerOf(document)["compliance_type"] = "opt-out";
-  document["privacy_signal_purposes"] = {1};
+  document["privacy_signal_purposes"] = boost::json::array{1};
   world.server.serve(document);
   auto options = world.options();
   options.languageCode = language;
