@@ -226,8 +226,8 @@ class ConsentSDK {
   /// @{
 
   /// Called with every decision that changed a stored value: the purpose or permission, the status before (nullopt if
-  /// none) and after, how it was given and when. Decisions of the application's other processes are reported within a
-  /// second; of several in a row on one subject, only the last.
+  /// none) and after, how it was given and when. Decisions of the application's other processes are reported from
+  /// setup() on, within a second; of several in a row on one subject, only the last.
   Listening listenToConsents(std::function<void(const Decision& change)> listener);
 
   /// Called when a screen of the SDK is shown or closed.

@@ -5,7 +5,8 @@
 namespace quillon {
 
 /// What becomes of an engine that can reach the network past the filter. Those of Qt 6.5 and later can: their pages
-/// have WebTransport, which cannot be taken from workers.
+/// have WebTransport, which cannot be taken from workers, and with Qt 6.8 a page's hint to connect ahead of time opens
+/// a connection, without a request, to any host.
 enum class UnfilteredConnections {
   refused,   ///< it is not used: links do not open, and a warning is logged
   accepted,  ///< it is used: the pages of allowed hosts can reach any server

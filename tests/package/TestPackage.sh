@@ -29,7 +29,7 @@ exports() {
   local library
   for library in "$lib"/libquillon-*.so; do
     nm -DC --defined-only "$library" |
-      sed -E "/_PRIVATE$| A /d; s|^[0-9a-f]+ . ||; s|@@QUILLON_[0-9.]+$||; s|^|$(basename "$library" .so): |"
+      sed -E "/_PRIVATE$| A | std::_Sp_make_shared_tag/d; s|^[0-9a-f]+ . ||; s|@@QUILLON_[0-9.]+$||; s|^|$(basename "$library" .so): |"
   done | LC_ALL=C sort -u
 }
 if [ "$flavour" = shared ]; then

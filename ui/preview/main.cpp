@@ -27,10 +27,11 @@ struct PreviewOptions {
   bool isOnDemand = false;
 };
 
-// The browser must be known before the application object is made.
+// The browser must be known before the application object is made. On an engine that can reach past the filter an
+// application has none unless it accepts that; how it would look is shown on all.
 bool startWebView() {
 #ifdef WITH_WEB_VIEW
-  return initializeQtWebEngine();
+  return initializeQtWebEngine(UnfilteredConnections::accepted);
 #else
   return false;
 #endif
