@@ -5,23 +5,16 @@
 #include <memory>
 #include <optional>
 
+#include "quillon/BannerConfig.h"
+
 namespace quillon {
-
-// Its parts are from 0 to 1, as for sRGB.
-struct AccentColor {
-  double red = 0;
-  double green = 0;
-  double blue = 0;
-
-  bool operator==(const AccentColor&) const = default;
-};
 
 struct DesktopAppearance {
   bool prefersDark = false;
   bool isContrastHigh = false;
   bool isMotionReduced = false;
   double textScale = 1;  // factor, finite and positive
-  std::optional<AccentColor> accent = std::nullopt;
+  std::optional<Color> accent = std::nullopt;
 
   bool operator==(const DesktopAppearance&) const = default;
 };

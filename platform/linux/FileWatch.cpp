@@ -57,8 +57,8 @@ bool FileWatch::addFolder() {
 
 void FileWatch::waitForEvents() {
   boost::system::error_code problem;
-  events_.assign(resting_.get(), problem);  // NOLINT(bugprone-unused-return-value): it is this error
-  if (problem) return check();
+  events_.assign(resting_.get(), problem);               // NOLINT(bugprone-unused-return-value): it is this error
+  if (problem) return pause(latest, &FileWatch::check);  // the file is looked at instead
   (void)resting_.release();
   events_.async_wait(boost::asio::posix::descriptor_base::wait_read, [weak = weak_from_this()](auto error) {
     const auto self = weak.lock();

@@ -37,10 +37,10 @@ class PortalSettings {
     return setting ? std::optional(g_variant_get_double(setting.get())) : std::nullopt;
   }
   // A color with a part out of its bounds means none.
-  std::optional<AccentColor> color(const char* space, const char* key) const {
+  std::optional<Color> color(const char* space, const char* key) const {
     const auto setting = find(space, key, G_VARIANT_TYPE("(ddd)"));
     if (!setting) return std::nullopt;
-    AccentColor color;
+    Color color;
     g_variant_get(setting.get(), "(ddd)", &color.red, &color.green, &color.blue);
     const auto isPart = [](double part) { return part >= 0 && part <= 1; };
     return isPart(color.red) && isPart(color.green) && isPart(color.blue) ? std::optional(color) : std::nullopt;

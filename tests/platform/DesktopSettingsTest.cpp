@@ -51,8 +51,7 @@ TEST_F(DesktopSettingsTest, FollowsThePortalAndTakesOnlyWhatHasItsForm) {
       {"({'org.gnome.desktop.interface': {'enable-animations': <false>, 'text-scaling-factor': <1.5>}, "
        "'org.gnome.desktop.a11y.interface': {'high-contrast': <true>}},)",
        {.isContrastHigh = true, .isMotionReduced = true, .textScale = 1.5}},
-      {"({'org.freedesktop.appearance': {'accent-color': <(0.25, 0.5, 1.0)>}},)",
-       {.accent = AccentColor{0.25, 0.5, 1}}},
+      {"({'org.freedesktop.appearance': {'accent-color': <(0.25, 0.5, 1.0)>}},)", {.accent = Color{0.25, 0.5, 1}}},
       {"({'org.freedesktop.appearance': {'accent-color': <(0.25, 0.5, 1.1)>}},)", {}},
       {"({'org.freedesktop.appearance': {'accent-color': <(0.25, -1.0, 1.0)>, 'color-scheme': <uint32 1>}},)",
        {.prefersDark = true}},

@@ -81,7 +81,7 @@ TEST(Palettes, WhateverIsConfiguredIsLegibleInBothSurroundings) {
 TEST(Palettes, TheDesktopsAccentIsUsedWhereNothingElseIsConfiguredAndStaysLegible) {
   for (const char* text : {"#ffffff", "#000000", "#777777", "#e62d42", "#3584e4", "#c88800", "#00ff00"}) {
     const QColor color(text);
-    const AccentColor accent{color.redF(), color.greenF(), color.blueF()};
+    const Color accent{color.redF(), color.greenF(), color.blueF()};
     for (const auto& [isDark, least] :
          {std::pair(false, LeastContrast()), {true, LeastContrast()}, {false, highContrast}, {true, highContrast}}) {
       SCOPED_TRACE(testing::Message() << text << (isDark ? ", dark " : " ") << least.text);

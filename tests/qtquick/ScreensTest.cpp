@@ -334,7 +334,7 @@ TEST_F(Screens, FollowWhatTheUserHasSetForTheWholeDesktop) {
     return window->grabWindow().pixelColor(item->mapToScene({item->width() / 2, 4}).toPoint());
   };
   EXPECT_NE(fill(), QColor("#e62d42"));
-  desktop->set({.accent = AccentColor{0xe6 / 255.0, 0x2d / 255.0, 0x42 / 255.0}});
+  desktop->set({.accent = colorFromText("#e62d42")});
   EXPECT_TRUE(await([&] { return fill() == QColor("#e62d42"); }));
 }
 

@@ -6,9 +6,9 @@
 namespace quillon {
 namespace {
 
-QColor colorOf(const std::string& text) {
-  const auto [red, green, blue] = colorFromText(text);
-  return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
+QColor colorOf(const Color& color) {
+  return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                          static_cast<float>(color.blue));
 }
 
 QColor mixed(const QColor& from, const QColor& to, double share) {
@@ -55,9 +55,8 @@ Palette dark(const Tones& tones) {
 }
 
 // What invites to a tap has the accent, as long as it can be told from what it stands on.
-Palette accented(Palette palette, const AccentColor& color) {
-  const QColor accent =
-      QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green), static_cast<float>(color.blue));
+Palette accented(Palette palette, const Color& color) {
+  const QColor accent = colorOf(color);
   palette.buttonBackground = palette.footerSelector = palette.togglePrimary = accent;
   palette.buttonText = clearOn(accent, legible, {palette.buttonText, Qt::white, Qt::black});
   if (contrast(accent, palette.bannerBackground) >= visible) palette.buttonBorder = accent;
@@ -104,7 +103,7 @@ const std::vector<BuiltInPalette>& builtInPalettes() {
 }
 
 Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number, bool isDark,
-                   const std::optional<AccentColor>& accent) {
+                   const std::optional<Color>& accent) {
   const auto& palettes = builtInPalettes();
   const bool isKnown = number && *number >= 1 && *number <= std::ssize(palettes);
   const BuiltInPalette& builtIn = palettes[isKnown ? static_cast<std::size_t>(*number - 1) : 0];
@@ -116,7 +115,7 @@ Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std:
   Palette palette = isDark && !hasBackground ? builtIn.dark : builtIn.light;
   // A role that is left empty keeps the built-in colour.
   const auto take = [](QColor& role, const std::string& text) {
-    if (!text.empty()) role = colorOf(text);
+    if (!text.empty()) role = colorOf(colorFromText(text));
   };
   take(palette.buttonBackground, colors->buttonBackground);
   take(palette.buttonText, colors->buttonText);

@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/DesktopSettings.h"
 #include "quillon/BannerConfig.h"
 #include "ui/Common/Theme/Contrast.h"
 
@@ -45,7 +44,7 @@ struct BuiltInPalette {
 // were configured for light surroundings are turned for dark ones. The desktop's accent is used where neither colours
 // nor a number are configured.
 [[nodiscard]] Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number,
-                                 bool isDark, const std::optional<AccentColor>& accent = std::nullopt);
+                                 bool isDark, const std::optional<Color>& accent = std::nullopt);
 
 // Of opaque colours.
 [[nodiscard]] double contrast(const QColor& first, const QColor& second);
