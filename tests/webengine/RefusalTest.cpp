@@ -34,8 +34,9 @@ TEST_F(WebWorld, LetsNoRequestOfAPageReachARefusedServer) {
       {"icon", "<link rel=icon href=$REFUSED/a><link rel=manifest href=$REFUSED/a><img src=$PROBE>"},
       {"prefetch", "<link rel=prefetch href=$REFUSED/a><link rel=prefetch href=$PROBE>"},
       {"preload", "<link rel=preload as=image href=$REFUSED/a><link rel=preload as=image href=$PROBE>"},
-      {"preconnect",
-       "<link rel=dns-prefetch href=$REFUSED><link rel=preconnect href=$REFUSED><link rel=prerender href=$REFUSED/a>"
+      {"preconnect", "<link rel=preconnect href=$REFUSED><img src=$PROBE>"},
+      {"prerender",
+       "<link rel=dns-prefetch href=$REFUSED><link rel=prerender href=$REFUSED/a>"
        "<script type=speculationrules>{\"prerender\":[{\"source\":\"list\",\"urls\":[\"$REFUSED/a\"]}]}</script>"
        "<img src=$PROBE>"},
       {"fetch", "<script>fetch('$REFUSED/a',{mode:'no-cors'}).catch(()=>fetch('$PROBE'))</script>"},
