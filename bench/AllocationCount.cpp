@@ -3,16 +3,15 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace quillon::bench {
 namespace {
 
-std::atomic<bool> counting = false;
-std::atomic<std::size_t> inUse = 0;
-std::atomic<std::size_t> most = 0;
+thread_local bool counting = false;
+thread_local std::size_t inUse = 0;
+thread_local std::size_t most = 0;
 
 }  // namespace
 
@@ -37,16 +36,16 @@ void* operator new(std::size_t size) {
   using namespace quillon::bench;
   void* const memory = std::malloc(std::max<std::size_t>(size, 1));
   if (!memory) throw std::bad_alloc();
-  if (counting.load(std::memory_order_relaxed)) {
-    const std::size_t now = inUse += malloc_usable_size(memory);
-    if (now > most) most = now;
+  if (counting) {
+    inUse += malloc_usable_size(memory);
+    most = std::max(most, inUse);
   }
   return memory;
 }
 
 void operator delete(void* memory) noexcept {
   using namespace quillon::bench;
-  if (memory && counting.load(std::memory_order_relaxed)) inUse -= malloc_usable_size(memory);
+  if (memory && counting) inUse -= malloc_usable_size(memory);
   std::free(memory);
 }
 

@@ -5,7 +5,8 @@
 
 namespace quillon::bench {
 
-/// Counts allocations and deallocations on all threads from its construction on. One instance at a time.
+/// Counts allocations and deallocations on its thread from its construction on, whatever the SDK's own threads do. One
+/// instance at a time.
 class AllocationCount {
  public:
   AllocationCount();
