@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <limits>
+#include <numeric>
 
 namespace quillon::signals {
 namespace {
@@ -49,15 +50,21 @@ void write(BitWriter& bits, const std::vector<Range>& ranges) {
   }
 }
 
-std::expected<void, std::string> append(Ids& ids, Range range, IdBudget& budget) {
+// Charges the budget for a range that was read.
+std::expected<void, std::string> check(Range range, IdBudget& budget) {
   if (range.first == 0) return std::unexpected("the ID 0 does not exist");
   if (range.last < range.first) return std::unexpected("a range ends before it begins");
   if (range.last > kLargestId) return std::unexpected("an ID is larger than 65535");
   const std::size_t count = range.last - range.first + 1;
   if (count > budget.left) return std::unexpected("the ranges stand for more than a million IDs");
   budget.left -= count;
-  for (std::size_t id = range.first; id <= range.last; ++id) ids.push_back(static_cast<Ids::value_type>(id));
   return {};
+}
+
+void append(Ids& ids, Range range) {
+  const auto count = static_cast<std::ptrdiff_t>(range.last - range.first + 1);
+  ids.resize(ids.size() + static_cast<std::size_t>(count));
+  std::iota(ids.end() - count, ids.end(), static_cast<Ids::value_type>(range.first));
 }
 
 std::unexpected<std::string> cutOff() {
@@ -102,11 +109,6 @@ void writeFibonacci(BitWriter& bits, std::size_t value) {
 
 }  // namespace
 
-void normalize(Ids& ids) {
-  std::ranges::sort(ids);
-  ids.erase(std::ranges::unique(ids).begin(), ids.end());
-}
-
 Ids readBitField(BitReader& bits, std::size_t count) {
   Ids ids;
   for (std::size_t done = 0; done < count && !bits.isPastEnd();) {
@@ -133,17 +135,22 @@ void writeBitField(BitWriter& bits, const Ids& ids, std::size_t count) {
 }
 
 std::expected<Ids, std::string> readRanges(BitReader& bits, IdBudget& budget) {
-  Ids ids;
-  const auto count = bits.read(kCountBits);
-  for (std::uint64_t i = 0; i < count; ++i) {
+  std::vector<Range> ranges(bits.read(kCountBits));
+  for (auto& range : ranges) {
     const bool isRange = bits.read(1) != 0;
-    const auto first = static_cast<std::size_t>(bits.read(kIdBits));
-    const auto last = isRange ? static_cast<std::size_t>(bits.read(kIdBits)) : first;
+    range.first = static_cast<std::size_t>(bits.read(kIdBits));
+    range.last = isRange ? static_cast<std::size_t>(bits.read(kIdBits)) : range.first;
     if (bits.isPastEnd()) return cutOff();
-    if (const auto appended = append(ids, {first, last}, budget); !appended) return std::unexpected(appended.error());
+    if (const auto checked = check(range, budget); !checked) return std::unexpected(checked.error());
   }
   if (bits.isPastEnd()) return cutOff();
-  normalize(ids);
+  // Other encoders may leave them unordered or let them overlap.
+  std::ranges::sort(ranges, {}, &Range::first);
+  Ids ids;
+  for (auto range : ranges) {
+    if (!ids.empty()) range.first = std::max<std::size_t>(range.first, ids.back() + 1U);
+    if (range.first <= range.last) append(ids, range);
+  }
   return ids;
 }
 
@@ -192,7 +199,8 @@ std::expected<Ids, std::string> readFibonacciRanges(BitReader& bits, IdBudget& b
       if (!length) return std::unexpected(length.error());
       last += *length;
     }
-    if (const auto appended = append(ids, {first, last}, budget); !appended) return std::unexpected(appended.error());
+    if (const auto checked = check({first, last}, budget); !checked) return std::unexpected(checked.error());
+    append(ids, {first, last});
   }
   if (bits.isPastEnd()) return cutOff();
   return ids;

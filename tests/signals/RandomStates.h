@@ -53,7 +53,8 @@ inline Ids randomVendors(Random& random) {
   } else if (kind == 3) {
     ids = randomSet(random, 300);
   }
-  normalize(ids);
+  std::ranges::sort(ids);
+  ids.erase(std::ranges::unique(ids).begin(), ids.end());
   return ids;
 }
 
