@@ -4,8 +4,10 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
+#include "core/ConsentSDK/WithoutThrowing.h"
 #include "core/ConsentSDK/Work.h"
 
 namespace quillon {
@@ -66,7 +68,30 @@ void deliver(Work& work, std::move_only_function<Task<T>()> background, Receiver
   });
 }
 
-// As above, without a result.
+// Runs an operation of the public interface with a callback.
+template <class T, class Background>
+void answer(Work& work, std::function<void(T)> callback, Background background) {
+  withoutThrowing([&] {
+    std::move_only_function<std::invoke_result_t<Background&>()> erased(std::move(background));
+    deliver<T>(work, std::move(erased), receiver<T>(work, std::move(callback)));
+  });
+}
+
+// Runs one as a future, which holds `dropped` when the SDK is destroyed first.
+template <class T, class Background>
+std::future<T> promise(Work& work, Background background, T dropped = T()) {
+  return withoutThrowing(
+      [&] {
+        const auto kept = std::make_shared<Promise<T>>(std::move(dropped));
+        auto future = kept->future();
+        std::move_only_function<std::invoke_result_t<Background&>()> erased(std::move(background));
+        deliver<T>(work, std::move(erased), receiver<T>(kept));
+        return future;
+      },
+      std::future<T>());
+}
+
+// An operation without a result.
 inline void answerLater(Work& work, std::function<void()> done, std::move_only_function<Task<void>()> background) {
   work.start([&work, done = std::move(done), background = std::move(background)]() mutable -> Task<void> {
     co_await background();

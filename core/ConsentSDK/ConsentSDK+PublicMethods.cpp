@@ -12,29 +12,6 @@ using Signals = std::map<GoogleConsentType, ConsentStatus>;
 
 namespace {
 
-// Runs an operation with a callback.
-template <class T, class Core, class Background>
-void answer(const std::shared_ptr<Core>& core, std::function<void(T)> callback, Background background) {
-  withoutThrowing([&] {
-    std::move_only_function<std::invoke_result_t<Background&>()> erased(std::move(background));
-    deliver<T>(core->work, std::move(erased), receiver<T>(core->work, std::move(callback)));
-  });
-}
-
-// Runs an operation as a future, which holds `dropped` when the SDK is destroyed first.
-template <class T, class Core, class Background>
-std::future<T> promise(const std::shared_ptr<Core>& core, Background background, T dropped = T()) {
-  return withoutThrowing(
-      [&] {
-        const auto kept = std::make_shared<Promise<T>>(std::move(dropped));
-        auto future = kept->future();
-        std::move_only_function<std::invoke_result_t<Background&>()> erased(std::move(background));
-        deliver<T>(core->work, std::move(erased), receiver<T>(kept));
-        return future;
-      },
-      std::future<T>());
-}
-
 // Runs a decision's follow-up, and returns whether the decision was stored.
 std::move_only_function<Task<bool>()> following(DecisionRecorder::FollowUp followUp) {
   return [followUp = std::move(followUp)]() mutable -> Task<bool> {
@@ -108,118 +85,120 @@ BannerExplanation ConsentSDK::explainBanner() const {
 }
 
 void ConsentSDK::getPurposeConsents(std::function<void(std::vector<Purpose>)> callback) {
-  answer<std::vector<Purpose>>(core_, std::move(callback), [core = core_] { return core->questions.purposes(); });
+  answer<std::vector<Purpose>>(core_->work, std::move(callback), [core = core_] { return core->questions.purposes(); });
 }
 
 std::future<std::vector<Purpose>> ConsentSDK::getPurposeConsents() {
-  return promise<std::vector<Purpose>>(core_, [core = core_] { return core->questions.purposes(); });
+  return promise<std::vector<Purpose>>(core_->work, [core = core_] { return core->questions.purposes(); });
 }
 
 void ConsentSDK::getPermissionConsents(std::function<void(std::vector<AppPermission>)> callback) {
-  answer<std::vector<AppPermission>>(core_, std::move(callback),
+  answer<std::vector<AppPermission>>(core_->work, std::move(callback),
                                      [core = core_] { return core->questions.permissions(); });
 }
 
 std::future<std::vector<AppPermission>> ConsentSDK::getPermissionConsents() {
-  return promise<std::vector<AppPermission>>(core_, [core = core_] { return core->questions.permissions(); });
+  return promise<std::vector<AppPermission>>(core_->work, [core = core_] { return core->questions.permissions(); });
 }
 
 void ConsentSDK::checkConsentBy(VantariKey permissionId, std::function<void(ConsentStatus)> callback) {
-  answer<ConsentStatus>(core_, std::move(callback), [core = core_, permissionId = std::move(permissionId)] {
+  answer<ConsentStatus>(core_->work, std::move(callback), [core = core_, permissionId = std::move(permissionId)] {
     return core->questions.livePermission(permissionId);
   });
 }
 
 std::future<ConsentStatus> ConsentSDK::checkConsentBy(VantariKey permissionId) {
   return promise<ConsentStatus>(
-      core_,
+      core_->work,
       [core = core_, permissionId = std::move(permissionId)] { return core->questions.livePermission(permissionId); },
       ConsentStatus::notDetermined);
 }
 
 void ConsentSDK::getGCMConsents(std::function<void(Signals)> callback) {
-  answer<Signals>(core_, std::move(callback), [core = core_] { return core->questions.consentModeSignals(); });
+  answer<Signals>(core_->work, std::move(callback), [core = core_] { return core->questions.consentModeSignals(); });
 }
 
 std::future<Signals> ConsentSDK::getGCMConsents() {
-  return promise<Signals>(core_, [core = core_] { return core->questions.consentModeSignals(); });
+  return promise<Signals>(core_->work, [core = core_] { return core->questions.consentModeSignals(); });
 }
 
 void ConsentSDK::consentScript(std::function<void(std::string)> callback) {
-  answer<std::string>(core_, std::move(callback), [core = core_] { return core->questions.consentScript(); });
+  answer<std::string>(core_->work, std::move(callback), [core = core_] { return core->questions.consentScript(); });
 }
 
 std::future<std::string> ConsentSDK::consentScript() {
-  return promise<std::string>(core_, [core = core_] { return core->questions.consentScript(); });
+  return promise<std::string>(core_->work, [core = core_] { return core->questions.consentScript(); });
 }
 
 void ConsentSDK::explain(std::int64_t purposeId, std::function<void(ConsentExplanation)> callback) {
-  answer<ConsentExplanation>(core_, std::move(callback),
+  answer<ConsentExplanation>(core_->work, std::move(callback),
                              [core = core_, purposeId] { return core->questions.explain(purposeId); });
 }
 
 std::future<ConsentExplanation> ConsentSDK::explain(std::int64_t purposeId) {
-  return promise<ConsentExplanation>(core_, [core = core_, purposeId] { return core->questions.explain(purposeId); });
+  return promise<ConsentExplanation>(core_->work,
+                                     [core = core_, purposeId] { return core->questions.explain(purposeId); });
 }
 
 void ConsentSDK::getBannerConfig(std::optional<MainConfiguration> configuration,
                                  std::function<void(std::optional<BannerConfig>)> callback) {
-  answer<std::optional<BannerConfig>>(core_, std::move(callback), banner(core_, std::move(configuration)));
+  answer<std::optional<BannerConfig>>(core_->work, std::move(callback), banner(core_, std::move(configuration)));
 }
 
 std::future<std::optional<BannerConfig>> ConsentSDK::getBannerConfig(std::optional<MainConfiguration> configuration) {
-  return promise<std::optional<BannerConfig>>(core_, banner(core_, std::move(configuration)));
+  return promise<std::optional<BannerConfig>>(core_->work, banner(core_, std::move(configuration)));
 }
 
 void ConsentSDK::getSettingsPrompt(std::function<void(std::optional<SettingsPrompt>)> callback) {
-  answer<std::optional<SettingsPrompt>>(
-      core_, std::move(callback), [core = core_] { return core->questions.part(&MainConfiguration::settingPrompt); });
+  answer<std::optional<SettingsPrompt>>(core_->work, std::move(callback), [core = core_] {
+    return core->questions.part(&MainConfiguration::settingPrompt);
+  });
 }
 
 std::future<std::optional<SettingsPrompt>> ConsentSDK::getSettingsPrompt() {
   return promise<std::optional<SettingsPrompt>>(
-      core_, [core = core_] { return core->questions.part(&MainConfiguration::settingPrompt); });
+      core_->work, [core = core_] { return core->questions.part(&MainConfiguration::settingPrompt); });
 }
 
 void ConsentSDK::getGCMConfig(std::function<void(std::optional<GcmConfig>)> callback) {
-  answer<std::optional<GcmConfig>>(core_, std::move(callback),
+  answer<std::optional<GcmConfig>>(core_->work, std::move(callback),
                                    [core = core_] { return core->questions.part(&MainConfiguration::gcmConfig); });
 }
 
 std::future<std::optional<GcmConfig>> ConsentSDK::getGCMConfig() {
   return promise<std::optional<GcmConfig>>(
-      core_, [core = core_] { return core->questions.part(&MainConfiguration::gcmConfig); });
+      core_->work, [core = core_] { return core->questions.part(&MainConfiguration::gcmConfig); });
 }
 
 void ConsentSDK::getHistory(std::size_t count, std::optional<std::int64_t> before,
                             std::function<void(HistoryPage)> callback) {
-  answer<HistoryPage>(core_, std::move(callback), pageOfHistory(core_, count, before));
+  answer<HistoryPage>(core_->work, std::move(callback), pageOfHistory(core_, count, before));
 }
 
 std::future<HistoryPage> ConsentSDK::getHistory(std::size_t count, std::optional<std::int64_t> before) {
-  return promise<HistoryPage>(core_, pageOfHistory(core_, count, before));
+  return promise<HistoryPage>(core_->work, pageOfHistory(core_, count, before));
 }
 
 void ConsentSDK::receipt(std::vector<std::int64_t> purposes,
                          std::function<void(ConsentSDKResult<std::string>)> callback) {
-  answer<ConsentSDKResult<std::string>>(core_, std::move(callback), [core = core_, purposes = std::move(purposes)] {
-    return core->receipts.receipt(purposes);
-  });
+  answer<ConsentSDKResult<std::string>>(
+      core_->work, std::move(callback),
+      [core = core_, purposes = std::move(purposes)] { return core->receipts.receipt(purposes); });
 }
 
 std::future<ConsentSDKResult<std::string>> ConsentSDK::receipt(std::vector<std::int64_t> purposes) {
   return promise<ConsentSDKResult<std::string>>(
-      core_, [core = core_, purposes = std::move(purposes)] { return core->receipts.receipt(purposes); },
+      core_->work, [core = core_, purposes = std::move(purposes)] { return core->receipts.receipt(purposes); },
       ConsentSDKResult<std::string>::failure({"the SDK was closed"}));
 }
 
 void ConsentSDK::uploadPendingConsents(std::function<void(bool)> callback) {
-  answer<bool>(core_, std::move(callback),
+  answer<bool>(core_->work, std::move(callback),
                [core = core_] { return core->uploader.uploadPending(ConsentUploader::Trigger::application); });
 }
 
 std::future<bool> ConsentSDK::uploadPendingConsents() {
-  return promise<bool>(core_,
+  return promise<bool>(core_->work,
                        [core = core_] { return core->uploader.uploadPending(ConsentUploader::Trigger::application); });
 }
 
@@ -292,7 +271,6 @@ void ConsentSDK::registerFonts(std::optional<CustomFont> heading, std::optional<
   core_->theme.registerFonts({std::move(heading), std::move(body), std::move(subHeading), std::move(headingLight)});
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): as it is declared for applications
 void ConsentSDK::registerColors(CustomColors colors) {
   core_->theme.registerColors(colors);
 }
