@@ -8,7 +8,7 @@
 #include <functional>
 
 #include "core/Json/WholeNumber.h"
-#include "core/Text/Ascii.h"
+#include "core/Text/LogText.h"
 
 namespace quillon::json {
 namespace {
@@ -38,22 +38,12 @@ bool areSame(std::string_view left, std::string_view right) {
   return wordAt(left.data() + last) == wordAt(right.data() + last);
 }
 
-// Truncates at a character boundary and escapes control characters.
+// Truncates at a character boundary.
 void appendQuote(std::string& message, std::string_view text) {
-  std::string_view shown = text.substr(0, kLongestQuote);
-  if (shown.size() < text.size()) {
-    while (!shown.empty() && (static_cast<unsigned char>(text[shown.size()]) & 0xC0) == 0x80) shown.remove_suffix(1);
-  }
-  for (const char c : shown) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= 0x20 && byte != 0x7F) {
-      message += c;
-    } else {
-      message += "\\x";
-      appendHex(message, c);
-    }
-  }
-  if (shown.size() < text.size()) message += "...";
+  std::size_t end = std::min(text.size(), kLongestQuote);
+  while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  message += escapedForLog(text.substr(0, end));
+  if (end < text.size()) message += "...";
 }
 
 }  // namespace

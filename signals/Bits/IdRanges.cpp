@@ -109,6 +109,11 @@ void writeFibonacci(BitWriter& bits, std::size_t value) {
 
 }  // namespace
 
+void normalize(Ids& ids) {
+  std::ranges::sort(ids);
+  ids.erase(std::ranges::unique(ids).begin(), ids.end());
+}
+
 Ids readBitField(BitReader& bits, std::size_t count) {
   Ids ids;
   for (std::size_t done = 0; done < count && !bits.isPastEnd();) {

@@ -24,6 +24,9 @@ struct IdBudget {
   std::size_t left = mostIds;
 };
 
+// Makes what was collected in any order ascending and free of duplicates.
+void normalize(Ids& ids);
+
 // @p count bits, the first one for ID 1.
 [[nodiscard]] Ids readBitField(BitReader& bits, std::size_t count);
 // Every ID is at most @p count.

@@ -1,7 +1,6 @@
 // Random states of both formats that follow from their number, as in vectors/make-vectors.mjs.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -53,8 +52,7 @@ inline Ids randomVendors(Random& random) {
   } else if (kind == 3) {
     ids = randomSet(random, 300);
   }
-  std::ranges::sort(ids);
-  ids.erase(std::ranges::unique(ids).begin(), ids.end());
+  normalize(ids);
   return ids;
 }
 
