@@ -26,7 +26,7 @@ std::uint64_t wordAt(const char* place) {
   return word;
 }
 
-// Compares keys, of which a document has very many: mostly in two overlapping loads.
+// Compares keys, which dominates decoding: mostly in two overlapping loads.
 bool areSame(std::string_view left, std::string_view right) {
   constexpr std::size_t step = sizeof(std::uint64_t);
   if (left.size() != right.size()) return false;
