@@ -15,7 +15,7 @@
 
 namespace quillon {
 
-// What the decisions of one moment share.
+// The fields shared by the decisions of one transaction.
 struct DecisionContext {
   GivenType givenType;
   std::int64_t time;        // whole seconds since 1970

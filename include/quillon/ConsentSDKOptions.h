@@ -115,7 +115,7 @@ struct ConsentSDKOptions {
   std::string tenantId;
   /// Application identifier; part of the configuration path and of uploads.
   std::string appId;
-  /// Selects the draft channel and loads the configuration anew at every setup().
+  /// Selects the draft channel and reloads the configuration at every setup().
   bool testingMode = false;
   /// Log threshold.
   LogLevel logLevel = LogLevel::error;

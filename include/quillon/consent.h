@@ -133,7 +133,7 @@ typedef struct quillon_options {
   const char* location_code; /**< "US#CA"; null: the SDK asks the vendor's server */
   int64_t check_interval;    /**< seconds, at least 60; 0 means 1800 */
   quillon_log_level log_level;
-  int32_t testing_mode;               /**< not 0: the draft channel, loaded anew at every setup */
+  int32_t testing_mode;               /**< not 0: the draft channel, reloaded at every setup */
   const char* const* allowed_domains; /**< for the in-app web view */
   size_t allowed_domain_count;
   const char* blocked_page;          /**< resource shown for refused pages; null: the SDK's own */

@@ -27,7 +27,7 @@
   ROW(isATTEnabled, "IS_ATT_ENABLED") \
   /* The purposes that the configuration applied last binds to app tracking. */ \
   ROW(trackingPurposesList, "TRACKING_PURPOSES_LIST") \
-  /* The purposes whose consent is the user's own answer, and those whose consent a privacy signal decided; ascending. */ \
+  /* The purposes whose consent is the user's own answer, and those decided by a privacy signal; ascending. */ \
   ROW(answeredPurposesList, "ANSWERED_PURPOSES_LIST") \
   ROW(signalPurposesList, "SIGNAL_PURPOSES_LIST") \
   /* The application ids under which anything was decided. */ \

@@ -51,8 +51,8 @@ class UserDefaultManager {
   using OutcomeEdit = std::function<void(StoreTransaction&, const std::vector<JournalRecord>& unmarked)>;
   bool markOutcomes(const OutcomeEdit& edit);
 
-  // The newest content across processes with the newest `count` unmarked records of the same moment. May wait for the
-  // disk. nullopt on failure, which is logged.
+  // A consistent read of the newest content across processes, and of the newest `count` unmarked records. May wait for
+  // the disk. nullopt on failure, which is logged.
   std::optional<SuiteReading> read(std::size_t count) const;
 
   std::string getString(std::string_view key, std::string_view fallback = {}) const;
