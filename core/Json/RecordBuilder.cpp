@@ -152,7 +152,7 @@ bool RecordBuilder::aimAtField(Level& level, std::string_view key) {
 }
 
 bool RecordBuilder::aimAtEntry(Level& level, std::string_view key) {
-  // A map node holds three pointers and a colour besides key and element.
+  // A map node holds three pointers and a colour in addition to key and element.
   if (!take(4 * sizeof(void*) + sizeof(std::string) + key.size() + level.element->size)) return false;
   void* const element = level.type->insert(level.value, key);
   if (!element) return refuse("duplicate key");

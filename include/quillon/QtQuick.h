@@ -30,7 +30,7 @@ struct QtQuickOptions {
 /// `postToMainQueue` of the options is ignored.
 ///
 /// Call it on the main thread, after constructing the application object and before the first use of shared(). Returns
-/// false, changing nothing, when it comes too late. Jobs for the main queue are dropped once the application object is
+/// false, changing nothing, when called too late. Jobs for the main queue are dropped once the application object is
 /// destroyed.
 ///
 /// @code

@@ -14,7 +14,7 @@ enum class UnfilteredConnections {
 /// Makes consent screens open links inside the application, in Qt WebEngine. Without this call, or without this
 /// library, links do not open and a warning is logged.
 ///
-/// Call it on the main thread, before the application object is constructed. Returns false when it comes too late: the
+/// Call it on the main thread, before the application object is constructed. Returns false when called too late: the
 /// web view is then unusable unless the application has called `QtWebEngineQuick::initialize()` itself. Also returns
 /// false, changing nothing, for an engine that is refused.
 ///
