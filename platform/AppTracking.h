@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-// Values as in the permission table's standard values.
+// The values are the standard ones of the permission table.
 enum class TrackingAuthorization { notDetermined = 0, restricted = 1, denied = 2, authorized = 3 };
 
 // Thread-safe; never waits.

@@ -15,8 +15,7 @@ class Console {
   // Writes the text and a line feed atomically.
   virtual void write(std::string_view block) = 0;
 
-  // Takes a message of a unit as it is, for a log of the application's. False: a block of text is to be written
-  // instead.
+  // Passes a unit's message to the application's own log. False: there is none, so write() a block of text instead.
   virtual bool take(LogLevel /*level*/, std::string_view /*text*/, std::string_view /*unit*/) { return false; }
 
   // Terminates the process with a message and the reporting source file. Only for errors without recovery.

@@ -1,4 +1,4 @@
-// What the user has set for the whole desktop about how things look and move.
+// The desktop's appearance settings.
 #pragma once
 
 #include <functional>
@@ -30,11 +30,11 @@ class DesktopSettings {
  public:
   virtual ~DesktopSettings() = default;
 
-  // What is known; the default before the first answer, and for what the desktop does not say.
+  // The last known appearance; defaults before the first answer, and for settings that the desktop does not have.
   virtual DesktopAppearance appearance() const = 0;
 
-  // Calls `changed` from any thread when the appearance has changed, the first answer included. It must not block. The
-  // desktop is not asked before the first observer.
+  // Calls `changed` from any thread when the appearance has changed, including by the first answer. It must not block.
+  // The desktop is not queried before the first observer.
   [[nodiscard]] virtual std::unique_ptr<DesktopSettingsSubscription> observe(std::function<void()> changed) = 0;
 };
 

@@ -17,11 +17,11 @@ struct FileToSave {
 enum class SaveOutcome {
   saved,
   cancelled,    // by the user
-  unavailable,  // nobody can ask the user
-  failed,       // not written where the user wanted it; what was there before is still there
+  unavailable,  // no dialog can be shown
+  failed,       // the file could not be written; an existing one is unchanged
 };
 
-// Destruction closes the dialog; the file is not written unless it is being written already.
+// Destruction closes the dialog; the file is not written unless writing has begun.
 class FileChoice {
  public:
   virtual ~FileChoice() = default;
@@ -32,8 +32,8 @@ class FileChooser {
  public:
   virtual ~FileChooser() = default;
 
-  // Asks the user and writes the file, then calls `done` from any thread, once unless the result is destroyed before.
-  // There is one dialog at a time: another one ends the first as cancelled.
+  // Shows the dialog and writes the file, then calls `done` from any thread, once, unless the result is destroyed
+  // before. There is one dialog at a time: a second call ends the first with `cancelled`.
   [[nodiscard]] virtual std::unique_ptr<FileChoice> save(FileToSave file, std::function<void(SaveOutcome)> done) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Keeps the secret with which the device signs.
+// Stores the secret of the device's signing key.
 #pragma once
 
 #include <array>
@@ -18,26 +18,26 @@ class Signer {
   virtual ~Signer() = default;
 
   virtual std::expected<PublicKey, std::string> publicKey() = 0;
-  // Not used when it does not hold for the public key.
+  // The caller verifies the signature against publicKey(), and discards an invalid one.
   virtual std::expected<Signature, std::string> sign(std::string_view message) = 0;
 };
 
-// Thread-safe. Never throws. A port may have a secure element seal the secret, or the desktop's keyring keep it; an
-// application may give a key of its own.
+// Thread-safe. Never throws. A port may use a secure element or the desktop's keyring; an application may provide its
+// own key.
 class KeyStore {
  public:
   using Secret = std::array<std::uint8_t, 32>;
 
   virtual ~KeyStore() = default;
 
-  // The key itself, where it signs without handing out its secret: then nobody asks for that. Null: the secret is the
-  // key. Valid as long as the store.
+  // For a key that signs without revealing its secret; secret() is then not called. Null: secret() is the key. Valid as
+  // long as the store.
   virtual Signer* signer() { return nullptr; }
 
-  // The application's secret, the same in all its processes. Made of unpredictable bits when there is none, and durable
-  // on return. The error is a text for the log; a secret that cannot be read is never replaced.
+  // The application's secret, the same in all its processes; durable on return. Created from unpredictable bits if
+  // there is none. The error is a text for the log; a secret that cannot be read is never replaced.
   virtual std::expected<Secret, std::string> secret() = 0;
-  // Deletes the secret, so that the next one tells nothing about whose the last one was.
+  // Deletes the secret, so that signatures before and after cannot be linked.
   virtual std::expected<void, std::string> forget() = 0;
 };
 

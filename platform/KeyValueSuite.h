@@ -38,8 +38,7 @@ inline constexpr std::string_view lostEntriesKey = "LOST_ENTRIES";
 // Changed keys, each with its new value, or nullopt to remove it.
 using SuiteChanges = std::map<std::string, std::optional<PropertyValue>, std::less<>>;
 
-// Every suite has a journal: records in the order of their appending. A record's text is immutable; its mark is set
-// once.
+// Every suite has a journal, an append-only list of records. A record's text is immutable; its mark is set once.
 struct JournalRecord {
   std::int64_t number = 0;  // assigned by the suite, ascending
   std::string text;
@@ -48,7 +47,7 @@ struct JournalRecord {
   bool operator==(const JournalRecord&) const = default;
 };
 
-// Above this count the oldest records are dropped, a few hundred at once, in the update that appends the newest.
+// Above this count the update that appends drops the oldest records, several at once.
 inline constexpr std::size_t maximumJournalRecords = 10'000;
 inline constexpr std::size_t journalRecordsDroppedAtOnce = 200;
 // Limit of a text and of a mark.
@@ -66,7 +65,7 @@ struct SuiteUpdate {
 
   SuiteChanges changes;
   bool clearsJournal = false;  // before anything is appended
-  // Receives the unmarked records, newest first, of the same moment as the entries passed to the edit, and returns
+  // Receives the unmarked records, newest first, consistent with the entries passed to the edit, and returns
   // marks by record number and further changes. May be called more than once; must not call the suite.
   struct Marking {
     std::map<std::int64_t, std::string> marks = {};
@@ -105,7 +104,7 @@ struct SuiteUpdate {
 // A consistent read of the newest commit of any process.
 struct SuiteReading {
   std::shared_ptr<const SuiteEntries> entries;
-  std::vector<JournalRecord> unmarked;  // as many as asked for, newest first, without damaged ones
+  std::vector<JournalRecord> unmarked;  // as many as requested, newest first, without damaged ones
 };
 
 // Thread-safe. After destruction no call begins; destruction waits for a call running on another thread, so do not
@@ -124,10 +123,10 @@ class KeyValueSuite {
   // other processes within 100 ms of their commit.
   virtual std::shared_ptr<const SuiteEntries> snapshot() const = 0;
 
-  // Passes on the content: now, and whenever it has changed, as early as a snapshot shows it and whether or not anybody
-  // takes one. One call at a time, in the order of the commits, with the suite locked, on the thread of the update or
-  // any other: the follower must neither block, throw nor call the suite. `changes` holds all keys that may differ
-  // since the call before; null: any may. Dropping the handle ends the calls; one may still be running then.
+  // Calls the follower with the content now and after every change, no later than a snapshot would show it. Calls are
+  // serialised, in commit order, with the suite locked, on the thread of the update or any other: the follower must not
+  // block, throw or call the suite. `changes` holds all keys that may differ from the previous call; null: any may.
+  // Dropping the handle ends the calls; one may still be running then.
   using Follower = std::function<void(const SuiteEntries& entries, const SuiteChanges* changes)>;
   [[nodiscard]] virtual std::shared_ptr<void> follow(Follower follower) = 0;
 
@@ -144,7 +143,7 @@ class KeyValueSuite {
   // for the disk and for a commit of this process.
   virtual std::expected<JournalPage, std::string> journal(std::int64_t before, std::size_t count) const = 0;
 
-  // The newest entries, with the newest `count` unmarked records of the same moment. May wait up to two seconds for the
+  // A consistent read of the newest entries and the newest `count` unmarked records. May wait up to two seconds for the
   // disk and for a commit of any process; the error gives the reason.
   virtual std::expected<SuiteReading, std::string> read(std::size_t count) const = 0;
 
@@ -166,11 +165,11 @@ class KeyValueStore {
  public:
   virtual ~KeyValueStore() = default;
 
-  // `information`: worth knowing, but not an error.
+  // `information` is no error.
   enum class ReportLevel { information, error };
 
-  // Receives reports about a suite or turn, such as damage detected and survived, as texts for the log. Called from any
-  // thread, possibly during a call of the suite, so it must not call the suite itself.
+  // Receives reports about a suite or turn, such as damage that was handled, as texts for the log. Called from any
+  // thread, possibly during a call of the suite, so it must not call the suite.
   using Report = std::function<void(ReportLevel level, std::string message)>;
 
   // Opens the suite, creating it if necessary; the same object for every call with the same name (the first report is
@@ -182,8 +181,8 @@ class KeyValueStore {
   virtual std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) = 0;
 
   // Tries to acquire the named turn; null while another owner has it, in any process of the application. Never blocks.
-  // A process that dies releases its turn. Where locking is unavailable the turn is always granted, and the first
-  // opened suite's report gives the reason once: work done twice is better than work not done.
+  // A process that dies releases its turn. Where locking is unavailable the turn is always granted, since duplicate
+  // work is better than none; the first opened suite's report gives the reason once.
   [[nodiscard]] virtual std::unique_ptr<StoreTurn> tryTurn(std::string_view name) = 0;
 
   // The process's standard defaults, owned by the host. Never null; empty where the platform has none.

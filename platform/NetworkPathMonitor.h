@@ -10,7 +10,7 @@ namespace quillon {
 
 enum class NetworkStatus { satisfied, unsatisfied };
 
-// Destruction stops the reports: the handler is not called afterwards, and a call on another thread has ended.
+// Destruction ends the reports and waits for one running on another thread.
 class NetworkSubscription {
  public:
   virtual ~NetworkSubscription() = default;

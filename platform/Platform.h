@@ -43,13 +43,13 @@ struct Platform {
   std::shared_ptr<KeyStore> keys;
   std::shared_ptr<ConsentSink> consentSink;  // null: an application without an analytics library
   std::shared_ptr<PrivacySignals> signals;   // null: a device without privacy signals
-  std::shared_ptr<DesktopSettings> desktop;  // null: the toolkit alone says how things look
+  std::shared_ptr<DesktopSettings> desktop;  // null: appearance follows the toolkit alone
   std::shared_ptr<ScreenPresenter> screens;  // null: no user interface is configured
-  std::shared_ptr<FileChooser> chooser;      // null: nobody asks the user for a place
+  std::shared_ptr<FileChooser> chooser;      // null: no file dialog
   std::shared_ptr<ReceiptIssuer> receipts;   // null: quillon::proof is not linked
   bool areScreensLinked = false;             // a user interface is linked, configured or not
 
-  // Base URL of the vendor's server, which is asked for the location. Ends in "/".
+  // Base URL of the location look-up server. Ends in "/".
   std::string vendorUrl = "https://app.quillon.example/";
 };
 

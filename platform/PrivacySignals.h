@@ -1,4 +1,4 @@
-// The device's privacy signals, by which the user asks all applications for privacy.
+// The device's privacy signals, which the user sets for all applications.
 #pragma once
 
 #include <functional>

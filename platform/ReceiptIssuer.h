@@ -1,4 +1,4 @@
-// What makes receipts, if it is linked.
+// Issues receipts, if linked.
 #pragma once
 
 #include <cstdint>
@@ -16,22 +16,22 @@
 
 namespace quillon {
 
-// What a store knows of a person's decisions.
+// A data subject's decisions, from the store.
 struct HistoryEvidence {
   // As JSON objects, oldest first: the members of a decision, with `number`, `notice` and `previous`.
   std::vector<std::string> entries = {};
-  // The notices by their hash, in their canonical form; empty for one that is gone by age.
+  // Digest to the notice's canonical form, which is empty once it was evicted.
   std::map<std::string, std::string> notices = {};
   // The hash of the newest entry; nullopt without a chained one.
   std::optional<std::string> head = std::nullopt;
-  // The number of damaged entries, which are left out.
+  // The number of damaged entries, which `entries` omits.
   std::int64_t damaged = 0;
   std::string subjectId = {};
   std::string applicationId = {};
   std::string language = {};
 };
 
-// What a configuration says of a purpose, in the user's language.
+// The configured texts of a purpose, in the user's language.
 struct PurposeTexts {
   std::string name = {};
   std::string description = {};
@@ -54,10 +54,11 @@ class ReceiptIssuer {
   // A signed receipt as a JSON document. The error is a text for the log.
   virtual std::expected<std::string, std::string> issue(const ReceiptRequest& request, KeyStore& keys,
                                                         RandomSource& random) = 0;
-  // What a document of issue() says, for people: of each purpose the newest decision. The error is a text for the log.
+  // The human-readable content of a document from issue(): for each purpose the newest decision. The error is a text
+  // for the log.
   virtual std::expected<std::vector<ReceiptLine>, std::string> summary(std::string_view document,
                                                                        const ReceiptWords& words) = 0;
-  // What names the device's key, which is made if there is none: its thumbprint (RFC 7638).
+  // The thumbprint (RFC 7638) of the device's key, which is created if there is none.
   virtual std::expected<std::string, std::string> keyThumbprint(KeyStore& keys) = 0;
 };
 

@@ -1,11 +1,11 @@
-// What a receipt says, for people.
+// The human-readable content of a receipt.
 #pragma once
 
 #include <string>
 
 namespace quillon {
 
-// The summary's own words, in the user's language.
+// The summary's labels, in the user's language.
 struct ReceiptWords {
   std::string receipt;
   std::string doesNotHold;

@@ -1,4 +1,4 @@
-// The SDK as its screens see it.
+// The SDK's interface for its screens.
 #pragma once
 
 #include <chrono>
@@ -34,7 +34,7 @@ class SDKLogger;
 struct ScreenContent {
   std::shared_ptr<const MainConfiguration> configuration;  // null when there is none
   std::optional<BannerConfig> banner;                      // for the user's location, with interface texts
-  std::string place;                                       // the location known; empty without one
+  std::string place;                                       // the known location; empty without one
 };
 
 struct ScreenFonts {
@@ -57,22 +57,22 @@ class ScreenServices {
   virtual std::vector<Purpose> purposes() = 0;
   virtual std::vector<AppPermission> permissions() = 0;
 
-  // Background threads only: a signed receipt of all decisions. Why there is none is in the log, too.
+  // Background threads only: a signed receipt of all decisions. A failure is logged, too.
   virtual ConsentSDKResult<std::string> receipt() = 0;
-  // What tells its content; null without one.
+  // Summarises receipts; null without one.
   virtual std::shared_ptr<ReceiptIssuer> receipts() const = 0;
   // Null without one.
   virtual std::shared_ptr<FileChooser> chooser() const = 0;
 
-  // Background threads only: keeps the canonical text (RFC 8785) of what a screen shows and returns its SHA-256 digest,
-  // by which decisions name it.
+  // Background threads only: stores the canonical text (RFC 8785) of a screen's notice, and returns its SHA-256 digest,
+  // by which decisions refer to it.
   virtual std::string keepNotice(std::string text) = 0;
 
-  // The user's decisions on a screen, with the digest of what it showed. Stored on return, uploaded in the background.
-  // False when not stored.
+  // Stores the user's decisions on a screen, with the digest of its notice. Durable on return, uploaded in the
+  // background. False when not stored.
   virtual bool answer(bool accept, const std::string& notice) = 0;
   virtual bool save(const std::map<std::int64_t, bool>& selectedPurposes, const std::string& notice) = 0;
-  // The banner was shown and not answered.
+  // Stores the defaults after the banner was closed without an answer.
   virtual bool recordDefaults(const std::string& notice) = 0;
   // Stops the settings prompt from being offered again.
   virtual void closeSettingsPrompt() = 0;

@@ -1,4 +1,4 @@
-// What the library of the advertising trade's signals may ask of the SDK.
+// The SDK's interface for the library of advertising signals.
 #pragma once
 
 #include <functional>
@@ -16,12 +16,11 @@ class SignalSource {
  public:
   virtual ~SignalSource() = default;
 
-  // All from one content of the store. May read the configuration's file.
+  // From a consistent snapshot of the store. May read the configuration's file.
   virtual SignalState state() = 0;
-  // Calls in the background after anything changed that state() tells of, until the handle is dropped; not once the SDK
-  // is closed.
+  // Calls `changed` in the background after any change of state(), until the handle is dropped or the SDK closed.
   [[nodiscard]] virtual std::shared_ptr<void> followChanges(std::function<void()> changed) = 0;
-  // Calls with each script for the application's own pages, to append to, until the handle is dropped.
+  // Calls `append` with every script for the application's own pages, until the handle is dropped.
   [[nodiscard]] virtual std::shared_ptr<void> followPageScripts(std::function<void(std::string&)> append) = 0;
   virtual SDKLogger& logger() = 0;
 };

@@ -51,7 +51,7 @@ class Device::World {
  public:
   explicit World(std::chrono::sys_seconds now) : clock(std::make_shared<VirtualClock>(now)) {}
 
-  // All services except the locale outlive a launch. They run on SDK threads and share ownership of what they use.
+  // All services except the locale outlive an instance. They run on SDK threads and share ownership of what they use.
   Platform platform() {
     Platform platform;
     platform.console = console;
@@ -160,7 +160,7 @@ std::vector<std::string> Device::uploads() const {
 }
 
 bool Device::setPermission(const VantariKey& permission, ConsentStatus status) {
-  // Sources use small numbers, each kind its own.
+  // Platform values are small numbers whose meaning depends on the source, so all are tried.
   constexpr int greatestAnswer = 9;
   for (int answer = 0; answer <= greatestAnswer; ++answer) {
     if (consentFromPlatformValue(permission.kind(), answer) != status) continue;

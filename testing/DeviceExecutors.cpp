@@ -13,7 +13,7 @@ class DeviceExecutors::Background : public Executor {
     const std::scoped_lock lock(mutex_);
     if (closed_) return;
     jobs_.push_back(std::move(job));
-    if (!busy_) changed_.notify_all();  // the thread that is at work looks for more by itself
+    if (!busy_) changed_.notify_all();  // a running thread checks the queue itself
   }
 
   void run() {

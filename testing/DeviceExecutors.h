@@ -12,7 +12,7 @@
 
 namespace quillon::testing {
 
-// Thread-safe. Background and serial queues share one order. Jobs that have not begun on destruction are dropped.
+// Thread-safe. Background and serial queues are one FIFO queue. Jobs that have not begun on destruction are dropped.
 class DeviceExecutors : public Executors {
  public:
   DeviceExecutors();

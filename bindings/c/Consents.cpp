@@ -1,4 +1,4 @@
-// Consents, their history and what they mean.
+// Consents, their history and explanations.
 #include <map>
 #include <utility>
 

@@ -1,4 +1,4 @@
-// Configuration, set-up, readiness and the end.
+// Configuration, set-up, readiness and closing.
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -101,7 +101,7 @@ std::optional<DataController> controllerOf(const quillon_controller* given) {
                         .authority = text(known.authority)};
 }
 
-// A structure without a size would read as one without fields.
+// A structure of size 0 would be read as one without fields.
 bool hasSize(std::size_t size, const char* function) {
   if (size > 0) return true;
   SDKLogger::shared().log("The record's size is 0: it should be sizeof the record", LogLevel::error, function, __FILE__,

@@ -9,7 +9,7 @@ namespace quillon {
 // The document followed by its checksum, encoded as white space so that every JSON reader sees only the document.
 [[nodiscard]] std::string sealed(std::string document);
 
-// False when document and seal disagree. A document without a seal, written by somebody else, counts as intact.
+// False when document and seal disagree. A document without a seal, not written by the SDK, counts as intact.
 [[nodiscard]] bool sealIsIntact(std::string_view bytes);
 
 }  // namespace quillon

@@ -54,13 +54,13 @@ Receiver<T> receiver(std::shared_ptr<Promise<T>> promise) {
   return [promise = std::move(promise)](T value) { promise->keep(std::move(value)); };
 }
 
-// Runs the work in the background; when the work is dropped, so is the receiver, uncalled.
+// Runs the work in the background. When the work is dropped, the receiver is destroyed without being called.
 template <class T>
 void deliver(Work& work, std::move_only_function<T()> background, Receiver<T> receive) {
   work.run([background = std::move(background), receive = std::move(receive)]() mutable { receive(background()); });
 }
 
-// As above, for work that waits.
+// As above, for work that suspends.
 template <class T>
 void deliver(Work& work, std::move_only_function<Task<T>()> background, Receiver<T> receive) {
   work.start([background = std::move(background), receive = std::move(receive)]() mutable -> Task<void> {

@@ -35,8 +35,8 @@ class CheckCycle {
 
   // Restarts the recurring check, one period from now.
   void startRecurringCheck();
-  // Starts the recurring check if it is not running and consents were given meanwhile: by another process, or here by a
-  // decision that could not be sent.
+  // Starts the recurring check if it is not running and consents were given meanwhile: in another process, or in this
+  // one by a decision whose upload failed.
   void watchAnswered();
   // Runs a check, or joins the one in flight.
   Task<void> check();
@@ -50,11 +50,11 @@ class CheckCycle {
   void startPermissionObservation();
   // Schedules another attempt at a failed first download.
   void scheduleRetry(const SessionPointer& session);
-  // Notifies listeners when the banner has become due, again after each answer.
+  // Notifies listeners once each time the banner becomes due.
   void reportDueBanner();
   // The history's number of the user's newest answer; 0 when there is none.
   std::int64_t newestAnswer() const;
-  // A uniformly distributed duration from zero to the limit.
+  // Uniformly distributed from zero to the limit.
   std::chrono::milliseconds atRandom(std::chrono::milliseconds limit);
 
   const Services s_;

@@ -42,7 +42,7 @@ void ConfigurationInForce::restore(StoreTransaction& transaction) const {
   if (!*isStored && !isOutdated) return write(transaction, *this);
   if (!type || transaction.string(key::currentComplianceType)) return;
   writeValues(transaction, *this);
-  // Whoever has answered since is not asked again: it was the same question.
+  // An answer given since then was to the same question, so it is not a re-consent.
   if (configuration->version && transaction.integer(key::configurationVersion, 0) == 0) {
     transaction.set(key::configurationVersion, *configuration->version);
   }
@@ -80,7 +80,7 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   });
   if (!isCurrent) co_return std::nullopt;
   *inForce->isStored = isStored;
-  // Nobody may see new terms with an old mapping, or the other way round.
+  // No reader may see new terms with an old mapping, or the other way round.
   const bool hasNewMapping = session->options.privacySignal && (!earlier || earlier->configuration != configuration);
   if (hasNewMapping) s_.store.consentTable().showTerms(std::nullopt);
   s_.signal.follow(*session, configuration.get());
@@ -90,7 +90,7 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
     showTerms();
   }
   s_.events.gates.update();
-  // Without the compliance type in the store, defaults would be recorded under another one, or under none: granted.
+  // Without the compliance type in the store, defaults would be recorded under another one, or as granted under none.
   const bool changed = isStored && reconcile(configuration);
   s_.consentMode.updateFirebaseConsent(configuration, location);
   co_return changed;
@@ -134,7 +134,7 @@ bool ConfigurationLoader::honourSignals() {
   const bool isHonoured = session->options.privacySignal.has_value();
   ConfigurationPointer configuration;
   if (isHonoured) {
-    // Not another one that a process has saved since, or none as it has removed it: the mapping goes with the terms.
+    // The mapping must match the terms in force; another process may have replaced or removed the cached document.
     const auto present = inForce();
     configuration = present ? present->configuration : current();
   }
@@ -161,7 +161,7 @@ std::shared_ptr<const ConfigurationInForce> ConfigurationLoader::inForce() const
 
 bool ConfigurationLoader::removeConsents() {
   const auto present = inForce();
-  // First, so that even after a crash between the two nothing links the next user to the last one.
+  // First, so that a crash in between leaves no key that links the next user to this one.
   if (s_.platform.keys) {
     if (const auto forgotten = s_.platform.keys->forget(); !forgotten) {
       UnitLog(s_.logger, unit::consentSDK)(LogLevel::error, "The device's key stays: " + forgotten.error(), __func__);
@@ -177,7 +177,7 @@ bool ConfigurationLoader::removeConsents() {
   });
   if (!removed || !present) return removed;
   s_.work.run([this, present] {
-    if (inForce() != present) return;  // a later set-up has begun with another one, or with none
+    if (inForce() != present) return;  // superseded by a later setup
     reconcile(present->configuration);
     refreshConsentMode();
   });
@@ -199,7 +199,7 @@ Task<std::optional<BannerConfig>> ConfigurationLoader::bannerFor(ConfigurationPo
 
 void ConfigurationLoader::refreshConsentMode() {
   ConfigurationPointer configuration = current();
-  // Whoever was told of a consent must hear of its end, even if the document is gone.
+  // The library must be told that a consent has ended, even if the document is gone.
   if (const auto present = inForce(); !configuration && present) configuration = present->configuration;
   s_.consentMode.updateFirebaseConsent(std::move(configuration), s_.location.known(s_.sessions.current()));
 }

@@ -23,14 +23,14 @@ namespace quillon {
 // A configuration that was applied in this process. Immutable.
 struct ConfigurationInForce {
   ConfigurationPointer configuration;
-  SessionPointer session;              // for which it was applied
+  SessionPointer session;              // the one it was applied for
   std::optional<ComplianceType> type;  // of the banner for the user's location; nullopt without a banner
   std::string bannerInterval;
   PurposeTerms terms;
   std::shared_ptr<std::atomic<bool>> isStored = std::make_shared<std::atomic<bool>>(false);
 
-  // Stores its values if they could not be stored before, or if another process has removed them: a default under an
-  // earlier compliance type, or under none, is granted where this one asks.
+  // Stores its values if they could not be stored before, or if another process has removed them. Otherwise a default
+  // could be granted, under an earlier compliance type or none, although this configuration asks.
   void restore(StoreTransaction& transaction) const;
 };
 
@@ -61,10 +61,11 @@ class ConfigurationLoader {
   ConfigurationPointer current();
   // The configuration applied last; null before the first and after close().
   std::shared_ptr<const ConfigurationInForce> inForce() const;
-  // As the store's, for decisions that depend on the configuration in force, whose values are stored first if missing.
+  // UserDefaultManager::transact() for decisions that depend on the configuration in force; first stores its values if
+  // they are missing.
   bool transact(const UserDefaultManager::Edit& edit);
 
-  // What privacy signals opt out of now.
+  // The current opt-outs by privacy signals.
   [[nodiscard]] OptOuts optOuts() const { return s_.signal.optOuts(); }
   // Updates stored consents to privacy signals and the session's mapping of them. True when a consent changed.
   bool honourSignals();
@@ -100,12 +101,12 @@ class ConfigurationLoader {
   // call's turn.
   Task<std::optional<bool>> apply(SessionPointer session, ConfigurationPointer configuration,
                                   std::function<bool()> isWanted);
-  // Shows the configuration in force in the table of consents. Requires the lock.
+  // Passes the terms in force to the ConsentTable. Requires the lock.
   void showTerms();
   bool reconcile(const ConfigurationPointer& configuration);
   void warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration);
   Served served(const SessionPointer& session, ConfigurationPointer cached) const;
-  // What serves the session now. During a wait another process may have saved a newer document than `earlier`.
+  // The cached document usable for the session now; another process may have saved a newer one than `earlier`.
   ConfigurationPointer newest(const SessionPointer& session, ConfigurationPointer earlier);
   bool isFresh(const Served& cached);
   void setReady(const SessionPointer& session, SDKStatus status);
@@ -114,7 +115,7 @@ class ConfigurationLoader {
   ConfigurationCache cache_;
   BundledConfiguration bundled_;
   TaskQueue applying_;
-  mutable std::mutex mutex_;  // guards the members below; held while they are shown, never while others are called
+  mutable std::mutex mutex_;  // guards the members below; held while updating the ConsentTable, never for other calls
   std::shared_ptr<Flight> flight_;
   std::shared_ptr<const ConfigurationInForce> inForce_;
 };

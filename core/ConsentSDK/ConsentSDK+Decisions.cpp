@@ -19,7 +19,7 @@ bool DecisionRecorder::set(const Purpose& purpose, ConsentStatus consent) {
   return true;
 }
 
-// The application may know better than the available configuration, so its decision is stored anyway.
+// Only warns: the decision is stored, since the application may have a newer configuration than this process.
 void DecisionRecorder::warn(const Purpose& purpose, ConsentStatus consent) {
   const UnitLog log(s_.logger, unit::decisions);
   const auto inForce = s_.loader.inForce();
@@ -101,7 +101,7 @@ DecisionRecorder::FollowUp DecisionRecorder::save(const std::map<std::int64_t, b
                                                       const DecisionContext& context) {
     for (const auto& resolution : manager.choices(selectedPurposes, transaction)) {
       const std::int64_t id = resolution.purposeId;
-      // Signal decisions were shown to the user, and become the user's own choice.
+      // The user has seen the signal's decisions, so they become the user's own choice.
       const bool isSignals = manager.isOptedOutBySignal(id, transaction) || transaction.isDecidedBySignal(id);
       if (isSignals || transaction.consent(PurposeKey(id)) != resolution.status) {
         PurposeManager::setConsent(transaction, resolution, context);

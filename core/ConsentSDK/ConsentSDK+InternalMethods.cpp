@@ -225,7 +225,7 @@ void CheckCycle::honourSignals() {
   // On this thread, so that later queries see it.
   const bool hasChanged = s_.loader.honourSignals();
   if (hasChanged) s_.uploader.schedule();
-  // A load may take its time, or fail.
+  // Without waiting for the load, which may be slow or fail.
   if (hasChanged || isHonoured) s_.work.run([this] { s_.loader.refreshConsentMode(); });
   s_.events.gates.update();
 }
@@ -233,7 +233,7 @@ void CheckCycle::honourSignals() {
 void CheckCycle::reportDueBanner() {
   if (s_.events.bannerDue.isEmpty()) return;
   BannerExplanation banner = s_.explainBanner();
-  // No check may have come by between an answer and the next time.
+  // Without a check in between, an answer and a banner that is due again look like no change.
   const std::int64_t answer = banner.isDue ? newestAnswer() : 0;
   {
     const std::scoped_lock lock(mutex_);

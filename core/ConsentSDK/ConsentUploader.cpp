@@ -74,7 +74,7 @@ Task<bool> ConsentUploader::uploadPending(Trigger trigger) {
   if (!session) co_return false;
   const bool isDone = co_await uploadInTurn(session, trigger);
   if (isDone) co_return true;
-  // What the server has refused for good is left to the next change.
+  // Permanently rejected decisions are not retried until something changes.
   const auto entries = s_.store.snapshot();
   const StoredValues stored(*entries);
   const bool isRefused = !stored.boolean(key::uploadConsentRequestPending) &&
@@ -103,7 +103,7 @@ Task<bool> ConsentUploader::uploadInTurn(SessionPointer session, Trigger trigger
     if (trigger == Trigger::automatic && !isDue(*reading, configuration)) co_return false;
     PostConsentsRequest upload = request(*session, stored, configuration);
     if (upload.uuid.empty()) {
-      // Under an identifier that is not stored nobody would find the consents again; a check retries.
+      // Consents uploaded under an identifier that is not stored could not be attributed later. A check retries.
       s_.answered();
       co_return false;
     }
@@ -177,7 +177,7 @@ bool ConsentUploader::isOfSameHistory(const Sent& sent, const StoredValues& stor
 void ConsentUploader::applyAnswer(const GenericResponse& response, const PostConsentsRequest& request,
                                   const Sent& sent) {
   s_.store.markOutcomes([&](StoreTransaction& transaction, const std::vector<JournalRecord>& unmarked) {
-    if (!isOfSameHistory(sent, transaction, unmarked)) return;  // the present decisions were not sent
+    if (!isOfSameHistory(sent, transaction, unmarked)) return;  // the stored decisions are not those sent
     transaction.set(key::uploadConsentRequestPending, response.status == statusFailed);
     if (response.status != statusAccepted && response.status != statusFailed) {
       transaction.set(key::uploadRefusedUpTo, sent.newest.number);
@@ -213,7 +213,7 @@ bool ConsentUploader::isUploadDue(const ConfigurationPointer& configuration) con
 
 std::optional<SuiteReading> ConsentUploader::read() const {
   auto reading = s_.store.read(1);
-  // What was rejected is told by the numbers of all decisions.
+  // Only the numbers of all decisions show which were rejected.
   const bool wasRejected =
       reading && StoredValues(*reading->entries).integer(key::uploadRefusedUpTo, nothingRefused) != nothingRefused;
   return wasRejected ? s_.store.read(maximumJournalRecords) : std::move(reading);

@@ -22,7 +22,7 @@ class ConsentUploader {
     ServerApi& server;
     ConfigurationLoader& loader;
     std::function<void()> answered;     // called after every upload that was accepted, failed or not possible
-    std::function<void()> leftPending;  // called when an upload has left something pending: somebody must try again
+    std::function<void()> leftPending;  // called when an upload has left something pending that must be retried
   };
   explicit ConsentUploader(Services services) : s_(std::move(services)) {}
 
@@ -47,8 +47,8 @@ class ConsentUploader {
   bool isUploadDue(const ConfigurationPointer& configuration) const;
 
  private:
-  // The decisions an upload carries: those on its subjects up to an entry of the history. It tells them from decisions
-  // made during the upload.
+  // Identifies the decisions in an upload: those on its subjects, up to an entry of the history. Distinguishes them
+  // from decisions made during the upload.
   struct Sent {
     std::set<DecisionSubject> subjects;
     JournalRecord newest;  // unmarked history entry when the request was made; number 0 without one
@@ -56,16 +56,16 @@ class ConsentUploader {
   };
 
   Task<bool> uploadInTurn(SessionPointer session, Trigger trigger);
-  // Whether this process may upload. Also true, without a turn, once another process has held the turn for longer than
-  // any exchange takes: a stopped process must not block the others for good.
+  // Tries to acquire the cross-process lock. Also true, without the lock, once another process has held it for longer
+  // than any exchange takes: a stopped process must not block the others forever.
   bool takeTurn(std::unique_ptr<StoreTurn>& turn);
   PostConsentsRequest request(const Session& session, const StoredValues& stored,
                               const ConfigurationPointer& configuration);
   Task<bool> send(std::string url, PostConsentsRequest request, Sent sent);
-  // False once the consents were removed during the upload: the history then counts from 1 again.
+  // False when the consents were removed during the upload, which restarts the history at 1.
   static bool isOfSameHistory(const Sent& sent, const StoredValues& stored, const std::vector<JournalRecord>& unmarked);
   void applyAnswer(const GenericResponse& response, const PostConsentsRequest& request, const Sent& sent);
-  // The stored content with as much of the history as isDue() needs of it.
+  // The stored content with as much of the history as isDue() needs.
   std::optional<SuiteReading> read() const;
   bool isDue(const SuiteReading& reading, const ConfigurationPointer& configuration) const;
 

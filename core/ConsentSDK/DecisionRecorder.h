@@ -11,8 +11,8 @@
 namespace quillon {
 
 // Thread-safe. Owns the order of decisions: purposes are stored on the calling thread before the call returns, so calls
-// from one thread take effect in order. Permissions, which require asking the device, follow in the background in call
-// order.
+// from one thread take effect in order. Permissions, which require querying the device, follow in the background in
+// call order.
 class DecisionRecorder {
  public:
   // Collaborators; all must outlive it.
@@ -29,7 +29,7 @@ class DecisionRecorder {
   // Each operation stores decisions on purposes in one transaction and returns the background work to run next: it
   // stores the current state of every permission and uploads. Empty when the decisions could not be stored.
   using FollowUp = std::move_only_function<Task<void>()>;
-  // The answer to the banner. `notice` names what was on the screen; see DecisionContext.
+  // The answer to the banner. For `notice`, here and below, see DecisionContext.
   [[nodiscard]] FollowUp answer(bool accept, std::string notice);
   // The choices of the preference centre: true for granted.
   [[nodiscard]] FollowUp save(const std::map<std::int64_t, bool>& selectedPurposes, std::string notice);

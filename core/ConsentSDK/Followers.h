@@ -1,4 +1,4 @@
-// Internal followers, besides the application's listeners.
+// Internal observers, as opposed to the application's listeners.
 #pragma once
 
 #include <functional>

@@ -12,7 +12,7 @@
 
 namespace quillon {
 
-// Thread-safe. Keeps the signal's mapping and shows it in the table of consents; queries the device's signal each time.
+// Thread-safe. Owns the signal's mapping and passes it to the ConsentTable; queries the device's signal each time.
 class HonouredSignal {
  public:
   // Both must outlive it.
@@ -30,7 +30,7 @@ class HonouredSignal {
  private:
   const Platform& platform_;
   UserDefaultManager& store_;
-  mutable std::mutex mutex_;  // guards the members below; held while they are shown, never while others are called
+  mutable std::mutex mutex_;  // guards the members below; held while updating the ConsentTable, never for other calls
   std::uint64_t generation_ = 0;
   bool isGiven_ = false;                          // by the application
   std::shared_ptr<const SignalMapping> mapping_;  // null when no signal is honoured

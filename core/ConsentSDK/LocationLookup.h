@@ -22,9 +22,9 @@ class LocationLookup {
                  std::function<void()> lateAnswer)
       : platform_(platform), store_(store), work_(work), server_(server), lateAnswer_(std::move(lateAnswer)) {}
 
-  // The session's location, else one stored within the last hour, else the server's answer; nullopt when unknown, or
-  // when the configuration does not depend on it. Waits at most 5 s for the server, 1 s for ten minutes after a
-  // failure; a later answer is stored.
+  // The session's location, else one stored within the last hour, else the server's answer, else an older stored one;
+  // nullopt when unknown, or when the configuration does not depend on it. Waits at most 5 s for the server, 1 s for
+  // ten minutes after a failure; a later answer is stored.
   Task<std::optional<std::string>> locationFor(SessionPointer session,
                                                std::shared_ptr<const MainConfiguration> configuration);
   // The location known without a request.

@@ -39,7 +39,7 @@ void checkIdentifier(std::string_view name, const std::string& identifier, std::
                      "\"news-reader\"");
 }
 
-// "de-DE" and "de_DE" mean "de"; the session takes that part.
+// Accepts "de-DE" and "de_DE", of which the session uses "de".
 void checkLanguage(std::optional<LanguageCode>& code, std::vector<std::string>& mistakes) {
   if (!code || code->text().empty()) return;
   const std::string language = code->text().substr(0, code->text().find_first_of("-_"));

@@ -48,7 +48,7 @@ void OtherProcesses::begin() {
     const std::scoped_lock lock(mutex_);
     if (!s_.work.isClosed()) subscription_.swap(subscription);
   }
-  compareIfDifferent();  // another process has been at it before anybody looked
+  compareIfDifferent();  // another process may have committed before observe()
 }
 
 void OtherProcesses::compareIfDifferent() {
@@ -70,7 +70,7 @@ void OtherProcesses::close() {
 void OtherProcesses::addOwn(const std::vector<Decision>& decisions) {
   const std::scoped_lock lock(mutex_);
   for (const Decision& decision : decisions) {
-    // Listeners receive changes only; this one follows when another process's content is compared.
+    // Not announced, since the status was stored already. If another process stored it, compare() reports it.
     if (!Events::isChange(decision)) continue;
     const DecisionSubject subject{decision.purposeId, decision.permission};
     if (decision.cause == DecisionCause::removed) {
@@ -84,7 +84,7 @@ void OtherProcesses::addOwn(const std::vector<Decision>& decisions) {
 void OtherProcesses::compare() {
   constexpr std::size_t pageSize = 500;
   Consents present = storedIn(*s_.store.snapshot());
-  std::optional<HistoryPage> history;  // read only where there is something to tell: it is long
+  std::optional<HistoryPage> history;  // read only when something differs, as reading it is slow
   std::vector<Decision> decisions;
   for (;;) {
     {

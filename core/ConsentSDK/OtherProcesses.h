@@ -23,7 +23,7 @@ class OtherProcesses {
   void begin();
   void close();
 
-  // Notes decisions made by this process.
+  // Records decisions made by this process as reported.
   void addOwn(const std::vector<Decision>& decisions);
 
  private:

@@ -41,7 +41,7 @@ HistoryEvidence Receipts::evidence() const {
   if (history.isNewestMissing) {
     evidence.head = StoredValues(*stored).string(key::historyHead);
   } else if (!history.entries.empty() && history.entries.front().decision.previous) {
-    evidence.head = history.entries.front().hash;  // the stored one may be newer by now
+    evidence.head = history.entries.front().hash;  // the stored head may belong to a newer entry by now
   }
   return evidence;
 }

@@ -1,4 +1,4 @@
-// What receipts are made of.
+// Collects the input of receipts and issues them.
 #pragma once
 
 #include <cstdint>

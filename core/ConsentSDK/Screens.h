@@ -38,7 +38,7 @@ class Screens : public ScreenServices {
 
   void presentBanner();
   void presentPreferenceCenter() override;
-  // Whether a prompt that the user has closed before is offered again.
+  // Whether to offer a prompt that the user has closed before.
   enum class Offer { unlessClosedBefore, always };
   void presentSettingPrompt(VantariKey permission, Offer offer);
 
@@ -88,7 +88,7 @@ class Screens : public ScreenServices {
 
   const Services s_;
   std::weak_ptr<ScreenServices> self_;
-  std::atomic<bool> isShownUnstored_ = false;  // shown although the store failed: once per process
+  std::atomic<bool> isShownUnstored_ = false;  // the banner was shown although storing that failed: once per process
   std::mutex mutex_;                           // guards the member below
   std::vector<std::weak_ptr<std::function<void()>>> dismissalFollowers_;
 };

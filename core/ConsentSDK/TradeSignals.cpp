@@ -7,8 +7,7 @@
 namespace quillon {
 namespace {
 
-// When the newest of the decisions on purposes was made; the first page of the history has it in all but odd cases, and
-// then an earlier time does no harm.
+// The time of the newest decision on a purpose; zero when the newest 100 entries have none, which is rare and harmless.
 std::chrono::sys_seconds newestDecision(const UserDefaultManager& store) {
   constexpr std::size_t pageSize = 100;
   for (const auto& entry : store.history(std::numeric_limits<std::int64_t>::max(), pageSize).entries) {

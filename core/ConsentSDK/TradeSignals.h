@@ -1,4 +1,4 @@
-// What the signals of the advertising trade are made from.
+// The input of the advertising signals.
 #pragma once
 
 #include "core/ConsentSDK/ConfigurationLoader.h"
@@ -7,10 +7,10 @@
 
 namespace quillon {
 
-// Thread-safe; without state but for its followers.
+// Thread-safe; stateless except for its followers.
 class TradeSignals : public SignalSource {
  public:
-  // What it calls; all must outlive it.
+  // Collaborators; all must outlive it.
   struct Services : Foundation {
     LocationLookup& location;
     ConfigurationLoader& loader;

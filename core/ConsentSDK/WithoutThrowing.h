@@ -5,8 +5,8 @@
 
 namespace quillon {
 
-// Runs the operation; returns `otherwise`, never a consent, when it throws. Only exhausted memory or system resources
-// get here, which no caller can handle.
+// Runs the operation; returns `otherwise`, which is never a consent, when it throws. Only exhausted memory or system
+// resources throw here, which no caller can handle.
 template <class Operation, class Answer>
 [[nodiscard]] Answer withoutThrowing(Operation operation, Answer otherwise) noexcept {
   try {

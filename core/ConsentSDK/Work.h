@@ -28,7 +28,7 @@ class Work {
 
   // Runs a task in the background. Exceptions are logged.
   void start(std::move_only_function<Task<void>()> makeTask);
-  // As above, for a job that does not wait.
+  // As above, for a job that does not suspend.
   void run(Job job);
 
   // Runs a host job on the main queue. Exceptions are logged.

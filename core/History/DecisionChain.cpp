@@ -10,7 +10,7 @@
 namespace quillon {
 namespace {
 
-// A record that an entry may follow.
+// A possible predecessor of an entry.
 struct Earlier {
   std::int64_t number = 0;
   bool isDamaged = false;
@@ -24,7 +24,7 @@ bool isChained(const std::string& text) {
   return decision && decision->previous;
 }
 
-// Everything in the page, newest first.
+// Records and damaged numbers of the page, newest first.
 std::vector<Earlier> sequence(const JournalPage& page) {
   std::vector<Earlier> all;
   all.reserve(page.records.size() + page.damaged.size());
@@ -37,7 +37,7 @@ std::vector<Earlier> sequence(const JournalPage& page) {
   return all;
 }
 
-// Records are dropped by age only once there are too many.
+// Whether the journal's limit may have dropped records before this one; with fewer records none is dropped.
 bool mayHaveAged(std::int64_t oldest, const ChainState& state) {
   constexpr auto fewestKept = static_cast<std::int64_t>(maximumJournalRecords - journalRecordsDroppedAtOnce);
   return oldest > 1 && state.newestNumber && *state.newestNumber - oldest >= fewestKept - 1;

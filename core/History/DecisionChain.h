@@ -1,5 +1,5 @@
-// The hash chain through the history. Every entry names the hash of the entry before it, so none can be changed,
-// removed, inserted or moved unnoticed.
+// The hash chain through the history. Every entry contains the hash of its predecessor, so a changed, removed, inserted
+// or moved entry is detected.
 #pragma once
 
 #include <optional>
@@ -12,12 +12,12 @@
 
 namespace quillon {
 
-// What the first entry of a chain names in place of a hash.
+// The value in place of a hash in the first entry of a chain.
 namespace chain_start {
 inline constexpr std::string_view first = "first";          // there was no history
 inline constexpr std::string_view removed = "removed";      // an earlier history was removed
 inline constexpr std::string_view unchained = "unchained";  // earlier entries were written before chains
-inline constexpr std::string_view lost = "lost";            // damage: what came before is not known
+inline constexpr std::string_view lost = "lost";            // damage: earlier entries are unknown
 }  // namespace chain_start
 
 // The only journal record left by a removal of all decisions.
@@ -34,13 +34,13 @@ struct ChainedTexts {
 // The journal texts of decisions that follow `previous`, a hash or a start; not empty.
 [[nodiscard]] ChainedTexts chained(const std::vector<Decision>& decisions, std::string previous);
 
-// What a first chained entry names, given the newest record.
+// The value for the first chained entry, given the newest record.
 [[nodiscard]] std::string chainStart(const JournalPage& newest, bool wereEntriesLost);
 
 // The stored state that a page of the history is verified against.
 struct ChainState {
   std::string head;                          // the stored hash of the newest entry; empty without one
-  std::optional<std::int64_t> newestNumber;  // nullopt: without any record
+  std::optional<std::int64_t> newestNumber;  // nullopt: no record
   bool isFirstPage = false;                  // `head` belongs to its first entry
 };
 

@@ -20,7 +20,7 @@ DecisionSubject subjectOf(const Decision& decision) {
 
 std::string journalText(const Decision& decision) {
   if (decision.language.size() <= longestLanguage) return encode(decision);
-  Decision shortened = decision;  // the host's text may have any length
+  Decision shortened = decision;  // texts from the host may have any length
   shortened.language.resize(longestLanguage);
   return encode(shortened);
 }

@@ -15,17 +15,17 @@
 
 namespace quillon {
 
-// What the decisions of one moment share.
+// The fields shared by the decisions of one transaction.
 struct DecisionContext {
   GivenType givenType;
   std::int64_t time;        // whole seconds since 1970
   std::string language;     // of the user interface
   std::string application;  // the application's id; empty before a setup
-  // Of what was on the screen, or applicationsNotice; empty when nothing was shown.
+  // Digest of the notice shown, or applicationsNotice; empty when nothing was shown.
   std::string notice = {};
 };
 
-// The journal text of a decision. Never longer than a record may be.
+// The journal text of a decision, never longer than maximumJournalTextBytes.
 [[nodiscard]] std::string journalText(const Decision& decision);
 
 // The entries of a journal page requested with `count`. A record that is no decision counts as damaged.

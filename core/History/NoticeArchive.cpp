@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view orderKey = "ORDER";  // the digests, oldest first
 constexpr std::size_t mostDigests = 1000;
-// A suite takes no larger value.
+// Leaves room for the key within a suite's limit of an entry.
 constexpr std::size_t longestText = maximumNoticeBytes - 1024;
 
 const std::string* textUnder(const SuiteEntries& entries, std::string_view digest) {

@@ -1,4 +1,4 @@
-// What users were shown when they decided.
+// The notices that users were shown when they decided.
 #pragma once
 
 #include <map>
@@ -13,26 +13,26 @@
 
 namespace quillon {
 
-// In place of a hash, in decisions made through the application's own screens or calls.
+// In place of a digest, in decisions made through the application's own screens or calls.
 inline constexpr std::string_view applicationsNotice = "application";
 
-// The suite of the notices: a notice's canonical text (RFC 8785) under its SHA-256 digest, empty once it had to go.
+// The suite of the notices: SHA-256 digest to canonical text (RFC 8785), which is empty once it was evicted.
 inline constexpr std::string_view noticeSuiteName = "quillon-cmp-sdk.notices";
 
-// Limit of all texts together: the oldest ones go first, and stay known by their digests.
+// Limit of all texts together. The oldest are evicted first; the newest 1,000 digests stay.
 inline constexpr std::size_t maximumNoticeBytes = std::size_t{1} << 20;
 
-// Thread-safe. Decisions do not depend on it: what cannot be kept is logged.
+// Thread-safe. A notice that cannot be stored is logged; decisions are unaffected.
 class NoticeArchive {
  public:
   // Both must outlive it; neither is used before the first operation.
   NoticeArchive(const Platform& platform, SDKLogger& logger) : platform_(platform), logger_(logger) {}
 
-  // Keeps the text, durably, and returns its digest. Writes only what is not kept yet.
+  // Stores the text durably, unless it is stored already, and returns its digest.
   std::string keep(std::string text);
-  // The texts by their digests, of any process; empty ones had to go. May wait for the disk.
+  // Digest to text, from all processes; empty when evicted. May wait for the disk.
   std::map<std::string, std::string> texts();
-  // After the consents were removed.
+  // Removes all notices, after the consents were removed.
   void clear();
 
  private:

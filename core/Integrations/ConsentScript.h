@@ -30,7 +30,7 @@ struct PageSignals {
   ConsentMap present;
 };
 
-// The content of a script element, safe whatever the texts contain. Without signals it omits consent mode.
+// Script text, safe inside a script element whatever the texts contain. Without signals it omits consent mode.
 [[nodiscard]] std::string consentScript(const PageConsents& consents, const std::optional<PageSignals>& signals);
 
 }  // namespace quillon

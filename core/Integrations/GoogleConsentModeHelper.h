@@ -32,14 +32,14 @@ using ConsentMap = std::map<GoogleConsentType, bool>;
 // delivered is current.
 class GoogleConsentModeHelper {
  public:
-  // All must outlive it; `optOuts` gives the present ones. Nothing is passed on once a stop is requested.
+  // All must outlive it; `optOuts` returns the current ones. Sends nothing once a stop is requested.
   GoogleConsentModeHelper(const Platform& platform, UserDefaultManager& store, SDKLogger& logger,
                           std::function<OptOuts()> optOuts, std::stop_token stop)
       : platform_(platform), store_(store), logger_(logger), optOuts_(std::move(optOuts)), stop_(std::move(stop)) {}
 
   // Computes the signals from the stored consents and sends them, or leaves that to the thread currently sending. Does
   // nothing unless the configuration drives consent mode. `location` is the newest known one. Without a configuration,
-  // the last one tells whether a consent has ended: whoever was told of it must hear that.
+  // it uses the last one, and only to report that a signal granted before no longer is.
   void updateFirebaseConsent(std::shared_ptr<const MainConfiguration> mainConfiguration,
                              std::optional<std::string> location);
 
@@ -50,7 +50,7 @@ class GoogleConsentModeHelper {
   struct Request {
     std::shared_ptr<const MainConfiguration> configuration;
     std::optional<std::string> location;
-    bool isGone = false;  // the configuration
+    bool isGone = false;  // the configuration no longer exists
   };
   void send(const Request& request);
 
@@ -63,7 +63,7 @@ class GoogleConsentModeHelper {
   std::optional<Request> last_;    // with a configuration
   std::optional<Request> newest_;  // to be sent
   bool isSending_ = false;
-  ConsentMap told_;  // last; used by the thread that sends alone
+  ConsentMap told_;  // sent last; used only by the thread that sends
 };
 
 }  // namespace quillon

@@ -1,5 +1,5 @@
-// Type-erased JSON mappings. Reader and writer use these, so they are compiled once and not per structure; so may
-// others that walk the tables, such as the writer of a schema.
+// Type-erased JSON mappings. Reader, writer and others that walk the tables, such as a schema generator, are thus
+// compiled once and not per structure.
 #pragma once
 
 #include <cstddef>

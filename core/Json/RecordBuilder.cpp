@@ -26,7 +26,7 @@ std::uint64_t wordAt(const char* place) {
   return word;
 }
 
-// Compares keys, of which a document has very many: mostly in two overlapping loads.
+// Compares keys, which dominates decoding: mostly in two overlapping loads.
 bool areSame(std::string_view left, std::string_view right) {
   constexpr std::size_t step = sizeof(std::uint64_t);
   if (left.size() != right.size()) return false;
@@ -142,7 +142,7 @@ bool RecordBuilder::aimAtField(Level& level, std::string_view key) {
 }
 
 bool RecordBuilder::aimAtEntry(Level& level, std::string_view key) {
-  // A map node holds three pointers and a colour besides key and element.
+  // A map node holds three pointers and a colour in addition to key and element.
   if (!take(4 * sizeof(void*) + sizeof(std::string) + key.size() + level.element->size)) return false;
   void* const element = level.type->insert(level.value, key);
   if (!element) return refuse("duplicate key");

@@ -6,7 +6,7 @@
 namespace quillon {
 namespace {
 
-// Of a source file: "UserDefaultManager" of ".../UserDefaultManager.cpp".
+// The unit of a source file: "UserDefaultManager" for ".../UserDefaultManager.cpp".
 std::string_view unitOf(std::string_view fileName) {
   const auto name = fileName.substr(fileName.rfind('/') + 1);
   return name.substr(0, name.rfind('.'));

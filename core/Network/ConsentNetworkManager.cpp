@@ -62,7 +62,7 @@ Task<std::expected<ConsentNetworkManager::Exchange, RequestFailure>> ConsentNetw
 RequestFailure ConsentNetworkManager::undecodable(const Exchange& exchange, std::string_view name,
                                                   const std::string& error) {
   std::string message = "Failed to Decode " + std::string(name) + " : " + error;
-  // The error comes first. The document may be long, so it is shown at debug only.
+  // The error precedes the document, which may be long and is therefore logged at debug only.
   const std::size_t shown = logger_.logLevel() == LogLevel::debug ? longestShownDocument : 0;
   logExchange(message + exchangeText(exchange.request, exchange.response, shown));
   return NetworkError{NetworkError::Case::decodingError, std::move(message)};

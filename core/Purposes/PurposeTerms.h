@@ -20,14 +20,14 @@ class PurposeTerms {
   // `type` is that of the user's banner; without one nothing is granted by default.
   PurposeTerms(const MainConfiguration& configuration, std::optional<ComplianceType> type);
 
-  // The purposes that may be acted on while undecided: essential ones, or all of a type that needs no question.
+  // The purposes allowed while undecided: all under a type that needs no question, else the essential ones.
   [[nodiscard]] const std::vector<std::int64_t>& allowedUndecided() const {
     return isGrantedByDefault_ ? listed_ : essential_;
   }
   [[nodiscard]] const std::vector<std::int64_t>& boundToTracking() const { return bound_; }
   [[nodiscard]] bool lists(std::int64_t purposeId) const;
   [[nodiscard]] bool isEssential(std::int64_t purposeId) const;
-  // Whether app tracking governs it.
+  // Whether app tracking governs the purpose.
   [[nodiscard]] bool isBoundToTracking(std::int64_t purposeId) const;
 
  private:

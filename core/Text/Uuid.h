@@ -11,10 +11,10 @@
 
 namespace quillon {
 
-// Of these bytes, but for those that say version and variant.
+// A UUID of these bytes; the bits of version and variant are replaced.
 [[nodiscard]] std::string uuidOf(std::array<std::uint8_t, 16> bytes, unsigned version,
                                  std::string_view digits = hexDigits);
-// Version 4.
+// A random UUID, version 4.
 [[nodiscard]] std::string randomUuid(RandomSource& random, std::string_view digits = hexDigits);
 
 }  // namespace quillon

@@ -40,10 +40,10 @@ struct Platform;
 /// Calls from one thread take effect in order: the later of two answers holds, and so does a set() after an answer.
 ///
 /// Each asynchronous operation has two forms. Callback: called exactly once, on the main queue, after the call has
-/// returned; the arguments are the callback's to keep; an exception is contained; the callback is not called when the
-/// SDK is destroyed or closed first. Future: becomes ready on an SDK thread and never holds an exception; it holds an
-/// empty list, text or record, `false`, an error, or ConsentStatus::notDetermined when the SDK is destroyed or closed
-/// first. The main queue may wait for a future.
+/// returned; it owns its arguments; its exceptions are caught and logged; it is not called when the SDK is destroyed or
+/// closed first. Future: becomes ready on an SDK thread and never holds an exception; it holds an empty list, text or
+/// record, `false`, an error, or ConsentStatus::notDetermined when the SDK is destroyed or closed first. The main queue
+/// may block on a future.
 ///
 /// Ask isAllowed() or whileAllowed() before acting on a purpose: they fail closed. get() returns the status, which
 /// without a configuration is the default `granted`.
@@ -73,7 +73,7 @@ class ConsentSDK {
 
   /// A separate instance over the given services; several may coexist.
   explicit ConsentSDK(Platform platform);
-  /// Cancels running work. Destroyed on the main queue, no callback begins afterwards.
+  /// Cancels running work. When called on the main queue, no callback begins afterwards.
   ~ConsentSDK();
   ConsentSDK(const ConsentSDK&) = delete;
   ConsentSDK& operator=(const ConsentSDK&) = delete;
@@ -92,7 +92,7 @@ class ConsentSDK {
   /// that differs from the last one reported. A second call replaces the callback.
   void isReady(std::function<void(SDKStatus)> callback);
 
-  /// Removes the callback of isReady().
+  /// Removes the callback of isReady(); listeners of other events stay.
   void removeListeners();
 
   /// The SDK's version, such as "1.2.0"; nullopt when the installation does not state one.
@@ -109,8 +109,8 @@ class ConsentSDK {
   /// `granted`. Without one: a configuration in force in this process lists the purpose, the purpose is essential or
   /// the compliance type needs no question, and no store entries were lost to damage. A purpose bound to app tracking
   /// also needs the device's authorization, and an honoured privacy signal denies purposes that the user has not
-  /// answered. False otherwise: before the first configuration, after close() without a decision, when in doubt. Any
-  /// thread; allocates nothing; cheap enough to call every frame.
+  /// answered. False in every other case, such as before the first configuration, or after close() without a decision.
+  /// Any thread; never waits and allocates nothing; cheap enough to call every frame.
   ///
   /// @code
   /// if (!quillon::ConsentSDK::shared().isAllowed(2)) stopCounting();
@@ -124,11 +124,10 @@ class ConsentSDK {
   /// Whether a decision on the purpose is stored: an answer or a recorded default.
   [[nodiscard]] bool isDecided(std::int64_t purposeId) const;
 
-  /// Follows isAllowed(): calls @p start once when the purpose becomes allowed (immediately if it already is), @p stop
-  /// once when it no longer is, and so on in turn, until the handle is dropped or the SDK closed. Calls come on the
-  /// main queue; isAllowed() is evaluated at the moment of the call. Every cause counts: decisions, defaults, the
-  /// tracking status, a new configuration, removeConsents(), damage, and other processes of the application within a
-  /// second.
+  /// Follows isAllowed(): alternately calls @p start when the purpose becomes allowed (at first if it already is) and
+  /// @p stop when it no longer is, until the handle is dropped or the SDK closed. Calls come on the main queue, which
+  /// evaluates isAllowed() at that moment. Every cause counts: decisions, defaults, the tracking status, a new
+  /// configuration, removeConsents(), damage, and other processes of the application within a second.
   ///
   /// @code
   /// auto counting = sdk.whileAllowed(2, startCounting, stopCounting);
@@ -192,10 +191,11 @@ class ConsentSDK {
   [[nodiscard]] std::future<HistoryPage> getHistory(std::size_t count = 100,
                                                     std::optional<std::int64_t> before = std::nullopt);
 
-  /// A signed receipt of the decisions on the purposes, or on all purposes: a consent receipt of ISO/IEC TS 27560:2023
-  /// as the Data Privacy Vocabulary writes it, a JSON document that anybody can check with the device's public key in
-  /// it. The error says why there is none: nothing was decided on a purpose, the library quillon::proof is not linked,
-  /// or the key can be neither read nor made. What ConsentSDKOptions::controller does not state is listed as missing.
+  /// A signed receipt of the decisions on @p purposes, or on all purposes when it is empty: a JSON document in the
+  /// Data Privacy Vocabulary's form of an ISO/IEC TS 27560:2023 consent receipt. It contains the device's public key,
+  /// with which anybody can verify it. Fails when nothing was decided on one of the purposes, the library
+  /// quillon::proof is not linked, or the key can be neither read nor created. Lists what ConsentSDKOptions::controller
+  /// does not state as missing.
   ///
   /// @code
   /// const auto receipt = sdk.receipt().get();
@@ -284,6 +284,7 @@ class ConsentSDK {
 
   /// Shows the banner when it is due.
   void presentBanner();
+  /// Shows the preference centre.
   void presentPreferenceCenter();
   /// Shows the prompt that leads to the system settings, if the configuration offers it for the permission and the user
   /// has not closed it before.
@@ -300,12 +301,12 @@ class ConsentSDK {
   /// @name Upload and check
   /// @{
 
-  /// Sends @p request to the application server at base address @p url. The outcome is stored as the pending state;
-  /// `done` means that the attempt is over, not that it succeeded.
+  /// Sends @p request to the application server at base URL @p url, which also receives the access token. The outcome
+  /// is stored as the pending state; @p done is called when the attempt is over, whether it succeeded or not.
   void uploadConsents(std::string url, PostConsentsRequest request, std::function<void()> done);
   std::future<void> uploadConsents(std::string url, PostConsentsRequest request);
 
-  /// Uploads pending decisions now. True when nothing is pending afterwards.
+  /// Uploads pending decisions now. True when the server accepted them or none was pending.
   void uploadPendingConsents(std::function<void(bool uploaded)> callback);
   std::future<bool> uploadPendingConsents();
 
@@ -318,9 +319,9 @@ class ConsentSDK {
   [[nodiscard]] std::future<void> settled();
   /// @}
 
-  /// The interface for user interfaces; not needed by applications that use the SDK's own.
+  /// The interface for user interfaces; not needed by applications that use the SDK's own. Never null.
   [[nodiscard]] std::shared_ptr<ScreenServices> screens() const;
-  /// The same for SignalPublisher.
+  /// The interface for SignalPublisher. Never null.
   [[nodiscard]] std::shared_ptr<SignalSource> signalSource() const;
 
  private:

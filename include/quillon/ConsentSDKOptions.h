@@ -36,7 +36,7 @@ struct WebViewConfig {
 /// the purposes named here, except essential ones and those governed by the device's tracking authorization. It never
 /// overrides the user's own answer, is never stored as one, and ends with the signal.
 struct PrivacySignal {
-  /// The application's own signal: its user wants privacy. Call setup() again when it changes.
+  /// The application's own signal: true means on. Call setup() again when it changes.
   bool isGiven = false;
   /// Purposes by purpose_id. Default: those named by the configuration ("privacy_signal_purposes").
   std::optional<std::vector<std::int64_t>> purposes = std::nullopt;
@@ -115,7 +115,7 @@ struct ConsentSDKOptions {
   std::string tenantId;
   /// Application identifier; part of the configuration path and of uploads.
   std::string appId;
-  /// Selects the draft channel and loads the configuration anew at every setup().
+  /// Selects the draft channel and reloads the configuration at every setup().
   bool testingMode = false;
   /// Log threshold.
   LogLevel logLevel = LogLevel::error;
@@ -126,7 +126,7 @@ struct ConsentSDKOptions {
   /// Language of the configuration, such as "de" ("de-DE" is read as "de"). Default: the device's first preferred
   /// language. The screens' own labels know scripts too: "zh-Hant".
   std::optional<LanguageCode> languageCode = std::nullopt;
-  /// Region code such as "US#CA" ("US-CA" is read as "US#CA"). Default: the vendor's server is asked for the location.
+  /// Region code such as "US#CA" ("US-CA" is read as "US#CA"). Default: the SDK asks the vendor's server.
   std::optional<std::string> locationCode = std::nullopt;
   /// The in-app web view. Default: only the hosts of configured links are allowed.
   std::optional<WebViewConfig> webviewConfig = std::nullopt;
@@ -143,8 +143,7 @@ struct ConsentSDKOptions {
   std::optional<std::chrono::milliseconds> readyWithin = std::nullopt;
   /// Default: no privacy signal is queried. All processes of an application should set the same.
   std::optional<PrivacySignal> privacySignal = std::nullopt;
-  /// What only the application knows of the processing, for ConsentSDK::receipt(). Default: receipts list it as
-  /// missing.
+  /// The data controller and its processing, for ConsentSDK::receipt(). Default: receipts list these facts as missing.
   std::optional<DataController> controller = std::nullopt;
 
   bool operator==(const ConsentSDKOptions&) const = default;

@@ -1,5 +1,5 @@
 /// @file
-/// Who processes the data, as the application states it for receipts.
+/// The data controller and its processing, as stated in receipts.
 #pragma once
 
 #include <string>
@@ -7,41 +7,40 @@
 
 namespace quillon {
 
-/// What only the application knows of the processing that its users consent to. It stands in receipts as it is given;
-/// what is empty is listed there as missing. Addresses are URLs. A plain value; fill it with designated initializers in
-/// the order given.
+/// Facts about the processing that only the application knows. Receipts contain them unchanged, and list empty members
+/// as missing. Addresses are URLs. A plain value; fill it with designated initializers in the order given.
 struct DataController {
   /// Legal name.
   std::string name = {};
-  /// What identifies the controller: a URL of its own, or its number in a register.
+  /// Identifier: a URL of the controller's own, or its number in a register.
   std::string identifier = {};
   std::string postalAddress = {};
   std::string email = {};
   std::string phone = {};
   std::string website = {};
-  /// Legal basis, such as "dpv:Consent", or "eu-gdpr:A6-1-a", with which receipts follow the profile for the GDPR.
+  /// Legal basis, such as "dpv:Consent"; with "eu-gdpr:A6-1-a" receipts follow the GDPR profile.
   std::string legalBasis = {};
   /// Applicable jurisdiction, such as "loc:EU" or "loc:DE".
   std::string jurisdiction = {};
-  /// Kinds of data, such as "pd:EmailAddress".
+  /// Categories of personal data, such as "pd:EmailAddress".
   std::vector<std::string> personalData = {};
-  /// Where the data is from, such as "dpv:DataSubjectDataSource".
+  /// Sources of the data, such as "dpv:DataSubjectDataSource".
   std::vector<std::string> dataSources = {};
-  /// What is done with it, such as "dpv:Collect".
+  /// Processing operations, such as "dpv:Collect".
   std::vector<std::string> processing = {};
-  /// Where it is stored, such as "loc:DE".
+  /// Locations of storage, such as "loc:DE".
   std::vector<std::string> storageLocations = {};
-  /// Where it is processed, likewise.
+  /// Locations of processing, likewise.
   std::vector<std::string> processingLocations = {};
-  /// For how long it is stored, as ISO 8601 writes durations: "P6M".
+  /// Storage period, an ISO 8601 duration such as "P6M".
   std::string retention = {};
-  /// For how long a consent is valid, likewise.
+  /// Period for which a consent is valid, likewise.
   std::string validity = {};
-  /// Where a consent is withdrawn, apart from the application itself.
+  /// URL where a consent can be withdrawn, besides the application itself.
   std::string withdrawalAddress = {};
-  /// Where the rights of users are exercised: a URL or an email address.
+  /// Contact for data-subject requests: a URL or an email address.
   std::string rightsContact = {};
-  /// The supervisory authority to which users may complain.
+  /// The supervisory authority for complaints.
   std::string authority = {};
 
   bool operator==(const DataController&) const = default;

@@ -18,7 +18,7 @@ namespace quillon {
 enum class GivenType {
   explicitly,  ///< "CONSENT_EXPLICIT": the user chose
   implicitly,  ///< "CONSENT_IMPLICIT": a default was recorded
-  noAction,    ///< "CONSENT_NO_ACTION": neither: the device decided, or a default was recorded before a re-consent
+  noAction,    ///< "CONSENT_NO_ACTION": the device decided, or a default was recorded before a re-consent
 };
 [[nodiscard]] std::string_view rawValue(GivenType value) noexcept;
 
@@ -61,8 +61,8 @@ struct Decision {
   ComplianceType complianceType = ComplianceType::noticeOnly;
   /// Language code of the user interface, such as "de".
   std::string language = {};
-  /// For an answer of the user: the notice that was on the screen, as the SHA-256 digest of its canonical form in
-  /// hexadecimal, or "application" when the application asked by its own means.
+  /// For an answer of the user: the hexadecimal SHA-256 digest of the notice shown, in its canonical form, or
+  /// "application" when the application asked by its own means.
   std::optional<std::string> notice = std::nullopt;
   /// In the history, the HistoryEntry::hash of the entry before; for the first one "first", "removed" (an earlier
   /// history was removed), "unchained" (the entries before hold no hashes) or "lost" (they are damaged). nullopt in
@@ -72,11 +72,11 @@ struct Decision {
   bool operator==(const Decision&) const = default;
 };
 
-/// Whether an entry still follows the entry after which it was written.
+/// Whether an entry's hash link to its predecessor holds.
 enum class HistoryLink {
-  intact,       ///< "intact": it does, or it is the first one
+  intact,       ///< "intact": it holds, or this is the first entry
   beforeChain,  ///< "before_chain": written before the history had hashes
-  broken,       ///< "broken": what it was written after was changed, removed, inserted, moved or damaged
+  broken,       ///< "broken": the predecessor was changed, removed, moved or damaged, or an entry was inserted
 };
 [[nodiscard]] std::string_view rawValue(HistoryLink value) noexcept;
 
@@ -87,8 +87,8 @@ struct HistoryEntry {
   Decision decision;
   UploadOutcome upload = UploadOutcome::pending;
   HistoryLink link = HistoryLink::intact;
-  /// SHA-256 digest of the entry in hexadecimal, over the canonical JSON (RFC 8785) of its decision. The next entry
-  /// holds it, so whoever keeps the newest one can tell later whether any entry was changed.
+  /// Hexadecimal SHA-256 digest over the canonical JSON (RFC 8785) of the decision. The next entry holds it, so the
+  /// newest digest, kept elsewhere, reveals a later change of any entry.
   std::string hash = {};
 
   bool operator==(const HistoryEntry&) const = default;
@@ -101,7 +101,7 @@ struct HistoryPage {
   std::int64_t damaged = 0;
   /// Argument for the next page; nullopt on the last page.
   std::optional<std::int64_t> before = std::nullopt;
-  /// On the first page: the newest entry is not the one that was written last, which was changed or is missing.
+  /// On the first page: the entry written last was changed or is missing.
   bool isNewestMissing = false;
 };
 

@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// A consent-mode signal, as analytics libraries read it.
+/// A consent-mode signal of analytics libraries.
 enum class GoogleConsentType {
   analyticsStorage,   ///< "analytics_storage"
   adStorage,          ///< "ad_storage"

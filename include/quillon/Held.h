@@ -17,8 +17,8 @@ namespace quillon {
 
 /// Limits on held events; beyond them the oldest are dropped.
 struct HeldLimits {
-  std::size_t count = 1000;
-  std::chrono::steady_clock::duration age = std::chrono::hours(1);
+  std::size_t count = 1000;                                         ///< number of events
+  std::chrono::steady_clock::duration age = std::chrono::hours(1);  ///< of an event, since add()
   /// The current time, replaceable in tests. Default: the steady clock.
   std::function<std::chrono::steady_clock::time_point()> now = [] { return std::chrono::steady_clock::now(); };
 };
@@ -45,6 +45,7 @@ class Held {
   Held(const Held&) = delete;
   Held& operator=(const Held&) = delete;
 
+  /// Delivers, holds or drops the event. Any thread; throws only when out of memory.
   void add(T event) {
     state_->add(std::move(event));
     state_->deliverAllowed();
@@ -82,7 +83,7 @@ class Held {
       }
     }
 
-    // Delivers or drops the held events. One thread at a time: a concurrent caller returns at once and leaves its event
+    // Delivers or drops the held events. One thread at a time: a concurrent call returns at once and leaves its event
     // to that thread.
     void deliverAllowed() {
       std::unique_lock lock(mutex);

@@ -26,8 +26,8 @@ struct LinuxOptions {
   /// Posts a job to the application's main loop, which runs jobs later, in order. Called from any thread. Default: an
   /// SDK thread serves as the main queue.
   std::function<void(std::function<void()> job)> postToMainQueue = {};
-  /// Base URL of the vendor's server, which is asked for the user's location unless ConsentSDKOptions::locationCode is
-  /// set; ends in "/". Default: the vendor's own.
+  /// Base URL, ending in "/", of the location look-up server; not used when ConsentSDKOptions::locationCode is set.
+  /// Default: the vendor's.
   std::optional<std::string> vendorUrl = std::nullopt;
   /// Passes the consent-mode signals to the application's analytics library, by name ("ad_storage"), each "granted" or
   /// "denied". Called from an SDK thread after every change. Default: none.
@@ -36,13 +36,13 @@ struct LinuxOptions {
   /// MiB) and ConsentSDKOptions::bundledConfiguration (at most 32 MiB). Symbolic links are not followed. Default: the
   /// executable's folder.
   std::optional<std::filesystem::path> resourceDirectory = std::nullopt;
-  /// Takes the log instead of standard output: a message without time or context lines, and the part of the SDK that
-  /// wrote it, such as "UserDefaultManager". Both are valid until it returns. Called on any thread, also at once on
-  /// several; must neither wait nor log into the SDK. Default: blocks of text on standard output.
+  /// Receives the log instead of standard output: a message without time or context lines, and the SDK unit that wrote
+  /// it, such as "UserDefaultManager"; both are valid until it returns. Called on any thread, concurrently; must not
+  /// block or use the SDK's logger. Default: blocks of text on standard output.
   std::function<void(LogLevel level, std::string_view text, std::string_view unit)> log = {};
-  /// Replaces platform services, such as the store or the source of permissions, with the application's own. Called
-  /// once, on the thread that first uses ConsentSDK::shared(), with every service set; must not use the SDK. A service
-  /// set to null keeps its value; if it throws, all do. `Platform` and the interfaces of its members are in
+  /// Replaces platform services, such as the store or the permission sources, with the application's own. Called once,
+  /// on the thread that first uses ConsentSDK::shared(), with every service set; must not use the SDK. A service set to
+  /// null is not replaced; if the function throws, none is. `Platform` and the interfaces of its members are in
   /// "quillon/platform/Platform.h", which requires C++23. Default: none.
   std::function<void(Platform& platform)> replaceServices = {};
 };

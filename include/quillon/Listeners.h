@@ -14,10 +14,10 @@ namespace quillon {
 /// The handle of one listener: destroying it removes the listener. Move-only; may outlive the SDK.
 ///
 /// The listener is called on the main queue, never before the call that added it has returned, once per event, in
-/// order. A blocked main queue delays all of them. Once the handle is destroyed no call begins, not even for an event
-/// already queued. Destroying it on a thread other than the main queue waits for a running call, so hold no lock that
-/// the listener takes. A listener may destroy its own handle. Arguments are valid during the call; copy what you keep.
-/// Exceptions are contained and logged.
+/// order. A blocked main queue delays all listeners. Once the handle is destroyed no call begins, not even for an event
+/// already queued. Destroying it on a thread other than the main queue waits for a running call, so do not hold a lock
+/// that the listener takes. A listener may destroy its own handle. Arguments are valid during the call only. Exceptions
+/// are caught and logged.
 class [[nodiscard]] Listening {
  public:
   Listening() noexcept = default;
@@ -32,7 +32,7 @@ class [[nodiscard]] Listening {
   }
   ~Listening() { end(); }
 
-  /// Removes the listener now; later calls do nothing.
+  /// Removes the listener now; idempotent.
   void end() noexcept {
     if (const auto stop = std::exchange(end_, nullptr)) stop();
   }

@@ -49,7 +49,7 @@ struct PostConsentsRequest {
   bool testingMode = false;  ///< "is_test_mode"
   std::string adId;          ///< advertising identifier, empty unless tracking is handled
   std::string bannerInfo;    ///< the compliance type of the banner
-  /// The platform family under which the server files consents; always the same.
+  /// The platform family under which the server stores consents; constant.
   static constexpr std::string_view platform = "ios";
   std::optional<std::string> sdkVersion = std::nullopt;  ///< the SDK's own version; omitted when unknown
 

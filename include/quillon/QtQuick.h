@@ -13,15 +13,15 @@ namespace quillon {
 
 /// Adaptation of the screens to the application and the user's desktop.
 struct QtQuickOptions {
-  /// Dark mode. Default: follows the application's palette, and the desktop's colour scheme where that is dark.
+  /// Dark mode. Default: dark when the application's palette or the desktop's colour scheme is.
   std::optional<bool> isDark = std::nullopt;
-  /// Text scale, clamped to 0.5 to 3. Default: the screen's logical density divided by 96 dots per inch; where that is
-  /// 1, the desktop's factor for text.
+  /// Text scale, clamped to 0.5 to 3. Default: the screen's logical density divided by 96 dots per inch; when that is
+  /// 1, the desktop's text scaling factor.
   std::optional<double> textScale = std::nullopt;
-  /// Disables animations, also where the desktop does not.
+  /// Disables animations even if the desktop enables them.
   bool isMotionReduced = false;
-  /// Offers "Receipt" in the preference centre: it shows the user what ConsentSDK::receipt() says, and saves it where
-  /// the desktop's file dialog is told to. Needs the library quillon::proof.
+  /// Offers "Receipt" in the preference centre, which shows the content of ConsentSDK::receipt() and saves the receipt
+  /// through the desktop's file dialog. Needs the library quillon::proof.
   bool offersReceipt = false;
 };
 
@@ -30,7 +30,7 @@ struct QtQuickOptions {
 /// `postToMainQueue` of the options is ignored.
 ///
 /// Call it on the main thread, after constructing the application object and before the first use of shared(). Returns
-/// false, changing nothing, when it comes too late. Jobs for the main queue are dropped once the application object is
+/// false, changing nothing, when called too late. Jobs for the main queue are dropped once the application object is
 /// destroyed.
 ///
 /// @code
@@ -47,9 +47,9 @@ struct QtQuickOptions {
 /// `PreferenceCenter` and `SettingsPrompt`, the last with the property `permission`. All use @p sdk, one per engine,
 /// whose main queue must be the Qt main loop.
 ///
-/// An element shows a loading state until the SDK has a configuration, and an error with a retry on failure. It emits
-/// `done(reason)` when the user has "accepted", "rejected", "saved" or "closed"; the page decides what becomes of it,
-/// and the SDK stores the decision itself. Its implicit height fits its content; with less, it scrolls.
+/// An element shows a loading state until the SDK has a configuration, and an error with a retry on failure. It stores
+/// the decision itself and emits `done(reason)` when the user has "accepted", "rejected", "saved" or "closed"; the page
+/// then hides or removes it. Its implicit height fits its content; with less, it scrolls.
 ///
 /// Before acting, pages read `allowed` of a `PurposeConsent { purposeId: 2 }` or `PermissionConsent { permission:
 /// "NSCameraUsageDescription" }`, call `Consent.isAllowed(2)`, which is ConsentSDK::isAllowed(), or use `ConsentGate {

@@ -4,27 +4,26 @@
 
 namespace quillon {
 
-/// What becomes of an engine that can reach the network past the filter. Those of Qt 6.5 and later can: their pages
-/// have WebTransport, which cannot be taken from workers, and with Qt 6.8 a page's hint to connect ahead of time opens
-/// a connection, without a request, to any host.
+/// Whether to use an engine whose pages can bypass the link filter. Those of Qt 6.5 and later can: WebTransport cannot
+/// be disabled in workers, and with Qt 6.8 a page's preconnect hint opens a connection, without a request, to any host.
 enum class UnfilteredConnections {
-  refused,   ///< it is not used: links do not open, and a warning is logged
-  accepted,  ///< it is used: the pages of allowed hosts can reach any server
+  refused,   ///< such an engine is not used: links do not open, and a warning is logged
+  accepted,  ///< it is used: pages of allowed hosts can reach any server
 };
 
 /// Makes consent screens open links inside the application, in Qt WebEngine. Without this call, or without this
 /// library, links do not open and a warning is logged.
 ///
-/// Call it on the main thread, before the application object is constructed. Returns false when it comes too late: the
+/// Call it on the main thread, before the application object is constructed. Returns false when called too late: the
 /// web view is then unusable unless the application has called `QtWebEngineQuick::initialize()` itself. Also returns
-/// false for an engine that is refused, which it leaves alone.
+/// false, changing nothing, for an engine that is refused.
 ///
 /// The engine starts with the first link that is opened. Allowed hosts are those of the configuration's links, of the
 /// application's servers and of WebViewConfig::allowedDomains; pages of other hosts do not open and cannot be reached.
 /// Page storage is discarded when the sheet closes.
 ///
 /// Adds switches to QTWEBENGINE_CHROMIUM_FLAGS, which apply to all of Qt WebEngine in the process: they disable
-/// WebTransport where the engine lets them, and UDP for WebRTC. Both would bypass the filter.
+/// WebTransport where the engine supports that, and UDP for WebRTC. Both would bypass the filter.
 ///
 /// @code
 /// quillon::initializeQtWebEngine();

@@ -1,6 +1,6 @@
 /// @file
-/// Receipts: what the library quillon::proof adds to the SDK. It is enough to link it; this is for applications with a
-/// platform of their own.
+/// The receipt issuer of the library quillon::proof. With the Linux platform, linking the library is enough;
+/// applications with a platform of their own set it.
 #pragma once
 
 #include <memory>
@@ -9,8 +9,8 @@ namespace quillon {
 
 class ReceiptIssuer;
 
-/// Makes the receipts of ConsentSDK::receipt(): the value of `Platform::receipts`, which the Linux platform sets by
-/// itself. Never null; thread-safe.
+/// A value for `Platform::receipts`, which issues the receipts of ConsentSDK::receipt(). The Linux platform sets it
+/// automatically. Never null; thread-safe.
 [[nodiscard]] std::shared_ptr<ReceiptIssuer> receiptIssuer();
 
 }  // namespace quillon

@@ -28,6 +28,7 @@ class SDKLogger {
   SDKLogger(const SDKLogger&) = delete;
   SDKLogger& operator=(const SDKLogger&) = delete;
 
+  /// The threshold.
   [[nodiscard]] LogLevel logLevel() const noexcept { return logLevel_.load(std::memory_order_relaxed); }
   void setLogLevel(LogLevel level) noexcept { logLevel_.store(level, std::memory_order_relaxed); }
 

@@ -13,7 +13,7 @@ namespace quillon {
 /// An integer or a text, as the frameworks specify per key.
 using SignalValue = std::variant<std::int64_t, std::string>;
 
-/// "IABTCF_..." and "IABGPP_..." keys with their values, all from one state.
+/// "IABTCF_..." and "IABGPP_..." keys with their values, computed from one SignalState.
 using SignalKeys = std::map<std::string, SignalValue, std::less<>>;
 
 }  // namespace quillon

@@ -1,5 +1,5 @@
 /// @file
-/// Options of the advertising signals: the application's registration, and what its purposes and components map to.
+/// Options of the advertising signals: the application's registration, and the mapping of its purposes and components.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@ namespace quillon {
 
 /// Options of the Transparency & Consent Framework (Europe).
 struct TcfOptions {
-  /// What a configured purpose maps to. A framework purpose to which several configured purposes map has consent when
-  /// all of them are granted.
+  /// The framework's terms that a configured purpose maps to. A framework purpose to which several configured purposes
+  /// map has consent when all of them are granted.
   struct Meaning {
     std::vector<int> consent = {};             ///< purposes based on consent, 1 to 24
     std::vector<int> legitimateInterest = {};  ///< purposes based on legitimate interest; never 1 or 3 to 6
@@ -70,9 +70,9 @@ struct UsPrivacyOptions {
 struct SignalOptions {
   /// The consent platform's IAB registration number, 2 to 4095. Without one no key is written.
   int cmpId = 0;
-  /// The application's version number of its screens, 0 to 4095.
+  /// Version of the application's consent screens, 0 to 4095.
   int cmpVersion = 1;
-  /// The application's number of the screen that asked, 0 to 63.
+  /// Number of the screen on which consent was given, 0 to 63.
   int consentScreen = 1;
   /// Default: no keys for the European framework.
   std::optional<TcfOptions> tcf = std::nullopt;

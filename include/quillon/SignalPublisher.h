@@ -1,5 +1,5 @@
 /// @file
-/// Keeps the keys of advertising libraries in step with the user's decisions.
+/// Publishes the keys of advertising libraries after every decision.
 #pragma once
 
 #include <memory>
@@ -14,27 +14,27 @@ namespace quillon {
 class ConsentSDK;
 class KeyValueSuite;
 
-/// The defaults in which an application's libraries look for their keys, made writable for the SDK.
+/// The key-value defaults from which an application's libraries read their keys. Implemented by the application.
 class SignalDefaults {
  public:
   virtual ~SignalDefaults() = default;
 
-  /// Replaces all keys for which isSignalKey() is true by these, in one transaction: readers see all old keys or all
-  /// new ones. False, changing nothing, when it fails. Called from any thread, one call at a time; an exception counts
-  /// as false. Must not use the SDK.
+  /// Replaces all keys for which isSignalKey() is true by @p keys, in one transaction: readers see all old keys or all
+  /// new ones. Returns false, changing nothing, on failure; an exception counts as false. Called from any thread, one
+  /// call at a time. Must not use the SDK.
   virtual bool replace(const SignalKeys& keys) = 0;
 };
 
 /// Defaults in a suite of a platform's store ("quillon/platform/KeyValueSuite.h").
 [[nodiscard]] std::shared_ptr<SignalDefaults> signalDefaultsIn(std::shared_ptr<KeyValueSuite> suite);
 
-/// Writes the keys for the user's location, and no others: at once on construction, and after each decision, removal,
+/// Writes the keys that apply at the user's location, and no others: on construction, and after each decision, removal,
 /// re-consent, privacy signal, new configuration or change of location, by this process or another of the application.
-/// What is unknown is not granted: before a configuration is available the keys of an earlier run are removed. It also
-/// adds the interfaces `__tcfapi` and `__gpp` to ConsentSDK::consentScript().
+/// Fails closed: until a configuration is available, the keys of an earlier run are removed. Also adds the interfaces
+/// `__tcfapi` and `__gpp` to ConsentSDK::consentScript().
 ///
 /// Construct it after ConsentSDK::setup(), with ConsentSDKOptions::locationCode if the configuration does not depend on
-/// the location. Thread-safe. Errors in the options are logged, and there are no keys then.
+/// the location. Thread-safe. Errors in the options are logged; no keys are written then.
 ///
 /// @code
 /// std::shared_ptr<quillon::SignalDefaults> defaults;  // the application's own
@@ -47,7 +47,7 @@ class SignalPublisher {
  public:
   /// The SDK may be destroyed first; nothing is written afterwards.
   SignalPublisher(ConsentSDK& sdk, SignalOptions options, std::shared_ptr<SignalDefaults> defaults);
-  /// Stops publishing; a running call of the defaults may still end later. The keys stay.
+  /// Stops publishing, without waiting for a running SignalDefaults::replace(). The keys stay.
   ~SignalPublisher();
   SignalPublisher(const SignalPublisher&) = delete;
   SignalPublisher& operator=(const SignalPublisher&) = delete;

@@ -27,7 +27,7 @@ struct SignalState {
   };
 
   std::vector<Purpose> purposes = {};
-  /// The user was shown the request, and answered it or was given the defaults.
+  /// The request was shown to the user, and answered or closed with the defaults.
   bool isDisclosed = false;
   /// Time of the latest decision, in UTC.
   std::chrono::sys_seconds decidedAt = {};

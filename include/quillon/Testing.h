@@ -50,7 +50,7 @@ class Device {
  public:
   /// @param now the wall time; default noon of 1 January 2025 UTC
   explicit Device(std::chrono::sys_seconds now = std::chrono::sys_seconds(std::chrono::seconds(1'735'732'800)));
-  /// Every SDK on this device must be destroyed before, except that of services(), which stops.
+  /// Destroy every SDK from launch() first. The shared SDK, put on this device by services(), stops working.
   ~Device();
   Device(const Device&) = delete;
   Device& operator=(const Device&) = delete;
@@ -68,7 +68,7 @@ class Device {
   /// if (!quillon::configure({.applicationId = "test", .replaceServices = services})) std::cerr << "too late\n";
   /// @endcode
   [[nodiscard]] std::function<void(Platform&)> services() const;
-  /// Options with the addresses of the device's servers; change what the test is about.
+  /// Options with the URLs of the device's servers; change the others as the test requires.
   [[nodiscard]] ConsentSDKOptions options() const;
   /// @}
 
@@ -103,10 +103,10 @@ class Device {
   /// @name Device
   /// @{
 
-  /// Sets the device's answer for a permission. Returns false, changing nothing, when no answer of that permission's
-  /// source means this status; `withDrawn` never does.
+  /// Sets the device's answer for a permission. Returns false, changing nothing, when no value of that permission's
+  /// source maps to this status; none maps to `withDrawn`.
   bool setPermission(const VantariKey& permission, ConsentStatus status);
-  /// Sets whether the user has asked all applications of the device for privacy; see ConsentSDKOptions::privacySignal.
+  /// Turns the device's privacy signal on or off; see ConsentSDKOptions::privacySignal.
   void setPrivacySignal(bool isOn);
   /// The device's preferred languages, best first, for the next launch. Default: "en".
   void setLanguages(std::vector<std::string> languages);

@@ -16,7 +16,7 @@ namespace quillon {
 /// @endcode
 class VantariKey {
  public:
-  /// Scoped, so that a key does not convert to a number.
+  /// The known keys, and `custom`. Scoped, so that a key does not convert to a number.
   enum class Case {
     locationWhenInUseUsageDescription,
     locationAlwaysUsageDescription,

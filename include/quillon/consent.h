@@ -60,12 +60,12 @@ enum {
   QUILLON_LOG_OFF = 5 /**< as a threshold: nothing is logged */
 };
 
-/** What privacy signals count for; see quillon::PrivacySignal. */
+/** Which privacy signals are honoured; see quillon::PrivacySignal. */
 typedef int32_t quillon_privacy_signal;
 enum {
   QUILLON_SIGNAL_IGNORED = 0,  /**< no signal is honoured */
   QUILLON_SIGNAL_HONOURED = 1, /**< those of the device are */
-  QUILLON_SIGNAL_GIVEN = 2     /**< as HONOURED, and the application gives one of its own: its user wants privacy */
+  QUILLON_SIGNAL_GIVEN = 2     /**< those of the device are, and the application's own signal is on */
 };
 
 /** The consent model of a banner; none when the configuration states none. */
@@ -84,21 +84,21 @@ typedef struct quillon_platform {
   const char* application_id;
   const char* data_directory;
   const char* vendor_url;
-  /** Posts a job to the main loop, which must call `job(job_context)` exactly once, in order. Called from any thread.
-   * Default: an SDK thread is the main queue. */
+  /** Posts a job to the main loop, which must call `job(job_context)` exactly once, later and in order. Called from any
+   * thread. Default: an SDK thread is the main queue. */
   void (*post_to_main_queue)(void (*job)(void* job_context), void* job_context, void* context);
   void* post_context;
   /** Receives the consent-mode signals after every change, on an SDK thread. */
   void (*consent_sink)(const quillon_signal* signals, size_t count, void* context);
   void* sink_context;
   const char* resource_directory;
-  /** Takes the log instead of standard output, on any thread, also at once on several; must neither wait nor call the
-   * SDK. The unit is the part of the SDK that wrote, such as "UserDefaultManager". */
+  /** Receives the log instead of standard output. Called on any thread, concurrently; must not block or call the SDK.
+   * @p unit is the SDK unit that wrote, such as "UserDefaultManager". */
   void (*log)(quillon_log_level level, const char* text, const char* unit, void* context);
   void* log_context;
 } quillon_platform;
 
-/** What only the application knows of the processing, for receipts; see quillon::DataController. Null: not stated. */
+/** The data controller and its processing, for receipts; see quillon::DataController. Null: not stated. */
 typedef struct quillon_controller {
   size_t size; /**< sizeof(quillon_controller) */
   const char* name;
@@ -130,19 +130,19 @@ typedef struct quillon_options {
   const char* app_id;
   const char* subject_id;    /**< null: a random one, which is stored */
   const char* language_code; /**< null: the device's */
-  const char* location_code; /**< "US#CA"; null: the vendor's server is asked */
+  const char* location_code; /**< "US#CA"; null: the SDK asks the vendor's server */
   int64_t check_interval;    /**< seconds, at least 60; 0 means 1800 */
   quillon_log_level log_level;
-  int32_t testing_mode;               /**< not 0: the draft channel, loaded anew at every setup */
+  int32_t testing_mode;               /**< not 0: the draft channel, reloaded at every setup */
   const char* const* allowed_domains; /**< for the in-app web view */
   size_t allowed_domain_count;
   const char* blocked_page;          /**< resource shown for refused pages; null: the SDK's own */
   const char* bundled_configuration; /**< resource used until the first download; null: none */
-  int64_t ready_within;              /**< milliseconds until a stored configuration serves; 0: no limit */
+  int64_t ready_within;              /**< milliseconds until a cached or bundled configuration is used; 0: no limit */
   quillon_privacy_signal privacy_signal;
   const int64_t* signal_purposes; /**< null: those that the configuration names */
   size_t signal_purpose_count;
-  const quillon_controller* controller; /**< null: receipts list what is missing */
+  const quillon_controller* controller; /**< null: receipts list these facts as missing */
 } quillon_options;
 
 /** A configured purpose with its current consent; texts are in the user's language, "" where missing. */
@@ -174,7 +174,7 @@ typedef struct quillon_banner {
   quillon_compliance compliance;
 } quillon_banner;
 
-/** A decision: an entry of the history, or a change. The words are those of quillon::Decision's enumerations. */
+/** A decision: an entry of the history, or a change. Texts are the raw values of quillon::Decision's enumerations. */
 typedef struct quillon_decision {
   int64_t number;         /**< in the history; 0 for a change */
   int64_t time;           /**< seconds since 1970-01-01 UTC */
@@ -188,7 +188,7 @@ typedef struct quillon_decision {
   quillon_compliance compliance;
   const char* language;
   const char* upload; /**< "pending", "uploaded", "superseded", "dropped"; null for a change */
-  const char* notice; /**< digest of what was on the screen, or "application"; null without one */
+  const char* notice; /**< digest of the notice shown, or "application"; null without one */
   const char* link;   /**< "intact", "before_chain", "broken", see quillon::HistoryLink; null for a change */
   const char* hash;   /**< digest of the entry, which the next one holds; null for a change */
 } quillon_decision;
@@ -218,33 +218,38 @@ QUILLON_MUST_USE int32_t quillon_configure(const quillon_platform* platform);
 
 /** @name Set-up and readiness
  * @{ */
-/** Starts loading in the background; may be called again. Returns not 0 when the options are complete. */
+/** Starts loading in the background; may be called again. Returns not 0 when the required options are given. */
 int32_t quillon_setup(const quillon_options* options);
+/** Whether a configuration is available. */
 quillon_status quillon_get_status(void);
 /** Calls back at once on this thread, then on the main queue with every later status; replaces an earlier callback. */
 void quillon_is_ready(void (*callback)(quillon_status status, void* context), void* context);
+/** Removes the callback of quillon_is_ready(). */
 void quillon_remove_listeners(void);
-/** Stops the SDK, which waits up to two seconds; see ConsentSDK::close(). Called by itself when the process exits. */
+/** Stops the SDK and waits for it, up to two seconds; see ConsentSDK::close(). Called automatically at process exit. */
 void quillon_close(void);
-/** Waits up to the given time until no work is running; not 0 when none is. For an orderly exit. */
+/** Blocks until no work is running, at most the given time (clamped to 0 to one day). Not 0 when none is running. For
+ * an orderly exit. */
 int32_t quillon_settle(int64_t milliseconds);
 /** The SDK's version, to be freed with quillon_free(); null when unknown. */
 char* quillon_sdk_version(void);
+/** Frees a text that the SDK returned; null does nothing. */
 void quillon_free(char* text);
 /** @} */
 
 /** @name Consents
  * @{ */
-/** Not 0 when the application may act on the purpose now; see ConsentSDK::isAllowed(). Fails closed: 0 without a consent
- * and in doubt. Cheap enough to call every frame. */
+/** Not 0 when the application may act on the purpose now; see ConsentSDK::isAllowed(). Fails closed. Cheap enough to
+ * call every frame. */
 int32_t quillon_is_purpose_allowed(int64_t purpose_id);
 /** Not 0 when the device is known to grant the permission now. Never waits for the device. */
 int32_t quillon_is_permission_allowed(const char* key);
 /** Not 0 when a decision on the purpose is stored: an answer, or a recorded default. */
 int32_t quillon_is_decided(int64_t purpose_id);
-/** The status, from memory; not a permission to act. Without a configuration it is granted, the default of the compliance
- * types that need no question. */
+/** The status, from memory; not a permission to act. Without a configuration it is granted, the default of the
+ * compliance types that need no question. */
 quillon_consent quillon_get_purpose(int64_t purpose_id);
+/** The state of a permission, without waiting for the device; see ConsentSDK::get(). */
 quillon_consent quillon_get_permission(const char* key);
 /** Stores the user's choice; durable on return. Not 0 when it was stored. */
 int32_t quillon_set_purpose(int64_t purpose_id, quillon_consent consent);
@@ -272,9 +277,10 @@ void quillon_get_history(size_t count, int64_t before,
  * ConsentSDK::receipt(). Either the receipt or the error is null. */
 void quillon_get_receipt(const int64_t* purposes, size_t count,
                          void (*callback)(const char* receipt, const char* error, void* context), void* context);
+/** Why quillon_get_purpose() returns what it does: who decided, and when. */
 void quillon_explain(int64_t purpose_id, void (*callback)(const quillon_explanation* explanation, void* context),
                      void* context);
-/** Deletes every stored value: decisions, identity, token. */
+/** Deletes every stored value: decisions and their history, identity, token; see ConsentSDK::removeConsents(). */
 void quillon_remove_consents(void);
 /** @} */
 
@@ -282,16 +288,17 @@ void quillon_remove_consents(void);
  * @{ */
 /** Not 0 when the banner must be shown now; that result counts as showing it. */
 int32_t quillon_is_banner_due(void);
-/** Calls back before it returns. */
+/** Why the banner is due, or is not. Calls back before it returns, on this thread. */
 void quillon_explain_banner(void (*callback)(const quillon_banner_explanation* explanation, void* context),
                             void* context);
 /** The banner; null when there is none. */
 void quillon_get_banner(void (*callback)(const quillon_banner* banner, void* context), void* context);
-/** Stores the answer for all purposes and uploads it. */
+/** Stores the answer for all purposes and uploads it. @p stored is not 0 when it was stored. */
 void quillon_accept_or_reject(int32_t accept, void (*callback)(int32_t stored, void* context), void* context);
 /** @} */
 
-/** @name Screens Require a linked user interface of the SDK; without one an error is logged.
+/** @name Screens
+ * Require a linked user interface of the SDK; without one an error is logged.
  * @{ */
 void quillon_present_banner(void);
 void quillon_present_preference_center(void);
@@ -300,10 +307,10 @@ void quillon_open_link(const char* link);
 /** @} */
 
 /** @name Listeners and gates
- * Each calls back on the main queue until quillon_end(), which may be called in a callback. Null when the callback is, or
- * without memory.
+ * Each calls back on the main queue until quillon_end(), which may be called in a callback. Returns null when a
+ * callback is null, or out of memory.
  * @{ */
-/** Every decision that changed a stored value, those of the application's other processes within a second. */
+/** Every decision that changed a stored value; those of the application's other processes within a second. */
 quillon_listening* quillon_listen_to_consents(void (*callback)(const quillon_decision* change, void* context),
                                               void* context);
 /** "banner", "preferenceCenter", "settingsPrompt" or "webView", shown (not 0) or closed. */
@@ -312,20 +319,23 @@ quillon_listening* quillon_listen_to_screens(void (*callback)(const char* screen
 /** The outcome of every upload attempt. */
 quillon_listening* quillon_listen_to_uploads(void (*callback)(int32_t is_accepted, const char* message, void* context),
                                              void* context);
-/** The banner became due while the application was running. */
+/** Calls back when the banner becomes due while the application runs. */
 quillon_listening* quillon_listen_to_banner_due(void (*callback)(const quillon_banner_explanation* explanation,
                                                                  void* context),
                                                 void* context);
-/** Calls @p start when the purpose becomes allowed, at once if it is, and @p stop when it no longer is. */
+/** Calls @p start when the purpose becomes allowed, or is allowed already, and @p stop when it no longer is. */
 quillon_listening* quillon_while_allowed(int64_t purpose_id, void (*start)(void* context), void (*stop)(void* context),
                                          void* context);
-/** Ends a listener or a gate; no callback begins afterwards on the main queue. Null does nothing. */
+/** Ends a listener or a gate and frees its handle; no callback begins afterwards. On other threads than the main queue
+ * it waits for a running callback. Null does nothing. */
 void quillon_end(quillon_listening* listening);
 /** @} */
 
 /** @name Upload and check
  * @{ */
+/** Uploads pending decisions now. @p uploaded is not 0 when the server accepted them or none was pending. */
 void quillon_upload_pending_consents(void (*callback)(int32_t uploaded, void* context), void* context);
+/** Runs one consent check now; calls back when it is over. */
 void quillon_check_consents(void (*callback)(void* context), void* context);
 /** @} */
 

@@ -1,6 +1,6 @@
 /**
  * @file
- * The version of the SDK that an application is compiled with. ConsentSDK::sdkVersion() is that of the installation.
+ * The SDK version that the application is compiled with. ConsentSDK::sdkVersion() returns that of the installed SDK.
  */
 #ifndef QUILLON_VERSION_H
 #define QUILLON_VERSION_H

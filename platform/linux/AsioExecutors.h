@@ -12,8 +12,8 @@ namespace quillon {
 
 class WorkPool;
 
-// Thread-safe. Queues outlive their owner; jobs posted afterwards are dropped. The destructor drops jobs that have not
-// begun and waits for running ones, except the one that causes it; a shared pool ends with its last owner.
+// Thread-safe. Queues may outlive their owner; jobs posted afterwards are dropped. The destructor drops jobs that have
+// not begun and waits for running ones, except one that destroys the object; a shared pool ends with its last owner.
 class AsioExecutors : public Executors {
  public:
   // Posts a job to the host's main loop, which runs jobs later, in order.

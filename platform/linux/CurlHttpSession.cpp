@@ -28,7 +28,7 @@ std::unexpected<TransportError> cancelled() {
 
 void initialiseCurlOnce() {
   static const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT);
-  static_cast<void>(code);  // a failure shows when handles cannot be created
+  static_cast<void>(code);  // after a failure, creating handles fails
 }
 
 // A closed connection must not terminate the process. The signal stays pending on this thread.

@@ -23,7 +23,7 @@ std::expected<std::string, std::string> unpredictableBytes() {
   return bytes;
 }
 
-// No two writers have the same, in this process or another.
+// Unique among all writers, in this process and others.
 std::filesystem::path nameForWriting(std::filesystem::path file) {
   static std::atomic<unsigned> count = 0;
   file += '.' + std::to_string(::getpid()) + '-' + std::to_string(++count);
@@ -56,7 +56,7 @@ std::expected<KeyStore::Secret, std::string> FileKeyStore::secret() {
   const auto fresh = unpredictableBytes();
   if (!fresh) return std::unexpected(fresh.error());
   if (auto made = files_->createDirectories(kept->parent_path()); !made) return std::unexpected(made.error());
-  // Written whole before it has its name, which the first writer gets: the others find its file.
+  // Written under a unique name and then renamed, so that of several writers the first wins and all read its file.
   const auto mine = nameForWriting(*kept);
   if (auto written = files_->write(mine, *fresh); !written) return std::unexpected(written.error());
   const auto moved = files_->move(mine, *kept);

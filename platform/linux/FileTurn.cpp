@@ -38,7 +38,7 @@ std::expected<std::unique_ptr<StoreTurn>, std::string> tryFileTurn(const std::fi
       if (errno == EWOULDBLOCK) return nullptr;
       if (errno != EINTR) return std::unexpected(systemError("lock", file));
     }
-    // A lock on a file removed meanwhile excludes nobody.
+    // If the file was removed meanwhile, another process can lock a new one at the same path.
     struct stat standing{};
     if (::lstat(file.c_str(), &standing) == 0 && standing.st_ino == ours.st_ino && standing.st_dev == ours.st_dev) {
       return std::make_unique<FileTurn>(std::move(opened));

@@ -16,7 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto soonest = 10ms;
-// Changes are promised within 100 ms of a commit, so a busy file is checked as often.
+// Below the promised 100 ms between a commit and its report.
 constexpr auto latest = 80ms;
 constexpr auto latestWithoutFolder = 1000ms;
 
@@ -58,7 +58,7 @@ bool FileWatch::addFolder() {
 void FileWatch::waitForEvents() {
   boost::system::error_code problem;
   events_.assign(resting_.get(), problem);               // NOLINT(bugprone-unused-return-value): it is this error
-  if (problem) return pause(latest, &FileWatch::check);  // the file is looked at instead
+  if (problem) return pause(latest, &FileWatch::check);  // polls the file instead
   (void)resting_.release();
   events_.async_wait(boost::asio::posix::descriptor_base::wait_read, [weak = weak_from_this()](auto error) {
     const auto self = weak.lock();

@@ -17,8 +17,9 @@
 
 namespace quillon {
 
-// Watches the folder, so the file may appear, disappear and be replaced. Where the system cannot watch, looks ten times
-// a second instead. Ends with its last owner; `check` may run once more on a pool thread at that time.
+// Watches the folder, so the file may appear, disappear and be replaced. Where the system cannot watch, polls every 80
+// ms; while the folder is missing, at least every second. Ends with its last owner; a call of `check` may still be
+// running on a pool thread then.
 class FileWatch : public std::enable_shared_from_this<FileWatch> {
  public:
   // Checks the file; false when it could not and should be called again.
@@ -39,10 +40,9 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
   std::string watch();
   bool addFolder();
   void waitForEvents();
-  // Whether one of them is about the file.
+  // Reads all events; whether one concerns the file or its rollback journal.
   bool takeEvents();
-  // Leaves the events alone for a while: a commit makes a dozen, and this process's own would pay for waking a thread
-  // with each.
+  // Ignores events for a while: a commit causes a dozen, and each would wake a thread, also for this process's commits.
   void pause(std::chrono::milliseconds duration, void (FileWatch::*next)());
   void check();
 
@@ -52,7 +52,7 @@ class FileWatch : public std::enable_shared_from_this<FileWatch> {
   std::string fault_;  // set by start()
   Strand strand_;
   // Members below are used on the strand only.
-  FileDescriptor resting_;  // that of the events, except while they are waited for
+  FileDescriptor resting_;  // the inotify descriptor while it is not in events_
   boost::asio::posix::basic_stream_descriptor<Strand> events_;
   boost::asio::basic_waitable_timer<std::chrono::steady_clock, boost::asio::wait_traits<std::chrono::steady_clock>,
                                     Strand>

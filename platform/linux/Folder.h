@@ -17,7 +17,7 @@ class Folder {
 
   static std::expected<Folder, std::string> open(const std::filesystem::path& path);
 
-  // Locks the folder, waiting until the deadline for other holders, in any process; nullopt when they keep it. The lock
+  // Locks the folder, waiting until the deadline for other holders, in any process; nullopt on timeout. The lock
   // is on the folder itself: it leaves no file behind and ends with this object or the process.
   static std::expected<std::optional<Folder>, std::string> openLocked(const std::filesystem::path& path,
                                                                       Deadline deadline);

@@ -1,4 +1,4 @@
-// A console that hands messages to the application's log.
+// A console that passes messages to the application's log.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-// Thread-safe if the function is. What is fatal still goes to standard error.
+// Thread-safe if the function is. Fatal errors still go to standard error.
 class HostConsole : public StandardConsole {
  public:
   using Log = std::function<void(LogLevel level, std::string_view text, std::string_view unit)>;

@@ -18,12 +18,12 @@ constexpr const char* common = "org.freedesktop.appearance";
 constexpr const char* gnome = "org.gnome.desktop.interface";
 constexpr const char* gnomeAccessibility = "org.gnome.desktop.a11y.interface";
 
-// By namespace, then by key.
+// The portal's reply: namespace to key to value.
 class PortalSettings {
  public:
   explicit PortalSettings(GVariant* reply) : all_(g_variant_get_child_value(reply, 0)) {}
 
-  // Whether a setting that is a number has this value.
+  // Whether an unsigned setting has this value.
   bool is(const char* space, const char* key, guint32 value) const {
     const auto setting = find(space, key, G_VARIANT_TYPE_UINT32);
     return setting && g_variant_get_uint32(setting.get()) == value;
@@ -36,7 +36,7 @@ class PortalSettings {
     const auto setting = find(space, key, G_VARIANT_TYPE_DOUBLE);
     return setting ? std::optional(g_variant_get_double(setting.get())) : std::nullopt;
   }
-  // A color with a part out of its bounds means none.
+  // A component out of range means no color.
   std::optional<Color> color(const char* space, const char* key) const {
     const auto setting = find(space, key, G_VARIANT_TYPE("(ddd)"));
     if (!setting) return std::nullopt;
@@ -99,7 +99,7 @@ class LinuxDesktopSettings::Portal {
   ChangeObservers<DesktopSettingsSubscription>& observers() { return observers_; }
 
  private:
-  // One question at a time; what changes meanwhile is asked for afterwards.
+  // One query at a time; a change during a query causes another.
   void ask() {
     if (std::exchange(isAsking_, true)) {
       isOutdated_ = true;
@@ -126,7 +126,7 @@ class LinuxDesktopSettings::Portal {
   BusLoop loop_;
   MessageBus session_{loop_, sessionBusAddress()};
   BusService portal_{session_, portal::service, BusService::Start::onDemand};
-  bool isAsking_ = false;  // like the next, used on the loop's thread only
+  bool isAsking_ = false;  // this and the next are used on the loop's thread only
   bool isOutdated_ = false;
   mutable std::mutex mutex_;  // guards the member below
   DesktopAppearance appearance_;
@@ -150,7 +150,7 @@ std::unique_ptr<DesktopSettingsSubscription> LinuxDesktopSettings::observe(std::
   try {
     thread_.emplace("quillon-desktop", [portal = portal_] { portal->run(); });
   } catch (const std::system_error&) {
-    return subscription;  // without a thread the desktop says nothing; the next observer tries again
+    return subscription;  // out of threads: nothing is reported until the next observer, which retries
   }
   return subscription;
 }

@@ -10,9 +10,9 @@
 
 namespace quillon {
 
-// Thread-safe. From the settings portal (org.freedesktop.portal.Settings) on the session bus, asked and followed on a
+// Thread-safe. Queries and follows the settings portal (org.freedesktop.portal.Settings) on the session bus, on a
 // thread of its own, which the first observer starts and destruction joins. Without a bus, a portal or a setting, and
-// where an answer has another form than it should, it is the default.
+// for a malformed value, the default applies.
 class LinuxDesktopSettings : public DesktopSettings {
  public:
   LinuxDesktopSettings();

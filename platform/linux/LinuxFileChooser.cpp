@@ -15,7 +15,7 @@ namespace {
 constexpr const char* chooserInterface = "org.freedesktop.portal.FileChooser";
 constexpr const char* requestInterface = "org.freedesktop.portal.Request";
 
-// Where the portal answers, known before the call, so that no answer is missed.
+// The object path of the portal's response, computed before the call so that no response is missed.
 std::string requestPath(GDBusConnection* connection, const std::string& token) {
   std::string sender = g_dbus_connection_get_unique_name(connection);
   std::erase(sender, ':');
@@ -34,7 +34,7 @@ GVariant* saveArguments(const FileToSave& file, const std::string& token) {
   return g_variant_new("(ssa{sv})", "", file.title.c_str(), &options);
 }
 
-// Empty unless the answer names a file of this machine.
+// Empty unless the response contains one local file.
 std::string chosenFile(GVariant* results) {
   const GLibPointer<GVariant> uris(g_variant_lookup_value(results, "uris", G_VARIANT_TYPE_STRING_ARRAY));
   if (!uris || g_variant_n_children(uris.get()) != 1) return {};
@@ -44,7 +44,7 @@ std::string chosenFile(GVariant* results) {
   return path ? path.get() : std::string();
 }
 
-// Whole or not at all, and new files for this user only. Asks no other file system of the desktop's.
+// Atomic; a new file is readable to this user only. Uses the local file system, never another GVfs backend.
 SaveOutcome write(const std::string& path, const std::string& content) {
   if (path.empty()) return SaveOutcome::failed;
   const GLibPointer<GFile> file(g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str()));
@@ -55,7 +55,7 @@ SaveOutcome write(const std::string& path, const std::string& content) {
 
 }  // namespace
 
-// A file that the user is being asked about. Ends once, by whoever comes first.
+// One save dialog. The first call of end() or drop() decides its outcome.
 class LinuxFileChooser::Choice {
  public:
   Choice(FileToSave file, std::function<void(SaveOutcome)> done) : file_(std::move(file)), done_(std::move(done)) {}
@@ -86,7 +86,7 @@ class LinuxFileChooser::Portal {
                    [this](GVariant* arguments) {
                      const char* owner = nullptr;
                      g_variant_get(arguments, "(&s&s&s)", nullptr, nullptr, &owner);
-                     if (*owner == '\0') end(SaveOutcome::unavailable);  // it will not answer any more
+                     if (*owner == '\0') end(SaveOutcome::unavailable);  // the portal has left the bus
                    });
   }
 
@@ -157,7 +157,7 @@ class LinuxFileChooser::Portal {
     }
   }
 
-  // Closes the dialog if it is still there.
+  // Closes the dialog if it is still open.
   void end(SaveOutcome outcome) {
     if (connection_) {
       g_dbus_connection_signal_unsubscribe(connection_.get(), subscription_);
@@ -175,8 +175,8 @@ class LinuxFileChooser::Portal {
   MessageBus session_{loop_, sessionBusAddress()};
   BusService portal_{session_, portal::service, BusService::Start::onDemand};
   // The members below are used on the loop's thread only.
-  std::shared_ptr<Choice> choice_;             // null while nobody is asked
-  GLibPointer<GDBusConnection> connection_{};  // of the request that is under way
+  std::shared_ptr<Choice> choice_;             // null while no dialog is open
+  GLibPointer<GDBusConnection> connection_{};  // of the running request
   std::string request_;
   guint subscription_ = 0;
   unsigned asked_ = 0;
@@ -197,7 +197,7 @@ bool LinuxFileChooser::begin() {
     thread_.emplace("quillon-chooser", [portal = portal_] { portal->run(); });
     return true;
   } catch (const std::system_error&) {
-    return false;  // the next file tries again
+    return false;  // out of threads; the next call retries
   }
 }
 

@@ -10,9 +10,9 @@
 
 namespace quillon {
 
-// Thread-safe. The dialog of the portal (org.freedesktop.portal.FileChooser) on the session bus, on a thread of its
-// own, which the first file starts and destruction joins; it also writes the file. The dialog belongs to no window, and
-// is closed by the portal when the connection goes.
+// Thread-safe. Uses the portal's dialog (org.freedesktop.portal.FileChooser) on the session bus, on a thread of its
+// own, which the first save() starts and destruction joins; it also writes the file. The dialog has no parent window,
+// and the portal closes it when the connection is lost.
 class LinuxFileChooser : public FileChooser {
  public:
   LinuxFileChooser();

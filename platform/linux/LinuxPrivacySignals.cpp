@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* schemaName = "org.gnome.desktop.privacy";
 
-// The settings of users who want privacy. The desktop's other switches concern its own data.
+// The settings that count as a privacy signal. The desktop's other privacy switches concern its own data.
 struct Switch {
   const char* key;
   gboolean asksForPrivacy;
@@ -28,7 +28,7 @@ constexpr std::array switches{
     Switch{"report-technical-problems", FALSE},
 };
 
-// The first answer needs no service: it is read from files.
+// Sufficient, since the first answer is read from files and needs no service.
 constexpr std::chrono::seconds longestWait{1};
 
 bool asksNotToTrack() {
@@ -103,7 +103,7 @@ bool LinuxPrivacySignals::hasThread() const {
   try {
     thread_.emplace("quillon-desktop", [desktop = desktop_] { desktop->run(); });
   } catch (const std::system_error&) {
-    return false;  // a later query tries again
+    return false;  // out of threads; a later query retries
   }
   return true;
 }

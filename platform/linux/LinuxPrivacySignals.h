@@ -10,9 +10,9 @@
 
 namespace quillon {
 
-// Thread-safe. On while the variable DO_NOT_TRACK (read once) is neither empty nor "0", or a privacy switch of the
-// desktop (org.gnome.desktop.privacy, if installed) was set by a user who wants privacy; a default is no signal. The
-// desktop is queried on a thread of its own, started by the first query or observer; destruction joins it.
+// Thread-safe. On while the environment variable DO_NOT_TRACK (read once) is neither empty nor "0", or the user has set
+// a privacy switch of the desktop (org.gnome.desktop.privacy, if installed) in favour of privacy; its default is no
+// signal. The desktop is queried on a thread of its own, started by the first query or observer; destruction joins it.
 class LinuxPrivacySignals : public PrivacySignals {
  public:
   LinuxPrivacySignals();

@@ -25,7 +25,7 @@ class Watch {
   void close() const {
     reporter_->close();
     const std::uint64_t one = 1;
-    // Fails only where the event was told already.
+    // Fails only when the counter is at its maximum, so the thread wakes in any case.
     [[maybe_unused]] const ssize_t told = ::write(stop_.get(), &one, sizeof one);
   }
 

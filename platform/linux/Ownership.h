@@ -5,8 +5,8 @@
 
 namespace quillon {
 
-// Another user's file may contain consents that nobody gave. The administrator could write any file anyway, and often
-// owns other users' files.
+// Another user's file may contain forged consents. Root is trusted: it can write any file anyway, and often owns files
+// of users.
 [[nodiscard]] inline bool isTrustedOwner(uid_t owner) noexcept {
   const uid_t self = ::geteuid();
   return owner == self || owner == 0 || self == 0;

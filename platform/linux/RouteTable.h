@@ -15,7 +15,7 @@ std::optional<NetworkStatus> currentNetworkStatus();
 // A socket that becomes readable when links or routes change; invalid where unsupported.
 FileDescriptor openRouteChanges();
 
-// Drains the socket. Lost messages do not matter, since the status is queried anew.
+// Drains the socket. Lost messages do not matter, since the caller queries the status again.
 void discardRouteChanges(const FileDescriptor& changes);
 
 }  // namespace quillon

@@ -72,7 +72,7 @@ std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds op
   }
 }
 
-// The stored content is unknown, so nothing counts as decided.
+// The stored content is unknown, so every purpose counts as undecided.
 void SqliteSuite::startHeld(const std::string& why) {
   isHeld_ = true;
   publish(SuiteEntries{{std::string(lostEntriesKey), true}});
@@ -156,7 +156,7 @@ std::expected<SuiteReading, std::string> SqliteSuite::read(std::size_t count) co
       }
       if (!unmarked) return std::unexpected(problem(unmarked.error()).text);
       noteDamaged(unmarked->damaged);
-      return SuiteReading{published_, std::move(unmarked->records)};  // unchanged while the connection is held
+      return SuiteReading{published_, std::move(unmarked->records)};  // published_ is stable under connectionMutex_
     } catch (const std::exception& error) {
       return std::unexpected(error.what());
     }
@@ -177,7 +177,7 @@ SqliteResult<JournalPage> SqliteSuite::readOnce(std::size_t count) const {
   return file_->readUnmarked(count);
 }
 
-// Ensures that an open file is at the path.
+// Ensures that file_ is open and still at the path.
 std::expected<void, std::string> SqliteSuite::ready() const {
   if (file_ && !file_->moved()) return {};
   auto opened = SuiteFile::open(path_, writerDeadline());
@@ -203,7 +203,7 @@ std::unique_ptr<SuiteSubscription> SqliteSuite::observe(std::function<void()> ch
 void SqliteSuite::watch() {
   std::lock_guard lock(watchMutex_);
   if (watch_) return;
-  // Out of memory, the next follower or observer tries again.
+  // Out of memory: the next follower or observer retries.
   contained([&] {
     watch_ = FileWatch::start(loop_, path_, [weak = weak_from_this()] {
       const auto suite = weak.lock();
@@ -260,14 +260,14 @@ void SqliteSuite::publish(SuiteEntries entries) const {
   followers_.tell(*published_, nullptr);
 }
 
-// In place, unless somebody has a snapshot, so that the cost depends on what changes.
+// Changes the content in place unless a snapshot is held, so that the cost depends on the change and not on the size.
 void SqliteSuite::publish(SuiteEntries changed, const SuiteChanges& changes) const {
-  const auto version = std::exchange(version_, std::nullopt);  // read again, should memory run out
+  const auto version = std::exchange(version_, std::nullopt);  // if memory runs out below, the file is read again
   std::lock_guard lock(publishedMutex_);
   if (published_.use_count() > 1) {
     published_ = std::make_shared<SuiteEntries>(*published_);
   } else {
-    // Counting up and down acquires what the owner of the last snapshot released; use_count() does not.
+    // Copying and dropping the pointer synchronises with the last snapshot's release; use_count() does not.
     const auto last = published_;
   }
   const auto size = published_->size() + changed.size();
@@ -290,7 +290,7 @@ void SqliteSuite::deliver() const noexcept {
     notes.swap(notes_);
   }
   for (auto& [level, message] : notes) {
-    // An exception of the host's report; there is nowhere to report it.
+    // The report is host code; its exceptions cannot be reported anywhere.
     if (report_) contained([&] { report_(level, std::move(message)); });
   }
   if (!hasChanged_.exchange(false) || !loop_ || observers_->empty()) return;

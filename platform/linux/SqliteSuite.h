@@ -22,15 +22,15 @@ namespace quillon {
 class FileWatch;
 class WorkLoop;
 
-// Followers get the published content; while there are any, or observers, the pool probes the file for commits of other
-// processes whenever it changes. Snapshots are copies of it, and who takes one probes at intervals, unless an update of
-// this process holds the connection. Must not be used across a fork. The folder must exist and its path contain no
-// links. A file held by another process at the start is loaded once it is released.
+// Followers and snapshots get the published content. While there are followers or observers, the pool probes the file
+// for commits of other processes whenever it changes; snapshot() probes at intervals, unless an update of this process
+// holds the connection. Must not be used across a fork. The folder must exist and its path contain no links. A file
+// held by another process at the start is loaded once it is released.
 class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_this<SqliteSuite> {
  public:
   // Waits up to `openWait` for another process that holds the file. The error, with path and reason, when the file can
-  // be neither opened nor created. Without a loop observers are not called, and followers get what others commit when
-  // somebody takes a snapshot.
+  // be neither opened nor created. Without a loop, observers are not called, and followers get the commits of other
+  // processes only with the next snapshot().
   static std::expected<std::shared_ptr<SqliteSuite>, std::string> open(std::filesystem::path file,
                                                                        KeyValueStore::Report report,
                                                                        std::shared_ptr<WorkLoop> loop,
@@ -94,7 +94,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   mutable std::set<std::string> unreadableNoted_;  // reported once each
   mutable std::set<std::int64_t> damagedNoted_;    // journal numbers, reported once each
 
-  mutable std::mutex publishedMutex_;  // guards the two members below; the first changes under both locks only
+  mutable std::mutex publishedMutex_;  // guards the two members below; published_ changes under both locks only
   mutable std::shared_ptr<SuiteEntries> published_ = std::make_shared<SuiteEntries>();
   mutable SuiteFollowers followers_;
   mutable std::atomic<std::int64_t> nextProbe_{0};  // nanoseconds of the coarse monotonic clock

@@ -125,7 +125,7 @@ std::expected<void, SqliteSuite::Problem> SqliteSuite::attempt(std::unique_lock<
   if (auto done = refresh(); !done) return std::unexpected(problem(done.error()));
   if (!sound_) return std::unexpected(Problem{Recovery::reopen, "entries in it are damaged"});
 
-  const auto& current = *published_;  // only a holder of the connection publishes
+  const auto& current = *published_;  // stable: publishing requires connectionMutex_
   const auto impossible = [](std::string why) { return std::unexpected(Problem{Recovery::none, std::move(why)}); };
   SuiteUpdate planned = edit(current);
   if (planned.markRecords) {

@@ -22,7 +22,7 @@ struct StoredValue {
 // nullopt when the type is unknown or the text invalid for it.
 [[nodiscard]] std::optional<PropertyValue> fromStored(std::string_view type, std::string_view text);
 
-// Covers all three, so that a text moved to another key or type is detected too.
+// Covers key, type and text, so that a text moved to another key or type is detected too.
 [[nodiscard]] std::uint32_t storedChecksum(std::string_view key, std::string_view type, std::string_view text);
 
 }  // namespace quillon

@@ -57,7 +57,7 @@ class SuiteFile {
   [[nodiscard]] bool truncated();
 
   [[nodiscard]] SqliteResult<> begin() { return begin_.run(); }
-  // Reads until the end of the transaction see one moment.
+  // Reads until the end of the transaction see one consistent state.
   [[nodiscard]] SqliteResult<> beginReading() { return beginReading_.run(); }
   [[nodiscard]] SqliteResult<> put(std::string_view key, const StoredValue& value);
   [[nodiscard]] SqliteResult<> remove(std::string_view key);

@@ -192,7 +192,7 @@ std::vector<JournalRecord> SuiteJournal::readableRecords(SqliteDatabase& databas
   }
   std::map<std::int64_t, JournalRecord> sound;
   for (auto& record : page.records) sound.try_emplace(record.number, std::move(record));
-  // A damaged number may be any.
+  // A damaged row's number may be arbitrary; only plausible ones are kept.
   const std::int64_t most = (sound.empty() ? 0 : sound.rbegin()->first) + std::ssize(page.damaged);
   for (const auto number : page.damaged) {
     if (number > 0 && number <= most) sound.try_emplace(number, JournalRecord{number, {}, "lost"});

@@ -34,8 +34,8 @@ class SuiteJournal {
   // Writes a record of another file with its number.
   [[nodiscard]] SqliteResult<> put(SqliteDatabase& database, const JournalRecord& record);
 
-  // Every intact row still reachable in a damaged file, oldest first, with an empty one, marked as lost, in the place
-  // of each damaged one: a number is never used again.
+  // Every intact row still reachable in a damaged file, oldest first. Each damaged row is replaced by an empty one,
+  // marked as lost, so that its number is not reused.
   [[nodiscard]] std::vector<JournalRecord> readableRecords(SqliteDatabase& database);
 
   void transactionEnded(bool committed);

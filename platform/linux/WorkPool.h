@@ -51,7 +51,7 @@ class WorkLoop {
 };
 
 // The constructor starts all threads and throws std::system_error when out of threads. The destructor drops jobs that
-// have not begun and waits for running ones, except the job that causes it.
+// have not begun and waits for running ones, except one that destroys the pool.
 class WorkPool {
  public:
   // The name is for debuggers; at most 15 bytes.

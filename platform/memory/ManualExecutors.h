@@ -9,8 +9,8 @@
 
 namespace quillon {
 
-// Thread-safe. Main, background and serial queues share one order, that of posting, and one thread, that of
-// runUntilIdle(). Queues outlive their owner; jobs posted afterwards are dropped.
+// Thread-safe. Main, background and serial queues are one FIFO queue, run on the thread of runUntilIdle(). Queues may
+// outlive their owner; jobs posted afterwards are dropped.
 class ManualExecutors : public Executors {
  public:
   ManualExecutors();

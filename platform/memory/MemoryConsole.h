@@ -1,4 +1,4 @@
-// A console that stores what was written.
+// A console that stores its output.
 #pragma once
 
 #include <mutex>

@@ -1,4 +1,4 @@
-// A user who chooses where files are saved, scripted.
+// A file chooser with scripted answers.
 #pragma once
 
 #include <map>
@@ -22,7 +22,7 @@ class MemoryFileChooser : public FileChooser {
     return std::make_unique<Choice>(std::move(open));
   }
 
-  // What the user, or the disk, does with the open dialog. False when there is none.
+  // Ends the open dialog with this outcome. False when there is none.
   bool answer(SaveOutcome outcome) { return end(outcome); }
   // The files that were saved, by their names.
   std::map<std::string, std::string> files() const {
@@ -55,7 +55,7 @@ class MemoryFileChooser : public FileChooser {
   }
 
   mutable std::mutex mutex_;  // guards the members below
-  std::weak_ptr<Open> open_;  // as long as somebody waits for it
+  std::weak_ptr<Open> open_;  // expires with the caller's handle
   std::map<std::string, std::string> files_;
 };
 

@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-// Thread-safe. Its secrets are no secrets: one after the other, the same in every run.
+// Thread-safe. Its secrets are a fixed sequence, the same in every run.
 class MemoryKeyStore : public KeyStore {
  public:
   std::expected<Secret, std::string> secret() override {

@@ -18,7 +18,7 @@ class MemoryStore final : public KeyValueStore {
   using Fault = std::function<MemoryFault()>;
 
   explicit MemoryStore(Fault fault = {});
-  // As end(): the process it stands for has died.
+  // As end(): simulates the death of the process.
   ~MemoryStore() override;
   MemoryStore(const MemoryStore&) = delete;
   MemoryStore& operator=(const MemoryStore&) = delete;

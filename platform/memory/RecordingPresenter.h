@@ -1,4 +1,4 @@
-// A user interface that records what it was asked to show.
+// A user interface that records its calls.
 #pragma once
 
 #include <mutex>

@@ -1,4 +1,4 @@
-// Settings of a desktop, set at run time.
+// Desktop settings set at run time.
 #pragma once
 
 #include <functional>

@@ -4,7 +4,7 @@
 
 namespace quillon {
 
-// To the values set here, and to the device's.
+// Subscribes to the values set here, and to the device's.
 class SettablePermissionSources::Subscription : public PermissionSubscription {
  public:
   Subscription(std::unique_ptr<PermissionSubscription> own, std::unique_ptr<PermissionSubscription> device)

@@ -1,4 +1,4 @@
-// Lets calls through until closed: timers and subscriptions close it on destruction.
+// A lock that serialises calls until it is closed. Timers and subscriptions close it on destruction.
 #pragma once
 
 #include <mutex>
@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-// Thread-safe. Calls through one gate are serialised.
+// Thread-safe.
 class CallGate {
  public:
   template <class Call>
@@ -15,7 +15,7 @@ class CallGate {
     if (!closed_) std::forward<Call>(call)();
   }
 
-  // Afterwards no call begins, and a call running on another thread has ended. Inside a call it does not wait.
+  // Afterwards no call begins. Waits for a call running on another thread, but not when called inside a call.
   void close() {
     const std::lock_guard lock(mutex_);
     closed_ = true;

@@ -1,4 +1,4 @@
-// Contains exceptions of foreign code.
+// Catches exceptions of foreign code.
 #pragma once
 
 #include <utility>
@@ -10,7 +10,7 @@ template <class Call>
 void contained(Call&& call) noexcept {
   try {
     std::forward<Call>(call)();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): nobody up here can do better than go on
+  } catch (...) {  // NOLINT(bugprone-empty-catch): nothing can be done here
   }
 }
 

@@ -1,4 +1,4 @@
-// An analytics library behind a host function.
+// An analytics library behind a function of the host.
 #pragma once
 
 #include <functional>

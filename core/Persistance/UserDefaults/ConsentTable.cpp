@@ -8,7 +8,7 @@ PurposeState ConsentTable::purpose(std::int64_t id) const noexcept {
   return words_.read([id](const LatchedWords::Copy& copy) { return stateOf(copy, id); });
 }
 
-// While in doubt a purpose counts as undecided, and the default declines.
+// While isInDoubt is set, a purpose counts as undecided and the default is declined.
 PurposeState ConsentTable::stateOf(const LatchedWords::Copy& copy, std::int64_t id) noexcept {
   const LatchedWords::Word header = copy.header.load(std::memory_order_acquire);
   const auto key = static_cast<LatchedWords::Key>(id);

@@ -16,7 +16,7 @@
 
 namespace quillon {
 
-// The bits of a word in the table, about a purpose or a permission, and of its header, about all of them.
+// The bits of a word, about one purpose or permission, and of the header, about all of them.
 struct ConsentWord {
   using Word = LatchedWords::Word;
 
@@ -24,22 +24,22 @@ struct ConsentWord {
   static constexpr Word status = 3 << statusShift;
   static constexpr Word isDecided = 1 << 2;
   static constexpr Word isAnswered = 1 << 3;         // the decision is the user's own
-  static constexpr Word isBoundByStore = 1 << 4;     // to app tracking
-  static constexpr Word isBoundByTerms = 1 << 5;     // by the configuration in force
-  static constexpr Word isAllowedByTerms = 1 << 6;   // while undecided
-  static constexpr Word isCoveredBySignal = 1 << 7;  // by the honoured one
-  static constexpr Word isListed = 1 << 8;           // a permission, by the configuration in force
+  static constexpr Word isBoundByStore = 1 << 4;     // bound to app tracking, as stored
+  static constexpr Word isBoundByTerms = 1 << 5;     // bound to app tracking, by the configuration in force
+  static constexpr Word isAllowedByTerms = 1 << 6;   // allowed while undecided, by the configuration in force
+  static constexpr Word isCoveredBySignal = 1 << 7;  // covered by the honoured signal
+  static constexpr Word isListed = 1 << 8;           // permission listed by the configuration in force
 
   static constexpr Word declinesByDefault = 1 << 0;
   static constexpr Word hasLostEntries = 1 << 1;
-  static constexpr Word isInDoubt = 1 << 2;  // what is stored could not be shown
+  static constexpr Word isInDoubt = 1 << 2;  // an update from the store failed
   static constexpr Word hasTerms = 1 << 3;
   static constexpr Word hasSignal = 1 << 4;
   static constexpr Word isSignalGiven = 1 << 5;
   static constexpr Word signalCoversAll = 1 << 6;
 };
 
-// What is known about one purpose at one moment.
+// A consistent snapshot of one purpose.
 class PurposeState : ConsentWord {
  public:
   PurposeState(Word header, Word word) noexcept : header_(header), word_(word) {}
@@ -47,11 +47,11 @@ class PurposeState : ConsentWord {
   std::optional<ConsentStatus> decision() const noexcept {
     return has(isDecided) ? std::optional(static_cast<ConsentStatus>((word_ & status) >> statusShift)) : std::nullopt;
   }
-  // Of the stored compliance type.
+  // The default of the stored compliance type.
   ConsentStatus byDefault() const noexcept {
     return holds(declinesByDefault) ? ConsentStatus::declined : ConsentStatus::granted;
   }
-  // By the configuration in force, and no entries were lost.
+  // Whether the configuration in force allows the purpose while undecided, and no entries were lost.
   bool isAllowedUndecided() const noexcept {
     return has(isAllowedByTerms) && holds(hasTerms) && !holds(hasLostEntries);
   }
@@ -61,7 +61,7 @@ class PurposeState : ConsentWord {
   bool isCoveredBySignal() const noexcept {
     return holds(hasSignal) && (holds(signalCoversAll) || has(ConsentWord::isCoveredBySignal));
   }
-  // That signal is on, whatever the device says.
+  // The application's own signal is on, whatever the device's is.
   bool isSignalGiven() const noexcept { return holds(ConsentWord::isSignalGiven); }
 
  private:
@@ -77,18 +77,18 @@ struct PermissionState {
   std::optional<bool> isListed;  // by the configuration in force; nullopt without one
 };
 
-// Typed and by key, from the store's content, the configuration in force and the honoured signal, each of which tells
-// the table of its changes. Queries take no lock, write no shared memory, allocate nothing and never wait; each is of
-// one moment, and no thread sees an earlier state after a later one. Where a change cannot be shown for lack of memory,
-// nothing counts as granted until the next one. Thread-safe. The texts of permissions stay until destruction.
+// Thread-safe. Combines the store's content, the configuration in force and the honoured signal, whose owners push
+// their changes. Queries are lock-free, write no shared memory and, except purposes(), allocate nothing; each is
+// consistent, and no thread sees an earlier state after a later one. When an update fails for lack of memory, nothing
+// counts as granted until the next one. The texts of permissions stay until destruction.
 class ConsentTable {
  public:
   [[nodiscard]] PurposeState purpose(std::int64_t id) const noexcept;
-  // All of the same moment.
+  // A consistent snapshot of all.
   [[nodiscard]] std::vector<PurposeState> purposes(std::span<const std::int64_t> ids) const;
   [[nodiscard]] PermissionState permission(std::string_view name) const noexcept;
 
-  // The store's content; see KeyValueSuite::Follower.
+  // Updates the store's content; see KeyValueSuite::Follower.
   void showStored(const SuiteEntries& entries, const SuiteChanges* changes) noexcept;
 
   struct Terms {
@@ -96,14 +96,14 @@ class ConsentTable {
     std::vector<std::int64_t> boundToTracking;
     std::vector<std::string> permissions;
   };
-  // The configuration in force; nullopt without one.
+  // Updates the configuration in force; nullopt without one.
   void showTerms(std::optional<Terms> terms) noexcept;
 
   struct Signal {
     bool isGiven = false;
     std::optional<std::vector<std::int64_t>> covered;  // nullopt: any purpose
   };
-  // The honoured signal; nullopt without one.
+  // Updates the honoured signal; nullopt without one.
   void showSignal(std::optional<Signal> signal) noexcept;
 
   // No configuration is in force from now on.
@@ -111,12 +111,12 @@ class ConsentTable {
 
  private:
   using Edits = std::vector<LatchedWords::Edit>;
-  using Members = std::vector<std::int64_t>;  // of a group of purposes, sorted
+  using Members = std::vector<std::int64_t>;  // purposes with one bit set, sorted
 
   static PurposeState stateOf(const LatchedWords::Copy& copy, std::int64_t id) noexcept;
   void addDecision(LatchedWords::Change& change, std::string_view key, const SuiteEntries& entries);
   LatchedWords::Key nameKey(std::string_view name);
-  // Runs a change under the lock; `otherwise` changes the header, should memory run out.
+  // Runs an update under the lock; out of memory, sets the header to the result of `otherwise`.
   template <class Show, class Otherwise>
   void show(Show show, Otherwise otherwise) noexcept;
 

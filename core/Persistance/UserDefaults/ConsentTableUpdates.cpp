@@ -1,4 +1,4 @@
-// Changes of the table.
+// Updates of the table.
 #include <algorithm>
 #include <charconv>
 #include <iterator>
@@ -36,7 +36,7 @@ std::vector<std::int64_t> listUnder(const SuiteEntries& entries, std::string_vie
   return list ? *list : std::vector<std::int64_t>();
 }
 
-// Adds the edits that turn the members of the group with this bit into others, which it returns sorted, each once.
+// Adds the edits that move the bit from the purposes `before` to `members`; returns those sorted, without duplicates.
 std::vector<std::int64_t> regrouped(const std::vector<std::int64_t>& before, Word bit,
                                     std::vector<std::int64_t> members, std::vector<LatchedWords::Edit>& edits) {
   std::ranges::sort(members);
@@ -81,7 +81,7 @@ void ConsentTable::show(Show show, Otherwise otherwise) noexcept {
 void ConsentTable::showStored(const SuiteEntries& entries, const SuiteChanges* changes) noexcept {
   const auto store = [&] {
     LatchedWords::Change change;
-    // After a change that could not be shown, the others are not known either.
+    // After a failed update, `changes` is relative to content that the table lacks, so it is rebuilt.
     const bool isWhole = changes == nullptr || (words_.header() & Bits::isInDoubt) != 0;
     if (isWhole) {
       for (const auto key : words_.keys(&LatchedWords::Copy::numbers)) change.numbers.push_back(decisionEdit(key, {}));

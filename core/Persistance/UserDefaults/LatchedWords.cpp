@@ -26,7 +26,7 @@ struct LatchedWords::Part {
   Hash hash;
 };
 
-// How an index that is too full for its edits is laid out anew in both copies.
+// The rehashing, in both copies, of an index that is too full for its edits.
 struct LatchedWords::Renewal {
   bool isNeeded = false;
   std::vector<Edit> words;                     // all
@@ -91,7 +91,7 @@ void LatchedWords::apply(const Change& change) {
   const auto turn = turn_.load(std::memory_order_relaxed);
   write((turn + 1) & 1);
   turn_.store(turn + 1, std::memory_order_release);
-  // Releasing stores, too, so that a reader who sees one of them sees that it was overtaken.
+  // These stores release, too: a reader that sees one of them also sees the new turn, and retries.
   write(turn & 1);
 }
 

@@ -1,4 +1,4 @@
-// Words by key, for any number of readers that never wait while one writer changes them.
+// A hash table of words for lock-free readers and one writer.
 #pragma once
 
 #include <array>
@@ -13,11 +13,11 @@
 
 namespace quillon {
 
-// A sequence latch. There are two equal copies: readers use one while the writer changes the other, then the two change
-// places, and the writer repeats the change. A reader that was overtaken reads again, so each read is of one moment,
-// and a later read of a later one. Readers take no lock, write nothing and allocate nothing, and a writer that is
-// stopped anywhere stops none of them. Everything they touch is atomic and stays allocated: outgrown arrays, half as
-// large each, are kept.
+// A sequence latch: two copies, of which readers use one while the writer changes the other; then it swaps them and
+// repeats the change. A reader that was overtaken retries, so each read is consistent, and no thread sees an earlier
+// state after a later one. Readers take no lock, write nothing, allocate nothing, and are not blocked by a writer that
+// is stopped at any point. Everything they touch is atomic and stays allocated: outgrown arrays, each half as large as
+// the next, are kept.
 class LatchedWords {
  public:
   using Key = std::uint64_t;
@@ -32,7 +32,7 @@ class LatchedWords {
 
   using Hash = std::size_t (*)(Key);
 
-  // Open addressing. While the writer is at it, a reader may find any mixture of old and new.
+  // Open addressing. While the writer changes it, a reader may find any mixture of old and new.
   class Index {
    public:
     // Words use the other bits.
@@ -60,31 +60,31 @@ class LatchedWords {
       std::atomic<Word> word{0};
     };
 
-    // Replaces the slots, or frees them when there are none to replace them.
+    // Replaces the slots; null: clears them.
     void renew(Slot* grown) noexcept;
     void edit(Hash hash, const Edit& edit) noexcept;
     std::size_t mask() const noexcept { return slots_.load(std::memory_order_relaxed)->key; }
 
-    // The first one's key is a mask for the places of those that follow.
+    // The key of the first slot is the index mask of the others.
     std::atomic<Slot*> slots_{nullptr};
-    std::size_t used_ = 0;  // by the writer: slots that are not free
+    std::size_t used_ = 0;  // slots in use; for the writer only
   };
 
   struct alignas(64) Copy {
     std::atomic<Word> header{0};
-    Index numbers;  // by the key itself
-    Index names;    // by the text that the key, a `const std::string*`, points to
+    Index numbers;  // hashed by the key itself
+    Index names;    // hashed by the text that the key, a `const std::string*`, points to
   };
 
   LatchedWords();
 
-  // The result of `read(const Copy&)`, which is called until it saw one moment.
+  // The result of `read(const Copy&)`, which is called until it saw a consistent state.
   template <class Read>
   [[nodiscard]] auto read(Read read) const {
     for (;;) {
       const auto turn = turn_.load(std::memory_order_acquire);
       auto result = read(copies_[turn & 1]);
-      // Not earlier than the loads in between, which are acquiring.
+      // Not reordered before the loads in between, which are acquiring.
       if (turn_.load(std::memory_order_relaxed) == turn) return result;
     }
   }
@@ -94,15 +94,15 @@ class LatchedWords {
     std::vector<Edit> names = {};
     Word header = 0;
   };
-  // Shows the change as a whole. One call at a time. Out of memory it throws and changes nothing; without edits it
-  // needs no memory.
+  // Applies the change atomically for readers. One call at a time. Out of memory it throws and changes nothing; without
+  // edits it allocates nothing.
   void apply(const Change& change);
 
   // For the writer: the header, and the keys that have a word.
   [[nodiscard]] Word header() const noexcept { return inUse().header.load(std::memory_order_relaxed); }
   [[nodiscard]] std::vector<Key> keys(Index Copy::* index) const;
 
-  // Of a key among the names.
+  // The text of a key among the names.
   [[nodiscard]] static std::string_view nameOf(Key key) noexcept {
     return *reinterpret_cast<const std::string*>(key);  // NOLINT(performance-no-int-to-ptr)
   }
@@ -121,7 +121,7 @@ class LatchedWords {
   [[nodiscard]] Index::Slot* makeSlots(std::size_t capacity);
   [[nodiscard]] Renewal renewalFor(const Part& part, const std::vector<Edit>& edits);
 
-  alignas(64) std::atomic<std::uint64_t> turn_{0};  // the low bit tells which copy to read
+  alignas(64) std::atomic<std::uint64_t> turn_{0};  // the low bit selects the copy to read
   std::array<Copy, 2> copies_;
   std::vector<std::unique_ptr<Index::Slot[]>> kept_;  // all arrays, in use or outgrown
 };

@@ -19,7 +19,7 @@
   ROW(pendingPurposesList, "PENDING_PURPOSES_LIST") \
   ROW(pendingPermissionsList, "PENDING_PERMISSIONS_LIST") \
   ROW(uploadConsentRequestPending, "UPLOAD_CONSENT_REQUEST_PENDING") \
-  /* The newest record of the journal when the server refused an upload for good; what is no newer is not sent again. */ \
+  /* The newest journal record at a final rejection of an upload; records up to it are not sent again. */ \
   ROW(uploadRefusedUpTo, "UPLOAD_REFUSED_UP_TO") \
   ROW(subjectId, "SUBJECT_ID") \
   ROW(xAuthToken, "X_AUTH_TOKEN") \
@@ -27,7 +27,7 @@
   ROW(isATTEnabled, "IS_ATT_ENABLED") \
   /* The purposes that the configuration applied last binds to app tracking. */ \
   ROW(trackingPurposesList, "TRACKING_PURPOSES_LIST") \
-  /* The purposes whose consent is the user's own answer, and those whose consent a privacy signal decided; ascending. */ \
+  /* The purposes whose consent is the user's own answer, and those decided by a privacy signal; ascending. */ \
   ROW(answeredPurposesList, "ANSWERED_PURPOSES_LIST") \
   ROW(signalPurposesList, "SIGNAL_PURPOSES_LIST") \
   /* The application ids under which anything was decided. */ \
@@ -43,7 +43,7 @@
   ROW(hasShownSettingsPrompt, "HAS_SHOWN_SETTINGS_PROMPT") \
   ROW(cdnCachedTimestamp, "CDN_CACHED_TIMESTAMP") \
   ROW(cdnFileLocation, "CDN_FILE_LOCATION") \
-  /* What the cached configuration was asked for under: its address and the channel's, before any fall-back. */ \
+  /* The URL requested for the cached configuration, before any fall-back. */ \
   ROW(cdnAddress, "CDN_ADDRESS") \
   /* The entity tag that came with the cached configuration; "Etag" holds the newest tag of any answer. */ \
   ROW(cdnEtag, "CDN_ETAG") \
@@ -51,9 +51,9 @@
   ROW(currentCountryCode, "curr_countryCode") \
   ROW(currentLocation, "curr_location") \
   ROW(currentLocationTimestamp, "curr_location_timestamp") \
-  /* When a location request failed last. */ \
+  /* The time of the last failed location request. */ \
   ROW(locationFailedTimestamp, "curr_location_failed_timestamp") \
-  /* True after the store was damaged, until the user has answered anew. */ \
+  /* True after the store was damaged, until the user answers again. */ \
   ROW(lostEntries, lostEntriesKey)
 // clang-format on
 

@@ -93,7 +93,7 @@ bool StoredValues::isBoundToTracking(std::int64_t purposeId) const {
   return list && std::ranges::find(*list, purposeId) != list->end();
 }
 
-// This version writes sorted lists; in others some purposes may not be found.
+// This version writes sorted lists; in an unsorted one some purposes may not be found.
 bool StoredValues::isAnswered(std::int64_t purposeId) const {
   const auto* list = find<std::vector<std::int64_t>>(key::answeredPurposesList);
   return list && std::ranges::binary_search(*list, purposeId);

@@ -56,7 +56,7 @@ class StoredValues {
   bool isBoundToTracking(std::int64_t purposeId) const;
   // Whether a purpose's stored consent is the user's own answer. Allocates nothing.
   bool isAnswered(std::int64_t purposeId) const;
-  // Whether it stems from a privacy signal; all such purposes.
+  // Whether a purpose's stored consent stems from a privacy signal; all such purposes.
   bool isDecidedBySignal(std::int64_t purposeId) const;
   std::vector<std::int64_t> decidedBySignal() const;
   // Whether no application other than this one has made decisions.
@@ -133,8 +133,7 @@ class StoreTransaction : public StoredValues {
   SuiteChanges changes_;
   std::vector<Decision> decisions_;
   std::map<std::int64_t, std::string> marks_;
-  // The pending list as a set, once something was added: saving thousands of purposes must not search the list for
-  // each.
+  // The pending list as a set, once something was added, so that adding thousands of purposes takes linear time.
   std::optional<std::unordered_set<std::int64_t>> pendingPurposes_;
 };
 

@@ -214,7 +214,7 @@ bool UserDefaultManager::removeAllConsents(const Edit& edit) {
   if (outcome) {
     logger_.log("Successfully removed all consents", LogLevel::info, "removeAllConsents()", unit::userDefaultManager,
                 __LINE__);
-    // At threshold debug that log line created a new subject.
+    // At threshold debug that log line has created a new subject.
     if (logger_.logLevel() == LogLevel::debug) remove(key::subjectId);
   } else {
     logger_.log("Failed to remove all consents: " + escapedForLog(outcome.error()), LogLevel::error,

@@ -29,12 +29,12 @@ class UserDefaultManager {
   UserDefaultManager(const Platform& platform, SDKLogger& logger, Stored stored = {});
   ~UserDefaultManager();
 
-  // Shows what is stored, and what the owners of the configuration and of the signal add. Opens the suite.
+  // The table of stored consents, configuration in force and honoured signal. Opens the suite.
   const ConsentTable& consents() const {
     if (!isOpen_.load(std::memory_order_acquire)) suite();
     return *consents_;
   }
-  // For those owners. Does not open the suite.
+  // For the owners of the configuration and of the signal. Does not open the suite.
   ConsentTable& consentTable() { return *consents_; }
 
   // A consistent snapshot of the suite.
@@ -51,8 +51,8 @@ class UserDefaultManager {
   using OutcomeEdit = std::function<void(StoreTransaction&, const std::vector<JournalRecord>& unmarked)>;
   bool markOutcomes(const OutcomeEdit& edit);
 
-  // The newest content across processes with the newest `count` unmarked records of the same moment. May wait for the
-  // disk. nullopt on failure, which is logged.
+  // A consistent read of the newest content across processes, and of the newest `count` unmarked records. May wait for
+  // the disk. nullopt on failure, which is logged.
   std::optional<SuiteReading> read(std::size_t count) const;
 
   std::string getString(std::string_view key, std::string_view fallback = {}) const;
@@ -78,7 +78,7 @@ class UserDefaultManager {
   [[nodiscard]] std::unique_ptr<SuiteSubscription> observe(std::function<void()> changed);
 
  private:
-  // Links the suite's reports to the logger; cut on destruction, since the suite may live on.
+  // Links the suite's reports to the logger; severed on destruction, since the suite may outlive the manager.
   struct ReportLink;
 
   KeyValueSuite& suite() const;
@@ -97,7 +97,7 @@ class UserDefaultManager {
   mutable std::atomic<bool> isOpen_{false};
   mutable std::shared_ptr<KeyValueSuite> suite_;
   const std::shared_ptr<ConsentTable> consents_ = std::make_shared<ConsentTable>();
-  mutable std::shared_ptr<void> following_;  // the suite's content, for the table
+  mutable std::shared_ptr<void> following_;  // keeps the table updated with the suite's content
 };
 
 // Returns the subject identifier, creating a random UUID in upper case if there is none.

@@ -79,7 +79,7 @@ void BusLoop::runJobs() {
   for (auto& job : jobs) contained(job);
 }
 
-// Unfinished GIO operations would never be freed.
+// Waits for unfinished GIO operations, which would otherwise leak.
 void BusLoop::drain() {
   bool expired = false;
   const GLibPointer<GSource> limit(g_timeout_source_new(drainMilliseconds));

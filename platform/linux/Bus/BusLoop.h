@@ -18,8 +18,8 @@ class BusLoop {
 
   // Acquires the loop's resources; false when unavailable at the moment. Call before run().
   [[nodiscard]] bool open();
-  // Called once, on the loop's thread. Returns when the loop has been stopped and running operations, which `leave`
-  // must cancel, have ended; at the latest a second after stop().
+  // Called once, on the loop's thread. Returns when the loop was stopped and running operations, which `leave` must
+  // cancel, have ended; at the latest one second after stop().
   void run(const std::function<void()>& leave);
 
   // Thread-safe. Afterwards jobs are dropped and no callback begins.
@@ -47,7 +47,7 @@ class BusLoop {
 
   int underWay_ = 0;  // unfinished GIO calls; used on the loop's thread only
 
-  // Not GLib's own queues, which the thread sanitizer does not see.
+  // A queue of our own, since the thread sanitizer cannot follow GLib's.
   mutable std::mutex mutex_;             // guards the members below
   GLibPointer<GMainContext> context_{};  // set once, before the loop runs
   std::vector<std::move_only_function<void()>> jobs_;

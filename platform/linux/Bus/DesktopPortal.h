@@ -1,4 +1,4 @@
-// The portal, by which a desktop offers its services to applications.
+// The bus name and object path of the desktop portal.
 #pragma once
 
 namespace quillon::portal {

@@ -16,8 +16,8 @@ namespace quillon {
 [[nodiscard]] std::string sessionBusAddress();
 [[nodiscard]] std::string systemBusAddress();
 
-// Time limit for connecting, and for a service's reply. Below the two seconds for which callers wait, so that the
-// longest-waiting caller is answered before the next query starts.
+// Time limit for connecting, and for a service's reply. Below the callers' limit of two seconds, so that the caller
+// that has waited longest is answered before the next query starts.
 constexpr int answerMilliseconds = 1800;
 
 // A null member matches anything.

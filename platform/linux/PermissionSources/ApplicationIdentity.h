@@ -1,4 +1,4 @@
-// The desktop's name for an application.
+// The desktop's identifier of an application.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace quillon {
 
-// The given name, else that of the sandbox, else that of the systemd unit in which the application was started, else
-// empty, the desktop's name for all other applications.
+// The given identifier, else that of the sandbox, else that of the systemd unit in which the application was started,
+// else empty, which the desktop uses for all other applications.
 [[nodiscard]] std::string applicationIdentity(const std::string& given);
 
 // The application named by a process's control groups; empty when it is in no application's unit.

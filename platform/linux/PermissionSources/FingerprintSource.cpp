@@ -18,7 +18,7 @@ PermissionSource::Answer sensorAnswer(const BusError& error) {
   if (error.kind == BusError::Kind::denied || error.name == "net.reactivated.Fprint.Error.PermissionDenied") {
     return sensorDenied;
   }
-  // A sensor without enrolled fingers is unusable, but nobody decided that.
+  // A sensor without enrolled fingers is unusable, which is not a decision of the user.
   if (error.name == "net.reactivated.Fprint.Error.NoEnrolledPrints") return sensorUnusable;
   return std::unexpected(error.text);
 }

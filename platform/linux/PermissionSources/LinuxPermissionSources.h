@@ -16,7 +16,7 @@ namespace quillon {
 // Destruction joins it within two seconds.
 class LinuxPermissionSources : public PermissionSources {
  public:
-  // The desktop's name of the application; detected when empty.
+  // The application's identifier on the desktop; detected when empty.
   explicit LinuxPermissionSources(const std::string& applicationId = {});
   ~LinuxPermissionSources() override;
 
