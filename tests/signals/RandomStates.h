@@ -1,6 +1,7 @@
 // Random states of both formats that follow from their number, as in vectors/make-vectors.mjs.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
