@@ -183,6 +183,7 @@ void Process::setUp(unsigned what, unsigned how) {
   around_.model.setUp(owner_, session);
   isSetUp_ = true;
   hasLoaded_ = true;
+  around_.servers.beginSession(owner_);
   sdk_->setup(options);
 }
 

@@ -49,7 +49,8 @@ class Servers {
  public:
   // Told at the moment when it happens; each is given the owner that sent the request.
   struct Events {
-    std::function<void(int owner, Server server)> asked;
+    // `isTwice`: the same session waits for that document already.
+    std::function<void(int owner, Server server, bool isTwice)> asked;
     std::function<void(int owner, const Upload& upload)> uploadSent;
     std::function<void(const Upload& upload)> uploadTaken;
     // `url` is that of the request; a version that is answered out of the cache of the process is not told.
@@ -69,6 +70,8 @@ class Servers {
   void setReachable(bool isReachable) { isReachable_ = isReachable; }
   void fail(Server server, RequestFault fault);
   void heal();
+  // The process sets up the SDK, which may ask for the same document as before.
+  void beginSession(int owner) { ++sessions_[owner]; }
 
   // The network as a process has it.
   [[nodiscard]] std::shared_ptr<HttpSession> sessionFor(int owner);
@@ -98,6 +101,7 @@ class Servers {
   bool isReachable_ = true;
   std::array<std::deque<RequestFault>, serverCount> faults_;
   std::vector<Pointer> underWay_;
+  std::map<int, int> sessions_;
   int lastUpload_ = 0;
   unsigned answered_ = 0;
 };

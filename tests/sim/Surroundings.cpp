@@ -10,9 +10,10 @@ constexpr WallTime start{std::chrono::seconds(1'735'732'800)};
 
 Servers::Events eventsOf(Surroundings& world) {
   Servers::Events events;
-  events.asked = [&world](int owner, Server server) {
-    if (!world.traffic.isTooMuch(owner, server, world.elapsed())) return;
-    world.trail.fail(8, "process " + std::to_string(owner) + " makes too many requests");
+  events.asked = [&world](int owner, Server server, bool isTwice) {
+    const std::string who = "process " + std::to_string(owner);
+    if (isTwice) world.trail.fail(8, who + " downloads a document twice at once");
+    if (world.traffic.isTooMuch(owner, server, world.elapsed())) world.trail.fail(8, who + " makes too many requests");
   };
   events.uploadSent = [&world](int owner, const Upload& upload) {
     world.model.uploadSent(owner, upload, world.view());
