@@ -14,7 +14,7 @@ typedef struct {
   pthread_cond_t changed;
   int answers; /* received so far */
   quillon_status status;
-  int fetched; /* the download ended */
+  int fetched; /* whether the SDK had to download the configuration */
   int32_t done;
   int refused; /* purposes that are neither granted nor follow a setting of the device */
 } progress;
