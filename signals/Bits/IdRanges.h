@@ -24,7 +24,7 @@ struct IdBudget {
   std::size_t left = mostIds;
 };
 
-// @p count bits, the first for ID 1.
+// @p count bits, the first one for ID 1.
 [[nodiscard]] Ids readBitField(BitReader& bits, std::size_t count);
 // No ID may exceed @p count.
 void writeBitField(BitWriter& bits, const Ids& ids, std::size_t count);
