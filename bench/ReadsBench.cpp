@@ -60,16 +60,15 @@ double processorSeconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-// How often this thread has gone to sleep.
+// The number of voluntary context switches of this thread.
 long waits() {
   rusage usage{};
   ::getrusage(RUSAGE_THREAD, &usage);
   return usage.ru_nvcsw;
 }
 
-// The processor time of one read by each of several threads at once, and how often they waited for anything. Threads
-// that neither wait nor take longer than one alone make as many reads as there are processors for them, however busy
-// the machine.
+// Processor time per read with several concurrent threads, and how often they blocked. Without blocking or slowdown,
+// threads read as often as the available processors permit, however busy the machine is.
 template <int threads, bool isWritten>
 void readTogether(benchmark::State& state) {
   constexpr int reads = 1'000'000;
@@ -128,7 +127,7 @@ Figure processorTime(const char* benchmark) {
   return {benchmark, std::string(kProcessorTime)};
 }
 
-// So that two threads make 1.9 times the reads of one.
+// The limit at which two threads make 1.9 times the reads of one.
 constexpr double mostOfOneThread = 2 / 1.9;
 
 bool expectNoWaiting(const std::string& threads) {

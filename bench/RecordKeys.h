@@ -9,7 +9,7 @@
 namespace quillon::bench {
 
 template <class R, class T>
-concept Either = std::same_as<std::remove_const_t<R>, T>;  // constant or not
+concept Either = std::same_as<std::remove_const_t<R>, T>;  // const-qualified or not
 
 template <class Object, Either<CustomColors> R>
 void visitFields(Object& object, R& record) {

@@ -27,8 +27,8 @@ void recordDecision(benchmark::State& state) {
   }
 }
 
-// Saving in the preference centre, from the choices to the result shown to the user. What follows, the upload, is over
-// before the next one.
+// Saves in the preference centre: from the choices to the result shown to the user. The upload that follows ends before
+// the next save.
 void saveChoices(benchmark::State& state) {
   Device device(configurationWithPurposes(kStoredKeys));
   device.setUp();

@@ -59,7 +59,7 @@ def panel(lines, name, label, left):
         path = "L".join(f"{x(size):.1f} {y(cost):.1f}" for size, cost in points)
         out.append(f'<path d="M{path}" stroke="{COLOURS[operation]}" stroke-width="2" fill="none"/>')
         size, cost = points[-1]
-        labels.append(min([y(cost) - 8] + [other - 13 for other in labels]))  # none on top of another
+        labels.append(min([y(cost) - 8] + [other - 13 for other in labels]))  # keep the label clear of the others
         out.append(f'<text x="{x(size) - 4:.1f}" y="{labels[-1]:.1f}" text-anchor="end" '
                    f'fill="{COLOURS[operation]}">{operation}</text>')
     out.append(f'<text x="{left + MARGIN + WIDTH / 2}" y="{HEIGHT + 70}" text-anchor="middle">{label}</text>')

@@ -1,4 +1,4 @@
-# The bill of materials of what is installed, made by the build once everything is linked: see BillOfMaterials.py.
+# Generates the bill of materials of the installed files after linking: see BillOfMaterials.py.
 find_package(Python3 COMPONENTS Interpreter QUIET)
 find_program(QUILLON_DPKG_QUERY dpkg-query)
 if(NOT Python3_FOUND OR NOT QUILLON_DPKG_QUERY OR NOT CMAKE_GENERATOR STREQUAL "Ninja")
@@ -6,7 +6,7 @@ if(NOT Python3_FOUND OR NOT QUILLON_DPKG_QUERY OR NOT CMAKE_GENERATOR STREQUAL "
   return()
 endif()
 
-# Archives link nothing: those who link them do.
+# Static libraries are not linked; only shared libraries and executables are listed.
 set(binaries "")
 foreach(target quillon::core quillon::linux quillon::signals quillon::proof quillon::ui quillon::qtquick
     quillon::qtwebengine quillon::testing quillon::c quillon-consent quillon-consent-preview quillon-receiver)

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Writes the bill of materials of a build, in SPDX 2.3: what the installed programs and libraries link, of what the
-commands of the build name, and whose headers are compiled in. A test compares it with what the binaries ask for.
+"""Writes the bill of materials of a build, in SPDX 2.3: the libraries that installed programs and libraries link,
+according to the build's commands, and the packages whose headers are compiled in. A test compares it with the dynamic
+dependencies of the binaries.
 
 usage: BillOfMaterials.py BUILD_FOLDER SOURCE_FOLDER VERSION NINJA COMPILER OUTPUT BINARY...
 """
@@ -22,12 +23,12 @@ def run(*command):
 
 
 def words(target):
-    """The last command that makes a file of the build."""
+    """The arguments of the command that builds a target."""
     return shlex.split(run(NINJA, "-t", "commands", "-s", target))
 
 
 def linked(target):
-    """The objects and the libraries that a file consists of or needs, archives of ours opened."""
+    """The objects and libraries that a target is linked from, with our own static libraries expanded."""
     objects, libraries = [], []
     for word in words(target):
         path = os.path.join(BUILD, word)
@@ -48,12 +49,12 @@ def shared_name(library):
 
 
 def needed(binary):
-    """What the linker kept: it drops libraries of which nothing is used."""
+    """The dynamic dependencies; the linker omits unused libraries."""
     return set(re.findall(r"\(NEEDED\).*\[(.*)\]", run("readelf", "-dW", binary)))
 
 
 def headers(objects):
-    """Every file that the compiler read for the objects."""
+    """All external files that the compiler read for the objects."""
     wanted, read, ours = set(objects), set(), False
     for line in run(NINJA, "-t", "deps").splitlines():
         if not line.startswith(" "):
@@ -64,10 +65,10 @@ def headers(objects):
 
 
 def owners(files):
-    """The Debian package of each file, of those that have one."""
+    """The Debian package of each file that belongs to one."""
     found, files = {}, sorted(files)
     for file in range(0, len(files), 1000):
-        # Where /lib is a link, packages may know its files by that name.
+        # With a merged /usr, packages may list their files below /lib.
         names = {name: f for f in files[file:file + 1000] for name in (f, f.removeprefix("/usr"))}
         answer = subprocess.run(["dpkg-query", "-S", *names], capture_output=True, text=True, check=False).stdout
         for line in answer.splitlines():
@@ -95,7 +96,7 @@ def distribution():
 def debian_entry(package, vendor):
     fields = ("Package", "Version", "Architecture", "source:Package", "source:Version")
     formatted = "\\t".join("${" + field + "}" for field in fields) + "\\n"
-    # Of several architectures, that which the build is for comes first.
+    # With several architectures installed, dpkg-query prints the build's native one first.
     name, version, machine, source, source_version = run(
         "dpkg-query", "-W", "-f", formatted, package).splitlines()[0].split("\t")
     return entry(name, version, sourceInfo=f"source package {source} {source_version}",

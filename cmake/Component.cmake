@@ -1,19 +1,19 @@
-# What applications link. Inside the repository quillon_NAME is an archive that hides nothing; our own libraries, tools
-# and tests are made of those. quillon::NAME is what an application gets: the archive, or with BUILD_SHARED_LIBS a shared
-# library of the same objects, libquillon-NAME, which shows what exports.map beside the sources lists and nothing else.
+# Component libraries. quillon_NAME is a static library with all symbols visible, which our own libraries, tools and
+# tests link. Applications link quillon::NAME: the same static library or, with BUILD_SHARED_LIBS, libquillon-NAME, a
+# shared library of the same objects that exports only the symbols in exports.map beside the sources.
 
-# The versions that an application may replace one by the other: before 1.0, a minor version may break what links it.
+# The ABI version: before 1.0 every minor version may break binary compatibility.
 set(QUILLON_ABI ${PROJECT_VERSION_MAJOR})
 if(QUILLON_ABI EQUAL 0)
   set(QUILLON_ABI 0.${PROJECT_VERSION_MINOR})
 endif()
 
-# The addresses in tables of functions take an eighth of the room.
+# Reduces relative relocations, such as those of vtables, to an eighth of their size.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -Wl,-z,pack-relative-relocs QUILLON_PACKS_RELOCATIONS)
 
-# Makes quillon::NAME of the archive quillon_NAME and of the object libraries that follow PACKAGE, the package that it is
-# installed with. The shared library links what the archive links, but other components as shared libraries.
+# Creates quillon::NAME from the static library quillon_NAME and any object libraries after PACKAGE, the package it is
+# installed with. The shared library links what the static one links, with other components as shared libraries.
 function(quillon_component name package)
   set(target quillon_${name})
   if(BUILD_SHARED_LIBS)
@@ -29,7 +29,7 @@ function(quillon_component name package)
     configure_file(exports.map exports.map @ONLY)
     target_link_options(${target} PRIVATE
       -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,--gc-sections
-      -Wl,-z,nodelete  # the shared instance is never destroyed, nor may its code go
+      -Wl,-z,nodelete  # the shared instance is never destroyed, so its code must stay loaded
       $<$<BOOL:${QUILLON_PACKS_RELOCATIONS}>:-Wl,-z,pack-relative-relocs>
       $<$<BOOL:${QUILLON_SANITIZE}>:-fsanitize=${QUILLON_SANITIZE}>
       $<$<NOT:$<BOOL:${QUILLON_SANITIZE}>>:-Wl,--no-undefined>)
@@ -45,8 +45,8 @@ function(quillon_component name package)
   endif()
 endfunction()
 
-# Installs targets with the file that tells CMake about them, QuillonConsent-NAME.cmake; their shared libraries go into
-# the package given, everything else into that for development.
+# Installs targets and their export file, QuillonConsent-NAME.cmake. Shared libraries go into the given package,
+# everything else into the development package.
 function(quillon_install name package)
   install(TARGETS ${ARGN} EXPORT QuillonConsent-${name}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${package} NAMELINK_COMPONENT development

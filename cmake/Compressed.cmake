@@ -1,4 +1,4 @@
-# Compresses a text while configuring, the same whenever that is: without the name and the time of its file.
+# Compresses a text at configure time, reproducibly: without name and time stamp.
 find_program(QUILLON_GZIP gzip REQUIRED)
 function(quillon_compressed file result)
   execute_process(COMMAND ${QUILLON_GZIP} -9n INPUT_FILE ${file} OUTPUT_FILE ${result} COMMAND_ERROR_IS_FATAL ANY)

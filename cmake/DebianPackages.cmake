@@ -1,5 +1,5 @@
-# Debian packages of what is installed: `cpack -G DEB` in the build folder of a shared build, with the usual umask, which
-# their folders take over.
+# Debian packages of the installed files: `cpack -G DEB` in the build folder of a shared build, with umask 022, since
+# the packaged folders keep the umask's permissions.
 set(CPACK_PACKAGE_NAME quillon-consent)
 set(CPACK_PACKAGE_VENDOR "Quillon")
 set(CPACK_PACKAGE_CONTACT "Quillon consent SDK maintainers <maintainers@quillon.example>")
@@ -10,24 +10,24 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Who links a library of ours needs the package that it was linked with, or a later one of the same ABI.
+# Dependents require the package version that they were linked with, or a later one of the same ABI.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# The libraries of the packages beside one another.
+# Where dpkg-shlibdeps finds the packages' own libraries.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/proof
   ${PROJECT_BINARY_DIR}/ui ${PROJECT_BINARY_DIR}/ui/qtquick)
 set(CPACK_COMPONENTS_ALL "")
 
-# A change log in the form that Debian's tools read; the full one is CHANGELOG.md.
+# A change log in Debian's format; the full one is CHANGELOG.md.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(cmake/debian/changelog.in debian/changelog @ONLY)
 quillon_compressed(${PROJECT_BINARY_DIR}/debian/changelog ${PROJECT_BINARY_DIR}/debian/changelog.gz)
 quillon_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_BINARY_DIR}/debian/CHANGELOG.md.gz)
 
-# Makes a package of what is installed as COMPONENT. Further settings follow, as in DEPENDS "libc6". A package with
-# libraries tells the loader of them.
+# Makes a package from the install component COMPONENT. Further settings follow as pairs, such as DEPENDS "libc6". A
+# package with libraries triggers ldconfig.
 macro(quillon_debian_package component name section summary description)
   string(TOUPPER ${component} key)
   list(APPEND CPACK_COMPONENTS_ALL ${component})

@@ -1,16 +1,16 @@
-# How optimised builds of ours are compiled and linked, archives, shared libraries and programs alike.
+# Hardening flags for all optimised builds: static libraries, shared libraries and programs.
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 check_pie_supported()
 
 set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
 
-# A fault that overwrites memory ends the process instead of taking it over. Sanitized builds look closer by themselves,
-# and the checks of the C library need an optimiser.
+# Memory corruption aborts the process instead of being exploitable. Sanitizers check more by themselves, and
+# _FORTIFY_SOURCE needs optimisation.
 if(NOT QUILLON_SANITIZE)
   add_compile_options(
     $<${optimised}:-fstack-protector-strong> $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=3>)
-  # Where the processor has it: calls and jumps by address arrive at marked places only, and returns where they came from.
+  # Control-flow integrity, where the processor supports it: checks indirect branch targets and return addresses.
   foreach(flag -fcf-protection=full -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER QUILLON_HAS${flag} has)
     check_cxx_compiler_flag(${flag} ${has})
@@ -21,7 +21,7 @@ if(NOT QUILLON_SANITIZE)
 endif()
 add_link_options(-Wl,-z,relro -Wl,-z,now)
 
-# Nothing tells where it was built: two builds in different folders are equal byte for byte. The later mapping goes first.
+# Reproducible builds: the source path is not recorded. Of several matching mappings the last one wins.
 add_compile_options(
   $<${optimised}:-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=> $<${optimised}:-ffile-prefix-map=${PROJECT_BINARY_DIR}/=build/>)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)

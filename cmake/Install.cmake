@@ -1,4 +1,4 @@
-# What is installed beside the components: headers, the CMake package and pkg-config files.
+# Installs what is not a component: headers, the CMake package and pkg-config files.
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY include/quillon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
@@ -20,7 +20,7 @@ install(FILES
   ${PROJECT_BINARY_DIR}/QuillonConsentConfig.cmake ${PROJECT_BINARY_DIR}/QuillonConsentConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT development)
 
-# For those who build without CMake. An archive brings what it needs along, a shared library knows it by itself.
+# For builds without CMake. Static libraries need their dependencies listed; shared ones record them.
 file(RELATIVE_PATH PKGCONFIG_UP /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 function(quillon_pkgconfig name description libraries archives requires)
   set(PKGCONFIG_NAME ${name})
@@ -50,7 +50,7 @@ if(BUILD_SHARED_LIBS)
 endif()
 quillon_pkgconfig(quillon-consent-proof "Consent management for applications, receipts"
   "${forced};-lquillon-linux;-lquillon-core" "-lquillon-bus;${core_archives}" "${needs};hogweed")
-# Of archives, the screens are also objects, which CMake alone hands on.
+# Static screens include object libraries, which pkg-config cannot express.
 if(TARGET quillon_qtquick AND BUILD_SHARED_LIBS)
   quillon_pkgconfig(quillon-consent-qtquick "Consent management for applications, screens for Qt Quick"
     "-lquillon-qtquick;-lquillon-linux;-lquillon-core" "" "")

@@ -62,7 +62,7 @@ std::shared_ptr<ReceiptIssuer> receiptIssuer() {
 
 }  // namespace quillon
 
-// The Linux platform finds it by its name, when this library is linked.
+// The Linux platform looks this up by symbol name.
 extern "C" quillon::ReceiptIssuer* quillonReceiptIssuer();
 extern "C" quillon::ReceiptIssuer* quillonReceiptIssuer() {
   return &quillon::issuer();

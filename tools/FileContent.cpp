@@ -56,7 +56,7 @@ std::expected<void, std::string> replaceContent(const std::string& path, std::st
     unlink(name.c_str());
     return std::unexpected(error);
   };
-  // As the file had it before, else as any new file has it.
+  // Keeps an existing file's permissions; a new file gets the umask's.
   struct stat old{};
   const mode_t mask = umask(0);
   umask(mask);

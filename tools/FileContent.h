@@ -14,8 +14,8 @@ inline constexpr std::size_t largestDocument = std::size_t{32} << 20;
 // input. The error is the system's.
 [[nodiscard]] std::expected<std::string, std::string> contentOf(const std::string& path);
 
-// Replaces the content at once or not at all; "-" is standard output. What a link names is replaced, and the link
-// stays. The error is the system's.
+// Replaces the content atomically; "-" is standard output. A symbolic link is followed and kept. The error is the
+// system's.
 [[nodiscard]] std::expected<void, std::string> replaceContent(const std::string& path, std::string_view content);
 
 }  // namespace quillon::tools

@@ -12,7 +12,7 @@ namespace quillon::tools {
 [[nodiscard]] inline boost::json::object toJson(const HistoryEntry& entry) {
   boost::json::object object{{"number", entry.number}};
   const auto decision = boost::json::parse(encode(entry.decision)).as_object();
-  // What people look for first; the canonical form is sorted.
+  // The most relevant members first; canonical JSON sorts them by key.
   for (const char* key :
        {"time", "purpose_id", "permission", "from", "to", "cause", "given_type", "configuration_version"}) {
     if (const auto* value = decision.if_contains(key)) object.emplace(key, *value);

@@ -1,4 +1,4 @@
-// JSON in lines, as people read and write it.
+// Formats JSON over several lines.
 #pragma once
 
 #include <boost/json/value.hpp>
@@ -7,11 +7,11 @@
 namespace quillon::tools {
 
 struct JsonLayout {
-  std::string level = "  ";  // the indentation of one
+  std::string level = "  ";  // of one level of indentation
   std::string newline = "\n";
 };
 
-// Each member and element has a line of its own; the lines after the first begin with the indentation.
+// One line per member and element; all lines but the first begin with `indentation`.
 [[nodiscard]] std::string laidOut(const boost::json::value& value, const JsonLayout& layout = {},
                                   const std::string& indentation = {});
 

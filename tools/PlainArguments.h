@@ -1,4 +1,4 @@
-// Arguments that mean what they say.
+// Literal command-line arguments.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace quillon::tools {
 
-// The command line parser takes an argument in brackets for a list, and an empty one for none. These two keep both from
-// it: the first marks such arguments of a command, the second takes the mark from what the parser made of them.
+// The command-line parser reads an argument in brackets as a list and drops an empty one. To prevent both, withMarks()
+// marks such arguments of a command, and plain() removes the mark after parsing.
 inline constexpr char plainMark = '\x01';
 
 [[nodiscard]] inline std::vector<std::string> withMarks(std::vector<std::string> arguments) {

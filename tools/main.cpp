@@ -45,11 +45,11 @@ int main(int argc, char** argv) {
   quillon::tools::addWorkbenchCommand(app, exitCode);
 
   std::vector<std::string> arguments(argv + 1, argv + argc);
-  // These two take texts of any form.
+  // Arguments of these two may have any form.
   if (!arguments.empty() && (arguments[0] == "link" || arguments[0] == "validate")) {
     arguments = quillon::tools::withMarks(std::move(arguments));
   }
-  std::ranges::reverse(arguments);  // as the parser wants them
+  std::ranges::reverse(arguments);  // the parser expects reverse order
   try {
     app.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {

@@ -6,7 +6,7 @@
 namespace quillon::bench {
 
 struct Load {
-  int clients = 1;  // each with a connection of its own, that sends the next upload when it has the answer to the last
+  int clients = 1;  // one connection each, sending the next upload when the last one is answered
   std::chrono::milliseconds duration{3000};
 };
 

@@ -34,7 +34,7 @@ int main(int argc, char** argv) {
 
   auto& sdk = quillon::ConsentSDK::shared();
   sdk.setup({.appUrl = server, .cdnUrl = server, .tenantId = "demo-tenant", .appId = "news-reader"});
-  sdk.settled().wait();  // an application with a main loop would go on and be told by isReady()
+  sdk.settled().wait();  // an application with a main loop would continue, and wait for isReady()'s callback
   std::cout << "-- the user accepts\n" << std::flush;
   sdk.acceptOrReject(true).wait();
   return sdk.getStatus() == quillon::SDKStatus::ready ? 0 : 1;

@@ -8,13 +8,13 @@
 
 #include "quillon/consent.h"
 
-/* What the callbacks of the SDK tell the thread that waits here. */
+/* Filled by the SDK's callbacks; the main thread waits for changes. */
 typedef struct {
   pthread_mutex_t mutex;
   pthread_cond_t changed;
-  int answers; /* how many came */
+  int answers; /* received so far */
   quillon_status status;
-  int fetched; /* whether a download was waited for */
+  int fetched; /* whether the SDK had to download the configuration */
   int32_t done;
   int refused; /* purposes that are neither granted nor follow a setting of the device */
 } progress;
@@ -108,7 +108,7 @@ static void on_receipt(const char* receipt, const char* error, void* context) {
   answered(p);
 }
 
-/* Waits for one more answer, at most 20 seconds. Not 0 when it came. */
+/* Waits for one more answer, at most 20 seconds. Returns 0 on timeout. */
 static int wait_for_answer(progress* p, int* seen) {
   struct timespec limit;
   int late = 0;

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds tick(150);
-constexpr int mostTicks = 200;  // half a minute a step
+constexpr int mostTicks = 200;  // 30 seconds per step
 
 }  // namespace
 
@@ -27,7 +27,7 @@ Tour::Tour(QQuickWindow* window, quillon::ConsentSDK& sdk, QString folder, bool 
       {"news", pressed("Save Changes")},
   };
   if (hasWebView) {
-    // The browser takes longer to start than a picture must stay unchanged.
+    // The browser needs longer to start than a picture must stay unchanged.
     steps_.push_back({"refused-link", [this, &sdk, isOpened = false]() mutable {
                         if (!std::exchange(isOpened, true)) sdk.openLink("https://elsewhere.example/");
                         return isShown("This page is blocked");

@@ -55,7 +55,7 @@ int main(int argc, char** argv) {
     tour->setParent(&application);
     QObject::connect(tour, &Tour::finished, &application, [&sdk](const QString& failure) {
       if (!failure.isEmpty()) QTextStream(stderr) << "news reader: " << failure << Qt::endl;
-      sdk.settled().wait();  // The answer is on its way to the server.
+      sdk.settled().wait();  // The answer is being uploaded.
       QCoreApplication::exit(failure.isEmpty() ? 0 : 1);
     });
   }

@@ -43,9 +43,9 @@ PurposesCallback = ctypes.CFUNCTYPE(None, ctypes.POINTER(ctypes.POINTER(Purpose)
 
 
 def answer(function, callback_type, *arguments, read=lambda result: result):
-    """What a function of the SDK calls back with, read while it is valid; None when nothing came."""
+    """Waits for a callback and returns its argument, converted while it is valid; None on timeout."""
     answers = queue.Queue()
-    # The callback object must be kept as long as the SDK may call it.
+    # ctypes callbacks must stay referenced as long as the SDK may call them.
     callback = callback_type(lambda *results: answers.put(read(*results[:-1])))
     kept.append(callback)
     function(*arguments, callback, None)

@@ -62,7 +62,7 @@ int main() {
 
   const auto failed = device.uploads().size();
   device.setOnline(true);
-  device.advance(std::chrono::minutes(1));  // devices that come back together do not upload together
+  device.advance(std::chrono::minutes(1));  // uploads after an outage are spread randomly
   expect(device.uploads().size() == failed + 1, "it is uploaded when the network is back");
 
   sdk.reset();

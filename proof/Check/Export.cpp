@@ -1,4 +1,4 @@
-// Checks a folder of Export/Export.h.
+// Verifies an export folder (Export/Export.h).
 #include <set>
 
 #include "core/Text/Sha256.h"
@@ -33,7 +33,7 @@ class ExportCheck {
     return nullptr;
   }
 
-  // All that is signed must be by the key in the folder.
+  // Every signature must be by the key in the folder.
   void checkKey() {
     const auto* const text = content(file::key);
     if (text == nullptr) return;

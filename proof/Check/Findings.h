@@ -1,4 +1,4 @@
-// What a check found.
+// The results of a verification.
 #pragma once
 
 #include <algorithm>
@@ -9,14 +9,14 @@
 
 namespace quillon::proof {
 
-// Seconds. Clocks of devices differ by as much as a time zone that somebody got wrong.
+// Seconds. Tolerates a device clock that is wrong by a time zone.
 inline constexpr std::int64_t clockTolerance = std::int64_t{24} * 60 * 60;
 
 struct Finding {
   enum class Kind {
-    holds,  // what was checked, and is as it should be
-    note,   // what the reader should know, and nobody's fault
-    fault,  // what does not hold
+    holds,  // a check that succeeded
+    note,   // information for the reader, not a defect
+    fault,  // a check that failed
   };
   Kind kind;
   std::string subject;  // such as "entry 12", "notice 3fa9..." or "file history.json"
@@ -27,7 +27,7 @@ struct Finding {
 
 class Findings {
  public:
-  // Of a text that fails at every place, the first ones tell enough.
+  // Later findings are dropped, faults still counted: the first ones describe a document that fails everywhere.
   static constexpr std::size_t most = 1000;
 
   void holds(std::string subject, std::string text) { add(Finding::Kind::holds, subject, text); }

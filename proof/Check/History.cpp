@@ -40,7 +40,7 @@ std::expected<ExportedHistory, std::string> wholeHistory(json::object document) 
   return history;
 }
 
-// A single line may be one entry, or a history of few.
+// A single line may be one entry or a complete history.
 std::expected<ExportedHistory, std::string> entryLines(std::string_view text) {
   ExportedHistory history;
   history.state.isHeadKnown = false;

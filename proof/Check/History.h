@@ -1,4 +1,4 @@
-// A history as it is handed out, read and checked.
+// Reads and verifies an exported history.
 #pragma once
 
 #include <expected>
@@ -11,7 +11,7 @@
 
 namespace quillon::proof {
 
-// The text of a notice by its hash; nullopt for one that is gone by age.
+// The text of each notice by its hash; nullopt if the store has expired it.
 using NoticeTexts = std::map<std::string, std::optional<std::string>>;
 
 struct ExportedHistory {
@@ -20,12 +20,12 @@ struct ExportedHistory {
   std::vector<std::string> goneNotices;
 };
 
-// Reads the history.json of an export, or entries as `quillon-consent store history` prints them, one a line.
+// Reads an export's history.json, or the output of `quillon-consent store history`, one entry per line.
 [[nodiscard]] std::expected<ExportedHistory, std::string> readHistory(std::string_view text);
 
-// Checks the notices that the entries name.
+// Verifies the notices that the entries refer to.
 void checkNotices(const HistoryEntries& entries, const NoticeTexts& notices, Findings& findings);
-// Checks the times of the entries against each other and against the clock of the reader.
+// Compares the entries' times with each other and with the verifier's clock, `now`, in seconds since 1970.
 void checkTimes(const HistoryEntries& entries, std::int64_t now, Findings& findings);
 
 }  // namespace quillon::proof

@@ -1,4 +1,4 @@
-// Checks one receipt.
+// Verifies one receipt.
 #include <algorithm>
 #include <unordered_set>
 
@@ -56,7 +56,7 @@ class ReceiptCheck {
     }
   }
 
-  // A notice that is referred to must be here, and be what it was; null stands for one that is gone by age.
+  // Every referenced notice must be included and match its hash; null marks one that the store has expired.
   void checkNoticeTexts() {
     const auto* const member = receipt_.if_contains(term::notices);
     if (member == nullptr || !member->is_object()) return;
@@ -100,7 +100,7 @@ class ReceiptCheck {
     });
   }
 
-  // What the status says in the terms of the vocabulary is what the entry of the history says.
+  // The status in the vocabulary's terms must match the history entry it was derived from.
   void checkStatus(const std::string& record, const json::object& status) {
     const auto* const decision = status.if_contains(term::decision);
     if (decision == nullptr || !decision->is_object()) {

@@ -1,4 +1,4 @@
-// A document that holds its signature, from anywhere.
+// Verifies an untrusted document with an embedded signature.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -14,10 +14,10 @@ namespace quillon::proof {
 
 struct SignedDocument {
   boost::json::object content;
-  std::optional<PublicKey> signer;  // nullopt when the signature does not hold
+  std::optional<PublicKey> signer;  // nullopt if the signature is invalid
 };
 
-// Reads the content under this name, and tells what is wrong with the signature; nullopt when it cannot be read.
+// Parses the content under `name` and reports signature faults; nullopt if the document cannot be parsed.
 [[nodiscard]] std::optional<SignedDocument> checkSigned(std::string_view name, std::string_view document,
                                                         const Expectations& expected, Findings& findings);
 

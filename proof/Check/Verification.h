@@ -1,4 +1,4 @@
-// Checks receipts and exports, which may come from anybody.
+// Verifies untrusted receipts and exports.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -15,27 +15,27 @@ namespace quillon::proof {
 
 struct Expectations {
   std::int64_t now = 0;            // seconds since 1970
-  std::string keyThumbprint = {};  // of the key that must have signed; empty: any
+  std::string keyThumbprint = {};  // of the required signing key; empty: any key
 };
 
-// The history that a receipt must be a part of.
+// A history that must contain the receipt's decisions.
 struct KnownHistory {
   const ExportedHistory& history;
-  bool isOfSameMoment = false;  // else it may have grown since the receipt
+  bool isOfSameMoment = false;  // exported together with the receipt; otherwise it may have grown since
 };
 
-// Checks signature, fields, notices and times of a receipt, and whether it is a part of the history.
+// Verifies a receipt's signature, fields, notices and times, and that its decisions are in the history, if given.
 void checkReceipt(std::string_view document, const Expectations& expected, const std::optional<KnownHistory>& known,
                   Findings& findings);
 
 // Files by their path in an export, such as "notices/3fa9....json".
 using ExportFiles = std::map<std::string, std::string>;
 
-// Checks all of an export: every file, and that there are no others.
+// Verifies every file of an export, and that there are no others.
 void checkExport(const ExportFiles& files, const Expectations& expected, Findings& findings);
 
-// The thumbprint of a key given as its thumbprint, as a JSON Web Key, or as the export's key.json; empty when it is
-// none.
+// The thumbprint of a key given as a thumbprint, a JSON Web Key, or the content of an export's key.json; empty if it is
+// none of these.
 [[nodiscard]] std::string thumbprintOf(std::string_view key);
 
 }  // namespace quillon::proof

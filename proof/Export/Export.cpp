@@ -26,7 +26,7 @@ std::vector<json::object> entriesOf(const HistoryEvidence& evidence) {
   return entries;
 }
 
-// The notices that somebody answered and the store does not have any more.
+// The hashes of answered notices that the store no longer has.
 json::array goneNotices(const HistoryEvidence& evidence, const std::vector<json::object>& entries) {
   std::set<std::string> gone;
   for (const auto& entry : entries) {
@@ -37,7 +37,7 @@ json::array goneNotices(const HistoryEvidence& evidence, const std::vector<json:
   return json::value_from(gone).as_array();
 }
 
-// An entry a line, so that people and their tools can compare two.
+// One entry per line, so that two files can be compared line by line.
 std::string historyFile(const HistoryEvidence& evidence, const std::vector<json::object>& entries) {
   json::object header{{"application_id", evidence.applicationId},
                       {"damaged", evidence.damaged + std::ssize(evidence.entries) - std::ssize(entries)},

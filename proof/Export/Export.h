@@ -1,4 +1,4 @@
-// A folder that holds all that is kept of a person's decisions, and how to check it.
+// A folder with all stored decisions of a person, which anybody can verify.
 #pragma once
 
 #include <expected>
@@ -10,7 +10,7 @@
 
 namespace quillon::proof {
 
-// The names of its files; notices are "notices/HASH.json".
+// The file names in the folder; notices are "notices/HASH.json".
 namespace file {
 inline constexpr const char* history = "history.json";
 inline constexpr const char* receipt = "receipt.json";
@@ -19,12 +19,12 @@ inline constexpr const char* manifest = "manifest.json";
 inline constexpr const char* notices = "notices/";
 }  // namespace file
 
-// History, notices, a receipt for every purpose, the key, and the signed list of all of them. Without a decision on a
-// purpose there is no receipt.
+// History, notices, a receipt of all purposes, the key, and a signed manifest of these files. No receipt if no purpose
+// has a decision.
 [[nodiscard]] std::expected<ExportFiles, std::string> exportFiles(const ReceiptRequest& request, const SigningKey& key,
                                                                   RandomSource& random);
 
-// The list of the files, signed.
+// The signed manifest. `time` is in seconds since 1970.
 [[nodiscard]] std::expected<std::string, std::string> manifestOf(const ExportFiles& files, std::int64_t time,
                                                                  const SigningKey& key);
 

@@ -13,7 +13,7 @@ namespace {
 
 namespace json = boost::json;
 
-// With as many entries, the oldest ones went by age.
+// A history with this many entries may have lost its oldest ones by age.
 constexpr std::size_t fewestAfterDropping = maximumJournalRecords - journalRecordsDroppedAtOnce;
 
 class ChainCheck {

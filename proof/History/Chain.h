@@ -1,4 +1,4 @@
-// The chain of a history: every entry holds the hash of the one before it.
+// The hash chain of a history: every entry holds the hash of the one before it.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -13,8 +13,8 @@ namespace quillon::proof {
 
 using HistoryEntries = std::vector<boost::json::object>;  // oldest first
 
-// What the hash is of: the entry without its number, which is its place, its upload, which changes later, and what is
-// made of the hashes.
+// The hashed members of an entry: all but its number, which is its position, its upload state, which changes later, and
+// the members derived from hashes.
 [[nodiscard]] boost::json::object hashedPart(const boost::json::object& entry);
 [[nodiscard]] std::string entryHash(const boost::json::object& entry);
 
@@ -23,11 +23,11 @@ using HistoryEntries = std::vector<boost::json::object>;  // oldest first
 
 struct ChainState {
   std::optional<std::string> head;
-  bool isHeadKnown = true;   // false for entries alone, of which newer ones may be missing
-  std::int64_t damaged = 0;  // entries that were left out
+  bool isHeadKnown = true;   // false for a bare list of entries, whose newest may be missing
+  std::int64_t damaged = 0;  // number of entries omitted because they were damaged
 };
 
-// Tells which entry was changed, removed, inserted or moved.
+// Reports entries that were changed, removed, inserted or moved.
 void checkChain(const HistoryEntries& entries, const ChainState& state, Findings& findings);
 
 }  // namespace quillon::proof

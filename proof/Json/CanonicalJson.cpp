@@ -13,7 +13,7 @@ namespace {
 
 namespace json = boost::json;
 
-// The order of UTF-16 code units: that of the bytes, but that U+E000 to U+FFFF follow what takes two units.
+// UTF-16 code-unit order, computed on UTF-8: byte order, except that U+E000 to U+FFFF sort after surrogate pairs.
 bool isBefore(std::string_view left, std::string_view right) {
   const auto [l, r] = std::ranges::mismatch(left, right);
   if (l == left.end() || r == right.end()) return r != right.end();
@@ -45,7 +45,7 @@ void write(std::string& text, std::string_view string) {
   text += '"';
 }
 
-// As ECMAScript writes a number: the fewest digits that lead back to it, laid out by their magnitude.
+// ECMAScript's number format: the shortest digits that round-trip, in decimal or exponent form by magnitude.
 void write(std::string& text, double number) {
   if (number == 0) {
     text += '0';

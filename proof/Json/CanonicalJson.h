@@ -1,4 +1,4 @@
-// JSON in the one form that everybody makes of the same data (RFC 8785), to be hashed and signed.
+// Canonical JSON (RFC 8785): one text for equal data, to be hashed and signed.
 #pragma once
 
 #include <boost/json/value.hpp>
@@ -6,8 +6,8 @@
 
 namespace quillon::proof {
 
-// Whole numbers beyond 2^53 are written digit by digit: the standard leaves them out, and rounding two of them to one
-// would hide a change.
+// Integers beyond 2^53 are written exactly. The standard does not cover them, and rounding them could map two values to
+// one text, which would hide a change.
 [[nodiscard]] std::string canonicalJson(const boost::json::value& value);
 [[nodiscard]] std::string canonicalJson(const boost::json::object& object);
 

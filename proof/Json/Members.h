@@ -1,4 +1,4 @@
-// Members of an object that nobody vouches for.
+// Accessors for members of untrusted objects.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -8,7 +8,7 @@
 
 namespace quillon::proof {
 
-// The text of a member; nullopt when it is absent or no text.
+// The text of a member; nullopt if absent or not a string.
 [[nodiscard]] inline std::optional<std::string_view> textIn(const boost::json::object& object, std::string_view key) {
   const auto* const value = object.if_contains(key);
   if (value == nullptr || !value->is_string()) return std::nullopt;
@@ -21,7 +21,7 @@ namespace quillon::proof {
   return value->get_int64();
 }
 
-// The elements of a member: those of an array, else the member alone, as JSON-LD takes both for the same.
+// Visits a member's elements if it is an array, else the member itself: JSON-LD treats both alike.
 template <class Each>
 void forEachIn(const boost::json::object& object, std::string_view key, const Each& each) {
   const auto* const value = object.if_contains(key);

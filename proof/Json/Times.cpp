@@ -39,7 +39,7 @@ std::optional<std::int64_t> fromTimeText(std::string_view text) {
   const sys_days date = year(number(0, 4)) / month(unsigned(number(5, 2))) / day(unsigned(number(8, 2)));
   const std::int64_t time =
       (date.time_since_epoch() + hours(number(11, 2)) + minutes(number(14, 2))) / seconds(1) + number(17, 2);
-  // Anything but a time has another text than the time that was made of it.
+  // Invalid input does not survive the round trip.
   if (timeText(time) != text) return std::nullopt;
   return time;
 }

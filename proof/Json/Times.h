@@ -1,4 +1,4 @@
-// Points in time as ISO 8601 writes them in UTC.
+// Times in ISO 8601, UTC.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace quillon::proof {
 
-// Seconds since 1970 as "2026-01-31T08:15:00Z", within the years 0 to 9999, to the nearest of which others go.
+// Seconds since 1970 as "2026-01-31T08:15:00Z"; clamped to the years 0 to 9999.
 [[nodiscard]] std::string timeText(std::int64_t time);
 [[nodiscard]] std::optional<std::int64_t> fromTimeText(std::string_view text);
 

@@ -9,7 +9,7 @@ namespace {
 
 namespace json = boost::json;
 
-// Builds a value, and counts the names of members as they are written.
+// Builds a value and counts the member names in the text, to detect duplicates.
 class Builder {
  public:
   static constexpr std::size_t max_object_size = std::size_t(-1);
@@ -21,7 +21,7 @@ class Builder {
   json::value take() { return stack_.release(); }
   [[nodiscard]] std::size_t keys() const { return keys_; }
 
-  // What the parser calls, under its names.
+  // The parser's handler interface.
   bool on_document_begin(json::error_code&) { return true; }
   bool on_document_end(json::error_code&) { return true; }
   bool on_object_begin(json::error_code&) { return true; }
@@ -59,7 +59,7 @@ class Builder {
     stack_.push_uint64(number);
     return true;
   }
-  // The parser's own number may be the neighbour of the nearest one.
+  // The parser's result may be off by one ulp, so the text is parsed again exactly.
   bool on_double(double number, json::string_view part, json::error_code&) {
     number_.append(part.data(), part.size());
     double exact = 0;

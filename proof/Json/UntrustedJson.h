@@ -1,4 +1,4 @@
-// JSON from anywhere.
+// Strict parsing of untrusted JSON.
 #pragma once
 
 #include <boost/json/value.hpp>
@@ -12,8 +12,8 @@ namespace quillon::proof {
 inline constexpr std::size_t largestProofFile = std::size_t{32} << 20;
 inline constexpr std::size_t deepestProofFile = 64;
 
-// Refuses what is larger or deeper than the limits, is not UTF-8, or says a member twice, of which two readers would
-// see one each. Numbers are read exactly.
+// Rejects text beyond the size and depth limits, invalid UTF-8 and duplicate members, of which two readers might each
+// see another one. Numbers are read exactly.
 [[nodiscard]] std::expected<boost::json::value, std::string> readUntrustedJson(std::string_view text);
 
 }  // namespace quillon::proof

@@ -38,7 +38,7 @@ std::string escaped(std::string_view text) {
         html += c;
         break;
       default:
-        // Controls are no characters of a page.
+        // HTML does not allow control characters.
         html += static_cast<unsigned char>(c) < 0x20 || c == 0x7f ? std::string("&#xfffd;") : std::string(1, c);
     }
   }

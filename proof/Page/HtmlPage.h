@@ -1,4 +1,4 @@
-// A summary as one file that loads nothing, for screens and for paper.
+// A summary as a self-contained HTML file, for screen and print.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace quillon::proof {
 
-// In the language, such as "de". Nothing of the summary can become mark-up.
+// `language` is a code such as "de". All text is escaped.
 [[nodiscard]] std::string htmlPage(const std::vector<ReceiptLine>& lines, std::string_view language,
                                    bool isRightToLeft);
 

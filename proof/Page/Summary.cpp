@@ -13,7 +13,7 @@ namespace {
 namespace json = boost::json;
 using Kind = ReceiptLine::Kind;
 
-// A value that may be a text, an object with an identifier, a value or a type, or a list of such.
+// Accepts a text, an object with an identifier, value or type, or a list of these.
 std::string wordsOf(const json::value& value) {
   if (const auto* const text = value.if_string()) return std::string(*text);
   std::string all;
@@ -33,13 +33,13 @@ std::string wordsOf(const json::value& value) {
   return all;
 }
 
-// What the object states under the name; empty when nothing.
+// The member's texts; empty if absent.
 std::string statedIn(const json::object& object, std::string_view key) {
   const auto* const value = object.if_contains(key);
   return value != nullptr ? wordsOf(*value) : std::string();
 }
 
-// As people write it: "2026-11-26 11:24:22 UTC".
+// In the format "2026-11-26 11:24:22 UTC".
 std::string momentOf(std::string time) {
   if (!time.ends_with('Z')) return time;
   time.pop_back();
@@ -172,7 +172,7 @@ class Summary {
     fact(words_.address, statedIn(entity, "schema:url"));
   }
 
-  // What the user saw, in the order in which it was shown.
+  // What the user was shown, in display order.
   void addNotices() {
     const auto* const member = receipt_.if_contains(term::notices);
     if (member == nullptr || !member->is_object()) return;

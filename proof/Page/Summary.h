@@ -1,4 +1,4 @@
-// What a receipt says, for people.
+// A receipt's content as readable lines.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -9,11 +9,11 @@
 
 namespace quillon::proof {
 
-// All that it says. The findings are those of a check of the receipt; its faults come first. Takes any object.
+// The complete content. `findings` are from verifying the receipt; its faults come first. Accepts any object.
 [[nodiscard]] std::vector<ReceiptLine> summaryOf(const boost::json::object& receipt, const Findings& findings,
                                                  const ReceiptWords& words);
 
-// The newest decision on each purpose, who gets the data and why, without what was shown. Takes any object.
+// The newest decision on each purpose, who receives the data and why, without the notices. Accepts any object.
 [[nodiscard]] std::vector<ReceiptLine> shortSummaryOf(const boost::json::object& receipt, const ReceiptWords& words);
 
 }  // namespace quillon::proof

@@ -1,4 +1,4 @@
-// What an entry of the history is in the life of a consent.
+// Maps a history entry to an event in a consent's life cycle.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -8,10 +8,10 @@ namespace quillon::proof {
 
 struct ConsentEvent {
   std::string_view state;  // such as "dpv:ConsentGiven"
-  bool isByUser = false;   // as an answer, or by a privacy signal
+  bool isByUser = false;   // by an answer or a privacy signal, not by default
 };
 
-// Only what the user answered is a consent: a default is none, whatever it allows.
+// Only an answer of the user is a consent; a default never is, whatever it allows.
 [[nodiscard]] ConsentEvent eventOf(const boost::json::object& entry);
 
 }  // namespace quillon::proof

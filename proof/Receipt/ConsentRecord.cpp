@@ -24,7 +24,7 @@ void state(json::object& object, std::string_view key, const std::vector<std::st
   if (!texts.empty()) object.emplace(key, json::value_from(texts));
 }
 
-// What a notice told of the purpose; null when it did not.
+// The purpose as the notice showed it; null if it did not.
 const json::object* shownPurpose(const json::object& notice, std::int64_t purposeId) {
   const json::object* found = nullptr;
   forEachIn(notice, "purposes", [&](const json::value& each) {
@@ -38,7 +38,7 @@ struct ToldPurpose {
   std::optional<bool> isEssential;
 };
 
-// What the user was told last, else what the configuration says now.
+// The texts shown last, else those of the present configuration.
 ToldPurpose told(const RecordContext& context, std::int64_t purposeId,
                  const std::vector<const json::object*>& entries) {
   ToldPurpose told;
@@ -74,7 +74,7 @@ json::object conditionOf(std::string_view type, std::string_view key, json::valu
   return {{"@type", type}, {key, std::move(value)}};
 }
 
-// Where the user changes an answer: on the application's own screen, and where the controller says.
+// Where the user can change a decision: in the application, and at the controller's address if there is one.
 json::array controls(const ReceiptRequest& request) {
   const json::array types{"dpv:ProvideConsent", "dpv:WithdrawConsent"};
   json::array all;
@@ -200,7 +200,7 @@ json::array noticesOf(const RecordContext& context, const std::vector<const json
   return all;
 }
 
-// The same in every receipt.
+// Constant parts of every receipt.
 std::string identifierOf(const HistoryEvidence& evidence, std::int64_t purposeId) {
   const auto digest =
       sha256Bytes(evidence.applicationId + '\n' + evidence.subjectId + '\n' + std::to_string(purposeId));

@@ -1,4 +1,4 @@
-// The record of one purpose's consent.
+// The consent record of one purpose.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -13,15 +13,15 @@
 
 namespace quillon::proof {
 
-// What the records of a receipt share.
+// Shared by the records of a receipt.
 struct RecordContext {
   const ReceiptRequest& request;
-  // The notices that could be read, by their hash.
+  // The readable notices by their hash.
   const std::map<std::string, boost::json::object>& notices;
   Profile profile;
 };
 
-// Lists what is missing. The entries are those on the purpose, oldest first, and not none.
+// Includes a list of missing mandatory fields. `entries` are the purpose's, oldest first, and not empty.
 [[nodiscard]] boost::json::object consentRecord(const RecordContext& context, std::int64_t purposeId,
                                                 const std::vector<const boost::json::object*>& entries);
 

@@ -1,4 +1,4 @@
-// What an application knows of the processing, as JSON.
+// Parses the application's data about the controller and the processing.
 #pragma once
 
 #include <expected>
@@ -9,7 +9,7 @@
 
 namespace quillon::proof {
 
-// Members named as those of DataController, in lower case with underscores; others are errors.
+// Members are those of DataController in snake_case; unknown members are errors.
 [[nodiscard]] std::expected<DataController, std::string> readController(std::string_view text);
 
 }  // namespace quillon::proof

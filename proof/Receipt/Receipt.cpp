@@ -58,7 +58,7 @@ std::expected<EntriesByPurpose, std::string> byPurpose(const ReceiptRequest& req
   return wanted;
 }
 
-// The notices that the decisions answered, each once.
+// The notices that the decisions answered, without duplicates.
 json::object answered(const EntriesByPurpose& decided, const std::map<std::string, json::object>& notices) {
   json::object all;
   for (const auto& [id, entries] : decided) {

@@ -1,4 +1,4 @@
-// Receipts: records of consents, signed.
+// Receipts: signed consent records.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -10,12 +10,12 @@
 
 namespace quillon::proof {
 
-// The signed document, {"receipt":...,"signature":...} in its canonical form. An error when nothing was decided on one
-// of the purposes, or on any when none is named.
+// The signed document, {"receipt":...,"signature":...}, in canonical form. An error if a requested purpose has no
+// decision or, without requested purposes, if there is no decision at all.
 [[nodiscard]] std::expected<std::string, std::string> issueReceipt(const ReceiptRequest& request, const SigningKey& key,
                                                                    RandomSource& random);
 
-// An object beside its signature, under the names given.
+// {name: content, "signature": ...}, in canonical form.
 [[nodiscard]] std::expected<std::string, std::string> signedDocument(std::string_view name, boost::json::object content,
                                                                      const SigningKey& key);
 

@@ -19,7 +19,7 @@ bool isStated(const json::object& object, std::string_view key) {
   return members == nullptr || !members->empty();
 }
 
-// Whether there are such elements, and all of them state the member.
+// True if there is at least one element and every element states the member.
 bool doAllState(const json::object& record, std::string_view elements, std::string_view key) {
   bool isAnyThere = false;
   bool doAll = true;
@@ -34,7 +34,7 @@ bool inRecord(const json::object& record, std::string_view key) {
   return isStated(record, key);
 }
 
-// What holds for the whole record need not be said for each process.
+// A member stated for the whole record need not be repeated in each process.
 bool inProcesses(const json::object& record, std::string_view key) {
   return isStated(record, key) || doAllState(record, "dpv:hasProcess", key);
 }
@@ -47,7 +47,7 @@ bool inStatuses(const json::object& record, std::string_view key) {
   return doAllState(record, "dpv:hasConsentStatus", key);
 }
 
-// Users need neither a name nor an address in a record.
+// The data subject is exempt: a record needs neither name nor address of a user.
 bool inEntities(const json::object& record, std::string_view key) {
   bool isAnyThere = false;
   bool doAll = true;
@@ -60,7 +60,7 @@ bool inEntities(const json::object& record, std::string_view key) {
   return isAnyThere && doAll;
 }
 
-// A condition of this type, in the record or in every process.
+// True if the record, or else each of its processes, has a condition of this type.
 bool isConditionIn(const json::object& object, std::string_view conditions, std::string_view type) {
   bool isThere = false;
   forEachIn(object, conditions, [&](const json::value& condition) {
@@ -88,7 +88,7 @@ bool isProcessed(const json::object& record, std::string_view type) {
   return hasCondition(record, "dpv:hasProcessingCondition", type);
 }
 
-// What was given as consent says as which kind.
+// Every given consent must state its kind.
 bool isConsentTyped(const json::object& record, std::string_view /*key*/) {
   bool areAll = true;
   forEachIn(record, "dpv:hasConsentStatus", [&](const json::value& element) {

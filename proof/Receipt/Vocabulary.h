@@ -1,4 +1,4 @@
-// The terms of ISO/IEC TS 27560:2023 as the Data Privacy Vocabulary writes them, and which of them a record must have.
+// The terms of ISO/IEC TS 27560:2023 in the Data Privacy Vocabulary, and the mandatory fields of a record.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -9,7 +9,7 @@
 
 namespace quillon::proof {
 
-// What a record or receipt conforms to.
+// The schema that a record or receipt conforms to.
 enum class Profile { generic, euGdpr };
 
 namespace schema {
@@ -19,24 +19,24 @@ inline constexpr std::string_view receipt = "https://w3id.org/dpv/schema/dpv-275
 inline constexpr std::string_view receiptEuGdpr = "https://w3id.org/dpv/schema/dpv-27560#receipt-eu-gdpr";
 }  // namespace schema
 
-// The prefixes of the terms, as JSON-LD has them.
+// The term prefixes, as a JSON-LD context.
 [[nodiscard]] boost::json::object prefixes();
 
-// Whether a value of "@type", one or several, names the type.
+// Whether the value of "@type", a text or a list, includes the type.
 [[nodiscard]] bool hasType(const boost::json::object& object, std::string_view type);
 
-// The mandatory fields that the record does not state, by their terms.
+// The terms of mandatory fields that the record does not state.
 [[nodiscard]] std::vector<std::string> missingFields(const boost::json::object& record, Profile profile);
 
-// Our own terms, for what the vocabulary does not know.
+// Our own terms, where the vocabulary has none.
 namespace term {
-inline constexpr std::string_view missing = "quillon:missing";          // the mandatory fields that nobody has stated
-inline constexpr std::string_view historyHead = "quillon:historyHead";  // the hash of the history's newest entry
-inline constexpr std::string_view notices = "quillon:notices";          // by their hash; null for one gone by age
-inline constexpr std::string_view decision = "quillon:decision";        // the entry of the history
+inline constexpr std::string_view missing = "quillon:missing";          // unstated mandatory fields
+inline constexpr std::string_view historyHead = "quillon:historyHead";  // hash of the history's newest entry
+inline constexpr std::string_view notices = "quillon:notices";          // by hash; null for an expired one
+inline constexpr std::string_view decision = "quillon:decision";        // the history entry
 }  // namespace term
 
-// How a notice is referred to.
+// The reference to a notice.
 inline constexpr std::string_view noticePrefix = "urn:sha-256:";
 
 }  // namespace quillon::proof

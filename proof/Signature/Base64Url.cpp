@@ -28,7 +28,7 @@ std::optional<std::string> fromBase64Url(std::string_view text) {
     return std::nullopt;
   }
   bytes.resize(length);
-  // White space, padding and bits that stand for nothing would give one signature many texts.
+  // Rejects white space, padding and non-zero unused bits, with which one signature would have several encodings.
   if (base64Url(bytes) != text) return std::nullopt;
   return bytes;
 }

@@ -8,7 +8,7 @@
 namespace quillon::proof {
 
 [[nodiscard]] std::string base64Url(std::string_view bytes);
-// nullopt for any text but the one that base64Url() makes of the bytes.
+// nullopt for any text that base64Url() would not produce.
 [[nodiscard]] std::optional<std::string> fromBase64Url(std::string_view text);
 
 }  // namespace quillon::proof

@@ -1,4 +1,4 @@
-// Signatures beside what they sign: JWS with detached content (RFC 7515, appendix F), EdDSA, and the key in the header.
+// Detached signatures: JWS with detached content (RFC 7515, appendix F), EdDSA, with the public key in the header.
 #pragma once
 
 #include <expected>
@@ -9,10 +9,10 @@
 
 namespace quillon::proof {
 
-// "HEADER..SIGNATURE"; an error when the key does not sign.
+// "HEADER..SIGNATURE"; an error if signing fails.
 [[nodiscard]] std::expected<std::string, std::string> detachedJws(std::string_view payload, const SigningKey& key);
-// The key that signed the payload, which proves nothing about whose it is; or why none did. Headers that ask for
-// anything but what detachedJws() makes are refused.
+// The key that signed the payload, which does not prove who owns it; or the reason for the rejection. Accepts only
+// headers that detachedJws() produces.
 [[nodiscard]] std::expected<PublicKey, std::string> signerOf(std::string_view payload, std::string_view jws);
 
 }  // namespace quillon::proof

@@ -17,25 +17,25 @@ struct PublicKey {
 
   [[nodiscard]] static std::optional<PublicKey> fromJwk(const boost::json::value& jwk);
   [[nodiscard]] boost::json::object jwk() const;
-  // What names the key: its thumbprint (RFC 7638) in base64url.
+  // The key's identifier: its thumbprint (RFC 7638) in base64url.
   [[nodiscard]] std::string thumbprint() const;
   [[nodiscard]] bool verifies(std::string_view message, std::string_view signature) const;
 
   bool operator==(const PublicKey&) const = default;
 };
 
-// What signs: a secret, wiped when destroyed, or a key that does it by itself.
+// A signing key: a secret in memory, wiped on destruction, or an external signer.
 class SigningKey {
  public:
   explicit SigningKey(const KeyStore::Secret& secret);
-  // The signer must outlive it.
+  // `signer` must outlive this object.
   SigningKey(Signer& signer, const PublicKey& publicKey) : signer_(&signer), publicKey_(publicKey) {}
   ~SigningKey();
   SigningKey(const SigningKey&) = delete;
   SigningKey& operator=(const SigningKey&) = delete;
 
   [[nodiscard]] const PublicKey& publicKey() const { return publicKey_; }
-  // Holds for the public key, whoever made it.
+  // The signature is verified against the public key, since an external signer is not trusted.
   [[nodiscard]] std::expected<Signer::Signature, std::string> sign(std::string_view message) const;
 
  private:
@@ -44,7 +44,7 @@ class SigningKey {
   PublicKey publicKey_;
 };
 
-// Calls with the store's key and gives what the call does, or why there is no key.
+// Calls `use` with the store's key and returns its result, or the reason why there is no key.
 template <class Use>
 auto withKeyOf(KeyStore& store, const Use& use) -> decltype(use(std::declval<const SigningKey&>())) {
   if (Signer* const signer = store.signer()) {

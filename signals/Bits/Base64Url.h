@@ -1,4 +1,4 @@
-// The digits of base64url (RFC 4648, section 5), each worth six bits.
+// The base64url alphabet (RFC 4648, section 5); each character encodes six bits.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,4 @@
-// The bits behind a text in base64url, from the first character's highest bit on.
+// Reads bits from base64url text, most significant bit first.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,14 @@ namespace quillon::signals {
 
 class BitReader {
  public:
-  // Refuses a text with a character outside the alphabet, padding included.
+  // Rejects characters outside the alphabet, padding included.
   [[nodiscard]] static std::expected<BitReader, std::string> over(std::string_view text);
 
-  // The next @p count bits, at most 64, as a number with the first bit highest. Past the end it is 0 and isPastEnd()
-  // is true from then on.
+  // The next @p count bits, at most 64, as a big-endian number. Past the end it returns 0 and isPastEnd() becomes true.
   std::uint64_t read(unsigned count);
   [[nodiscard]] bool isPastEnd() const noexcept { return isPastEnd_; }
   [[nodiscard]] std::size_t left() const noexcept { return size_ - next_; }
-  // Whether nothing but zeros is left.
+  // Whether all remaining bits are zero.
   [[nodiscard]] bool hasOnlyPadding() const;
 
  private:

@@ -1,4 +1,4 @@
-// Bits that become a text in base64url.
+// Writes bits as base64url text.
 #pragma once
 
 #include <cstdint>
@@ -11,14 +11,14 @@ namespace quillon::signals {
 
 class BitWriter {
  public:
-  // Appends the lowest @p count bits of @p value, at most 57, the highest of them first.
+  // Appends the lowest @p count bits of @p value, at most 57, most significant bit first.
   void write(std::uint64_t value, unsigned count) {
     pending_ = pending_ << count | (value & ((std::uint64_t{1} << count) - 1));
     pendingBits_ += count;
     while (pendingBits_ >= 6) text_ += base64UrlDigits[pending_ >> (pendingBits_ -= 6) & 63];
   }
 
-  // What has been written, with zeros up to a multiple of @p multiple bits, itself one of six. Nothing may be written
+  // The text, zero-padded to a multiple of @p multiple bits, which must be divisible by six. Nothing may be written
   // afterwards.
   [[nodiscard]] std::string finish(unsigned multiple) && {
     if (pendingBits_ > 0) write(0, 6 - pendingBits_);

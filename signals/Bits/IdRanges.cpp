@@ -31,8 +31,8 @@ std::vector<Range> rangesOf(const Ids& ids) {
   return ranges;
 }
 
-// The standard asks for the shorter one. This is how the IAB's own encoder guesses which that is, a few bits off where
-// they are close: the same consents make the same string everywhere.
+// The standard requires the shorter form. The IAB's reference encoder estimates it, a few bits off near the break-even
+// point; the same estimate is used here, so that equal consents make equal strings everywhere.
 bool areShorter(const std::vector<Range>& ranges, std::size_t largest) {
   constexpr std::size_t kTooSmall = 45;
   constexpr std::size_t kAllowance = 4;
@@ -50,7 +50,7 @@ void write(BitWriter& bits, const std::vector<Range>& ranges) {
   }
 }
 
-// Charges the budget for a range that was read.
+// Validates a range and charges the budget for it.
 std::expected<void, std::string> check(Range range, IdBudget& budget) {
   if (range.first == 0) return std::unexpected("the ID 0 does not exist");
   if (range.last < range.first) return std::unexpected("a range ends before it begins");
@@ -71,15 +71,15 @@ std::unexpected<std::string> cutOff() {
   return std::unexpected(std::string("the text ends too early"));
 }
 
-// 1, 2, 3, 5, ... up to the largest that an ID needs.
+// 1, 2, 3, 5, ... up to the largest number needed for an ID.
 constexpr auto fibonacciNumbers = [] {
   std::array<std::size_t, 23> numbers{1, 2};
   for (std::size_t i = 2; i < numbers.size(); ++i) numbers[i] = numbers[i - 1] + numbers[i - 2];
   return numbers;
 }();
 
-// A sum of Fibonacci numbers, no two of them neighbours, the smallest first; 11 is the end. Nothing for a number that
-// no ID needs.
+// A sum of non-adjacent Fibonacci numbers, smallest first, terminated by the bits 11. An error for a number that is
+// larger than any ID.
 std::expected<std::size_t, std::string> readFibonacci(BitReader& bits) {
   std::size_t value = 0;
   bool previous = false;
@@ -95,7 +95,7 @@ std::expected<std::size_t, std::string> readFibonacci(BitReader& bits) {
 }
 
 void writeFibonacci(BitWriter& bits, std::size_t value) {
-  std::uint64_t code = 1;  // the end, and before it what the bits of the number stand in
+  std::uint64_t code = 1;  // the terminating bit; the number's bits go in front of it
   unsigned count = 1;
   for (std::size_t i = fibonacciNumbers.size(); i-- > 0;) {
     const bool isPart = fibonacciNumbers[i] <= value;
@@ -149,7 +149,7 @@ std::expected<Ids, std::string> readRanges(BitReader& bits, IdBudget& budget) {
     if (const auto checked = check(range, budget); !checked) return std::unexpected(checked.error());
   }
   if (bits.isPastEnd()) return cutOff();
-  // Other encoders may leave them unordered or let them overlap.
+  // Other encoders may write IDs unordered or in overlapping ranges.
   std::ranges::sort(ranges, {}, &Range::first);
   Ids ids;
   for (auto range : ranges) {

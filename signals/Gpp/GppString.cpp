@@ -7,7 +7,7 @@
 namespace quillon::signals {
 namespace {
 
-// Header and sections end on the border of a character.
+// Header and sections are padded to whole base64url characters.
 constexpr unsigned kPadding = 6;
 
 constexpr Field headerFields[] = {
@@ -16,7 +16,7 @@ constexpr Field headerFields[] = {
     sections("Sections"),
 };
 
-// What a text may hold without being taken for something else, or needing an escape in an address.
+// Excludes separators, and characters that need escaping in a URL.
 bool isPlain(std::string_view text) {
   return !text.empty() && std::ranges::all_of(text, [](char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
@@ -49,7 +49,7 @@ std::expected<GppSection, std::string> decodeSection(std::uint16_t id, std::stri
   return std::string(text);
 }
 
-// The next of the texts between tildes.
+// Removes and returns the part before the next tilde.
 std::string_view takePart(std::string_view& text) {
   const std::size_t tilde = std::min(text.find('~'), text.size());
   const auto part = text.substr(0, tilde);

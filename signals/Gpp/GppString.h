@@ -1,4 +1,4 @@
-// Strings of the Global Privacy Platform: a header that lists sections, and the sections.
+// Global Privacy Platform strings: a header that lists the sections, and the sections.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace quillon::signals {
 
 extern const Layout gppHeader;
 
-// The choices under the law of the United States or of one of them.
+// A section of the US national approach or of a state.
 struct UsString {
   explicit UsString(const UsSection& section) : core(section.core) {}
 
@@ -26,22 +26,22 @@ struct UsString {
   bool operator==(const UsString&) const = default;
 };
 
-// A section that nobody here can read is kept as its text.
+// A section of an unsupported type is kept as text.
 using GppSection = std::variant<std::string, TcString, UsString>;
 
 struct GppString {
-  std::map<std::uint16_t, GppSection> sections;  // by their IDs
+  std::map<std::uint16_t, GppSection> sections;  // by ID
 
   bool operator==(const GppString&) const = default;
 };
 
-// The header of a string with these sections.
+// The header for these sections.
 [[nodiscard]] Record headerOf(const GppString& gpp);
 
-// An error names the place: "usca.SaleOptOut: the text ends too early". Thread-safe.
+// Errors name the field: "usca.SaleOptOut: the text ends too early". Thread-safe.
 [[nodiscard]] std::expected<GppString, std::string> decodeGppString(std::string_view text);
 [[nodiscard]] std::expected<std::string, std::string> encode(const GppString& gpp);
-// The text of one section.
+// Encodes a single section.
 [[nodiscard]] std::expected<std::string, std::string> encode(const GppSection& section);
 
 }  // namespace quillon::signals

@@ -10,7 +10,7 @@ struct OtherSection {
   std::string_view prefix;
 };
 
-// Known by name only, the European one excepted.
+// Sections that are known by name only, except the European one.
 constexpr OtherSection otherSections[] = {
     {1, "tcfeuv1"},
     {tcfEuSection, "tcfeuv2"},

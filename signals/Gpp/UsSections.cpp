@@ -5,7 +5,7 @@
 namespace quillon::signals {
 namespace {
 
-// What a value means: notices 0 not applicable, 1 given, 2 not given; opt-outs 0 not applicable, 1 opted out, 2 not;
+// Values: notices 0 not applicable, 1 given, 2 not given; opt-outs 0 not applicable, 1 opted out, 2 not opted out;
 // consents 0 not applicable, 1 no consent, 2 consent.
 
 constexpr Field national[] = {
@@ -42,13 +42,13 @@ constexpr Field california[] = {
     integer("MspaServiceProviderMode", 2),
 };
 
-// The law of a state as the first version of its section tells it: nearly all have the same fields.
+// The variations among version 1 of the states' sections; most have the same fields.
 struct StateLaw {
-  std::string_view notice;                // of what is done with the data
-  unsigned sensitiveKinds;                // of sensitive data
-  unsigned childrensKinds;                // of the data of children
-  bool hasAdditional = false;             // a consent to processing beyond what was disclosed
-  std::string_view sensitiveNotice = {};  // where there is one of sensitive data
+  std::string_view notice;                // field name of the notice of sharing or processing
+  unsigned sensitiveKinds;                // number of kinds of sensitive data
+  unsigned childrensKinds;                // number of kinds of children's data
+  bool hasAdditional = false;             // has a field for consent to additional processing
+  std::string_view sensitiveNotice = {};  // field name of the notice of sensitive data, if any
   std::string_view childrensName = "KnownChildSensitiveDataConsents";
 };
 
@@ -70,7 +70,7 @@ class StateFields {
     add(integer("MspaServiceProviderMode", 2));
   }
 
-  // NOLINTNEXTLINE(google-explicit-constructor): a layout takes it like any other table
+  // NOLINTNEXTLINE(google-explicit-constructor): converts like any other table of fields
   constexpr operator std::span<const Field>() const { return std::span(fields_).first(count_); }
 
  private:
@@ -96,7 +96,7 @@ constexpr StateFields iowa({processing, 8, 1, false, "SensitiveDataOptOutNotice"
 constexpr StateFields newJersey({processing, 10, 5, true});
 constexpr StateFields tennessee({processing, 8, 1, true, {}, "KnownChildSensitiveDataConsent"});
 
-// Two later versions, which have the agreement first.
+// Later layouts, which begin with the MSPA fields.
 constexpr Field maryland[] = {
     integer("MspaVersion", 6),
     integer("MspaCoveredTransaction", 2),

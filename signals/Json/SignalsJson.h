@@ -1,5 +1,4 @@
-// Strings as JSON, under the names of the standards' tables. Sets are lists of numbers, times whole seconds, booleans
-// true and false.
+// Signal strings as JSON, with the standards' field names. Sets are arrays of numbers, times whole seconds since 1970.
 #pragma once
 
 #include <string>
@@ -8,14 +7,14 @@
 
 namespace quillon::signals {
 
-// {"core":{...},"disclosedVendors":{...},"publisherTC":{...}}; segments that the string lacks are left out.
+// {"core":{...},"disclosedVendors":{...},"publisherTC":{...}}; missing segments are omitted.
 void writeJson(std::string& json, const TcString& tc);
-// {"header":{...},"tcfeuv2":{...},"usca":{...}}; a section that nobody here can read is a text, and one without a
-// prefix stands under its number.
+// {"header":{...},"tcfeuv2":{...},"usca":{...}}; a section of an unsupported type is a text, one without a prefix has
+// its number as key.
 void writeJson(std::string& json, const GppString& gpp);
-// One section of it.
+// A single section.
 void writeJson(std::string& json, const GppSection& section);
-// One segment.
+// A single segment.
 void writeJson(std::string& json, const Record& record);
 
 }  // namespace quillon::signals

@@ -5,7 +5,7 @@
 namespace quillon::signals {
 namespace {
 
-// What stands where no section applies.
+// The value when no section applies.
 constexpr const char* kNoSection = "-1";
 constexpr std::int64_t kMillisecondsATimeUnit = 100;
 
@@ -18,7 +18,7 @@ std::string joined(const Numbers& numbers) {
   return text;
 }
 
-// A key for each purpose, its number behind the name: pairs of vendor and type.
+// One key per purpose, whose number is appended to the name: pairs of vendor and restriction type.
 void addRestrictions(SignalKeys& keys, const std::string& name, const std::vector<Restriction>& restrictions) {
   for (const auto& restriction : restrictions) {
     auto& text = std::get<std::string>(
@@ -30,7 +30,7 @@ void addRestrictions(SignalKeys& keys, const std::string& name, const std::vecto
   }
 }
 
-// The platform's own rule for a key: its prefix, the section, the field, and a number or a text.
+// The GPP naming rule: prefix and field name; the value is a number or a text.
 void addFields(SignalKeys& keys, const std::string& prefix, const Record& record) {
   for (std::size_t i = 0; i < record.values().size(); ++i) {
     const Field& field = record.layout().fields[i];
@@ -73,7 +73,7 @@ void addSection(SignalKeys& keys, std::uint16_t id, const GppSection& section, s
   addRepeatedTcfKeys(keys);
 }
 
-// The text between the tildes: 0 is the header, 1 the first section.
+// The part between tildes: 0 is the header, 1 the first section.
 std::string textOfSection(std::string_view gpp, std::size_t number) {
   for (; number > 0; --number) gpp.remove_prefix(gpp.find('~') + 1);
   return std::string(gpp.substr(0, gpp.find('~')));

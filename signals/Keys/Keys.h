@@ -1,4 +1,4 @@
-// The keys that libraries in an application read.
+// The keys that advertising libraries read.
 #pragma once
 
 #include "quillon/SignalKeys.h"
@@ -6,7 +6,7 @@
 
 namespace quillon::signals {
 
-// All keys that apply at the place of the state, and no others. Of one state, so that they belong together.
+// Exactly the keys that apply at the state's location. They come from one state, so they are consistent.
 [[nodiscard]] SignalKeys keysOf(const SignalRules& rules, const SignalState& state);
 
 }  // namespace quillon::signals

@@ -8,7 +8,7 @@
 namespace quillon::signals {
 namespace {
 
-// '1' at position n for ID n + 1.
+// '1' at index n for ID n + 1.
 std::string binaryString(const Ids& ids, std::size_t length) {
   std::string digits(length, '0');
   for (const auto id : ids) digits[id - 1U] = '1';
@@ -18,7 +18,7 @@ std::string binaryString(const Ids& vendors) {
   return binaryString(vendors, vendors.empty() ? 0 : vendors.back());
 }
 
-// The type at position n for vendor n + 1, '_' for one without a restriction.
+// The restriction type at index n for vendor n + 1, '_' for none.
 std::string restrictionString(std::string digits, const Restriction& restriction) {
   const Ids& ids = restriction.vendorIds;
   if (ids.empty()) return digits;
@@ -99,7 +99,7 @@ constexpr std::array repeatedKeys{
     RepeatedKey{"IABTCF_PublisherCustomPurposesLegitimateInterests",
                 "IABGPP_TCFEU2_PublisherCustomPurposesLegitimateInterests"},
 };
-constexpr std::string_view restrictionsKey = "IABTCF_PublisherRestrictions";  // the purpose's number follows
+constexpr std::string_view restrictionsKey = "IABTCF_PublisherRestrictions";  // the purpose's number is appended
 
 }  // namespace
 

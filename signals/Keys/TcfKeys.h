@@ -1,4 +1,4 @@
-// The keys of the framework of Europe, and those under which the other platform repeats them.
+// The TCF keys, and their copies under GPP names.
 #pragma once
 
 #include <optional>
@@ -8,11 +8,11 @@
 
 namespace quillon::signals {
 
-// "IABTCF_...". Without a string only who speaks, and whether the law applies as far as that is known.
+// "IABTCF_...". Without a string only the CMP, the policy version and, if known, whether the GDPR applies.
 void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> gdprApplies, const TcString* tc,
                 std::string text);
 
-// The same below "IABGPP_TCFEU2_", as far as the platform names them.
+// Copies under "IABGPP_TCFEU2_" those that GPP defines.
 void addRepeatedTcfKeys(SignalKeys& keys);
 
 }  // namespace quillon::signals

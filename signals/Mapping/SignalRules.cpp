@@ -120,7 +120,7 @@ EncodedGpp gppOf(const SignalRules& rules, const SignalState& state) {
     gpp.sections.emplace(sectionOfPrefix(us->core.layout().name), std::move(*us));
   }
   if (auto text = encode(gpp)) return {std::move(gpp), std::move(*text)};
-  // More restrictions than a string can tell leave the libraries without a string.
+  // With more restrictions than a string can hold, no string is published.
   gpp.sections.clear();
   return {gpp, encode(gpp).value_or(std::string())};
 }

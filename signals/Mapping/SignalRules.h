@@ -1,4 +1,4 @@
-// What the decisions mean in the frameworks of a place. Nothing here remembers anything.
+// Maps decisions to the frameworks' strings, by location. Stateless.
 #pragma once
 
 #include <expected>
@@ -13,24 +13,24 @@
 
 namespace quillon::signals {
 
-// Options that have been checked, with the vendor list that they bring.
+// Validated options with their parsed vendor list.
 struct SignalRules {
   SignalOptions options;
-  VendorList vendorList;  // empty without the framework of Europe
+  VendorList vendorList;  // empty without TCF
 };
 
-// Every mistake is one line.
+// Returns all mistakes, one text each.
 [[nodiscard]] std::expected<SignalRules, std::vector<std::string>> rulesOf(SignalOptions options);
 
-// Whether the law of Europe applies; nothing while the place is not known.
+// Whether the GDPR applies; nullopt while the location is unknown.
 [[nodiscard]] std::optional<bool> isGdprPlace(const std::optional<std::string>& place);
 
-// Only where that law applies, and after the user has seen what is asked.
+// nullopt where the GDPR does not apply, and until the user has been shown the purposes.
 [[nodiscard]] std::optional<TcString> tcStringOf(const SignalRules& rules, const SignalState& state);
-// The section that applies at the place; nothing when none does.
+// The section that applies at the location; nullopt if none does.
 [[nodiscard]] std::optional<UsString> usStringOf(const SignalRules& rules, const SignalState& state);
 
-// Both, as far as they apply, and the text that they make.
+// Both sections, where they apply, and the encoded string.
 struct EncodedGpp {
   GppString gpp;
   std::string text;

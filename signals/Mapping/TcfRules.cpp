@@ -1,4 +1,4 @@
-// What decisions mean in the framework of Europe.
+// Maps decisions to a TC string.
 #include <algorithm>
 #include <map>
 #include <span>
@@ -14,11 +14,11 @@ constexpr std::uint8_t kNotAllowed = 0;
 
 using IsGiven = bool (*)(const SignalState::Purpose& purpose);
 
-// Positive consent is what the user has said, never a default.
+// TCF consent requires an explicit decision; a default is not enough.
 bool isConsent(const SignalState::Purpose& purpose) {
   return purpose.isGranted && purpose.isExplicit;
 }
-// A refusal is an objection.
+// A refusal is an objection to legitimate interest.
 bool isUnopposed(const SignalState::Purpose& purpose) {
   return purpose.isGranted;
 }
@@ -52,13 +52,13 @@ class TcfRules {
   [[nodiscard]] Ids vendorInterests() const {
     return vendors([](const Vendor& vendor, const Listings& listings) {
       if (!vendor.legIntPurposes.empty()) return areAll(listings, isUnopposed);
-      // Nobody can object to special purposes; who has no others only needs to be shown.
+      // Users cannot object to special purposes; for a vendor with no others, disclosure suffices.
       return vendor.purposes.empty() && !vendor.specialPurposes.empty();
     });
   }
 
-  // A vendor may declare a purpose for which the user was never told of it, as none of the purposes that list it
-  // stands for that one.
+  // Forbids a vendor any TCF purpose that none of the purposes listing the vendor maps to, since the user was not told
+  // of that combination.
   [[nodiscard]] std::vector<Restriction> restrictions(const Ids& consents, const Ids& interests) const {
     std::map<int, Ids> forbidden;
     eachVendor([&](const Vendor& vendor, const Listings& listings) {
@@ -79,7 +79,7 @@ class TcfRules {
     return restrictions;
   }
 
-  // Custom purposes have their numbers from their order.
+  // Custom purposes are numbered by position.
   [[nodiscard]] Ids customConsents() const {
     Ids ids;
     for (std::size_t i = 0; i < options_.customPurposes->size(); ++i) {
@@ -90,7 +90,7 @@ class TcfRules {
   }
 
  private:
-  // A component of the vendor stands under the purpose.
+  // The purpose lists a component of the vendor.
   struct Listing {
     const Vendor* vendor;
     const SignalState::Purpose* purpose;
@@ -110,7 +110,7 @@ class TcfRules {
     });
   }
 
-  // Given by every purpose that stands for it; one that the configuration does not have gives nothing.
+  // A TCF ID is given if all purposes mapped to it are; a purpose missing from the configuration is not given.
   [[nodiscard]] Ids given(std::vector<int> TcfOptions::Meaning::* meant, IsGiven isGiven) const {
     std::map<int, bool> all;
     for (const auto& [id, meaning] : options_.purposes) {
@@ -128,7 +128,7 @@ class TcfRules {
     return ids;
   }
 
-  // Calls with each vendor and all that lists it.
+  // Calls with each vendor and all its listings.
   template <class F>
   void eachVendor(const F& call) const {
     for (auto first = listings_.begin(); first != listings_.end();) {
@@ -150,10 +150,10 @@ class TcfRules {
 
   const TcfOptions& options_;
   const SignalState& state_;
-  std::vector<Listing> listings_;  // by the vendors' IDs
+  std::vector<Listing> listings_;  // sorted by vendor ID
 };
 
-// The language of the screens when it is one of two letters, else the one that everybody has.
+// The screens' language if it has a two-letter code, else "EN".
 std::string languageCode(const std::string& language) {
   std::string code = language.substr(0, 2);
   if (code.size() != 2 || (language.size() > 2 && language[2] != '-')) return "EN";

@@ -1,4 +1,4 @@
-// What decisions mean under the laws of the United States.
+// Maps decisions to US sections.
 #include <algorithm>
 
 #include "signals/Mapping/SignalRules.h"
@@ -8,12 +8,12 @@ namespace {
 
 using Purposes = std::vector<std::int64_t>;
 
-// What the values of the sections' tables have in common.
+// Values common to the sections' tables.
 constexpr std::int64_t kNotApplicable = 0;
 constexpr std::int64_t kYes = 1;
 constexpr std::int64_t kNo = 2;
-constexpr std::int64_t kOptedOut = 1;     // or no consent
-constexpr std::int64_t kNotOptedOut = 2;  // or consent
+constexpr std::int64_t kOptedOut = 1;     // in consent fields: no consent
+constexpr std::int64_t kNotOptedOut = 2;  // in consent fields: consent
 
 class UsRules {
  public:
@@ -55,7 +55,7 @@ class UsRules {
     record.set("SensitiveDataProcessing", std::move(values));
   }
 
-  // Each section takes those that it has.
+  // All integer values; a section uses those of its fields.
   [[nodiscard]] std::vector<Integer> integers(const UsSection& section) const {
     const auto kinds = options_.sensitiveData.find(section.prefix());
     Purposes sensitive;
@@ -63,7 +63,7 @@ class UsRules {
       for (const auto& [kind, purposes] : kinds->second)
         sensitive.insert(sensitive.end(), purposes.begin(), purposes.end());
     }
-    // All states together ask for consent instead, which is no matter of these two notices.
+    // The national section asks for consent instead, to which these two notices do not apply.
     const auto sensitiveNotice = section.sensitiveData == AskedAs::optOut ? notice(sensitive) : kNotApplicable;
     using enum UsPrivacyOptions::MspaMode;
     const auto mspa = [&](UsPrivacyOptions::MspaMode mode) {
@@ -97,7 +97,7 @@ class UsRules {
     return purposes.empty() ? kNotApplicable : shown();
   }
 
-  // A purpose that the configuration does not have counts as refused.
+  // A purpose missing from the configuration counts as refused.
   template <class F>
   [[nodiscard]] bool areAll(const Purposes& purposes, const F& isGiven) const {
     return std::ranges::all_of(purposes, [&](std::int64_t id) {
@@ -106,7 +106,7 @@ class UsRules {
     });
   }
 
-  // One who was never asked and has not opted out has not declined to, either.
+  // A user who was not asked yet, and has not opted out, has not declined to opt out either.
   [[nodiscard]] std::int64_t optOut(const Purposes& purposes) const {
     if (purposes.empty()) return kNotApplicable;
     if (!areAll(purposes, [](const auto& purpose) { return purpose.isGranted; })) return kOptedOut;
@@ -122,7 +122,7 @@ class UsRules {
   const SignalState& state_;
 };
 
-// The section of "US#CA", or, for the national approach, of all of them.
+// The section of a location such as "US#CA", or the national one with the national approach.
 const UsSection* sectionAt(const std::string& place, bool nationalApproach) {
   if (place != "US" && !place.starts_with("US#")) return nullptr;
   if (nationalApproach) return usSection(usNationalSection);

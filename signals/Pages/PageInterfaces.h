@@ -1,4 +1,4 @@
-// The interfaces of the frameworks in a page: a function of JavaScript, which is called with what holds now.
+// The frameworks' JavaScript APIs for a page: a function called with the present state.
 #pragma once
 
 #include <string_view>
@@ -6,20 +6,20 @@
 namespace quillon::signals {
 
 // `now`: {cmpId, cmpVersion, supported: ["7:usnat"], tcf: {policy, vendorList, applies, string, segments}, gpp:
-// {string, ids, sections: {usnat: [{...}]}}}. What is missing is not known, or does not apply.
+// {string, ids, sections: {usnat: [{...}]}}}. Missing members are unknown or not applicable.
 inline constexpr std::string_view pageInterfaces = R"js((now => {
   const place = Symbol.for("quillon.signals")
   if (window[place]) return window[place](now)
 
   let latest = now
   let lastListener = 0
-  // What a page does wrong is its own affair.
+  // Exceptions of the page's callbacks must not reach this code.
   const call = (callback, ...values) => {
     try { callback(...values) } catch (error) { setTimeout(() => { throw error }) }
   }
   const setOf = ids => Object.fromEntries((ids || []).map(id => [id, true]))
 
-  // The European framework's.
+  // TCF
   const tcfListeners = new Map()
   const tcData = (eventStatus, listenerId) => {
     const {policy, applies, string, segments} = latest.tcf
@@ -58,7 +58,7 @@ inline constexpr std::string_view pageInterfaces = R"js((now => {
       },
     }
   }
-  // Nobody is called before it is known whether the law applies.
+  // No events until it is known whether the GDPR applies.
   const isTcfKnown = () => latest.tcf && latest.tcf.applies !== undefined
   const tcf = {
     ping: callback => call(callback, {
@@ -73,14 +73,14 @@ inline constexpr std::string_view pageInterfaces = R"js((now => {
     removeEventListener: (callback, listener) => call(callback, tcfListeners.delete(listener)),
   }
 
-  // That of the other platform.
+  // GPP
   const gppListeners = new Map()
   const toDate = (name, value) => name === "Created" || name === "LastUpdated" ? new Date(value * 1000) : value
   const parsed = segments => segments.map(segment =>
     Object.fromEntries(Object.entries(segment).map(([name, value]) => [name, toDate(name, value)])))
   const sections = () => latest.gpp ? latest.gpp.sections : {}
   const section = prefix => Object.hasOwn(sections(), prefix) ? parsed(sections()[prefix]) : null
-  // Where the law applies and the user was not asked yet, the section is still to come.
+  // Where the GDPR applies and the user has not been asked yet, the section is pending.
   const isAwaited = () => latest.tcf && latest.tcf.applies && !latest.tcf.string
   const gppPing = (signalStatus = latest.gpp && !isAwaited() ? "ready" : "not ready") => ({
     gppVersion: "1.1", cmpStatus: "loaded", cmpDisplayStatus: "hidden", signalStatus,
@@ -115,7 +115,7 @@ inline constexpr std::string_view pageInterfaces = R"js((now => {
     perform(version === undefined || version === null || version === 0 || version === 2 ? tcf : {}, command, callback, parameter)
   window.__gpp = (command, callback, parameter) => perform(gpp, command, callback, parameter)
 
-  // Frames find the page by a frame of that name and ask by messages.
+  // Frames detect the API by a frame of that name, and call it with messages.
   const answerFrames = (name, ask) => {
     const mark = () => {
       if (window.frames[name + "Locator"]) return
@@ -138,7 +138,7 @@ inline constexpr std::string_view pageInterfaces = R"js((now => {
       })
     })
   }
-  // A listener is removed with a single argument, its success.
+  // removeEventListener passes its success as the only argument.
   answerFrames("__tcfapi", (request, reply) => window.__tcfapi(request.command, request.version,
     (value, success) => success === undefined ? reply(value, value) : reply(value, success), request.parameter))
   answerFrames("__gpp", (request, reply) => window.__gpp(request.command, reply, request.parameter))

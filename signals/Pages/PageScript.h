@@ -1,4 +1,4 @@
-// What pages of the application's web view are told, in the interfaces that the frameworks give pages.
+// Scripts that give pages of the in-app web view the frameworks' APIs.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace quillon::signals {
 
-// A script without its element, safe to stand in one: `__tcfapi` and `__gpp`, for the page and for its frames. Run
-// again in the same page, it tells the listeners of what has changed.
+// A script without its <script> element, safely embeddable in one: `__tcfapi` and `__gpp`, for the page and its frames.
+// Running it again in the same page notifies listeners of changes.
 [[nodiscard]] std::string pageScript(const SignalRules& rules, const SignalState& state);
 
 }  // namespace quillon::signals

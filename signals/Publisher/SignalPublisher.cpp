@@ -17,7 +17,7 @@ constexpr std::string_view publisherUnit = "Signals/SignalPublisher";
 
 }  // namespace
 
-// Shared with what is under way. Thread-safe.
+// Shared with running callbacks. Thread-safe.
 class SignalPublisher::Publication {
  public:
   Publication(const std::shared_ptr<SignalSource>& source, SignalOptions options,
@@ -26,7 +26,7 @@ class SignalPublisher::Publication {
 
   const Signals& signals() const { return signals_; }
 
-  // Writes the keys, or leaves that to the thread that does so just now.
+  // Writes the keys; if another thread is writing, that thread writes again.
   void publish() {
     {
       const std::scoped_lock lock(mutex_);
@@ -63,7 +63,7 @@ class SignalPublisher::Publication {
   }
 
  public:
-  // Of what follows the SDK; dropped with the publisher.
+  // Subscriptions to the SDK; dropped with the publisher.
   std::shared_ptr<void> changes;
   std::shared_ptr<void> script;
 
@@ -71,8 +71,8 @@ class SignalPublisher::Publication {
   const std::weak_ptr<SignalSource> source_;
   const Signals signals_;
   const std::shared_ptr<SignalDefaults> defaults_;
-  std::optional<SignalKeys> written_;  // only touched by the thread that publishes; nothing when that is not known
-  std::mutex mutex_;                   // guards the members below; never held while anything else is called
+  std::optional<SignalKeys> written_;  // publishing thread only; nullopt if unknown
+  std::mutex mutex_;                   // guards the members below; not held during calls to other objects
   bool isDue_ = false;
   bool isPublishing_ = false;
 };

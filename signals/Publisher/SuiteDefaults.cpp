@@ -1,4 +1,4 @@
-// Defaults that are a suite of a platform's store.
+// Signal defaults stored in a suite of the platform's store.
 #include "core/ConsentSDK/WithoutThrowing.h"
 #include "platform/KeyValueSuite.h"
 #include "quillon/SignalPublisher.h"

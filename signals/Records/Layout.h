@@ -1,5 +1,5 @@
-// What a part of a string consists of: a field is one line of a table. Reading, writing, JSON and the keys of an
-// application follow from it.
+// The layout of a segment: a table with one line per field, from which reading, writing, JSON and the application's
+// keys are derived.
 #pragma once
 
 #include <cstdint>
@@ -9,19 +9,19 @@
 
 namespace quillon::signals {
 
-// How a field stands in bits. In JSON a boolean is true or false, letters are a text, what holds several numbers is a
-// list, and everything else a number.
+// The binary encoding of a field. In JSON a boolean is true or false, letters are a string, fields with several numbers
+// an array, all others a number.
 enum class FieldKind : std::uint8_t {
   integer,       // `bits` bits
   boolean,       // one bit
   time,          // 36 bits: tenths of a second since 1970; in JSON whole seconds
-  letters,       // `count` letters of six bits
-  set,           // `count` bits, the first for ID 1
-  sizedSet,      // the same with as many bits as the integer before it, or before the other one, says
+  letters,       // `count` letters of six bits each
+  set,           // bit field of `count` bits, the first for ID 1
+  sizedSet,      // bit field with as many bits as the last integer field says
   values,        // `count` numbers of `bits` bits
-  vendors,       // a set of vendors, as ranges or one bit for each
+  vendors,       // a set of vendors, as ranges or a bit field
   sections,      // a set, as Fibonacci-coded ranges
-  restrictions,  // sets of vendors under a purpose and a type
+  restrictions,  // sets of vendors by purpose and restriction type
 };
 
 struct Field {
@@ -29,10 +29,10 @@ struct Field {
   FieldKind kind = FieldKind::integer;
   unsigned bits = 0;
   unsigned count = 1;
-  std::optional<std::int64_t> always = std::nullopt;  // the only value there is
+  std::optional<std::int64_t> always = std::nullopt;  // the only valid value
 };
 
-// The lines of the tables.
+// Make the fields of the tables.
 [[nodiscard]] constexpr Field integer(std::string_view name, unsigned bits) {
   return {name, FieldKind::integer, bits};
 }
@@ -67,7 +67,7 @@ struct Field {
   return {name, FieldKind::restrictions};
 }
 
-// A segment or sub-section, by its name in JSON.
+// A segment or sub-section, with its name in JSON.
 struct Layout {
   std::string_view name;
   std::span<const Field> fields;

@@ -1,4 +1,4 @@
-// The values of one segment or sub-section of a string.
+// The values of one segment or sub-section.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace quillon::signals {
 
-// What the publisher forbids vendors, or demands of them, for one purpose.
+// A publisher restriction: what vendors must not, or must, do for one purpose.
 struct Restriction {
   std::uint8_t purposeId = 0;
   std::uint8_t type = 0;
@@ -22,7 +22,7 @@ struct Restriction {
   bool operator==(const Restriction&) const = default;
 };
 
-// What the members are called in JSON.
+// The members' names in JSON.
 inline constexpr struct {
   std::string_view purposeId = "PurposeId";
   std::string_view type = "RestrictionType";
@@ -35,15 +35,15 @@ using FieldValue = std::variant<std::int64_t, std::string, Numbers, std::vector<
 
 class Record {
  public:
-  // Every field with its only value, else with nothing: 0, "AA", no IDs.
+  // Fixed fields have their value, all others are empty: 0, "AA", no IDs.
   explicit Record(const Layout& layout);
 
   [[nodiscard]] const Layout& layout() const noexcept { return *layout_; }
-  // In the order of the layout's fields.
+  // In the layout's order.
   [[nodiscard]] const std::vector<FieldValue>& values() const noexcept { return values_; }
   [[nodiscard]] std::vector<FieldValue>& values() noexcept { return values_; }
 
-  // The field of that name, which the layout must have.
+  // The layout must have the field.
   template <class T = std::int64_t>
   [[nodiscard]] const T& get(std::string_view name) const {
     return std::get<T>(values_[indexOf(name)]);

@@ -1,4 +1,4 @@
-// Records in bits. An error names the field: "core.CmpId: 4096 does not fit into 12 bits".
+// The binary form of records. Errors name the field: "core.CmpId: 4096 does not fit into 12 bits".
 #pragma once
 
 #include <expected>
@@ -9,12 +9,11 @@
 
 namespace quillon::signals {
 
-// Reads the fields one after another. Refuses a value that its field cannot have, such as another version, and whatever
-// but zeros follows the last field.
+// Rejects values that a field cannot have, such as an unsupported version, and non-zero bits after the last field.
 [[nodiscard]] std::expected<Record, std::string> readRecord(const Layout& layout, std::string_view text,
                                                             IdBudget& budget);
 
-// The text of the record, filled up with zeros to a multiple of @p multiple bits.
+// The record as text, zero-padded to a multiple of @p multiple bits.
 [[nodiscard]] std::expected<std::string, std::string> writeRecord(const Record& record, unsigned multiple);
 
 }  // namespace quillon::signals

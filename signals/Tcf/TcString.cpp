@@ -8,7 +8,7 @@ namespace quillon::signals {
 namespace {
 
 constexpr unsigned kSegmentTypeBits = 3;
-// Segments end on the border of a byte and of a character.
+// Segments are padded to whole bytes and whole base64url characters.
 constexpr unsigned kPadding = 24;
 
 constexpr Field coreFields[] = {
@@ -47,7 +47,7 @@ constexpr Field publisherFields[] = {
     sizedSet("CustomPurposesLITransparency"),
 };
 
-// Reads a segment that may be there once.
+// Reads an optional segment; an error if it occurs twice.
 std::optional<std::string> readInto(std::optional<Record>& segment, const Layout& layout, std::string_view text,
                                     IdBudget& budget) {
   if (segment) return std::string(layout.name) + ": is there twice";

@@ -1,5 +1,5 @@
-// TC strings of the Transparency & Consent Framework: a core segment, the vendors that were disclosed, and the
-// publisher's own consents.
+// TC strings of the Transparency & Consent Framework: a core segment, the disclosed vendors, and the publisher's own
+// consents.
 #pragma once
 
 #include <cstddef>
@@ -16,22 +16,22 @@ extern const Layout tcCore;
 extern const Layout tcDisclosedVendors;
 extern const Layout tcPublisher;
 
-// Purposes that a set of them has room for.
+// The number of purposes that a string has room for.
 inline constexpr unsigned tcPurposes = 24;
 
-// The longest string of either framework that is read: what the vendors with the longest addresses accept.
+// The longest accepted string of either framework: as long as the vendors with the highest URL limit accept.
 inline constexpr std::size_t longestString = std::size_t{128} << 10;
 
 struct TcString {
   Record core{tcCore};
-  // Every string since 28 February 2026 has it; earlier ones may lack it.
+  // Mandatory since 28 February 2026; earlier strings may lack it.
   std::optional<Record> disclosedVendors;
   std::optional<Record> publisherTC;
 
   bool operator==(const TcString&) const = default;
 };
 
-// An error names the place: "core.VendorConsent: the text ends too early". Thread-safe.
+// Errors name the field: "core.VendorConsent: the text ends too early". Thread-safe.
 [[nodiscard]] std::expected<TcString, std::string> decodeTcString(std::string_view text);
 [[nodiscard]] std::expected<std::string, std::string> encode(const TcString& tc);
 

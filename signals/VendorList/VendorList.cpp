@@ -13,16 +13,16 @@ namespace signals {
 
 using Complaint = std::optional<std::string>;
 
-// A list of IDs as it is read: there are thousands of them, so none allocates anything.
+// Collects IDs while parsing, as bits: the list has thousands of arrays, so none is allocated.
 class IdArray {
  public:
-  // The place for the next one.
+  // Where the parser writes the next ID.
   std::int64_t* append() {
     take();
     hasLatest_ = true;
     return &latest_;
   }
-  // Nothing when one is not from 1 to 64; twice is once.
+  // nullopt if an ID is not from 1 to 64. Duplicates count once.
   std::optional<DeclaredIds> declared() {
     take();
     return isSound_ ? std::optional(DeclaredIds(bits_)) : std::nullopt;
@@ -42,7 +42,7 @@ class IdArray {
 };
 
 struct VendorRecord {
-  // A default would write zeros first, for every vendor.
+  // = default would zero-initialise every vendor's record first.
   VendorRecord() {}  // NOLINT(modernize-use-equals-default)
 
   std::int64_t id = 0;
@@ -56,10 +56,10 @@ struct VendorRecord {
   std::optional<std::string> deletedDate;
 };
 
-// The vendors of a document: each is read into the same record, and kept when the next one begins.
+// The document's vendors. All are parsed into one record, which is stored when the next vendor begins.
 struct VendorRecords {
   std::vector<Vendor> kept;
-  Complaint complaint;  // the first
+  Complaint complaint;  // the first error
 
   VendorRecord* begin(std::string_view key);
   void end();
@@ -121,7 +121,7 @@ inline constexpr auto fields<signals::VendorListRecord> = std::tuple{
     Field<&signals::VendorListRecord::vendors>{"vendors"},
 };
 
-// These are read and never written.
+// Read-only types.
 template <>
 const JsonType& jsonType<signals::IdArray>() {
   static constexpr JsonType type{
@@ -147,7 +147,7 @@ namespace signals {
 namespace {
 
 constexpr std::int64_t kSpecificationVersion = 3;
-// What fits into a string.
+// The limits of the TC string's fields.
 constexpr std::int64_t kLargestVersion = 4095;
 constexpr std::int64_t kLargestPolicy = 63;
 constexpr std::int64_t kMostPurposes = 24;
@@ -155,7 +155,7 @@ constexpr std::int64_t kMostFeatures = 64;
 constexpr std::int64_t kMostSpecialFeatures = 12;
 constexpr std::int64_t kLargestVendor = 65535;
 
-// A key of its map.
+// The map key must equal the ID.
 Complaint checkId(std::string_view key, std::int64_t id, std::int64_t largest) {
   if (id < 1 || id > largest) return "the ID " + std::to_string(id) + " is not from 1 to " + std::to_string(largest);
   char digits[8];

@@ -1,4 +1,4 @@
-// The global vendor list, version 3: who takes part in the framework, and with what.
+// The Global Vendor List, version 3: the framework's vendors and what they declare.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ struct VendorListItem {
   std::string name;
 };
 
-// Purposes or features by their IDs, from 1 to 64.
+// A set of IDs of purposes or features, from 1 to 64.
 class DeclaredIds {
  public:
   DeclaredIds() = default;
@@ -27,7 +27,7 @@ class DeclaredIds {
   [[nodiscard]] bool contains(std::int64_t id) const noexcept {
     return id >= 1 && id <= 64 && (bits_ >> (id - 1) & 1) != 0;
   }
-  // The lowest bit is ID 1.
+  // Bit 0 is ID 1.
   [[nodiscard]] std::uint64_t bits() const noexcept { return bits_; }
 
  private:
@@ -37,17 +37,17 @@ class DeclaredIds {
 struct Vendor {
   std::int64_t id = 0;
   std::string name;
-  DeclaredIds purposes;          // on the basis of consent
-  DeclaredIds legIntPurposes;    // on that of a legitimate interest
-  DeclaredIds flexiblePurposes;  // where a publisher may demand the other one
+  DeclaredIds purposes;          // legal basis: consent
+  DeclaredIds legIntPurposes;    // legal basis: legitimate interest
+  DeclaredIds flexiblePurposes;  // a publisher may require the other basis
   DeclaredIds specialPurposes;
   DeclaredIds features;
   DeclaredIds specialFeatures;
-  bool isDeleted = false;  // no longer takes part
+  bool isDeleted = false;  // has left the framework
 };
 
 struct VendorList {
-  using Items = std::map<std::string, VendorListItem, std::less<>>;  // by the ID's digits
+  using Items = std::map<std::string, VendorListItem, std::less<>>;  // by the ID in decimal
 
   std::int64_t vendorListVersion = 0;
   std::int64_t tcfPolicyVersion = 0;
@@ -55,14 +55,14 @@ struct VendorList {
   Items specialPurposes;
   Items features;
   Items specialFeatures;
-  std::vector<Vendor> vendors;  // by their IDs, ascending
+  std::vector<Vendor> vendors;  // sorted by ID
 
-  // Null when there is none of that ID, or it has been deleted.
+  // Null if unknown or deleted.
   [[nodiscard]] const Vendor* vendor(std::int64_t id) const;
 };
 
-// The list of a document, as strict as for configurations: a vendor that contradicts the rules of the list refuses the
-// whole list, as in "vendors.7: purpose 2 is declared twice". Thread-safe.
+// Parses a vendor list as strictly as a configuration. A vendor that violates the list's rules makes the whole list
+// invalid: "vendors.7: purpose 2 is declared twice". Thread-safe.
 [[nodiscard]] std::expected<VendorList, std::string> readVendorList(std::string_view document);
 
 }  // namespace quillon::signals

@@ -1,4 +1,4 @@
-// Included first by every file that holds mutants: decides at run time which of them is alive.
+// Included first by every file with mutants: selects the active mutant at run time.
 #pragma once
 
 #include <fcntl.h>
@@ -9,8 +9,8 @@
 
 namespace quillon::mutants {
 
-// The number of the mutant that lives, from QUILLON_MUTANT; none by default. Where QUILLON_MUTANTS_REACHED names a file
-// with a byte for each mutant, those that are come by are marked there, by every process that shares the surroundings.
+// QUILLON_MUTANT has the number of the active mutant; none by default. QUILLON_MUTANTS_REACHED names a file with one
+// byte per mutant, shared by all processes of a check, in which reached mutants are marked.
 struct Choice {
   Choice() noexcept {
     if (const char* number = std::getenv("QUILLON_MUTANT")) chosen = std::strtol(number, nullptr, 10);

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Changes one thing at a time in the SDK and lists what no check notices.
+"""Mutation testing of the SDK: makes one change at a time and lists those that no check detects.
 
-All changes are compiled at once, each behind a number that is chosen at run time, so that a thousand cost one build. Each
-check first tells which of them it comes by; a change is then shown to those checks alone, the quickest first.
+All mutants are compiled into one build and selected by number at run time, so that a thousand need a single build. Each
+check first records which mutants it reaches; a mutant is then tested by these checks only, fastest first.
 """
 
 import argparse
@@ -35,7 +35,7 @@ class Mutants:
         self.jobs = jobs
         self.mutants: list[tuple[pathlib.Path, Mutant]] = []
 
-    # Only what differs is written, so that a second run builds little.
+    # Writes only changed files, so that a second run builds little.
     def write(self, files: dict[pathlib.Path, bytes]) -> None:
         for path, content in files.items():
             target = self.copy / path
@@ -57,7 +57,7 @@ class Mutants:
     def compile(self) -> None:
         run(["cmake", "--build", self.build, "-j", str(self.jobs), "--target", "quillon-sim", "quillon-consent", *TESTS])
 
-    # A sample of what can be changed in the rooms.
+    # Selects a sample of all possible mutants below `rooms`.
     def choose(self, rooms: list[str], number: int, seed: int) -> None:
         commands = json.loads((self.build / "compile_commands.json").read_text())
         files = {}
@@ -90,7 +90,7 @@ class Mutants:
             return [str(self.build / "bin/quillon-sim"), "--seeds", str(SEEDS)]
         return ["ctest", "--test-dir", str(self.build), "-R", f"^{check}$"]
 
-    # Which mutants each check comes by, and how many seconds it takes.
+    # Runs each check once, unchanged: its duration in seconds and the mutants that it reaches.
     def reach(self) -> dict[str, tuple[float, bytes]]:
         reached = {}
         for check in ["sim", *TESTS]:
@@ -103,7 +103,7 @@ class Mutants:
             print(f"{check}: {reached[check][0]:.0f} s, comes by {sum(reached[check][1])}", flush=True)
         return dict(sorted(reached.items(), key=lambda item: item[1][0]))
 
-    # What kills a mutant; nothing where all checks pass.
+    # The first check that fails with the mutant; None if it survives.
     def killer(self, number: int, reached: dict[str, tuple[float, bytes]]) -> str | None:
         for check, (seconds, marks) in reached.items():
             if marks[number] and not passes(self.command(check), {"QUILLON_MUTANT": str(number)}, 20 + 8 * seconds):

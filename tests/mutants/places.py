@@ -1,4 +1,4 @@
-"""Where one thing of a C++ file can be changed, and the file with all those changes in it, each behind its number."""
+"""Finds the possible mutants of a C++ file, and renders the file with all of them, each selected by its number."""
 
 import dataclasses
 import pathlib
@@ -12,14 +12,14 @@ OPPOSITES = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==",
 ASSIGNMENTS = {"=", "+=", "-=", "|=", "&=", "++", "--"}
 FUNCTIONS = {CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD, CursorKind.LAMBDA_EXPR, CursorKind.FUNCTION_TEMPLATE,
              CursorKind.CONSTRUCTOR, CursorKind.DESTRUCTOR}
-# What a compiler works out by itself cannot depend on a choice at run time.
+# Constant expressions cannot depend on a run-time choice.
 CONSTANT = {CursorKind.STATIC_ASSERT, CursorKind.CASE_STMT, CursorKind.ENUM_DECL, CursorKind.TEMPLATE_TYPE_PARAMETER,
             CursorKind.TYPE_REF, CursorKind.PARM_DECL}
 
 
 @dataclasses.dataclass(unsafe_hash=True)
 class Mutant:
-    """A change of the bytes from begin to end of a file."""
+    """A replacement of a file's bytes from begin to end."""
 
     kind: str
     begin: int
@@ -29,7 +29,7 @@ class Mutant:
     isNegation: bool = False
     number: int = -1
 
-    # The text with the change behind its number. What is kept may hold further mutants.
+    # The source with the mutant behind its number; `kept`, the original text, may contain other mutants.
     def text(self, kept: str) -> str:
         alive = f"::quillon::mutants::isAlive({self.number})"
         if self.kind == "left out":
@@ -70,7 +70,7 @@ class Finder:
     def textOf(self, cursor: Cursor) -> str:
         return self.source[cursor.extent.start.offset:cursor.extent.end.offset].decode()
 
-    # Down from a node, of a function or of none.
+    # Visits a node and its children; `function` is the enclosing function, if any.
     def walk(self, cursor: Cursor, function: Cursor | None) -> None:
         if cursor.location.file and cursor.location.file.name != self.file and cursor.kind != CursorKind.TRANSLATION_UNIT:
             return
@@ -89,7 +89,7 @@ class Finder:
             return False
         return any(token.spelling in {"constexpr", "consteval"} for token in self.headOf(cursor))
 
-    # The tokens before a body or a value.
+    # The tokens before a function's body or a variable's initialiser.
     def headOf(self, cursor: Cursor) -> list:
         head = []
         for token in cursor.get_tokens():
@@ -115,7 +115,7 @@ class Finder:
             for statement in list(cursor.get_children())[1:]:
                 self.findStatement(statement)
 
-    # An operator of the language or one of a class, between its two sides.
+    # Built-in or overloaded binary operators.
     def findOperator(self, cursor: Cursor) -> None:
         children = list(cursor.get_children())
         if len(children) < 2:
@@ -138,13 +138,13 @@ class Finder:
             return
         self.change("condition", condition, f"!({self.textOf(condition)})")
 
-    # A statement that is left out: a call, an assignment, something that is waited for.
+    # Deletes a statement: a call, an assignment, an await.
     def findStatement(self, cursor: Cursor) -> None:
         end = cursor.extent.end.offset
         if not cursor.kind.is_expression() or self.source[end:end + 1] != b";":
             return
         tokens = [token.spelling for token in cursor.get_tokens()]
-        if tokens[:1] == ["log"]:  # a line more or less is not judged
+        if tokens[:1] == ["log"]:  # changes of logging are not tested
             return
         if "(" in tokens or ASSIGNMENTS & set(tokens):
             self.change("left out", cursor, "")
@@ -167,7 +167,7 @@ class Finder:
             begin = statements[0].extent.start.offset
             self.add("early return", begin, begin, result)
 
-    # The file with those mutants in it. One inside another lives in what that one keeps.
+    # The file with these mutants. A nested one is inside the other's kept original.
     def render(self, mutants: list[Mutant]) -> bytes:
         ordered = sorted(mutants, key=lambda mutant: (mutant.begin, -mutant.end, mutant.kind != "left out"))
 
@@ -186,7 +186,7 @@ class Finder:
         begin = f'#include "{header}"\n#line 1 "{self.file}"\n'
         return (begin + text(0, len(self.source), ordered)).encode()
 
-    # Those of the mutants that a compiler takes, all in one file.
+    # The largest subset that compiles together in one file.
     def compiling(self, mutants: list[Mutant]) -> list[Mutant]:
         kept = list(mutants)
         while kept:

@@ -1,11 +1,11 @@
-// The numbers that a seed decides.
+// Pseudo-random choices derived from a seed.
 #pragma once
 
 #include <cstdint>
 
 namespace quillon::sim {
 
-// SplitMix64: the same on every machine and in every library, which the distributions of the standard are not.
+// SplitMix64: unlike the standard distributions, identical on every machine and with every library.
 class Choices {
  public:
   explicit Choices(std::uint64_t seed) : state_(seed) {}
@@ -16,7 +16,7 @@ class Choices {
     mixed = (mixed ^ mixed >> 27) * 0x94d049bb133111eb;
     return mixed ^ mixed >> 31;
   }
-  // From 0 to one less than the limit, which is above 0.
+  // From 0 to limit - 1; limit is above 0.
   std::size_t below(std::size_t limit) { return static_cast<std::size_t>(next() % limit); }
   bool oneIn(std::size_t count) { return below(count) == 0; }
 

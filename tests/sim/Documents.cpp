@@ -106,7 +106,7 @@ std::vector<int> anyPurposes(Choices& choices) {
 
 std::vector<Document> makeDocuments(std::uint64_t seed) {
   Choices choices(seed);
-  Choices ofSignals(~seed);  // its own, so that no seed means another document since there are signals
+  Choices ofSignals(~seed);  // a separate sequence, so that older seeds keep their documents
   std::vector<Document> documents;
   for (int version = 1; version <= howMany; ++version) {
     Document document;

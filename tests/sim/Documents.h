@@ -1,4 +1,4 @@
-// The configurations that may be published in one world.
+// The configurations that may be published in a world.
 #pragma once
 
 #include <array>
@@ -13,45 +13,45 @@ namespace quillon::sim {
 enum class Law { noticeOnly, optIn, optOut };
 
 inline constexpr std::array purposes{1, 2, 3, 4, 5};
-// The only purpose that documents bind to tracking.
+// The only purpose that documents may bind to app tracking.
 inline constexpr int trackedPurpose = 5;
-// The places that documents tell apart; every other one, and none at all, is somewhere else.
+// The only location with terms of its own; all others, and an unknown one, get the default.
 inline constexpr const char* lawfulPlace = "US#CA";
 
 struct Document {
-  int version = 1;  // another one in every document of a world
+  int version = 1;  // unique in its world
   bool asksAgain = false;
   std::vector<int> listed;
   std::vector<int> essential;
   bool bindsToTracking = false;
   bool hasBanner = true;
   Law law = Law::optIn;
-  std::optional<Law> lawInPlace;  // in lawfulPlace, where it is another one
+  std::optional<Law> lawInPlace;  // in lawfulPlace, if different
   std::optional<std::string> interval;
-  std::vector<int> analytics;  // the purposes behind the analytics signal; none without consent mode
+  std::vector<int> analytics;  // the purposes of the analytics signal; empty without consent mode
   bool hasPermission = false;
-  std::optional<std::vector<int>> signalled;  // what a privacy signal stands for, unless the application says so
+  std::optional<std::vector<int>> signalled;  // purposes of a privacy signal, unless the application names them
 
   [[nodiscard]] bool lists(int purpose) const;
   [[nodiscard]] bool isEssential(int purpose) const;
-  // Whether a privacy signal stands for it; the application may name purposes.
+  // Whether a privacy signal refuses the purpose; `named` are the application's purposes, if any.
   [[nodiscard]] bool isSignalled(int purpose, const std::optional<std::vector<int>>& named) const;
   [[nodiscard]] std::string json() const;
 };
 
-// Documents that differ in all that matters. The last one, newer than all, is for the end.
+// Documents that differ in every relevant aspect. The last one is published at the end and has the highest version.
 [[nodiscard]] std::vector<Document> makeDocuments(std::uint64_t seed);
 
-// None, all, or some.
+// None, all or a random selection.
 [[nodiscard]] std::vector<int> anyPurposes(Choices& choices);
 
-// After which the banner comes again; a text that says nothing means twelve months.
+// The interval after which the banner reappears; unparsable text means twelve months.
 [[nodiscard]] int monthsOf(const std::string& interval);
 
-// The words that documents and the store have for it.
+// The compliance type as documents and the store spell it.
 [[nodiscard]] const char* textOf(Law law);
 
-// The version in a configuration file, which is a document as the SDK writes it.
+// The version of a configuration file as the SDK writes it.
 [[nodiscard]] std::optional<int> versionIn(const std::string& bytes);
 
 }  // namespace quillon::sim

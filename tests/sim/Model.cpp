@@ -19,7 +19,7 @@ std::string wordFor(const std::optional<std::string>& status) {
   return status.value_or("nothing");
 }
 
-// What is said of a purpose about which nothing was decided.
+// The status reported for an undecided purpose.
 std::string defaultUnder(const std::string& law) {
   return law == textOf(Law::optIn) ? declined : granted;
 }
@@ -98,7 +98,7 @@ void Model::setUp(int owner, const SessionView& session) {
 }
 
 void Model::delivered(int by, const std::string& url, int version) {
-  // Whoever asked saves it, and any process may read it there before it is replaced.
+  // The requesting process saves the document, and any process may read it there before it is replaced.
   for (auto& [owner, life] : lives_) {
     if (!life.isSetUp) continue;
     if (owner != by) life.mayHaveBeenOvertaken = true;
@@ -120,11 +120,11 @@ void Model::diskHolds(std::optional<int> version) {
 void Model::settled(int owner) {
   Life& life = lives_.at(owner);
   if (applications_.size() > 1 || life.mayHaveBeenOvertaken) return;
-  // Another process may have removed the document that is in force.
+  // Another process may have removed the document in force.
   if (!disk_ && (!life.session.bundled || lives_.size() > 1)) return;
   life.versions.clear();
   if (disk_) life.versions.insert(*disk_);
-  // It is at hand as soon as the file is not.
+  // The bundled document is used as soon as the file is missing.
   if (life.session.bundled) life.versions.insert(*life.session.bundled);
   life.places = {life.session.place};
   life.isCertain = true;
@@ -132,7 +132,7 @@ void Model::settled(int owner) {
 
 bool Model::isDefault(int purpose, const std::string& status, const StoreView& before, const StoreView& after) const {
   std::set<std::string> laws = lawsInForce();
-  // With several processes, what one records may be under the law that another has stored.
+  // With several processes, one may record defaults under the compliance type that another has stored.
   if (lives_.size() > 1) laws.insert({before.law, after.law});
   const bool mayGrant =
       std::ranges::any_of(laws, [](const auto& law) { return !law.empty() && law != textOf(Law::optIn); });
@@ -159,7 +159,7 @@ bool Model::isGivenByJobs(const StoreView& before, const StoreView& after) const
   };
   if (std::ranges::any_of(versions, asks)) reached.insert(noAction);
   if (reached.contains(noAction) && !lawsInForce().empty()) reached.insert(implicitly);
-  // Once the banner was shown, a default passes for an answer: that is specified.
+  // Documented: once the banner was shown, a default counts as an answer.
   if (reached.contains(implicitly) && (before.shown || after.shown)) reached.insert(explicitly);
   return reached.contains(after.given);
 }
@@ -217,12 +217,12 @@ bool Model::isEffect(const ActReport& act, const StoreView& before, const StoreV
 void Model::judgeAct(const ActReport& act, const StoreView& before, const StoreView& after) {
   const bool isDone = isEffect(act, before, after);
   bool mayBeUndone = act.wasDisturbed || act.result == false;
-  // Without a configuration there is nothing to answer. A closed process loads none for a further set-up.
+  // Without a configuration there is nothing to answer. A closed process does not load one for a further set-up.
   const bool needsDocument =
       act.effect == Effect::answer || act.effect == Effect::save || act.effect == Effect::defaults;
   const bool mayLackOne = !disk_ || applications_.size() > 1 || lives_.at(act.owner).isClosed;
   if (needsDocument && !act.result && mayLackOne) mayBeUndone = true;
-  // A test whose answer is no may still promote defaults, as one whose answer is yes does.
+  // isBannerDue() may promote defaults to an answer even if it returns false.
   const bool isPromotion = act.effect == Effect::bannerTest && before.given == implicitly &&
                            after.given == explicitly && before.decisions == after.decisions;
   if (!(isDone && act.result != false) && !(mayBeUndone && (isSame(before, after) || isPromotion)) &&
@@ -289,7 +289,7 @@ void Model::judgeJobs(const StoreView& before, const StoreView& after) {
 }
 
 bool Model::isBannerDue(const StoreView& store, std::int64_t now, bool& isNear) const {
-  constexpr std::int64_t hours = 3 * 3600;  // what a change to summer time, or several, may make of it
+  constexpr std::int64_t hours = 3 * 3600;  // tolerance for changes to or from daylight-saving time
   const int months = monthsOf(store.interval);
   const std::int64_t expires = monthsLater(store.shown.value_or(now), months);
   isNear = months > 0 && std::abs(expires - now) < hours;
@@ -380,11 +380,11 @@ void Model::uploadTaken(const Upload& upload) {
 
 void Model::judgeEnd(const Document& published, const StoreView& store) {
   if (store.hasUploadFailed) trail_.fail(4, "an upload still counts as failed");
-  // What the device says goes out with what the user says.
+  // Permissions are uploaded only together with the user's decisions.
   if (store.isAnyPermissionPending && store.given != noAction) trail_.fail(4, "permissions are still pending");
   if (store.subject != subjectOnServer_) onServer_.clear();
   for (const int purpose : purposes) {
-    // What tracking says, too, goes out with what the user says.
+    // So are decisions that follow tracking.
     if (!published.lists(purpose) || (purpose == trackedPurpose && store.given == noAction)) continue;
     if (std::ranges::find(store.pending, purpose) != store.pending.end()) {
       trail_.fail(4, "purpose " + std::to_string(purpose) + " is still pending");

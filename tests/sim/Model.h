@@ -1,4 +1,4 @@
-// What must hold, whatever happens: written from what the documentation promises. It shares no code with the SDK.
+// The invariants of the simulation, derived from the documentation. Shares no code with the SDK.
 #pragma once
 
 #include <cstdint>
@@ -20,9 +20,9 @@ class Model {
  public:
   Model(const std::vector<Document>& documents, Trail& trail) : documents_(documents), trail_(trail) {}
 
-  // What happens to the processes and around them.
+  // Events of the processes and their environment.
   void began(int owner) { lives_[owner] = {}; }
-  // What it had under way may still be done.
+  // Work in flight may still complete.
   void ended(int owner) { lives_.at(owner).isEnded = true; }
   void forget(int owner) { lives_.erase(owner); }
   void closed(int owner) { lives_.at(owner).isClosed = true; }
@@ -31,27 +31,27 @@ class Model {
   void diskHolds(std::optional<int> version);
   void trackingIs(bool isAuthorized) { isTrackingAuthorized_ = isAuthorized; }
   void signalIs(bool isOn) { isSignalOn_ = isOn; }
-  // Everything that was under way in the process is over, a load for the present session among it, and nothing failed.
+  // All work of the process has ended without failure, including a load for its current session.
   void settled(int owner);
-  // Nothing is under way in the process, in particular no load.
+  // The process is idle; in particular no load is in flight.
   void quiet(int owner) { lives_.at(owner).mayHaveBeenOvertaken = false; }
 
-  // Two moments of the store: around an act, and around the jobs that ran after it.
+  // Compare snapshots of the store: before and after an act, and before and after the jobs that followed it.
   void judgeAct(const ActReport& act, const StoreView& before, const StoreView& after);
   void judgeJobs(const StoreView& before, const StoreView& after);
   void judgeAnswers(int owner, const Answers& answers, const StoreView& store, std::int64_t now);
   void judgeSink(int owner, const std::map<std::string, std::string>& signals, const StoreView& store);
 
-  // Nothing is under way in the process, and nothing went wrong: what a signal decides is stored, or is over.
+  // The process is idle and nothing failed: a signal's decisions must be stored, or have ended.
   void judgeSignals(int owner, const StoreView& store);
-  // Analytics was told last of no consent that a signal refuses.
+  // The last value that analytics received must not be a consent that a signal refuses.
   void judgeTold(int owner, const std::map<std::string, std::string>& signals);
-  // The purposes that a signal may refuse in some process.
+  // The purposes that a signal may refuse in any process.
   [[nodiscard]] std::set<int> mayBeRefused() const;
 
   void uploadSent(int owner, const Upload& upload, const StoreView& store);
   void uploadTaken(const Upload& upload);
-  // Everything has healed, and had its time.
+  // All faults have been removed, and enough time has passed.
   void judgeEnd(const Document& published, const StoreView& store);
 
  private:
@@ -62,15 +62,15 @@ class Model {
       SessionView session;
       std::set<int> versions;
     };
-    std::optional<Replaced> replaced;  // what was before a set-up, within the same act
-    std::set<int> versions;            // of the documents of which one may be in force; none before the first load
-    std::set<std::optional<std::string>> places;  // for which it may be
-    bool hasSession = false;                      // even one that it was given when it was closed
+    std::optional<Replaced> replaced;             // the state before a set-up, while the same act runs
+    std::set<int> versions;                       // versions that may be in force; empty before the first load
+    std::set<std::optional<std::string>> places;  // locations that may be in effect
+    bool hasSession = false;                      // also if it was set when already closed
     bool isSetUp = false;
     bool isClosed = false;
     bool isEnded = false;
-    bool isCertain = false;             // one of the versions is in force
-    bool mayHaveBeenOvertaken = false;  // another process got a document while this one may have been loading one
+    bool isCertain = false;             // one of `versions` is in force
+    bool mayHaveBeenOvertaken = false;  // another process received a document while this one may have been loading
   };
 
   const Document& document(int version) const { return documents_[static_cast<std::size_t>(version - 1)]; }
@@ -78,24 +78,25 @@ class Model {
   std::set<int> everywhere() const;
   std::set<std::string> lawsInForce() const;
   std::set<int> atHand(const Life& life) const;
-  // Those that may say what a privacy signal stands for.
+  // The versions that may define the purposes of a privacy signal.
   std::set<int> mayMap(const Life& life) const;
-  // What a privacy signal does to a purpose: it refuses it for sure, or perhaps; its decision may be recorded, or end.
+  // Effects of a privacy signal on a purpose: it certainly, or possibly, refuses it; its decision may be recorded, or
+  // may end.
   bool isRefused(const Life& life, int purpose) const;
   bool mayBeRefused(const Life& life, int purpose) const;
   bool mayRecord(int purpose) const;
   bool mayEnd(int purpose) const;
   bool isSignalled(int purpose, const StoreView& before, const StoreView& after) const;
-  // Whether a set-up may have had that effect.
+  // Whether a set-up may have caused the change.
   bool isSetUp(const StoreView& before, const StoreView& after) const;
-  // Whether it stands for all that the banner would ask; perhaps, or for sure.
+  // Whether the signal covers all purposes that the banner would ask for; certainly or possibly.
   bool isBannerSettled(const Life& life, Sure sure) const;
-  // What passed for an answer, and was none that a signal must respect.
+  // Drops recorded answers that a signal need not respect after all.
   void forgetSignalled(const StoreView& before, const StoreView& after);
   void judgeCauses(const std::string& sender, const Upload& upload, const StoreView& store);
   void judgeOwners(const StoreView& store);
   bool allowsUndecided(const Life& life, int version, int purpose) const;
-  // Whether a default of that status may be recorded by some process.
+  // Whether some process may record that status as a default.
   bool isDefault(int purpose, const std::string& status, const StoreView& before, const StoreView& after) const;
   bool isFollowingTracking(int purpose, const std::string& status) const;
   bool isGivenByJobs(const StoreView& before, const StoreView& after) const;
@@ -109,12 +110,12 @@ class Model {
   Trail& trail_;
   std::map<int, Life> lives_;
   std::optional<int> disk_;
-  std::set<std::string> applications_;  // that were ever set up
+  std::set<std::string> applications_;  // of all set-ups so far
   bool isTrackingAuthorized_ = false;
-  bool isSignalOn_ = false;          // the device's
-  std::map<int, std::string> told_;  // what the user decided last and was told is stored
-  std::set<int> answers_;            // of these, what is the user's own word for sure
-  std::set<int> mayBeAnswers_;       // and what may be
+  bool isSignalOn_ = false;          // the device's signal
+  std::map<int, std::string> told_;  // the user's last decisions that the SDK reported as stored
+  std::set<int> answers_;            // purposes among them that the user has certainly answered
+  std::set<int> mayBeAnswers_;       // purposes that the user may have answered
   int lastTaken_ = 0;
   std::map<int, std::string> onServer_;
   std::string subjectOnServer_;

@@ -1,4 +1,4 @@
-// What a privacy signal does: the part of the model that docs/signals.md promises.
+// The invariants of privacy signals, as docs/signals.md states them.
 #include <algorithm>
 
 #include "tests/sim/Model.h"
@@ -14,7 +14,7 @@ std::set<int> Model::atHand(const Life& life) const {
 
 std::set<int> Model::mayMap(const Life& life) const {
   std::set<int> versions = atHand(life);
-  // What another process saved may be read before the model is told.
+  // A document saved by another process may be read before the model is notified.
   if (!life.isCertain || life.mayHaveBeenOvertaken) versions.merge(everywhere());
   return versions;
 }
@@ -35,7 +35,7 @@ bool Model::mayBeRefused(const Life& life, int purpose) const {
     if (!session.signals || !(session.signals->isGiven || isSignalOn_)) return false;
     const auto& named = session.signals->purposes;
     const auto stands = [&](int at) { return document(at).isSignalled(purpose, named); };
-    // As long as no configuration says what it stands for, it stands for all.
+    // The signal covers all purposes until a configuration defines them.
     const bool isUnknown = !life.isCertain && (!named || std::ranges::find(*named, purpose) != named->end());
     return isUnknown || std::ranges::any_of(versions, stands);
   };
@@ -157,7 +157,7 @@ void Model::judgeSignals(int owner, const StoreView& store) {
     const bool isListed = std::ranges::all_of(life.versions, [&](int at) { return document(at).lists(purpose); });
     const bool isStored = store.signalled.contains(purpose);
     if (isStored && !mayRecord(purpose)) trail_.fail(1, what + " has not ended");
-    // What another process removes is recorded again with the next load or start.
+    // After another process removes the decision, the next load or start records it again.
     if (!isStored && isListed && !mayEnd(purpose) && lives_.size() == 1) trail_.fail(1, what + " is not stored");
   }
 }

@@ -38,7 +38,7 @@ constexpr bool isFault(Act act) {
   return act == Act::failRequest || act == Act::failStore || act == Act::failFile;
 }
 
-// From numbers of their own, and in place of other acts, so that the seeds of before mean the same.
+// Uses a separate random sequence and replaces other acts, so that older seeds keep their meaning.
 void addSignals(Plan& plan, Choices choices) {
   constexpr std::size_t seldom = 8;
   if (choices.oneIn(3)) return;
@@ -57,7 +57,7 @@ const char* nameOf(Act act) {
 }
 
 std::optional<SignalUse> signalsOf(const Plan& plan, unsigned how) {
-  constexpr unsigned others = 384;  // what else the number decides
+  constexpr unsigned others = 384;  // number of variants that `how` encodes otherwise
   constexpr unsigned moods = 8;
   const unsigned mood = plan.processes == 1 ? how / others % moods : 0;
   std::optional<SignalUse> use = plan.signals;
@@ -76,7 +76,7 @@ Plan makePlan(std::uint64_t seed, std::size_t steps) {
   plan.hasLanguageFiles = choices.oneIn(2);
   plan.hasSummerTime = choices.oneIn(4);
   plan.isVerbose = choices.oneIn(8);
-  // A third of the worlds know no fault, so that nothing is excused in them.
+  // A third of the worlds have no faults, so that the model tolerates nothing there.
   const bool hasFaults = !choices.oneIn(3);
   const auto weightOf = [&](std::size_t act) {
     return !hasFaults && isFault(static_cast<Act>(act)) ? 0 : kinds[act].weight;

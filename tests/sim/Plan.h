@@ -1,4 +1,4 @@
-// What happens in a world, in which order: all that a seed decides beforehand.
+// The events of a world in order: everything that its seed determines in advance.
 #pragma once
 
 #include <cstdint>
@@ -37,44 +37,44 @@ enum class Act {
   failRequest,
   failStore,
   failFile,
-  signal,  // of those that the user gives the device
-  tamper,  // writes a consent into the store past the SDK: no plan has it, but those that show that it is found
+  signal,  // the device's signal, set by the user
+  tamper,  // writes a consent to the store, bypassing the SDK; only in plans that test its detection
 };
 inline constexpr std::size_t actCount = static_cast<std::size_t>(Act::tamper) + 1;
 [[nodiscard]] const char* nameOf(Act act);
 
-// One act. The numbers say which, as far as the act has variants; each takes what it needs of them, so that a step
-// means the same whatever steps were left out before it.
+// One act. `what` and `how` select a variant; each act uses them independently of earlier steps, so a step keeps its
+// meaning when other steps are removed.
 struct Step {
   Act act = Act::pass;
   unsigned process = 0;
   unsigned what = 0;
   unsigned how = 0;
-  // Which jobs run after it, and in which order; 0 for all of them, first come first served.
+  // Determines which jobs run afterwards, in which order; 0: all, in FIFO order.
   std::uint64_t order = 0;
 };
 
-// How the application honours privacy signals.
+// The application's handling of privacy signals.
 struct SignalUse {
-  bool isGiven = false;                      // by the application itself
-  std::optional<std::vector<int>> purposes;  // that it names, rather than the documents
+  bool isGiven = false;                      // the application itself gives the signal
+  std::optional<std::vector<int>> purposes;  // purposes named by the application, overriding the documents'
 };
 
 struct Plan {
   std::uint64_t seed = 0;
   unsigned processes = 1;
   std::int64_t checkInterval = 1800;  // seconds
-  bool hasLanguageFiles = false;      // a document for each language, rather than one for all
-  bool hasSummerTime = false;         // else the device is in UTC
-  bool isVerbose = false;             // the SDK logs all that it has to say
-  std::optional<SignalUse> signals;   // none is honoured without; the same in all processes
+  bool hasLanguageFiles = false;      // one document per language instead of one for all
+  bool hasSummerTime = false;         // otherwise the device is in UTC
+  bool isVerbose = false;             // full SDK logging
+  std::optional<SignalUse> signals;   // no signal is honoured if empty; the same in all processes
   std::vector<Step> steps;
 };
 
-// From this seed on worlds know privacy signals. Those below mean what they meant before.
+// Seeds from here on use privacy signals; smaller seeds keep their earlier meaning.
 inline constexpr std::uint64_t firstSeedWithSignals = 2'000'000'000;
 
-// How a set-up of those numbers honours them, if it does: a process that is alone may change its mind.
+// How a set-up with this `how` honours signals, if at all; a single process may change it from one set-up to the next.
 [[nodiscard]] std::optional<SignalUse> signalsOf(const Plan& plan, unsigned how);
 
 [[nodiscard]] Plan makePlan(std::uint64_t seed, std::size_t steps);

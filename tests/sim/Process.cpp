@@ -63,7 +63,7 @@ Process::Process(Surroundings& around, int owner, std::function<void()> killed)
 }
 
 Process::~Process() {
-  const bool wasKilled = std::exchange(isDead_, true);  // the store may still fail, but nothing dies twice
+  const bool wasKilled = std::exchange(isDead_, true);  // the store may still fail, but must not kill the process again
   screens_->clear();
   keepings_.clear();
   gates_.clear();
@@ -109,7 +109,7 @@ void Process::listen() {
   const auto live = [this] {
     if (isDead_ || isClosed_) fail(7, "a listener was called after the end");
   };
-  // What others decide before the set-up is not told.
+  // Decisions of other processes before the set-up are not reported.
   if (around_.plan.processes == 1) {
     for (const int purpose : purposes) heard_[purpose] = sdk_->isDecided(purpose) ? words(sdk_->get(purpose)) : "";
   }
@@ -123,7 +123,7 @@ void Process::listen() {
     const std::string to = isRemoved ? "" : words(decision.to);
     if (from == to) fail(7, "a listener heard of a change that is none");
     const auto before = heard_.find(purpose);
-    // Of what another process has decided meanwhile only the last is told.
+    // Of several decisions by other processes only the last is reported.
     const bool isAlone = around_.plan.processes == 1;
     if (isAlone && before != heard_.end() && before->second != from) fail(7, "a listener missed a change");
     heard_[purpose] = to;
@@ -188,7 +188,7 @@ void Process::setUp(unsigned what, unsigned how) {
 }
 
 void Process::close() {
-  // Waits, in real time, for what is under way; so it is tried where nothing is.
+  // close() blocks in real time until running work ends, so it is called only when idle.
   if (isClosed_ || !isQuiet()) return;
   screens_->clear();
   sdk_->close();
@@ -308,7 +308,7 @@ void Process::judgeHistory(std::size_t since, const HistoryPage& page) const {
       fail(1, "the history does not hold together at " + std::to_string(entry.number));
     judgeSignal(entry.decision);
     if (!entry.decision.purposeId || !named.insert(*entry.decision.purposeId).second) continue;
-    // The end of a signal has no entry.
+    // The end of a signal has no history entry.
     const int purpose = static_cast<int>(*entry.decision.purposeId);
     const bool hasEnded = entry.decision.cause == DecisionCause::signal && around_.wasUndecided(since, purpose);
     if (!hasEnded) newest.emplace(purpose, words(entry.decision.to));

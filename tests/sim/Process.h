@@ -1,4 +1,4 @@
-// One life of an application's process: the SDK, what the application asked of it, and what it was told.
+// One run of an application process: its SDK, the calls it made, and the callbacks it received.
 #pragma once
 
 #include <deque>
@@ -19,8 +19,8 @@ namespace quillon::sim {
 
 class Process {
  public:
-  // The owner is another one for every life. The function is called when the life ends within a change of the store or
-  // a file; the process is then destroyed as soon as the job is over.
+  // `owner` is unique to this run. `killed` is called when the process dies during a change to the store or a file; it
+  // must then be destroyed once the current job returns.
   Process(Surroundings& around, int owner, std::function<void()> killed);
   ~Process();
   Process(const Process&) = delete;
@@ -33,7 +33,7 @@ class Process {
 
   void setUp(unsigned what, unsigned how);
   void close();
-  // Ends the life without a word to the SDK. What it had sent arrives, or never.
+  // Ends the process without notifying the SDK. Requests in flight arrive if `arrives`, else never.
   void kill(bool arrives);
   void decide(unsigned what, unsigned how, ActReport& report);
   void decideOnPermission(unsigned what);
@@ -50,13 +50,13 @@ class Process {
   Storage& storage() { return storage_; }
 
   [[nodiscard]] Answers answers() const;
-  // Whether nothing is under way.
+  // Whether the process is idle.
   [[nodiscard]] bool isQuiet() const;
-  // What must hold as soon as no job waits, even if an answer does.
+  // Checks what must hold when no job is queued, even if a response is outstanding.
   void judgeTold() const;
-  // What must hold while nothing is under way.
+  // Checks what must hold while idle.
   void judgeQuiet();
-  // Whether a load is over since this was asked last.
+  // Whether a load has ended since the last call.
   bool takeLoaded() { return std::exchange(hasLoaded_, false); }
 
  private:
@@ -78,7 +78,7 @@ class Process {
 
   Platform platform();
   void listen();
-  // A callback that must come exactly once, unless the SDK is closed before.
+  // Expects exactly one call of a callback, unless the SDK is closed first.
   std::shared_ptr<Call> expect(std::string what);
   void called(Call& call);
   template <class T>
@@ -102,7 +102,7 @@ class Process {
   std::unique_ptr<ConsentSDK> sdk_;
   std::vector<std::shared_ptr<Call>> calls_;
   std::vector<std::function<bool()>> unready_;  // futures
-  std::map<int, std::string> heard_;            // of decisions, by purpose
+  std::map<int, std::string> heard_;            // last reported decision of each purpose
   std::optional<SDKStatus> heardStatus_;
   std::deque<Gate> gates_;
   std::deque<Keeping> keepings_;

@@ -1,4 +1,4 @@
-// What the model is told of the processes.
+// What processes report to the model.
 #pragma once
 
 #include <map>
@@ -9,7 +9,7 @@
 
 namespace quillon::sim {
 
-// What a process was set up with, as far as it decides which document is in force.
+// The options of a set-up that determine the document in force.
 struct SessionView {
   std::string application = "a";
   std::string channel = "live";
@@ -18,26 +18,26 @@ struct SessionView {
   std::optional<SignalUse> signals;
 };
 
-// What one process answers at one moment.
+// A process's answers at one moment.
 struct Answers {
-  bool isQuiet = false;  // nothing is under way
+  bool isQuiet = false;  // the process is idle
   bool isReady = false;
   std::map<int, std::string> get;
   std::map<int, bool> isAllowed;
   std::map<int, bool> isDecided;
-  bool isBannerDue = false;  // as it is explained
+  bool isBannerDue = false;  // according to the banner's explanation
 };
 
-// What an act may change in the store before it returns.
+// The effects that an act may have on the store before it returns.
 enum class Effect { nothing, setUp, decision, answer, save, defaults, removal, bannerTest };
 
 struct ActReport {
   int owner = 0;
   Effect effect = Effect::nothing;
-  std::map<int, std::string> chosen = {};  // by the user, where it is about single purposes
-  bool accepts = false;                    // for an answer
-  std::optional<bool> result = {};         // what the call answered, where it does
-  bool wasDisturbed = false;               // an update failed, or the process ended, within the call
+  std::map<int, std::string> chosen = {};  // by the user, for decisions on single purposes
+  bool accepts = false;                    // for Effect::answer
+  std::optional<bool> result = {};         // the call's return value, if any
+  bool wasDisturbed = false;               // an update failed, or the process ended, during the call
 };
 
 }  // namespace quillon::sim

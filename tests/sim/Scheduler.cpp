@@ -74,7 +74,7 @@ void Scheduler::end(int owner) {
 
 void Scheduler::bury() {
   while (!dropped_.empty()) {
-    auto dropped = std::exchange(dropped_, {});  // what goes may post once more
+    auto dropped = std::exchange(dropped_, {});  // destroyed jobs may post further ones
     dropped.clear();
   }
 }

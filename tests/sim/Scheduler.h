@@ -1,4 +1,4 @@
-// Which of all jobs that may run runs next.
+// Selects the next job among all that are ready.
 #pragma once
 
 #include <memory>
@@ -10,24 +10,24 @@
 
 namespace quillon::sim {
 
-// Holds the jobs of all processes and of the network. On one thread, as all of a simulation.
+// Holds the jobs of all processes and of the network. Single-threaded, like the whole simulation.
 class Scheduler : public std::enable_shared_from_this<Scheduler> {
  public:
-  static constexpr int network = -1;   // an owner besides the processes, which are numbered from 0
-  static constexpr int unordered = 0;  // the lane whose jobs run in any order; those of every other lane keep theirs
+  static constexpr int network = -1;   // owner of network jobs; processes are numbered from 0
+  static constexpr int unordered = 0;  // lane whose jobs run in any order; all other lanes are FIFO
 
   void post(int owner, int lane, Job job);
 
-  // Runs one job: any that may run, or, without choices, the one that was posted first. False when none may.
+  // Runs one ready job: a random one, or without choices the oldest. False if none is ready.
   bool runOne(Choices* choices);
   [[nodiscard]] bool isIdle() const { return jobs_.empty(); }
   [[nodiscard]] bool hasJobsOf(int owner) const;
 
-  // The owner's process has ended: none of its jobs runs any more, and those it posts are kept until bury().
+  // The owner's process has ended: its jobs do not run any more; jobs posted later are kept until bury().
   void end(int owner);
   void bury();
 
-  // The queues of one process.
+  // The executors of one process.
   std::shared_ptr<Executors> executorsFor(int owner);
 
  private:
@@ -39,7 +39,7 @@ class Scheduler : public std::enable_shared_from_this<Scheduler> {
   class Queue;
   class Queues;
 
-  std::vector<Entry> jobs_;  // in the order in which they were posted
+  std::vector<Entry> jobs_;  // in posting order
   std::vector<Entry> dropped_;
   std::vector<int> ended_;
 };

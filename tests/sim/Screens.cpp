@@ -4,7 +4,7 @@
 
 namespace quillon::sim {
 
-// A view model may still be at work when its screen goes, so it is let go of last.
+// A view model may still be running when its screen closes, so it is released last.
 void Screens::presentBanner(Services sdk) {
   if (banner_) return;
   auto model = ConsentBannerViewModel::make(sdk, [this] { const auto gone = std::exchange(banner_, std::nullopt); });

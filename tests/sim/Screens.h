@@ -1,4 +1,4 @@
-// The screens of one process, with the view models that a toolkit would draw.
+// The screens of one process: the real view models, without rendering.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@
 
 namespace quillon::sim {
 
-// A banner that is asked for while there is one stays as it is, and so does a preference centre.
+// Presenting a banner or preference centre that is already shown has no effect.
 class Screens : public ScreenPresenter {
  public:
   explicit Screens(Surroundings& around) : around_(around) {}
@@ -24,10 +24,10 @@ class Screens : public ScreenPresenter {
   void dismissBanner(Services sdk) override;
   void openSystemSettings() override {}
 
-  // What the user does on the screen, if it is there; the effect on the store.
+  // Simulate user input on the screen, if shown; report the effect on the store.
   void tapBanner(unsigned what, ActReport& report);
   void tapPreferences(unsigned what, ActReport& report);
-  // Takes everything away without a tap.
+  // Removes all screens without input.
   void clear();
 
  private:
@@ -38,7 +38,7 @@ class Screens : public ScreenPresenter {
   struct Preferences {
     std::shared_ptr<PreferenceCenterViewModel> model;
     std::shared_ptr<void> shown;
-    std::size_t openedAt;  // contents of the store
+    std::size_t openedAt;  // index into Surroundings::moments
   };
 
   void judge(const Preferences& preferences) const;

@@ -41,7 +41,7 @@ struct Servers::Exchange {
   HttpSession::Completion completion;
   std::optional<RequestFault> fault;
   Upload upload;
-  std::optional<int> version;  // of the document that is on its way
+  std::optional<int> version;  // of the document in transit
   bool hasArrived = false;
   bool isOver = false;
   std::unique_ptr<Timer> limit;
@@ -165,7 +165,7 @@ void Servers::arrive(const Pointer& exchange) {
 
 HttpResponse Servers::answerTo(Exchange& exchange) {
   HttpResponse response{.url = exchange.request.url, .status = 200, .headers = {}, .body = {}};
-  // The tags of one server reach every other, as all requests share the store's only slot for them.
+  // Tags of any server may be sent to any other, since the SDK stores only one tag for all requests.
   if (++answered_ % 5 == 0) response.headers["Etag"] = "\"other\"";
   switch (exchange.fault.value_or(RequestFault::lost)) {
     case RequestFault::serverError:

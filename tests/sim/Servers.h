@@ -1,4 +1,4 @@
-// The servers that the processes reach, and the network between them.
+// The simulated servers and network.
 #pragma once
 
 #include <array>
@@ -22,38 +22,38 @@ namespace quillon::sim {
 enum class Server { configuration, location, uploads };
 inline constexpr std::size_t serverCount = 3;
 
-// What becomes of one request to come.
+// The fault of an upcoming request.
 enum class RequestFault {
-  lost,         // on the way there, at once
-  timesOut,     // on the way there, after the request's whole time
-  answerLost,   // the server took it
-  slow,         // each way takes seconds, so that later requests overtake it
+  lost,         // not delivered, fails immediately
+  timesOut,     // not delivered, fails after the request's time limit
+  answerLost,   // processed by the server, response lost
+  slow,         // seconds in each direction, so later requests may overtake it
   serverError,  // status 500
   notFound,     // status 404
-  garbage,      // an answer that is no JSON
-  notModified,  // status 304, whatever was asked
+  garbage,      // response is not JSON
+  notModified,  // status 304, regardless of the request
   failed,       // upload: status 1; location: no country
   refused,      // upload: status 2
 };
 inline constexpr std::size_t requestFaultCount = static_cast<std::size_t>(RequestFault::refused) + 1;
 
 struct Upload {
-  int number = 0;  // in the order in which they were sent
+  int number = 0;  // in sending order
   bool isImplicit = false;
   std::string subject = {};
-  std::map<int, std::string> purposes = {};  // statuses in words
-  std::set<int> signalled = {};              // of them, those said to be a privacy signal's
+  std::map<int, std::string> purposes = {};  // statuses as text
+  std::set<int> signalled = {};              // those of them attributed to a privacy signal
 };
 
 class Servers {
  public:
-  // Told at the moment when it happens; each is given the owner that sent the request.
+  // Called synchronously; `owner` sent the request.
   struct Events {
     // `isTwice`: the same session waits for that document already.
     std::function<void(int owner, Server server, bool isTwice)> asked;
     std::function<void(int owner, const Upload& upload)> uploadSent;
     std::function<void(const Upload& upload)> uploadTaken;
-    // `url` is that of the request; a version that is answered out of the cache of the process is not told.
+    // `url` is the requested one. Not called for a version that comes from the process's own cache.
     std::function<void(int owner, const std::string& url, int version)> configurationDelivered;
     std::function<void()> disturbed;  // a request failed
     std::function<void(const std::string& line)> noted;
@@ -64,7 +64,7 @@ class Servers {
 
   static constexpr const char* address = "https://sim.test/";
 
-  // The document that is published under a name such as "app/live/config_en.json"; none is status 404.
+  // Publishes a document under a name such as "app/live/config_en.json"; null means status 404.
   void publish(const std::string& name, const Document* document);
   void setPlace(std::optional<std::string> place) { place_ = std::move(place); }
   void setReachable(bool isReachable) { isReachable_ = isReachable; }
@@ -73,9 +73,9 @@ class Servers {
   // The process sets up the SDK, which may ask for the same document as before.
   void beginSession(int owner) { ++sessions_[owner]; }
 
-  // The network as a process has it.
+  // The network service of a process.
   [[nodiscard]] std::shared_ptr<HttpSession> sessionFor(int owner);
-  // The process has ended. What has not arrived yet arrives now, or never.
+  // The process has ended. Its requests in flight arrive now if `arrives`, else never.
   void end(int owner, bool arrives);
   [[nodiscard]] bool hasRequestsOf(int owner) const;
 
@@ -85,7 +85,7 @@ class Servers {
   using Pointer = std::shared_ptr<Exchange>;
 
   void send(int owner, HttpRequest request, std::stop_token stop, HttpSession::Completion completion);
-  // Runs the job as soon as the network gets to it.
+  // Schedules a network job.
   void travel(const Pointer& exchange, Job job);
   void arrive(const Pointer& exchange);
   HttpResponse answerTo(Exchange& exchange);

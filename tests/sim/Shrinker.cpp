@@ -9,7 +9,7 @@
 namespace quillon::sim {
 namespace {
 
-// Claims begin with their number; what follows names processes and the like, which may change on the way.
+// Compares claim numbers only; the rest of the text, such as process numbers, may change while shrinking.
 std::string claimOf(const Outcome& outcome) {
   return outcome.failure ? outcome.failure->substr(0, outcome.failure->find(':')) : std::string();
 }

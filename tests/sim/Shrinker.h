@@ -1,11 +1,11 @@
-// The shortest way to a failure.
+// Minimizes failing plans.
 #pragma once
 
 #include "tests/sim/Plan.h"
 
 namespace quillon::sim {
 
-// A plan that fails on the same claim with as few steps, processes and choices as could be found in so many lives.
+// The smallest plan found, in at most `lives` runs, that violates the same claim: fewest steps, processes and choices.
 [[nodiscard]] Plan shrunk(Plan failing, int lives = 3000);
 
 }  // namespace quillon::sim

@@ -35,7 +35,7 @@ TEST(SimTest, SameSeedLeavesTheSameTrail) {
   }
 }
 
-// Whatever the plan does, with privacy signals and without.
+// Covers all acts, with privacy signals and without.
 TEST(SimTest, PrintedTestsCompile) {
   Plan plan = makePlan(firstSeedWithSignals, 0);
   plan.signals = SignalUse{.isGiven = true, .purposes = std::vector<int>{1, 2}};

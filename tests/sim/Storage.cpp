@@ -4,7 +4,7 @@
 
 namespace quillon::sim {
 
-// Outlives the storage when the SDK does; then it stands for the files of a process that has ended.
+// May outlive Storage, if the SDK does; after close() it fails, as the files of an ended process.
 class Storage::Files : public FileSystem {
  public:
   Files(std::shared_ptr<FileSystem> shared, Storage& storage) : shared_(std::move(shared)), storage_(&storage) {}

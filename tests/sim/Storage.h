@@ -1,4 +1,4 @@
-// The store and the files as one process has them: shared with the others, and sometimes out of order.
+// One process's view of the shared store and files, with fault injection.
 #pragma once
 
 #include <functional>
@@ -11,18 +11,18 @@
 
 namespace quillon::sim {
 
-// What becomes of one change to come.
+// The fault of an upcoming change.
 struct StorageFault {
-  unsigned changesBefore = 0;  // that still succeed
-  bool endsProcess = false;    // else the change fails and the process goes on
-  bool takesEffect = false;    // only where the process ends
+  unsigned changesBefore = 0;  // number of changes that still succeed
+  bool endsProcess = false;    // otherwise the change fails and the process continues
+  bool takesEffect = false;    // only if endsProcess
 };
 
 class Storage {
  public:
-  // The function ends the process, within the change that it must not survive.
+  // `endProcess` is called from within the change during which the process dies.
   Storage(const MemoryStore& shared, std::shared_ptr<FileSystem> files, std::function<void()> endProcess);
-  // What is still under way in the process may outlive it, and finds store and files broken.
+  // Work that outlives the process sees a failing store and failing files.
   ~Storage();
   Storage(const Storage&) = delete;
   Storage& operator=(const Storage&) = delete;
@@ -30,12 +30,12 @@ class Storage {
   void failStore(StorageFault fault) { storeFault_ = fault; }
   void failFiles(StorageFault fault) { fileFault_ = fault; }
   void heal();
-  // The process has ended: nothing changes any more.
+  // The process has ended: all further changes are ignored.
   void end();
 
   [[nodiscard]] const std::shared_ptr<MemoryStore>& store() const { return store_; }
   [[nodiscard]] std::shared_ptr<FileSystem> files();
-  // How many changes have failed since this process began.
+  // The number of failed changes since the process began.
   [[nodiscard]] unsigned storeFailures() const { return storeFailures_; }
   [[nodiscard]] unsigned fileFailures() const { return fileFailures_; }
 

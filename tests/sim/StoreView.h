@@ -1,4 +1,4 @@
-// What lies in the store, read by the names that it is specified with and not through the SDK.
+// The store's content, read by its documented key names, bypassing the SDK.
 #pragma once
 
 #include <cstdint>
@@ -13,11 +13,11 @@
 namespace quillon::sim {
 
 struct StoreView {
-  std::map<int, std::string> decisions;  // by purpose, in words
-  std::set<int> answered;                // that the user has answered
-  std::set<int> signalled;               // that a privacy signal decided
+  std::map<int, std::string> decisions;  // by purpose, as text
+  std::set<int> answered;                // purposes answered by the user
+  std::set<int> signalled;               // purposes decided by a privacy signal
   std::string given = "CONSENT_NO_ACTION";
-  std::string law;  // empty while none is known
+  std::string law;  // compliance type; empty while unknown
   std::string interval = "12 month";
   std::int64_t version = 0;
   bool isBannerPresent = false;
@@ -25,7 +25,7 @@ struct StoreView {
   std::vector<std::int64_t> pending;
   bool isAnyPermissionPending = false;
   bool hasUploadFailed = false;
-  bool isRefused = false;  // the server does not want what is pending
+  bool isRefused = false;  // the server has finally rejected the pending decisions
   std::string subject;
 
   [[nodiscard]] std::optional<std::string> decision(int purpose) const {
@@ -35,7 +35,7 @@ struct StoreView {
   bool operator==(const StoreView&) const = default;
 };
 
-// Decisions, how they were given, and the law.
+// Decisions, consent type and compliance type as text.
 [[nodiscard]] std::string described(const StoreView& store);
 [[nodiscard]] StoreView viewOf(const SuiteEntries& entries);
 

@@ -76,7 +76,7 @@ bool Surroundings::wasStored(std::size_t since, int purpose, const std::string& 
     const auto decision = moment.store.decision(purpose);
     if (isIt(decision, moment.store.law)) return true;
     if (i == moments.size()) break;
-    // Between two moments the law is stored first, and what follows from it is decided then.
+    // An update may store the law first and derive decisions from it, so the next moment's law counts as well.
     const Moment& next = i + 1 < moments.size() ? moments[i + 1] : present;
     if (isIt(decision, next.store.law)) return true;
   }
@@ -98,7 +98,7 @@ std::optional<int> Surroundings::versionOnDisk() const {
 }
 
 void Surroundings::errorLogged(const std::string& block) {
-  // Nothing is wrong with an application that has nothing to answer, but it is told so.
+  // An application with nothing to answer gets these messages without any fault.
   const bool isTold = block.find("There is no configuration whose purposes could be answered") != std::string::npos ||
                       block.find("Something went wrong while recording default") != std::string::npos;
   if (!isDisturbed && !isTold) trail.fail(10, "an error without a fault: " + block);

@@ -1,4 +1,4 @@
-// What the processes of one world share.
+// The environment that all processes of a world share.
 #pragma once
 
 #include <memory>
@@ -41,31 +41,31 @@ class Surroundings {
   Traffic traffic;
   std::shared_ptr<bool> isTrackingAuthorized = std::make_shared<bool>(false);
   std::string language = "en";
-  // An error of the SDK's; explained, or not.
+  // Called for every error that the SDK logs; fails unless it is expected.
   void errorLogged(const std::string& block);
-  // Whether anything was put out of order since the beginning, or since everything healed.
+  // Whether a fault was injected since the start, or since all faults were removed.
   bool isDisturbed = false;
 
-  // Puts the clock on the wall forward or back.
+  // Moves the wall clock by `delta`.
   void jump(std::chrono::milliseconds delta);
-  // Seconds that have passed, whatever the clock on the wall shows.
+  // Monotonic time in seconds.
   [[nodiscard]] std::int64_t elapsed() const;
   [[nodiscard]] StoreView view() const;
-  // Writes a consent that nobody gave.
+  // Writes a consent that the user did not give.
   void tamper();
-  // What the store held after an act or the jobs behind it, and which purposes a signal may have refused then.
+  // The store after an act or its subsequent jobs, and the purposes that a signal may have refused then.
   struct Moment {
     StoreView store;
     std::set<int> refused;
   };
   std::vector<Moment> moments;
   void remember(const StoreView& store) { moments.push_back({store, model.mayBeRefused()}); }
-  // Whether that was the status of the purpose at some moment since there were that many.
+  // Whether the purpose had that status at some moment from index `since` on.
   [[nodiscard]] bool wasStored(std::size_t since, int purpose, const std::string& status) const;
-  // Whether nothing was decided about it then, as its signal had ended.
+  // Whether the purpose was undecided at some moment from index `since` on, after its signal had ended.
   [[nodiscard]] bool wasUndecided(std::size_t since, int purpose) const;
   [[nodiscard]] std::optional<int> versionOnDisk() const;
-  // The document under every name that it may be asked for by.
+  // Publishes the document under every name that may be requested.
   void publishEverywhere(const Document& document);
 
  private:

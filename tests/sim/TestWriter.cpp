@@ -9,7 +9,7 @@
 namespace quillon::sim {
 namespace {
 
-// As World takes the numbers of a step.
+// Interprets a step's numbers as World does.
 std::string purposeOf(const Step& step) {
   return std::to_string(purposes[step.what % purposes.size()]);
 }
@@ -132,7 +132,7 @@ std::string line(const Step& step, const Plan& plan, const std::vector<Document>
   }
 }
 
-// A reason may quote the log.
+// A failure may quote the log.
 std::string onOneLine(std::string text) {
   std::ranges::replace(text, '\n', ' ');
   if (text.ends_with('\\')) text += '.';

@@ -1,4 +1,4 @@
-// A plan in the words of an application's test.
+// Prints a plan as an application's test.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace quillon::sim {
 
-// A test over quillon::testing that makes the plan's steps, a file of its own. It fails until it is completed with what
-// must hold. A device has one process and runs its jobs as they come: what cannot be said there stands in a comment.
+// A complete source file: a test with quillon::testing that performs the plan's steps, and fails until its expectation
+// is added. A test device has one process and runs jobs in FIFO order; steps that it does not support become comments.
 [[nodiscard]] std::string asTest(const Plan& plan, const std::string& failure);
 
 }  // namespace quillon::sim

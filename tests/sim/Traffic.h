@@ -1,4 +1,4 @@
-// How many requests a process may make.
+// Limits the number of requests of a process.
 #pragma once
 
 #include <array>
@@ -10,24 +10,24 @@
 
 namespace quillon::sim {
 
-// Counts in hours of time that passes, whatever the clock on the wall shows.
+// Counts per hour of monotonic time.
 class Traffic {
  public:
   explicit Traffic(std::int64_t checkInterval) : checkInterval_(checkInterval) {}
 
-  // Something happened to which requests may be the answer.
+  // An event that may cause requests.
   void acted(std::int64_t second) { acts_.push_back(second); }
 
-  // Whether a request is one more, within an hour, than the check interval, the acts and the retries allow.
+  // Records a request; true if it exceeds what the check interval, the acts and the retries allow within an hour.
   bool isTooMuch(int owner, Server server, std::int64_t second) {
     auto& requests = requests_[owner][static_cast<std::size_t>(server)];
     requests.push_back(second);
     for (auto* times : {&requests, &acts_}) {
       while (!times->empty() && times->front() < second - hour) times->pop_front();
     }
-    // After 15, 45, 105 ... seconds, and the first time.
+    // The first attempt, and retries after 15, 45, 105 ... seconds.
     constexpr std::size_t retries = 9;
-    // A document may be asked for in a language and in none, and both once more without the tag of another one.
+    // A check may request the language's file and the default file, each again without an entity tag.
     constexpr std::size_t requestsOfACheck = 4;
     const auto checks = static_cast<std::size_t>(hour / checkInterval_ + 1);
     return requests.size() > requestsOfACheck * (checks + 2 * acts_.size() + retries);

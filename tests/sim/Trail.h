@@ -1,4 +1,4 @@
-// What happened in a world, and what was wrong with it.
+// A world's log, and its first failure.
 #pragma once
 
 #include <optional>
@@ -10,13 +10,13 @@ class Trail {
  public:
   explicit Trail(bool isKept) : isKept_(isKept) {}
 
-  // Whether lines are kept: who has none to spare asks before making one.
+  // Whether lines are recorded; ask before composing an expensive one.
   [[nodiscard]] bool isKept() const { return isKept_; }
   void note(const std::string& line) {
     if (isKept_) text_ += line + "\n";
   }
 
-  // A claim does not hold. The first failure counts: what follows may follow from it.
+  // A claim is violated. Only the first failure is kept, since later ones may be its consequences.
   void fail(int claim, const std::string& reason) {
     if (failure_) return;
     failure_ = "claim " + std::to_string(claim) + ": " + reason;

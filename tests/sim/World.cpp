@@ -22,12 +22,12 @@ class World {
   World& operator=(const World&) = delete;
 
   void make(const Step& step);
-  // Nothing is wrong any more: in the end all is as it must be.
+  // Removes all faults; afterwards the SDK must reach a consistent final state.
   void heal();
 
  private:
   Process& process(unsigned index);
-  // Ends every process and starts one.
+  // Ends all processes and starts one.
   void startAnew();
   void apply(const Step& step, ActReport& report);
   void applyToDevice(const Step& step);
@@ -35,7 +35,7 @@ class World {
   void publish(unsigned what, unsigned how);
   void jumpClock(unsigned what);
   void pass(std::chrono::milliseconds time, Choices* choices);
-  // Runs jobs: all, some or none of them.
+  // Runs jobs; `choices` selects which: all, some or none.
   void run(Choices* choices);
   void runAll(Choices* choices);
   void bury();
@@ -48,14 +48,14 @@ class World {
   std::vector<std::unique_ptr<Process>> processes_;
   std::vector<std::unique_ptr<Process>> dead_;
   int lastOwner_ = -1;
-  std::vector<int> ended_;  // owners whose process is gone
+  std::vector<int> ended_;  // owners of destroyed processes
   std::optional<int> versionBefore_;
 };
 
 World::~World() {
   processes_.clear();
   dead_.clear();
-  // What waits for a time or an answer goes with it.
+  // Work that waits for a timer or a response is cancelled.
   around_.isDisturbed = true;
   for (int i = 0; i < 3; ++i) {
     runAll(nullptr);
@@ -122,7 +122,7 @@ void World::make(const Step& step) {
   ActReport report{.owner = acting.owner()};
   const unsigned failures = acting.storage().storeFailures() + acting.storage().fileFailures();
   apply(step, report);
-  // After a restart there is another one, or none where that has ended already.
+  // A restart replaces the process; none is there if it has ended again already.
   const bool isAnother = step.act == Act::restart;
   Process* const judged = isAnother ? processes_[step.process % processes_.size()].get() : &acting;
   report.wasDisturbed =
@@ -325,7 +325,7 @@ void World::jumpClock(unsigned what) {
   using std::chrono::days;
   constexpr std::chrono::hours jumps[] = {1h, -1h, days(1), days(-1), days(32), days(32), days(400), days(-400)};
   if (what % 16 == 0) {
-    // Half an hour before clocks are put forward in Europe.
+    // Half an hour before the change to daylight-saving time in Europe.
     constexpr WallTime summer{std::chrono::seconds(1'743'294'600)};
     around_.jump(summer - around_.clock->now());
   } else {
@@ -354,7 +354,7 @@ void World::heal() {
   };
   wait(70s);
   wait(3601s + interval);
-  // Who has not answered is not watched, and what was refused is not tried again, before the next start.
+  // Before the next start, nothing is uploaded for a user who has not answered, and refused uploads are not retried.
   const StoreView present = around_.view();
   if (present.given == "CONSENT_NO_ACTION" || present.isRefused || present.isAnyPermissionPending) startAnew();
   around_.isDisturbed = false;

@@ -1,4 +1,4 @@
-// A world that lives through one plan.
+// Runs a plan in a new world.
 #pragma once
 
 #include <optional>
@@ -9,9 +9,9 @@
 namespace quillon::sim {
 
 struct Outcome {
-  std::optional<std::string> failure;  // the claim that does not hold, and why
-  std::size_t steps = 0;               // that were made
-  std::string trail;                   // when it was wanted
+  std::optional<std::string> failure;  // the violated claim, and the reason
+  std::size_t steps = 0;               // executed steps
+  std::string trail;                   // if requested
 };
 
 enum class Keep { nothing, trail };

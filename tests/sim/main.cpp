@@ -1,4 +1,4 @@
-// quillon-sim: whole worlds around the SDK, each of which a seed decides.
+// quillon-sim: seeded simulations of the SDK and its environment.
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdio>
@@ -54,7 +54,7 @@ int run(const Options& options) {
 
 int main(int argc, char** argv) {
   using namespace quillon::sim;
-  // Where clocks change.
+  // A time zone with daylight-saving time.
   setenv("TZ", "Europe/Berlin", 1);
   CLI::App app("Lets the SDK live through worlds, each of which a seed decides.", "quillon-sim");
   Options options;

@@ -8,7 +8,7 @@
 
 namespace quillon::tools {
 
-// A device's upload for a subject of its own, with one purpose and one permission.
+// A device's upload for a unique subject, with one purpose and one permission.
 [[nodiscard]] boost::json::object sampleUpload(const CheckedServers& servers, const std::string& subject);
 [[nodiscard]] boost::json::object samplePurpose(std::int64_t id, const char* status, std::int64_t timestamp);
 [[nodiscard]] std::int64_t secondsNow();

@@ -10,12 +10,12 @@ namespace {
 
 constexpr std::size_t mostValues = 2'000'000;
 
-// Finds the values of a text that is known to be JSON.
+// Locates the values of a text that is valid JSON.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text) {}
 
-  // Nothing when there are too many.
+  // nullopt if there are too many values.
   std::optional<Value> document() {
     Value root = value();
     if (count_ > mostValues) return std::nullopt;
@@ -62,7 +62,7 @@ class Scanner {
     return value;
   }
 
-  // The recursion is as deep as the document, which is bounded.
+  // Recursion is as deep as the document, which is bounded.
   void children(Value& parent, char bracket) {
     ++at_;
     for (skipBlanks(); text_[at_] != bracket; skipBlanks()) {
@@ -125,7 +125,7 @@ const Value* Document::child(const Value& parent, const DocumentPath::Step& step
   }
   if (parent.kind != Value::Kind::object) return nullptr;
   const std::string_view wanted = std::get<std::string>(step);
-  // Of duplicate keys the last one, which readers of JSON take.
+  // JSON readers use the last one of duplicate keys.
   for (const Value& member : std::views::reverse(parent.children)) {
     const auto spelt = std::string_view(text_).substr(member.keyBegin + 1, member.keyEnd - member.keyBegin - 2);
     if (spelt.contains('\\') ? key(member) == wanted : spelt == wanted) return &member;

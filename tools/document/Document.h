@@ -1,4 +1,4 @@
-// A JSON document together with the place of each of its values, which the records that decode() makes do not keep.
+// A JSON document with the position of each value, which decode()'s records do not keep.
 #pragma once
 
 #include <cstddef>
@@ -13,14 +13,14 @@
 
 namespace quillon::tools {
 
-// What keeps a text from being a document. decode() refuses it for the same reason.
+// Why a text is not a document; decode() rejects it for the same reason.
 struct SyntaxError {
   DocumentPath path;
   std::size_t offset;  // bytes from the start
   std::string text;
 };
 
-// A value and its place in the document: bytes from its start.
+// A value and its position, in bytes from the start of the document.
 struct Value {
   enum class Kind : std::uint8_t { null, boolean, number, text, array, object };
 
@@ -28,29 +28,28 @@ struct Value {
   std::uint32_t begin = 0;
   std::uint32_t end = 0;  // one past the last byte
   std::uint32_t keyBegin = 0;
-  std::uint32_t keyEnd = 0;  // with its quotes; 0 when the value is no member of an object
+  std::uint32_t keyEnd = 0;  // including the quotes; 0 if the value is not a member of an object
   std::vector<Value> children = {};
 };
 
 // A document that is valid JSON. Immutable.
 class Document {
  public:
-  // Documents of up to 32 MiB, 64 levels and two million values: those that decode() takes, and that fit into memory
-  // with their places.
+  // Accepts up to 32 MiB and 64 levels, as decode() does, and up to two million values, to bound memory.
   [[nodiscard]] static std::expected<Document, SyntaxError> parse(std::string text);
 
   [[nodiscard]] const std::string& text() const { return text_; }
   [[nodiscard]] const Value& root() const { return root_; }
 
-  // The value as the document spells it.
+  // The value's text in the document.
   [[nodiscard]] std::string_view source(const Value& value) const;
-  // The key of an object's member, and the content of a text.
+  // The unescaped key of an object's member; the unescaped content of a string.
   [[nodiscard]] std::string key(const Value& member) const;
   [[nodiscard]] std::string content(const Value& text) const;
 
-  // Null when there is none.
+  // Null if missing.
   [[nodiscard]] const Value* find(const DocumentPath& path) const;
-  // The value, else the innermost one that would hold it.
+  // The value, or the innermost existing one on its path.
   [[nodiscard]] const Value& nearest(const DocumentPath& path) const;
 
  private:

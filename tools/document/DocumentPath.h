@@ -27,7 +27,7 @@ class DocumentPath {
   [[nodiscard]] DocumentPath at(std::size_t index) const { return with(index); }
 
   [[nodiscard]] const std::vector<Step>& steps() const { return steps_; }
-  // For messages: every key as shown() has it; "document" for the root.
+  // For messages: keys escaped with shown(); "document" for the root.
   [[nodiscard]] std::string text() const;
 
  private:

@@ -11,7 +11,7 @@ namespace {
 namespace json = boost::json;
 using Steps = std::span<const DocumentPath::Step>;
 
-// Sets a member at the end of a path through objects, which are made where they are missing.
+// Sets a member below an object; creates missing objects on the way.
 bool setIn(json::object& object, Steps steps, const json::value& value) {
   const auto* key = std::get_if<std::string>(&steps.front());
   if (!key) return false;
@@ -64,7 +64,7 @@ bool Edits::set(const DocumentPath& path, const json::value& value) {
 std::string Edits::text() const {
   std::vector<Splice> splices;
   for (const auto& [place, value] : replaced_) {
-    // A list in one line stays in one.
+    // An array on one line stays on one line.
     const bool isOneLine = value.is_array() && !place->children.empty() && !document_.source(*place).contains('\n');
     splices.push_back(
         {place->begin, place->end,
@@ -83,7 +83,7 @@ std::string Edits::text() const {
   return text.append(document_.text(), at);
 }
 
-// Of the members of an object, or the elements of an array, behind those that are there.
+// Appends members or elements to those that the parent has.
 Edits::Splice Edits::addition(const Value& parent, const json::value& children) const {
   const JsonLayout lines = layout();
   if (parent.children.empty()) return {parent.begin, parent.end, laidOut(children, lines, indentationAt(parent.begin))};
@@ -103,7 +103,7 @@ Edits::Splice Edits::addition(const Value& parent, const json::value& children) 
   return {last.end, last.end, text};
 }
 
-// The blanks that begin the line.
+// The leading white space of the line.
 std::string Edits::indentationAt(std::size_t offset) const {
   const std::string& text = document_.text();
   const auto newline = text.rfind('\n', offset);
@@ -112,7 +112,7 @@ std::string Edits::indentationAt(std::size_t offset) const {
   return text.substr(begin, std::min(end, offset) - begin);
 }
 
-// That of the first member, which most documents have in a line of its own.
+// Taken from the root's first member, which is usually on its own line.
 JsonLayout Edits::layout() const {
   JsonLayout layout;
   const std::string& text = document_.text();
@@ -130,7 +130,7 @@ std::optional<std::string> without(const Document& document, const DocumentPath&
   if (!value || steps.empty()) return std::nullopt;
   const Value& parent = *document.find(DocumentPath({steps.begin(), steps.end() - 1}));
   const auto index = static_cast<std::size_t>(value - parent.children.data());
-  // With its comma: the one before it, or of a first child the one behind. An only child leaves nothing.
+  // Removes a comma too: the preceding one or, for the first child, the following one. An only child has none.
   std::size_t begin = parent.begin + 1;
   std::size_t end = parent.end - 1;
   if (index > 0) {

@@ -1,4 +1,4 @@
-// Changes to a document that leave everything else as somebody wrote it: order, indentation and spelling.
+// Edits a document and preserves everything else as written: order, indentation, spelling.
 #pragma once
 
 #include <boost/json/array.hpp>
@@ -18,9 +18,9 @@ class Edits {
  public:
   explicit Edits(const Document& document) : document_(document) {}
 
-  // Sets what is at a path: a new value takes the place of the old one, a new member is appended to its object, and
-  // missing objects on the way are made. The index behind the last element of an array appends one. An equal value
-  // changes nothing. False when the path leads through something that is no object, or to another missing element.
+  // Sets the value at a path: replaces an existing one, or appends a new member to its object; creates missing objects
+  // on the way. The index after an array's last element appends one. Setting an equal value is a no-op. False if the
+  // path leads through a value that is not an object, or to another missing element.
   bool set(const DocumentPath& path, const boost::json::value& value);
 
   [[nodiscard]] bool isEmpty() const { return replaced_.empty() && added_.empty() && appended_.empty(); }
@@ -29,7 +29,7 @@ class Edits {
   [[nodiscard]] std::string text() const;
 
  private:
-  // Text in place of what is between two offsets.
+  // The replacement of the text between two offsets.
   struct Splice {
     std::size_t begin;
     std::size_t end;
@@ -42,11 +42,11 @@ class Edits {
 
   const Document& document_;
   std::map<const Value*, boost::json::value> replaced_;
-  std::map<const Value*, boost::json::object> added_;    // by the object that gets them
-  std::map<const Value*, boost::json::array> appended_;  // by the array
+  std::map<const Value*, boost::json::object> added_;    // by the object they are added to
+  std::map<const Value*, boost::json::array> appended_;  // by the array they are added to
 };
 
-// The document without the member or element at a path; nullopt when there is none, or the path is the root's.
+// The document without the value at a path; nullopt if the value is missing or the root.
 [[nodiscard]] std::optional<std::string> without(const Document& document, const DocumentPath& path);
 
 }  // namespace quillon::tools

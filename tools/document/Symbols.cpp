@@ -10,7 +10,7 @@ namespace quillon::tools {
 std::vector<std::string_view> symbolsOf(const JsonType& type) {
   std::vector<std::string_view> symbols;
   if (type.kind != JsonType::Kind::symbol || type.isOpen) return symbols;
-  // The enumerations of documents are plain ints that count from zero.
+  // Documents' enumerations have type int and count from zero.
   for (int number = 0; type.size == sizeof number; ++number) {
     alignas(int) std::byte value[sizeof number];
     std::memcpy(value, &number, sizeof number);

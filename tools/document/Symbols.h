@@ -1,4 +1,4 @@
-// The texts that the fields of a document's enumerations may have.
+// The values of enumerations in documents.
 #pragma once
 
 #include <string_view>
@@ -8,10 +8,10 @@
 
 namespace quillon::tools {
 
-// The cases of an enumeration, in their order; none for one of which any text is a case.
+// The enumeration's values, in order; empty if it accepts any text.
 [[nodiscard]] std::vector<std::string_view> symbolsOf(const JsonType& type);
 
-// The permissions that the SDK knows, in their order.
+// The permissions known to the SDK, in order.
 [[nodiscard]] std::vector<std::string_view> knownPermissions();
 
 }  // namespace quillon::tools

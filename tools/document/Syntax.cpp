@@ -9,7 +9,7 @@
 namespace quillon::tools {
 namespace {
 
-// Follows where the parser is. Whether keys are duplicate is not a matter of syntax.
+// Tracks the parser's path. Duplicate keys are not a syntax error.
 struct Place {
   static constexpr std::size_t max_array_size = std::numeric_limits<std::size_t>::max();
   static constexpr std::size_t max_object_size = max_array_size;
@@ -52,7 +52,7 @@ struct Place {
     steps.pop_back();
     return next();
   }
-  // A value ended.
+  // Called at the end of each value.
   bool next() {
     if (!steps.empty()) {
       if (auto* index = std::get_if<std::size_t>(&steps.back())) ++*index;
@@ -76,7 +76,7 @@ std::optional<SyntaxError> syntaxError(std::string_view text) {
   if (!error && consumed < text.size()) error = boost::json::error::extra_data;
   if (!error) return std::nullopt;
   auto steps = std::move(parser.handler().steps);
-  // An object without a key yet.
+  // The error is before the object's next key.
   if (!steps.empty() && steps.back() == DocumentPath::Step(std::string())) steps.pop_back();
   std::string what = error == boost::json::error::too_deep ? "nested deeper than 64 levels" : error.message();
   return SyntaxError{DocumentPath(std::move(steps)), consumed, std::move(what)};

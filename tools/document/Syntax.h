@@ -1,4 +1,4 @@
-// Whether a text is JSON, as decode() reads it.
+// Checks JSON syntax as decode() does.
 #pragma once
 
 #include <optional>

@@ -1,4 +1,4 @@
-// The banners of a configuration by what the law asks of them.
+// Selects banners by the legal regime of their locations.
 #pragma once
 
 #include <set>
@@ -9,8 +9,7 @@
 
 namespace quillon::tools {
 
-// A place of each country in which consent has to be given before: the European Economic Area, the United Kingdom and
-// Switzerland.
+// The countries that require prior consent: the European Economic Area, the United Kingdom and Switzerland.
 inline constexpr std::string_view europeanCountries[] = {
     "AT", "BE", "BG", "CH", "CY", "CZ", "DE", "DK", "EE", "ES", "FI", "FR", "GB", "GR", "HR", "HU",
     "IE", "IS", "IT", "LI", "LT", "LU", "LV", "MT", "NL", "NO", "PL", "PT", "RO", "SE", "SI", "SK"};
@@ -19,7 +18,7 @@ inline constexpr std::string_view europeanCountries[] = {
   return banner.complianceType.value_or(ComplianceType::noticeOnly);
 }
 
-// Calls with each banner, its path, and a country of Europe in which users get it; empty when there is none.
+// Calls with each banner, its path, and a European country whose users get it; empty if there is none.
 template <class Visit>
 void forEachBanner(const MainConfiguration& configuration, Visit visit) {
   if (!configuration.bannerConfig) return;

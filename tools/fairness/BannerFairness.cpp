@@ -25,13 +25,13 @@ bool isMissing(const std::optional<std::string>& text) {
   return !text || text->empty();
 }
 
-// In characters.
+// In characters, not bytes.
 std::size_t lengthOf(std::string_view text) {
   return static_cast<std::size_t>(
       std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-// Calls with each of a banner's texts that the user reads before the answer, in each language.
+// Calls with each text that the user reads before answering, in each language.
 template <class Visit>
 void forEachBannerText(const BannerConfig& banner, const DocumentPath& path, Visit visit) {
   for (const auto& [key, member] : configured::bannerTexts) {

@@ -10,7 +10,7 @@
 namespace quillon::tools {
 namespace {
 
-// A place whose users get the banner; nullopt when nobody does.
+// A location whose users get the banner; nullopt if there is none.
 std::optional<std::string> placeOf(const MainConfiguration& configuration, const BannerConfig& banner) {
   if (selectBanner(configuration, std::nullopt) == &banner) return "";
   for (const auto& [place, category] : configuration.bannerConfig->locations) {

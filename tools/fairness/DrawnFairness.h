@@ -1,4 +1,4 @@
-// What can only be told of a banner that is drawn.
+// Fairness rules that require a rendered banner.
 #pragma once
 
 #include <string>
@@ -10,8 +10,8 @@ namespace quillon::tools {
 
 class WarmPreview;
 
-// Draws each banner that asks users of some place, in each of its languages, and compares the buttons by which it is
-// answered. The document is the configuration's. What cannot be drawn is reported, too.
+// Draws each banner that is shown at some location, in each of its languages, and compares its answer buttons. The
+// document must be the configuration's. Drawing failures are reported as well.
 void drawnAnswersAreAlike(const std::string& document, const MainConfiguration& configuration, WarmPreview& screens,
                           const Report& report);
 

@@ -1,4 +1,4 @@
-// Rules of fair asking, as far as a document can break them; docs/fairness.md has their sources.
+// The fairness rules that a document can violate; docs/fairness.md has their sources.
 #pragma once
 
 #include <span>

@@ -1,4 +1,4 @@
-// Each is named after what it expects; their names for users are in Fairness.cpp.
+// The fairness rules. Each is named after what it expects; their names for users are in Fairness.cpp.
 #pragma once
 
 #include "core/Configuration/ConfiguredTexts.h"

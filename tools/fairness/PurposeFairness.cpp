@@ -31,7 +31,7 @@ void add(const DefaultMapping& mapping, Identifiers& identifiers) {
   add(mapping.analyticsStorage, identifiers);
 }
 
-// Purposes of advertising, measurement and tracking, by what else the configuration does with them.
+// Purposes used for advertising, measurement or tracking, according to the rest of the configuration.
 Identifiers trackingPurposes(const MainConfiguration& configuration) {
   Identifiers identifiers;
   if (configuration.attConfig) add(configuration.attConfig->purposeIds, identifiers);

@@ -16,7 +16,7 @@ constexpr std::string_view evasions[] = {
     "choisir",  "en savoir plus", "continuer", "configurar", "ajustes",     "opciones",    "más tarde",
     "ahora no", "gestionar",      "continuar"};
 
-// What says so all the same, as "Continue without accepting" does.
+// Phrases that do state a refusal, such as "Continue without accepting".
 constexpr std::string_view refusals[] = {"reject",          "refuse",
                                          "decline",         "deny",
                                          "opt out",         "without accepting",
@@ -98,7 +98,7 @@ bool isPartOfWord(char c) {
   return isLetter(c) || isDigit(c) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-// Whole words only: "more" is not in "no moreover".
+// Matches whole words only: "more" does not match "moreover".
 bool holds(std::string_view text, std::string_view phrase) {
   for (std::size_t at = text.find(phrase); at != std::string_view::npos; at = text.find(phrase, at + 1)) {
     const std::size_t end = at + phrase.size();

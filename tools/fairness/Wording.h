@@ -1,17 +1,17 @@
-// Words on the screens that lead instead of asking.
+// Detects manipulative wording.
 #pragma once
 
 #include <string_view>
 
 namespace quillon::tools {
 
-// The phrase that was found, in English, German, French or Spanish; empty for none. Case does not matter.
+// Each returns the phrase found, in English, German, French or Spanish, ignoring case; empty if there is none.
 
-// A button that refuses must say so; these put off, or lead to another layer.
+// Evasive labels of a refuse button, which postpone the answer or lead to another layer.
 [[nodiscard]] std::string_view evasionIn(std::string_view text);
-// Something else than an answer is said to be one.
+// Claims that something other than an answer is consent.
 [[nodiscard]] std::string_view silentConsentIn(std::string_view text);
-// Praise, guilt, fear and haste.
+// Praise, guilt, fear, urgency.
 [[nodiscard]] std::string_view pressureIn(std::string_view text);
 
 }  // namespace quillon::tools

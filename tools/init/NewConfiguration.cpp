@@ -34,18 +34,18 @@ std::vector<std::string> keysOf(const json::object& object) {
   return keys;
 }
 
-// The languages of a text that are wanted.
+// The text in the requested languages.
 json::object in(const std::vector<std::string>& languages, const json::object& text) {
   json::object result;
   for (const auto& language : languages) {
     if (const auto* words = text.if_contains(language)) result[language] = *words;
   }
-  // Where there is none of them, translators begin with English.
+  // If there is none of them, falls back to English for translators to start from.
   if (const auto* words = text.if_contains("en"); words && result.empty()) result["en"] = *words;
   return result;
 }
 
-// Adds each member of a part of the template; texts in the languages that are wanted.
+// Copies the members of a part of the template, with texts in the requested languages.
 void add(json::object& to, const json::object& part, const std::vector<std::string>& languages) {
   for (const auto& [key, value] : part) {
     if (!value.is_object()) {
@@ -56,7 +56,7 @@ void add(json::object& to, const json::object& part, const std::vector<std::stri
   }
 }
 
-// "Plans" is in the first language; "en=Plans|de=Pläne" names its languages.
+// "Plans" is in the first language; "en=Plans|de=Pläne" states its languages.
 json::object ownText(std::string_view wish, const std::vector<std::string>& languages) {
   json::object text;
   while (wish.contains('=')) {

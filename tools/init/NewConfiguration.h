@@ -1,4 +1,4 @@
-// A configuration to begin with.
+// Generates a configuration to start from.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -12,21 +12,21 @@ namespace quillon::tools {
 struct NewConfiguration {
   std::string name;
   std::string token;
-  std::string privacyNotice;                  // an address
+  std::string privacyNotice;                  // URL
   std::vector<std::string> languages;         // codes
-  std::vector<std::string> purposes;          // names of the template, or texts such as "Plans" or "en=Plans|de=Pläne"
+  std::vector<std::string> purposes;          // template purposes, or texts such as "Plans" or "en=Plans|de=Pläne"
   std::vector<std::string> permissions;       // usage-description keys
-  std::map<std::string, std::string> places;  // to a compliance type; "default" is elsewhere
+  std::map<std::string, std::string> places;  // location to compliance type; "default" applies elsewhere
 };
 
-// The languages and purposes that have texts already.
+// The languages and purposes of the template.
 [[nodiscard]] std::vector<std::string> templateLanguages();
 [[nodiscard]] std::vector<std::string> templatePurposes();
 
-// "EU" stands for the countries of the European Economic Area, with the United Kingdom and Switzerland.
+// "EU" expands to the countries of the European Economic Area, the United Kingdom and Switzerland.
 [[nodiscard]] std::vector<std::string> placesOf(const std::string& region);
 
-// The document, or what is wrong with the wishes. It lints clean if every language has all texts.
+// The document, or the error in `wishes`. It passes lint if every language has all texts.
 [[nodiscard]] std::expected<boost::json::object, std::string> documentOf(const NewConfiguration& wishes);
 
 }  // namespace quillon::tools

@@ -1,11 +1,11 @@
-// Texts of a new configuration, in the languages that they are written in.
+// The multilingual texts of new configurations.
 #pragma once
 
 #include <string_view>
 
 namespace quillon::tools {
 
-// template.json of this folder.
+// The content of template.json in this folder.
 extern const std::string_view configurationTemplate;
 
 }  // namespace quillon::tools

@@ -1,4 +1,4 @@
-# Completion of quillon-consent for bash. What can be said is asked of the program, so it is never out of date.
+# Bash completion of quillon-consent. It queries the program, so it is never out of date.
 _quillon_consent() {
   local word=${COMP_WORDS[COMP_CWORD]} command=${COMP_WORDS[1]-} words=
   if [ "$COMP_CWORD" = 1 ]; then

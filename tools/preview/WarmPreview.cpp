@@ -18,11 +18,11 @@ namespace {
 
 namespace json = boost::json;
 
-constexpr auto longestDrawing = std::chrono::seconds(20);  // the first one reads the fonts, too
+constexpr auto longestDrawing = std::chrono::seconds(20);  // the first drawing also loads the fonts
 constexpr std::int64_t largestPicture = 256 << 20;
 constexpr std::size_t largestLine = 1 << 20;
 
-// Whether the descriptor can be used in time.
+// Waits until the descriptor is ready or the deadline has passed.
 bool await(int descriptor, short event, std::chrono::steady_clock::time_point deadline) {
   for (;;) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
@@ -107,7 +107,7 @@ bool WarmPreview::start() {
   posix_spawn_file_actions_init(&files);
   posix_spawn_file_actions_adddup2(&files, ends[1], STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&files, ends[1], STDOUT_FILENO);
-  // Signals as usual, whatever this process waits for.
+  // The program must not inherit this process's blocked signals.
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   sigset_t none;
@@ -130,7 +130,7 @@ bool WarmPreview::start() {
 void WarmPreview::end() {
   if (connection_ >= 0) close(std::exchange(connection_, -1));
   if (program_ > 0) {
-    kill(program_, SIGKILL);  // it keeps nothing
+    kill(program_, SIGKILL);  // it has no state to save
     waitpid(program_, nullptr, 0);
   }
   program_ = -1;

@@ -1,4 +1,4 @@
-// The screens of a document, drawn by the preview's program, which stays ready for the next ones.
+// Draws a document's screens with the preview program, which keeps running between drawings.
 #pragma once
 
 #include <sys/types.h>
@@ -17,10 +17,10 @@ namespace quillon::tools {
 
 struct DrawnScreen {
   std::string png;
-  std::vector<preview::MeasuredAnswer> answers;  // of a banner
+  std::vector<preview::MeasuredAnswer> answers;  // of a banner; else empty
 };
 
-// Starts the program when it is first needed, and anew after it failed. Thread-safe; one picture is drawn at a time.
+// Starts the program on first use, and again after a failure. Thread-safe; draws one picture at a time.
 class WarmPreview {
  public:
   WarmPreview() = default;
@@ -29,7 +29,7 @@ class WarmPreview {
   WarmPreview(const WarmPreview&) = delete;
   WarmPreview& operator=(const WarmPreview&) = delete;
 
-  // The view has the keys that ui/preview/Pictures.h names; the error is a sentence.
+  // `view` has the members of a request in ui/preview/Pictures.h. The error is a sentence.
   [[nodiscard]] std::expected<DrawnScreen, std::string> draw(boost::json::object view, std::string_view document);
 
  private:
@@ -38,12 +38,12 @@ class WarmPreview {
   bool start();
   void end();
   bool write(std::string_view bytes, Deadline deadline);
-  // More of the program's answers; false when there are none in time.
+  // Reads more output of the program; false on timeout or failure.
   bool readMore(Deadline deadline);
 
   std::mutex mutex_;  // guards all below
   pid_t program_ = -1;
-  int connection_ = -1;  // its standard input and output
+  int connection_ = -1;  // the program's standard input and output
   std::string read_;
 };
 

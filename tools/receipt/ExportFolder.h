@@ -1,4 +1,4 @@
-// Exports on the disk.
+// Reads and writes export folders.
 #pragma once
 
 #include <expected>
@@ -8,10 +8,10 @@
 
 namespace quillon::tools {
 
-// Every file below the folder. Refuses links, and more or larger files than an export has.
+// Reads every file below the folder. Rejects links, and more or larger files than an export has.
 [[nodiscard]] std::expected<proof::ExportFiles, std::string> readFolder(const std::string& folder);
 
-// Makes the folder, for this user only; it must be new or empty.
+// Creates the folder, accessible to this user only; an existing one must be empty.
 [[nodiscard]] std::expected<void, std::string> writeFolder(const std::string& folder, const proof::ExportFiles& files);
 
 }  // namespace quillon::tools

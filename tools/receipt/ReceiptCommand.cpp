@@ -74,7 +74,7 @@ Result<Expectations> expectations(const std::string& key) {
   return expected;
 }
 
-// The history to hold a receipt against, itself checked as far as it can be.
+// The history to compare a receipt with; verifies the history itself as far as possible.
 Result<ExportedHistory> historyFrom(const std::string& path, const Expectations& expected, Findings& findings) {
   std::string text;
   if (isFolder(path)) {

@@ -1,11 +1,12 @@
-// What the keys of a configuration hold, for editors that show it.
+// Descriptions of configuration keys, shown by editors.
 #pragma once
 
 #include <string_view>
 
 namespace quillon::tools {
 
-// Of a key in the record that another key holds, such as "purpose_id" in "purposes"; empty when the key says it itself.
+// Describes a key of the record that is the value of another key, such as "purpose_id" in "purposes"; empty if
+// self-explanatory.
 [[nodiscard]] std::string_view descriptionOf(std::string_view record, std::string_view key);
 
 }  // namespace quillon::tools

@@ -17,7 +17,7 @@ namespace {
 namespace json = boost::json;
 using Kind = JsonType::Kind;
 
-// One type may be that of several keys, and is written once.
+// A type used by several keys is defined once.
 class Writer {
  public:
   json::object schema() {
@@ -27,7 +27,7 @@ class Writer {
   }
 
  private:
-  // The schema of a value of this type, which the key holds that is given.
+  // The schema of a value of this type under `key`.
   json::object value(const JsonType& type, std::string_view key) {
     switch (type.kind) {
       case Kind::boolean:
@@ -55,7 +55,7 @@ class Writer {
 
   static json::object symbol(const JsonType& type) {
     if (!type.isOpen) return {{"enum", listOf(symbolsOf(type))}};
-    // Editors propose those that are known; any other text passes.
+    // Editors suggest the known values; any text is valid.
     return {{"anyOf", json::array{{{"enum", listOf(knownPermissions())}}, {{"type", "string"}}}}};
   }
 

@@ -18,7 +18,7 @@ namespace quillon::tools {
 class UploadStore;
 
 // The three endpoints of the SDK, and one to change the faults, over HTTP on 127.0.0.1. Requests are handled on a
-// thread pool; the observer, which must be thread-safe, is told of each before its response is sent.
+// thread pool; the observer, which must be thread-safe, is called for each before its response is sent.
 class DevelopmentServer {
  public:
   using Observer = std::function<void(const httplib::Request&, const httplib::Response&)>;

@@ -8,7 +8,7 @@
 
 namespace quillon::tools {
 
-// An HTTP server on 127.0.0.1, on a port that it shares with nobody. Requests are handled on a thread pool.
+// An HTTP server on 127.0.0.1 with exclusive use of its port. Requests are handled on a thread pool.
 class LoopbackServer {
  public:
   LoopbackServer();

@@ -1,12 +1,12 @@
-// What was on a screen, as a configuration that shows it again.
+// Converts a notice to a configuration that displays it.
 #pragma once
 
 #include <boost/json/object.hpp>
 
 namespace quillon::tools {
 
-// A configuration in one language whose banner and preference centre show the texts of the notice. Colours and logo are
-// not part of a notice, so they are the default ones.
+// A configuration in one language whose banner and preference centre show the notice's texts. Colours and logo are the
+// defaults, since a notice does not record them.
 [[nodiscard]] boost::json::object documentShowing(const boost::json::object& notice);
 
 }  // namespace quillon::tools

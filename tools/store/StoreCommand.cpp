@@ -65,7 +65,7 @@ std::expected<void, std::string> get(const StoreOptions& options) {
   return entry != entries->end() ? print(toJson(entry->second)) : std::unexpected("no value under " + options.key);
 }
 
-// Names every entry that does not hold.
+// Reports every entry whose hash chain link is broken.
 std::expected<void, std::string> holdsTogether(const HistoryPage& history) {
   std::size_t faults = history.isNewestMissing ? 1 : 0;
   if (history.isNewestMissing) std::cerr << "quillon-consent store: the newest entry was changed or is missing\n";
@@ -93,7 +93,7 @@ std::expected<void, std::string> history(const StoreOptions& options) {
   return holdsTogether(*history);
 }
 
-// What a decision was an answer to.
+// The notice that a decision answered.
 std::expected<void, std::string> notice(const StoreOptions& options) {
   const auto opened = openSuite(platformOver(options.dataDirectory), noticeSuiteName);
   if (!opened) return std::unexpected(opened.error());

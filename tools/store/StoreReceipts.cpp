@@ -20,7 +20,7 @@ namespace quillon::tools {
 namespace {
 
 std::expected<void, std::string> readNotices(const Platform& platform, HistoryEvidence& evidence) {
-  if (!suiteFile(platform, noticeSuiteName)) return {};  // of an earlier release, or without a screen
+  if (!suiteFile(platform, noticeSuiteName)) return {};  // written by an earlier release, or without screens
   const auto opened = openSuite(platform, noticeSuiteName);
   if (!opened) return std::unexpected(opened.error());
   for (const auto& [hash, value] : opened->content.entries) {
@@ -66,7 +66,7 @@ std::expected<ReceiptRequest, std::string> requestOf(const Platform& platform, c
   return request;
 }
 
-// Calls with what to make a receipt of, and the key to sign it.
+// Calls with the receipt request and the signing key.
 template <class Make>
 auto made(const StoreReceiptOptions& options, const Make& make)
     -> std::invoke_result_t<Make, const ReceiptRequest&, const proof::SigningKey&, RandomSource&> {

@@ -1,4 +1,4 @@
-// Receipts and exports of a store.
+// Makes receipts and exports from a store.
 #pragma once
 
 #include <cstdint>
@@ -11,14 +11,14 @@ namespace quillon::tools {
 
 struct StoreReceiptOptions {
   std::filesystem::path dataDirectory;
-  std::string out;         // a file or folder
-  std::string controller;  // a file; empty: none
+  std::string out;         // file or folder
+  std::string controller;  // file; empty: none
   std::vector<std::int64_t> purposes;
 };
 
-// Writes a receipt to the file, or to standard output when it is "-".
+// Writes a receipt to a file; "-" is standard output.
 [[nodiscard]] std::expected<void, std::string> writeReceipt(const StoreReceiptOptions& options);
-// Writes all that is kept of the person to a folder, which must be new or empty.
+// Writes all stored data of the person to a folder, which must be new or empty.
 [[nodiscard]] std::expected<void, std::string> writeExport(const StoreReceiptOptions& options);
 
 }  // namespace quillon::tools

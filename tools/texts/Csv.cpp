@@ -19,12 +19,12 @@ std::string withoutMark(std::string text) {
   return text;
 }
 
-// Reads one row after the other.
+// Reads row by row.
 class Reader {
  public:
   explicit Reader(std::string_view text) : text_(text) {
     if (text_.starts_with("\xEF\xBB\xBF")) text_.remove_prefix(3);
-    // Programs separate by what is usual in their country.
+    // The first separator character found: the programs' default differs by country.
     const auto mark = text_.find_first_of(",;\t");
     if (mark != std::string_view::npos) separator_ = text_[mark];
   }
@@ -32,7 +32,7 @@ class Reader {
   bool isAtEnd() const { return at_ >= text_.size(); }
   std::size_t line() const { return line_; }
 
-  // An error when a quote is not closed.
+  // An error for an unclosed quote.
   std::expected<std::vector<std::string>, std::string> row() {
     std::vector<std::string> cells;
     for (;;) {

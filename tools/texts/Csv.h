@@ -10,12 +10,11 @@
 
 namespace quillon::tools {
 
-// A row for each text: its identifier, a column for each language, and the languages that are missing. What a spread
-// sheet would take for a formula has an apostrophe in front.
+// One row per text: its identifier, a column per language, and the missing languages. Texts that a spreadsheet would
+// read as formulas get a leading apostrophe.
 [[nodiscard]] std::string toCsv(const TextTable& table);
 
-// Reads the same back, also with semicolons or tabs as other programs write them. Further columns called "missing" are
-// skipped.
+// Reads such a table, also with semicolons or tabs. Columns named "missing" are ignored.
 [[nodiscard]] std::expected<std::vector<Translation>, std::string> fromCsv(std::string_view text);
 
 }  // namespace quillon::tools

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view source = "en";
 
-// Replaces the index of a purpose, SDK or permission by its identifier.
+// Replaces the indices of purposes, SDKs and permissions by their identifiers.
 std::string stableId(const MainConfiguration& configuration, const DocumentPath& path) {
   auto steps = path.steps();
   const auto index = [&steps](std::size_t at) { return std::get<std::size_t>(steps[at]); };
@@ -35,7 +35,7 @@ std::string stableId(const MainConfiguration& configuration, const DocumentPath&
   return DocumentPath(std::move(steps)).text();
 }
 
-// Those that the configuration words, and ours.
+// Adds the configuration's labels and the built-in ones.
 void addLabels(const MainConfiguration& configuration, TextTable& table) {
   for (std::size_t i = 0; i < labelKeys.size(); ++i) {
     const std::string key(labelKeys[i]);
@@ -73,7 +73,7 @@ TextTable textTable(const MainConfiguration& configuration, const std::vector<st
     table.rows.push_back({.id = stableId(configuration, path), .before = path, .texts = {text.begin(), text.end()}});
   });
   addLabels(configuration, table);
-  // Identifiers that are used twice tell nothing apart, so the first one counts and the others have their places.
+  // A duplicate identifier is ambiguous: its first use keeps it, the others are identified by path.
   std::set<std::string_view> taken;
   for (TextRow& row : table.rows) {
     if (!taken.insert(row.id).second) row.id = '@' + row.before.text();

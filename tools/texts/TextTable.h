@@ -1,4 +1,4 @@
-// The texts of a configuration in all its languages, for translators.
+// The localized texts of a configuration as a table for translators.
 #pragma once
 
 #include <cstddef>
@@ -15,26 +15,26 @@ namespace quillon::tools {
 
 // A text or label.
 struct TextRow {
-  // Its place by what stays the same when the document is reordered: "purposes[2].purpose_name" is of the purpose whose
+  // Identifies the text independently of the document's order: "purposes[2].purpose_name" belongs to the purpose whose
   // purpose_id is 2.
   std::string id;
-  DocumentPath before;     // the path of the text in a language is before, the language, and after
-  std::string after = {};  // empty except for labels
-  std::map<std::string, std::string, std::less<>> texts = {};  // by language; those that are there
+  DocumentPath before;                                         // a text's path is `before`, the language, then `after`
+  std::string after = {};                                      // empty except for labels
+  std::map<std::string, std::string, std::less<>> texts = {};  // by language; existing texts only
 
   [[nodiscard]] DocumentPath in(std::string_view language) const;
 };
 
 struct TextTable {
-  std::vector<std::string> languages;  // English first, then in alphabetical order
-  std::vector<TextRow> rows = {};      // texts in the order of the document, then labels
+  std::vector<std::string> languages;  // English first, then alphabetical
+  std::vector<TextRow> rows = {};      // texts in document order, then labels
 };
 
-// With further languages that the configuration does not have yet. Labels that the configuration does not word are
-// ours, in the languages that we have.
+// Includes columns for `further` languages. Labels missing from the configuration are the built-in ones, in the
+// built-in languages.
 [[nodiscard]] TextTable textTable(const MainConfiguration& configuration, const std::vector<std::string>& further = {});
 
-// A text that came back.
+// A text returned by a translator.
 struct Translation {
   std::string id;
   std::string language;
@@ -46,8 +46,8 @@ struct Translated {
   std::size_t changed = 0;
 };
 
-// The document with the translations, of which those that are empty or nothing new change nothing; else the reason why
-// one of them has no place.
+// The document with the translations applied; empty and unchanged ones are ignored. The error names a translation that
+// does not belong to any text.
 [[nodiscard]] std::expected<Translated, std::string> translated(const Document& document,
                                                                 const MainConfiguration& configuration,
                                                                 const std::vector<Translation>& translations);

@@ -19,7 +19,8 @@ std::string_view textOf(const TextRow& row, std::string_view language) {
   return found == row.texts.end() ? std::string_view() : found->second;
 }
 
-// Readers of XML make one line break of every kind of them.
+// XML parsers normalize line breaks to "
+// ".
 std::string withPlainBreaks(std::string_view text) {
   std::string plain(text);
   std::erase(plain, '\r');
@@ -36,7 +37,7 @@ void addUnit(pugi::xml_node body, const TextRow& row, std::string_view source, s
   translation.text() = std::string(target).c_str();
 }
 
-// The text of an element that has nothing but text.
+// The content of a text-only element.
 std::expected<std::string, std::string> plainContent(const pugi::xml_node& element, std::string_view id) {
   std::string text;
   for (const auto& part : element.children()) {

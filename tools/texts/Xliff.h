@@ -1,4 +1,4 @@
-// Tables of texts as XLIFF 1.2, which translators' programs read and write.
+// Text tables as XLIFF 1.2, the exchange format of translation tools.
 #pragma once
 
 #include <expected>
@@ -10,13 +10,13 @@
 
 namespace quillon::tools {
 
-// A <file> for each language but the source's, with what is missing in the state "needs-translation". An error when a
-// text has characters that XML cannot hold.
+// One <file> per target language; missing texts have the state "needs-translation". An error if a text has characters
+// that XML does not allow.
 [[nodiscard]] std::expected<std::string, std::string> toXliff(const TextTable& table, std::string_view source,
                                                               std::string_view original);
 
-// The targets of a document. An error also when a source is not the table's text any more: what came back translates
-// something else.
+// The translations in a document. An error also if a source differs from the table's text, since the translation is
+// then outdated.
 [[nodiscard]] std::expected<std::vector<Translation>, std::string> fromXliff(std::string_view text,
                                                                              const TextTable& table);
 

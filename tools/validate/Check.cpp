@@ -13,7 +13,7 @@
 namespace quillon::tools {
 namespace {
 
-// The first material difference that users are not asked about.
+// Reports the first material change that users will not be asked about.
 void versionRises(const MainConfiguration& live, const MainConfiguration& configuration, const Report& report) {
   const auto was = live.version.value_or(0);
   if (configuration.version.value_or(0) > was) return;
@@ -40,7 +40,7 @@ Checked check(const std::string& text, const CheckOptions& options) {
   }
   checkStructure(*document, jsonType<MainConfiguration>(), findings);
   auto configuration = decode<MainConfiguration>(text);
-  // Such as a document that takes too much memory.
+  // For example, the document takes too much memory.
   if (!configuration && !findings.hasErrors()) {
     findings.add({Level::error, "document", DocumentPath().text(), configuration.error()});
   }

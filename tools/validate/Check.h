@@ -1,4 +1,4 @@
-// All that is to be said about one document, for commands and pages alike.
+// Checks one document; shared by the commands and the workbench.
 #pragma once
 
 #include <optional>
@@ -13,18 +13,18 @@ namespace quillon::tools {
 class WarmPreview;
 
 struct CheckOptions {
-  bool lint = false;                        // what would disappoint a user
-  bool fairness = false;                    // what would be unfair to one
-  const MainConfiguration* live = nullptr;  // what users have; outlives the check
-  WarmPreview* screens = nullptr;           // draws the banners, to measure what would be unfair on them
+  bool lint = false;                        // report problems that users would notice
+  bool fairness = false;                    // report violations of fairness rules
+  const MainConfiguration* live = nullptr;  // the published configuration; outlives the check
+  WarmPreview* screens = nullptr;           // draws the banners for fairness rules that need it
 };
 
 struct Checked {
-  std::optional<MainConfiguration> configuration;  // as the SDK reads it; none when it refuses the document
-  std::vector<Finding> findings;                   // in the order of the document
+  std::optional<MainConfiguration> configuration;  // nullopt if the SDK rejects the document
+  std::vector<Finding> findings;                   // in document order
 };
 
-// Without options, what the SDK refuses.
+// Without options, reports only what the SDK rejects.
 [[nodiscard]] Checked check(const std::string& text, const CheckOptions& options);
 
 }  // namespace quillon::tools

@@ -19,7 +19,7 @@ namespace quillon::tools {
 namespace {
 
 using Codes = std::set<std::string, std::less<>>;
-using Names = std::map<std::string, std::string, std::less<>>;  // a lower-case name, and its code
+using Names = std::map<std::string, std::string, std::less<>>;  // lower-case name to code
 
 Codes setOf(const char* const* list) {
   Codes codes;
@@ -48,7 +48,7 @@ std::string nameOf(const std::string& locale, decltype(&uloc_getDisplayCountry) 
 
 const Names& languageNames() {
   static const Names names = [] {
-    // Codes that are still in use though they were replaced.
+    // Replaced codes that are still in use.
     Names all{{"iw", "he"}, {"in", "id"}, {"ji", "yi"}};
     for (const auto& code : languages()) {
       all.emplace(nameOf(code, &uloc_getDisplayLanguage), code);
@@ -73,7 +73,7 @@ const Names& countryNames() {
 
 using Resource = std::unique_ptr<UResourceBundle, decltype(&ures_close)>;
 
-// Adds the codes of a list such as "usak~l", which are "usak" and "usal".
+// Adds a list's codes; "usak~l" is a range: "usak" and "usal".
 void addRanges(UResourceBundle* list, Codes& codes) {
   for (int32_t i = 0; i < ures_getSize(list); ++i) {
     UErrorCode error = U_ZERO_ERROR;
@@ -93,7 +93,7 @@ void addRanges(UResourceBundle* list, Codes& codes) {
   }
 }
 
-// All parts of countries, such as "usca"; none when the machine's data lacks them.
+// All subdivisions, such as "usca"; empty if the installed ICU data lacks them.
 const Codes& parts() {
   static const Codes codes = [] {
     Codes all;

@@ -1,4 +1,4 @@
-// Codes of languages and places, as the SDK compares them.
+// Validates language and location codes as the SDK compares them.
 #pragma once
 
 #include <string>
@@ -6,13 +6,15 @@
 
 namespace quillon::tools {
 
-// What is wrong with the key of a text: it is no language in lower case, such as "de" or "pt-br". Empty for none.
+// Describes what is wrong with the key of a text, which must be a lower-case language such as "de" or "pt-br". Empty if
+// valid.
 [[nodiscard]] std::string languageProblem(std::string_view code);
 
-// What is wrong with a place: it is none that the location look-up names, such as "DE" or "US#CA". Empty for none.
+// Describes what is wrong with a location, which must have the form of a location look-up, such as "DE" or "US#CA".
+// Empty if valid.
 [[nodiscard]] std::string placeProblem(std::string_view place);
 
-// Whether a country, or a part of one (ISO 3166-1 and -2, without the hyphen: "US", "CA").
+// Countries and their subdivisions (ISO 3166-1 and -2, without hyphen: "US", "CA").
 [[nodiscard]] bool isCountry(std::string_view code);
 [[nodiscard]] bool isPartOf(std::string_view country, std::string_view part);
 [[nodiscard]] bool isPartOfAny(std::string_view part);

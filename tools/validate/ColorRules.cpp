@@ -10,7 +10,7 @@
 namespace quillon::tools {
 namespace {
 
-// Rounded down, so that a ratio just below the limit is not shown as reaching it.
+// Rounded down, so that a contrast just below the limit is not shown as meeting it.
 std::string ratio(double contrast) {
   const auto tenths = static_cast<int>(std::floor(contrast * 10));
   return std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10) + ":1";
@@ -42,7 +42,7 @@ std::vector<std::pair<std::string_view, std::string_view>> rolesOf(const CustomC
   return roles;
 }
 
-// Calls with each banner that has a palette, and the palette's path.
+// Calls with each palette's banner and path.
 template <class Visit>
 void forEachPalette(const MainConfiguration& configuration, Visit visit) {
   if (!configuration.bannerConfig) return;

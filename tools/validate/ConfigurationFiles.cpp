@@ -28,7 +28,7 @@ std::expected<std::vector<std::string>, std::string> configurationsBelow(const s
     names.push_back(entry->path().string());
   }
   if (error) return std::unexpected("cannot be read: " + error.message());
-  // A link to a sibling sorts after it: config_de.json after config.json.
+  // After sorting, a link to a sibling follows the file: config_de.json after config.json.
   std::ranges::sort(names);
   std::set<fs::path> seen;
   std::erase_if(names, [&seen](const std::string& name) {

@@ -1,4 +1,4 @@
-// The files that a command's arguments name.
+// Finds configuration files below a folder.
 #pragma once
 
 #include <expected>
@@ -7,9 +7,9 @@
 
 namespace quillon::tools {
 
-// The configurations below a folder, as publishers name them: config.json and config_LANGUAGE.json. In the order of
-// their names; links to folders are not followed, and a file with several names is listed once. An error when the
-// folder cannot be read, has none or has more than ten thousand.
+// All files named config.json or config_LANGUAGE.json below a folder, sorted by name. Links to folders are not
+// followed; a file with several names is listed once. An error if the folder is unreadable, has none or more than ten
+// thousand.
 [[nodiscard]] std::expected<std::vector<std::string>, std::string> configurationsBelow(const std::string& folder);
 
 }  // namespace quillon::tools

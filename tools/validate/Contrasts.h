@@ -1,4 +1,4 @@
-// What is written or drawn on what, in the colours of a banner.
+// The pairs of foreground and background colours in a banner's palette.
 #pragma once
 
 #include <string_view>
@@ -8,16 +8,16 @@
 
 namespace quillon::tools {
 
-// Two colours of a palette, by their keys. Valid as long as the banner.
+// Two colours of a palette, by key. Valid as long as the banner.
 struct ColorPair {
   std::string_view key;
   std::string_view on;
   double contrast;  // from 1 to 21
   double enough;
-  std::string_view what;  // is so from `enough` on
+  std::string_view what;  // the quality that is reached from `enough` on
 };
 
-// None for a banner without a palette.
+// Empty for a banner without a palette.
 [[nodiscard]] std::vector<ColorPair> colorPairs(const BannerConfig& banner);
 
 }  // namespace quillon::tools

@@ -15,7 +15,7 @@ void Findings::add(Finding finding) {
   if (findings_.size() == most) {
     ++leftOut_;
     if (finding.level != Level::error) return;
-    // A flood of lesser ones hides no error.
+    // Errors replace lesser findings, so that many of those cannot hide an error.
     const auto least = std::ranges::min_element(findings_, {}, [](const auto& entry) { return entry.second.level; });
     if (least->second.level == Level::error) return;
     findings_.erase(least);
@@ -34,7 +34,7 @@ std::vector<Finding> Findings::located(std::string_view document) && {
         ++line;
         column = 1;
       } else if ((static_cast<unsigned char>(document[at]) & 0xC0) != 0x80) {
-        ++column;  // not inside a character
+        ++column;  // not a UTF-8 continuation byte
       }
     }
     finding.line = line;

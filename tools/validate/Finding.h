@@ -1,4 +1,4 @@
-// What is to be said about a place in a configuration document.
+// Findings about places in a configuration document.
 #pragma once
 
 #include <cstddef>
@@ -12,46 +12,46 @@
 
 namespace quillon::tools {
 
-// The SDK refuses a document with an error. A warning is about what disappoints a user, a note about what may be meant.
+// An error: the SDK rejects the document. A warning: users would notice the problem. A note: probably unintended.
 enum class Level : std::uint8_t { note, warning, error };
 
 [[nodiscard]] std::string_view nameOf(Level level);
 
-// Path and text are free of control characters and bounded in length.
+// `path` and `text` have no control characters and are bounded in length.
 struct Finding {
   Level level = Level::warning;
-  std::string_view rule;  // its name, as docs/rules.md has it
+  std::string_view rule;  // as docs/tools.md lists it
   std::string path;       // in decode()'s notation
   std::string text;
   std::size_t offset = 0;  // in bytes
   std::size_t line = 1;
-  std::size_t column = 1;  // in characters
+  std::size_t column = 1;  // in characters, not bytes
 };
 
-// Collects the findings of one document, the most severe and then the first of them when there are very many.
+// Collects a document's findings; beyond `most`, keeps the most severe and earliest ones.
 class Findings {
  public:
   static constexpr std::size_t most = 1000;
 
   void add(Finding finding);
   [[nodiscard]] bool hasErrors() const { return hasErrors_; }
-  // Whether further ones are only counted: they are not worth the time to look for what is meant.
+  // Further findings are only counted, so rules can skip expensive suggestions.
   [[nodiscard]] bool isFull() const { return findings_.size() == most; }
   void leaveOut() { ++leftOut_; }
 
-  // In the order of the document, with their lines and columns; a last one says how many were left out.
+  // In document order, with lines and columns; a last finding states the number of omitted ones.
   [[nodiscard]] std::vector<Finding> located(std::string_view document) &&;
 
  private:
-  std::multimap<std::size_t, Finding> findings_;  // by offset, and in the order in which they came
+  std::multimap<std::size_t, Finding> findings_;  // by offset, then in order of insertion
   std::size_t leftOut_ = 0;
   bool hasErrors_ = false;
 };
 
-// What a rule says.
+// Reports findings of one rule.
 class Report {
  public:
-  // All must outlive it.
+  // All arguments must outlive the report.
   Report(Findings& findings, const Document& document, Level level, std::string_view rule)
       : findings_(findings), document_(document), level_(level), rule_(rule) {}
 

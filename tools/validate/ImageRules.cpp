@@ -5,7 +5,7 @@
 namespace quillon::tools {
 namespace {
 
-// A log that nobody reads.
+// Discards the decoder's log.
 class NoLog : public LogContext {
  public:
   void write(std::string_view /*block*/) override {}

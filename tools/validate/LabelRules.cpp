@@ -15,7 +15,7 @@ bool isPattern(std::string_view text) {
   return text.contains("%1") && text.contains("%2");
 }
 
-// Calls with the labels of each language that has some.
+// Calls with the labels of each language that has any.
 template <class Visit>
 void forEachLanguage(const MainConfiguration& configuration, Visit visit) {
   if (!configuration.translations) return;
@@ -26,7 +26,7 @@ void forEachLanguage(const MainConfiguration& configuration, Visit visit) {
 
 }  // namespace
 
-// Labels of many languages are built in.
+// Many languages have built-in labels.
 void labelsAreComplete(const MainConfiguration& configuration, const Report& report) {
   constexpr std::size_t mostNames = 8;
   for (const auto language : languagesOf(configuration)) {

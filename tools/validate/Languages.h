@@ -11,7 +11,7 @@ namespace quillon::tools {
 
 using Languages = std::set<std::string_view>;
 
-// Those that any of its texts has; labels do not count. The names are the configuration's.
+// The languages of all texts except labels. The views refer to the configuration.
 [[nodiscard]] inline Languages languagesOf(const MainConfiguration& configuration) {
   Languages languages;
   forEachText(configuration, NoPath(), [&languages](NoPath, const LocalizedText& text) {

@@ -1,4 +1,4 @@
-// The rules for valid configurations, by their names.
+// The lint rules by name.
 #pragma once
 
 #include <span>
@@ -13,14 +13,14 @@ struct Rule {
   std::string_view name;
   Level level;
   std::string_view expects;
-  // Null for the rules about the form of documents, which have code of their own.
+  // Null for rules about document form, which are implemented separately.
   void (*check)(const MainConfiguration& configuration, const Report& report) = nullptr;
 };
 
-// What would disappoint a user. Time and number of findings of each are linear in the size of the configuration.
+// Problems that users would notice. Each rule's time and number of findings are linear in the configuration's size.
 [[nodiscard]] std::span<const Rule> lintRules();
 
-// What the SDK itself expects of a document, and of a publication (Check.cpp).
+// The SDK's own requirements on a document, and on publishing one (Check.cpp).
 [[nodiscard]] std::span<const Rule> documentRules();
 
 }  // namespace quillon::tools

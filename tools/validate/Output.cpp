@@ -15,7 +15,7 @@ namespace {
 
 namespace json = boost::json;
 
-// The names of files are bytes.
+// File names are bytes and need not be UTF-8.
 std::string text(std::string_view bytes) {
   return escapedForLog(bytes);
 }

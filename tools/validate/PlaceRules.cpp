@@ -16,7 +16,7 @@ void placesExist(const MainConfiguration& configuration, const Report& report) {
   }
 }
 
-// A key lists places, or parts of the user's country such as "CA".
+// A key lists locations, or subdivisions of the user's country such as "CA".
 void regionsExist(const MainConfiguration& configuration, const Report& report) {
   if (!configuration.gcmConfig || !configuration.gcmConfig->regionOverrides) return;
   for (const auto& [regions, mapping] : *configuration.gcmConfig->regionOverrides) {

@@ -13,7 +13,7 @@ constexpr std::size_t longestWord = 64;
 
 using Row = std::array<std::size_t, longestWord + 1>;
 
-// Letters to insert, remove, replace or swap with their neighbour.
+// The edit distance with insertion, deletion, substitution and transposition, ignoring case.
 std::size_t distance(std::string_view from, std::string_view to) {
   Row beforeLast{};
   Row last{};
@@ -39,7 +39,7 @@ std::size_t distance(std::string_view from, std::string_view to) {
 std::string_view nearest(std::string_view text, std::span<const std::string_view> candidates) {
   if (text.empty() || text.size() > longestWord) return {};
   std::string_view best;
-  // A third of the letters: "token" is no "version".
+  // At most a third of the letters, so that "token" does not suggest "version".
   std::size_t bestDistance = text.size() / 3 + 1;
   for (const std::string_view candidate : candidates) {
     if (candidate.size() > longestWord) continue;

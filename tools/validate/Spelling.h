@@ -1,4 +1,4 @@
-// What somebody may have meant to write.
+// Suggests corrections of misspelt names.
 #pragma once
 
 #include <span>
@@ -8,11 +8,11 @@
 
 namespace quillon::tools {
 
-// The candidate that differs from the text in a few letters at most, case aside; empty when there is none. Time is
-// bounded: no word is longer than 64 letters.
+// The candidate with the smallest edit distance, ignoring case; empty if none is close. Time is bounded: words longer
+// than 64 letters are not compared.
 [[nodiscard]] std::string_view nearest(std::string_view text, std::span<const std::string_view> candidates);
 
-// "; did you mean "..."?", or nothing.
+// "; did you mean "..."?", or empty.
 [[nodiscard]] std::string didYouMean(std::string_view text, std::span<const std::string_view> candidates);
 
 }  // namespace quillon::tools

@@ -35,7 +35,7 @@ Value::Kind jsonKind(Kind kind) {
   return Value::Kind::object;
 }
 
-// Beyond what a double holds. An exponent may belong to a zero.
+// Out of double's range. Zero with a large exponent is in range.
 bool isOutOfRange(std::string_view number) {
   if (std::isfinite(boost::json::parse(number).to_number<double>())) return false;
   double exact = 0;
@@ -55,7 +55,7 @@ class Check {
  public:
   Check(const Document& document, Findings& findings) : document_(document), findings_(findings) {}
 
-  // A null type is that of what is skipped.
+  // `type` is null within skipped values.
   void value(const Value& value, const JsonType* type, bool mayBeNull) {
     if (value.kind == Value::Kind::number && isOutOfRange(document_.source(value))) {
       return error(value.begin, "the number is out of range");
@@ -79,7 +79,7 @@ class Check {
   }
 
  private:
-  // Calls with every element, or member and its key, while the path is that of the child.
+  // Calls with every element, or every member and its key, while steps_ is the child's path.
   template <class Use>
   void eachChild(const Value& parent, Use use) {
     std::unordered_set<std::string> keys;

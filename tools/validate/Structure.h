@@ -1,4 +1,4 @@
-// Whether a document has the form of a configuration.
+// Checks that a document has the structure of a configuration.
 #pragma once
 
 #include "core/Json/JsonType.h"
@@ -7,7 +7,8 @@
 
 namespace quillon::tools {
 
-// Tells all that decode() refuses, of which it tells the first, and the keys that it does not know, which it skips.
+// Reports all errors that decode() would reject the document for, not just the first one, and unknown keys, which
+// decode() ignores.
 void checkStructure(const Document& document, const JsonType& type, Findings& findings);
 
 }  // namespace quillon::tools

@@ -88,7 +88,7 @@ int statusOf(const std::vector<CheckedFile>& files, Level failOn) {
 }
 
 void run(const ValidateOptions& options, int& exitCode) {
-  WarmPreview screens;  // starts with the first picture
+  WarmPreview screens;  // the program starts on the first drawing
   std::vector<CheckedFile> all;
   for (const auto& argument : options.files) {
     const std::string name = plain(argument);

@@ -25,7 +25,7 @@ struct Group {
   json::array places;
 };
 
-// Banners with the places that get them, in the order of the places.
+// Each banner with its locations, in the order of locations.
 std::vector<Group> groupsOf(const MainConfiguration& configuration) {
   std::vector<Group> groups;
   const auto add = [&](const std::string& place) {
@@ -45,7 +45,7 @@ std::vector<Group> groupsOf(const MainConfiguration& configuration) {
 std::string_view beginningOf(std::string_view text) {
   if (text.size() <= longestText) return text;
   auto end = longestText;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;  // inside a character
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;  // back to a character boundary
   return text.substr(0, end);
 }
 

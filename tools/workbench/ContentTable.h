@@ -1,4 +1,4 @@
-// What users get of a configuration.
+// Tabulates what users of each location see.
 #pragma once
 
 #include <boost/json/array.hpp>
@@ -8,10 +8,9 @@
 
 namespace quillon::tools {
 
-// A row for each banner that some place gets: {"places", "category", "type", "validity", "texts"}, the texts by
-// language with heading, text, accept and reject as users read them, and "isForeign" where they read one in another
-// language. The place "" is elsewhere. Of very many banners and languages the first ones, and of long texts the
-// beginning.
+// One row per banner that is shown at some location: {"places", "category", "type", "validity", "texts"}. "texts" has
+// heading, text, accept and reject by language, as users read them, with "isForeign" if one of them is in another
+// language. The location "" stands for all others. Limited in rows and languages; long texts are truncated.
 [[nodiscard]] boost::json::array contentTable(const MainConfiguration& configuration, const Languages& languages);
 
 }  // namespace quillon::tools

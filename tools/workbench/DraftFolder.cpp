@@ -19,7 +19,7 @@ fs::path applications(const fs::path& root) {
   return root / "consent" / "mobile_banner";
 }
 
-// A name that stays within its folder.
+// Rejects names that could leave the folder.
 bool isName(std::string_view text) {
   constexpr std::size_t longest = 200;
   return !text.empty() && text.size() <= longest && text.front() != '.' && isUtf8(text) &&
@@ -30,7 +30,7 @@ bool isFileName(std::string_view text) {
   return isName(text) && text.ends_with(".json") && (text == "config.json" || text.starts_with("config_"));
 }
 
-// The usable names in a folder, of folders or of files that are no links.
+// Sorted valid names of a folder's entries of one type; links are excluded.
 std::vector<std::string> namesIn(const fs::path& folder, fs::file_type type) {
   std::vector<std::string> names;
   std::error_code error;
@@ -87,12 +87,12 @@ std::expected<std::optional<StoredDocument>, std::string> DraftFolder::read(cons
   std::error_code error;
   const auto status = fs::status(*file, error);
   if (status.type() == fs::file_type::not_found) return std::nullopt;
-  // Anything else might never end, or has no content.
+  // Other file types may block forever or have no content.
   if (status.type() != fs::file_type::regular) return std::unexpected(name.file + " is no file");
   auto text = contentOf(*file);
   if (!text) return std::unexpected(name.file + " cannot be read: " + text.error());
   if (text->size() > largestDocument) return std::unexpected(name.file + " is larger than 32 MiB");
-  // A browser would change other bytes unasked.
+  // A browser would silently replace invalid bytes.
   if (!isUtf8(*text)) return std::unexpected(name.file + " is no UTF-8 text");
   const std::string tag = entityTagOf(*text);
   return StoredDocument{*std::move(text), tag};

@@ -1,4 +1,4 @@
-// The drafts and the published documents of a folder, as the development server and devices know them:
+// Drafts and published documents in a folder with the layout of the development server:
 // consent/mobile_banner/TENANT/APPLICATION/CHANNEL/config.json and config_LANGUAGE.json.
 #pragma once
 
@@ -26,7 +26,7 @@ struct StoredDocument {
   std::string tag;  // equal tags mean equal texts
 };
 
-// Thread-safe. Nothing outside the folder is read or written, also through links.
+// Thread-safe. Does not read or write anything outside the folder, not even through links.
 class DraftFolder {
  public:
   struct Entry {
@@ -36,22 +36,22 @@ class DraftFolder {
   };
 
   struct Failure {
-    bool isConflict = false;  // the file is not what the caller knows
+    bool isConflict = false;  // the file differs from the version that the caller knows
     std::string text;
   };
 
   // `root` must be canonical.
   explicit DraftFolder(std::filesystem::path root) : root_(std::move(root)) {}
 
-  // By their names; a link to another file is no document of its own. The first thousand.
+  // Sorted by name; links are not listed. At most a thousand.
   [[nodiscard]] std::vector<Entry> list() const;
 
-  // None when there is no such file.
+  // nullopt if the file does not exist.
   [[nodiscard]] std::expected<std::optional<StoredDocument>, std::string> read(const DocumentName& name,
                                                                                Channel channel) const;
 
-  // Replaces the file if its tag is still the one given, or makes it if the tag is empty and there is none. Returns the
-  // new tag.
+  // Replaces the file if its tag equals `tag`, or creates it if `tag` is empty and it does not exist. Returns the new
+  // tag.
   [[nodiscard]] std::expected<std::string, Failure> write(const DocumentName& name, Channel channel,
                                                           const std::string& text, const std::string& tag);
 

@@ -5,7 +5,7 @@
 namespace quillon::tools {
 
 std::string Guard::newToken() {
-  std::random_device device;  // the system's
+  std::random_device device;  // the system's randomness
   std::string token;
   for (int i = 0; i < 32; ++i) token += "0123456789abcdef"[device() % 16];
   return token;
@@ -16,7 +16,7 @@ std::expected<std::string, Guard::Refusal> Guard::admitted(const httplib::Reques
   if (host != "127.0.0.1:" + port_ && host != "localhost:" + port_) {
     return std::unexpected(Refusal{403, "this is not the host"});
   }
-  // Browsers leave it out of requests that change nothing.
+  // Browsers omit the header in requests without side effects.
   const bool isReading = request.method == "GET" || request.method == "HEAD";
   const std::string origin = request.get_header_value("Origin");
   if (!(isReading && origin.empty()) && origin != "http://" + host) {

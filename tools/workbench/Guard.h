@@ -1,4 +1,4 @@
-// Who may talk to the workbench: the page that the person at this machine opened, and nobody else.
+// Access control of the workbench: only the page opened by the local user is admitted.
 #pragma once
 
 #include <expected>
@@ -11,7 +11,7 @@ namespace quillon::tools {
 // Immutable and thread-safe.
 class Guard {
  public:
-  // The token is the first part of every address.
+  // The token is the first segment of every path.
   Guard(int port, std::string token) : port_(std::to_string(port)), token_(std::move(token)) {}
 
   // 128 random bits.
@@ -21,11 +21,11 @@ class Guard {
     int status;
     const char* text;
   };
-  // The path behind the token, without its slash; else the answer. A foreign `Host` is refused, which a name that leads
-  // to this machine would bring along, and a foreign `Origin`, which another site's page would.
+  // The path after the token, without the slash; or the response. Rejects a foreign `Host`, as with DNS rebinding, and
+  // a foreign `Origin`, as in requests of other sites' pages.
   [[nodiscard]] std::expected<std::string, Refusal> admitted(const httplib::Request& request) const;
 
-  // No script but the page's own, no other server, no frame around it, nothing kept.
+  // Restricts the page to its own scripts and server, forbids embedding it in a frame, and disables caching.
   static void protect(httplib::Response& response);
 
  private:

@@ -94,7 +94,7 @@ std::expected<std::string, std::string> changed(std::string text, const json::ar
       if (!edits.set(*path, *value)) return std::unexpected(path->text() + " has no place in the document");
       text = edits.text();
     } else {
-      // What is gone already need not go.
+      // Removing a missing value is a no-op.
       text = without(*document, *path).value_or(document->text());
     }
   }

@@ -1,4 +1,4 @@
-// What the page shows beside a document.
+// The data that the page shows about a document.
 #pragma once
 
 #include <boost/json/array.hpp>
@@ -9,12 +9,12 @@
 
 namespace quillon::tools {
 
-// Findings of every kind; of a valid document also languages, colours with their contrast, what users get, and the
-// comparison of what publishing would make of it with the live document, if there is a valid one.
+// Findings of all kinds; for a valid document also its languages, colours with their contrast, the content by location,
+// and the comparison of the document, as it would be published, with the live one if that is valid.
 [[nodiscard]] boost::json::object inspect(const std::string& text, const std::optional<std::string>& live);
 
-// The document with changes, one after the other, each {"path": ["purposes", 0, ...], "value"} or {"path", "remove":
-// true}; everything else stays as it is. The error tells why one of them is impossible.
+// Applies changes in order, each {"path": ["purposes", 0, ...], "value"} or {"path", "remove": true}; preserves
+// everything else. The error names an impossible change.
 [[nodiscard]] std::expected<std::string, std::string> changed(std::string text, const boost::json::array& changes);
 
 }  // namespace quillon::tools

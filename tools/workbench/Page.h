@@ -1,4 +1,4 @@
-// The files of the page, which are a part of the program.
+// The page's files, embedded in the program.
 #pragma once
 
 #include <optional>
@@ -6,7 +6,7 @@
 
 namespace quillon::tools {
 
-// The content of a file of the folder page/; nullopt when there is none of that name.
+// The content of a file in the folder page/; nullopt if there is no such file.
 [[nodiscard]] std::optional<std::string_view> pageFile(std::string_view name);
 
 }  // namespace quillon::tools

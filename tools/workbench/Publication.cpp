@@ -25,7 +25,7 @@ std::optional<std::int64_t> versionToPublish(const MainConfiguration& draft, con
   const bool isMaterial = std::ranges::any_of(differences(*live, draft), &Difference::isMaterial);
   const bool isLast = was == std::numeric_limits<std::int64_t>::max();
   if ((isMaterial || !draft.version) && !isLast) return was + 1;
-  // A version that falls would keep a later greater one from asking anybody.
+  // With a lower version, a later increase would not ask users again.
   return draft.version && *draft.version < was ? std::optional(was) : std::nullopt;
 }
 
@@ -46,7 +46,7 @@ std::expected<Published, NotPublished> publish(DraftFolder& folder, const Docume
   auto [configuration, findings] = check(published.draft.text, {.lint = true, .fairness = true});
   if (!configuration) return refused("applications would refuse the draft", std::move(findings));
   std::erase_if(findings, [](const Finding& finding) { return finding.level == Level::note; });
-  // A missing version is given below.
+  // A missing version is added below.
   std::erase_if(findings, [](const Finding& finding) { return finding.rule == "version"; });
   if (!findings.empty() && !request.isConfirmed) return refused("there are warnings", std::move(findings));
 
@@ -60,7 +60,7 @@ std::expected<Published, NotPublished> publish(DraftFolder& folder, const Docume
     published.version = *version;
     published.draft.text = edits.text();
   }
-  // In this order, so that a failure leaves the draft as its author knows it.
+  // Live first, so that a failure leaves the draft as its author knows it.
   const auto written = folder.write(name, Channel::live, published.draft.text, liveTag);
   if (!written) return std::unexpected(NotPublished{written.error()});
   if (published.isRaised) {

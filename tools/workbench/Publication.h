@@ -1,4 +1,4 @@
-// From draft to live.
+// Publishes drafts.
 #pragma once
 
 #include <boost/json/array.hpp>
@@ -12,33 +12,33 @@
 
 namespace quillon::tools {
 
-// The version that a draft gets when it is published: one more than what is live when something material changed and
-// its own is not greater, that of what is live when its own is less, 1 when there is none; nullopt when its own will
-// do.
+// The version that a draft gets on publication: the live version plus one if something material changed and the draft's
+// version is not higher; the live version if the draft's is lower; 1 if nothing is live and the draft has none; nullopt
+// if the draft's version can stay.
 [[nodiscard]] std::optional<std::int64_t> versionToPublish(const MainConfiguration& draft,
                                                            const MainConfiguration* live);
 
 struct Published {
-  StoredDocument draft;  // what is live now
+  StoredDocument draft;  // as published
   std::int64_t version = 0;
-  bool isRaised = false;  // the version
+  bool isRaised = false;  // the version was raised
 };
 
 struct NotPublished {
   DraftFolder::Failure failure;
-  boost::json::array findings = {};  // because of which it was not
+  boost::json::array findings = {};  // the reasons for the refusal
 };
 
-// What somebody who publishes has seen.
+// What the publisher has seen.
 struct PublicationRequest {
   std::string tag;           // of the draft
-  std::string liveTag = {};  // of what is live, empty when nothing is
-  bool isConfirmed = false;  // with its warnings
+  std::string liveTag = {};  // of the live document; empty if there is none
+  bool isConfirmed = false;  // despite warnings
 };
 
-// Makes the draft the live document, with a greater version when something material changed, or with the first one,
-// which the draft gets, too. When either of them is another one by now, nothing is published. What the SDK would refuse
-// is never published, and what a rule warns of only when that is confirmed.
+// Makes the draft the live document. Raises its version after a material change, or sets the first one, in the draft as
+// well. Fails if either document has changed since the request's tags. Never publishes a document that the SDK would
+// reject; one with warnings only if confirmed.
 [[nodiscard]] std::expected<Published, NotPublished> publish(DraftFolder& folder, const DocumentName& name,
                                                              const PublicationRequest& request);
 

@@ -16,10 +16,10 @@ namespace {
 namespace json = boost::json;
 
 constexpr std::size_t mostExchanges = 500;
-constexpr std::size_t mostConsents = 200;  // of one upload
+constexpr std::size_t mostConsents = 200;  // per upload
 constexpr std::size_t longestTarget = 500;
 
-// The names of an application's purposes: those that are live, and those of drafts.
+// The purpose names of an application, from its live documents and drafts.
 std::map<std::int64_t, std::string> purposeNames(const DraftFolder& folder, std::string_view application) {
   std::map<std::int64_t, std::string> names;
   for (const auto& entry : folder.list()) {
@@ -69,7 +69,8 @@ json::object decoded(const PostConsentsRequest& upload, const DraftFolder& folde
           {"permissions", std::move(permissions)}};
 }
 
-// Why the server refused a request; the answer itself may be compressed. Empty when it did not, or was told to fail.
+// The server's reason for a refusal, taken from the status, since the body may be compressed. Empty if it did not
+// refuse, or failed as configured.
 std::string whyRefused(const httplib::Response& response, const std::string& uploadError) {
   if (response.status == 400) return escapedForLog(uploadError);
   if (response.status == 401) return "the access token is missing, or none of this application's";

@@ -1,4 +1,4 @@
-// What applications ask the development server, and what they upload.
+// Records the requests and uploads that reach the development server.
 #pragma once
 
 #include <boost/json/array.hpp>
@@ -13,15 +13,15 @@
 
 namespace quillon::tools {
 
-// The last requests. Thread-safe.
+// The most recent requests. Thread-safe.
 class Traffic {
  public:
-  // The folder has the names of what uploads are about, and must outlive it.
+  // The folder provides purpose names for uploads, and must outlive this object.
   explicit Traffic(const DraftFolder& folder) : folder_(folder) {}
 
   void add(const httplib::Request& request, const httplib::Response& response);
 
-  // Those after the one of that number, oldest first: {"number", "time" (milliseconds since 1970), "method", "target",
+  // Requests after that number, oldest first: {"number", "time" (milliseconds since 1970), "method", "target",
   // "status", "message" of a refusal, "upload"}.
   [[nodiscard]] boost::json::array after(std::int64_t number) const;
 

@@ -42,7 +42,7 @@ struct WorkbenchOptions {
 
 using Result = std::expected<void, std::string>;
 
-// Holds as long as the process lives; the file system keeps it, and no file is left behind.
+// Locks until the process ends; the lock leaves no file behind.
 Result lockFolder(const std::filesystem::path& folder) {
   const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (descriptor < 0) return std::unexpected(folder.string() + ": " + std::generic_category().message(errno));

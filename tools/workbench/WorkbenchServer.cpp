@@ -21,7 +21,7 @@ namespace {
 namespace json = boost::json;
 
 constexpr auto jsonType = "application/json";
-// A document as a text in JSON may take twice the room, and some more.
+// A document as a JSON string may take twice its size, and some more.
 constexpr std::size_t largestBody = 2 * largestDocument + (1u << 20);
 
 void send(httplib::Response& response, const json::value& value, int status = 200) {
@@ -61,7 +61,7 @@ json::array toJson(const std::vector<std::string>& texts) {
   return all;
 }
 
-// The body's members; nothing of a body that is no object.
+// The body's members; empty if it is not a JSON object.
 json::object bodyOf(const httplib::Request& request) {
   boost::system::error_code error;
   json::value body = json::parse(request.body, error, {}, {.max_depth = 32});
@@ -99,7 +99,7 @@ NewConfiguration wishesIn(const json::object& body) {
   return wishes;
 }
 
-// Our labels by language, in the order of the keys.
+// The built-in labels by language, in the order of the keys.
 json::object ownLabels() {
   json::object languages;
   for (const auto& language : labelLanguages()) {
@@ -202,7 +202,7 @@ void WorkbenchServer::read(const httplib::Request& request, httplib::Response& r
     const auto stored = folder_.read(nameIn(request), channel);
     if (!stored) return refuse(response, 422, stored.error());
     if (!*stored) continue;
-    // Whoever only wants to know whether something changed needs no texts.
+    // A poll for changes needs no texts.
     result[key] = request.has_param("tags") ? json::object{{"tag", (*stored)->tag}} : toJson(**stored);
   }
   send(response, result);

@@ -1,4 +1,4 @@
-// The workbench for its page.
+// The HTTP server of the workbench's page.
 #pragma once
 
 #include <boost/json/object.hpp>
@@ -15,14 +15,14 @@
 
 namespace quillon::tools {
 
-// The files of the page, and what it asks for below api/, over HTTP on 127.0.0.1. An answer that is no success is
-// {"error"}, with more where the page can do something about it.
+// Serves the page's files, and its API below api/, on 127.0.0.1. An error response is {"error"}, with further members
+// where the page can act on them.
 class WorkbenchServer {
  public:
-  // All must outlive it. `applications` is the address of the development server.
+  // All arguments must outlive the server. `applications` is the development server's URL.
   WorkbenchServer(DraftFolder& folder, Traffic& traffic, DevelopmentServer& development, std::string applications);
 
-  // Binds the port, a free one for 0, and returns the address of the page.
+  // Binds the port, or a free one for 0, and returns the page's URL.
   [[nodiscard]] std::expected<std::string, std::string> bind(int port);
   void run() { server_.run(); }
   void stop() { server_.stop(); }
@@ -45,7 +45,7 @@ class WorkbenchServer {
   DevelopmentServer& development_;
   const std::string applications_;
   LoopbackServer server_;
-  std::optional<Guard> guard_;  // from bind() on
+  std::optional<Guard> guard_;  // set by bind()
   WarmPreview preview_;
 };
 

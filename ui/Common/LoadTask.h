@@ -1,4 +1,4 @@
-// Background work whose result a view model shows.
+// Asynchronous loading for view models.
 #pragma once
 
 #include <functional>
@@ -9,12 +9,12 @@
 
 namespace quillon {
 
-// Dropped or replaced, it delivers nothing any more; the work itself goes on to its end. The work runs in the
-// background, what it returns is delivered with the model on the main queue, unless the model or the handle is gone by
-// then. Both functions must hold no reference to the model.
+// A handle of background work. The result is delivered on the main queue together with the model, unless the model or
+// the handle has been destroyed; destroying or replacing the handle does not interrupt the work. Neither function may
+// hold a reference to the model.
 class [[nodiscard]] LoadTask {
  public:
-  // Work over the services: a function of ScreenServices&.
+  // `work` is a function of ScreenServices&.
   template <class Model, class Work, class Deliver>
   static LoadTask start(const std::shared_ptr<ScreenServices>& sdk, std::weak_ptr<Model> model, Work work,
                         Deliver deliver) {
@@ -25,7 +25,7 @@ class [[nodiscard]] LoadTask {
     return task;
   }
 
-  // Work over what the screens show: a function of ScreenContent and ScreenServices&.
+  // `work` is a function of ScreenContent and ScreenServices&.
   template <class Model, class Work, class Deliver>
   static LoadTask startWithContent(const std::shared_ptr<ScreenServices>& sdk, std::weak_ptr<Model> model, Work work,
                                    Deliver deliver) {

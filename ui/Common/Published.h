@@ -1,4 +1,4 @@
-// Observable state of a view model.
+// Observable properties of view models.
 #pragma once
 
 #include <cassert>
@@ -11,7 +11,7 @@
 
 namespace quillon {
 
-// Ends the observation when dropped, also from within the observer.
+// Destruction ends the observation, even from within the observer.
 class [[nodiscard]] Observation {
  public:
   Observation() = default;
@@ -21,12 +21,12 @@ class [[nodiscard]] Observation {
   std::shared_ptr<void> registration_;
 };
 
-// A value that announces every change before it is made: observers are called with the value to come while the present
-// one can still be read. For the main queue only, which must be one thread: the one that made it.
+// An observable value. Observers are called before each change, with the next value, while the present one is still
+// readable. Main queue only, which must be a single thread: the constructing one.
 //
-// Observers may do anything meanwhile: end observations, add some (which hear the next change), release the object that
-// owns this value, or change the value themselves. The last takes precedence: the change that was being announced is
-// dropped, and observers that have not heard of it hear only of the newer one.
+// Observers may end observations, add observers (called from the next change on), destroy the owner of this value, or
+// set the value. Setting takes precedence: it cancels the change being announced, and observers not yet notified see
+// only the newer change.
 template <class Value>
 class Published {
  public:
@@ -42,10 +42,10 @@ class Published {
     return state_->value;
   }
 
-  // Announces also a value that equals the present one.
+  // Notifies observers even if the value is equal.
   void set(Value next) {
     assert(state_->isOwningThread());
-    // The owner may be released by an observer: from here on only what is held locally is touched.
+    // An observer may destroy *this: only locals are used from here on.
     const std::shared_ptr<State> state = state_;
     const std::uint64_t change = ++state->change;
     const auto observers = state->observers;
@@ -73,7 +73,7 @@ class Published {
 
     Value value;
     std::vector<std::weak_ptr<Observer>> observers;
-    std::uint64_t change = 0;  // number of the newest change
+    std::uint64_t change = 0;  // sequence number of the latest change
     const std::thread::id thread = std::this_thread::get_id();
   };
   const std::shared_ptr<State> state_;

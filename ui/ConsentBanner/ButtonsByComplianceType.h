@@ -1,4 +1,4 @@
-// Which controls a banner has.
+// The controls of a banner.
 #pragma once
 
 #include <optional>
@@ -13,17 +13,17 @@ namespace quillon {
 enum class BannerAction { accept, reject, close, openPreferenceCenter, openPrivacyNotice, openDSRPortal };
 
 struct BannerButtons {
-  std::vector<BannerAction> answers;  // the row of equal buttons, in order
-  std::vector<BannerAction> links;    // below it, in order
+  std::vector<BannerAction> answers;  // row of equally sized buttons, in order
+  std::vector<BannerAction> links;    // below the row, in order
   bool close;
 
   bool operator==(const BannerButtons&) const = default;
 };
 
-// A banner that could not be left otherwise keeps its close button, whatever the configuration says.
+// A banner that could not be closed otherwise has a close button regardless of the configuration.
 [[nodiscard]] BannerButtons buttonsByComplianceType(const BannerConfig& banner);
 
-// What stands on a control: the configured text in the language, else a label; never empty.
+// The control's text: configured, or else a label; never empty.
 [[nodiscard]] std::string textOn(BannerAction action, const std::optional<BannerConfig>& banner,
                                  std::string_view language, std::string_view labelLanguage);
 

@@ -1,4 +1,4 @@
-// What every consent screen shows of the configuration, and what the banner's controls do.
+// The view model of the banner: configuration content shared by all consent screens, and the banner's actions.
 #pragma once
 
 #include <functional>
@@ -16,11 +16,10 @@
 
 namespace quillon {
 
-// For the main queue only. Lives as long as the screen that it is made for. A load may be started anew, above all after
-// a failure.
+// Main queue only. Lives as long as its screen. Loads can be repeated, for example after a failure.
 class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBannerViewModel> {
  public:
-  // The function takes the screen away once the user is done with it; without one the top-most screen is dismissed.
+  // `leave` removes the screen after the user's action; by default the top-most screen is dismissed.
   static std::shared_ptr<ConsentBannerViewModel> make(std::shared_ptr<ScreenServices> sdk,
                                                       std::function<void()> leave = {});
   ConsentBannerViewModel(std::shared_ptr<ScreenServices> sdk, std::function<void()> leave);  // use make()
@@ -28,7 +27,7 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   Published<std::optional<BannerConfig>> bannerConfig{std::nullopt};
   Published<std::optional<GcmConfig>> gcmConfig{std::nullopt};
   Published<ConsentSDKResult<BannerConfig>> bannerConfigResult{ConsentSDKResult<BannerConfig>::none()};
-  // A logo that is missing or cannot be read is a success without an image.
+  // A missing or unreadable logo counts as success without an image.
   Published<ConsentSDKResult<std::optional<EncodedImage>>> companyLogoResult{
       ConsentSDKResult<std::optional<EncodedImage>>::none()};
   Published<ConsentSDKResult<std::optional<SettingsPrompt>>> settingsPromptResult{
@@ -38,27 +37,26 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   void loadCompanyLogo();
   void loadSettingsPrompt();
 
-  // The banner is on screen: records the defaults where the configuration wants that at this point.
+  // Call when the banner is shown: records the defaults if the configuration requires it at this point.
   void appeared();
-  // Accept and reject store the answer; close, an answer that was not given, the defaults. All three dismiss the banner
-  // without waiting for the device or the network. The others open a further screen.
+  // Accept and reject store the answer, close the defaults; all three dismiss the banner without waiting for the device
+  // or the network. The other actions open a screen.
   void perform(BannerAction action);
-  // Takes the screen away.
+  // Removes the screen.
   void leave() const;
   // Opens a link of the configuration in the in-app web view.
   void openLink(const std::string& link);
 
-  // Records the default of every purpose without a decision and the present state of every permission, and uploads
-  // them.
+  // Records the default of every undecided purpose and the present state of every permission, and uploads them.
   void recordDefaultExplicitConsents();
 
-  // A label in the language at the last load, or in English where we do not have that.
+  // A label in the language of the last load, or else in English.
   std::string label(Label label) const;
-  // Two texts joined by one of the patterns among the labels.
+  // Combines two texts with a pattern of the labels.
   std::string joined(Label pattern, std::string first, std::string second) const;
-  // A configured text in the current language, else in English, else in the first one that it has; else empty.
+  // A configured text in the current language, else in English, else in its first language; else empty.
   std::string text(const std::optional<LocalizedText>& text) const;
-  // What stands on a button; never empty.
+  // A button's text; never empty.
   std::string text(BannerAction action) const;
 
   const std::shared_ptr<ScreenServices>& sdk() const { return sdk_; }
@@ -67,7 +65,7 @@ class ConsentBannerViewModel : public std::enable_shared_from_this<ConsentBanner
   const std::shared_ptr<ScreenServices> sdk_;
   const std::function<void()> leave_;
   std::string labelLanguage_;
-  std::string notice_;  // the digest of what is shown
+  std::string notice_;  // digest of the displayed content
   std::optional<LoadTask> settingsPromptTask_;
   std::optional<LoadTask> bannerConfigTask_;
   std::optional<LoadTask> companyLogoTask_;

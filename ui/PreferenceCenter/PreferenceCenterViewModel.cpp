@@ -12,25 +12,25 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto voiceOverLifetime = 3500ms;
-// A screen reader first says what was tapped.
+// Lets a screen reader announce the control first.
 constexpr auto explanationDelay = 1500ms;
 
 template <class Record>
 using ListResult = ConsentSDKResult<std::vector<Record>>;
 
-// All that is published of them, copied in the background: with their SDKs they may be megabytes.
+// The data to publish, copied in the background: with SDKs it may be megabytes.
 struct LoadedPurposes {
   std::vector<Purpose> list;
   ListResult<Purpose> result = ListResult<Purpose>::none();
   std::string notice;
 };
 
-// Errors are in English, like the log; what the user sees in their place is a label.
+// Error texts are English, as in the log; the user sees a label instead.
 CustomError english(Label label) {
   return {std::string(englishLabels().text(label))};
 }
 
-// A purpose of which the configuration says both that the user may opt out and that the device does not govern it.
+// Requires that the configuration allows opting out and does not bind the purpose to tracking.
 bool isSwitchable(const Purpose& purpose) {
   return purpose.purposeId && purpose.disableOptOut == false && purpose.isATTMapped == false;
 }
@@ -154,7 +154,7 @@ bool PreferenceCenterViewModel::save() {
     const auto choice = selected.find(*purpose.purposeId);
     if (choice != selected.end()) choices.insert(*choice);
   }
-  const std::shared_ptr<ScreenServices> sdk = banner_->sdk();  // leaving may release all that is here
+  const std::shared_ptr<ScreenServices> sdk = banner_->sdk();  // leave() may destroy *this
   if (!sdk->save(choices, notice_)) return false;
   banner_->leave();
   sdk->dismissBanner();

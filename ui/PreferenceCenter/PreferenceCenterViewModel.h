@@ -1,4 +1,4 @@
-// The preference centre: the purposes with the choices that are not saved yet, and the permissions.
+// The view model of the preference centre: purposes with unsaved choices, and permissions.
 #pragma once
 
 #include <cstdint>
@@ -22,17 +22,17 @@ namespace quillon {
 enum class MyPreferences { purposes, permissions };
 [[nodiscard]] std::string_view rawValue(MyPreferences tab) noexcept;
 
-// The switch of a purpose as it is shown and read out.
+// A purpose's switch, as shown and announced.
 struct PurposeToggle {
   bool isOn;
   bool isEnabled;
-  std::string label;  // the state in words
-  std::string hint;   // empty when it cannot be switched
+  std::string label;  // the state as text
+  std::string hint;   // empty if it cannot be switched
 
   bool operator==(const PurposeToggle&) const = default;
 };
 
-// For the main queue only. Lives as long as the screen; what was not saved by then is discarded.
+// Main queue only. Lives as long as the screen; unsaved choices are discarded.
 class PreferenceCenterViewModel : public std::enable_shared_from_this<PreferenceCenterViewModel> {
  public:
   static std::shared_ptr<PreferenceCenterViewModel> make(std::shared_ptr<ConsentBannerViewModel> banner);
@@ -42,46 +42,45 @@ class PreferenceCenterViewModel : public std::enable_shared_from_this<Preference
       ConsentSDKResult<std::vector<AppPermission>>::none()};
   Published<ConsentSDKResult<std::vector<Purpose>>> purposesResult{ConsentSDKResult<std::vector<Purpose>>::none()};
   Published<std::vector<AppPermission>> permissions{{}};
-  // True for a purpose that will be saved as granted.
+  // True if saving would grant the purpose.
   Published<std::map<std::int64_t, bool>> selectedPurposes{{}};
   Published<std::vector<Purpose>> purposes{{}};
   Published<MyPreferences> currentSegment{MyPreferences::purposes};
-  // What the list of purposes tells a screen reader after all were switched; empty again 3.5 seconds later.
+  // The announcement after setAll(); cleared after 3.5 seconds.
   Published<std::string> voiceOverText{{}};
-  // What a screen reader must say now. Published anew for every announcement, equal or not.
+  // To be announced by a screen reader. Set for every announcement, even an equal one.
   Published<std::string> announcement{{}};
 
   void loadPurposes();
   void loadPermissions();
 
-  // Switches every purpose that the user may decide about.
+  // Switches all purposes that the user may decide on.
   void setAll(bool value);
-  // Whether there are such purposes.
+  // Whether there are any.
   bool hasSwitchablePurposes() const;
 
   PurposeToggle toggle(const Purpose& purpose) const;
-  // The user has touched the switch of a purpose. One that cannot be switched stays, and is explained 1.5 seconds
-  // later.
+  // Handles a tap on a purpose's switch. One that cannot be switched is explained after 1.5 seconds.
   void tapToggle(std::int64_t purposeId);
 
-  // Stores the choices as the user's, uploads what changed, and closes the preference centre and the banner below it.
-  // False, and the screen stays, when they could not be stored.
+  // Stores the choices as the user's, uploads the changes, and closes the preference centre and the banner below it. If
+  // storing fails, returns false and the screen stays.
   bool save();
   void close();
-  // Offers the way to the system settings for a permission, where the configuration has one.
+  // Offers to open the system settings for a permission, if configured.
   void tapPermission(const VantariKey& permission);
-  // Whether a tap on the permission offers that way.
+  // Whether tapPermission() offers that.
   bool offersSettings(const AppPermission& permission) const;
 
   const std::shared_ptr<ConsentBannerViewModel>& banner() const { return banner_; }
 
  private:
-  // Publishes the text on the main queue once the delay is over.
+  // Sets a property on the main queue after a delay.
   std::unique_ptr<Timer> publishAfter(std::chrono::milliseconds delay,
                                       Published<std::string> PreferenceCenterViewModel::* property, std::string text);
 
   const std::shared_ptr<ConsentBannerViewModel> banner_;
-  std::string notice_;  // the digest of what is shown
+  std::string notice_;  // digest of the displayed content
   std::optional<LoadTask> permissionsTask_;
   std::optional<LoadTask> purposeTask_;
   std::unique_ptr<Timer> voiceOverReset_;

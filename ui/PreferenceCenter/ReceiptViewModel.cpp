@@ -17,7 +17,7 @@ struct MadeReceipt {
   LinesResult lines;
 };
 
-// Why there is none is in the log.
+// A failure is logged.
 MadeReceipt receiptFrom(ScreenServices& sdk, const ReceiptWords& words) {
   const auto receipt = sdk.receipt();
   const auto* const document = receipt.value();
@@ -74,11 +74,11 @@ void ReceiptViewModel::save() {
                   .accept = banner_->label(Label::saveReceipt),
                   .name = "receipt.json",
                   .content = document_};
-  // The answer to an earlier dialog may still be on its way.
+  // Tells a late result of an earlier dialog from that of this one.
   asked_ = std::make_shared<char>();
   choice_ = chooser->save(std::move(file), [sdk = std::weak_ptr(banner_->sdk()), model = weak_from_this(),
                                             asked = std::weak_ptr(asked_)](SaveOutcome outcome) {
-    const auto alive = sdk.lock();  // the services own the chooser, so it must not own them
+    const auto alive = sdk.lock();  // the services own the chooser, so a strong reference would be a cycle
     if (!alive) return;
     alive->onMain([model, asked, outcome] {
       const auto shown = model.lock();

@@ -1,4 +1,4 @@
-// The receipt in the preference centre: what it says, and what becomes of its file.
+// The view model of the receipt in the preference centre.
 #pragma once
 
 #include <memory>
@@ -15,7 +15,7 @@
 
 namespace quillon {
 
-// For the main queue only. Lives as long as the screen, and the dialog with it.
+// Main queue only. Lives as long as the screen; its destruction closes the dialog.
 class ReceiptViewModel : public std::enable_shared_from_this<ReceiptViewModel> {
  public:
   enum class Saving { notAsked, choosing, saved, cancelled, unavailable, failed };
@@ -23,20 +23,20 @@ class ReceiptViewModel : public std::enable_shared_from_this<ReceiptViewModel> {
   static std::shared_ptr<ReceiptViewModel> make(std::shared_ptr<ConsentBannerViewModel> banner);
   explicit ReceiptViewModel(std::shared_ptr<ConsentBannerViewModel> banner);  // use make()
 
-  // What the receipt says.
+  // The receipt's content.
   Published<ConsentSDKResult<std::vector<ReceiptLine>>> lines{ConsentSDKResult<std::vector<ReceiptLine>>::none()};
   Published<Saving> saving{Saving::notAsked};
 
-  // Makes a new receipt of all decisions that are stored.
+  // Makes a new receipt of all stored decisions.
   void load();
-  // Asks the user where to save the receipt that is shown; nothing without one. A dialog that is still open is closed.
+  // Asks the user where to save the displayed receipt; no-op without one. Closes an earlier dialog.
   void save();
 
  private:
   const std::shared_ptr<ConsentBannerViewModel> banner_;
-  std::string document_;  // what is shown; empty without a receipt
+  std::string document_;  // the displayed receipt; empty without one
   std::optional<LoadTask> loading_;
-  std::shared_ptr<char> asked_;  // of the newest dialog
+  std::shared_ptr<char> asked_;  // identifies the latest dialog
   std::unique_ptr<FileChoice> choice_;
 };
 

@@ -1,4 +1,4 @@
-// The prompt that leads to the system settings for one permission.
+// The view model of the prompt to open the system settings for a permission.
 #pragma once
 
 #include <memory>
@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-// For the main queue only. Lives as long as the screen. What it shows follows the banner's settingsPromptResult.
+// Main queue only. Lives as long as the screen. Its content follows the banner's settingsPromptResult.
 class SettingsPromptViewModel {
  public:
   SettingsPromptViewModel(std::shared_ptr<ConsentBannerViewModel> banner, VantariKey permission)
@@ -19,18 +19,18 @@ class SettingsPromptViewModel {
   struct Content {
     std::string heading;
     std::string message;
-    std::string settingsButton;  // never empty, nor is the other
+    std::string settingsButton;  // neither button's text is empty
     std::string notNowButton;
 
     bool operator==(const Content&) const = default;
   };
-  // Nothing unless the texts are loaded.
+  // nullopt until the texts are loaded.
   std::optional<Content> content() const;
 
   void openSettings();
-  // Leaves the prompt; it may be offered again.
+  // Closes the prompt; it may be offered again.
   void notNow();
-  // Leaves the prompt for good: it is not offered again.
+  // Closes the prompt permanently.
   void close();
 
   const VantariKey& permissionId() const { return permissionId_; }

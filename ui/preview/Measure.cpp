@@ -17,7 +17,7 @@ void addBelow(QQuickItem& item, std::vector<QQuickItem*>& items) {
   }
 }
 
-// The part of an item that no ancestor cuts off.
+// The visible part of an item, clipped by its ancestors.
 QRect placeOf(const QQuickItem& item, const QImage& picture) {
   QRectF place = item.mapRectToScene(item.boundingRect()) & QRectF(picture.rect());
   for (const QQuickItem* above = item.parentItem(); above; above = above->parentItem()) {
@@ -31,8 +31,8 @@ Color colorOf(QRgb pixel) {
 }
 
 struct Colors {
-  Color background;     // the most frequent
-  double contrast = 1;  // of the one that stands out most: the text's own, whose edges are softened
+  Color background;     // the most frequent colour
+  double contrast = 1;  // of the colour with the highest contrast: the text's, since its edges are anti-aliased
 };
 
 Colors colorsIn(const QImage& picture, const QRect& place) {
@@ -50,7 +50,7 @@ Colors colorsIn(const QImage& picture, const QRect& place) {
   return colors;
 }
 
-// Without its border, which is no text.
+// Excludes the border, which is not text.
 QRect insideOf(const QQuickItem& button, const QImage& picture) {
   constexpr int border = 4;
   return placeOf(button, picture).adjusted(border, border, -border, -border) & picture.rect();
@@ -78,7 +78,7 @@ std::vector<MeasuredAnswer> measuredAnswers(const QImage& picture, QQuickItem& s
   addBelow(screen, items);
   std::vector<MeasuredAnswer> answers;
   for (const QQuickItem* const item : items) {
-    // The type's name is that of its file, with a number behind it.
+    // A QML type's class name is its file name with a numeric suffix.
     if (!QString::fromLatin1(item->metaObject()->className()).startsWith("ConsentButton_QMLTYPE")) continue;
     if (item->property("isQuiet").toBool()) continue;
     const QRect place = placeOf(*item, picture);

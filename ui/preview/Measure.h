@@ -1,4 +1,4 @@
-// What a reader meets in the picture of a screen.
+// Measures the rendered picture of a screen.
 #pragma once
 
 #include <QImage>
@@ -12,13 +12,13 @@ namespace quillon::preview {
 
 struct MeasuredText {
   QString text;
-  double contrast;  // of its strongest colour with the one behind it, from 1 to 21
+  double contrast;  // of the strongest colour against its background, from 1 to 21
 };
 
-// Of each text of the screen that is in the picture.
+// All visible texts of the screen.
 [[nodiscard]] std::vector<MeasuredText> measuredTexts(const QImage& picture, QQuickItem& screen);
 
-// The answers in the row of a banner's answers, in the order of the screen; none on other screens.
+// The answer buttons of a banner, in display order; empty for other screens.
 [[nodiscard]] std::vector<MeasuredAnswer> measuredAnswers(const QImage& picture, QQuickItem& screen);
 
 }  // namespace quillon::preview

@@ -1,4 +1,4 @@
-// The buttons by which a banner is answered, as its picture shows them.
+// A banner's answer buttons as measured on its picture.
 #pragma once
 
 #include <algorithm>
@@ -11,12 +11,12 @@ struct MeasuredAnswer {
   std::string text = {};
   int width = 0;  // pixels
   int height = 0;
-  int weight = 0;         // of the font, 400 is regular
-  double contrast = 1;    // of the text on the button
-  double prominence = 1;  // contrast of the button with what is around it
+  int weight = 0;         // of the font; 400 is regular
+  double contrast = 1;    // of the button's text
+  double prominence = 1;  // contrast between the button and its surroundings
 };
 
-// Whether none of a banner's answers is more than a tenth larger, heavier or stronger than another.
+// Whether no answer is more than a tenth larger, bolder or of higher contrast than another.
 [[nodiscard]] inline bool areAlike(const std::vector<MeasuredAnswer>& answers) {
   const auto alike = [&answers](auto member) {
     const auto [least, most] = std::ranges::minmax(answers, {}, member);

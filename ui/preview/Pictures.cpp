@@ -51,7 +51,7 @@ std::expected<Drawn, const char*> drawn(const View& view, std::string document, 
   if (picture.isNull() || !preview.screen()) return std::unexpected("the screen does not appear");
   Drawn drawn;
   QBuffer buffer(&drawn.png);
-  // Whoever looks at it is on this machine: time counts, and not size.
+  // Pictures stay on this machine, so encoding speed matters, not size.
   constexpr int leastCompression = 90;
   picture.save(&buffer, "PNG", leastCompression);
   if (view.screen != "banner") return drawn;

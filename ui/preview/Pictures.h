@@ -1,13 +1,13 @@
-// Pictures on demand, one after the other, for a program that keeps this one running.
+// Draws pictures on request, for a program that keeps this process running.
 #pragma once
 
 namespace quillon::preview {
 
-// Answers each request on standard input with a picture on standard output, until there are no more. A request is a
-// line of JSON, {"screen", "language", "location", "size": "390x844", "dark", "scale", "bytes"}, and then so many
-// bytes of the document. The answer is a line, {"bytes", "answers"}, and a PNG picture of so many bytes, or a line
-// {"error"}; the answers are those of a banner, with the members of MeasuredAnswer. Returns the exit status: 1 when a
-// request cannot be understood, as the next one could not be found.
+// Answers requests on standard input until it ends, one at a time. A request is a line of JSON, {"screen", "language",
+// "location", "size": "390x844", "dark", "scale", "bytes"}, followed by that many bytes of the document. The response
+// on standard output is a line {"bytes", "answers"}, followed by a PNG picture of that many bytes, or a line {"error"}.
+// "answers" are a banner's, with the members of MeasuredAnswer. Returns the exit status: 1 after a malformed request,
+// since the beginning of the next one is then unknown.
 [[nodiscard]] int drawPictures();
 
 }  // namespace quillon::preview

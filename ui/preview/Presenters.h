@@ -1,4 +1,4 @@
-// Presenters that are kept: to make one and to compile its screens takes longer than to draw them.
+// Caches presenters: creating one and compiling its screens takes longer than drawing them.
 #pragma once
 
 #include <map>
@@ -11,7 +11,7 @@ namespace quillon::preview {
 
 class Presenters {
  public:
-  // Of that appearance, without motion. The presenter has no screen when its last preview has ended.
+  // A presenter of that appearance, without animation. It has no screen once its last preview has been destroyed.
   std::shared_ptr<QtScreenPresenter> of(bool isDark, double scale) {
     constexpr std::size_t most = 8;
     const auto key = std::pair(isDark, scale);

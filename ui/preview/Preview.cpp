@@ -11,8 +11,8 @@
 namespace quillon::preview {
 namespace {
 
-// Lets the main loop run until the condition holds. False when that takes too long; a browser on a busy machine takes
-// ten seconds to start.
+// Runs the main loop until the condition holds. False on timeout; a browser on a busy machine takes ten seconds to
+// start.
 bool await(const std::function<bool()>& condition) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (!condition()) {
@@ -22,7 +22,7 @@ bool await(const std::function<bool()>& condition) {
   return true;
 }
 
-// A browser paints some time after a page has come. Inside the edges of the sheet nothing else is drawn.
+// A browser paints some time after a page has loaded. Looks inside the sheet's edges, where nothing else is drawn.
 bool isPainted(const QImage& picture, const QQuickItem& page) {
   constexpr int edge = 24;
   const auto place =
@@ -56,7 +56,7 @@ Preview::Preview(View view, std::string document, std::shared_ptr<QtScreenPresen
 
 Preview::~Preview() {
   dismiss();
-  // What the screen left behind uses the SDK until it is deleted, which otherwise waits for the outermost loop.
+  // Deleted screens use the SDK until deferred deletion, which would otherwise wait for the outermost loop.
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
@@ -65,7 +65,7 @@ bool Preview::start() {
   window_.setColor(view_.isDark ? QColor("#26292e") : QColor("#d9dde2"));
   window_.show();
   if (view_.screen == "web") page_.emplace();
-  // Pages of the application's own server may be shown.
+  // Allows the page, since it is on the application's server.
   sdk_.setup({.appUrl = page_ ? page_->address() : "https://preview.example/",
               .cdnUrl = "https://preview.example/",
               .tenantId = "preview",
@@ -109,12 +109,12 @@ void Preview::dismiss() {
   await([&] { return !presenter_->topItem(); });
 }
 
-// Cards, texts and pictures come in the turns after the screen.
+// Cards, texts and pictures are created in later turns of the loop.
 void Preview::settle() {
   int quietTurns = 0;
   std::future<void> settled = sdk_.settled();
   await([&] {
-    // Asked again only once answered: every question is kept until then.
+    // Ask again only when answered, since each pending call takes memory.
     if (settled.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
       quietTurns = 0;
       return false;
@@ -130,12 +130,13 @@ bool Preview::isShown() const {
   return item && item->property("shown").toDouble() == 1;
 }
 
-// The title is the page's own once it has come, and stays: neither the start of loading nor its end can be missed.
+// Waits for the page's title, which stays set, so the state cannot be missed; isLoading alone may not have become true
+// yet.
 bool Preview::hasPage(const QObject& model) const {
   return model.property("title").toString().toStdString() != linkOfPage() && !model.property("isLoading").toBool();
 }
 
-// Null when the page does not come. It is drawn, and at rest once two pictures in a row are the same.
+// Null if the page does not load. The page is complete when it is painted and two successive pictures are equal.
 QImage Preview::pictureOfPage() {
   const auto& model = *presenter_->topItem()->property("model").value<QObject*>();
   if (!await([&] { return hasPage(model); })) return {};

@@ -1,4 +1,4 @@
-// A user's screens of one configuration, in a window.
+// Displays a user's screens of one configuration in a window.
 #pragma once
 
 #include <QImage>
@@ -16,11 +16,11 @@
 
 namespace quillon::preview {
 
-// What a user looks at, and how.
+// The displayed screen, the user and the display.
 struct View {
   std::string screen = "banner";
   std::string language = "en";
-  std::string location = {};  // empty: elsewhere
+  std::string location = {};  // empty: any other location
   QSize size = {390, 844};
   bool isDark = false;
   double scale = 1;
@@ -28,25 +28,25 @@ struct View {
   bool isWebView() const { return screen == "web" || screen == "blocked"; }
 };
 
-// The size in "WIDTHxHEIGHT"; nullopt when it is none, or too large.
+// Parses "WIDTHxHEIGHT"; nullopt if invalid or too large.
 [[nodiscard]] std::optional<QSize> sizeFrom(const std::string& text);
 
-// For the main thread. Nothing is stored or sent.
+// Main thread only. Stores and sends nothing.
 class Preview {
  public:
-  // The presenter, whose appearance should be the view's, may serve several previews one after the other.
+  // The presenter should have the view's appearance; previews may use it one after the other.
   Preview(View view, std::string document, std::shared_ptr<QtScreenPresenter> presenter);
-  // Takes the screen away.
+  // Removes the screen.
   ~Preview();
 
-  // Opens the window and sets the SDK up. False when the document is no valid configuration.
+  // Opens the window and sets the SDK up. False if the document is not a valid configuration.
   bool start();
-  // Shows the screen of that name in place of the one that is shown.
+  // Replaces the displayed screen by the one of that name.
   void present(const std::string& screen);
-  // Of the screen that is shown, at rest; null when it does not appear.
+  // The picture of the displayed screen at rest; null if it does not appear.
   QImage picture();
 
-  // The item of the screen; null when there is none.
+  // The screen's item; null if there is none.
   QQuickItem* screen() const { return presenter_->topItem(); }
 
  private:

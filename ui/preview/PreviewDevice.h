@@ -1,4 +1,4 @@
-// A device that forgets: everything in memory, and one configuration on its network.
+// An in-memory device whose network serves one configuration.
 #pragma once
 
 #include <memory>
@@ -10,7 +10,7 @@ namespace quillon::preview {
 
 class PreviewDevice {
  public:
-  // Every configuration that is asked for is the document; uploads succeed and go nowhere.
+  // Every configuration request returns the document; uploads succeed and are discarded.
   PreviewDevice(std::string document, std::shared_ptr<ScreenPresenter> screens);
 
   const Platform& platform() const { return platform_; }

@@ -41,7 +41,7 @@ std::vector<std::string> languagesOf(const MainConfiguration& configuration) {
   return {languages.begin(), languages.end()};
 }
 
-// One place for each banner, elsewhere ("") first.
+// One location per banner, "" (all others) first.
 std::vector<std::string> placesOf(const MainConfiguration& configuration) {
   std::vector<std::string> places{""};
   if (!configuration.bannerConfig) return places;
@@ -99,7 +99,7 @@ QString figure(const std::string& screen, const QImage& picture, QQuickItem& ite
          "\"><figcaption>" + name + measuresOf(picture, item) + "</figcaption></figure>\n";
 }
 
-// The section of one language, theme and place; null when a screen does not appear.
+// The section of one language, theme and location; null if a screen does not appear.
 QString section(const View& view, const std::string& document, const std::vector<std::string>& screens,
                 Presenters& presenters) {
   Preview preview(view, document, presenters.of(view.isDark, view.scale));

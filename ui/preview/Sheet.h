@@ -1,4 +1,4 @@
-// A page with the pictures of all screens, for review.
+// An HTML page with pictures of all screens, for review.
 #pragma once
 
 #include <expected>
@@ -8,9 +8,9 @@
 
 namespace quillon::preview {
 
-// Draws every screen in each language, in light and dark surroundings, with each banner that some place gets, and
-// writes an HTML page that needs nothing else. Size and scale are the view's. Each picture has its measured contrast,
-// and the sizes of a banner's answers. The error is a sentence.
+// Draws every screen in each language, light and dark, with every banner that is used at some location, and writes a
+// self-contained HTML page, with the measured contrast of each picture and the sizes of a banner's answers. Size and
+// scale are the view's. The error is a sentence.
 [[nodiscard]] std::expected<void, std::string> writeSheet(const std::string& document, const std::string& out,
                                                           const View& view);
 

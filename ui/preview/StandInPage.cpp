@@ -27,7 +27,7 @@ StandInPage::StandInPage() : port_(server_.bind_to_any_port("127.0.0.1")) {
   server_.Get(".*", [](const httplib::Request&, httplib::Response& response) {
     response.set_content(page, "text/html; charset=utf-8");
   });
-  // Or it would wait for silent connections when it ends.
+  // Otherwise the server would wait for idle connections on shutdown.
   server_.set_keep_alive_max_count(1);
   thread_ = std::thread([this] { server_.listen_after_bind(); });
   while (!server_.is_running()) std::this_thread::yield();

@@ -1,4 +1,4 @@
-// A page for the web view to show: what the links of a configuration lead to is not looked at.
+// A placeholder page for the web view, so that links of a configuration are not loaded.
 #pragma once
 
 #include <httplib.h>
@@ -8,13 +8,13 @@
 
 namespace quillon::preview {
 
-// Served on this machine only, at every path, as long as the object lives.
+// Served on loopback only, at every path, during the object's lifetime.
 class StandInPage {
  public:
   StandInPage();
   ~StandInPage();
 
-  // Ends in a slash.
+  // With a trailing slash.
   std::string address() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
 
  private:

@@ -1,5 +1,4 @@
-// quillon-consent-preview: shows a screen of a configuration in a window, or writes its picture or those of all
-// screens.
+// quillon-consent-preview: shows a screen of a configuration in a window, or writes a picture of one or all screens.
 #include <CLI/CLI.hpp>
 #include <QGuiApplication>
 #include <QImage>
@@ -27,8 +26,8 @@ struct PreviewOptions {
   bool isOnDemand = false;
 };
 
-// The browser must be known before the application object is made. On an engine that can reach past the filter an
-// application has none unless it accepts that; how it would look is shown on all.
+// The browser must be registered before the application object exists. An engine that can bypass the filter is off by
+// default in applications; the preview always enables it.
 bool startWebView() {
 #ifdef WITH_WEB_VIEW
   return initializeQtWebEngine(UnfilteredConnections::accepted);
@@ -84,7 +83,7 @@ int run(PreviewOptions& options, int argc, char** argv) {
   options.view.size = *size;
   if (options.isAll && options.out.empty()) return fail("--all: --out names the page to write");
   if (options.file.empty() && !options.isOnDemand) return fail("file is required");
-  // A picture needs no display.
+  // Pictures need no display.
   if (options.isOnDemand || !options.out.empty()) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");

@@ -7,7 +7,7 @@
 namespace quillon {
 namespace {
 
-// The node of a scope. The toolkit's own node of an item knows no modal state, and hides none of what it holds.
+// The accessibility node of a scope. Qt's nodes of items support neither a modal state nor hiding their children.
 class ScopeNode : public QAccessibleObject {
  public:
   explicit ScopeNode(AccessibleScope* scope) : QAccessibleObject(scope) {}
@@ -56,7 +56,7 @@ class ScopeNode : public QAccessibleObject {
     if (!scope().isCovered()) addNodesBelow(scope(), nodes);
     return nodes;
   }
-  // Only some items have a node.
+  // Items without a node are skipped; their children are not.
   static void addNodesBelow(const QQuickItem& item, QList<QAccessibleInterface*>& nodes) {
     for (QQuickItem* child : item.childItems()) {
       if (auto* node = QAccessible::queryAccessibleInterface(child)) {

@@ -1,4 +1,4 @@
-// A part of what assistive technology meets that can be taken out of it.
+// A subtree that can be hidden from assistive technology.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -7,8 +7,8 @@
 
 namespace quillon {
 
-// Covered, it shows assistive technology nothing of what it holds. Modal, it is a dialog. The item also needs
-// `Accessible.role`, of any value, to be met at all.
+// When covered, it hides its children from assistive technology; when modal, it is a dialog. Requires
+// `Accessible.role`, of any value, to be in the accessibility tree.
 class AccessibleScope : public QQuickItem {
   Q_OBJECT
   QML_ELEMENT

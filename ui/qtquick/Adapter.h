@@ -1,4 +1,4 @@
-// What the adapters between a view model and its QML screen have in common.
+// The base of adapters between view models and QML screens.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -12,7 +12,7 @@
 
 namespace quillon {
 
-// Objects as the model of a repeater.
+// Objects as a repeater's model.
 template <class Object>
 QVariantList listOf(const std::vector<Object*>& objects) {
   QVariantList list;
@@ -20,8 +20,8 @@ QVariantList listOf(const std::vector<Object*>& objects) {
   return list;
 }
 
-// Follows view models. Their changes are announced before they are made, so the adapter reads the new state in a turn
-// of its own of the main loop, one for all changes until then.
+// Follows view models. They announce changes in advance, so the adapter reads the new state in a later turn of the main
+// loop, once for all changes until then.
 class Adapter : public QObject {
   Q_OBJECT
   QML_ANONYMOUS
@@ -38,7 +38,7 @@ class Adapter : public QObject {
     observations_.push_back(property.observe([this](const Value&) { scheduleRefresh(); }));
   }
 
-  // Reads the view models anew; changed() follows.
+  // Reads the view models' state; changed() is emitted afterwards.
   virtual void refresh() {}
 
  private:

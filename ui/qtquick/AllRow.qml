@@ -1,12 +1,12 @@
 import QtQuick
 import Quillon.Consent
 
-// Refusing all and accepting all, as near as one another.
+// The buttons "refuse all" and "accept all", equally prominent.
 EqualRow {
     id: row
 
     required property PreferenceCenterAdapter preferences
-    // What comes next once all is decided here.
+    // The Tab key's next item after one of the buttons has been used.
     property Item following: null
     property bool isUsed: false
 
@@ -26,7 +26,7 @@ EqualRow {
             row.preferences.setAll(modelData)
         }
         onActiveFocusChanged: if (!activeFocus) row.isUsed = false
-        // A screen reader hears a message that belongs to what it is at.
+        // A screen reader announces a message only if it belongs to the focused item.
         Accessible.name: activeFocus ? row.preferences.banner.sentences(text, row.preferences.voiceOverText) : text
         // qmllint enable unqualified
     }

@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// A message that takes room for a while, so that it covers nothing.
+// A temporary message, laid out so that it covers nothing.
 Item {
     id: bar
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// Answers of equal weight.
+// Answers of equal prominence.
 EqualRow {
     id: row
 

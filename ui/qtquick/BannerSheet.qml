@@ -6,7 +6,7 @@ Sheet {
 
     required property ConsentBannerAdapter model
 
-    // Not while there is nothing to answer: the load may be tried again.
+    // Not after a failed load, since there is nothing to answer; loading can be retried.
     readonly property bool hasAppeared: isOnScreen && !model.hasFailed
 
     banner: model

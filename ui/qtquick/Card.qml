@@ -1,12 +1,12 @@
 import QtQuick
 import Quillon.Consent
 
-// What belongs together.
+// A group of related items.
 Rectangle {
     id: card
 
     default property alias content: column.data
-    // Whether the last of its content is a control, which has room of its own.
+    // Whether the last item is a control, which has its own padding.
     property bool endsInControl: false
     readonly property alias innerWidth: column.width
     property alias spacing: column.spacing

@@ -41,7 +41,7 @@ void Consent::openLink(const QString& link) {
 
 void Consent::receipt(const QList<qint64>& purposes, const QJSValue& callback) {
   const auto tell = [page = QPointer(this), callback](const QString& document, const QString& error) {
-    if (page) callback.call({document, error});  // else the engine that it belongs to is gone
+    if (page) callback.call({document, error});  // otherwise the callback's engine is gone
   };
   if (!page_) return tell({}, QStringLiteral("the pages have no SDK"));
   page_->sdk.receipt({purposes.begin(), purposes.end()}, [tell](const ConsentSDKResult<std::string>& receipt) {

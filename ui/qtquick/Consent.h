@@ -1,4 +1,4 @@
-// The SDK, for pages.
+// The SDK's API for QML pages.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -14,7 +14,7 @@ namespace quillon {
 
 class PageSdk;
 
-// Answers "no" while the engine has no SDK.
+// Reports "no" while the engine has no SDK.
 class Consent : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -23,22 +23,22 @@ class Consent : public QObject {
   Q_PROPERTY(QString status READ status NOTIFY statusChanged)
   Q_PROPERTY(bool ready READ isReady NOTIFY statusChanged)
   Q_PROPERTY(bool bannerDue READ isBannerDue NOTIFY bannerDueChanged)
-  // In which the screens speak, such as "de".
+  // The screens' language, such as "de".
   Q_PROPERTY(QString language READ language NOTIFY statusChanged)
 
  public:
   static Consent* create(QQmlEngine* engine, QJSEngine*) { return new Consent(*engine); }
 
-  // Whether a page may act on the purpose, or the permission of that key, at this moment.
+  // Whether the page may act on the purpose, or on the permission with that key, now.
   Q_INVOKABLE bool isAllowed(qint64 purposeId) const;
   Q_INVOKABLE bool isPermissionAllowed(const QString& key) const;
 
   Q_INVOKABLE void presentBanner();
   Q_INVOKABLE void presentPreferenceCenter();
-  // In the web view, if the configuration or the application allows the address.
+  // Opens the web view if the application or the configuration allows the URL.
   Q_INVOKABLE void openLink(const QString& link);
-  // Calls with a signed receipt of the decisions on the purposes, or on all of none is named, and with why there is
-  // none; one of both is empty.
+  // Calls back with (document, error), one of which is empty. The document is a signed receipt of the decisions on the
+  // purposes, or on all if none is given.
   Q_INVOKABLE void receipt(const QList<qint64>& purposes, const QJSValue& callback);
 
   QString status() const;
@@ -54,7 +54,7 @@ class Consent : public QObject {
   explicit Consent(QQmlEngine& engine);
   void askForBanner();
 
-  PageSdk* const page_;  // the SDK outlives the engine, which this belongs to
+  PageSdk* const page_;  // belongs to the engine, like this object; the SDK outlives both
   bool isBannerDue_ = false;
   std::shared_ptr<void> readiness_;
   std::vector<Listening> changes_;

@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-// A control of a screen.
+// A button of the banner.
 struct BannerControl {
   Q_GADGET
   QML_VALUE_TYPE(bannerControl)
@@ -31,13 +31,13 @@ class ConsentBannerAdapter : public Adapter {
   QML_UNCREATABLE("made for each screen")
   Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
   Q_PROPERTY(bool hasFailed READ hasFailed NOTIFY changed)
-  // In words; empty when it has not.
+  // The message to show; empty without a failure.
   Q_PROPERTY(QString failure READ failure NOTIFY changed)
   Q_PROPERTY(bool isCentered READ isCentered NOTIFY changed)
   Q_PROPERTY(bool showsPoweredBy READ showsPoweredBy NOTIFY changed)
   Q_PROPERTY(bool canClose READ canClose NOTIFY changed)
   Q_PROPERTY(QString heading READ heading NOTIFY changed)
-  // Of the dialog, which has one even without a heading.
+  // The dialog's accessible name, also without a heading.
   Q_PROPERTY(QString name READ name NOTIFY changed)
   Q_PROPERTY(quillon::RichTextAdapter* text READ text CONSTANT)
   Q_PROPERTY(quillon::PictureSource* logo READ logo CONSTANT)
@@ -65,7 +65,7 @@ class ConsentBannerAdapter : public Adapter {
   QString name() const { return heading().isEmpty() ? label(Label::privacyNotice) : heading(); }
   RichTextAdapter* text() const { return text_; }
   PictureSource* logo() const { return logo_; }
-  // None while there is nothing to answer.
+  // Empty while there is nothing to answer.
   QVariantList answers() const { return hasFailed() ? QVariantList() : controls(buttons().answers); }
   QVariantList links() const { return controls(buttons().links); }
   QString closeLabel() const { return label(Label::close); }
@@ -74,7 +74,7 @@ class ConsentBannerAdapter : public Adapter {
   QString activationHint() const { return label(Label::activationHint); }
   QString loadingLabel() const { return label(Label::loading); }
 
-  // Loads what the screen shows, or tries it again.
+  // Loads the screen's content, or retries.
   Q_INVOKABLE void load() {
     model_->loadBannerConfig();
     model_->loadCompanyLogo();
@@ -84,10 +84,10 @@ class ConsentBannerAdapter : public Adapter {
     model_->perform(lastAction_);
   }
   Q_INVOKABLE void close() { perform(static_cast<int>(BannerAction::close)); }
-  // What the user last asked for here.
+  // The user's last action on this banner.
   BannerAction lastAction() const { return lastAction_; }
   Q_INVOKABLE void appeared() { model_->appeared(); }
-  // Both texts, read out one after the other.
+  // Combines two texts for a screen reader.
   Q_INVOKABLE QString sentences(const QString& first, const QString& second) const {
     return joined(Label::twoSentences, first, second);
   }

@@ -1,11 +1,11 @@
 import QtQuick
 import Quillon.Consent
 
-// A button in the configured shape. All of one row look alike: none is more prominent than another.
+// A button in the configured shape. All buttons of a row look the same, so none is more prominent.
 Pressable {
     id: control
 
-    // Beside a list, where it is not what the screen is about.
+    // A secondary button beside a list, of lower prominence.
     property bool isQuiet: false
     readonly property bool isOutlined: Style.buttonShape === Style.Outlined
     readonly property bool isFilled: !isQuiet && !isOutlined && Style.buttonShape !== Style.Edgeless

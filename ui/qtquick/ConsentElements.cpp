@@ -77,7 +77,7 @@ bool PurposeElement::set(bool isGranted) {
   return sdk()->set(Purpose{.purposeId = *number}, isGranted ? ConsentStatus::granted : ConsentStatus::declined);
 }
 
-// Whatever changes the answer opens or closes the gate; the page asks anew at both.
+// A gate opens or closes on every change of the answer, so the element refreshes on both.
 void PurposeElement::follow(std::vector<Listening>& changes) {
   const auto number = id();
   if (!number) return;

@@ -1,4 +1,4 @@
-// Purposes and permissions as elements that a page follows.
+// Purposes and permissions as QML elements with live state.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -15,16 +15,16 @@ namespace quillon {
 
 class PageSdk;
 
-// What the elements below have in common. Follows the SDK from the moment that the page is complete.
+// The base of the elements below. Follows the SDK once the page is complete.
 class FollowedConsent : public QObject, public QQmlParserStatus {
   Q_OBJECT
   QML_ANONYMOUS
   Q_INTERFACES(QQmlParserStatus)
-  // Whether the page may act on it now.
+  // Whether the page may act now.
   Q_PROPERTY(bool allowed READ isAllowed NOTIFY changed)
-  // "granted", "declined", "withDrawn" or "notDetermined"; not a permission to act.
+  // "granted", "declined", "withDrawn" or "notDetermined"; for whether the page may act, use `allowed`.
   Q_PROPERTY(QString status READ status NOTIFY changed)
-  // In the user's language, empty while there is no configuration.
+  // In the user's language; empty while there is no configuration.
   Q_PROPERTY(QString name READ name NOTIFY changed)
   Q_PROPERTY(QString explanation READ explanation NOTIFY changed)
 
@@ -41,7 +41,7 @@ class FollowedConsent : public QObject, public QQmlParserStatus {
   void changed();
 
  protected:
-  // Asks anew about everything, or about what decisions change.
+  // Refresh everything, or only what decisions change.
   void refresh();
   void refreshAnswer();
   void describe(const QString& name, const QString& explanation);
@@ -54,7 +54,7 @@ class FollowedConsent : public QObject, public QQmlParserStatus {
   virtual ConsentStatus statusNow() const = 0;
   virtual void askForTexts() = 0;
 
-  PageSdk* page_ = nullptr;  // belongs to the engine, as this does
+  PageSdk* page_ = nullptr;  // owned by the engine, like this object
   bool isAllowed_ = false;
   QString status_;
   QString name_;
@@ -63,7 +63,7 @@ class FollowedConsent : public QObject, public QQmlParserStatus {
   std::vector<Listening> changes_;
 };
 
-// Linters find a base class by its whole name alone.
+// QML linters resolve the base class by its qualified name only.
 class PurposeElement : public quillon::FollowedConsent {
   Q_OBJECT
   QML_NAMED_ELEMENT(PurposeConsent)
@@ -73,7 +73,7 @@ class PurposeElement : public quillon::FollowedConsent {
   double purposeId() const { return purposeId_; }
   void setPurposeId(double purposeId);
 
-  // Stores the user's choice; false when it could not be stored.
+  // Stores the user's choice; false on failure.
   Q_INVOKABLE bool set(bool isGranted);
 
  Q_SIGNALS:
@@ -86,7 +86,7 @@ class PurposeElement : public quillon::FollowedConsent {
   void askForTexts() override;
   std::optional<std::int64_t> id() const;
 
-  double purposeId_ = 0;  // QML has no larger integers
+  double purposeId_ = 0;  // QML has no 64-bit integers
 };
 
 class PermissionElement : public quillon::FollowedConsent {
@@ -111,7 +111,7 @@ class PermissionElement : public quillon::FollowedConsent {
   QString permission_;
 };
 
-// Emits in turn while it lives, beginning with allowed() as soon as the purpose is, and after the page is complete.
+// Emits allowed() and denied() alternately, first allowed() once the purpose is allowed and the page complete.
 class ConsentGate : public QObject, public QQmlParserStatus {
   Q_OBJECT
   QML_ELEMENT

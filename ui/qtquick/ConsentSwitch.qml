@@ -1,8 +1,8 @@
 import QtQuick
 import Quillon.Consent
 
-// Shows a state of the model and only asks for another one, so it never shows what is not so. One that cannot be
-// switched can be tapped all the same, and is then explained.
+// Shows the model's state and only requests changes, so it never shows a state that is not in effect. Tapping a
+// disabled switch requests an explanation.
 Pressable {
     id: control
 
@@ -41,7 +41,7 @@ Pressable {
             enabled: Style.duration > 0
             NumberAnimation { duration: Style.duration; easing.type: Easing.OutCubic }
         }
-        // The state is told by more than the colour.
+        // Indicates the state not by colour alone.
         Icon {
             anchors.centerIn: parent
             width: parent.width * 0.6

@@ -1,17 +1,17 @@
 import QtQuick
 import Quillon.Consent
 
-// Controls of equal weight: side by side when all fit, else one below the other, always of the same size.
+// Controls of equal prominence and equal size: side by side if all fit, otherwise stacked.
 Grid {
     id: row
 
     property alias model: controls.model
-    // A control with an implicit size, which takes the size of all.
+    // A control with an implicit size; all get the largest one.
     property alias delegate: controls.delegate
     readonly property alias count: controls.count
     property var made: []
 
-    // Of one of them side by side.
+    // The width of one control when side by side.
     readonly property real share: (width - columnSpacing * (count - 1)) / Math.max(1, count)
     readonly property bool isRow: made.every(control => control.implicitWidth <= share)
     readonly property real cellWidth: isRow ? share : width

@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// Opens and closes what follows it.
+// Shows or hides the content after it.
 Pressable {
     id: control
 

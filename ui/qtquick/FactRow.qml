@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// A name and its value: one beside the other, or one below the other where they are long.
+// A name and its value, side by side or, if long, stacked.
 Item {
     id: row
 

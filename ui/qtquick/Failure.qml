@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// What takes the place of a content that cannot be loaded.
+// Shown instead of content that cannot be loaded.
 Column {
     id: failure
 
@@ -28,7 +28,7 @@ Column {
         width: Math.min(implicitWidth, parent.width)
         onClicked: failure.retried()
         Accessible.role: Accessible.Button
-        // A screen reader hears a message that belongs to what it is at.
+        // A screen reader announces a message only if it belongs to the focused item.
         Accessible.description: failure.text
     }
 }

@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// Around the control that the keyboard is at.
+// Marks the control with keyboard focus.
 Rectangle {
     required property bool isShown
     property real innerRadius: Style.metrics.smallRadius

@@ -1,12 +1,12 @@
 import QtQuick
 import Quillon.Consent
 
-// A heading shrinks before a word of it is divided, though not to the size of what it heads.
+// Shrinks to fit a long word before that is hyphenated, but stays larger than the text below it.
 PlainText {
     id: heading
 
     property font wanted: Style.heading
-    // In the wanted font.
+    // In the preferred font.
     readonly property real longestWord: Words.longest(words, wanted)
     readonly property int least: Math.min(wanted.pixelSize, Style.leastHeadingSize)
 

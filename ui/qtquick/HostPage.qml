@@ -1,8 +1,8 @@
 import QtQuick
 import Quillon.Consent
 
-// For an application's own page. While a screen of the SDK lies over the window, nothing of the page can be used, and
-// assistive technology does not meet it.
+// Wraps an application's own page. While a screen of the SDK covers the window, the page is disabled and hidden from
+// assistive technology.
 AccessibleScope {
     enabled: !isCovered
     Accessible.role: Accessible.Grouping

@@ -17,11 +17,11 @@ constexpr char16_t softHyphen = 0xAD;
 constexpr qsizetype longestWord = 100;
 constexpr qsizetype largestFile = qsizetype{4} << 20;
 
-// Patterns after Liang: letters with numbers between them, of which the largest at a place counts; a word may be
-// divided where that is odd. The usual library for the same files takes seconds to read the German one.
+// Liang's hyphenation patterns: letters with numbers between them, of which the highest at each position counts; a word
+// may be divided where it is odd. The usual library for these files takes seconds to load the German one.
 class Level {
  public:
-  // Such as "1ba", ".ab3c" or "te2st.".
+  // Parses a pattern such as "1ba", ".ab3c" or "te2st.".
   void add(QStringView line) {
     Pattern pattern;
     char number = 0;
@@ -38,7 +38,7 @@ class Level {
   }
   void sort() { std::ranges::sort(patterns_, {}, &Pattern::letters); }
 
-  // The numbers in front of each letter of the word, which has a full stop at either end.
+  // The number before each letter of the word, which begins and ends with a full stop.
   std::string numbersOf(const QString& word) const {
     std::string numbers(static_cast<std::size_t>(word.size()) + 1, 0);
     for (qsizetype begin = 0; begin < word.size(); ++begin) {
@@ -66,12 +66,12 @@ class Level {
 };
 
 struct Patterns {
-  std::vector<Level> levels;  // the seams of compounds, then the rest
+  std::vector<Level> levels;  // compound boundaries first, then other positions
   qsizetype leastBefore = 2;
   qsizetype leastAfter = 2;
 };
 
-// Empty when the file is none that we know.
+// Empty if the file's format is unknown.
 Patterns read(const QString& path) {
   Patterns patterns;
   QFile file(path);
@@ -87,7 +87,7 @@ Patterns read(const QString& path) {
     if (line.startsWith(u"LEFTHYPHENMIN")) patterns.leastBefore = line.split(' ').back().toInt();
     if (line.startsWith(u"RIGHTHYPHENMIN")) patterns.leastAfter = line.split(' ').back().toInt();
     if (line == u"NEXTLEVEL") patterns.levels.emplace_back();
-    // Comments, settings, and divisions that change the spelling.
+    // Skips comments, settings, and divisions that change the spelling.
     const bool isOther = line.isEmpty() || line[0] == '%' || line[0] == '#' || line[0].isUpper() || line.contains('/');
     if (!isOther) patterns.levels.back().add(line);
   }
@@ -95,7 +95,7 @@ Patterns read(const QString& path) {
   return patterns;
 }
 
-// Those of the language and its usual region: "de" finds hyph_de_DE.dic, "pt-BR" hyph_pt_BR.dic.
+// Tries the language's default region, then none: "de" finds hyph_de_DE.dic, "pt-BR" hyph_pt_BR.dic.
 Patterns patternsOf(const QString& language) {
   const QDir folder("/usr/share/hyphen");
   const QString name = QLocale(language).name();

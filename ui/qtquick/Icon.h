@@ -1,4 +1,4 @@
-// The few drawings on our controls.
+// The icons of our controls.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-// Drawn with lines of even weight on a grid of 24 units; sharp at every size.
+// Line drawings of uniform stroke width on a grid of 24 units; sharp at every size.
 class Icon : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT

@@ -1,4 +1,4 @@
-// Lets QML items come into being in small portions.
+// Creates QML items incrementally.
 #pragma once
 
 #include <QObject>
@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-// Between two portions the main loop does its other work.
+// Returns to the main loop between portions.
 class Incubation : public QObject, public QQmlIncubationController {
  public:
   using QObject::QObject;

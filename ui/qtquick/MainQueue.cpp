@@ -8,17 +8,17 @@
 namespace quillon {
 namespace {
 
-// Held while a job is handed over, so that none is once the end has begun.
+// Held while posting, so that no job is posted after the end.
 std::mutex& endMutex() {
   static std::mutex mutex;
   return mutex;
 }
-bool hasEnded = false;  // guarded by it
+bool hasEnded = false;  // guarded by the mutex
 
 }  // namespace
 
 MainQueue& MainQueue::instance() {
-  // Never destroyed: other threads may still post while the process ends.
+  // Never destroyed, since other threads may post during process exit.
   static MainQueue& queue = *new MainQueue();
   return queue;
 }

@@ -6,19 +6,19 @@
 
 namespace quillon {
 
-// One for the process. Made on the main thread, by the first call of instance().
+// A singleton. The first call of instance() must be on the main thread.
 class MainQueue : public QObject {
   Q_OBJECT
 
  public:
   static MainQueue& instance();
 
-  // From any thread. Runs the job in a later turn of the main loop, in order; drops it once the application object is
-  // gone.
+  // Thread-safe. Runs jobs in FIFO order in later turns of the main loop; drops them once the application object is
+  // destroyed.
   void post(std::function<void()> job);
 
  Q_SIGNALS:
-  // The application object is about to go; for what must not outlive it.
+  // The application object is being destroyed: release everything that depends on it.
   void ending();
 
  private:

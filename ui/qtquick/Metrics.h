@@ -1,4 +1,4 @@
-// Lengths of the screens, in pixels of no density.
+// Lengths in device-independent pixels.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -10,10 +10,10 @@ namespace quillon {
 struct Metrics {
   Q_GADGET
   QML_ANONYMOUS
-  // Of what is pressed, at least; and of an answer.
+  // Minimum sizes of controls, and of answer buttons.
   Q_PROPERTY(int target MEMBER target)
   Q_PROPERTY(int answer MEMBER answer)
-  // Drawings grow with the text.
+  // Icons and similar sizes, which scale with the text.
   Q_PROPERTY(int smallIcon MEMBER smallIcon)
   Q_PROPERTY(int icon MEMBER icon)
   Q_PROPERTY(int roundButton MEMBER roundButton)
@@ -22,12 +22,12 @@ struct Metrics {
   Q_PROPERTY(int logo MEMBER logo)
   Q_PROPERTY(int widestLogo MEMBER widestLogo)
   Q_PROPERTY(int sdkLogo MEMBER sdkLogo)
-  // Between neighbours, from what belongs together to what does not.
+  // Spacing, from closely related to unrelated neighbours.
   Q_PROPERTY(int hairGap MEMBER hairGap)
   Q_PROPERTY(int smallGap MEMBER smallGap)
   Q_PROPERTY(int gap MEMBER gap)
   Q_PROPERTY(int largeGap MEMBER largeGap)
-  // Of corners.
+  // Corner radii.
   Q_PROPERTY(int smallRadius MEMBER smallRadius)
   Q_PROPERTY(int radius MEMBER radius)
   Q_PROPERTY(int cardRadius MEMBER cardRadius)
@@ -36,11 +36,11 @@ struct Metrics {
   Q_PROPERTY(int ringWidth MEMBER ringWidth)
   Q_PROPERTY(int scrollBar MEMBER scrollBar)
   Q_PROPERTY(int smallestThumb MEMBER smallestThumb)
-  // Windows below the first two have less room for margins; from the last on, a list has two columns.
+  // Window widths: below the first two margins are smaller; from the last on lists have two columns.
   Q_PROPERTY(int tinyWindow MEMBER tinyWindow)
   Q_PROPERTY(int narrowWindow MEMBER narrowWindow)
   Q_PROPERTY(int wideWindow MEMBER wideWindow)
-  // The widest and highest of each kind of sheet, with text of ordinary size.
+  // Maximum sizes of each kind of sheet, at a text scale of 1.
   Q_PROPERTY(int promptWidth MEMBER promptWidth)
   Q_PROPERTY(int dialogWidth MEMBER dialogWidth)
   Q_PROPERTY(int listWidth MEMBER listWidth)
@@ -52,7 +52,7 @@ struct Metrics {
  public:
   Metrics() = default;
   explicit Metrics(double textScale) {
-    // A switch of three times its size would leave no room for words.
+    // Switches of three times their size would leave no room for text.
     const double growth = std::clamp(textScale, 1.0, 2.0);
     for (int* length : {&smallIcon, &icon, &roundButton, &switchWidth, &switchHeight, &logo, &widestLogo, &sdkLogo}) {
       *length = qRound(*length * growth);

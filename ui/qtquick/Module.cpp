@@ -1,6 +1,6 @@
 #include "ui/qtquick/Module.h"
 
-// Of the QML module, made by the build. In a static library they must be named to be linked.
+// Generated for the QML module. A static library's initialisers must be referenced to be linked.
 void qml_register_types_Quillon_Consent();
 
 namespace quillon {

@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-// Lets the engine find it under the name Quillon.Consent.
+// Makes the module Quillon.Consent available to the engine.
 void addModule(QQmlEngine& engine);
 
 }  // namespace quillon

@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// A remark on a purpose, in the colours that are configured for it.
+// A remark on a purpose, in its configured colours.
 Rectangle {
     id: note
 

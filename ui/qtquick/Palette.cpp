@@ -18,7 +18,7 @@ QColor mixed(const QColor& from, const QColor& to, double share) {
   return QColor(between(from.red(), to.red()), between(from.green(), to.green()), between(from.blue(), to.blue()));
 }
 
-// The first of the colours that stands out enough from the background, else the one that does most.
+// The first colour with sufficient contrast, or else the one with the highest contrast.
 QColor clearOn(const QColor& background, double leastContrast, const std::vector<QColor>& colors) {
   const auto found =
       std::ranges::find_if(colors, [&](const QColor& color) { return contrast(color, background) >= leastContrast; });
@@ -26,7 +26,8 @@ QColor clearOn(const QColor& background, double leastContrast, const std::vector
   return *std::ranges::max_element(colors, {}, [&](const QColor& color) { return contrast(color, background); });
 }
 
-// A fill on which black or white has that contrast: itself, else the nearer one of the two.
+// A fill on which black or white text has the required contrast: the colour itself, else black or white, whichever is
+// closer.
 QColor fillFor(const QColor& color, double leastContrast) {
   const double onBlack = contrast(color, Qt::black);
   const double onWhite = contrast(color, Qt::white);
@@ -34,7 +35,7 @@ QColor fillFor(const QColor& color, double leastContrast) {
   return onBlack < onWhite ? Qt::black : Qt::white;
 }
 
-// What a built-in palette is made of; the rest is common to all.
+// The variable colours of a built-in palette; all others are common.
 struct Tones {
   const char* accent;
   const char* onAccent;
@@ -54,7 +55,7 @@ Palette dark(const Tones& tones) {
           tones.footer, tones.accent,   tones.accent, "#7d8793",        "#f6dfa9",  "#3a2e13"};
 }
 
-// What invites to a tap has the accent, as long as it can be told from what it stands on.
+// Uses the desktop's accent for controls; for borders only if the contrast suffices.
 Palette accented(Palette palette, const Color& color) {
   const QColor accent = colorOf(color);
   palette.buttonBackground = palette.footerSelector = palette.togglePrimary = accent;
@@ -63,7 +64,7 @@ Palette accented(Palette palette, const Color& color) {
   return palette;
 }
 
-// The same hue, as light as it was dark. Neither black nor white, which glare in the dark.
+// Inverts the lightness and keeps the hue. Avoids pure black and white, which glare in the dark.
 QColor turned(const QColor& color) {
   constexpr float darkest = 0.09F;
   constexpr float lightest = 0.93F;
@@ -74,7 +75,7 @@ QColor turned(const QColor& color) {
   return QColor::fromHslF(std::max(hue, 0.0F), saturation, darkest + (1 - lightness) * (lightest - darkest)).toRgb();
 }
 
-// For dark surroundings, of a palette that was configured for light ones.
+// Converts a palette configured for a light theme to a dark one.
 Palette turned(Palette palette) {
   for (QColor Palette::* role :
        {&Palette::buttonBackground, &Palette::buttonText, &Palette::buttonBorder, &Palette::bannerBackground,
@@ -113,7 +114,7 @@ Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std:
   }
   const bool hasBackground = !colors->bannerBackground.empty();
   Palette palette = isDark && !hasBackground ? builtIn.dark : builtIn.light;
-  // A role that is left empty keeps the built-in colour.
+  // An empty role keeps the built-in colour.
   const auto take = [](QColor& role, const std::string& text) {
     if (!text.empty()) role = colorOf(colorFromText(text));
   };
@@ -125,7 +126,7 @@ Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std:
   take(palette.bannerLinks, colors->bannerLinks);
   take(palette.footerBackground, colors->preferenceCenterFooterBackground);
   take(palette.footerSelector, colors->preferenceCenterFooterSelector);
-  // Those that a palette need not have follow from the ones that it has.
+  // Optional roles are derived from the mandatory ones.
   palette.togglePrimary = palette.buttonBackground;
   palette.toggleSecondary = mixed(palette.bannerText, palette.bannerBackground, 0.4);
   palette.disclaimerText = palette.bannerText;
@@ -151,7 +152,7 @@ ScreenColors::ScreenColors(const Palette& palette, bool isDark, const LeastContr
       selector(fillFor(palette.footerSelector, least.text)),
       note(fillFor(palette.disclaimerBackground, least.text)),
       scrim(0, 0, 0, isDark ? 160 : 112) {
-  // The configured colour where it is legible on all that it stands on, else another one that is; black or white is.
+  // The colour if it is legible on all its backgrounds, else the first legible alternative, or black or white.
   const auto legibleOn = [&](const QColor& fill, const std::vector<QColor>& colors) {
     return clearOn(fill, least.text, colors);
   };
@@ -167,7 +168,7 @@ ScreenColors::ScreenColors(const Palette& palette, bool isDark, const LeastContr
     return found != others.end() ? *found : legibleOn(backgrounds.front(), {Qt::black, Qt::white});
   };
   text = rescued("banner_text", palette.bannerText, {background}, {}, least.text);
-  // Cards are a shade of the text's colour, and the text stands on them too.
+  // Cards are the background with a tint of the text's colour; the text must be legible on them too.
   card = mixed(background, text, 0.04);
   if (contrast(text, card) < least.text) card = background;
   hairline = mixed(background, text, 0.14);
@@ -176,10 +177,10 @@ ScreenColors::ScreenColors(const Palette& palette, bool isDark, const LeastContr
   noteText = rescued("purpose_disclaimer_text", palette.disclaimerText, {note}, {text, background}, least.text);
   const QColor quiet = mixed(text, background, 0.28);
   quietText = contrast(quiet, card) >= least.text && contrast(quiet, background) >= least.text ? quiet : text;
-  // A pale button is legible by its text, which a switch has not.
+  // A pale button is legible by its text; a switch has none.
   switchOn = clearOn(card, least.control, {palette.togglePrimary, buttonText, buttonBorder, link, text});
   switchOff = clearOn(card, least.control, {palette.toggleSecondary, quietText});
-  // Colours that were chosen to be text on a fill need not be legible without it.
+  // Colours chosen for text on a fill may be illegible without it.
   const QColor touched = mixed(background, text, 0.1);
   plainButtonText = text;
   for (const QColor& color : {buttonBorder, button, buttonText}) {

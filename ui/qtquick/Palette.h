@@ -1,4 +1,4 @@
-// The colours of the screens.
+// Computes the screens' colours.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -15,7 +15,7 @@
 
 namespace quillon {
 
-// What a banner configures, complete.
+// A complete set of the configurable colours.
 struct Palette {
   QColor buttonBackground;
   QColor buttonText;
@@ -37,19 +37,18 @@ struct BuiltInPalette {
   Palette dark;
 };
 
-// In the order of their numbers, which begin with 1.
+// Indexed by palette number minus 1.
 [[nodiscard]] const std::vector<BuiltInPalette>& builtInPalettes();
 
-// The configured colours, else the built-in palette of that number; a number that is none means the first. Colours that
-// were configured for light surroundings are turned for dark ones. The desktop's accent is used where neither colours
-// nor a number are configured.
+// The configured colours, or else the built-in palette of that number (invalid: the first). In a dark theme, configured
+// light colours are inverted. The desktop's accent applies only if neither colours nor a number are configured.
 [[nodiscard]] Palette paletteFor(const std::optional<CustomColors>& colors, std::optional<std::int64_t> number,
                                  bool isDark, const std::optional<Color>& accent = std::nullopt);
 
-// Of opaque colours.
+// For opaque colours.
 [[nodiscard]] double contrast(const QColor& first, const QColor& second);
 
-// Every colour that the screens use.
+// All colours that the screens use.
 struct ScreenColors {
   Q_GADGET
   QML_ANONYMOUS
@@ -80,11 +79,11 @@ struct ScreenColors {
   ScreenColors() = default;
   ScreenColors(const Palette& palette, bool isDark, const LeastContrast& least = {});
 
-  // What stands on what: texts, and controls.
+  // All (foreground, background) pairs: of texts, and of controls.
   std::vector<std::pair<QColor, QColor>> texts() const;
   std::vector<std::pair<QColor, QColor>> controls() const;
 
-  // The configured roles that could not be used, since nobody could tell them from what they stand on.
+  // The configured roles that were replaced for insufficient contrast.
   std::vector<std::string_view> replaced;
 
   QColor background;
@@ -96,7 +95,7 @@ struct ScreenColors {
   QColor button;
   QColor buttonText;
   QColor buttonBorder;
-  QColor plainButton;  // of buttons without a fill of their own: a touch of their text's colour
+  QColor plainButton;  // of buttons without a fill: a tint of their text's colour
   QColor plainButtonText;
   QColor plainButtonBorder;
   QColor footer;

@@ -15,15 +15,15 @@ class PermissionAdapter : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("made for each permission")
-  // Of the group that begins with it; empty for the others of the group.
+  // The group's heading for its first permission; empty for the others.
   Q_PROPERTY(QString heading MEMBER heading_ CONSTANT)
   Q_PROPERTY(QString name MEMBER name_ CONSTANT)
   Q_PROPERTY(quillon::RichTextAdapter* description MEMBER description_ CONSTANT)
   Q_PROPERTY(bool isGranted READ isGranted NOTIFY changed)
   Q_PROPERTY(QString state READ state NOTIFY changed)
-  // Its name and state, as they are read out.
+  // Name and state, for screen readers.
   Q_PROPERTY(QString summary READ summary NOTIFY changed)
-  // The way to the system settings may be offered.
+  // Whether to offer opening the system settings.
   Q_PROPERTY(bool canUpdate MEMBER canUpdate_ NOTIFY changed)
   Q_PROPERTY(QString updateName READ updateName CONSTANT)
 

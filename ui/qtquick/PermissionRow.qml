@@ -31,7 +31,7 @@ Column {
             spacing: Style.metrics.smallGap
 
             PlainText {
-                // The state stands at the end of the line, or below it.
+                // The state is at the end of the line or, if it does not fit, below it.
                 readonly property real roomBeside: parent.width - badge.width - Style.metrics.smallGap
 
                 width: Words.lineOf(words, font) <= roomBeside ? roomBeside : parent.width

@@ -8,10 +8,10 @@
 namespace quillon {
 namespace {
 
-// Logos are shown small: more would be memory for nothing.
+// Logos are drawn small; larger images would waste memory.
 constexpr int longestSide = 256;
 
-// Nothing for what the toolkit cannot decode.
+// nullopt if Qt cannot decode the image.
 QImage decoded(const EncodedImage& encoded) {
   QByteArray bytes = QByteArray::fromRawData(encoded.bytes.data(), static_cast<qsizetype>(encoded.bytes.size()));
   QBuffer buffer(&bytes);

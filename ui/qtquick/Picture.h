@@ -1,4 +1,4 @@
-// An image of the configuration, as an item.
+// Images from the configuration.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -13,19 +13,19 @@
 
 namespace quillon {
 
-// Loads an image in the background. For the main queue only.
+// Loads an image in the background. Main queue only.
 class PictureSource : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("made for each image")
   Q_PROPERTY(bool exists READ exists NOTIFY changed)
-  // Width by height; 1 while there is no image.
+  // Width divided by height; 1 without an image.
   Q_PROPERTY(double aspect READ aspect NOTIFY changed)
 
  public:
   using QObject::QObject;
 
-  // The function runs in the background. Of several loads only the last is shown.
+  // `source` runs in the background. Only the latest load is shown.
   void load(const std::shared_ptr<ScreenServices>& sdk,
             std::function<std::optional<EncodedImage>(ScreenServices&)> source);
 
@@ -41,7 +41,7 @@ class PictureSource : public QObject {
   int loads_ = 0;
 };
 
-// Shows a picture as large as fits, in the middle. A host's own Image would want an address.
+// Draws the image centred and as large as fits. Qt's Image would require a URL.
 class Picture : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT

@@ -33,7 +33,7 @@ void PlacedScreen::componentComplete() {
   reason_ = model.reason;
   feed(*sdk, model);
   show(model);
-  // The preference centre that a banner opens answers it, too.
+  // The preference centre opened by a banner answers the banner as well.
   if (model.adapter == model.banner) dismissal_ = sdk->services->followBannerDismissal([this] { sayDone(saved); });
 }
 
@@ -90,7 +90,7 @@ PlacedScreen::Model PlacedBanner::makeModel(std::shared_ptr<ConsentBannerViewMod
 PlacedScreen::Model PlacedPreferenceCenter::makeModel(std::shared_ptr<ConsentBannerViewModel> banner) {
   const auto& options = PageSdk::of(*qmlEngine(this), *this)->options;
   auto* adapter = new PreferenceCenterAdapter(PreferenceCenterViewModel::make(std::move(banner)), options, this);
-  // On a page it has no other end than this.
+  // On a page it can only be saved.
   return {adapter, adapter->banner(), [adapter] { adapter->load(); }, [] { return saved; }};
 }
 

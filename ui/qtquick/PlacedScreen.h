@@ -1,4 +1,4 @@
-// The screens as elements that a page of the application's own places in its layout.
+// The screens as QML elements, which an application places in its own pages.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -14,12 +14,12 @@
 
 namespace quillon {
 
-// The SDK that the pages of an engine are about. Belongs to the engine.
+// The SDK of an engine's pages. Owned by the engine.
 class PageSdk : public QObject {
   Q_OBJECT
 
  public:
-  // Null, with a warning on behalf of the element, when the engine has none.
+  // Null if the engine has none, with a warning for the element.
   static PageSdk* of(QQmlEngine& engine, QObject& element);
 
   PageSdk(ConsentSDK& sdk, QtQuickOptions screens, QQmlEngine& engine)
@@ -30,36 +30,36 @@ class PageSdk : public QObject {
   const QtQuickOptions options;
 };
 
-// Loads as soon as the SDK has a configuration. As large as the page wants it, by itself as high as all that it shows.
+// Loads once the SDK has a configuration. The page determines the size; the implicit height fits all content.
 class PlacedScreen : public QQuickItem {
   Q_OBJECT
   QML_ANONYMOUS
 
  public:
   using QQuickItem::QQuickItem;
-  // Before the model, which its bindings read.
+  // Deleted before the model, since its bindings use it.
   ~PlacedScreen() override { delete screen_; }
 
  Q_SIGNALS:
-  // The user has done here what there was to do; how: "accepted", "rejected", "saved" or "closed".
+  // The user has finished here; reason: "accepted", "rejected", "saved" or "closed".
   void done(const QString& reason);
 
  protected:
   void componentComplete() override;
   void geometryChange(const QRectF& now, const QRectF& before) override;
 
-  // What the screen shows, and the part of it that knows the banner's configuration. Both become the item's own.
+  // The screen's adapter, and its part for the banner's configuration. Both become children of this item.
   struct Model {
     QObject* adapter;
     ConsentBannerAdapter* banner;
     std::function<void()> load;
-    std::function<QString()> reason;  // of the end, at the end
+    std::function<QString()> reason;  // evaluated when the user has finished
   };
   virtual Model makeModel(std::shared_ptr<ConsentBannerViewModel> banner) = 0;
 
  private:
-  virtual const char* sheet() const = 0;  // its QML type
-  // In a turn of the main loop of its own, since the page may take the item away.
+  virtual const char* sheet() const = 0;  // the screen's QML type
+  // Emitted asynchronously, since the page may delete the item in response.
   void sayDone(const QString& reason) {
     QMetaObject::invokeMethod(this, [this, reason] { Q_EMIT done(reason); }, Qt::QueuedConnection);
   }
@@ -72,7 +72,7 @@ class PlacedScreen : public QQuickItem {
   std::shared_ptr<void> dismissal_;
 };
 
-// Linters find a base class by its whole name alone.
+// QML linters resolve the base class by its qualified name only.
 class PlacedBanner : public quillon::PlacedScreen {
   Q_OBJECT
   QML_NAMED_ELEMENT(ConsentBanner)
@@ -98,7 +98,7 @@ class PlacedPreferenceCenter : public quillon::PlacedScreen {
 class PlacedSettingsPrompt : public quillon::PlacedScreen {
   Q_OBJECT
   QML_NAMED_ELEMENT(SettingsPrompt)
-  // The key of the permission that it is about; read once, when the element is complete.
+  // The permission's key; read once, when the element is complete.
   Q_PROPERTY(QString permission MEMBER permission_)
 
  protected:

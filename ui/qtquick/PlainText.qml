@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// Every text of ours but those with markup. A word that is longer than the line is divided as its language has it.
+// Text without markup. Words longer than the line are hyphenated.
 Text {
     id: view
 

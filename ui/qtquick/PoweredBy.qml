@@ -2,7 +2,7 @@ import QtQuick
 import Quillon.Consent
 
 PlainText {
-    // A name, the same in every language.
+    // A name, not translated.
     words: "Powered by Quillon"
     font: Style.caption
     color: Style.colors.quietText

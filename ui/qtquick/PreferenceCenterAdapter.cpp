@@ -33,7 +33,7 @@ PreferenceCenterAdapter::PreferenceCenterAdapter(std::shared_ptr<PreferenceCente
   announcement_ = model_->announcement.observe([this](const std::string& text) {
     if (!text.empty()) Q_EMIT announced(QString::fromStdString(text));
   });
-  // The user may come back from the system settings.
+  // The user may return from the system settings.
   connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
     if (state == Qt::ApplicationActive) model_->loadPermissions();
   });
@@ -76,13 +76,13 @@ void PreferenceCenterAdapter::refresh() {
   const auto& consentMode = banner.gcmConfig.get();
   const bool showsNote = consentMode && consentMode->showGcmDescription.value_or(false);
   consentModeNote_->setHtml(showsNote ? banner.text(consentMode->gcmDescription) : "");
-  // The cards take their texts from the banner's configuration.
+  // The cards' texts depend on the banner's configuration.
   if (!model_->banner()->bannerConfig.get()) return;
   refreshPurposes();
   refreshPermissions();
 }
 
-// The cards stay as long as the list is the same: they have the focus, and are expanded.
+// Keeps the cards while the list is unchanged, to preserve focus and expansion.
 void PreferenceCenterAdapter::refreshPurposes() {
   if (shownPurposes_ && model_->purposes.get() == *shownPurposes_) {
     for (PurposeAdapter* purpose : purposes_) purpose->refresh();
@@ -97,7 +97,7 @@ void PreferenceCenterAdapter::refreshPurposes() {
   for (PurposeAdapter* purpose : former) purpose->deleteLater();
 }
 
-// Those of one group follow one another.
+// Creates the permissions grouped by category, in the order of the groups' first permissions.
 void PreferenceCenterAdapter::remakePermissions() {
   const auto former = std::exchange(permissions_, {});
   std::vector<std::optional<std::string>> groups;

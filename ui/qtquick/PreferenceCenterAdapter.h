@@ -23,7 +23,7 @@ class PreferenceCenterAdapter : public Adapter {
   Q_PROPERTY(quillon::ConsentBannerAdapter* banner READ banner CONSTANT)
   Q_PROPERTY(QString heading READ heading NOTIFY changed)
   Q_PROPERTY(QString name READ name NOTIFY changed)
-  // The names of the pages.
+  // The tabs' names.
   Q_PROPERTY(QStringList tabs READ tabs NOTIFY tabsChanged)
   Q_PROPERTY(int tab READ tab WRITE setTab NOTIFY changed)
   Q_PROPERTY(bool isAtPurposes READ isAtPurposes NOTIFY changed)
@@ -41,14 +41,14 @@ class PreferenceCenterAdapter : public Adapter {
   Q_PROPERTY(QString unselectAllLabel READ unselectAllLabel NOTIFY changed)
   Q_PROPERTY(bool showsDescriptions READ showsDescriptions NOTIFY changed)
   Q_PROPERTY(QVariantList permissions READ permissions NOTIFY permissionsChanged)
-  // Null unless the application offers one.
+  // Null unless the application offers receipts.
   Q_PROPERTY(quillon::ReceiptAdapter* receipt MEMBER receipt_ CONSTANT)
   Q_PROPERTY(bool arePermissionsLoading READ arePermissionsLoading NOTIFY changed)
   Q_PROPERTY(QString voiceOverText READ voiceOverText NOTIFY changed)
   Q_PROPERTY(QString saveLabel READ saveLabel NOTIFY changed)
   Q_PROPERTY(QString detailsLabel READ detailsLabel NOTIFY changed)
   Q_PROPERTY(QString updateLabel READ updateLabel NOTIFY changed)
-  // Of what opens and closes details: the state, and what a tap does.
+  // Descriptions of expanders: their state, and the effect of a tap.
   Q_PROPERTY(QString expandedDescription READ expandedDescription NOTIFY changed)
   Q_PROPERTY(QString collapsedDescription READ collapsedDescription NOTIFY changed)
 
@@ -80,7 +80,7 @@ class PreferenceCenterAdapter : public Adapter {
   QString expandedDescription() const { return stateAndHint(Label::expandedState, Label::collapseHint); }
   QString collapsedDescription() const { return stateAndHint(Label::collapsedState, Label::expandHint); }
 
-  // Loads what the screen shows, or tries it again.
+  // Loads the screen's content, or retries.
   Q_INVOKABLE void load() {
     banner_->load();
     model_->loadPurposes();
@@ -95,16 +95,16 @@ class PreferenceCenterAdapter : public Adapter {
   void tabsChanged();
   void purposesChanged();
   void permissionsChanged();
-  // To be shown and read out now.
+  // Show and announce the text now.
   void announced(const QString& text);
-  // The choices are stored, in words; the screen is about to leave.
+  // The choices have been stored; `text` says so. The screen is about to close.
   void saved(const QString& text);
 
  protected:
   void refresh() override;
 
  private:
-  // In words; empty when nothing has failed.
+  // The message to show; empty without a failure.
   template <class Value>
   QString failure(const ConsentSDKResult<Value>& result, Label words) const {
     return result.error() ? banner_->label(words) : QString();
@@ -123,7 +123,7 @@ class PreferenceCenterAdapter : public Adapter {
   RichTextAdapter* const permissionsDescription_;
   RichTextAdapter* const permissionsGuidance_;
   ReceiptAdapter* const receipt_;
-  std::shared_ptr<const std::vector<Purpose>> shownPurposes_;  // the cards look into it
+  std::shared_ptr<const std::vector<Purpose>> shownPurposes_;  // referenced by the cards
   std::vector<AppPermission> shownPermissions_;
   QStringList tabs_;
   std::vector<PurposeAdapter*> purposes_;

@@ -6,8 +6,8 @@ Sheet {
 
     required property PreferenceCenterAdapter model
 
-    // What lies further down than anybody sees at first comes once the first picture is there: to lay out and draw all
-    // of it in one turn would hold the host's loop.
+    // Content below the initially visible part is created after the first frame, since creating everything in one turn
+    // would block the host's loop.
     property bool hasAppeared: false
     readonly property int seenAtFirst: 4
 
@@ -98,7 +98,7 @@ Sheet {
                 id: cards
                 model: screen.model.purposes
 
-                // Many cards at once would hold the host's loop.
+                // Creating many cards in one turn would block the host's loop.
                 Loader {
                     id: place
 
@@ -196,7 +196,7 @@ Sheet {
         text: screen.model.saveLabel
         hint: screen.model.banner.activationHint
         onClicked: screen.model.save()
-        // A screen reader hears a message that belongs to what it is at.
+        // A screen reader announces a message only if it belongs to the focused item.
         Accessible.name: activeFocus ? screen.model.banner.sentences(text, messageBar.text) : text
     }
     smallPrint: PoweredBy {

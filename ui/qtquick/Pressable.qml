@@ -1,15 +1,15 @@
 import QtQuick
 import Quillon.Consent
 
-// What every control of ours is made of: pointer, keyboard and assistive technology do the same. The buttons of
-// Qt Quick Templates would take away any other role than their own.
+// The base of our controls: pointer, keyboard and assistive technology have the same effect. Buttons of Qt Quick
+// Templates would not allow another accessible role.
 Item {
     id: control
 
     property string text
     property font font: Style.label
     property string hint
-    // Where the Tab key goes from here, when that is not the next control.
+    // The Tab key's next item, if it is not the next control.
     property Item following: null
     property bool takesPointer: true
     property bool isFocusedByPointer: false
@@ -18,12 +18,12 @@ Item {
     readonly property bool visualFocus: activeFocus && !isFocusedByPointer
     signal clicked
 
-    // Assistive technology may still hold what is covered or on its way out.
+    // Assistive technology may still refer to a covered or closing control.
     function press() {
         if (enabled)
             clicked()
     }
-    // A key that is held acts once.
+    // Ignores auto-repeat.
     function pressByKey(event) {
         if (!event.isAutoRepeat)
             press()

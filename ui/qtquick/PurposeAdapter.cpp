@@ -66,7 +66,7 @@ bool PurposeAdapter::hasSwitch() const {
   return !(hidesEssential && purpose_->disableOptOut.value_or(false));
 }
 
-// The model calls it always active whatever it is bound to. One that is off is not.
+// The view model reports "always active" for any fixed purpose; one that is off is not active.
 QString PurposeAdapter::state() const {
   return isDeclined() ? banner_.label(Label::rejected) : QString::fromStdString(toggle_.label);
 }

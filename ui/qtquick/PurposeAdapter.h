@@ -1,4 +1,4 @@
-// One purpose of the preference centre for QML.
+// A purpose of the preference centre for QML.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -12,13 +12,13 @@
 
 namespace quillon {
 
-// A line of facts about an SDK.
+// A fact about an SDK.
 struct SdkFact {
   Q_GADGET
   QML_VALUE_TYPE(sdkFact)
   Q_PROPERTY(QString label MEMBER label)
   Q_PROPERTY(QString value MEMBER value)
-  // Both, as they are read out.
+  // Label and value, for screen readers.
   Q_PROPERTY(QString sentence MEMBER sentence)
 
  public:
@@ -27,7 +27,7 @@ struct SdkFact {
   QString sentence;
 };
 
-// A component that a purpose covers.
+// An SDK covered by a purpose.
 class SdkAdapter : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -38,7 +38,7 @@ class SdkAdapter : public QObject {
   Q_PROPERTY(QVariantList facts MEMBER facts_ CONSTANT)
   Q_PROPERTY(QString website MEMBER website_ CONSTANT)
   Q_PROPERTY(QString websiteLabel MEMBER websiteLabel_ CONSTANT)
-  // Tells it from the links of the other components.
+  // Distinguishes this link from those of other SDKs.
   Q_PROPERTY(QString websiteName MEMBER websiteName_ CONSTANT)
 
  public:
@@ -63,7 +63,7 @@ class PurposeAdapter : public QObject {
   QML_UNCREATABLE("made for each purpose")
   Q_PROPERTY(QString name READ name CONSTANT)
   Q_PROPERTY(quillon::RichTextAdapter* description MEMBER description_ CONSTANT)
-  // Empty but for a purpose that cannot be switched.
+  // Empty unless the purpose cannot be switched.
   Q_PROPERTY(quillon::RichTextAdapter* disclaimer MEMBER disclaimer_ CONSTANT)
   Q_PROPERTY(QVariantList sdks READ sdks NOTIFY sdksChanged)
   Q_PROPERTY(bool hasSdks READ hasSdks CONSTANT)
@@ -71,10 +71,10 @@ class PurposeAdapter : public QObject {
   Q_PROPERTY(bool isSwitchable READ isSwitchable NOTIFY changed)
   Q_PROPERTY(bool hasSwitch READ hasSwitch NOTIFY changed)
   Q_PROPERTY(QString state READ state NOTIFY changed)
-  // Why it is off and stays so; empty for one that is on or can be switched.
+  // Why it is off and cannot be switched; otherwise empty.
   Q_PROPERTY(QString reason READ reason NOTIFY changed)
   Q_PROPERTY(QString switchDescription READ switchDescription NOTIFY changed)
-  // Whether there is more to see of it than at first.
+  // Whether there is collapsed content.
   Q_PROPERTY(bool canExpand READ canExpand NOTIFY changed)
   Q_PROPERTY(QString detailsName READ detailsName CONSTANT)
 
@@ -95,10 +95,10 @@ class PurposeAdapter : public QObject {
   QString detailsName() const;
 
   Q_INVOKABLE void tapToggle() const;
-  // Fills the list of SDKs, which is long and seldom looked at.
+  // Creates the list of SDKs, which is long and rarely viewed.
   Q_INVOKABLE void loadSdks();
 
-  // Reads the state of the switch anew.
+  // Reads the switch's state.
   void refresh();
 
  Q_SIGNALS:
@@ -106,7 +106,7 @@ class PurposeAdapter : public QObject {
   void sdksChanged();
 
  private:
-  // By the device, which does not allow tracking.
+  // Whether the device denies tracking.
   bool isDeclined() const { return !toggle_.isOn && !toggle_.isEnabled; }
 
   const std::shared_ptr<const Purpose> purpose_;

@@ -1,16 +1,16 @@
 import QtQuick
 import Quillon.Consent
 
-// A purpose with its switch, and, opened, with the components that it covers.
+// A purpose with its switch and, when expanded, its SDKs.
 Card {
     id: card
 
     required property PurposeAdapter purpose
     required property PreferenceCenterAdapter model
     property bool isExpanded: false
-    // While it is being explained.
+    // The current explanation, if any.
     property string announcement
-    // Its details come now.
+    // The details are about to be shown.
     signal opened
 
     function toggleDetails() {
@@ -27,7 +27,7 @@ Card {
     Item {
         id: top
 
-        // A long word has the whole width.
+        // A long word gets the full width.
         readonly property bool isStacked: button.visible && name.longestWord > width - button.width - Style.metrics.gap
 
         width: parent.width
@@ -72,7 +72,7 @@ Card {
             isSwitchable: card.purpose.isSwitchable
             visible: card.purpose.hasSwitch
             onClicked: card.purpose.tapToggle()
-            // A screen reader hears a message that belongs to what it is at.
+            // A screen reader announces a message only if it belongs to the focused item.
             Accessible.name: activeFocus ? card.model.banner.sentences(text, card.announcement) : text
         }
     }

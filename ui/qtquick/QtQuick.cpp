@@ -10,10 +10,10 @@
 #include "ui/qtquick/PlacedScreen.h"
 #include "ui/qtquick/QtScreenPresenter.h"
 
-// Its presence is what matters.
+// Marks the library as linked.
 extern "C" void quillonScreensAreLinked() {}
 
-// The Linux platform finds it by its name: only screens ask for files.
+// The Linux platform looks this up by symbol name, since only screens need files.
 extern "C" quillon::FileChooser* quillonFileChooser();
 extern "C" quillon::FileChooser* quillonFileChooser() {
   return new quillon::LinuxFileChooser;

@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::string_view sourceFile = "QtScreenPresenter";
 
-// The settings programs of the desktops, at the page of the applications where there is one.
+// The desktops' settings programs, opened at their page for applications if they have one.
 struct SettingsProgram {
   const char* desktop;
   const char* program;
@@ -42,7 +42,7 @@ const std::vector<SettingsProgram>& settingsPrograms() {
   return programs;
 }
 
-// The pages of the application in that item and below.
+// Covers or uncovers the application's HostPages below an item.
 void coverPages(QQuickItem& item, bool isCovered) {
   if (auto* page = qobject_cast<AccessibleScope*>(&item)) page->setCovered(isCovered);
   for (QQuickItem* child : item.childItems()) coverPages(*child, isCovered);
@@ -63,10 +63,10 @@ QtScreenPresenter::~QtScreenPresenter() {
   clear();
 }
 
-// Everything that must not outlive the application object.
+// Releases everything that depends on the application object.
 void QtScreenPresenter::clear() {
   stack_.clear();
-  // Those that are on their way out included.
+  // Includes screens that are closing.
   qDeleteAll(findChildren<Screen*>(Qt::FindDirectChildrenOnly));
   ownWindow_.reset();
   components_.clear();
@@ -77,7 +77,7 @@ void QtScreenPresenter::prepare() {
   for (const ScreenKind kind : {ScreenKind::banner, ScreenKind::preferenceCenter, ScreenKind::settingsPrompt}) {
     component(kind);
   }
-  // The first text of a process waits for the names of all fonts, which any thread may fetch.
+  // A process's first text waits for the font list, which any thread can load.
   QThreadPool::globalInstance()->start([] { QFontDatabase::families(); });
 }
 
@@ -135,7 +135,7 @@ void QtScreenPresenter::presentWebView(Services sdk, const std::string& link) {
     if (screen->kind() != ScreenKind::webView || screen->sdk() != sdk) continue;
     return static_cast<WebViewAdapter*>(screen->model())->open(link);
   }
-  component(ScreenKind::webView);  // makes the QML engine
+  component(ScreenKind::webView);  // creates the QML engine
   const auto banner = ConsentBannerViewModel::make(sdk);
   banner->loadBannerConfig();
   auto* adapter = new WebViewAdapter(banner, webSurfaceFactory()(*engine_), link);
@@ -174,7 +174,7 @@ void QtScreenPresenter::show(Screen* screen) {
   window->removeEventFilter(this);
   window->installEventFilter(this);
   const auto height = std::ranges::find(stack_, screen) - stack_.begin();
-  // Above whatever the host has.
+  // Above all of the host's items.
   constexpr double lowest = 1'000'000;
   screen->item()->setZ(lowest + static_cast<double>(height));
   screen->showIn(*window);
@@ -191,7 +191,7 @@ void QtScreenPresenter::coverBelowTop(QQuickWindow& window) {
     top = item;
   }
   for (QQuickItem* child : window.contentItem()->childItems()) {
-    // Screens are no pages, those that are on their way out included.
+    // Skips screens, including closing ones.
     if (!child->property("isLeaving").isValid()) coverPages(*child, top != nullptr);
   }
 }
@@ -218,7 +218,7 @@ void QtScreenPresenter::dismiss(Screen* screen) {
     if (screen->contains(above->formerFocus)) above->formerFocus = screen->formerFocus;
   }
   screen->disconnect(this);
-  // A window that is there for the screens only goes with the last of them.
+  // Our own window closes with its last screen.
   if (ownWindow_ && screen->item()) screen->item()->setProperty("farewell", QString());
   if (screen->item() && screen->item()->window()) coverBelowTop(*screen->item()->window());
   connect(screen, &QObject::destroyed, this, [this] { closeOwnWindow(); });
@@ -271,10 +271,10 @@ bool QtScreenPresenter::eventFilter(QObject* watched, QEvent* event) {
   if (top->property("keepsTabKey").toBool()) return false;
   const bool isForward = key->key() == Qt::Key_Tab && !key->modifiers().testFlag(Qt::ShiftModifier);
   QQuickItem* const begin = top->window()->activeFocusItem();
-  // It knows itself where to go on.
+  // The item handles Tab itself.
   if (isForward && begin && begin->property("following").value<QQuickItem*>()) return false;
   QQuickItem* next = begin ? begin : topItem();
-  // Once around the window at most; the host's controls are stepped over.
+  // Searches once around the window, skipping the host's controls.
   constexpr int mostItems = 10'000;
   for (int i = 0; i < mostItems; ++i) {
     next = next->nextItemInFocusChain(isForward);

@@ -1,4 +1,4 @@
-// Shows the screens over the windows of a Qt Quick application.
+// Presents screens over the windows of a Qt Quick application.
 #pragma once
 
 #include <QQmlComponent>
@@ -16,7 +16,7 @@
 
 namespace quillon {
 
-// For the main thread only, but it may be released anywhere.
+// Main thread only, but may be released on any thread.
 class QtScreenPresenter : public QObject, public ScreenPresenter {
   Q_OBJECT
 
@@ -24,7 +24,8 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   static std::shared_ptr<QtScreenPresenter> make(QtQuickOptions options);
   ~QtScreenPresenter() override;
 
-  // Compiles the screens and finds fonts ahead, without holding the main loop, so that the first one appears at once.
+  // Compiles screens and loads fonts in advance, without blocking the main loop, so that the first screen appears
+  // immediately.
   void prepare();
 
   void presentBanner(Services sdk) override;
@@ -35,13 +36,13 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   void dismissBanner(Services sdk) override;
   void openSystemSettings() override;
 
-  // The item of the top-most screen; null when there is none or it is still being made.
+  // The top-most screen's item; null if there is none or it is being created.
   QQuickItem* topItem() const { return stack_.empty() ? nullptr : stack_.back()->item(); }
-  // While cards of the screens are still being made, a few in each turn of the main loop.
+  // Whether the screens' cards are still being created, a few per turn of the main loop.
   bool isFilling() const { return engine_ && engine_->incubationController()->incubatingObjectCount() > 0; }
 
  protected:
-  // Keeps the Tab key within the top-most screen.
+  // Keeps keyboard focus within the top-most screen.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -51,10 +52,10 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   void present(std::unique_ptr<Screen> made);
   QQmlComponent& component(ScreenKind kind);
   void show(Screen* screen);
-  // Takes the screen off the stack.
+  // Removes the screen from the stack.
   void dismiss(Screen* screen);
   void styleAfterTop();
-  // Takes from the keyboard and from assistive technology what lies below the top-most screen of the window.
+  // Disables everything below the window's top-most screen for keyboard and assistive technology.
   void coverBelowTop(QQuickWindow& window);
   QQuickWindow* hostWindow();
   void closeOwnWindow();
@@ -63,8 +64,8 @@ class QtScreenPresenter : public QObject, public ScreenPresenter {
   const QtQuickOptions options_;
   std::unique_ptr<QQmlEngine> engine_;
   std::map<ScreenKind, std::unique_ptr<QQmlComponent>> components_;
-  std::vector<Screen*> stack_;               // the top-most last; each deletes itself after it left
-  std::unique_ptr<QQuickWindow> ownWindow_;  // in an application that has none of Qt Quick
+  std::vector<Screen*> stack_;               // top-most last; screens delete themselves after closing
+  std::unique_ptr<QQuickWindow> ownWindow_;  // for applications without a Qt Quick window
 };
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-// The browser of the web view sheet: what an optional library supplies.
+// The browser of the web view sheet, implemented by an optional library.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -17,20 +17,20 @@ class QuickWebSurface : public QObject, public WebSurface {
   QML_ANONYMOUS
 
  public:
-  // Shows the page. Null until there is something to show; stays the surface's own.
+  // The page's item, owned by the surface. Null until there is something to show.
   virtual QQuickItem* item() const = 0;
-  // Of the navigation that is under way, from 0 to 1.
+  // The present navigation's progress, from 0 to 1.
   virtual double progress() const = 0;
 
  Q_SIGNALS:
-  // The item, the progress, the address, or where the history leads.
+  // Emitted on changes of item, progress, address, and availability of history.
   void changed();
 };
 
-// Main thread only. The QML engine outlives what is made.
+// Main thread only. The QML engine outlives the surfaces.
 using WebSurfaceFactory = std::function<std::unique_ptr<QuickWebSurface>(QQmlEngine&)>;
 
-// Empty while no browser is linked. Main thread only.
+// Empty if no browser is linked. Main thread only.
 WebSurfaceFactory& webSurfaceFactory();
 
 }  // namespace quillon

@@ -30,7 +30,7 @@ QString ReceiptAdapter::saving() const {
   return banner_.label(Label::receiptNotSaved);
 }
 
-// The lines stay until there are others, so that nothing is drawn anew while a file is being saved.
+// Keeps the lines until they change, so that saving a file does not redraw them.
 void ReceiptAdapter::refresh() {
   if (isLoading()) return;
   const auto* const made = model_->lines.get().value();
@@ -39,7 +39,7 @@ void ReceiptAdapter::refresh() {
   shown_ = now;
   lines_.clear();
   for (const auto& [kind, label, text] : shown_) {
-    if (kind == ReceiptLine::Kind::title) continue;  // the card has it
+    if (kind == ReceiptLine::Kind::title) continue;  // the card shows it
     const auto name = QString::fromStdString(label);
     const auto value = QString::fromStdString(text);
     lines_.push_back(QVariant::fromValue(SdkFact{name, value, banner_.joined(Label::fact, name, value)}));

@@ -20,11 +20,11 @@ class ReceiptAdapter : public Adapter {
   Q_PROPERTY(QString explanation READ explanation NOTIFY changed)
   Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
   Q_PROPERTY(QString failure READ failure NOTIFY changed)
-  // Facts; one without a label is a heading.
+  // Facts; an entry without a label is a heading.
   Q_PROPERTY(QVariantList lines READ lines NOTIFY linesChanged)
   Q_PROPERTY(bool canSave READ canSave NOTIFY linesChanged)
   Q_PROPERTY(QString saveLabel READ saveLabel NOTIFY changed)
-  // What becomes of the file, in words; empty before the user asked for one.
+  // The state of saving the file; empty if the user has not asked for it.
   Q_PROPERTY(QString saving READ saving NOTIFY changed)
 
  public:

@@ -1,14 +1,14 @@
 import QtQuick
 import Quillon.Consent
 
-// Opened, what the receipt of the stored decisions says, and how to keep it.
+// When expanded, shows the receipt of the stored decisions and a button to save it.
 Card {
     id: card
 
     required property ReceiptAdapter receipt
     required property PreferenceCenterAdapter model
     property bool isExpanded: false
-    // Its content comes now.
+    // The content is about to be shown.
     signal opened
 
     function toggle() {
@@ -51,7 +51,7 @@ Card {
         id: lines
         model: card.isExpanded ? card.receipt.lines : []
 
-        // Many lines at once would hold the host's loop.
+        // Creating many lines in one turn would block the host's loop.
         Loader {
             id: place
 
@@ -93,7 +93,7 @@ Card {
         hint: card.model.banner.activationHint
         visible: card.isExpanded && card.receipt.canSave
         onClicked: card.receipt.save()
-        // A screen reader hears a message that belongs to what it is at.
+        // A screen reader announces a message only if it belongs to the focused item.
         Accessible.name: activeFocus ? card.model.banner.sentences(text, card.receipt.saving) : text
     }
     PlainText {

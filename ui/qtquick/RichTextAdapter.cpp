@@ -15,7 +15,7 @@
 namespace quillon {
 namespace {
 
-// The toolkit's names for sizes relative to the body, each next to the factor that it stands for.
+// Qt's names of relative sizes, chosen by the nearest factor.
 QString relativeSize(double scale) {
   if (scale >= 1.75) return "xx-large";
   if (scale >= 1.35) return "x-large";
@@ -36,7 +36,7 @@ QString spanOf(const TextRun& run, const QString& words) {
     if (run.strikethrough) style += " line-through";
     style += ";";
   }
-  // Blanks that were kept are kept, and the line feeds of the text are its only ones.
+  // Preserves white space; line feeds become the only line breaks.
   QString text = words.toHtmlEscaped();
   text.replace('\n', "<br/>");
   return style.isEmpty() ? text : "<span style=\"" + style + "\">" + text + "</span>";
@@ -52,7 +52,7 @@ QFont fontOf(const TextRun& run, QFont font) {
   return font;
 }
 
-// The rectangles of the lines between two positions of a block.
+// Appends the line rectangles between two positions of a block.
 void addLines(const QTextBlock& block, QPointF origin, int begin, int end, QVariantList& rectangles) {
   const QTextLayout& layout = *block.layout();
   for (int i = 0; i < layout.lineCount(); ++i) {
@@ -91,7 +91,7 @@ void RichTextAdapter::refresh() {
   const TextRun* former = nullptr;
   for (const TextRun& run : text->runs) {
     plainText_ += wordsOf(run);
-    // A link may consist of several runs; with other text between them there are two.
+    // Adjacent runs with the same URL are one link.
     if (run.link && !(former && former->link == run.link)) {
       addresses_.push_back(*run.link);
       links_.push_back({});
@@ -128,7 +128,7 @@ QString RichTextAdapter::document(const QFont& font, double width, const QString
 
 QVariantList RichTextAdapter::places(const QString& document, const QFont& font, double width, int alignment,
                                      double lineHeight) {
-  // As QQuickText does.
+  // The same layout as QQuickText's.
   QTextDocument text;
   text.setDocumentMargin(0);
   text.setDefaultFont(font);

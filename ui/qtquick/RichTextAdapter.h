@@ -1,4 +1,4 @@
-// A configured HTML text for a Text element.
+// Configured HTML for a QML Text element.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -20,10 +20,10 @@ class RichTextAdapter : public Adapter {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("made for each text")
-  // Markup of our own making: it holds no address and no resource. Its links are called "0", "1" and so on.
+  // Generated markup without URLs or resources. Its links are named "0", "1" and so on.
   Q_PROPERTY(QString markup READ markup NOTIFY changed)
   Q_PROPERTY(QString plainText READ plainText NOTIFY changed)
-  // The words of each link.
+  // The text of each link.
   Q_PROPERTY(QStringList links READ links NOTIFY changed)
 
  public:
@@ -35,21 +35,20 @@ class RichTextAdapter : public Adapter {
   const QString& plainText() const { return plainText_; }
   const QStringList& links() const { return links_; }
 
-  // The markup for a line of that width, with links of that colour. Words that are longer than the line are divided as
-  // the language has it.
+  // The markup for a line width and link colour. Words longer than the line are hyphenated in the language.
   Q_INVOKABLE QString document(const QFont& font, double width, const QString& language, const QColor& links) const;
-  // Of each link of a document, the rectangles of its lines, as the toolkit's text item lays it out.
+  // The line rectangles of each link in a document, laid out as by Qt's Text item.
   Q_INVOKABLE static QVariantList places(const QString& document, const QFont& font, double width, int alignment,
                                          double lineHeight);
 
-  // Opens a link in the in-app web view.
+  // Opens the link in the in-app web view.
   Q_INVOKABLE void open(int link) const;
 
  protected:
   void refresh() override;
 
  private:
-  // `wordsOf` gives the text that is shown of a run.
+  // `wordsOf` returns a run's displayed text.
   QString markupOf(const std::function<QString(const TextRun&)>& wordsOf) const;
 
   const std::shared_ptr<ScreenServices> sdk_;
@@ -59,7 +58,7 @@ class RichTextAdapter : public Adapter {
   QString plainText_;
   QStringList links_;
   std::vector<std::string> addresses_;
-  std::vector<std::size_t> linkOfRun_;  // one more than its number; 0 for none
+  std::vector<std::size_t> linkOfRun_;  // link index plus one; 0 for none
 };
 
 }  // namespace quillon

@@ -1,13 +1,13 @@
 import QtQuick
 import Quillon.Consent
 
-// A configured text with its links.
+// Configured text with links.
 Text {
     id: view
 
     required property RichTextAdapter content
     property color inkOfLinks: Style.colors.link
-    // Of each link, the rectangles of its lines.
+    // The line rectangles of each link.
     readonly property var places: content.links.length > 0 ? content.places(text, font, width, effectiveHorizontalAlignment, lineHeight) : []
 
     text: content.markup === "" ? "" : content.document(font, width, Style.language, inkOfLinks)
@@ -21,15 +21,15 @@ Text {
     onLinkActivated: link => content.open(Number(link))
 
     Accessible.role: Accessible.StaticText
-    // The text itself has markup.
+    // The text property contains markup.
     Accessible.name: content.plainText
 
     HoverHandler {
         enabled: view.hoveredLink !== ""
         cursorShape: Qt.PointingHandCursor
     }
-    // What the keyboard and assistive technology meet: the links within a Text are neither in the order of focus nor in
-    // the tree.
+    // Invisible items for keyboard and assistive technology, since links within a Text are in neither the focus chain
+    // nor the accessibility tree.
     Repeater {
         model: view.content.links
 
@@ -49,7 +49,7 @@ Text {
             width: place.width
             height: place.height
             text: modelData
-            // What lies between the ends of its lines belongs to others.
+            // The bounding rectangle includes space beside the lines that belongs to other text.
             takesPointer: false
             onClicked: view.content.open(index)
             Accessible.role: Accessible.Link

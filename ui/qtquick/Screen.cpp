@@ -14,7 +14,7 @@ Screen::Screen(ScreenKind kind, std::shared_ptr<ScreenServices> sdk, QObject* mo
 
 Screen::~Screen() {
   QQmlIncubator::clear();
-  // Before the model, which its bindings read.
+  // Deleted before the model, since its bindings use it.
   delete item_;
 }
 
@@ -56,7 +56,7 @@ void Screen::leave() {
   connect(item_, &QQuickItem::windowChanged, this, [this](const QQuickWindow* now) {
     if (!now) deleteLater();
   });
-  // A signal of QML's.
+  // A signal declared in QML.
   connect(item_, SIGNAL(gone()), this, SLOT(deleteLater()));
   QMetaObject::invokeMethod(item_, "leave");
   if (hadFocus && formerFocus) formerFocus->forceActiveFocus(Qt::PopupFocusReason);

@@ -1,4 +1,4 @@
-// One screen that is shown, or about to be.
+// A screen that is shown or being created.
 #pragma once
 
 #include <QPointer>
@@ -14,12 +14,12 @@
 
 namespace quillon {
 
-// For the main queue only. The item is made bit by bit, so that the host's loop is not held.
+// Main queue only. Creates its item incrementally, to keep the host's loop responsive.
 class Screen : public QObject, private QQmlIncubator {
   Q_OBJECT
 
  public:
-  // The model is the screen's adapter, which becomes its own; `banner` is the part of it that knows the configuration.
+  // `model` is the screen's adapter, which becomes a child; `banner` is its part for the configuration.
   Screen(ScreenKind kind, std::shared_ptr<ScreenServices> sdk, QObject* model, ConsentBannerAdapter* banner);
   ~Screen() override;
 
@@ -27,22 +27,22 @@ class Screen : public QObject, private QQmlIncubator {
   const std::shared_ptr<ScreenServices>& sdk() const { return sdk_; }
   QObject* model() const { return model_; }
   ConsentBannerAdapter* banner() const { return banner_; }
-  // Null until it is made.
+  // Null until created.
   QQuickItem* item() const { return item_; }
   bool contains(const QQuickItem* other) const;
 
   void createFrom(QQmlComponent& component);
-  // Places the finished item over the window and gives it the focus.
+  // Places the created item over the window and focuses it.
   void showIn(QQuickWindow& window);
-  // The item leaves, and then all of it goes.
+  // Animates the item out, then deletes the screen.
   void leave();
 
-  // What had the focus before; it is given back.
+  // The item that had the focus before, and gets it back.
   QPointer<QQuickItem> formerFocus;
 
  Q_SIGNALS:
   void created();
-  // The window went away underneath.
+  // The window was closed.
   void lostWindow();
 
  private:
@@ -54,7 +54,7 @@ class Screen : public QObject, private QQmlIncubator {
   QObject* const model_;
   ConsentBannerAdapter* const banner_;
   QPointer<QQuickItem> item_;
-  std::shared_ptr<void> shown_;  // while the user sees it
+  std::shared_ptr<void> shown_;  // while visible to the user
 };
 
 }  // namespace quillon

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quillon.Consent
 
-// What is higher than its place scrolls, by pointer and by key. With the keyboard, what has the focus comes into view.
+// A scroll area for pointer and keyboard, which scrolls the focused item into view.
 Flickable {
     id: area
 
@@ -11,10 +11,10 @@ Flickable {
     property real bottomEdge: 0
     readonly property Item focusedItem: Window.activeFocusItem
     readonly property int step: 48
-    // Is about to grow.
+    // The item that is about to grow.
     property Item growing: null
 
-    // As much of it as there is room for; of what is higher, the beginning.
+    // Shows as much of the item as fits, from its top.
     function reveal(item: Item) {
         const margin = Style.metrics.largeGap
         const place = item.mapToItem(contentItem, 0, 0)
@@ -25,7 +25,7 @@ Flickable {
         else if (bottom > contentY + height)
             moveTo(Math.min(top, bottom - height))
     }
-    // Items are placed with the next picture, and what holds them after them.
+    // Layout follows with the next frames, so repeats revealing as the content grows.
     function revealGrowing(item: Item) {
         growing = item
         growth.restart()
@@ -33,7 +33,7 @@ Flickable {
     function moveTo(position: real) {
         contentY = Math.max(0, Math.min(contentHeight - height, position))
     }
-    // False for a key that does not scroll.
+    // False if the key does not scroll.
     function moveBy(key: int): bool {
         const page = height * 0.8
         const distances = {
@@ -57,7 +57,7 @@ Flickable {
     interactive: contentHeight > height
     clip: true
     onFocusedItemChanged: revealFocus()
-    // A message has taken room.
+    // For example, a message has appeared.
     onHeightChanged: revealFocus()
     onContentHeightChanged: if (growing) reveal(growing)
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// A component that a purpose covers, with what is known of it.
+// An SDK covered by a purpose, with its facts.
 Item {
     id: card
 

@@ -46,7 +46,7 @@ class SettingsPromptAdapter : public Adapter {
             QVariant::fromValue(BannerControl{openSettings, QString::fromStdString(content_.settingsButton)})};
   }
 
-  // Loads what the screen shows, or tries it again.
+  // Loads the screen's content, or retries.
   Q_INVOKABLE void load() {
     model_->banner()->loadBannerConfig();
     model_->banner()->loadSettingsPrompt();

@@ -1,9 +1,9 @@
 import QtQuick
 import Quillon.Consent
 
-// The surface of every screen, with a header and a footer that stay while the body scrolls, as long as there is room for
-// that. Where height is scarce the small print scrolls along first, then the header, and the footer last. Modal, it is a
-// sheet at the bottom or a card in the middle of the window; else a part of the page around it.
+// The frame of every screen. Header and footer stay fixed while the body scrolls, if there is room. If height is
+// scarce, first the small print scrolls with the body, then the header, last the footer. A modal sheet is at the bottom
+// or in the middle of the window; otherwise it is part of a page.
 FocusScope {
     id: sheet
 
@@ -15,17 +15,17 @@ FocusScope {
     property real widest: Style.metrics.dialogWidth
     property bool canClose: true
     property bool isLoading: false
-    // Takes the place of the body, when that cannot be loaded.
+    // Shown instead of the body if that cannot be loaded.
     property string failure
     property color footerColor: Style.colors.background
     property alias header: headerColumn.data
     default property alias body: bodyColumn.data
-    // Between the body and the footer, for a while.
+    // Temporarily shown between body and footer.
     property alias message: messagePlace.data
     property alias footer: footerColumn.data
     // Below the footer.
     property alias smallPrint: smallPrintColumn.data
-    // Takes the place of the body, from edge to edge, and scrolls by itself.
+    // Replaces the body, without margins, and scrolls by itself.
     property alias page: pagePlace.data
     signal closeRequested
     signal retried
@@ -37,13 +37,13 @@ FocusScope {
     readonly property int margin: isNarrow ? Style.metrics.largeGap : 2 * Style.metrics.gap
     readonly property int inset: width < Style.metrics.tinyWindow ? 16 : isNarrow ? 20 : 24
     readonly property real tallest: !isModal ? height : height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16))
-    // Lines hold as many words of large text.
+    // Sheets grow with the text, so that lines hold as many words.
     readonly property real magnification: Math.max(1, Style.textScale)
-    // For what may stand side by side in the body.
+    // The number of columns for the body.
     readonly property int columns: isWide && bodyColumn.width >= Style.metrics.listWidth * magnification ? 2 : 1
     readonly property bool hasPage: pagePlace.children.length > 0
     readonly property bool hasBody: !isLoading && failure === ""
-    // What gives way where height is scarce: more than that share of it is too much for what stays.
+    // The maximum shares of height for the fixed parts, and for the footer; beyond them, parts scroll.
     readonly property real mostThatStays: 0.6 * tallest
     readonly property real mostOfFooter: 0.5 * tallest
     readonly property bool isTight: hasBody && !hasPage && panel.contentHeight > tallest
@@ -53,12 +53,12 @@ FocusScope {
     readonly property bool scrollsHeader: scrollsSmallPrint && headerColumn.implicitHeight + footerHeight > mostThatStays
     readonly property bool scrollsFooter: scrollsHeader && footerHeight > mostOfFooter
     property real shown: isModal ? 0 : 1
-    // With what it is about.
+    // Shown with its content.
     readonly property bool isOnScreen: shown === 1 && visible && !isLoading && !isLeaving
     property bool isLeaving: false
-    // What is said for a while once it has gone from the screen.
+    // A message shown briefly after the sheet has closed.
     property string farewell
-    // Another one lies over it.
+    // Another screen is above it.
     property bool isCovered: false
 
     function enter() {
@@ -77,7 +77,7 @@ FocusScope {
         else
             shown = 0
     }
-    // What is part of a page leaves the key to it.
+    // A sheet in a page leaves the key to the page.
     function leaveByKey(event) {
         event.accepted = isModal
         if (isModal && canClose && !event.isAutoRepeat)
@@ -111,7 +111,7 @@ FocusScope {
     Keys.onBackPressed: event => leaveByKey(event)
     Keys.onPressed: event => event.accepted = scroll.moveBy(event.key)
 
-    // What loads quickly appears complete.
+    // Waits briefly, so that content that loads quickly appears complete.
     Timer {
         id: patience
         interval: 250
@@ -123,7 +123,7 @@ FocusScope {
         opacity: sheet.shown
         visible: sheet.isModal
     }
-    // Nothing passes to the host below. A tap beside the sheet answers nothing.
+    // Blocks input to the host below. A tap beside the sheet has no effect.
     MouseArea {
         anchors.fill: parent
         hoverEnabled: true
@@ -166,7 +166,7 @@ FocusScope {
         x: (sheet.width - width) / 2
         y: !sheet.isModal ? 0 : (sheet.isFloating && !sheet.isBottom ? (sheet.height - height) / 2 : sheet.height - height - (sheet.isFloating ? sheet.margin : 0)) + (1 - sheet.shown) * 32
         opacity: sheet.shown
-        // A screen reader hears the new name of what it is at.
+        // A screen reader announces the new name of the focused item.
         title: sheet.isLoading ? sheet.banner.loadingLabel : sheet.failure !== "" ? sheet.failure : sheet.title
         isModal: sheet.isModal
         isCovered: sheet.isCovered || sheet.isLeaving
@@ -190,7 +190,7 @@ FocusScope {
             width: parent.width
             height: parent.height - y - messagePlace.height - footerFixed.height
             contentHeight: content.height
-            // Clear of the rounded corners.
+            // Keeps clear of the rounded corners.
             topEdge: headerFixed.height > 0 ? 0 : Style.metrics.sheetRadius
             bottomEdge: footerFixed.height > 0 || !sheet.isFloating ? 0 : Style.metrics.sheetRadius
             barName: sheet.title
@@ -199,7 +199,8 @@ FocusScope {
             Column {
                 id: content
                 width: scroll.width
-                // Without anything to scroll the footer would hang in the air.
+                // Header and footer are in the content only if it scrolls; otherwise the footer would float above the
+                // bottom.
                 Item { id: headerPlace; width: parent.width; height: sheet.scrollsHeader ? headerColumn.implicitHeight : 0 }
                 Column {
                     id: bodyColumn
@@ -303,7 +304,7 @@ FocusScope {
             width: parent.width - 2 * sheet.inset
             spacing: Style.metrics.smallGap
         }
-        // The edge of what floats.
+        // The border of a floating sheet.
         Rectangle {
             anchors.fill: parent
             radius: surface.radius

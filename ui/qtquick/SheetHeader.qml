@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// The logo, the heading and the way out; only that while there is nothing below to head.
+// Logo, heading and close button; only the button while there is no content.
 Item {
     id: header
 
@@ -13,12 +13,12 @@ Item {
 
     readonly property bool isBare: banner.isLoading || banner.hasFailed
     readonly property bool showsLogo: hasLogo && banner.logo.exists && !isBare
-    // A wide one, such as a name, takes up to two fifths of the line.
+    // A wide logo, such as a word mark, takes up to two fifths of the line.
     readonly property real widestLogo: Math.max(Style.metrics.logo, Math.min(Style.metrics.widestLogo, width * 0.4))
     readonly property real besideLogo: showsLogo ? picture.width + Style.metrics.gap : 0
     readonly property real besideButton: canClose ? button.width + Style.metrics.hairGap : 0
     readonly property real firstLine: Math.max(canClose ? button.height : 0, showsLogo ? picture.height : 0)
-    // A word that does not fit between the logo and the button has the whole width, and shrinks when that is not enough.
+    // A word that does not fit between logo and button gets the full width; if that is not enough, it shrinks.
     readonly property bool isStacked: title.longestWord > width - besideLogo - besideButton && (canClose || showsLogo)
 
     implicitHeight: Math.max(firstLine, title.visible ? title.implicitHeight + title.y : 0)
@@ -40,7 +40,7 @@ Item {
         anchors.leftMargin: header.isStacked ? 0 : header.besideLogo
         anchors.right: parent.right
         anchors.rightMargin: header.isStacked ? 0 : header.besideButton
-        // A heading of one line stands in the middle of the logo and the button.
+        // A one-line heading is vertically centred on logo and button.
         y: header.isStacked ? header.firstLine + Style.metrics.smallGap : Math.max(0, (header.firstLine - implicitHeight) / 2)
         words: header.isBare ? "" : header.heading
         visible: header.heading !== "" && !header.isBare

@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// What a sheet is written on.
+// A sheet's background.
 Rectangle {
     id: surface
 
@@ -11,7 +11,7 @@ Rectangle {
     radius: Style.metrics.sheetRadius
     color: Style.colors.background
 
-    // A sheet at the bottom runs out of the window with its lower corners.
+    // A bottom sheet's lower corners are outside the window.
     Rectangle {
         anchors.bottom: parent.bottom
         width: parent.width

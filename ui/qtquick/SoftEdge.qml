@@ -1,6 +1,6 @@
 import QtQuick
 
-// A soft edge of what floats against what lies below.
+// The shadow of a floating sheet.
 Item {
     id: edge
 

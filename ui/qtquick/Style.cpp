@@ -20,7 +20,7 @@ bool isApplicationDark() {
   return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
 }
 
-// Desktops magnify text by a higher density, which fonts measured in points follow.
+// Desktops scale text by a higher density, which fonts measured in points follow.
 double textScaleByDensity() {
   const QScreen* screen = QGuiApplication::primaryScreen();
   constexpr double ordinaryDensity = 96;
@@ -60,9 +60,9 @@ bool Style::isDark() const {
   return options_.isDark.value_or(isApplicationDark() || desktop().prefersDark);
 }
 
-// Once for a palette, however often its screens are shown.
+// Warns once per palette.
 void Style::warnOfReplacedColors(SDKLogger& logger) {
-  // As they were configured, whatever became of them in the dark.
+  // Judges the colours as configured, not as converted for a dark theme.
   auto replaced = ScreenColors(paletteFor(customColors_, paletteNumber_, false), false).replaced;
   if (std::exchange(replaced_, std::move(replaced)) == replaced_ || replaced_.empty()) return;
   std::string roles;
@@ -72,7 +72,7 @@ void Style::warnOfReplacedColors(SDKLogger& logger) {
       "The palette has colours that nobody can tell from what they stand on, others are used: " + roles, "show()");
 }
 
-// The desktop may turn dark while a screen is shown.
+// The desktop may switch to a dark theme while a screen is shown.
 bool Style::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::ApplicationPaletteChange && !options_.isDark) {
     recolour();
@@ -82,7 +82,7 @@ bool Style::eventFilter(QObject* watched, QEvent* event) {
 }
 
 Style& Style::of(QQmlEngine& engine) {
-  // Another engine knows the type by another number.
+  // The type ID differs between engines.
   return *engine.singletonInstance<Style*>(qmlTypeId("Quillon.Consent", 1, 0, "Style"));
 }
 
@@ -115,7 +115,7 @@ void Style::follow(std::shared_ptr<DesktopSettings> desktop) {
   });
 }
 
-// Where Qt knows of no magnification, the desktop may.
+// Uses the desktop's scale if Qt does not know one.
 double Style::textScale() const {
   constexpr double smallest = 0.5;
   constexpr double largest = 3;
@@ -133,7 +133,7 @@ QFont Style::font(const std::optional<CustomFont>& custom, double size, int weig
   return font;
 }
 
-// What is large already grows less, or a long word would not fit on a small screen; yet it stays larger than the text.
+// Headings grow less than the text, so that long words fit on small screens, but stay larger than it.
 QFont Style::heading() const {
   QFont large = font(fonts_.heading, 20, QFont::DemiBold);
   if (textScale() <= 1) return large;

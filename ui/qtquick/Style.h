@@ -1,4 +1,4 @@
-// How the screens look.
+// The appearance of the screens.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-// One for all screens of an engine: that of the SDK whose screen was shown last.
+// One per engine, set by the SDK whose screen was shown last.
 class Style : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -26,19 +26,19 @@ class Style : public QObject {
   Q_PROPERTY(QFont label READ label NOTIFY changed)
   Q_PROPERTY(QFont tab READ tab NOTIFY changed)
   Q_PROPERTY(QFont caption READ caption NOTIFY changed)
-  // In pixels; a heading that was larger shrinks down to that for a long word's sake.
+  // In pixels: the size down to which a heading shrinks to fit a long word.
   Q_PROPERTY(int leastHeadingSize READ leastHeadingSize NOTIFY changed)
-  // Lengths that grow with the text, as factor.
+  // The factor for lengths that scale with the text.
   Q_PROPERTY(double textScale READ textScale NOTIFY changed)
   Q_PROPERTY(quillon::Metrics metrics READ metrics NOTIFY changed)
-  // Of the texts.
+  // The texts' language.
   Q_PROPERTY(QString language READ language NOTIFY changed)
   Q_PROPERTY(ButtonShape buttonShape READ buttonShape NOTIFY changed)
   Q_PROPERTY(bool isMirrored READ isMirrored NOTIFY changed)
   Q_PROPERTY(bool isDark READ isDark NOTIFY changed)
-  // Of a transition, in milliseconds; 0 where no motion is wanted.
+  // Of transitions, in milliseconds; 0 with reduced motion.
   Q_PROPERTY(int duration READ duration NOTIFY changed)
-  // How long a message stays, in milliseconds.
+  // Display time of messages, in milliseconds.
   Q_PROPERTY(int messageTime READ messageTime CONSTANT)
 
  public:
@@ -47,10 +47,10 @@ class Style : public QObject {
 
   explicit Style(QObject* parent = nullptr);
 
-  // That of an engine which has the module.
+  // The instance of an engine that has the module.
   static Style& of(QQmlEngine& engine);
 
-  // Takes over the SDK's fonts and colours, its language and what the banner configures.
+  // Applies the SDK's fonts, colours and language, and the banner's settings.
   void show(const QtQuickOptions& options, ScreenServices& sdk, const std::optional<BannerConfig>& banner);
 
   const ScreenColors& colors() const { return colors_; }
@@ -89,7 +89,7 @@ class Style : public QObject {
   std::optional<CustomColors> customColors_;
   std::optional<std::int64_t> paletteNumber_;
   ScreenColors colors_;
-  std::vector<std::string_view> replaced_;  // the roles that the log was told of last
+  std::vector<std::string_view> replaced_;  // roles in the last warning
   QString language_;
   ButtonShape buttonShape_ = Rounded;
   bool isMirrored_ = false;

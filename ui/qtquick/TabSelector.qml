@@ -1,7 +1,7 @@
 import QtQuick
 import Quillon.Consent
 
-// The choice between the pages of a screen.
+// The tabs of a screen.
 Rectangle {
     id: selector
 
@@ -35,7 +35,7 @@ Rectangle {
             readonly property bool isCurrent: index === selector.current
             readonly property int forward: Style.isMirrored ? -1 : 1
 
-            // Left and right in a row, up and down in a column.
+            // Arrow keys: left and right in a row, up and down in a column.
             function go(event, isAlongRow, distance) {
                 const next = row.at(index + distance)
                 event.accepted = isAlongRow === row.isRow && next !== null

@@ -1,11 +1,11 @@
 import QtQuick
 import Quillon.Consent
 
-// A link that stands by itself.
+// A stand-alone link.
 Pressable {
     id: control
 
-    // Room towards the link that follows.
+    // Space before the following link.
     property real gapAfter: 0
 
     implicitWidth: Words.lineOf(text, font) + gapAfter

@@ -32,9 +32,9 @@ class WebViewAdapter : public Adapter {
                  std::string link);
 
   ConsentBannerAdapter* banner() const { return banner_; }
-  // The address that is being opened, until there is a title.
+  // The URL being opened, until there is a title.
   QString title() const;
-  // Of the page on screen; empty when it came from no server.
+  // The present page's host; empty if it did not come from a server.
   QString host() const;
   bool isLoading() const { return model_->isLoading.get(); }
   double progress() const { return surface_.progress(); }
@@ -44,18 +44,18 @@ class WebViewAdapter : public Adapter {
   QString forwardLabel() const { return banner_->label(Label::webViewForward); }
   QQuickItem* page() const { return surface_.item(); }
 
-  // The sheet is on screen; the browser starts only now, since that takes a while.
+  // Call when the sheet is visible: starts the browser, which takes a while.
   Q_INVOKABLE void appeared();
   Q_INVOKABLE void goBack() { model_->goBack(); }
   Q_INVOKABLE void goForward() { model_->goForward(); }
   Q_INVOKABLE void refreshPage() { model_->refresh(); }
   Q_INVOKABLE void close();
 
-  // Shows another page in place of the present one.
+  // Replaces the present page.
   void open(std::string link);
 
  private:
-  QuickWebSurface& surface_;  // the model's
+  QuickWebSurface& surface_;  // owned by the model
   const std::shared_ptr<WebViewModel> model_;
   ConsentBannerAdapter* const banner_;
   std::string link_;

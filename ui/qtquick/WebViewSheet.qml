@@ -1,13 +1,13 @@
 import QtQuick
 import Quillon.Consent
 
-// A page of the web: its title and host above, what moves through its history below.
+// A web page, with title and host above, and navigation below.
 Sheet {
     id: screen
 
     required property WebViewAdapter model
 
-    // Within the page the Tab key goes from link to link; at its ends the page passes the focus on by itself.
+    // In the page, Tab moves between links; at its ends the page passes the focus on.
     readonly property bool keepsTabKey: place.activeFocus
 
     banner: model.banner
@@ -43,7 +43,7 @@ Sheet {
                 font: Style.caption
                 color: Style.colors.quietText
                 wrapMode: Text.NoWrap
-                // The end of a host tells whose it is.
+                // Elides at the start, since the end of a host name identifies its owner.
                 elide: Text.ElideLeft
                 visible: screen.model.host !== ""
             }
@@ -72,12 +72,12 @@ Sheet {
                 content.anchors.fill = place
                 content.focus = true
             }
-            // Keys that the page has no use for.
+            // Keys that the page does not handle.
             Keys.onEscapePressed: screen.closeRequested()
         },
         Rectangle {
             width: parent.width * screen.model.progress
-            // The edge of the header lies over it.
+            // The header's border overlaps it.
             height: Style.metrics.hairGap
             anchors.left: parent.left
             color: Style.colors.switchOn
@@ -92,7 +92,7 @@ Sheet {
             width: parent.width
             implicitHeight: Style.metrics.target
 
-            // In line with the text above.
+            // Aligned with the text above.
             Row {
                 anchors.left: parent.left
                 anchors.leftMargin: -Style.metrics.hairGap

@@ -9,7 +9,7 @@
 namespace quillon {
 namespace {
 
-// Calls with each word and what stands in front of it; the last word may be empty.
+// Calls with each word and the white space before it; the last word may be empty.
 void forEachWord(const QString& text, const auto& use) {
   for (qsizetype begin = 0; begin <= text.size();) {
     qsizetype first = begin;
@@ -22,7 +22,7 @@ void forEachWord(const QString& text, const auto& use) {
   }
 }
 
-// Of a line that holds the text. One breaks also for what its last letter stands out by, as the mark of "ľ" does.
+// The width of a line for the text. A line breaks even if only the last glyph overhangs, as in "ľ".
 double lineWidth(const QString& text, const QFontMetricsF& metrics) {
   return std::max(std::ceil(metrics.horizontalAdvance(text)) + 1, std::ceil(metrics.boundingRect(text).right()));
 }

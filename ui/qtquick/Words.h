@@ -1,4 +1,4 @@
-// Words that are longer than a line.
+// Handles words longer than a line.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -16,14 +16,14 @@ class Words : public QObject {
  public:
   using QObject::QObject;
 
-  // Of the longest word, in pixels.
+  // The longest word's width, in pixels.
   Q_INVOKABLE static double longest(const QString& text, const QFont& font);
-  // Of the text on one line, in pixels.
+  // The text's width on one line, in pixels.
   Q_INVOKABLE static double lineOf(const QString& text, const QFont& font);
-  // The same font in another size, in pixels, or underlined.
+  // The font with a size in pixels, or with underlining.
   Q_INVOKABLE static QFont resized(QFont font, int size);
   Q_INVOKABLE static QFont underlined(QFont font, bool isUnderlined);
-  // The text with soft hyphens in the words that do not fit into the width, as far as the machine knows the language.
+  // Inserts soft hyphens into words that exceed the width, if patterns for the language are installed.
   Q_INVOKABLE static QString divided(const QString& text, const QFont& font, double width, const QString& language);
 };
 

@@ -1,11 +1,11 @@
-// Controls of the form, one for each kind of value. Every control carries the path of its value, as findings spell it.
+// Form controls, one per kind of value. Each control carries the path of its value, spelt as in findings.
 import {apart, button, element, say} from './elements.js';
 
-// What the screens take as the text of a picture, in bytes of its file.
+// The screens' limit for an image, in bytes of its file.
 const largestPicture = 768 * 1024;
-// More boxes than anybody looks through.
+// More checkboxes would be unusable.
 const mostBoxes = 100;
-// A control with a longer text keeps the browser busy for seconds.
+// A control with longer text blocks the browser for seconds.
 const longestText = 20_000;
 
 const isLonger = (value) => typeof value === 'string' && value.length > longestText;
@@ -18,7 +18,7 @@ export function pathText(path) {
   return path.map((step, i) => (typeof step === 'number' ? `[${step}]` : i === 0 ? step : `.${step}`)).join('');
 }
 
-// The languages of a document that is not valid: the keys of what looks like a text, labels apart.
+// The languages of an invalid document: the keys of everything that looks like a text, except labels.
 export function languagesIn(values, found = new Set()) {
   const members = Object.entries(values && typeof values === 'object' ? values : {});
   const isText = !Array.isArray(values) && members.every(([key, value]) => /^[a-z]{2,3}(-[a-z0-9]+)*$/.test(key) && typeof value === 'string');
@@ -29,7 +29,7 @@ export function languagesIn(values, found = new Set()) {
   return found;
 }
 
-// The address of a picture that a document holds as base64; undefined when it is none that the screens show.
+// The data URL of a base64 image; undefined if the screens do not support it.
 function pictureAddress(text) {
   const base64 = /^(?:data:image\/(?:png|gif|jpeg);base64,)?([A-Za-z0-9+/=\s]+)$/.exec(text)?.[1] ?? '';
   const type = {iVBOR: 'png', '/9j/4': 'jpeg', R0lGO: 'gif'}[base64.slice(0, 5)];
@@ -47,7 +47,7 @@ async function base64Of(file) {
 }
 
 export class Controls {
-  // `working` takes the changes; `languages` are those with a column.
+  // `working` receives the changes; each of `languages` has a column.
   constructor(working, languages) {
     this.working = working;
     this.languages = languages;
@@ -62,7 +62,7 @@ export class Controls {
     return element('label', {class: 'field'}, element('span', {}, label), input);
   }
 
-  // A list of texts, one a line.
+  // A list of texts, one per line.
   lines(label, path, value) {
     const joined = listOf(value).join('\n');
     if (isLonger(joined)) return element('div', {class: 'field'}, element('span', {}, label), lengthOf(joined));
@@ -71,13 +71,14 @@ export class Controls {
     return element('label', {class: 'field', 'data-group': pathText(path)}, element('span', {}, label), area);
   }
 
-  // A text with a control for each language. `own` has what is there without the document's.
+  // A localized text with one control per language. `own` returns the built-in text, which applies if the document has
+  // none.
   text(label, pathIn, valueIn, {own = () => '', isLong = false, path} = {}) {
     const columns = this.languages.map((language) => {
       const value = valueIn(language);
       const title = element('span', {class: 'language', 'aria-hidden': 'true'}, language);
       if (isLonger(value)) return element('div', {class: 'column'}, title, lengthOf(value));
-      // A control of one line would drop the ends of lines.
+      // A single-line control would drop line breaks.
       const isArea = isLong || /[\r\n]/.test(value ?? '');
       const control = element(isArea ? 'textarea' : 'input', {
         type: !isArea && 'text', rows: isArea && 3, lang: language, dir: 'auto', value: value ?? '',
@@ -100,7 +101,7 @@ export class Controls {
     return element('label', {class: 'switch'}, input, element('span', {}, label));
   }
 
-  // Nothing can be chosen when there is nothing, or when it is optional.
+  // Offers "nothing" if no value is chosen or the value is optional.
   choice(label, path, value, choices, isOptional = false) {
     const known = choices.some((choice) => choice.value === value);
     const options = known || !value ? choices : [{value, label: value}, ...choices];
@@ -159,14 +160,13 @@ export class Controls {
     return element('div', {class: 'field'}, element('span', {'aria-hidden': 'true'}, label), file, image, remove);
   }
 
-  // The purposes that something depends on: a list of their numbers, in the order in which they were chosen. `purposes`
-  // are those that there are, {number, name}.
+  // A list of purpose numbers, in the order of choosing. `purposes` are the existing ones, {number, name}.
   purposes(label, path, value, purposes) {
     let chosen = listOf(value);
     const unknown = [...new Set(chosen)].filter((number) => purposes.every((purpose) => purpose.number !== number));
     const all = [...purposes, ...unknown.map((number) => ({number, name: 'no such purpose'}))];
     const group = element('fieldset', {'data-group': pathText(path)}, element('legend', {}, label));
-    // A number that a script cannot hold would become another one.
+    // JavaScript would round larger numbers.
     if (all.length > mostBoxes || !all.every(({number}) => Number.isSafeInteger(number))) {
       group.append(element('p', {class: 'hint'}, 'These purposes can only be chosen in the JSON.'));
       return group;
@@ -198,7 +198,7 @@ export class Controls {
     this.working.change(path, value);
   }
 
-  // A text that is left empty is none; while somebody types it keeps its place.
+  // Removes an empty text when the control loses focus; during typing it stays.
   #dropIfEmpty(path, value) {
     if (value === '') this.working.remove(path);
   }

@@ -1,9 +1,9 @@
-// Questions that have to be answered before work goes on.
+// Modal dialogs.
 import {apart, button, byId, element} from './elements.js';
 import * as server from './server.js';
 
-// Shows a dialog of these contents and actions, {text: action}. Resolves with what the chosen action returns, or undefined
-// when the dialog is closed; an action that is refused leaves it open and says why.
+// Shows a dialog with contents and actions, {text: action}. Resolves with the result of the chosen action, or undefined
+// when closed. If an action throws, the dialog stays open and shows the error.
 function asked(heading, contents, actions) {
   return new Promise((resolve) => {
     const dialog = byId('dialog');
@@ -27,7 +27,7 @@ function asked(heading, contents, actions) {
 const mostLines = 200;
 const longestText = 20_000;
 
-// The beginning of what differs in both texts. Resolves with 'theirs', 'mine' or undefined.
+// Shows both texts from their first difference on. Resolves with 'theirs', 'mine' or undefined.
 export function askAboutConflict(file, mine, theirs) {
   const [left, right] = [mine.split('\n'), theirs.split('\n')];
   let first = 0;
@@ -40,7 +40,7 @@ export function askAboutConflict(file, mine, theirs) {
     {'Take the file on disk': () => 'theirs', 'Overwrite it with mine': () => 'mine'});
 }
 
-// Resolves with true when the draft shall be published.
+// Resolves with true if the draft is to be published.
 export function askAboutPublishing(name, {findings, isValid, comparison}) {
   const list = findings.filter((finding) => finding.level !== 'note' && finding.rule !== 'version-rises');
   const again = comparison
@@ -55,7 +55,7 @@ export function askAboutPublishing(name, {findings, isValid, comparison}) {
 
 const wordsOf = (text) => text.split(',').map((word) => word.trim()).filter(Boolean);
 
-// Asks for a new configuration and makes it. Resolves with its name, or undefined.
+// Asks for a new configuration's data and creates it. Resolves with its name, or undefined.
 export function askForNew({purposes, permissions, languages}) {
   const input = (label, id, value = '', hint = '') => element('label', {class: 'field'}, element('span', {}, label),
     element('input', {type: 'text', id, value, placeholder: hint, spellcheck: 'false'}));

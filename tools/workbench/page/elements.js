@@ -1,6 +1,7 @@
-// Elements of the page. What comes out of a document is always a text, never HTML.
+// Builds DOM elements. Document content becomes text, never HTML.
 
-// element('button', {type: 'button', onclick: f}, 'Save'): attributes by their names, handlers and properties as such.
+// element('button', {type: 'button', onclick: f}, 'Save'): attributes by name; functions, `value` and `checked` become
+// properties.
 export function element(tag, attributes = {}, ...children) {
   const made = document.createElement(tag);
   for (const [name, value] of Object.entries(attributes)) {
@@ -12,16 +13,16 @@ export function element(tag, attributes = {}, ...children) {
   return made;
 }
 
-// `content` is a text, or a list of texts and elements.
+// `content` is a text, or an array of texts and elements.
 export const button = (content, onclick, attributes = {}) =>
   element('button', {type: 'button', onclick, ...attributes}, ...[content].flat());
 
-// A text of the document among others, whose direction it does not turn.
+// Isolates document text from the text direction around it.
 export const apart = (text) => element('bdi', {}, text);
 
 export const byId = (id) => document.getElementById(id);
 
-// Tabs by the pattern of the ARIA practices: arrow keys move between them. `list` has buttons that control the panels.
+// Tabs according to the ARIA practices, with arrow keys. `list` contains the buttons that control the panels.
 export function tabs(list, onShown = () => {}) {
   const all = [...list.querySelectorAll('[role=tab]')];
   const show = (tab, isFocused) => {
@@ -46,7 +47,7 @@ export function tabs(list, onShown = () => {}) {
   return {show: (id) => show(byId(id), false)};
 }
 
-// What a person should know now; screen readers say it, too.
+// Shows a status message, which screen readers announce.
 export function say(text, isError = false) {
   const status = byId('status');
   status.textContent = text;

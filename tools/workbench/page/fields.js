@@ -1,5 +1,5 @@
-// What the form asks for, by the keys of the document. `kind` is the form of a value: 'text' is one in every language,
-// 'long' a longer one, 'purposes' a list of their numbers. `in` leads from the values at hand to those of the key.
+// The form's fields by document key. `kind`: 'text' is a localized text, 'long' a longer one, 'purposes' a list of
+// purpose numbers. `in` is the path from the given values to the object with the key.
 
 const names = (...values) => values.map((value) => ({value, label: value}));
 
@@ -94,7 +94,7 @@ export const palette = [
   {key: 'purpose_disclaimer_background', label: 'Background of that text'},
 ].map((field) => ({...field, kind: 'color'}));
 
-// What a banner without colours of its own begins with.
+// The initial palette of a banner without colours.
 export const newPalette = {
   button_background: '#1D3A5F', button_text: '#FFFFFF', button_border: '#1D3A5F',
   banner_background: '#FFFFFF', banner_text: '#1F2933', banner_links: '#1D4F91',
@@ -126,7 +126,7 @@ export const consentMode = [
   {key: 'gcm_description', label: 'What they tell of consent mode', kind: 'long', in: ['gcm_config']},
 ];
 
-// A signal is granted when all of its purposes are.
+// A signal is granted if all its purposes are.
 export const signals = [
   {key: 'analytics_storage', label: 'Storage for analytics'},
   {key: 'ad_storage', label: 'Storage for advertising'},
@@ -134,7 +134,7 @@ export const signals = [
   {key: 'ad_personalization', label: 'Personal advertising'},
 ].map((field) => ({...field, kind: 'purposes'}));
 
-// What is asked of whoever adds a member whose name people choose.
+// The labels for adding a member with a name of the user's choice.
 export const place = {label: 'A further place', example: 'DE or US#CA', add: 'Add a place'};
 export const name = {label: 'A further name', example: '', add: 'Add a name'};
 export const region = {label: 'Further regions', example: 'US#CA, US#VA', add: 'Add regions'};

@@ -1,20 +1,20 @@
-// The document as a form: groups of controls, made when they are opened.
+// The document as a form. Groups create their controls when opened.
 import {Controls, listOf, objectOf, pathText} from './controls.js';
 import {button, element, say} from './elements.js';
 import * as fields from './fields.js';
 
-// Entries of a list that are there at once; more come by a button.
+// Entries of a list shown at once; a button shows more.
 const mostEntries = 200;
 const longestTitle = 100;
 
-// The free number after those that the list has.
+// One more than the list's highest number.
 const nextNumber = (list, key) => 1 + Math.max(0, ...listOf(list).map((entry) => Number(objectOf(entry)[key]) || 0));
 
 // Builds the form of one document.
 export class Form {
-  // `working` takes the changes; `languages` are those with a column, `own` the labels that are there without the
-  // document's. `open` has the names of the groups to open, all of the first level when it is missing. onFilled(group)
-  // follows when a group got its controls.
+  // `working` receives the changes; each of `languages` has a column; `own` are the built-in labels. `open` has the
+  // names of the groups to open; if undefined, all top-level groups are open. onFilled(group) is called when a group
+  // has created its controls.
   constructor({working, languages, permissions, own, open, onFilled}) {
     this.working = working;
     this.controls = new Controls(working, languages);
@@ -53,7 +53,7 @@ export class Form {
     const isOpen = this.open ? this.open.has(name) : !isClosed;
     const group = element('details', {open: isOpen, 'data-group': name}, element('summary', {}, String(title).slice(0, longestTitle)));
     group.isTitled = !path;
-    // Large documents have more controls than a browser can lay out.
+    // Controls are created lazily, since large documents have more than a browser can lay out.
     group.fill = () => {
       group.fill = undefined;
       group.append(...content());
@@ -90,7 +90,7 @@ export class Form {
     return controls.line(label, path, value, kind === 'integer');
   }
 
-  // Controls of a list's entries, the first ones and a button for more.
+  // The controls of a list's first entries, and a button for more.
   #list(entries, make, start = 0) {
     const end = start + mostEntries;
     const made = entries.slice(start, end).map((entry, i) => make(entry, start + i));
@@ -105,7 +105,7 @@ export class Form {
     return made;
   }
 
-  // Appends an entry, to a list that may be missing.
+  // Appends an entry; creates the list if missing.
   #append(path, list, entry) {
     if (Array.isArray(list)) this.working.change([...path, list.length], entry, true);
     else this.working.change(path, [entry], true);
@@ -151,7 +151,7 @@ export class Form {
       const category = name.value.trim();
       if (!this.#isNew(category, banners.categories)) return;
       const banner = categories[0]?.[1] ?? {compliance_type: 'opt-in'};
-      // All three are required.
+      // All three members are required.
       if (!root.banner_config) {
         this.working.change(['banner_config'], {categories: {[category]: banner}, locations: {default: category}, names_map: {}}, true);
       } else {
@@ -174,7 +174,7 @@ export class Form {
       this.controls.remove(`Remove banner ${category}`, path)], {isClosed: true, path});
   }
 
-  // An object whose keys people choose: a row or a group for each of its members. makeControl(path, value, key).
+  // An object with keys of the user's choice: one row or group per member. makeControl(path, value, key).
   #map(title, path, values, words, makeControl, newValue) {
     const row = ([key, value]) => element('div', {class: 'place'}, makeControl([...path, key], value, key),
       this.controls.remove(`Remove ${key}`, [...path, key]));
@@ -188,7 +188,7 @@ export class Form {
       element('div', {class: 'actions'}, name, button(words.add, add))], {isClosed: true, path});
   }
 
-  // Whether a member of that name can be added; what is there is not replaced.
+  // Whether a member of that name can be added; an existing one is not replaced.
   #isNew(name, members) {
     const isThere = Object.hasOwn(objectOf(members), name);
     if (isThere) say(`There is a ${name} already.`, true);
@@ -226,7 +226,7 @@ export class Form {
         () => Object.fromEntries(fields.signals.map(({key}) => [key, []])))];
   }
 
-  // The labels of the screens: many, and seldom changed.
+  // The screens' labels: many, and rarely changed.
   #labels(root) {
     const tables = objectOf(root.i18n);
     return this.own.keys.map((key, i) => this.controls.text(key, (language) => ['i18n', language, key],

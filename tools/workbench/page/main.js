@@ -1,4 +1,4 @@
-// The page on which a configuration is written, seen, compared and published.
+// The workbench page: edit, preview, compare and publish a configuration.
 import {languagesIn} from './controls.js';
 import {askAboutConflict, askAboutPublishing, askForNew} from './dialogs.js';
 import {byId, element, say, tabs} from './elements.js';
@@ -9,7 +9,7 @@ import * as server from './server.js';
 import {Source} from './source.js';
 import {Working} from './working.js';
 
-const milliseconds = 2000;  // between two looks at the file
+const milliseconds = 2000;  // interval of polling the file
 const mostColumns = 100;
 
 let overview;
@@ -28,11 +28,11 @@ const views = tabs(byId('views'), (id) => id === 'tab-source' && showSource());
 tabs(byId('lower'));
 
 const fileTitle = (name) => `${name.tenant} / ${name.application} / ${name.file}`;
-// English first, as translators begin with it.
+// English first, since translations start from it.
 const languages = () => [...new Set([...(inspection?.languages ?? []), ...furtherLanguages])].sort(
   (left, right) => (right === 'en') - (left === 'en') || left.localeCompare(right));
 
-// The document as values; undefined when it is no JSON.
+// The parsed document; undefined if it is not JSON.
 function root() {
   try {
     return JSON.parse(working.text);
@@ -57,7 +57,7 @@ function showForm() {
   if (focused) byId('form').querySelector(`[data-path=${CSS.escape(focused)}]`)?.focus();
 }
 
-// What there is to say about the controls of a group.
+// Marks the controls of a group with their findings.
 function markGroup(group) {
   if (inspection?.findings) markFields(group, inspection.findings, inspection.colors ?? []);
 }
@@ -98,11 +98,11 @@ function showState() {
   document.title = `${isUnsaved ? '* ' : ''}${working ? working.name.application : 'Configurations'} - Workbench`;
 }
 
-// The field of a finding, or the one that is nearest to it; else its line.
+// Shows the field of a finding, or the nearest one; else the finding's line.
 function showField(finding) {
   const {path: wanted, rule} = finding;
   if (rule === 'unknown-key' || rule === 'label-known') return showLine(finding);
-  // A closed group may have no controls yet, some of which are groups again.
+  // A closed group has not created its controls yet, which may include further groups.
   const holds = ({dataset: {group}, isTitled}) => isTitled || (wanted.startsWith(group) && /^($|[.[])/.test(wanted.slice(group.length)));
   const unfilled = () => [...byId('form').querySelectorAll('details')].find((group) => group.fill && holds(group));
   for (let group = unfilled(); group; group = unfilled()) group.fill();
@@ -146,7 +146,7 @@ async function open(name) {
 
 const known = ({tenant, application, file}) => JSON.stringify({tenant, application, file});
 
-// The choice is always the document that is open.
+// Selects the open document again.
 function showName() {
   byId('document').value = working ? known(working.name) : '';
 }
@@ -166,7 +166,7 @@ async function showDocuments(chosen) {
 }
 
 async function save() {
-  document.activeElement?.blur();  // what is still being typed
+  document.activeElement?.blur();  // commits text that is still being typed
   working.resume();
   await working.settled();
   if (working.waiting.size > 0) return say(`Not saved: ${byId('status').textContent}`, true);
@@ -183,7 +183,7 @@ async function save() {
   return working.isSaved;
 }
 
-// Another program wrote the file, or removed it.
+// Another program has written or removed the file.
 async function resolveConflict(theirs) {
   if (!theirs) {
     working.tag = '';
@@ -216,7 +216,7 @@ async function publish() {
   }
 }
 
-// Looks for what other programs did.
+// Polls for changes by other programs.
 async function watch() {
   if (!working || working.running || document.hidden || byId('dialog').open) return;
   const watched = working;
@@ -280,7 +280,7 @@ document.addEventListener('keydown', (event) => {
 });
 window.addEventListener('beforeunload', (event) => working && !working.isSaved && event.preventDefault());
 setInterval(look, milliseconds);
-window.addEventListener('focus', look);  // back from another program
+window.addEventListener('focus', look);  // returning from another program
 
 const linked = Object.fromEntries(new URLSearchParams(location.hash.slice(1)));
 await showDocuments(linked.file ? linked : undefined).catch(onFailed);

@@ -1,4 +1,4 @@
-// What there is to say about a document: findings, the comparison with what is live, what users get.
+// Panels about a document: findings, comparison with the live one, content by location.
 import {apart, button, byId, element} from './elements.js';
 
 export function showFindings(findings, onShow, onShowSource) {
@@ -57,12 +57,12 @@ export function showNoContent() {
   byId('content').replaceChildren(element('p', {}, 'Applications would refuse the document.'));
 }
 
-// Beside the fields: what they have to do with findings, and contrasts of colours.
+// Marks fields with their findings and colour contrasts.
 export function markFields(form, findings, colors) {
   const wrong = new Map(findings.filter((finding) => finding.level !== 'note').map((finding) => [finding.path, finding]));
   for (const field of form.querySelectorAll('[data-path]')) {
     const finding = wrong.get(field.dataset.path);
-    // There may be thousands, and most have none.
+    // There may be thousands of fields, most without a finding.
     if (!finding && !field.hasAttribute('aria-invalid')) continue;
     field.toggleAttribute('aria-invalid', Boolean(finding));
     if (finding) field.setAttribute('aria-invalid', 'true');
@@ -72,7 +72,7 @@ export function markFields(form, findings, colors) {
   for (const {category, key, on, contrast, enough} of colors) {
     const note = form.querySelector(`[data-contrast=${CSS.escape(`banner_config.categories.${category}.palette.${key}`)}]`);
     if (!note) continue;
-    // Rounded down: what is just too little does not look like enough.
+    // Rounded down, so that a contrast just below the limit is not shown as meeting it.
     note.textContent = `${Math.floor(contrast * 10) / 10}:1 on ${on.replaceAll('_', ' ')}${contrast < enough ? `, needs ${enough}:1` : ''}`;
     note.classList.toggle('error', contrast < enough);
   }

@@ -1,4 +1,4 @@
-// The picture beside the form: a screen as the user who is chosen sees it.
+// The preview beside the form: a screen as the selected user sees it.
 import {byId, element} from './elements.js';
 import * as server from './server.js';
 
@@ -9,7 +9,7 @@ export class Screens {
     for (const id of choices) byId(id).onchange = () => this.#draw();
   }
 
-  // Draws the document as soon as the picture before is there; `since` is when somebody changed something.
+  // Draws the document once the previous drawing has ended; `since` is the time of the first change.
   show(text, inspection, since) {
     this.text = text;
     this.since ??= since;
@@ -18,7 +18,7 @@ export class Screens {
     this.#draw();
   }
 
-  // The document is not valid, so there is no picture of it.
+  // Keeps the last picture while the document is invalid.
   keep() {
     this.text = undefined;
     if (!byId('picture').dataset.count) return;

@@ -1,6 +1,6 @@
-// The workbench's server, below the address of the page.
+// The workbench server's API, relative to the page's URL.
 
-// A refusal: its status, and what the server says of it.
+// An error response: HTTP status (0: none) and the server's message.
 export class Refusal extends Error {
   constructor(status, answer) {
     super(answer.error ?? `The server answered ${status}.`);
@@ -34,7 +34,7 @@ export const inspect = (name, text, changes) =>
   askJson('POST', `api/inspect?${query(name)}`, {body: JSON.stringify({text, changes})});
 export const publish = (name, tag, liveTag) =>
   askJson('POST', `api/publish?${query(name)}`, {body: JSON.stringify({tag, liveTag, isConfirmed: true})});
-// Resolves with the picture, and for a banner with whether its answers are 'alike' or 'unlike', as measured on it.
+// Resolves with the picture and, for a banner, whether its measured answer buttons are 'alike' or 'unlike'.
 export async function picture(view, text) {
   const response = await ask('POST', `api/picture?${query(view)}`, {body: text});
   return {blob: await response.blob(), answers: response.headers.get('Answers')};

@@ -1,10 +1,11 @@
-// The JSON of the document, or of a large one the part around a line: no browser lays out megabytes while somebody types.
+// The JSON view. Shows only the part of a large document around a line, since browsers cannot lay out megabytes during
+// typing.
 import {byId} from './elements.js';
 
 const largestWhole = 400_000;  // characters
 const largestPart = 200_000;
 
-// As the control spells the ends of lines.
+// Line ends as the control normalizes them.
 const normal = (text) => text.replace(/\r\n?/g, '\n');
 
 function lineAt(text, offset) {
@@ -14,7 +15,7 @@ function lineAt(text, offset) {
 }
 
 export class Source {
-  // onChanged(text) follows what somebody types.
+  // onChanged(text) is called on every edit.
   constructor(onChanged) {
     this.text = '';
     this.begin = 0;
@@ -30,7 +31,7 @@ export class Source {
     byId('part-after').onclick = () => this.#turn(this.end);
   }
 
-  // Shows a text, at the place where it was shown before.
+  // Shows a text at the previous position.
   show(text) {
     this.isWindows = text.includes('\r\n');
     const shown = normal(text);
@@ -39,7 +40,7 @@ export class Source {
     this.#put(Math.min(this.begin, Math.max(0, shown.length - 1)));
   }
 
-  // Selects the character of a line and a column.
+  // Selects the character at a line and column.
   select({line, column}) {
     let start = 0;
     for (; line > 1; --line) {
@@ -64,7 +65,7 @@ export class Source {
     byId('source').scrollTop = 0;
   }
 
-  // From about there on, at the begin of a line if one is near.
+  // Shows the part that begins near `wanted`, at a line break if one is close.
   #put(wanted) {
     const isWhole = this.text.length <= largestWhole;
     const last = Math.max(0, this.text.length - largestPart);
@@ -84,7 +85,7 @@ export class Source {
   #lineBegin(offset) {
     if (offset === this.text.length) return offset;
     const begin = this.text.lastIndexOf('\n', offset - 1) + 1;
-    // A long line is cut, but not within a character.
+    // Splits a long line, but not within a character.
     const isFar = offset - begin > largestPart / 2;
     return isFar ? offset - /[\udc00-\udfff]/.test(this.text[offset]) : begin;
   }

@@ -1,4 +1,4 @@
-// What running applications ask for and upload, and the faults that they are shown.
+// The requests and uploads of running applications, and the injected faults.
 import {byId, element, say} from './elements.js';
 import * as server from './server.js';
 

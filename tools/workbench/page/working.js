@@ -1,15 +1,15 @@
-// A document that is being worked on: its text, and what there is to say about it.
+// A document being edited, with its inspection.
 import * as server from './server.js';
 
-// Of a large document some steps only: each is a text.
+// Limits of the undo history, whose steps are whole texts; a large document has fewer.
 const longestHistory = 100;
 const largestHistory = 64 << 20;  // characters
 
-// Changes are made by the server, which leaves everything else in the text as it is. While one request is under way,
-// further changes wait; the last value of a place counts.
+// The server applies changes, which preserves the rest of the text. During a request further changes are queued; of
+// several for one path, the last one counts.
 export class Working {
-  // stored: {draft: {text, tag}, live: {text, tag}}, either of which may be missing. onInspected(inspection, isRebuilt)
-  // follows every change; isRebuilt when more than values changed. onFailed(refusal).
+  // stored: {draft: {text, tag}, live: {text, tag}}, either may be missing. onInspected(inspection, isRebuilt) is
+  // called after every change; isRebuilt if more than values has changed. onFailed(refusal) is called on errors.
   constructor(name, stored, onInspected, onFailed) {
     this.name = name;
     this.onInspected = onInspected;
@@ -17,7 +17,7 @@ export class Working {
     this.waiting = new Map();
     this.history = [];
     this.liveTag = stored.live?.tag ?? '';
-    this.seenTag = null;  // of a change on disk that was told
+    this.seenTag = null;  // tag of a reported change on disk
     this.take(stored.draft ?? {text: stored.live?.text ?? '', tag: ''});
   }
 
@@ -25,14 +25,14 @@ export class Working {
     return this.text === this.savedText && this.waiting.size === 0 && !this.isBusy;
   }
 
-  // The text of the file that has that tag becomes this one's.
+  // Replaces the text by a file's content with its tag.
   take({text, tag}) {
     this.savedText = text;
     this.tag = tag;
     this.replace(text);
   }
 
-  // Sets what is at the path, such as ['purposes', 0, 'purpose_name', 'en'].
+  // Sets the value at a path such as ['purposes', 0, 'purpose_name', 'en'].
   change(path, value, isRebuilt = false) {
     this.#add({path, value}, isRebuilt);
   }
@@ -58,18 +58,18 @@ export class Working {
     this.#run();
   }
 
-  // Tries again what the server did not answer.
+  // Repeats requests that got no response.
   resume() {
     this.#run();
   }
 
-  // Anew, as what is live has changed.
+  // Inspects again after a change of the live document.
   inspectAgain() {
     this.isAgain = true;
     this.#run();
   }
 
-  // Resolves when nothing is under way any more.
+  // Resolves once no request is in flight.
   async settled() {
     while (this.running) await this.running;
   }
@@ -104,7 +104,7 @@ export class Working {
       this.isBusy = true;
       try {
         const inspection = await server.inspect(this.name, text, changes.map(([, change]) => change));
-        if (this.text !== text) continue;  // replaced meanwhile
+        if (this.text !== text) continue;  // the text was replaced meanwhile
         if (inspection.text !== undefined && inspection.text !== text) {
           this.#remember();
           this.text = inspection.text;
@@ -114,13 +114,13 @@ export class Working {
       } catch (refusal) {
         this.isBusy = false;
         if (refusal.status === 0) {
-          // No answer: nothing is lost, all of it waits.
+          // No response: keep all changes queued.
           if (this.text === text) this.waiting = new Map([...changes, ...this.waiting]);
           this.isReplaced ||= isRebuilt;
           this.isAgain ||= isAgain;
           return this.onFailed(refusal);
         }
-        // What cannot be done is not to be seen as done.
+        // Rebuild the form, so that it does not show a change that was rejected.
         this.isReplaced ||= changes.length > 0;
         this.onFailed(refusal);
       }

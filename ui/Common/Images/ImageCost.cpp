@@ -18,7 +18,7 @@ std::uint32_t bigEndian32(std::string_view bytes, std::size_t at) {
   return byteOf(bytes, at) << 24 | byteOf(bytes, at + 1) << 16 | byteOf(bytes, at + 2) << 8 | byteOf(bytes, at + 3);
 }
 
-// Counts what compressed data becomes, and keeps nothing of it.
+// Measures the decompressed size without storing the data.
 class Inflation {
  public:
   Inflation() : isSound_(inflateInit(&stream_) == Z_OK) {}
@@ -26,10 +26,9 @@ class Inflation {
   Inflation(const Inflation&) = delete;
   Inflation& operator=(const Inflation&) = delete;
 
-  // False once there is more than the limit. What follows an error or the end is left to the decoder, which stops
-  // there.
+  // False if the output exceeds the limit. Data after an error or the end is ignored, as by the decoder.
   bool add(std::string_view data, std::uint64_t limit) {
-    stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));  // zlib does not write there
+    stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));  // zlib does not modify the input
     stream_.avail_in = static_cast<uInt>(data.size());
     while (isSound_ && stream_.avail_in > 0) {
       stream_.next_out = output_.data();
@@ -53,7 +52,7 @@ bool isAboutPixels(std::string_view chunk) {
   return chunk == "IHDR" || chunk == "PLTE" || chunk == "tRNS" || chunk == "IDAT" || chunk == "IEND";
 }
 
-// How many bytes the pixels become, the filter byte of each row and of each interlaced pass included.
+// The size of the uncompressed pixel data, with one filter byte per row and interlace pass.
 std::uint64_t inflatedSize(std::string_view bytes, const ImageHeader& header) {
   constexpr std::array channels{1, 0, 3, 1, 2, 0, 4};
   const std::size_t kind = byteOf(bytes, 25);
@@ -80,7 +79,7 @@ std::optional<std::string> affordablePng(const std::string& bytes, const ImageHe
   return kept;
 }
 
-// The first frame; only that is shown.
+// Checks the first frame, the only one displayed.
 bool isGifFrameWithin(std::string_view bytes, const ImageHeader& header) {
   const auto tableSize = [&](std::size_t flagsAt) -> std::size_t {
     const std::uint32_t flags = byteOf(bytes, flagsAt);
@@ -94,14 +93,14 @@ bool isGifFrameWithin(std::string_view bytes, const ImageHeader& header) {
     for (at += 2; at < bytes.size() && byteOf(bytes, at) != 0;) at += byteOf(bytes, at) + 1;
     ++at;
   }
-  if (at + descriptor > bytes.size() || byteOf(bytes, at) != image) return true;  // without any pixel
+  if (at + descriptor > bytes.size() || byteOf(bytes, at) != image) return true;  // has no pixels
   const auto word = [&](std::size_t offset) {
     return byteOf(bytes, at + offset) | byteOf(bytes, at + offset + 1) << 8;
   };
   return word(1) + word(5) <= header.width && word(3) + word(7) <= header.height;
 }
 
-// In compressed data the byte 0xFF is followed by 0, so that a marker cannot be mistaken.
+// Entropy-coded data escapes 0xFF with 0, so the marker occurs only where a scan begins.
 std::size_t scansOf(std::string_view bytes) {
   std::size_t scans = 0;
   for (std::size_t at = 0; (at = bytes.find("\xff\xda"sv, at)) != std::string_view::npos; at += 2) ++scans;

@@ -1,4 +1,4 @@
-// What an image would cost to decode, told before a decoder sees it.
+// Estimates an image's decoding cost before a decoder sees it.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,16 @@
 
 namespace quillon {
 
-// A logo is drawn at most 256 pixels long, and never worth a second.
+// Logos are drawn at up to 256 pixels, so larger ones are a waste; the limit bounds decoding time.
 inline constexpr std::uint64_t mostPixels = 4'000'000;
-// Where the whole image is kept until its last byte: interlaced PNG, GIF, JPEG of several scans.
+// The limit for formats that decoders buffer completely: interlaced PNG, GIF, multi-scan JPEG.
 inline constexpr std::uint64_t mostPixelsInPlanes = 2'000'000;
 inline constexpr std::uint32_t longestImageSide = 16'384;
 inline constexpr std::size_t mostScans = 32;
 inline constexpr std::uint64_t largestInflatedImage = std::uint64_t{14} << 20;
 
-// The file as a decoder may have it: a PNG without the chunks that say nothing about its pixels. Nothing when decoding
-// would take more than some tenths of a second or 32 MB. Damaged files pass, as long as they are cheap.
+// The file to give to a decoder: a PNG loses the chunks that do not affect its pixels. nullopt if decoding would take
+// more than some tenths of a second or 32 MB. Damaged files pass if they are cheap.
 [[nodiscard]] std::optional<std::string> affordableImage(std::string bytes, const ImageHeader& header);
 
 }  // namespace quillon

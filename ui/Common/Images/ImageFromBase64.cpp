@@ -20,7 +20,7 @@ std::string without(std::string_view unwanted, std::string_view text) {
   return result += text;
 }
 
-// Six bits; nothing for a character outside the alphabet.
+// The value of a base64 digit, six bits; nullopt for other characters.
 std::optional<std::uint32_t> valueOf(char c) {
   if (c >= 'A' && c <= 'Z') return c - 'A';
   if (c >= 'a' && c <= 'z') return c - 'a' + 26;
@@ -30,8 +30,7 @@ std::optional<std::uint32_t> valueOf(char c) {
   return std::nullopt;
 }
 
-// Skips what is not of base64; nothing when the rest is not made of groups of four, of which the last may end in
-// padding.
+// Skips characters that are not base64; nullopt if the rest is not groups of four with padding in the last one only.
 std::optional<std::string> decodedBase64(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size() / 4 * 3);
@@ -72,7 +71,7 @@ std::optional<EncodedImage> imageFromBase64(std::string_view base64String, SDKLo
   };
   if (base64String.size() > largestText) return fail("Failed to decode base64 string.");
 
-  // White space at the ends is skipped like any other.
+  // White space at either end is skipped as well.
   std::string text(base64String);
   for (const auto prefix : {"data:image/png;base64,", "data:image/gif;base64,", "data:image/jpeg;base64,"}) {
     text = without(prefix, text);

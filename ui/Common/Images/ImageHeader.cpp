@@ -45,23 +45,23 @@ bool beginsFrame(std::uint32_t marker) {
          marker != arithmeticConditioning;
 }
 
-// Goes from segment to segment up to the one that begins the frame.
+// Follows the segments up to the frame header.
 std::optional<ImageHeader> jpegHeader(std::string_view bytes) {
   constexpr auto startOfImage = "\xff\xd8"sv;
   constexpr std::uint32_t startOfScan = 0xda;
   if (!bytes.starts_with(startOfImage)) return std::nullopt;
   bytes.remove_prefix(startOfImage.size());
   while (!bytes.empty() && byteAt(bytes, 0) == 0xff) {
-    bytes.remove_prefix(std::min(bytes.find_first_not_of('\xff'), bytes.size()));  // any number may precede a marker
+    bytes.remove_prefix(std::min(bytes.find_first_not_of('\xff'), bytes.size()));  // fill bytes may precede a marker
     if (bytes.size() < 3) return std::nullopt;
     const auto marker = byteAt(bytes, 0);
-    const std::size_t length = bigEndian(bytes.substr(1, 2));  // counts itself
-    // What begins a scan, ends the image or stands alone has no place before the frame.
+    const std::size_t length = bigEndian(bytes.substr(1, 2));  // includes itself
+    // Scan, end-of-image and standalone markers are invalid before the frame header.
     if (marker < 0xc0 || (marker >= 0xd0 && marker <= startOfScan)) return std::nullopt;
     if (length < 2 || bytes.size() < 1 + length) return std::nullopt;
     if (beginsFrame(marker)) {
       if (length < 8) return std::nullopt;
-      constexpr std::uint32_t progressive = 2;  // of every four kinds of frame
+      constexpr std::uint32_t progressive = 2;  // among each group of four frame types
       return ImageHeader{EncodedImage::jpeg, bigEndian(bytes.substr(6, 2)), bigEndian(bytes.substr(4, 2)),
                          (marker & 3) == progressive};
     }

@@ -1,4 +1,4 @@
-// Format and size of an image, from the first bytes of its file.
+// Reads an image's format and size from the beginning of its file.
 #pragma once
 
 #include <cstdint>
@@ -11,12 +11,12 @@ namespace quillon {
 
 struct ImageHeader {
   EncodedImage::Format format = EncodedImage::png;
-  std::uint32_t width = 0;  // any value: nothing is refused for its size
+  std::uint32_t width = 0;  // not limited here
   std::uint32_t height = 0;
-  bool isInPlanes = false;  // no row is complete before the last byte: interlaced, progressive, or GIF
+  bool isInPlanes = false;  // rows are incomplete until the last byte: interlaced, progressive, or GIF
 };
 
-// Nothing when the bytes are no PNG, GIF or JPEG, or end before the header does.
+// nullopt if the data is not PNG, GIF or JPEG, or ends within the header.
 [[nodiscard]] std::optional<ImageHeader> imageHeader(std::string_view bytes);
 
 }  // namespace quillon

@@ -58,7 +58,7 @@ std::string joined(Label pattern, std::string first, std::string second, const s
       rest.remove_prefix(2);
       continue;
     }
-    // The text may bring the full stop of the pattern along.
+    // The text may already end in the pattern's full stop.
     const auto* const stop = std::ranges::find_if(
         fullStops, [&](std::string_view mark) { return rest.starts_with(mark) && result.ends_with(mark); });
     if (stop != std::end(fullStops)) {

@@ -1,4 +1,4 @@
-// The texts that the screens have of their own, apart from those that a banner configures.
+// The built-in texts of the screens, in addition to those that a banner configures.
 #pragma once
 
 #include <array>
@@ -53,12 +53,12 @@ enum class Label {
   loading,
   saved,
   notSaved,
-  // What takes the place of a content that cannot be loaded.
+  // Shown instead of content that cannot be loaded.
   bannerUnavailable,
   settingsPromptUnavailable,
   purposesUnavailable,
   permissionsUnavailable,
-  // The receipt, and what becomes of its file.
+  // The receipt, and saving it to a file.
   receipt,
   receiptExplanation,
   saveReceipt,
@@ -68,7 +68,7 @@ enum class Label {
   receiptSaveCancelled,
   fileDialogUnavailable,
   receiptUnavailable,
-  // What a receipt says.
+  // Content of a receipt.
   doesNotHold,
   identifier,
   madeOn,
@@ -94,12 +94,12 @@ enum class Label {
   pageBlocked,
   pageBlockedExplanation,
   blockedAddress,
-  // Patterns that join two texts, "%1" and "%2".
+  // Patterns that combine two texts, "%1" and "%2".
   twoSentences,
   partOf,
   fact,
   hint,
-  // For controls to which the configuration gives no text.
+  // For controls whose text is not configured.
   purposesTab,
   permissionsTab,
   accept,
@@ -110,7 +110,7 @@ enum class Label {
   notNow,
 };
 
-// In the configuration's table of translations and in the files of our languages; in the order of Label.
+// The keys in the configuration's translations and in our language files; in the order of Label.
 inline constexpr auto labelKeys = std::to_array<std::string_view>({
     "select_all",
     "unselect_all",
@@ -206,19 +206,19 @@ static_assert(labelKeys.size() == static_cast<std::size_t>(Label::notNow) + 1);
 
 struct LabelText {
   std::string text;
-  std::string language;  // that it is in
+  std::string language;  // of the text
 };
 
-// The user's language with the script and region that the application, or else the device, gives it: "zh-hant-tw" where
-// the texts of the configuration are those for "zh".
+// The user's language with script and region as given by the application or else by the device: "zh-hant-tw", even if
+// the configuration's texts are for "zh".
 [[nodiscard]] std::string languageOfLabels(const ScreenServices& sdk);
 
-// The banner's translation, else ours; an empty one counts as none. "zh-hant-tw" is looked up under itself, "zh-hant"
-// and "zh" in turn, first among the banner's and then among ours; what we do not have is English.
+// The banner's translation, or the built-in one; empty ones are ignored. "zh-hant-tw" falls back to "zh-hant" and "zh",
+// first in the banner, then in the built-in labels, then to English.
 [[nodiscard]] LabelText labelText(Label label, const std::optional<BannerConfig>& banner, std::string_view language);
 
-// Two texts joined by a pattern; the other one alone when one of them is empty. A translated pattern that does not have
-// both places gives way to ours. A full stop at the end of the first makes none double.
+// Combines two texts with a pattern; if one is empty, returns the other. A translated pattern without both placeholders
+// is replaced by ours. A full stop at the end of the first text is not doubled.
 [[nodiscard]] std::string joined(Label pattern, std::string first, std::string second,
                                  const std::optional<BannerConfig>& banner, std::string_view language);
 

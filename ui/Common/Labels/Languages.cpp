@@ -9,8 +9,8 @@
 namespace quillon {
 namespace {
 
-// Codes of languages that we have by another: of regions that write another script than the most, of either written
-// Norwegian, and retired ones.
+// Aliases of our language codes: regions whose script differs from the language's most common one, other codes for
+// Norwegian, and retired codes.
 constexpr std::pair<std::string_view, std::string_view> aliases[] = {
     {"zh", "zh-hans"},  {"zh-tw", "zh-hant"}, {"zh-hk", "zh-hant"}, {"zh-mo", "zh-hant"},
     {"yue", "zh-hant"}, {"no", "nb"},         {"nn", "nb"},         {"iw", "he"},

@@ -1,4 +1,4 @@
-// The labels in the languages that we have, a file of the folder languages/ each.
+// The built-in labels, one file per language in the folder languages/.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@
 namespace quillon {
 
 struct LabelLanguage {
-  std::string_view code;                                 // in lower case, such as "de" or "zh-hant"
+  std::string_view code;                                 // lower case, such as "de" or "zh-hant"
   std::array<std::string_view, labelKeys.size()> texts;  // in the order of Label
 
   constexpr std::string_view text(Label label) const { return texts.at(static_cast<std::size_t>(label)); }
@@ -20,13 +20,13 @@ struct LabelLanguage {
 [[nodiscard]] std::span<const LabelLanguage> labelLanguages();
 [[nodiscard]] const LabelLanguage& englishLabels();
 
-// The next more general one of a language code: "zh-hant" of "zh-hant-tw"; empty when there is none.
+// The next more general code: "zh-hant" for "zh-hant-tw"; empty if there is none.
 [[nodiscard]] constexpr std::string_view parentLanguage(std::string_view code) {
   const auto end = code.rfind('-');
   return code.substr(0, end == std::string_view::npos ? 0 : end);
 }
 
-// The one for a user's language, such as "pt-br" or "zh-tw", in any case; null when there is none.
+// The labels for a user's language, such as "pt-br" or "zh-tw", ignoring case; null if there are none.
 [[nodiscard]] const LabelLanguage* labelLanguage(std::string_view language);
 
 }  // namespace quillon

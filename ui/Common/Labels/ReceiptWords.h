@@ -1,4 +1,4 @@
-// The words of a receipt's summary are labels, too.
+// Takes the words of a receipt's summary from the labels.
 #pragma once
 
 #include <functional>

@@ -15,7 +15,7 @@ namespace quillon {
 namespace {
 
 struct NoticeText {
-  std::optional<std::string> address = std::nullopt;  // where a link leads
+  std::optional<std::string> address = std::nullopt;  // the link's URL
   std::string role;
   std::string text;
 };
@@ -50,7 +50,7 @@ struct Notice {
 
 }  // namespace
 
-// All sorted by key, as the canonical form is.
+// Members in key order, as canonical JSON requires.
 template <>
 inline constexpr auto fields<NoticeText> = std::tuple{
     Field<&NoticeText::address>{"address"},
@@ -118,7 +118,7 @@ class NoticeMaker {
   void add(Label label) {
     add(labelKeys.at(static_cast<std::size_t>(label)), labelText(label, banner_, labelLanguage_).text);
   }
-  // A configured text, or the label in its place.
+  // A configured text, or else a label.
   void add(std::string_view role, const std::optional<LocalizedText>& text, Label otherwise) {
     std::string words = localized(text);
     add(role, words.empty() ? labelText(otherwise, banner_, labelLanguage_).text : std::move(words));

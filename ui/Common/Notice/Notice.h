@@ -1,4 +1,4 @@
-// What a screen shows to somebody who decides on it, as the history keeps it.
+// The content of a screen on which a user decides, for the history.
 #pragma once
 
 #include <string>
@@ -8,9 +8,9 @@
 
 namespace quillon {
 
-// A JSON object in canonical form (RFC 8785), the same for everybody who is shown the same: the texts in the order
-// shown, each with its role (its key in the configuration or among the labels), and the purposes that an answer covers,
-// in the user's language and as the preference centre describes them. Empty without a banner. Any thread.
+// Canonical JSON (RFC 8785), so equal content has equal text: the texts in display order with their roles (keys of the
+// configuration or labels), and the purposes that an answer covers, in the user's language and as described in the
+// preference centre. Empty without a banner. Any thread.
 [[nodiscard]] std::string bannerNotice(const ScreenContent& content, const ScreenServices& sdk);
 [[nodiscard]] std::string preferenceCenterNotice(const ScreenContent& content, const std::vector<Purpose>& purposes,
                                                  const ScreenServices& sdk);

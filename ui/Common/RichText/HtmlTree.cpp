@@ -10,21 +10,20 @@
 namespace quillon {
 namespace {
 
-// The parser compares each tag with all that are open, and each attribute with all others: its time grows with the
-// square of their number.
+// The parser's time is quadratic in the number of open tags and of an element's attributes.
 constexpr std::size_t mostTagsAndAttributes = 4096;
 
-// Apart from white space. The parser would make U+FFFD of it.
+// Control characters except white space, which the parser would replace by U+FFFD.
 bool isControl(char c) {
   return (static_cast<unsigned char>(c) < 0x20 && !std::string_view("\t\n\f\r").contains(c)) || c == 0x7f;
 }
 
 struct Tag {
-  std::size_t end;  // one past it
+  std::size_t end;  // one past the tag
   std::size_t attributes;
 };
 
-// The tag that begins at `begin`, if one does.
+// The tag at `begin`, which must look like one.
 Tag tagAt(std::string_view html, std::size_t begin) {
   constexpr std::string_view blanks = " \t\n\f\r";
   constexpr std::string_view separators = " \t\n\f\r/";
@@ -47,11 +46,11 @@ Tag tagAt(std::string_view html, std::size_t begin) {
   return tag;
 }
 
-// Looks at every place where a tag might begin. Some only look like it, in a comment, a script or an attribute, but
-// that way no text can hide a tag from the count.
+// Counts everything that looks like a tag, even in comments, scripts and attributes, so that no text can hide tags from
+// the count.
 bool hasFewTags(std::string_view html) {
   std::size_t count = 0;
-  std::size_t bytesRead = 0;  // more than the text has, when what looks like tags overlaps
+  std::size_t bytesRead = 0;  // may exceed the text's size, since apparent tags can overlap
   for (std::size_t at = 0; (at = html.find('<', at)) != std::string_view::npos; ++at) {
     if (at + 1 == html.size()) break;
     const char next = html[at + 1];
@@ -70,8 +69,8 @@ struct Arena {
   std::jmp_buf exhausted;
 };
 
-// The parser can neither be told to stop nor that there is no memory: it is left by a jump. All that it holds is in the
-// arena, and there are only its own C functions in between.
+// The parser has no error path for failed allocations, so this leaves it with longjmp(). That is safe: all its memory
+// is in the arena, and only its C functions are on the stack.
 void* allocate(void* userdata, std::size_t size) {
   auto& arena = *static_cast<Arena*>(userdata);
   constexpr auto alignment = alignof(std::max_align_t);
@@ -99,8 +98,7 @@ std::optional<HtmlTree> HtmlTree::parse(std::string_view html) {
   std::string source(html);
   std::erase_if(source, isControl);
   if (!hasFewTags(source)) return std::nullopt;
-  // A few unclosed tags may be repeated in each of many paragraphs. The tree of a text that is nothing but tags takes
-  // half of this.
+  // Unclosed tags may be repeated in every paragraph. A text that consists only of tags needs half of this.
   const auto size = (std::size_t{1} << 20) + 64 * source.size();
   auto memory = std::make_unique_for_overwrite<std::byte[]>(size);
   Arena arena{.next = memory.get(), .end = memory.get() + size, .exhausted = {}};

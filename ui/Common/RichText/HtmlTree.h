@@ -1,4 +1,4 @@
-// HTML text as a tree, within bounds of time, memory and stack.
+// Parses HTML within bounds of time, memory and stack.
 #pragma once
 
 #include <gumbo.h>
@@ -12,11 +12,11 @@ namespace quillon {
 
 class HtmlTree {
  public:
-  // Nothing when the text exceeds a bound: largestHtml, 4096 tags and attributes, or the memory that its tree may take.
+  // nullopt if the text exceeds a limit: largestHtml, 4096 tags and attributes, or the memory for its tree.
   [[nodiscard]] static std::optional<HtmlTree> parse(std::string_view html);
 
-  // The element <html>. The tree may be as deep as it has tags: no way for recursion. Its nodes know nothing of the
-  // text: original_text and the like must not be looked at.
+  // The <html> element. The tree may be as deep as it has tags, so do not recurse. Pointers into the source, such as
+  // original_text, are dangling.
   const GumboNode& root() const { return *root_; }
 
  private:

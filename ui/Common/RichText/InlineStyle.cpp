@@ -10,9 +10,9 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view blanks = " \t\n\f\r";
-// A longer address is no link; each run has a copy.
+// Longer URLs are not links, since every run has a copy.
 constexpr std::size_t longestRunLink = 2048;
-// However often one is small or big within the other.
+// Limits for nested <small> and <big>.
 constexpr double smallestScale = 0.5;
 constexpr double largestScale = 3;
 
@@ -26,7 +26,7 @@ std::string_view attribute(const GumboElement& element, const char* name) {
   return found != nullptr ? found->value : std::string_view();
 }
 
-// Takes off the text up to the separator, and the separator.
+// Removes and returns the text up to the separator; also removes the separator.
 std::string_view taken(std::string_view& text, std::string_view separators) {
   const auto end = std::min(text.find_first_of(separators), text.size());
   const auto piece = text.substr(0, end);
@@ -34,7 +34,7 @@ std::string_view taken(std::string_view& text, std::string_view separators) {
   return piece;
 }
 
-// Calls back with (property, word) for each word of each declaration of an attribute `style`.
+// Calls with (property, word) for each word of each declaration in the `style` attribute.
 template <class Visit>
 void forEachStyleWord(const GumboElement& element, Visit visit) {
   for (auto rest = attribute(element, "style"); !rest.empty();) {
@@ -130,7 +130,7 @@ InlineStyle InlineStyle::within(const GumboElement& element) const {
   InlineStyle style = *this;
   applyTag(style, element);
 
-  // Lines drawn by an element go through all that it contains, which can add others but not take them away.
+  // Descendants can add decoration lines but not remove their ancestors'.
   const auto tag = element.tag;
   bool under = tag == GUMBO_TAG_U || tag == GUMBO_TAG_INS || (tag == GUMBO_TAG_A && !style.link.empty());
   bool through = tag == GUMBO_TAG_S || tag == GUMBO_TAG_STRIKE || tag == GUMBO_TAG_DEL;

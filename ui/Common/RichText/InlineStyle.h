@@ -1,4 +1,4 @@
-// How the text of an element looks.
+// Text styles of HTML elements.
 #pragma once
 
 #include <gumbo.h>
@@ -16,13 +16,13 @@ struct InlineStyle {
   bool strikethrough = false;
   bool preformatted = false;
   double scale = 1;
-  std::string_view link;  // empty: none; lies in the tree
+  std::string_view link;  // empty: none; points into the tree
 
-  // The style of an element within text of this style.
+  // The style of an element inside text of this style.
   [[nodiscard]] InlineStyle within(const GumboElement& element) const;
 };
 
-// Whether the element and all that it contains yield no text.
+// Whether the element and its descendants produce no text.
 [[nodiscard]] bool isHidden(const GumboElement& element);
 
 }  // namespace quillon

@@ -80,7 +80,7 @@ std::optional<int> integerAttribute(const GumboElement& element, const char* nam
   return std::clamp(value, -999'999, 999'999);
 }
 
-// Walks a tree with a stack of its own: depth is up to the source.
+// Traverses the tree with an explicit stack, since its depth is untrusted.
 class Reader {
  public:
   AttributedText textOf(const GumboNode& root) {
@@ -99,15 +99,15 @@ class Reader {
   }
 
  private:
-  // An element that has begun and not ended.
+  // An open element.
   struct Level {
     const GumboElement* element = nullptr;
     Layout layout = Layout::inline_;
     InlineStyle style;
-    unsigned next = 0;           // child
-    std::size_t lists = 0;       // around it, itself included
-    int number = 1;              // numbered list: of its next item
-    bool hasCellBefore = false;  // row
+    unsigned next = 0;           // index of the next child
+    std::size_t lists = 0;       // number of enclosing lists, including this
+    int number = 1;              // of the next item, in a numbered list
+    bool hasCellBefore = false;  // in a row
   };
 
   void visit(const GumboNode& node) {
@@ -125,7 +125,7 @@ class Reader {
     }
   }
 
-  // By value: the parent is in the vector that grows.
+  // `parent` is passed by value, since pushing may reallocate levels_.
   void enter(const GumboElement& element, Level parent) {
     Level level{.element = &element, .layout = layoutOf(element.tag), .style = parent.style.within(element)};
     level.lists = parent.lists;

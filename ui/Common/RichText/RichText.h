@@ -1,4 +1,4 @@
-// Configured HTML snippets as styled text.
+// Converts configured HTML snippets to styled text.
 #pragma once
 
 #include <cstddef>
@@ -10,36 +10,35 @@
 
 namespace quillon {
 
-// A longer text is refused.
+// In bytes; longer texts are rejected.
 inline constexpr std::size_t largestHtml = std::size_t{256} << 10;
 
 struct TextRun {
   enum Font : std::uint8_t { body, bold, italic };
 
-  std::string text;  // valid UTF-8; its only control characters are the line feed and the tab
-  Font font = body;  // a text that is both bold and italic is italic
-  double scale = 1;  // size relative to that of the body text
+  std::string text;  // valid UTF-8 without control characters other than line feed and tab
+  Font font = body;  // text that is bold and italic is italic
+  double scale = 1;  // relative to the body text
   bool underline = false;
   bool strikethrough = false;
-  // As the source has it: whether it may be opened is for the link filter to say.
+  // As in the source; the link filter decides whether it may be opened.
   std::optional<std::string> link = std::nullopt;
 
   bool operator==(const TextRun&) const = default;
 };
 
 struct AttributedText {
-  std::vector<TextRun> runs;  // none is empty, and no two neighbours have the same style
+  std::vector<TextRun> runs;  // not empty; adjacent runs differ in style
 
   bool operator==(const AttributedText&) const = default;
 };
 
-// Reads HTML as a browser does, with all its forgiveness; bytes that are not UTF-8 become U+FFFD. What could make a
-// request or run yields nothing: images, frames, scripts, styles. Blocks, rows and <br> end lines, cells are a tab
-// apart, list items begin with "• " or their number; a line end has the style of the element that brings it. Neither
-// white space nor empty lines remain at either end.
+// Parses HTML as leniently as browsers; invalid UTF-8 becomes U+FFFD. Content that could load or run something is
+// dropped: images, frames, scripts, styles. Blocks, rows and <br> end lines, cells are separated by tabs, list items
+// begin with "• " or their number; a line end has the style of its element. Leading and trailing white space and empty
+// lines are removed.
 //
-// Nothing when the text is larger than largestHtml or made of so many tags that reading it would take long.
-// Thread-safe.
+// nullopt if the text exceeds largestHtml or has so many tags that parsing would take long. Thread-safe.
 [[nodiscard]] std::optional<AttributedText> richTextFromHtml(std::string_view html);
 
 }  // namespace quillon

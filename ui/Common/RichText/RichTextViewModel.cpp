@@ -16,7 +16,7 @@ void RichTextViewModel::setHtml(std::string text) {
       [](RichTextViewModel& model, std::optional<AttributedText> converted) {
         model.attributedString.set(std::move(converted));
       });
-  // Observers may release the model, or set another text: its conversion has replaced this one by then.
+  // Observers may release the model or call setHtml(), whose conversion then has replaced this one.
   const auto self = shared_from_this();
   html.set(std::move(text));
   if (attributedString.get()) attributedString.set(std::nullopt);

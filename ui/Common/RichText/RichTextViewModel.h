@@ -1,4 +1,4 @@
-// An HTML text on a screen.
+// The view model of an HTML text.
 #pragma once
 
 #include <memory>
@@ -11,18 +11,18 @@
 
 namespace quillon {
 
-// For the main queue only.
+// Main queue only.
 class RichTextViewModel : public std::enable_shared_from_this<RichTextViewModel> {
  public:
   static std::shared_ptr<RichTextViewModel> make(std::shared_ptr<ScreenServices> sdk);
   explicit RichTextViewModel(std::shared_ptr<ScreenServices> sdk);  // use make()
 
   Published<std::string> html{""};
-  // Of the present html; nothing until it is converted, and when it cannot be.
+  // The converted `html`; nullopt until converted, or if it cannot be.
   Published<std::optional<AttributedText>> attributedString{std::nullopt};
 
-  // Converts in the background: a snippet takes a tenth of a millisecond, but the longest that is accepted fifteen, and
-  // the most contorted a third of a second. Of several texts only the last one is delivered.
+  // Converts in the background: typically 0.1 ms, 15 ms for the longest accepted text, a third of a second for the most
+  // complex one. Only the latest text is delivered.
   void setHtml(std::string text);
 
  private:

@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-// Without the white space and line ends of Unicode at both ends. Text of nothing else becomes empty.
+// Removes Unicode white space and line ends at both ends.
 [[nodiscard]] AttributedText trimmed(AttributedText text);
 
 }  // namespace quillon

@@ -17,7 +17,7 @@ bool isExcluded(std::string_view character) {
   return character == "\u202d" || character == "\u202e";
 }
 
-// The length of what stands at the beginning before white space, excluded characters and bytes that are not UTF-8.
+// The length of the prefix without white space, excluded characters and invalid UTF-8.
 std::size_t wordLength(std::string_view text) {
   std::size_t length = 0;
   while (length < text.size() && !isSpace(text[length])) {
@@ -49,7 +49,7 @@ void TextFlow::addText(std::string_view text, const InlineStyle& style) {
     } else if (isSpace(text[0])) {
       size = 1;
       addWhiteSpace(text[0], style);
-    } else if (size = utf8Length(text); size == 0) {  // a numeric reference has led to no character
+    } else if (size = utf8Length(text); size == 0) {  // from a numeric reference to an invalid character
       size = 1;
       addWord("\ufffd", style);
     }

@@ -1,4 +1,4 @@
-// Text as HTML lets it flow: white space collapses, and line ends show only between two pieces of text.
+// HTML text flow: collapses white space, and keeps line ends only between texts.
 #pragma once
 
 #include <cstddef>
@@ -14,24 +14,23 @@ namespace quillon {
 
 class TextFlow {
  public:
-  // White space in preformatted text is kept. Control characters are left out, and so are the two that make text read
-  // in another order than it is written whatever its letters are; other directional marks stay. Bytes that are not
-  // UTF-8 become U+FFFD.
+  // Preserves white space in preformatted text. Drops control characters and the two directional overrides (U+202D,
+  // U+202E), which can disguise text; keeps other directional marks. Invalid UTF-8 becomes U+FFFD.
   void addText(std::string_view text, const InlineStyle& style);
   void addLineEnd(const InlineStyle& style);
 
-  // At both ends of a block: the line ends if it has any text.
+  // Called at both ends of a block: ends a non-empty line.
   void endBlock(const InlineStyle& style);
-  // The same for the row of a table, for good: cells of the next one cannot join the line.
+  // Likewise for a table row; later cells cannot join the line.
   void endRow(const InlineStyle& style);
-  // Between two cells of a row.
+  // Called between two cells of a row.
   void addTab(const InlineStyle& style);
 
-  // What stands before the next text, if there is any before endItem().
+  // The marker is inserted before the item's first text, if it has any.
   void beginItem(std::string marker, const InlineStyle& style);
   void endItem() { marker_.reset(); }
 
-  // Without white space at the ends.
+  // The text, trimmed at both ends.
   [[nodiscard]] AttributedText take();
 
  private:
@@ -43,7 +42,7 @@ class TextFlow {
 
   AttributedText text_;
   bool isLineEmpty_ = true;
-  // What will be added before the next text. At most one of the first three.
+  // Pending, inserted before the next text. At most one of the first three is set.
   std::optional<InlineStyle> space_;
   std::optional<InlineStyle> lineEnd_;
   std::optional<std::pair<std::string, InlineStyle>> tabs_;

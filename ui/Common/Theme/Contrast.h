@@ -1,19 +1,19 @@
-// Whether a text can be told from what it stands on.
+// Contrast requirements for legibility.
 #pragma once
 
 #include "quillon/BannerConfig.h"
 
 namespace quillon {
 
-// The ratio of contrast of two colours by their relative luminance, from 1 to 21.
+// The contrast ratio of two colours' relative luminances, from 1 to 21.
 [[nodiscard]] double contrast(const Color& first, const Color& second);
 
-// Text of ordinary size is legible from here on.
+// The minimum for text of ordinary size.
 inline constexpr double legible = 4.5;
-// And a control.
+// The minimum for controls.
 inline constexpr double visible = 3;
 
-// What holds on a screen; more where the user wants high contrast.
+// The minimums for a screen; higher if the user prefers high contrast.
 struct LeastContrast {
   double text = legible;
   double control = visible;

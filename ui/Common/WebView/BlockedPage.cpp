@@ -31,7 +31,7 @@ std::size_t placeOfScript(std::string_view page) {
   }
 }
 
-// Puts a text, which may be any, where the page has its key.
+// Replaces a placeholder by a text, with HTML escaping.
 void fill(std::string& page, std::string_view key, std::string_view text) {
   std::string escaped;
   for (const char c : text) {
@@ -91,7 +91,7 @@ bool BlockedPage::isPage(std::string_view html) const {
   html = html.substr(before_.size(), html.size() - before_.size() - after_.size());
   if (html.size() < 2 || html.front() != '"' || html.back() != '"' || html.contains('<')) return false;
   html = html.substr(1, html.size() - 2);
-  // One text from end to end: every quotation mark, and the end, stand outside an escape.
+  // Must be a single JSON string: no unescaped quotation mark, no escape at the end.
   bool isEscaped = false;
   for (const char c : html) {
     if (c == '"' && !isEscaped) return false;

@@ -1,4 +1,4 @@
-// The page that is shown in place of a refused one.
+// The page shown instead of a refused one.
 #pragma once
 
 #include <optional>
@@ -14,26 +14,25 @@ namespace quillon {
 // Immutable after construction.
 class BlockedPage {
  public:
-  // A page whose scripts find the refused address in the variable BLOCKED_URL, which is set in front of the first
-  // closing head tag; of a page without one, in front of everything.
+  // Inserts a script that defines BLOCKED_URL, the refused address, before the page's first </head>, or else at its
+  // beginning.
   explicit BlockedPage(std::string_view page);
 
-  // Ours, in a language. Its direction is that of its heading.
+  // The built-in page, in a language. Its text direction follows its heading.
   static BlockedPage own(const std::optional<BannerConfig>& banner, std::string_view language);
 
-  // The host application's page of that name, with or without ".html"; nothing when it is missing or not UTF-8, which
-  // is logged. Reads a file.
+  // The host application's page of that name, with or without ".html"; nullopt, and a log entry, if it is missing or
+  // not UTF-8. Reads a file.
   static std::optional<BlockedPage> configured(std::string_view name, const HostApplication& host, const UnitLog& log);
 
-  // The page for an address, which may be any text. Longer ones than any that opens are cut; what is not UTF-8 becomes
-  // U+FFFD.
+  // The page for an untrusted address, which is truncated to the longest valid length; invalid UTF-8 becomes U+FFFD.
   [[nodiscard]] std::string html(std::string_view address) const;
 
-  // Whether a text is the page for some address.
+  // Whether the text is html() of some address.
   [[nodiscard]] bool isPage(std::string_view html) const;
 
  private:
-  std::string before_;  // the address as a script's text
+  std::string before_;  // up to the address, which is a JavaScript string
   std::string after_;
 };
 

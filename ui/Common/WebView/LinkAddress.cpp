@@ -19,7 +19,7 @@ bool isControl(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
 }
 
-// The pieces of an address as they stand in it.
+// The components of a URL, as written.
 struct Pieces {
   boost::urls::scheme scheme = boost::urls::scheme::none;
   bool hasUserName = false;
@@ -29,8 +29,8 @@ struct Pieces {
   std::string_view rest = {};  // path, query and fragment
 };
 
-// Nothing when the grammar does not take it. The grammar knows only ASCII: each byte beyond is judged as the letter "x"
-// would be, which stands for itself everywhere and keeps every position.
+// nullopt if the grammar rejects it. The grammar is ASCII only, so each non-ASCII byte is parsed as "x", which is valid
+// everywhere and preserves offsets.
 std::optional<Pieces> piecesOf(std::string_view address) {
   std::string ascii(address);
   std::ranges::replace_if(ascii, isBeyondAscii, 'x');
@@ -47,7 +47,7 @@ std::optional<Pieces> piecesOf(std::string_view address) {
     pieces.port = pieces.rest.substr(1, url->port().size());
     pieces.rest.remove_prefix(1 + pieces.port->size());
   }
-  // The parser lets letters follow the bracket of an IPv6 address.
+  // The parser accepts letters after the bracket of an IPv6 address.
   if (!pieces.rest.empty() && !std::string_view("/?#").contains(pieces.rest.front())) return std::nullopt;
   return pieces;
 }
@@ -58,7 +58,7 @@ bool isSoundPort(std::string_view port) {
   return port.find_first_not_of(decimalDigits) == std::string_view::npos && std::stoi(std::string(port)) <= 65535;
 }
 
-// The library's own encoding takes no text that has some percent-encoding already.
+// The library's encoder does not accept text that is partly encoded already.
 std::string percentEncoded(std::string_view text, bool (*isEncoded)(char)) {
   std::string result;
   for (const char c : text) {
@@ -72,8 +72,8 @@ std::string percentEncoded(std::string_view text, bool (*isEncoded)(char)) {
   return result;
 }
 
-// Brackets, braces and bars of the path, the query and the fragment have one reading, though the grammar wants them
-// encoded. In a host they mean something, or nothing.
+// Brackets, braces and bars in path, query and fragment are unambiguous, though the grammar requires encoding. In a
+// host they are significant or invalid.
 std::string withEncodedBrackets(std::string_view address) {
   constexpr std::string_view authority = "://";
   const std::size_t begin = std::min(address.find(authority), address.size() - 1) + 1;
@@ -82,7 +82,7 @@ std::string withEncodedBrackets(std::string_view address) {
          percentEncoded(address.substr(rest), [](char c) { return std::string_view("[]{}|").contains(c); });
 }
 
-// Why the grammar does not take it.
+// Why the grammar rejects the URL.
 LinkRefusal refusalOf(std::string_view address) {
   for (std::size_t at = 0; (at = address.find('%', at)) != std::string_view::npos; ++at) {
     const auto digits = address.substr(at + 1, 2);
@@ -92,7 +92,7 @@ LinkRefusal refusalOf(std::string_view address) {
   return LinkRefusal::incomplete;
 }
 
-// Spaces at the ends are forgiven, line breaks and tabs are not.
+// Spaces at the ends are ignored; line breaks and tabs are not.
 std::string_view withoutSpaces(std::string_view text) {
   const auto first = std::min(text.find_first_not_of(' '), text.size());
   return text.substr(first, text.find_last_not_of(' ') + 1 - first);

@@ -1,4 +1,4 @@
-// The address of a link, read strictly.
+// Strict parsing of link URLs.
 #pragma once
 
 #include <cstddef>
@@ -14,18 +14,17 @@ namespace quillon {
 inline constexpr std::size_t longestLink = 8192;  // bytes, before and after normalisation
 
 struct LinkAddress {
-  // Scheme and host in their one form, a path even when none was given, letters beyond ASCII percent-encoded;
-  // everything else as it was. Reading it again yields itself.
+  // Normalized scheme and host, a non-empty path, percent-encoded non-ASCII characters; everything else as written.
+  // Idempotent.
   std::string text;
   LinkHost host;
 };
 
-// A complete http or https address, spaces at its ends aside. The grammar is that of RFC 3986, and of what it leaves
-// open nothing passes that programs read in different ways: no user name, no backslash, no odd host or port.
+// Parses an absolute http or https URL; spaces at the ends are ignored. Follows RFC 3986, and rejects everything that
+// parsers read differently: user names, backslashes, unusual hosts and ports.
 [[nodiscard]] std::expected<LinkAddress, LinkRefusal> parseLink(std::string_view address);
 
-// The host of an address of any scheme, or of one without a scheme ("//example.org"); nothing when there is none or it
-// is unsound.
+// The host of a URL of any scheme, or without one ("//example.org"); nullopt if missing or invalid.
 [[nodiscard]] std::optional<LinkHost> hostIn(std::string_view reference);
 
 }  // namespace quillon

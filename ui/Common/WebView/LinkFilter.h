@@ -1,4 +1,4 @@
-// Which addresses the in-app web view opens.
+// The allow list of the in-app web view.
 #pragma once
 
 #include <cstddef>
@@ -13,20 +13,19 @@
 
 namespace quillon {
 
-// Allows http and https addresses whose host is on a list, or is a sub-domain of a name on it. Refuses whatever it does
-// not understand: see parseLink() and linkHost(). Immutable, so any thread may ask. A question takes time by the length
-// of the address, whatever the size of the list.
+// Allows http and https URLs whose host is listed or a sub-domain of a listed name. Rejects everything that parseLink()
+// and linkHost() reject. Immutable and thread-safe. The time of a test depends on the URL's length, not on the size of
+// the list.
 class LinkFilter {
  public:
   static constexpr std::size_t mostEntries = 10'000;
 
-  // Each entry is a host or an address with one. What is neither allows nothing: empty and blank entries, hosts with a
-  // dot at an end, wildcards ("*.example.org"), parts of addresses ("example.org/path"). An IP address allows itself
-  // only. A name allows its sub-domains whatever it is: "org" allows every host below it. Entries after the first
-  // mostEntries are left out.
+  // Each entry is a host or a URL with one. Other entries allow nothing: empty or blank ones, hosts with a leading or
+  // trailing dot, wildcards ("*.example.org"), incomplete URLs ("example.org/path"). An IP address matches exactly. A
+  // name allows all its sub-domains, even "org". Entries beyond mostEntries are ignored.
   explicit LinkFilter(const std::vector<std::string>& entries);
 
-  // The text to give to a browser, never the original; or why it is refused.
+  // The normalized URL to give to a browser, never the original text; or why it is refused.
   [[nodiscard]] std::expected<std::string, LinkRefusal> test(std::string_view address) const;
 
  private:

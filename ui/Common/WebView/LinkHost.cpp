@@ -27,7 +27,7 @@ bool isAscii(std::string_view text) {
   return std::ranges::none_of(text, [](char c) { return (static_cast<unsigned char>(c) & 0x80) != 0; });
 }
 
-// Of a capital in Latin-1, Latin Extended-A, Greek and Cyrillic; any other character itself.
+// Lower-cases Latin-1, Latin Extended-A, Greek and Cyrillic capitals; returns other characters unchanged.
 unsigned small(unsigned c) {
   const auto within = [c](unsigned first, unsigned last) { return c >= first && c <= last; };
   if ((within(0xC0, 0xDE) && c != 0xD7) || (within(0x391, 0x3A9) && c != 0x3A2) || within(0x410, 0x42F)) {
@@ -39,7 +39,7 @@ unsigned small(unsigned c) {
   return c == 0x178 ? 0xFF : c;
 }
 
-// All those capitals and their small letters are two bytes long.
+// These capitals and their lower-case letters are all two bytes long.
 std::string lowerCased(std::string_view text) {
   std::string result(text);
   for (std::size_t i = 0, length = 0; i < result.size(); i += length) {
@@ -57,7 +57,7 @@ struct Idn2Free {
   void operator()(void* text) const { idn2_free(text); }
 };
 
-// The label as IDNA 2008 encodes it without any mapping.
+// Encodes a label with IDNA 2008, without mapping.
 HostLabel encoded(const std::string& label) {
   if (label.front() == '-' || label.back() == '-') return std::unexpected(LinkRefusal::internationalName);
   std::uint8_t* result = nullptr;
@@ -96,14 +96,14 @@ HostLabel canonicalLabel(std::string_view raw) {
   return label;
 }
 
-// Browsers take a name that ends in such a label for an IPv4 address: octal, hexadecimal or with parts left out.
+// Browsers parse a name whose last label is like this as an IPv4 address: octal, hexadecimal, or with parts omitted.
 bool isNumeric(std::string_view label) {
   constexpr std::string_view digits = "0123456789";
   if (label.find_first_not_of(digits) == std::string_view::npos) return true;
   return label.starts_with("0x") && label.find_first_not_of("0123456789abcdef", 2) == std::string_view::npos;
 }
 
-// As RFC 5952 writes it: the first of the longest runs of two or more zero groups is left out, never a single one.
+// RFC 5952: compresses the first of the longest runs of at least two zero groups.
 std::string canonicalText(const boost::urls::ipv6_address& address) {
   if (address.is_v4_mapped()) return address.to_string();
   constexpr std::size_t groups = 8;

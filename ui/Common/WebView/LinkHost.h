@@ -1,4 +1,4 @@
-// The host of a link in the one form in which hosts are compared.
+// Canonical hosts, for comparison.
 #pragma once
 
 #include <expected>
@@ -10,18 +10,17 @@
 namespace quillon {
 
 struct LinkHost {
-  std::string text;        // a name in lower-case ASCII, IPv4 in decimal, or IPv6 in brackets
-  bool isAddress = false;  // an IP address: it has no sub-domains
+  std::string text;        // lower-case ASCII name, dotted decimal IPv4, or IPv6 in brackets
+  bool isAddress = false;  // an IP address, so without sub-domains
 
   bool operator==(const LinkHost&) const = default;
 };
 
-// Reads a host as it stands in an address. Programs disagree about many odd hosts, and one that is read differently
-// here and by the browser would pass for another: whatever has more than one reading is refused. An international name
-// must be what its encoding stands for, capitals of the Latin, Greek and Cyrillic scripts aside: nothing is mapped
-// (full-width letters, soft hyphens, other full stops), and an encoded label ("xn--...") must be the one that its text
-// is encoded to. Underscores pass, since lists and browsers agree on them; an IPv6 address is written as RFC 5952 has
-// it.
+// Canonicalizes the host of a URL. Rejects every host that parsers interpret differently, since the browser might then
+// read another host than the filter. International names must round-trip through IDNA 2008: only Latin, Greek and
+// Cyrillic capitals are mapped, no full-width letters, soft hyphens or other full stops, and an encoded label
+// ("xn--...") must be the encoding of its text. Underscores are allowed, since all agree on them. IPv6 addresses are
+// written according to RFC 5952.
 [[nodiscard]] std::expected<LinkHost, LinkRefusal> linkHost(std::string_view host);
 
 }  // namespace quillon

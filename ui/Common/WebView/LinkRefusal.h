@@ -1,4 +1,4 @@
-// Why the web view does not open an address.
+// Why the web view refuses a URL.
 #pragma once
 
 #include <string_view>
@@ -28,7 +28,7 @@ enum class LinkRefusal {
   notAllowed,
 };
 
-// In words that continue "it is refused: ".
+// A phrase that continues "it is refused: ".
 [[nodiscard]] std::string_view reason(LinkRefusal refusal) noexcept;
 
 }  // namespace quillon

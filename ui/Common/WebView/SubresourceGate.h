@@ -1,4 +1,4 @@
-// The link filter as the network thread of a browser engine asks it.
+// The link filter for the network thread of a browser engine.
 #pragma once
 
 #include <memory>
@@ -10,17 +10,16 @@
 
 namespace quillon {
 
-// Thread-safe. Shared by a web view model and its surface, so that either may go first.
+// Thread-safe. Shared by a web view model and its surface, which may be destroyed in any order.
 class SubresourceGate {
  public:
-  // Everything is refused until then.
+  // Refuses everything until called.
   void open(std::shared_ptr<const LinkFilter> filter) {
     const std::scoped_lock lock(mutex_);
     filter_ = std::move(filter);
   }
 
-  // Whether a page may fetch the address: the test that pages themselves must pass. What a page brings along within
-  // its own text ("data:") is no fetch.
+  // Whether a page may fetch the URL, by the same test as for pages. "data:" URLs cause no request.
   [[nodiscard]] bool allowsSubresource(std::string_view address) const {
     if (address.starts_with("data:")) return true;
     const auto filter = current();

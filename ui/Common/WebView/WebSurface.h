@@ -1,4 +1,4 @@
-// The browser that a web view shows its pages in: what a toolkit supplies.
+// The interface to a browser engine, implemented by a toolkit.
 #pragma once
 
 #include <functional>
@@ -10,9 +10,9 @@
 
 namespace quillon {
 
-// Learns from the surface what becomes of navigations of the main frame, those that the page or its history begin
-// included. Called on the main queue, from within the surface's own event handling; does not call back into it
-// meanwhile but for title(), address() and runScript().
+// Receives the main frame's navigations, including those started by the page or its history. Called on the main queue
+// from within the surface's event handling; meanwhile it may call only title(), address() and runScript() of the
+// surface.
 class WebNavigationDelegate {
  public:
   virtual ~WebNavigationDelegate() = default;
@@ -20,35 +20,34 @@ class WebNavigationDelegate {
   enum class Policy { allow, cancel };
   enum class Target {
     thisView,
-    newWindow,  // a window that the page wants opened: always cancelled; what may be shown opens in this view instead
+    newWindow,  // a window requested by the page: always cancelled; an allowed URL opens in this view instead
   };
-  // Asked before every navigation and every redirect makes a request; the address is the engine's own text of it. Also
-  // asked when a page given to loadHtml() is loaded, or comes back by way of the history, under the address that the
-  // engine gives it: "data:...,<percent-encoded text>" or "about:blank".
+  // Called before every request of a navigation or redirect, with the engine's spelling of the URL. Also called when a
+  // page from loadHtml() loads or is revisited through the history, with the engine's URL for it:
+  // "data:...,<percent-encoded text>" or "about:blank".
   virtual Policy decidePolicy(std::string_view address, Target target) = 0;
 
   virtual void didStartProvisionalNavigation() = 0;
   virtual void didFinish() = 0;
-  // The error in words, for the log. A navigation that was cancelled is over, but did not fail: the text is empty.
+  // `error` is for the log; empty if the navigation was cancelled.
   virtual void didFail(std::string_view error) = 0;
   virtual void didFailProvisionalNavigation(std::string_view error) = 0;
 };
 
-// For the main queue only. No operation blocks: pages are shown later, and the delegate hears of it. No permission that
-// a page asks for is granted, and nothing is downloaded. Destroying it ends everything it does, without another call.
+// Main queue only. No operation blocks; the delegate reports progress. Denies all permissions that pages request, and
+// all downloads. Destruction cancels everything, without further calls.
 class WebSurface {
  public:
   virtual ~WebSurface() = default;
 
-  // Called once, before anything else. The delegate owns the surface, and its observers may release it: the surface may
-  // be gone when it lets go of the delegate after a report. The gate is asked before every request of a page that is
-  // not a navigation of the main frame (frames, images, scripts, fetches, sockets, prefetches), by whichever thread
-  // makes it; what it does not allow is not requested.
+  // Called once, before anything else. The delegate owns the surface, and its observers may destroy it: after a report
+  // the surface may be gone once it releases the delegate. The gate is consulted on the requesting thread before every
+  // other request of a page (frames, images, scripts, fetches, sockets, prefetches); a refused one is not sent.
   virtual void attach(std::weak_ptr<WebNavigationDelegate> delegate, std::shared_ptr<const SubresourceGate> gate) = 0;
 
-  // An address that has passed the link filter.
+  // A URL that has passed the link filter.
   virtual void load(const std::string& address) = 0;
-  // A whole page in UTF-8, without an address of its own.
+  // A complete UTF-8 page, without a URL of its own.
   virtual void loadHtml(const std::string& html) = 0;
   virtual void reload() = 0;
   virtual void stop() = 0;
@@ -57,14 +56,14 @@ class WebSurface {
   virtual bool canGoBack() const = 0;
   virtual bool canGoForward() const = 0;
 
-  // Of the page on screen. The title is empty when the page has none; the address of a page given to loadHtml() is
-  // anything but http and https.
+  // Of the present page. The title is empty if it has none; the address of a page from loadHtml() is neither http nor
+  // https.
   virtual std::string title() const = 0;
   virtual std::string address() const = 0;
 
-  // Evaluates a script in the page on screen, beyond the reach of the page's own scripts where the engine can. Calls
-  // back later, on the main queue, at most once: with the result when it is a text, else with an empty one; not at all
-  // when the surface is gone.
+  // Evaluates a script in the present page, isolated from the page's own scripts if the engine supports that. Calls
+  // back asynchronously on the main queue, at most once: with the result, or an empty text if it is not a string; never
+  // after the surface's destruction.
   virtual void runScript(const std::string& script, std::function<void(std::string result)> done) = 0;
 };
 

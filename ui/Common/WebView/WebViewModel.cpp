@@ -31,13 +31,13 @@ std::set<std::string> hostsOfLinks(const MainConfiguration& configuration) {
   return hosts;
 }
 
-// Nothing when an escape is none; engines make no such address.
+// Empty for an invalid escape, which engines do not produce.
 std::string percentDecoded(std::string_view text) {
   const auto escaped = boost::urls::make_pct_string_view(text);
   return escaped ? escaped->decode() : std::string();
 }
 
-// What must be read before the first address can be judged.
+// Required before the first URL can be tested.
 struct Gathered {
   std::set<std::string> hosts;
   BlockedPage blockedPage;
@@ -52,7 +52,7 @@ Gathered gather(const ScreenContent& content, ScreenServices& sdk) {
           page ? std::move(*page) : BlockedPage::own(content.banner, languageOfLabels(sdk))};
 }
 
-// What a page calls itself, in a length that a header can take.
+// The page's title, truncated to fit into a header.
 std::string asTitle(std::string_view text) {
   std::string title;
   while (!text.empty()) {
@@ -83,7 +83,7 @@ std::shared_ptr<WebViewModel> WebViewModel::make(std::shared_ptr<ScreenServices>
   return model;
 }
 
-// The application's own entries come first, so that no configuration, however long, takes their place.
+// The application's entries come first, so that a long configuration cannot displace them.
 std::shared_ptr<const LinkFilter> WebViewModel::allowedLinks() const {
   std::vector<std::string> entries(std::begin(vendorDomains), std::end(vendorDomains));
   if (const auto options = sdk_->options()) {
@@ -133,7 +133,7 @@ void WebViewModel::showBlockedPage(std::string_view address) {
 bool WebViewModel::isBlockedPage(std::string_view address) const {
   if (!hasShownBlockedPage_) return false;
   if (isBlockedPageDue_ && address == "about:blank") return true;
-  // A page can make an address like that too; but then it is the same page, and what differs is only the address shown.
+  // A page can navigate to such a URL as well, but then shows the same page with another address in it.
   if (!address.starts_with("data:") || address.size() > longestDataAddress) return false;
   const auto comma = address.find(',');
   return comma != std::string_view::npos && blockedPage_->isPage(percentDecoded(address.substr(comma + 1)));
@@ -149,7 +149,7 @@ WebViewModel::Policy WebViewModel::decidePolicy(std::string_view address, Target
     later([refused = std::string(address)](WebViewModel& self) { self.showBlockedPage(refused); });
     return Policy::cancel;
   }
-  // The engine may write what it was given in a way of its own; asking it again would not change that.
+  // The engine may spell the URL in its own way, which another request would not change.
   if (target == Target::thisView && (*link == address || *link == requested_)) return Policy::allow;
   later([link = *link](WebViewModel& self) { self.open(link); });
   return Policy::cancel;
@@ -162,8 +162,8 @@ void WebViewModel::later(std::move_only_function<void(WebViewModel&)> act) {
   });
 }
 
-// Observers of what is published below may begin another navigation. When they release the model, the surface that
-// reports still holds it.
+// Observers of the properties set below may start another navigation, or release the model, which the reporting surface
+// keeps alive.
 
 void WebViewModel::didStartProvisionalNavigation() {
   isLoading.set(true);

@@ -1,4 +1,4 @@
-// The in-app web view: shows pages of allowed hosts, and for any other address a page that says so.
+// The view model of the in-app web view, which shows pages of allowed hosts, and a substitute page for all others.
 #pragma once
 
 #include <cstdint>
@@ -18,20 +18,19 @@
 
 namespace quillon {
 
-// For the main queue only. Lives as long as the sheet that shows it and releases the browser with it. Besides the
-// application's allowed domains the hosts of its servers, of the vendor and of all links in the configuration are
-// allowed; the latter are gathered once, in the background, when the model is made, together with the page for refused
-// addresses.
+// Main queue only. Lives as long as its sheet, and owns the browser. Allows the application's allowed domains, and the
+// hosts of its servers, of the vendor and of all links in the configuration. The latter are collected once on
+// construction, in the background, together with the page for refused addresses.
 class WebViewModel : public WebNavigationDelegate, public std::enable_shared_from_this<WebViewModel> {
  public:
-  // Without a browser every link opens nowhere, which is logged.
+  // Without a browser no link opens, which is logged.
   static std::shared_ptr<WebViewModel> make(std::shared_ptr<ScreenServices> sdk, std::unique_ptr<WebSurface> surface);
 
   Published<bool> isLoading{false};  // a navigation is in progress
   Published<std::string> pageTitle{std::string()};
   Published<bool> isBlockedPageShowing{false};
 
-  // Opens an address as soon as the allowed hosts are known. A later call takes the place of an earlier one.
+  // Opens a URL once the allowed hosts are known; replaces an earlier request.
   void loadURL(std::string urlString);
   void refresh();
   void stop();
@@ -40,7 +39,7 @@ class WebViewModel : public WebNavigationDelegate, public std::enable_shared_fro
   bool canGoBack() const { return webView_ && webView_->canGoBack(); }
   bool canGoForward() const { return webView_ && webView_->canGoForward(); }
 
-  // The browser surface, for the view that shows it; may be null.
+  // For the view that displays it; may be null.
   WebSurface* webView() const { return webView_.get(); }
 
   Policy decidePolicy(std::string_view address, Target target) override;
@@ -56,7 +55,7 @@ class WebViewModel : public WebNavigationDelegate, public std::enable_shared_fro
   void open(const std::string& link);
   void showBlockedPage(std::string_view address);
   bool isBlockedPage(std::string_view address) const;
-  // Runs a function of the model later, unless another navigation has begun or the model is gone by then.
+  // Runs a function on the main queue, unless another navigation has started or the model is gone.
   void later(std::move_only_function<void(WebViewModel&)> act);
   void takeTitle();
   void navigationEnded();
@@ -66,14 +65,14 @@ class WebViewModel : public WebNavigationDelegate, public std::enable_shared_fro
   const std::shared_ptr<SubresourceGate> gate_ = std::make_shared<SubresourceGate>();
   const std::unique_ptr<WebSurface> webView_;
   std::optional<LoadTask> cdnHostsTask_;
-  std::optional<std::set<std::string>> cachedCdnHosts_;  // of the links in the configuration; nothing until known
-  std::optional<std::string> waiting_;                   // the address to open then
-  std::shared_ptr<const LinkFilter> filter_;             // of the address opened last; null until then
-  std::optional<BlockedPage> blockedPage_;               // known together with the hosts
-  bool hasShownBlockedPage_ = false;                     // so that it is somewhere in the browser's history
-  bool isBlockedPageDue_ = false;                        // it was given to the browser and has not arrived
-  std::string requested_;                                // the address given to the browser last
-  std::uint64_t navigation_ = 0;                         // number of the newest one
+  std::optional<std::set<std::string>> cachedCdnHosts_;  // of links in the configuration; nullopt until known
+  std::optional<std::string> waiting_;                   // the URL to open once they are known
+  std::shared_ptr<const LinkFilter> filter_;             // used for the latest URL; null before
+  std::optional<BlockedPage> blockedPage_;               // set together with the hosts
+  bool hasShownBlockedPage_ = false;                     // it may be in the browser's history
+  bool isBlockedPageDue_ = false;                        // given to the browser, not shown yet
+  std::string requested_;                                // the URL last given to the browser
+  std::uint64_t navigation_ = 0;                         // sequence number of the latest navigation
 };
 
 }  // namespace quillon

@@ -14,11 +14,11 @@ constexpr std::size_t largestText = std::size_t{1} << 20;
 
 const RE2& linkPattern() {
   static const RE2 pattern = [] {
-    RE2::Options options(RE2::Latin1);  // the text is taken byte by byte: it may be unsound in other places
+    RE2::Options options(RE2::Latin1);  // byte-wise: the text need not be valid UTF-8
     options.set_case_sensitive(false);
     return RE2("href=[\"']([^\"']+)[\"']", options);
   }();
-  if (!pattern.ok()) std::abort();  // it has written why to standard error
+  if (!pattern.ok()) std::abort();  // the error has been written to standard error
   return pattern;
 }
 

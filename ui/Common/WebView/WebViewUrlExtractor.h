@@ -1,4 +1,4 @@
-// The hosts that an HTML text links to.
+// Extracts the hosts of links in HTML.
 #pragma once
 
 #include <set>
@@ -9,8 +9,7 @@ namespace quillon {
 
 class WebViewUrlExtractor {
  public:
-  // In lower case. Links that are no URL or name no host are left out, and so is all of a text larger than 1 MiB.
-  // Thread-safe.
+  // In lower case. Ignores links that are not URLs or have no host, and texts larger than 1 MiB. Thread-safe.
   [[nodiscard]] static std::set<std::string> extractHosts(std::string_view html);
 };
 

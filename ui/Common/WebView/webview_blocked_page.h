@@ -1,5 +1,5 @@
-// The library's own page for refused addresses, from webview_blocked_page.html. Labels take the places of their keys:
-// "{{page_blocked}}"; and the language that of "{{language}}".
+// The built-in page for refused addresses, from webview_blocked_page.html. Placeholders such as "{{page_blocked}}" and
+// "{{language}}" are replaced by labels and the language.
 #pragma once
 
 #include <string_view>

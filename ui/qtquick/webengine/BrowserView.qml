@@ -3,7 +3,7 @@ import QtWebEngine
 import Quillon.Consent
 import Quillon.Consent.WebEngine
 
-// A browser that pages get nothing from but to be shown: no window, dialog, file, permission or place to keep anything.
+// A browser that only displays pages: no windows, dialogs, files, permissions or storage.
 WebEngineView {
     id: view
 
@@ -24,20 +24,20 @@ WebEngineView {
         spellCheckEnabled: false
         onDownloadRequested: download => download.cancel()
     }
-    // What pages cannot see or say.
+    // Pages can neither see nor forge it.
     readonly property string shownMessage: "shown " + Math.random()
 
-    // Qt 6.4 reads "runOnSubframes" here, whatever its pages say; later ones the other name.
+    // Qt 6.4 uses "runOnSubframes" here, contrary to its documentation; later versions use the other name.
     Component.onCompleted: userScripts.collection = [ // qmllint disable
         {
-            // The engine takes the end of a refused navigation for that of the next one; this one is sure.
+            // The engine confuses the end of a refused navigation with that of the next one; this event is reliable.
             name: "shown",
             sourceCode: "addEventListener('pageshow', () => console.info('" + shownMessage + "'))",
             injectionPoint: WebEngineScript.DocumentCreation,
             worldId: WebEngineScript.ApplicationWorld
         },
         {
-            // Connections of WebRTC pass by every filter.
+            // WebRTC connections bypass all filters.
             name: "withheld",
             sourceCode: "delete window.RTCPeerConnection; delete window.webkitRTCPeerConnection; delete window.WebTransport",
             injectionPoint: WebEngineScript.DocumentCreation,
@@ -46,7 +46,7 @@ WebEngineView {
             runsOnSubFrames: true
         },
         {
-            // What the header Sec-GPC says, for scripts.
+            // The scripting counterpart of the Sec-GPC header.
             name: "globalPrivacyControl",
             sourceCode: "Object.defineProperty(Navigator.prototype, 'globalPrivacyControl', {get: () => true, enumerable: true, configurable: false})",
             injectionPoint: WebEngineScript.DocumentCreation,
@@ -55,7 +55,7 @@ WebEngineView {
             runsOnSubFrames: true
         },
         {
-            // Our own page knows no desktop but this one; the engine looks at another.
+            // Tells our own page the theme in use here; the engine may follow another one.
             name: "surroundings",
             sourceCode: "if (location.protocol === 'data:') addEventListener('DOMContentLoaded', () => "
                 + "document.documentElement.dataset.surroundings = '" + (Style.isDark ? "dark" : "light") + "')",
@@ -73,7 +73,7 @@ WebEngineView {
         localContentCanAccessRemoteUrls: false
         allowRunningInsecureContent: false
         allowGeolocationOnInsecureOrigins: false
-        // Asked about, and refused, like any other address.
+        // Tested, and refused, like any other URL.
         unknownUrlSchemePolicy: WebEngineSettings.AllowUnknownUrlSchemesFromUserInteraction
         pluginsEnabled: false
         pdfViewerEnabled: false
@@ -86,12 +86,12 @@ WebEngineView {
         touchIconsEnabled: false
         navigateOnDropEnabled: false
         playbackRequiresUserGesture: true
-        // A navigation that fails leaves the page before it.
+        // After a failed navigation the previous page stays.
         errorPageEnabled: false
         focusOnNavigationEnabled: false
     }
 
-    // The linter does not see the base class.
+    // The linter does not resolve the base class.
     onUrlChanged: surface.changed() // qmllint disable
     onLoadProgressChanged: surface.changed() // qmllint disable
     onCanGoBackChanged: surface.changed() // qmllint disable
@@ -103,7 +103,7 @@ WebEngineView {
         else
             request.reject()
     }
-    // Never opened: what may be shown is shown here.
+    // Never opens a window: an allowed URL opens in this view.
     onNewWindowRequested: request => surface.windowWanted(request.requestedUrl)
     onLoadingChanged: info => {
         const aborted = -3
@@ -133,7 +133,7 @@ WebEngineView {
     }
     onJavaScriptDialogRequested: request => {
         request.accepted = true
-        // A page may not keep the user from leaving it.
+        // Pages must not prevent the user from leaving.
         if (request.type === JavaScriptDialogRequest.DialogTypeBeforeUnload)
             request.dialogAccept()
         else

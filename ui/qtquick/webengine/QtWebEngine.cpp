@@ -10,8 +10,7 @@
 namespace quillon {
 namespace {
 
-// Web transports and the connections of WebRTC reach the network past every question that the engine asks. It reads its
-// switches when it starts.
+// WebTransport and WebRTC bypass the engine's request filters. The engine reads its switches on start.
 void closeSideDoors() {
   constexpr const char* variable = "QTWEBENGINE_CHROMIUM_FLAGS";
   constexpr const char* switches =
@@ -19,7 +18,7 @@ void closeSideDoors() {
   if (const QByteArray present = qgetenv(variable); !present.contains(switches)) qputenv(variable, present + switches);
 }
 
-// The last engine that was seen to obey the switch for WebTransport.
+// The last engine version known to honour the switch for WebTransport.
 bool canBeClosed() {
   constexpr int lastClosed = 102;
   return QByteArray(qWebEngineChromiumVersion()).split('.').constFirst().toInt() <= lastClosed;

@@ -1,4 +1,4 @@
-// Asks the link filter before a request leaves.
+// Applies the link filter to all requests.
 #pragma once
 
 #include <QWebEngineUrlRequestInterceptor>
@@ -8,8 +8,8 @@
 
 namespace quillon {
 
-// Sees every request of a profile, redirects included, those of pages, frames and workers. What the gate does not allow
-// is not made: so web sockets are refused altogether.
+// Sees every request of a profile, including redirects and those of frames and workers. Requests that the gate does not
+// allow are blocked; web sockets always are.
 class RequestInterceptor : public QWebEngineUrlRequestInterceptor {
  public:
   explicit RequestInterceptor(std::shared_ptr<const SubresourceGate> gate, QObject* parent)

@@ -6,7 +6,7 @@
 
 #include "ui/qtquick/webengine/RequestInterceptor.h"
 
-// Of the QML module, made by the build. In a static library they must be named to be linked.
+// Generated for the QML module. A static library's initialisers must be referenced to be linked.
 void qml_register_types_Quillon_Consent_WebEngine();
 
 namespace quillon {
@@ -63,7 +63,7 @@ void WebEngineSurface::invoke(const char* method) {
 
 std::string WebEngineSurface::title() const {
   const QString title = get("title").toString();
-  // The engine calls a page without a title by its address, shortened.
+  // The engine uses a shortened URL as the title of a page without one.
   const bool isAddress = QUrl::fromUserInput(title).matches(get("url").toUrl(), QUrl::StripTrailingSlash);
   return isAddress ? std::string() : title.toStdString();
 }
@@ -92,7 +92,7 @@ bool WebEngineSurface::allowsNavigation(const QUrl& address, bool isMainFrame) {
     return delegate->decidePolicy(textOf(address), WebNavigationDelegate::Target::thisView) ==
            WebNavigationDelegate::Policy::allow;
   }
-  // What frames request is the interceptor's to refuse: refused here, a redirect would leave the page loading for ever.
+  // The interceptor refuses requests of frames; refusing a redirect here would leave the page loading forever.
   static const QStringList fetched{"http", "https", "about", "data", "blob"};
   return fetched.contains(address.scheme());
 }

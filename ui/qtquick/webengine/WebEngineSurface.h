@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-// The engine starts with the first page that is loaded. Every surface has a profile of its own, which keeps nothing.
+// The engine starts with the first page. Each surface has its own profile, which stores nothing.
 class WebEngineSurface : public QuickWebSurface {
   Q_OBJECT
   QML_ELEMENT
@@ -38,7 +38,7 @@ class WebEngineSurface : public QuickWebSurface {
   QQuickItem* item() const override { return view_; }
   double progress() const override { return get("loadProgress").toInt() / 100.0; }
 
-  // What becomes of a page, from BrowserView.qml.
+  // Called by BrowserView.qml.
   Q_INVOKABLE bool allowsNavigation(const QUrl& address, bool isMainFrame);
   Q_INVOKABLE void windowWanted(const QUrl& address);
   Q_INVOKABLE void navigationStarted();
@@ -51,15 +51,14 @@ class WebEngineSurface : public QuickWebSurface {
   QQuickItem* view();
   QVariant get(const char* property) const { return view_ ? view_->property(property) : QVariant(); }
   void invoke(const char* method);
-  // In a turn of the main loop of its own: the delegate may release the surface, which must not happen while the engine
-  // emits a signal.
+  // Notifies asynchronously, since the delegate may destroy the surface, which must not happen during an engine signal.
   void tell(std::function<void(WebNavigationDelegate&)> news);
 
   QQmlEngine& engine_;
   std::weak_ptr<WebNavigationDelegate> delegate_;
   std::shared_ptr<const SubresourceGate> gate_;
   QPointer<QQuickItem> view_;
-  std::map<int, std::function<void(std::string)>> scripts_;  // that have not ended
+  std::map<int, std::function<void(std::string)>> scripts_;  // running
   int lastScript_ = 0;
 };
 
