@@ -36,7 +36,6 @@ Server serverOf(const HttpRequest& request) {
 struct Servers::Exchange {
   int owner;
   Server server;
-  int session;
   HttpRequest request;
   HttpSession::Completion completion;
   std::optional<RequestFault> fault;
@@ -105,14 +104,12 @@ void Servers::send(int owner, HttpRequest request, std::stop_token stop, HttpSes
   const auto exchange = std::make_shared<Exchange>();
   exchange->owner = owner;
   exchange->server = serverOf(request);
-  exchange->session = sessions_[owner];
   exchange->request = std::move(request);
   exchange->completion = std::move(completion);
-  const bool isTwice =
-      exchange->server == Server::configuration && std::ranges::any_of(underWay_, [&](const Pointer& other) {
-        return other->owner == owner && other->session == exchange->session &&
-               other->request.url == exchange->request.url;
-      });
+  const bool isTwice = exchange->server == Server::configuration && sessions_[owner] == 1 &&
+                       std::ranges::any_of(underWay_, [&](const Pointer& other) {
+                         return other->owner == owner && other->request.url == exchange->request.url;
+                       });
   underWay_.push_back(exchange);
   events_.asked(owner, exchange->server, isTwice);
   if (exchange->server == Server::uploads) {

@@ -49,7 +49,7 @@ class Servers {
  public:
   // Called synchronously; `owner` sent the request.
   struct Events {
-    // `isTwice`: the same session waits for that document already.
+    // `isTwice`: the session waits for that document already.
     std::function<void(int owner, Server server, bool isTwice)> asked;
     std::function<void(int owner, const Upload& upload)> uploadSent;
     std::function<void(const Upload& upload)> uploadTaken;
@@ -70,7 +70,7 @@ class Servers {
   void setReachable(bool isReachable) { isReachable_ = isReachable; }
   void fail(Server server, RequestFault fault);
   void heal();
-  // The process sets up the SDK, which may ask for the same document as before.
+  // The process sets up the SDK. A download of its former session may ask for the same document once more.
   void beginSession(int owner) { ++sessions_[owner]; }
 
   // The network service of a process.
