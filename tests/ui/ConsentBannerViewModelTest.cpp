@@ -172,17 +172,17 @@ TEST_F(Banner, DefaultsNeverReplaceADecisionNorAnswerAReconsent) {
 
 TEST_F(Banner, OnlyTheCloseButtonOfThePromptIsRemembered) {
   open();
-  const auto shown = [&] { return world.stored().boolean(key::hasShownSettingsPrompt); };
-  onMain([&] {
-    SettingsPromptViewModel prompt(model, VantariKey::cameraUsageDescription);
-    prompt.openSettings();
-    prompt.notNow();
-  });
-  EXPECT_EQ(presenter->take(), (Strings{"settings", "dismiss", "dismiss"}));
-  EXPECT_FALSE(shown());
-  onMain([&] { SettingsPromptViewModel(model, VantariKey::cameraUsageDescription).close(); });
-  EXPECT_EQ(presenter->take(), Strings{"dismiss"});
-  EXPECT_TRUE(shown());
+  using Prompt = SettingsPromptViewModel;
+  for (const auto& [tap, shown] : {std::pair(&Prompt::openSettings, Strings{"settings", "dismiss"}),
+                                   {&Prompt::notNow, {"dismiss"}},
+                                   {&Prompt::close, {"dismiss"}}}) {
+    onMain([&] {
+      Prompt prompt(model, VantariKey::cameraUsageDescription);
+      (prompt.*tap)();
+    });
+    EXPECT_EQ(presenter->take(), shown);
+    EXPECT_EQ(world.stored().boolean(key::hasShownSettingsPrompt), tap == &Prompt::close);
+  }
 }
 
 }  // namespace

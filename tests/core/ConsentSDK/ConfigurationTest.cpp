@@ -1,9 +1,11 @@
 // Which document serves, from which address, and for how long.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/memory/FailingFileSystem.h"
 #include "platform/memory/FixedHostApplication.h"
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"
@@ -95,6 +97,23 @@ TEST_F(Configuration, UnchangedCostsNoBodyAndIsNotBelievedWithoutThatDocument) {
   EXPECT_EQ(version(), 6);
 }
 
+TEST_F(Configuration, ThatCannotBeSavedLeavesTheEarlierFile) {
+  std::atomic<bool> full = false;
+  world.amend = [&](Platform& platform) {
+    platform.files = std::make_shared<FailingFileSystem>(
+        platform.files, [&](std::string_view change) { return full && change == "write"; });
+  };
+  world.start();
+  const std::string earlier = fileBytes(world.file());
+  full = true;
+  world.server.serve(versioned(6));
+  world.startLater();
+  EXPECT_EQ(fileBytes(world.file()), earlier);
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
+  EXPECT_TRUE(contains(world.log(), "[ERROR]Error saving CDN: the disk is broken"));
+  EXPECT_TRUE(contains(world.log(), "Backup restored to original: " + world.file().string()));
+}
+
 TEST_F(Configuration, BundledServesUntilTheFirstDownloadAndIsCheckedLikeOne) {
   FixedHostApplication::Texts resources{{"consent.json", versioned(5)}, {"consent_de.json", R"({"version":"8"})"}};
   world.amend = [&](Platform& platform) {
@@ -159,19 +178,16 @@ TEST_F(Configuration, LocationIsAskedForWhenItMattersAndRememberedForAnHour) {
 
 TEST_F(Configuration, LocationThatIsLongInComingIsNotWaitedForAndAppliedOnceItIsThere) {
   world.server.serve(configurationOfTwoLaws("US"));
-  std::promise<void> released;
-  world.server.onLocation([gate = released.get_future().share()](const auto& request, auto& response) {
-    gate.wait();
-    located(R"({"en":"US"})")(request, response);
-  });
+  const HeldAnswers held;
+  world.server.onLocation(held.before(located(R"({"en":"US"})")));
   options.locationCode.reset();
   world.restart();
   world.sdk->setup(options);
-  ASSERT_TRUE(world.server.waitFor(locationPath, 1));
+  held.waitForOne();
   while (world.sdk->getStatus() != SDKStatus::ready) world.clock->advance(100ms);
   EXPECT_EQ(world.text(key::currentComplianceType), "opt-in") << "the default's";
   EXPECT_TRUE(world.stored().date(key::locationFailedTimestamp));
-  released.set_value();
+  held.release();
   world.sdk->settled().wait();
   EXPECT_EQ(world.text(key::currentComplianceType), "opt-out");
   EXPECT_FALSE(world.stored().date(key::locationFailedTimestamp));
@@ -180,21 +196,18 @@ TEST_F(Configuration, LocationThatIsLongInComingIsNotWaitedForAndAppliedOnceItIs
 
 TEST_F(Configuration, ThatIsLongInComingIsNotWaitedForBeyondWhatIsWanted) {
   world.start();
-  std::promise<void> released;
-  world.server.onConfiguration([gate = released.get_future().share()](const auto& request, auto& response) {
-    gate.wait();
-    json(versioned(6))(request, response);
-  });
+  const HeldAnswers held;
+  world.server.onConfiguration(held.before(json(versioned(6))));
   world.advance(2h);
   world.restart();
   options.readyWithin = 500ms;
   world.sdk->setup(options);
-  ASSERT_TRUE(world.server.waitFor(configurationPath, 2));
+  held.waitForOne();
   world.clock->advance(499ms);
   EXPECT_EQ(world.sdk->getStatus(), SDKStatus::fetching);
   while (world.sdk->getStatus() != SDKStatus::ready) world.clock->advance(1ms);
   EXPECT_EQ(version(), 5) << "the cached one serves";
-  released.set_value();
+  held.release();
   world.sdk->settled().wait();
   EXPECT_EQ(version(), 6);
 }

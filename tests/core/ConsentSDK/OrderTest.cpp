@@ -32,7 +32,8 @@ TEST(Order, OfTwoCallsTheLaterOneHolds) {
 TEST(Order, ADecisionThatReturnsToWhatItWasIsSentAllTheSame) {
   World world;
   world.start();
-  HeldUploads held(world.server);
+  const HeldAnswers held;
+  world.server.onUpload(held.before(json(saved)));
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
   auto first = world.sdk->uploadPendingConsents();
   held.waitForOne();
@@ -54,7 +55,8 @@ TEST(Order, OneProcessUploadsAtATimeAndTheLatestDecisionEndsAtTheServer) {
   ConsentSDK other(world.process());
   other.setup(world.options());
   other.settled().wait();
-  HeldUploads held(world.server);
+  const HeldAnswers held;
+  world.server.onUpload(held.before(json(saved)));
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
   auto slow = world.sdk->uploadPendingConsents();
   held.waitForOne();

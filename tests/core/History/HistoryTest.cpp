@@ -111,7 +111,8 @@ TEST_F(History, FollowsTheUploads) {
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
   ASSERT_TRUE(world.sdk->set({.purposeId = 77}, granted));
-  HeldUploads held(world.server);
+  const HeldAnswers held;
+  world.server.onUpload(held.before(json(saved)));
   auto upload = world.sdk->uploadPendingConsents();
   held.waitForOne();
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
@@ -124,10 +125,11 @@ TEST_F(History, FollowsTheUploads) {
 
 TEST_F(History, HoldsNoDecisionThatWasNotStoredAndNoTextOfAnyLength) {
   const std::string endless(10'000, 'p');
-  world.server.serve(configurationWith({{"permissions", {{{"permission_id", endless}}}}}));
+  world.server.serve(configurationWith(
+      {{"permissions", {{{"permission_id", endless}}, {{"permission_id", "NSCameraUsageDescription"}}}}}));
   world.start();
   EXPECT_FALSE(world.sdk->set({.permissionId = VantariKey(endless)}, granted));
-  EXPECT_EQ(listed(), Lines());
+  EXPECT_EQ(listed(), Lines{"1 Camera >granted device pending"});
 }
 
 }  // namespace
