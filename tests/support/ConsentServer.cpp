@@ -1,7 +1,6 @@
 #include "tests/support/ConsentServer.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace quillon::test {
 
@@ -47,7 +46,6 @@ void ConsentServer::answer(const Handler& place, const httplib::Request& request
     seen_.push_back({request.method, request.path, request.headers, request.body});
     handler = place;
   }
-  arrived_.notify_all();
   handler(request, response);
 }
 
@@ -72,15 +70,6 @@ std::vector<ConsentServer::Seen> ConsentServer::seen(std::string_view pathPart) 
   std::ranges::copy_if(seen_, std::back_inserter(matching),
                        [&](const Seen& request) { return request.path.find(pathPart) != std::string::npos; });
   return matching;
-}
-
-bool ConsentServer::waitFor(std::string_view pathPart, std::size_t count) const {
-  std::unique_lock lock(mutex_);
-  return arrived_.wait_for(lock, std::chrono::seconds(10), [&] {
-    return std::ranges::count_if(seen_, [&](const Seen& request) {
-             return request.path.find(pathPart) != std::string::npos;
-           }) >= static_cast<std::ptrdiff_t>(count);
-  });
 }
 
 ConsentServer::Handler located(const std::string& country, const std::string& state) {

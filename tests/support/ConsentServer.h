@@ -45,15 +45,12 @@ class ConsentServer {
   std::vector<Seen> seen() const;
   // The requests whose path contains the text.
   std::vector<Seen> seen(std::string_view pathPart) const;
-  // Waits until `count` such requests have arrived; false after ten seconds.
-  bool waitFor(std::string_view pathPart, std::size_t count) const;
 
  private:
   void set(Handler& place, Handler handler);
   void answer(const Handler& place, const httplib::Request& request, httplib::Response& response);
 
   mutable std::mutex mutex_;
-  mutable std::condition_variable arrived_;
   Handler configuration_;
   Handler location_;
   Handler upload_;
@@ -74,16 +71,16 @@ ConsentServer::Handler located(const std::string& country, const std::string& st
 // The response that accepts an upload.
 inline constexpr const char* saved = R"({"status":0,"message":"saved"})";
 
-// Holds uploads until they are released, then accepts them.
-class HeldUploads {
+// Holds answers until they are released.
+class HeldAnswers {
  public:
-  explicit HeldUploads(ConsentServer& server) {
-    server.onUpload([flags = flags_](const auto& request, auto& response) {
+  ConsentServer::Handler before(ConsentServer::Handler answer) const {
+    return [flags = flags_, answer = std::move(answer)](const auto& request, auto& response) {
       flags->arrived.test_and_set();
       flags->arrived.notify_all();
       flags->released.wait(false);
-      json(saved)(request, response);
-    });
+      answer(request, response);
+    };
   }
   void waitForOne() const { flags_->arrived.wait(false); }
   void release() const {
@@ -95,7 +92,7 @@ class HeldUploads {
   struct Flags {
     std::atomic_flag arrived, released;
   };
-  std::shared_ptr<Flags> flags_ = std::make_shared<Flags>();
+  const std::shared_ptr<Flags> flags_ = std::make_shared<Flags>();
 };
 
 }  // namespace quillon::test

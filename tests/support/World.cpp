@@ -43,6 +43,18 @@ boost::json::object validConfiguration() {
       .as_object();
 }
 
+boost::json::object configurationWith(const boost::json::object& changes) {
+  auto configuration = validConfiguration();
+  for (const auto& [name, value] : changes) configuration[name] = value;
+  return configuration;
+}
+
+boost::json::array purposesOf(std::initializer_list<std::int64_t> ids) {
+  boost::json::array list;
+  for (const auto id : ids) list.push_back(boost::json::object{{"purpose_id", id}, {"disable_opt_out", id == 2}});
+  return list;
+}
+
 boost::json::object& bannerOf(boost::json::object& configuration) {
   return configuration["banner_config"].as_object()["categories"].as_object()["eu"].as_object();
 }

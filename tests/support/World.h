@@ -1,6 +1,7 @@
 // A device with one application: real store, files, threads and HTTP; time and the device's answers are controlled.
 #pragma once
 
+#include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 #include <memory>
 #include <optional>
@@ -22,6 +23,10 @@ namespace quillon::test {
 // A valid configuration with three purposes (2 is essential, 3 is bound to app tracking) and two permissions; opt-in,
 // 12 months. Tests change only what they are about.
 boost::json::object validConfiguration();
+// As above, with these members in place of its own.
+boost::json::object configurationWith(const boost::json::object& changes);
+// A list of purposes of which nothing else is said: 2 is essential.
+boost::json::array purposesOf(std::initializer_list<std::int64_t> ids);
 boost::json::object& bannerOf(boost::json::object& configuration);
 // As above, with a second, opt-out banner for `place`.
 boost::json::object configurationOfTwoLaws(std::string_view place);

@@ -1,14 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <chrono>
+#include "tests/support/OnDevice.h"
 
-#include "quillon/Testing.h"
-
-namespace quillon::testing {
+namespace quillon::test {
 namespace {
 
 using namespace std::chrono_literals;
+using quillon::testing::Request;
+using quillon::testing::Response;
 
 // Two banners: California's is opt-out, every other one opt-in.
 constexpr const char* configuration = R"({
@@ -16,61 +15,42 @@ constexpr const char* configuration = R"({
   "purposes": [{"purpose_id": 1, "purpose_name": {"en": "Statistics"}}],
   "permissions": [{"permission_id": "NSCameraUsageDescription"}],
   "banner_config": {
-    "categories": {"strict": {"compliance_type": "opt-in", "banner_reappearance_time": "12 month"},
-                   "lax": {"compliance_type": "opt-out", "banner_reappearance_time": "12 month"}},
+    "categories": {"strict": {"compliance_type": "opt-in"}, "lax": {"compliance_type": "opt-out"}},
     "names_map": {}, "locations": {"default": "strict", "US#CA": "lax"}
   },
-  "is_gcm_enabled": true,
-  "gcm_config": {"default_mapping": {"analytics_storage": [1], "ad_storage": [], "ad_user_data": [],
-                                     "ad_personalization": []}}
+  "is_gcm_enabled": true, "gcm_config": {"default_mapping": {"analytics_storage": [1]}}
 })";
 
-class DeviceTest : public ::testing::Test {
- protected:
-  void start() {
-    sdk.reset();
-    sdk = device.launch();
-    sdk->setup(device.options());
-    device.settle();
-  }
+struct DeviceTest : ::testing::Test, OnDevice {
+  DeviceTest() { device.publish(configuration); }
+
   bool accept() {
     bool isStored = false;
     sdk->acceptOrReject(true, [&](bool stored) { isStored = stored; });
     device.settle();
     return isStored;
   }
-  Device device;
-  std::unique_ptr<ConsentSDK> sdk;
 };
 
 TEST_F(DeviceTest, LocationAndLanguageReachTheServersAndChooseTheBanner) {
-  device.publish(configuration);
   device.setLocation("US", "CA");
   device.setLanguages({"de-AT"});
-  start();
-  const auto banner = sdk->getBannerConfig().get();
-  ASSERT_TRUE(banner);
-  EXPECT_EQ(banner->complianceType, ComplianceType::optOut);
-  EXPECT_TRUE(std::ranges::any_of(device.requests(),
-                                  [](const Request& request) { return request.url.ends_with("/config_de.json"); }));
+  launch();
+  EXPECT_EQ(sdk->getBannerConfig().get().value().complianceType, ComplianceType::optOut);
+  EXPECT_EQ(asked("/config_de.json"), 1u);
 }
 
-TEST_F(DeviceTest, WithoutAConfigurationTheSDKIsUnavailableUntilOneIsPublished) {
-  start();
-  EXPECT_EQ(sdk->getStatus(), SDKStatus::unavailable);
-  device.publish(configuration);
-  start();
-  EXPECT_EQ(sdk->getStatus(), SDKStatus::ready);
-}
-
-TEST_F(DeviceTest, ScriptedFaultsComeBeforeTheDevicesOwnAnswers) {
-  device.publish(configuration);
+TEST_F(DeviceTest, ScriptedFaultsComeBeforeTheDevicesOwnAnswersAndAFullDiskKeepsNothing) {
   int left = 2;
   device.answer([&](const Request& request) -> std::optional<Response> {
     if (request.method != "POST" || left-- <= 0) return std::nullopt;
     return Response{.status = 503};
   });
-  start();
+  launch();
+  device.setDiskFull(true);
+  EXPECT_FALSE(accept());
+  EXPECT_NE(device.log().find("the disk is full"), std::string::npos);
+  device.setDiskFull(false);
   EXPECT_TRUE(accept());
   EXPECT_EQ(device.uploads().size(), 1u);
   for (int check = 0; check < 4; ++check) device.advance(30min);
@@ -78,8 +58,7 @@ TEST_F(DeviceTest, ScriptedFaultsComeBeforeTheDevicesOwnAnswers) {
 }
 
 TEST_F(DeviceTest, TimersFireAtTheirTimeAndCallbacksWithinSettle) {
-  device.publish(configuration);
-  start();
+  launch();
   ASSERT_TRUE(accept());
   const auto uploads = device.uploads().size();
   const auto begin = device.now();
@@ -93,24 +72,14 @@ TEST_F(DeviceTest, TimersFireAtTheirTimeAndCallbacksWithinSettle) {
 }
 
 TEST_F(DeviceTest, PermissionsAreSetInTheWordsOfTheSDK) {
-  device.publish(configuration);
-  start();
+  const VantariKey camera(VantariKey::cameraUsageDescription);
+  launch();
   for (const auto status : {ConsentStatus::granted, ConsentStatus::declined, ConsentStatus::notDetermined}) {
-    EXPECT_TRUE(device.setPermission(VantariKey::cameraUsageDescription, status));
-    EXPECT_EQ(sdk->checkConsentBy(VantariKey::cameraUsageDescription).get(), status);
+    EXPECT_TRUE(device.setPermission(camera, status));
+    EXPECT_EQ(sdk->checkConsentBy(camera).get(), status);
   }
-  EXPECT_FALSE(device.setPermission(VantariKey::cameraUsageDescription, ConsentStatus::withDrawn));
-}
-
-TEST_F(DeviceTest, FullDiskKeepsNothingAndAnswersSo) {
-  device.publish(configuration);
-  start();
-  device.setDiskFull(true);
-  EXPECT_FALSE(accept());
-  EXPECT_NE(device.log().find("the disk is full"), std::string::npos);
-  device.setDiskFull(false);
-  EXPECT_TRUE(accept());
+  EXPECT_FALSE(device.setPermission(camera, ConsentStatus::withDrawn));
 }
 
 }  // namespace
-}  // namespace quillon::testing
+}  // namespace quillon::test

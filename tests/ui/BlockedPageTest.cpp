@@ -1,8 +1,11 @@
+// The page in place of a refused one, and the links that are not.
 #include "ui/Common/WebView/BlockedPage.h"
 
 #include <gtest/gtest.h>
 
 #include <boost/json/parse.hpp>
+
+#include "ui/Common/WebView/WebViewUrlExtractor.h"
 
 namespace quillon::test {
 namespace {
@@ -45,6 +48,26 @@ TEST(BlockedPage, KnowsItselfFromOtherPages) {
   EXPECT_FALSE(page.isPage(BlockedPage("<head></head>").html("https://a.example/")));
   EXPECT_FALSE(page.isPage(""));
   EXPECT_EQ(BlockedPage("<p>x").html("a"), R"(<script>var BLOCKED_URL="a";</script><p>x)");
+}
+
+TEST(UrlExtractor, FindsTheHostOfEveryLinkOnceInUpToAMebibyte) {
+  const std::pair<std::string, std::set<std::string>> cases[]{
+      {R"(<a href="https://A.example/x">a</a> <a HREF='http://b.example:80'>b</a>)", {"a.example", "b.example"}},
+      {R"(<a href="https://a.example/1"><a href="https://A.EXAMPLE/2?q#f">)", {"a.example"}},
+      {R"(<a href="https://user@a.example"><link data-href='//b.example'>)", {"a.example", "b.example"}},
+      {"href=\"https://a.example/\n\" href=\"https://b.example\xff\" href=\"https://c.example/\xff\"", {"c.example"}},
+      {R"(href="mailto:x@a.example" href="/path" href="#" href="" href="https://" href="a.example" href=https://b.example)",
+       {}},
+      {R"(href="https://[::1]/" href="https://127.0.0.1/" href="https://a b/" href="https://[::1" href="http:\\a.example")",
+       {"127.0.0.1", "[::1]"}},
+      {R"(href="https://a.example' href="https://b.example")", {"a.example", "b.example"}},
+      {"href=\"https://bücher.example/\"", {"xn--bcher-kva.example"}},
+  };
+  for (const auto& [text, hosts] : cases) EXPECT_EQ(WebViewUrlExtractor::extractHosts(text), hosts) << text;
+  std::string html = R"(<a href="https://a.example">)";
+  html.resize(std::size_t{1} << 20, ' ');
+  EXPECT_EQ(WebViewUrlExtractor::extractHosts(html).size(), 1U);
+  EXPECT_EQ(WebViewUrlExtractor::extractHosts(html + ' ').size(), 0U) << "larger than a mebibyte";
 }
 
 }  // namespace

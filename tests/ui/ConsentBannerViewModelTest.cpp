@@ -1,80 +1,55 @@
 #include "ui/ConsentBanner/ConsentBannerViewModel.h"
 
-#include <gtest/gtest.h>
-
-#include <boost/json/serialize.hpp>
-
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/memory/FixedLocale.h"
-#include "platform/memory/RecordingPresenter.h"
-#include "tests/support/World.h"
+#include "tests/support/Contains.h"
+#include "tests/ui/OnMainQueue.h"
 #include "ui/SettingsPrompt/SettingsPromptViewModel.h"
 
 namespace quillon::test {
 namespace {
 
 namespace json = boost::json;
-using namespace std::chrono_literals;
-using Strings = std::vector<std::string>;
 
-struct Banner : testing::Test {
-  Banner() {
-    world.amend = [this](Platform& platform) { platform.screens = presenter; };
-  }
-  ~Banner() override {
-    if (world.sdk) world.onMain([this] { model.reset(); });
-  }
-
-  void open() {
+struct Banner : OnMainQueue<ConsentBannerViewModel> {
+  void open(std::optional<LanguageCode> language = "en") {
     world.server.serve(document);
-    world.start();
-    world.onMain([this] { model = ConsentBannerViewModel::make(world.sdk->screens()); });
-  }
-  void load() {
-    world.onMain([this] {
+    auto options = world.options();
+    options.languageCode = std::move(language);
+    world.startLater(options);
+    onMain([this] {
+      model = ConsentBannerViewModel::make(world.sdk->screens());
       model->loadBannerConfig();
       model->loadCompanyLogo();
       model->loadSettingsPrompt();
       EXPECT_TRUE(model->bannerConfigResult.get().isLoading());
     });
-    world.settle();
   }
   void perform(BannerAction action) {
-    world.onMain([&] { model->perform(action); });
-    world.settle();
+    act([&](ViewModel& shown) { shown.perform(action); });
   }
-  std::string status(int purpose) { return world.text(std::to_string(purpose)).value_or("none"); }
-
-  json::object document = validConfiguration();
-  World world;
-  std::shared_ptr<RecordingPresenter> presenter = std::make_shared<RecordingPresenter>();
-  std::shared_ptr<ConsentBannerViewModel> model;
 };
 
 TEST_F(Banner, LoadsWhatTheScreensShow) {
-  auto& palette = bannerOf(document)["palette"].emplace_object();
-  for (const auto* color :
-       {"button_background", "button_text", "button_border", "banner_background", "banner_text", "banner_links",
-        "preference_center_footer_background", "preference_center_footer_selector"}) {
-    palette[color] = "#010203";
-  }
+  bannerOf(document)["palette"] = {{"button_background", "#010203"},
+                                   {"button_text", "#010203"},
+                                   {"button_border", "#010203"},
+                                   {"banner_background", "#010203"},
+                                   {"banner_text", "#010203"},
+                                   {"banner_links", "#010203"},
+                                   {"preference_center_footer_background", "#010203"},
+                                   {"preference_center_footer_selector", "#010203"}};
   document["logo_base64"] = "R0lGODlhAQABAAAAACw=";
   document["settings_prompt"] = {{"prompt_heading", {{"de", "Kopf"}}}, {"prompt_message", {{"en", "Message"}}}};
   open();
-  load();
-  world.onMain([&] {
-    ASSERT_TRUE(model->bannerConfigResult.get().value());
-    EXPECT_EQ(model->bannerConfigResult.get().value()->complianceType, ComplianceType::optIn);
-    EXPECT_TRUE(model->bannerConfig.get());
-    ASSERT_TRUE(model->companyLogoResult.get().value());
-    EXPECT_TRUE(*model->companyLogoResult.get().value());
+  act([&](ViewModel& shown) {
+    EXPECT_EQ(shown.bannerConfigResult.get().value()->complianceType, ComplianceType::optIn);
+    EXPECT_TRUE(shown.companyLogoResult.get().value()->has_value());
     EXPECT_EQ(world.sdk->screens()->colors()->buttonBackground, "#010203");
-    const SettingsPromptViewModel prompt(model, VantariKey::cameraUsageDescription);
-    ASSERT_TRUE(prompt.content());
-    EXPECT_EQ(prompt.content()->heading, "Kopf") << "the only language that it has";
-    EXPECT_EQ(prompt.content()->message, "Message");
-    EXPECT_EQ(prompt.content()->settingsButton, "Open Settings") << "a button without words is none";
-    EXPECT_EQ(prompt.content()->notNowButton, "Not Now");
+    const auto prompt = SettingsPromptViewModel(model, VantariKey::cameraUsageDescription).content().value();
+    EXPECT_EQ(prompt.heading, "Kopf") << "the only language that it has";
+    EXPECT_EQ(prompt.message, "Message");
+    EXPECT_EQ(prompt.settingsButton, "Open Settings") << "a button without words is none";
   });
 }
 
@@ -82,68 +57,41 @@ TEST_F(Banner, SaysWhatCannotBeLoaded) {
   document.erase("banner_config");
   document["logo_base64"] = "no image";
   open();
-  load();
-  world.onMain([&] {
-    EXPECT_EQ(*model->bannerConfigResult.get().error(), CustomError{"Failed to Load Banner Configuration"});
-    EXPECT_EQ(*model->settingsPromptResult.get().error(), CustomError{"Failed to Load Setting Prompt"});
-    ASSERT_TRUE(model->companyLogoResult.get().value()) << "a logo that cannot be read is no failure";
-    EXPECT_FALSE(*model->companyLogoResult.get().value());
+  act([&](ViewModel& shown) {
+    EXPECT_EQ(*shown.bannerConfigResult.get().error(), CustomError{"Failed to Load Banner Configuration"});
+    EXPECT_EQ(*shown.settingsPromptResult.get().error(), CustomError{"Failed to Load Setting Prompt"});
+    EXPECT_FALSE(shown.companyLogoResult.get().value()->has_value()) << "a logo that cannot be read is no failure";
+    shown.recordDefaultExplicitConsents();
   });
-}
-
-TEST_F(Banner, ReleasedWhileLoadingHearsNothing) {
-  open();
-  world.onMain([&] {
-    model->loadBannerConfig();
-    model.reset();
-  });
-  world.settle();
+  EXPECT_TRUE(contains(world.log(), "Something went wrong while recording default constents explicitly."));
 }
 
 TEST_F(Banner, LabelsComeFromTheTranslationsElseFromOursElseInEnglish) {
   document["i18n"] = {{"de", {{"select_all", "Alle"}, {"close", ""}}}, {"sw", {{"close", "Funga"}}}};
-  open();
-  const auto speak = [&](const char* language) {
-    auto options = world.options();
-    options.languageCode = language;
-    world.start(options);
-  };
-  speak("de");
-  world.onMain([&] { EXPECT_EQ(model->label(Label::selectAll), "Select All") << "nothing is loaded yet"; });
-  load();
-  world.onMain([&] {
-    EXPECT_EQ(model->label(Label::selectAll), "Alle");
-    EXPECT_EQ(model->label(Label::close), "Schließen") << "a screen never shows an empty label";
-    EXPECT_EQ(model->text(BannerAction::reject), "Ablehnen") << "the configuration names the button in no language";
-  });
-  speak("sw");
-  load();
-  world.onMain([&] {
-    EXPECT_EQ(model->label(Label::close), "Funga");
-    EXPECT_EQ(model->label(Label::attManagedPurposeExplanation),
-              "You can't toggle this Purpose because it\xE2\x80\x99s managed by Apple's App Tracking Transparency "
-              "framework.");
-  });
-}
-
-TEST_F(Banner, TheDevicesScriptChoosesAmongOursUnlessTheApplicationNamesOne) {
   bannerOf(document)["banner_heading"] = {{"en", "Privacy"}, {"zh", "隐私"}};
+  open("de");
+  act([&](ViewModel& shown) {
+    EXPECT_EQ(shown.label(Label::selectAll), "Alle");
+    EXPECT_EQ(shown.label(Label::close), "Schließen") << "a screen never shows an empty label";
+    EXPECT_EQ(shown.text(BannerAction::reject), "Ablehnen") << "the configuration names the button in no language";
+  });
+  open("sw");
+  act([&](ViewModel& shown) {
+    EXPECT_EQ(shown.label(Label::close), "Funga");
+    EXPECT_EQ(shown.label(Label::essentialPurposeExplanation), "You cannot opt out from this Purpose.");
+  });
   world.amend = [](Platform& platform) {
     platform.locale = std::make_shared<FixedLocale>(std::vector<std::string>{"zh-Hant-TW"});
   };
-  open();
-  auto options = world.options();
-  options.languageCode = std::nullopt;
-  world.start(options);
-  load();
-  world.onMain([&] {
-    EXPECT_EQ(model->label(Label::reject), "拒絕");
-    EXPECT_EQ(model->text(model->bannerConfig.get()->bannerHeading), "隐私");
-  });
-  options.languageCode = "zh_Hans";
-  world.start(options);
-  load();
-  world.onMain([&] { EXPECT_EQ(model->label(Label::reject), "拒绝"); });
+  world.onMain([this] { model.reset(); });
+  world.restart();
+  for (const auto& [language, reject] : {std::pair(std::optional<LanguageCode>(), "拒絕"), {"zh_Hans", "拒绝"}}) {
+    open(language);
+    act([&](ViewModel& shown) {
+      EXPECT_EQ(shown.label(Label::reject), reject) << "the device's script unless the application names one";
+      EXPECT_EQ(shown.text(shown.bannerConfig.get()->bannerHeading), "隐私");
+    });
+  }
 }
 
 TEST(BannerButtons, FollowTheComplianceTypeAndTheSwitches) {
@@ -161,15 +109,13 @@ TEST(BannerButtons, FollowTheComplianceTypeAndTheSwitches) {
        {{accept}, {openPreferenceCenter, openPrivacyNotice, openDSRPortal}, true}},
       {{.dsrPortalLink = "b", .privacyNoticeLink = ""}, {{accept}, {}, true}},
   };
-  for (const auto& [banner, expected] : cases) {
-    EXPECT_EQ(buttonsByComplianceType(banner), expected);
-  }
+  for (const auto& [banner, expected] : cases) EXPECT_EQ(buttonsByComplianceType(banner), expected);
 }
 
 TEST_F(Banner, ActionsAnswerAndLeaveOrOpenAScreen) {
   bannerOf(document)["privacy_notice_link"] = "https://example.org/privacy";
   open();
-  load();
+  act([](ViewModel& shown) { shown.appeared(); });
   perform(BannerAction::openPrivacyNotice);
   perform(BannerAction::openDSRPortal);
   perform(BannerAction::openPreferenceCenter);
@@ -184,85 +130,59 @@ TEST_F(Banner, ActionsAnswerAndLeaveOrOpenAScreen) {
   EXPECT_EQ(world.uploads().size(), 2u);
 }
 
-struct UnansweredBanner : Banner,
-                          testing::WithParamInterface<std::tuple<const char*, TrackingAuthorization, Strings>> {};
-
-TEST_P(UnansweredBanner, RecordsTheDefaultsOnceWhenItIsClosed) {
-  const auto& [compliance, tracking, expected] = GetParam();
-  world.tracking = tracking;
-  bannerOf(document)["compliance_type"] = compliance;
+TEST_F(Banner, RecordsTheDefaultsOnceWhenItIsClosedWithoutAnAnswer) {
+  using enum TrackingAuthorization;
+  const std::tuple<const char*, TrackingAuthorization, const char*> rows[] = {
+      {"opt-in", denied, "declined granted declined"},
+      {"opt-in", authorized, "declined granted granted"},
+      {"opt-out", denied, "granted granted declined"},
+      {"notice-only", notDetermined, "granted granted declined"}};
   document["purposes"].as_array()[2].as_object()["disable_opt_out"] = true;  // Tracking wins over it.
-  open();
-  load();
-  perform(BannerAction::close);
-  EXPECT_EQ((Strings{status(1), status(2), status(3)}), expected);
-  EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_IMPLICIT");
-  ASSERT_EQ(world.uploads().size(), 1u);
-  const auto upload = world.uploads().back();
-  EXPECT_EQ(upload.at("implicit_consent"), true);
-  EXPECT_EQ(upload.at("banner_info"), compliance);
-  EXPECT_EQ(upload.at("ad_id"), tracking == TrackingAuthorization::authorized ? "AD-ID" : "");
-  EXPECT_EQ(upload.at("permissions").as_array().size(), 2u);
-  perform(BannerAction::close);
-  EXPECT_EQ(world.uploads().size(), 1u) << "nothing new, nothing to send";
+  for (const auto& [compliance, tracking, expected] : rows) {
+    SCOPED_TRACE(compliance);
+    world.tracking = tracking;
+    bannerOf(document)["compliance_type"] = compliance;
+    open();
+    world.sdk->removeConsents();
+    world.settle();
+    const auto before = world.uploads().size();
+    for (int i = 0; i < 2; ++i) perform(BannerAction::close);
+    EXPECT_EQ(status(1) + " " + status(2) + " " + status(3), expected);
+    EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_IMPLICIT");
+    ASSERT_EQ(world.uploads().size(), before + 1) << "the second time there is nothing new to send";
+    const auto upload = world.uploads().back();
+    EXPECT_EQ(upload.at("implicit_consent"), true);
+    EXPECT_EQ(upload.at("banner_info"), compliance);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    ComplianceTypes, UnansweredBanner,
-    testing::Values(std::tuple{"opt-in", TrackingAuthorization::denied, Strings{"declined", "granted", "declined"}},
-                    std::tuple{"opt-in", TrackingAuthorization::authorized, Strings{"declined", "granted", "granted"}},
-                    std::tuple{"opt-out", TrackingAuthorization::denied, Strings{"granted", "granted", "declined"}},
-                    std::tuple{"notice-only", TrackingAuthorization::notDetermined,
-                               Strings{"granted", "granted", "declined"}}));
 
 TEST_F(Banner, DefaultsNeverReplaceADecisionNorAnswerAReconsent) {
   bannerOf(document)["record_consent_upon_app_start"] = true;
   open();
-  load();
   perform(BannerAction::reject);
   world.store(key::consentGivenType, std::string(rawValue(GivenType::noAction)));  // as a newer configuration leaves it
   document["purposes"].as_array().push_back(json::object{{"purpose_id", 4}});
   bannerOf(document)["compliance_type"] = "opt-out";
-  world.server.serve(document);
-  world.advance(2h);
-  world.start();
-  load();
-  world.onMain([&] { model->appeared(); });
-  world.settle();
-  EXPECT_EQ((Strings{status(1), status(4)}), (Strings{"declined", "granted"}));
-  EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_NO_ACTION");
-  EXPECT_EQ(world.sdk->isBannerDue(), true);
-}
-
-TEST_F(Banner, FailureToRecordIsLogged) {
   open();
-  std::filesystem::remove(world.file());
-  std::filesystem::remove(world.backup());
-  world.restart();
-  world.onMain([&] {
-    model = ConsentBannerViewModel::make(world.sdk->screens());
-    model->recordDefaultExplicitConsents();
-  });
-  world.settle();
-  EXPECT_NE(world.log().find("Something went wrong while recording default constents explicitly."), std::string::npos);
+  act([](ViewModel& shown) { shown.appeared(); });
+  EXPECT_EQ(status(1) + " " + status(4), "declined granted");
+  EXPECT_EQ(world.text(key::consentGivenType), "CONSENT_NO_ACTION");
+  EXPECT_TRUE(world.sdk->isBannerDue());
 }
 
 TEST_F(Banner, OnlyTheCloseButtonOfThePromptIsRemembered) {
   open();
-  const auto shown = [&] { return world.stored().boolean(key::hasShownSettingsPrompt); };
-  world.onMain([&] {
-    SettingsPromptViewModel prompt(model, VantariKey::cameraUsageDescription);
-    EXPECT_FALSE(prompt.content());
-    prompt.openSettings();
-    prompt.notNow();
-  });
-  world.settle();
-  EXPECT_EQ(presenter->take(), (Strings{"settings", "dismiss", "dismiss"}));
-  EXPECT_FALSE(shown());
-  world.onMain([&] { SettingsPromptViewModel(model, VantariKey::cameraUsageDescription).close(); });
-  world.settle();
-  EXPECT_EQ(presenter->take(), Strings{"dismiss"});
-  EXPECT_TRUE(shown());
+  using Prompt = SettingsPromptViewModel;
+  for (const auto& [tap, shown] : {std::pair(&Prompt::openSettings, Strings{"settings", "dismiss"}),
+                                   {&Prompt::notNow, {"dismiss"}},
+                                   {&Prompt::close, {"dismiss"}}}) {
+    onMain([&] {
+      Prompt prompt(model, VantariKey::cameraUsageDescription);
+      (prompt.*tap)();
+    });
+    EXPECT_EQ(presenter->take(), shown);
+    EXPECT_EQ(world.stored().boolean(key::hasShownSettingsPrompt), tap == &Prompt::close);
+  }
 }
 
 }  // namespace

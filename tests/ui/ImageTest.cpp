@@ -53,11 +53,7 @@ struct Base64Image : testing::Test {
 };
 
 TEST_F(Base64Image, HasFormatAndSizeOfItsHeader) {
-  const struct {
-    std::string bytes;
-    EncodedImage::Format format;
-    int width, height;
-  } cases[]{
+  const std::tuple<std::string, EncodedImage::Format, int, int> cases[]{
       {png(300, 2), EncodedImage::png, 300, 2},
       {png(16'000, 250), EncodedImage::png, 16'000, 250},
       {gif(258, 3), EncodedImage::gif, 258, 3},
@@ -87,10 +83,7 @@ TEST_F(Base64Image, IsReadFromWhateverTextHoldsBase64) {
 TEST_F(Base64Image, IsRefusedWithTheErrorOfItsStep) {
   const auto gifText = base64(gif(1, 1));  // ends in "=="
   const auto bare = gifText.substr(0, gifText.size() - 2);
-  const struct {
-    const char* error;
-    std::vector<std::string> texts;
-  } cases[]{
+  const std::pair<const char*, std::vector<std::string>> cases[]{
       {"Failed to decode base64 string.",
        {bare, bare + "=", bare + "=A=", bare + "======", "data:image/svg+xml;base64," + gifText,
         std::string((std::size_t{1} << 20) + 1, 'A')}},
@@ -101,14 +94,10 @@ TEST_F(Base64Image, IsRefusedWithTheErrorOfItsStep) {
         base64("\xff\xd8\xff\xe0\0\x01"s + jpeg(1, 1).substr(2)), base64("\xff\xd8"s + std::string(1000, '\xff'))}},
   };
   EXPECT_TRUE(read(gifText));
-  world.sdk->logger().setLogLevel(LogLevel::debug);
   for (const auto& [error, texts] : cases) {
     for (const auto& text : texts) {
       EXPECT_FALSE(read(text)) << text.substr(0, 60);
-      const auto logged = world.console->blocks().back();
-      EXPECT_TRUE(contains(logged, "[ERROR]") && contains(logged, "[PreferenceCenterView") &&
-                  contains(logged, std::string("] imageFromBase64(base64String:) - ") + error))
-          << text.substr(0, 60) << logged;
+      EXPECT_TRUE(contains(world.console->blocks().back(), error)) << text.substr(0, 60);
     }
   }
 }
@@ -142,10 +131,7 @@ TEST_F(Base64Image, IsRefusedWhenDecodingWouldCostTooMuch) {
     while (count-- > 0) text += "\xff\xda";
     return text;
   };
-  const struct {
-    const char* what;
-    std::string cheap, dear;
-  } cases[]{
+  const std::tuple<const char*, std::string, std::string> cases[]{
       {"pixels", png(2000, 2000), png(2001, 2000)},
       {"a side", png(16'384, 1), png(16'385, 1)},
       {"interlaced pixels", interlaced(png(1000, 2000)), interlaced(png(1001, 2000))},

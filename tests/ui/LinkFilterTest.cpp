@@ -9,7 +9,7 @@
 namespace quillon::test {
 namespace {
 
-using Entries = std::vector<std::string>;
+using Texts = std::vector<std::string>;
 
 // What becomes of an address: the normalised text, or the reason.
 std::string verdict(const LinkFilter& filter, std::string_view address) {
@@ -22,11 +22,7 @@ constexpr std::string_view notAllowed = "its host is not allowed";
 TEST(LinkFilter, OpensWhatHasOneReadingAndRefusesTheRest) {
   const LinkFilter filter({"example.org", "bücher.example", "xn--strae-oqa.example", "127.0.0.1", "[::1]",
                            "[::ffff:1.2.3.4]", "[1:0:2:3:4:5:6:7]"});
-  struct Opened {
-    std::string_view address;
-    std::string_view normalised;
-  };
-  for (const auto& [address, normalised] : std::vector<Opened>{
+  for (const auto& [address, normalised] : std::initializer_list<std::pair<std::string_view, std::string_view>>{
            {"https://example.org", "https://example.org/"},
            {"  HTTPS://EXAMPLE.org/A%2fb?C=d#E  ", "https://example.org/A%2fb?C=d#E"},
            {"http://example.org:8080?q=/../", "http://example.org:8080/?q=/../"},
@@ -49,13 +45,9 @@ TEST(LinkFilter, OpensWhatHasOneReadingAndRefusesTheRest) {
     EXPECT_EQ(verdict(filter, normalised), normalised) << "normalised once more";
   }
   std::string encoded = "https://example.org/";
-  for (int i = 0; i < 3000; ++i) encoded += "ä";
-  struct Refused {
-    std::string_view reason;
-    std::vector<std::string> addresses;
-  };
+  while (encoded.size() < longestLink / 2) encoded += "ä";
   using namespace std::string_literals;
-  for (const auto& [reason, addresses] : std::vector<Refused>{
+  for (const auto& [reason, addresses] : std::initializer_list<std::pair<std::string_view, Texts>>{
            {"it is empty", {"", "   "}},
            {"it is longer than 8 KiB", {"https://example.org/" + std::string(longestLink, 'a'), encoded}},
            {"it is not valid UTF-8", {"https://example.org/\xc0\xaf"}},
@@ -112,14 +104,9 @@ TEST(LinkFilter, OpensWhatHasOneReadingAndRefusesTheRest) {
 }
 
 TEST(LinkFilter, AllowsWhatAnEntryNamesAndItsSubDomains) {
-  struct Case {
-    Entries entries;
-    std::vector<std::string> allowed;
-    std::vector<std::string> refused;
-  };
-  Entries many(LinkFilter::mostEntries, "filler.example");
+  Texts many(LinkFilter::mostEntries, "filler.example");
   many.push_back("late.example");
-  for (const auto& [entries, allowed, refused] : std::vector<Case>{
+  for (const auto& [entries, allowed, refused] : std::initializer_list<std::tuple<Texts, Texts, Texts>>{
            {{}, {}, {"example.org"}},
            {{"example.org"},
             {"example.org", "sub.example.org", "a.b.example.org"},

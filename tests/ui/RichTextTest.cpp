@@ -1,11 +1,9 @@
 #include "ui/Common/RichText/RichText.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <sstream>
 
-#include "tests/support/World.h"
+#include "tests/ui/OnMainQueue.h"
 #include "ui/Common/RichText/RichTextViewModel.h"
 #include "ui/Common/RichText/StringUtils.h"
 
@@ -36,14 +34,9 @@ std::string repeated(std::string_view text, int count) {
   return all;
 }
 
-struct Case {
-  const char* html;
-  const char* shown;
-};
-
 struct RichText : testing::Test {
-  static void expect(std::initializer_list<Case> cases) {
-    for (const auto& one : cases) EXPECT_EQ(shown(richTextFromHtml(one.html)), one.shown) << one.html;
+  static void expect(std::initializer_list<std::pair<const char*, const char*>> cases) {
+    for (const auto& [html, text] : cases) EXPECT_EQ(shown(richTextFromHtml(html)), text) << html;
   }
 };
 
@@ -152,23 +145,16 @@ TEST_F(RichText, IsTrimmedAcrossRuns) {
   EXPECT_EQ(trimmed(AttributedText{{{.text = "\u200b"}}}), (AttributedText{{{.text = "\u200b"}}}));
 }
 
-struct RichTextModel : testing::Test {
+struct RichTextModel : OnMainQueue<RichTextViewModel> {
   RichTextModel() {
     world.start();
-    world.onMain([this] { model = RichTextViewModel::make(world.sdk->screens()); });
-  }
-  ~RichTextModel() override {
-    world.onMain([this] { model.reset(); });
+    onMain([this] { model = RichTextViewModel::make(world.sdk->screens()); });
   }
   std::string converted() {
-    std::string text;
     world.settle();
-    world.onMain([&] { text = model->attributedString.get() ? shown(model->attributedString.get()) : "absent"; });
-    return text;
+    const auto text = read(&RichTextViewModel::attributedString);
+    return text ? shown(text) : "absent";
   }
-
-  World world;
-  std::shared_ptr<RichTextViewModel> model;
 };
 
 TEST_F(RichTextModel, ShowsTheLastTextAndNoneInTheMeantime) {
@@ -177,7 +163,6 @@ TEST_F(RichTextModel, ShowsTheLastTextAndNoneInTheMeantime) {
   world.onMain([this] {
     model->setHtml(repeated("slow ", 50'000));
     model->setHtml("last");
-    EXPECT_EQ(model->html.get(), "last");
     EXPECT_FALSE(model->attributedString.get());
   });
   EXPECT_EQ(converted(), "last");
@@ -193,11 +178,9 @@ TEST_F(RichTextModel, LetsObserversSetAnotherTextOrReleaseIt) {
       if (next == "c") model.reset();
     });
     model->setHtml("a");
-    EXPECT_EQ(model->html.get(), "b");
   });
   EXPECT_EQ(converted(), "b");
-  world.onMain([&] { model->setHtml("c"); });
-  world.settle();
+  onMain([&] { model->setHtml("c"); });
   EXPECT_FALSE(model);
   world.onMain([&] { observation = {}; });
 }

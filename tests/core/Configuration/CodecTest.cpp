@@ -9,6 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "quillon/BannerConfig.h"
+#include "quillon/ConsentSDKOptions.h"
+#include "quillon/Explanations.h"
+#include "quillon/Listeners.h"
+#include "quillon/LogLevel.h"
 #include "tests/core/Configuration/CompleteDocuments.h"
 
 namespace quillon {
@@ -103,33 +108,21 @@ TYPED_TEST(Codec, IgnoresUnknownKeysInEveryRecord) {
   EXPECT_EQ(decode<TypeParam>(boost::json::serialize(changed)), this->complete_);
 }
 
-// Equality and hashing of structures.
-class RecordEquality : public ::testing::Test {
- protected:
-  static MainConfiguration read(std::string_view json) { return decode<MainConfiguration>(json).value(); }
-  static std::size_t hash(const MainConfiguration& record) { return std::hash<MainConfiguration>{}(record); }
-
-  const MainConfiguration complete_ = read(completeDocument<MainConfiguration>.json);
-};
-
-TEST_F(RecordEquality, CoversTheFieldsThatNoDocumentCarries) {
-  // Each is in a different place of the structure.
-  MainConfiguration mapped = complete_;
-  mapped.purposes->at(0).isATTMapped = true;
-  MainConfiguration described = complete_;
-  described.purposes->at(0).attDescription.emplace();
-  MainConfiguration prompted = complete_;
-  prompted.permissions->at(0).isSettingsPromptEnabled = false;
-  MainConfiguration translated = complete_;
-  translated.bannerConfig->categories.at("default").translations.emplace();
-
-  for (const MainConfiguration* changed : {&mapped, &described, &prompted, &translated}) {
-    EXPECT_FALSE(*changed == complete_);
-    EXPECT_NE(hash(*changed), hash(complete_));
+// Each of these fields, which no document carries, is in a different place of the structure.
+TEST(RecordEquality, CoversTheFieldsThatNoDocumentCarries) {
+  const auto complete = decode<MainConfiguration>(completeDocument<MainConfiguration>.json).value();
+  std::vector<MainConfiguration> changed(4, complete);
+  changed[0].purposes->at(0).isATTMapped = true;
+  changed[1].purposes->at(0).attDescription.emplace();
+  changed[2].permissions->at(0).isSettingsPromptEnabled = false;
+  changed[3].bannerConfig->categories.at("default").translations.emplace();
+  for (const auto& record : changed) {
+    EXPECT_FALSE(record == complete);
+    EXPECT_NE(std::hash<MainConfiguration>{}(record), std::hash<MainConfiguration>{}(complete));
   }
 }
 
-TEST_F(RecordEquality, DependsOnTheOrderOfElementsButNotOfKeysAndTellsAbsentFromEmpty) {
+TEST(RecordEquality, DependsOnTheOrderOfElementsButNotOfKeysAndTellsAbsentFromEmpty) {
   const struct {
     const char *one, *other;
     bool equal;
@@ -142,9 +135,55 @@ TEST_F(RecordEquality, DependsOnTheOrderOfElementsButNotOfKeysAndTellsAbsentFrom
       {R"({"i18n":{"de":{}}})", R"({"i18n":{"de":null}})", false},
   };
   for (const auto& [one, other, equal] : pairs) {
-    EXPECT_EQ(read(one) == read(other), equal) << one;
-    EXPECT_EQ(hash(read(one)) == hash(read(other)), equal) << one;
+    const auto left = decode<MainConfiguration>(one).value(), right = decode<MainConfiguration>(other).value();
+    EXPECT_EQ(left == right, equal) << one;
+    EXPECT_EQ(std::hash<MainConfiguration>{}(left) == std::hash<MainConfiguration>{}(right), equal) << one;
   }
+}
+
+// Texts are in the order of the cases.
+template <class E>
+void expectTexts(std::initializer_list<const char*> texts) {
+  int number = 0;
+  for (const char* text : texts) {
+    const E value = static_cast<E>(number++);
+    EXPECT_EQ(rawValue(value), text);
+    EXPECT_EQ(fromRawValue<E>(text), value);
+    EXPECT_EQ(fromRawValue<E>(std::string(text) + " "), std::nullopt);
+  }
+  EXPECT_EQ(rawValue(static_cast<E>(number)), "");
+}
+
+TEST(RawValue, IsTheFixedTextOfEveryCase) {
+  expectTexts<ConsentStatus>({"not_determined", "granted", "declined", "withdrawn"});
+  expectTexts<LogLevel>({"DEBUG", "INFO", "WARNING", "ERROR", "OFF"});
+  expectTexts<Mode>({"draft", "live"});
+  expectTexts<ComplianceType>({"notice-only", "opt-in", "opt-out"});
+  expectTexts<BannerPosition>({"bottom", "center"});
+  expectTexts<ButtonShape>({"rounded", "square", "pill", "outlined", "edgeless"});
+  expectTexts<BannerReason>({"never_shown", "unanswered", "reconsent", "interval_over", "on_screen", "answered",
+                             "signal", "no_configuration"});
+  expectTexts<ScreenKind>({"banner", "preferenceCenter", "settingsPrompt", "webView"});
+  for (int number = 0; number < static_cast<int>(VantariKey::custom); ++number) {
+    const VantariKey key(static_cast<VantariKey::Case>(number));
+    EXPECT_TRUE(key.rawValue().ends_with("UsageDescription")) << number;
+    EXPECT_EQ(VantariKey(key.rawValue()).kind(), key.kind());
+  }
+  EXPECT_EQ(VantariKey(VantariKey::nfcReaderUsageDescription).rawValue(), "NFCReaderUsageDescription");
+  EXPECT_EQ(VantariKey("NSNFCReaderUsageDescription").kind(), VantariKey::custom);
+}
+
+TEST(RawValue, OfAColorIsReadFromItsLow24Bits) {
+  const auto bytes = [](int red, int green, int blue) { return Color{red / 255.0, green / 255.0, blue / 255.0}; };
+  const std::pair<const char*, Color> cases[] = {{"#1A2b3C", bytes(0x1A, 0x2B, 0x3C)},
+                                                 {"#11223344", bytes(0x22, 0x33, 0x44)},
+                                                 {"#FFF", bytes(0, 0x0F, 0xFF)},
+                                                 {"1#2#3#", bytes(0, 0x01, 0x23)},
+                                                 {"12 34", bytes(0, 0, 0x12)},
+                                                 {"123456789abcdef0123456", bytes(0x12, 0x34, 0x56)},
+                                                 {"zz", {}},
+                                                 {"", {}}};
+  for (const auto& [text, color] : cases) EXPECT_EQ(colorFromText(text), color) << text;
 }
 
 }  // namespace

@@ -24,25 +24,12 @@ inline std::string filled(std::string_view form) {
   int last = 100;
   const auto next = [&] { return std::to_string(++last); };
   for (const char mark : form) {
-    switch (mark) {
-      case '?':
-        json += next();
-        break;
-      case '%':
-        json += "\"t" + next() + "\"";
-        break;
-      case '@':
-        json += R"({"de": "d)" + next() + R"(", "en": "e)" + next() + "\"}";
-        break;
-      case '*':
-        json += "[" + next() + ", " + next() + "]";
-        break;
-      case '$':
-        json += "\"#000" + next() + "\"";
-        break;
-      default:
-        json += mark;
-    }
+    json += mark == '?'   ? next()
+            : mark == '%' ? "\"t" + next() + '"'
+            : mark == '@' ? R"({"de": "d)" + next() + R"(", "en": "e)" + next() + "\"}"
+            : mark == '*' ? "[" + next() + ", " + next() + "]"
+            : mark == '$' ? "\"#000" + next() + '"'
+                          : std::string(1, mark);
   }
   return json;
 }

@@ -1,113 +1,62 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
 namespace {
 
-TEST(Options, NormaliseWhatTheHostGives) {
-  for (const auto& [given, kept] : {std::pair{-5, 60}, {0, 60}, {60, 60}, {61, 61}, {7200, 7200}}) {
-    EXPECT_EQ(ConsentsCheckInterval(given).count(), kept) << given;
-  }
-  EXPECT_EQ(ConsentsCheckInterval(std::chrono::minutes(30)).count(), 1800);
-  EXPECT_EQ(ConsentsCheckInterval(std::chrono::milliseconds(90'500)).count(), 90);
-  constexpr std::int64_t year = 31'536'000;
-  EXPECT_EQ(ConsentsCheckInterval(std::chrono::seconds::max()).count(), year) << "as good as never";
-  EXPECT_EQ(ConsentsCheckInterval(std::chrono::hours::min()).count(), 60);
-}
-
-TEST(Setup, ResetsTheCacheByTheRules) {
-  struct Case {
-    std::string lastMode;
-    bool testingMode;
-    std::string cachedLanguage;
-    bool resets;
-  };
-  for (const Case& example :
-       {Case{"live", false, "en", false}, Case{"live", false, "de", true}, Case{"draft", true, "en", true},
-        Case{"draft", false, "en", true}, Case{"nonsense", false, "en", false}}) {
-    SCOPED_TRACE(example.lastMode + " " + example.cachedLanguage);
-    World world;
-    world.server.serve(R"({"name":"first"})", "\"tag\"");
-    world.start();
-    world.store(key::lastModeUsed, example.lastMode);
-    world.store(key::languageCode, example.cachedLanguage);
-    ASSERT_TRUE(std::filesystem::exists(world.file()));
-    world.server.onConfiguration(json("{}", 500));
-
-    world.restart();
-    ConsentSDKOptions options = world.options();
-    options.testingMode = example.testingMode;
-    options.mode = example.testingMode ? Mode::draft : Mode::live;
-    world.start(options);
-    EXPECT_EQ(std::filesystem::exists(world.file()), !example.resets);
-    EXPECT_EQ(world.text(key::etag).has_value(), !example.resets);
-    EXPECT_EQ(world.sdk->getStatus(), example.resets ? SDKStatus::unavailable : SDKStatus::ready);
-    EXPECT_EQ(world.text(key::lastModeUsed), example.testingMode ? "draft" : "live");
-  }
-}
+using enum ConsentStatus;
 
 TEST(Setup, KeepsOneSubjectUntilItIsRemoved) {
   World world;
   ConsentSDKOptions options = world.options();
   options.subjectId.reset();
-  options.logLevel = LogLevel::debug;
   world.start(options);
   const auto subject = world.text(key::subjectId).value();
   EXPECT_EQ(subject.size(), 36u);
   world.restart();
   world.start(options);
   EXPECT_EQ(world.text(key::subjectId), subject);
-
   world.sdk->removeConsents();
-  world.sdk->settled().wait();
-  EXPECT_NE(world.text(key::subjectId), subject);
-  EXPECT_TRUE(std::filesystem::exists(world.file()));
   world.start(options);
   EXPECT_NE(world.text(key::subjectId), subject);
-
   options.subjectId = "given by the host";
   world.start(options);
   EXPECT_EQ(world.text(key::subjectId), "given by the host");
 }
 
-TEST(Setup, AnswersNothingPresentAtEverySetUp) {
+// Any operation called first is answered from the store, on any thread.
+TEST(Setup, IsNotWaitedForByAnyOperation) {
   World world;
   world.start();
-  EXPECT_TRUE(world.sdk->isBannerDue());
-  EXPECT_TRUE(world.stored().boolean(key::isBannerPresent));
-  world.start();
-  EXPECT_FALSE(world.stored().boolean(key::isBannerPresent));
-}
-
-TEST(Readiness, ReportsEachDistinctStatusOnceToTheLastObserver) {
-  using enum SDKStatus;
-  using Reports = std::vector<SDKStatus>;
-  Reports first, second, third;  // on the main queue
-  const auto into = [](Reports& reports) { return [&](SDKStatus status) { reports.push_back(status); }; };
-  World world;
+  world.sdk->acceptOrReject(true).wait();
   world.restart();
-  world.sdk->isReady(into(first));
-  world.drainMainQueue();
-  world.sdk->isReady(into(second));
-  world.start();
-  world.start();  // from the cache: still ready, nothing to report
-  world.settle();
-  EXPECT_EQ(second, (Reports{unavailable, fetching, ready}));
-  EXPECT_EQ(first, Reports{unavailable}) << "a replaced observer hears nothing more";
-  world.server.onConfiguration(json("{}", 500));
-  world.startLater();  // an old cache is revalidated and then used
-  world.settle();
-  EXPECT_EQ(second, (Reports{unavailable, fetching, ready, fetching, ready}));
-
-  world.sdk->removeListeners();
-  world.startLater();
-  world.sdk->isReady(into(third));
-  world.settle();
-  EXPECT_EQ(third, Reports{ready}) << "the first report always comes";
-  EXPECT_EQ(second.size(), 5u);
-  world.sdk->removeListeners();
+  auto& sdk = *world.sdk;
+  const std::vector<std::pair<std::string, std::function<bool()>>> answers{
+      {"get", [&] { return sdk.get(1) == granted && sdk.get(99) == declined; }},
+      {"get a permission", [&] { return sdk.get(VantariKey::contactsUsageDescription) == declined; }},
+      {"purposes", [&] { return sdk.getPurposeConsents().get().at(0).consentStatus == granted; }},
+      {"permissions", [&] { return sdk.getPermissionConsents().get().size() == 2; }},
+      {"check one", [&] { return sdk.checkConsentBy(VantariKey::cameraUsageDescription).get() == granted; }},
+      {"banner", [&] { return sdk.getBannerConfig().get().has_value(); }},
+      {"banner due", [&] { return !sdk.isBannerDue(); }},
+      {"settings prompt", [&] { return !sdk.getSettingsPrompt().get(); }},
+      {"consent mode", [&] { return !sdk.getGCMConfig().get() && sdk.getGCMConsents().get().empty(); }},
+      {"history", [&] { return sdk.getHistory().get().entries.size() == 5; }},
+      {"set", [&] { return sdk.set({.purposeId = 3}, declined); }},
+      {"answer", [&] { return sdk.acceptOrReject(false).get() && sdk.get(1) == declined; }},
+      {"check", [&] { return sdk.checkConsents().wait_for(std::chrono::seconds(10)) == std::future_status::ready; }},
+      {"upload", [&] { return !sdk.uploadPendingConsents().get(); }},
+      {"status", [&] { return sdk.getStatus() == SDKStatus::unavailable && sdk.sdkVersion() == "1.2.3"; }},
+  };
+  std::jthread([&] {
+    for (const auto& [name, isRight] : answers) EXPECT_TRUE(isRight()) << name;
+  }).join();
+  EXPECT_FALSE(contains(world.log(), "[ERROR]"));
 }
 
 }  // namespace

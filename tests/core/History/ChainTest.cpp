@@ -24,6 +24,10 @@ struct Stored {
   JournalRecord& numbered(std::int64_t number) {
     return *std::ranges::find(journal.records, number, &JournalRecord::number);
   }
+  void alter(std::int64_t number) {
+    std::string& text = numbered(number).text;
+    text.replace(text.find("granted"), 7, "declined");
+  }
   void remove(std::int64_t number) {
     std::erase_if(journal.records, [&](const JournalRecord& record) { return record.number == number; });
   }
@@ -37,10 +41,8 @@ struct Stored {
     const auto history = verifiedHistory(page, count, {head, newest, true});
     std::string text = history.isNewestMissing ? "missing" : "";
     for (const HistoryEntry& entry : history.entries) {
-      text += text.empty() ? "" : " ";
-      text += std::to_string(entry.number);
-      if (entry.link == HistoryLink::broken) text += '!';
-      if (entry.link == HistoryLink::beforeChain) text += '-';
+      text += (text.empty() ? "" : " ") + std::to_string(entry.number);
+      text += entry.link == HistoryLink::broken ? "!" : entry.link == HistoryLink::beforeChain ? "-" : "";
     }
     return text;
   }
@@ -58,10 +60,6 @@ Stored fiveEntries(std::string start = "first", std::int64_t number = 1) {
   return stored;
 }
 
-std::string otherText(std::string text) {
-  return text.replace(text.find("granted"), 7, "declined");
-}
-
 TEST(DecisionChain, NamesWhatWasChanged) {
   ASSERT_EQ(fiveEntries().verified(), "5 4 3 2 1");
   struct Row {
@@ -70,11 +68,9 @@ TEST(DecisionChain, NamesWhatWasChanged) {
     const char* verified;
   };
   const Row rows[] = {
-      {"an entry in the middle changed", [](Stored& all) { all.numbered(3).text = otherText(all.numbered(3).text); },
-       "5 4! 3 2 1"},
-      {"the newest changed", [](Stored& all) { all.numbered(5).text = otherText(all.numbered(5).text); },
-       "missing 5 4 3 2 1"},
-      {"the oldest changed", [](Stored& all) { all.numbered(1).text = otherText(all.numbered(1).text); }, "5 4 3 2! 1"},
+      {"an entry in the middle changed", [](Stored& all) { all.alter(3); }, "5 4! 3 2 1"},
+      {"the newest changed", [](Stored& all) { all.alter(5); }, "missing 5 4 3 2 1"},
+      {"the oldest changed", [](Stored& all) { all.alter(1); }, "5 4 3 2! 1"},
       {"one removed", [](Stored& all) { all.remove(2); }, "5 4 3! 1"},
       {"the newest removed", [](Stored& all) { all.remove(5); }, "missing 4 3 2 1"},
       {"the oldest removed", [](Stored& all) { all.remove(1); }, "5 4 3 2!"},
@@ -158,25 +154,22 @@ TEST(DecisionChain, HashesTheCanonicalForm) {
 TEST(DecisionChain, GoesOnThroughRemovalAndRestartsAndTravelsWithEveryUpload) {
   World world;
   world.start();
+  const auto page = [&] { return world.sdk->getHistory(100).get(); };
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::granted));
   ASSERT_TRUE(world.sdk->uploadPendingConsents().get());
-  const auto first = world.sdk->getHistory(100).get();
-  const auto headers = world.server.seen("singleupload").back().headers;
-  EXPECT_EQ(headers.find("X-Quillon-History-Head")->second, first.entries.front().hash);
+  const auto head = page().entries.front().hash;
+  EXPECT_EQ(world.server.seen(uploadPath).back().headers.find("X-Quillon-History-Head")->second, head);
   world.restart();
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::declined));
-  EXPECT_EQ(world.sdk->getHistory(1).get().entries.front().decision.previous, first.entries.front().hash);
-
+  EXPECT_EQ(page().entries.front().decision.previous, head);
   world.sdk->removeConsents();
-  EXPECT_TRUE(world.sdk->getHistory(100).get().entries.empty());
+  EXPECT_TRUE(page().entries.empty());
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::granted));
-  const auto anew = world.sdk->getHistory(100).get();
-  EXPECT_FALSE(anew.isNewestMissing);
-  EXPECT_EQ(anew.entries.back().decision.previous, "removed");
-  EXPECT_EQ(anew.entries.back().link, HistoryLink::intact);
-
+  EXPECT_FALSE(page().isNewestMissing);
+  EXPECT_EQ(page().entries.back().decision.previous, "removed");
+  EXPECT_EQ(page().entries.back().link, HistoryLink::intact);
   world.store(key::historyHead, std::string(64, 'a'));
-  EXPECT_TRUE(world.sdk->getHistory(100).get().isNewestMissing);
+  EXPECT_TRUE(page().isNewestMissing);
 }
 
 }  // namespace

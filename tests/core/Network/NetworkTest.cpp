@@ -17,46 +17,35 @@ namespace {
 using Case = NetworkError::Case;
 
 TEST(NetworkErrorTexts, AreKeptByteForByte) {
-  struct Row {
-    NetworkError error;
-    std::string description, localized;
-  };
   const FixedHostApplication host({.translations = {{"Failed with 404 status code", "Nicht gefunden"}}});
-  for (const Row& row :
-       std::vector<Row>{{{Case::invalidPath, "m"}, "Invalid Patherror ocurred (m", "m"},
-                        {{Case::badUrl, "m"}, "Bad URL error ocurred\nm", "m"},
-                        {{Case::invalidStatusCode, {}, 503}, "Failed with Status (503)", "Failed with 503 status code"},
-                        {{Case::invalidStatusCode, {}, 404}, "Failed with Status (404)", "Nicht gefunden"},
-                        {{Case::decodingError, "m"}, "Failed while Decoding Response.\nm", "m"},
-                        {{Case::invalidURL, "m"}, "Invalid URL error ocurred.\nm", "m"},
-                        {{Case::response}, "An unknown error occurred.", "Unexpected Error"},
-                        {{Case::keyMapping}, "An unknown error occurred.", "Unexpected Error"},
-                        {{Case::cdnNotModified}, "An unknown error occurred.", "Unexpected Error"}}) {
-    EXPECT_EQ(row.error.description(), row.description);
-    EXPECT_EQ(row.error.localizedDescription(host), row.localized);
+  const std::tuple<NetworkError, const char*, const char*> rows[] = {
+      {{Case::invalidPath, "m"}, "Invalid Patherror ocurred (m", "m"},
+      {{Case::badUrl, "m"}, "Bad URL error ocurred\nm", "m"},
+      {{Case::invalidStatusCode, {}, 503}, "Failed with Status (503)", "Failed with 503 status code"},
+      {{Case::invalidStatusCode, {}, 404}, "Failed with Status (404)", "Nicht gefunden"},
+      {{Case::decodingError, "m"}, "Failed while Decoding Response.\nm", "m"},
+      {{Case::invalidURL, "m"}, "Invalid URL error ocurred.\nm", "m"},
+      {{Case::response}, "An unknown error occurred.", "Unexpected Error"}};
+  for (const auto& [error, description, localized] : rows) {
+    EXPECT_EQ(error.description(), description);
+    EXPECT_EQ(error.localizedDescription(host), localized);
   }
 }
 
-struct Requests : ::testing::Test {
-  Requests() { world.restart(); }
-
-  std::expected<HttpRequest, NetworkError> build(EndPoint endPoint, std::string base) {
+TEST(Requests, AreBuiltFromEndPointAndBaseAndNeedAnAddress) {
+  World world;
+  world.store(key::etag, std::string("\"v1\""));
+  const auto build = [&](EndPoint endPoint, std::string base) {
     UserDefaultManager store(world.platform, world.sdk->logger());
     return RequestBuilder(std::move(endPoint), std::move(base)).build(store);
-  }
-
-  World world;
-};
-
-TEST_F(Requests, AreBuiltFromEndPointAndBase) {
-  world.store(key::etag, std::string("\"v1\""));
+  };
   ConsentSDKOptions options = world.options();
-  EXPECT_EQ(build(GetCDNEndPoint(options, Mode::live, "de", false), "http://c/").value().url,
-            "http://c/consent/mobile_banner/t1/a1/live/config_de.json");
-  EXPECT_EQ(build(GetCDNEndPoint(options, Mode::draft, "de", true), "http://c/").value().url,
-            "http://c/consent/mobile_banner/t1/a1/draft/config.json");
-  EXPECT_EQ(build(GetCurrentLocationEndPoint(), "http://h/api").value().url, "http://h/apicore/v1/utils/geo/location");
-
+  options.tenantId = "a b\r\nX: y";
+  EXPECT_EQ(build(GetCDNEndPoint(options, Mode::live, "de", true), "http://h/").error(),
+            (NetworkError{Case::invalidURL, "http://h/consent/mobile_banner/a b\r\nX: y/a1/live/config.json"}));
+  for (const std::string base : {"", "no address", "http://h h/", "//h/"}) {
+    EXPECT_EQ(build(GetCurrentLocationEndPoint(), base).error(), (NetworkError{Case::invalidURL, base}));
+  }
   const auto upload = build(PostConsentsEndPoint("token", PostConsentsRequest()), "http://a/").value();
   EXPECT_EQ(upload.url, "http://a/vantari/v1/consent/mobile/singleupload");
   EXPECT_EQ(upload.method, "POST");
@@ -65,8 +54,6 @@ TEST_F(Requests, AreBuiltFromEndPointAndBase) {
                                          {"X-Auth-Token", "token"},
                                          {"If-None-Match", "\"v1\""}}));
   EXPECT_EQ(upload.timeout, std::chrono::seconds(60));
-  EXPECT_TRUE(upload.body);
-
   EndPoint custom;
   custom.headerParams = {{HeaderParam::accept, "text/plain"}};
   custom.queryParams = {{QueryParam::limit, "a b&c"}};
@@ -74,16 +61,6 @@ TEST_F(Requests, AreBuiltFromEndPointAndBase) {
   const auto request = build(custom, "http://h/").value();
   EXPECT_EQ(request.url, "http://h/p?limit=a%20b%26c");
   EXPECT_EQ(request.headers.at("Accept"), "text/plain");
-}
-
-TEST_F(Requests, NeedAnAddress) {
-  for (const std::string base : {"", "no address", "http://h h/", "//h/"}) {
-    EXPECT_EQ(build(GetCurrentLocationEndPoint(), base).error(), (NetworkError{Case::invalidURL, base}));
-  }
-  ConsentSDKOptions options = world.options();
-  options.tenantId = "a b\r\nX: y";
-  EXPECT_EQ(build(GetCDNEndPoint(options, Mode::live, "de", true), "http://h/").error(),
-            (NetworkError{Case::invalidURL, "http://h/consent/mobile_banner/a b\r\nX: y/a1/live/config.json"}));
 }
 
 // Configuration, location and uploads come from separate servers, which repeat the token they receive.
@@ -128,8 +105,7 @@ TEST(AccessToken, GoesToTheApplicationServerAloneAndIntoNoLog) {
 
   for (const auto* server : {&world.server, &application, &other}) {
     for (const auto& request : server->seen()) {
-      const bool carries = request.headers.contains("X-Auth-Token");
-      EXPECT_EQ(carries, server == &application) << request.path;
+      EXPECT_EQ(request.headers.contains("X-Auth-Token"), server == &application) << request.path;
       EXPECT_FALSE(contains((request.path + request.body), "secret-token"));
     }
   }
@@ -140,29 +116,21 @@ TEST(AccessToken, GoesToTheApplicationServerAloneAndIntoNoLog) {
 }
 
 TEST(ExchangeTexts, HaveOneFormWithTheTokenMasked) {
-  HttpRequest request;
-  request.url = "http://h/p";
-  request.method = "POST";
-  request.headers = {{"X-Auth-Token", "secret"}, {"Accept", "*/*"}};
-  request.body = "{}";
+  HttpRequest request{"http://h/p", "POST", {{"X-Auth-Token", "secret"}, {"Accept", "*/*"}}, "{}"};
   HttpResponse response{"http://h/p", 500, {{"Etag", "a\"b"}}, "one\ntwo"};
   EXPECT_EQ(exchangeText(request, response),
             "\nURLRequest: {\n  URL: http://h/p\n  HTTP Method: POST\n"
             "  Headers: [\"Accept\": \"*/*\", \"X-Auth-Token\": \"***\"]\n  Body: {}\n}\n"
             "URLResponse: {\n  URL: http://h/p\n  Status Code: 500\n  Headers: [\"Etag\": \"a\"b\"]\n}\n"
             "Data: { one\\ntwo }");
-  request.body.reset();
-  request.headers.clear();
-  response.status.reset();
-  response.body = "\xff";
-  const std::string text = exchangeText(request, response);
-  EXPECT_TRUE(contains(text, "  Headers: [:]\n  Body: nil\n"));
-  EXPECT_TRUE(contains(text, "  Status Code: -999\n"));
-  EXPECT_TRUE(text.ends_with("Data: { Non-UTF8 data }"));
+  request = {"http://h/p", "GET", {}, std::nullopt};
+  response = {"http://h/p", std::nullopt, {}, "\xff"};
+  EXPECT_EQ(exchangeText(request, response),
+            "\nURLRequest: {\n  URL: http://h/p\n  HTTP Method: GET\n  Headers: [:]\n  Body: nil\n}\n"
+            "URLResponse: {\n  URL: http://h/p\n  Status Code: -999\n  Headers: [:]\n}\nData: { Non-UTF8 data }");
   response.body = R"("x-auth-token":"one\"two","x-auth-token": 5 "x-auth-token":"cut)";
-  EXPECT_TRUE(exchangeText(request, response)
-                  .ends_with(R"(Data: { "x-auth-token":"***","x-auth-token": 5 "x-auth-token":"*** })"))
-      << exchangeText(request, response);
+  EXPECT_TRUE(contains(exchangeText(request, response),
+                       R"(Data: { "x-auth-token":"***","x-auth-token": 5 "x-auth-token":"*** })"));
   response.body = std::string(1 << 20, 'x');
   EXPECT_LT(exchangeText(request, response).size(), 70'000u);
 }

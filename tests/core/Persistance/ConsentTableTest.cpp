@@ -57,6 +57,16 @@ int readNumber(const ConsentTable& table) {
   return number;
 }
 
+// Reads until it is over, and sees no earlier decision after a later one, nor after one that has returned.
+void watch(const ConsentTable& table, const std::atomic<bool>& over, const std::atomic<int>& returned = 0) {
+  for (int last = 0; !over;) {
+    const int told = returned;
+    const int number = readNumber(table);
+    ASSERT_GE(number, std::max(last, told));
+    last = number;
+  }
+}
+
 // A process with its own connection to the store.
 struct Process {
   explicit Process(const std::filesystem::path& folder) : store(folder, std::make_shared<WorkPool>("work", 2)) {}
@@ -81,19 +91,12 @@ TEST(ConsentTableTest, ReadersSeeNoHalfDecisionAndNoEarlierOneWhileTwoProcessesW
   constexpr int rounds = 100;
   TemporaryFolder folder(TemporaryFolder::fastParent());
   Process one(folder.path() / "app"), two(folder.path() / "app");
-  std::atomic<int> returned = 0;
+  std::atomic<int> returned = 0, none = 0;
   std::atomic<bool> over = false;
   std::vector<std::jthread> readers;
   for (Process* process : {&one, &one, &two}) {
-    readers.emplace_back([&, process] {
-      for (int last = 0; !over;) {
-        const int told = process == &one ? returned.load() : 0;  // another's decisions take up to 100 ms
-        const int number = readNumber(process->table);
-        ASSERT_GE(number, last) << "an earlier decision";
-        ASSERT_GE(number, told) << "earlier than a decision that has returned";
-        last = number;
-      }
-    });
+    // Another's decisions take up to 100 ms.
+    readers.emplace_back([&, process] { watch(process->table, over, process == &one ? returned : none); });
   }
   {
     std::jthread other([&] {
@@ -118,15 +121,7 @@ TEST(ConsentTableTest, ReadersSeeNoHalfDecisionHoweverFastTheyAreMade) {
   ConsentTable table;
   std::vector<std::jthread> readers;
   std::atomic<bool> over = false;
-  for (int i = 0; i < 2; ++i) {
-    readers.emplace_back([&] {
-      for (int last = 0; !over;) {
-        const int number = readNumber(table);
-        ASSERT_GE(number, last) << "an earlier decision";
-        last = number;
-      }
-    });
-  }
+  for (int i = 0; i < 2; ++i) readers.emplace_back([&] { watch(table, over); });
   SuiteEntries entries;
   for (int i = 0; i < rounds; ++i) {
     StoreTransaction transaction(entries);
@@ -152,7 +147,6 @@ TEST(ConsentTableTest, ShowsWhatIsStored) {
                                        "",
                                        "SUBJECT_ID",
                                        "a permission",
-                                       "another",
                                        std::string(257, 'x')};
   const std::vector<std::int64_t> ids{
       0, 1, -1, 7, 2, std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()};
@@ -172,19 +166,14 @@ TEST(ConsentTableTest, ShowsWhatIsStored) {
     SuiteChanges changes;
     for (std::size_t i = pick(4); i > 0; --i) {
       const std::string name = pick(4) == 0 ? std::to_string(100 + pick(500)) : names[pick(names.size())];
-      const std::vector<std::optional<PropertyValue>> values{std::nullopt,
-                                                             PropertyValue("granted"),
-                                                             PropertyValue("declined"),
-                                                             PropertyValue("withdrawn"),
-                                                             PropertyValue("no status"),
-                                                             PropertyValue(true)};
-      changes.insert_or_assign(name, values[pick(values.size())]);
+      const std::optional<PropertyValue> values[] = {std::nullopt, "granted", "declined", "withdrawn", "no", true};
+      changes.insert_or_assign(name, values[pick(std::size(values))]);
     }
     if (pick(4) == 0) changes.insert_or_assign(std::string(key::answeredPurposesList), someIds());
     if (pick(4) == 0) changes.insert_or_assign(std::string(key::trackingPurposesList), someIds());
     if (pick(4) == 0) changes.insert_or_assign(std::string(key::lostEntries), pick(2) == 0);
-    if (pick(4) == 0)
-      changes.insert_or_assign(std::string(key::currentComplianceType), pick(2) == 0 ? "opt-in" : "opt-out");
+    const auto* const type = pick(2) == 0 ? "opt-in" : "opt-out";
+    if (pick(4) == 0) changes.insert_or_assign(std::string(key::currentComplianceType), type);
     if (pick(50) == 0) {
       for (const auto& [key, value] : entries) changes.try_emplace(key, std::nullopt);
     }
