@@ -49,7 +49,7 @@ TEST(Document, IsRefusedWithThePlaceAndTheReason) {
       {"{\"x\":\"\xED\xA0\x80\"}", "x: syntax error at byte 6"},
       {R"({"id":"a",})", "id: syntax error at byte 10"},
       {R"({"version":NaN})", "version: syntax error at byte 11"},
-      {R"({"i18n":{"a\n\u007f\u0000b":7}})", R"(i18n.a\x0a\x7f\x00b: expected an object)"},
+      {R"({"i18n":{"a\n\u007f\u0000b":7}})", R"(i18n.a\n\x7f\x00b: expected an object)"},
       {R"({"i18n":{")" + std::string(63, 'k') + R"(ä":7}})",
        "i18n." + std::string(63, 'k') + "...: expected an object"},
   };
