@@ -212,12 +212,12 @@ void checkInNextProcess(Trial& trial, const std::filesystem::path& data, const W
   trial.expect(failures.empty(), failures);
 }
 
-// Every call in turn, or every stride-th, until the work makes fewer calls.
-Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
+// Every call in turn, or every step-th, until the work makes fewer calls.
+Seen sweep(Trial& trial, const Work& work, const Fault& fault, int step) {
   Seen seen{.status = "ready", .log = {}, .stored = {}};
   int points = 0;
   int gaveUp = 0;
-  for (int number = 1; trial.failures().size() < 5; number += trial.oneIn(stride), ++points) {
+  for (int number = 1; trial.failures().size() < 5; number += step, ++points) {
     const TemporaryFolder place(TemporaryFolder::fastParent());
     const auto data = place.path() / "data";
     const std::string where = "call " + std::to_string(number);
@@ -242,8 +242,8 @@ Seen withoutMemory(Trial& trial) {
   const Fault fault = sqliteAllocations();
   Seen all;
   for (const Work* work : {&opening, &savingAConfiguration, &decision, &clearingThePending}) {
-    constexpr int stride = 13;
-    const Seen one = sweep(trial, *work, fault, stride);
+    // There are some thousand, of which many are alike.
+    const Seen one = sweep(trial, *work, fault, trial.rounds(5, trial.oneIn(13)));
     all = {.status = one.status, .log = all.log + one.log, .stored = one.stored};
     if (one.stored != allAcknowledged) break;
   }
@@ -285,12 +285,12 @@ std::vector<Row> sweepRows() {
     rows.push_back({name,
                     fault,
                     [&swept = work, struck = systemCalls(effect), stride](Trial& trial) {
-                      return sweep(trial, swept, struck, stride);
+                      return sweep(trial, swept, struck, trial.oneIn(stride));
                     },
                     {"ready", log, allAcknowledged}});
   }
-  rows.push_back(Row("sqlite-nomem", "SQLite runs out of memory at each allocation of the four", withoutMemory,
-                     {"ready", "out of memory", allAcknowledged}, std::chrono::seconds(600)));
+  rows.push_back(Row("sqlite-nomem", "SQLite runs out of memory at each fifth allocation of the four", withoutMemory,
+                     {"ready", "out of memory", allAcknowledged}, std::chrono::seconds(1200)));
   return rows;
 }
 

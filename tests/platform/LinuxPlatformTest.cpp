@@ -145,8 +145,8 @@ TEST(EnvironmentLocaleTest, TakesTheVariablesInOrderWithoutDuplicates) {
 
 TEST(EnvironmentLocaleTest, SpeaksEnglishWhenNothingUsableIsSet) {
   EXPECT_EQ(languages({}), Languages{"en"});
-  for (const char* odd : {"", ":", "../../etc/passwd", "d", "1e_DE", "de_", "de__DE", "de DE", "\xc3\xa4_DE", "de\n",
-                          "abcdefghi", ".UTF-8"}) {
+  for (const char* odd : {"", ":", "../../etc/passwd", "de/DE", "d", "1e_DE", "de_", "de__DE", "de DE", "\xc3\xa4_DE",
+                          "de\n", "abcdefghi", ".UTF-8"}) {
     EXPECT_EQ(languages({{"LANGUAGE", odd}, {"LANG", odd}}), Languages{"en"}) << odd;
   }
 }
