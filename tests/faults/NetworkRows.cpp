@@ -1,4 +1,4 @@
-// Faults of the servers and the network.
+// Faults of the servers, their answers, the network and the message buses, the sources of the device's permissions.
 #include <net/if.h>
 #include <sched.h>
 #include <stdlib.h>
@@ -13,11 +13,12 @@
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/LinuxClock.h"
+#include "platform/linux/PermissionSources/LinuxPermissionSources.h"
 #include "platform/linux/WorkPool.h"
-#include "tests/faults/Areas.h"
-#include "tests/faults/Damage.h"
+#include "tests/faults/Row.h"
+#include "tests/platform/FalseBus.h"
+#include "tests/platform/PrivateBus.h"
 #include "tests/support/RawServer.h"
-#include "tests/support/World.h"
 
 namespace quillon::test {
 namespace {
@@ -129,12 +130,6 @@ Run repeating(const std::string& begin, const std::string& part) {
   };
 }
 
-// A port without a listener.
-Seen deserted(Trial& trial) {
-  const auto address = RawServer([](int) {}).url();
-  return whileServersAre(trial, address);
-}
-
 // A listener that accepts no connection because its queue is full.
 Seen fullListener(Trial& trial) {
   std::array<int, 4> sockets{};
@@ -150,18 +145,12 @@ Seen fullListener(Trial& trial) {
   return result;
 }
 
-std::string gzip(const std::string& text) {
-  z_stream stream{};
-  constexpr int gzipFormat = 16;
-  if (deflateInit2(&stream, 9, Z_DEFLATED, gzipFormat + MAX_WBITS, 9, Z_DEFAULT_STRATEGY) != Z_OK) std::abort();
-  std::string result(deflateBound(&stream, text.size()), '\0');
-  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  stream.avail_in = static_cast<uInt>(text.size());
-  stream.next_out = reinterpret_cast<Bytef*>(result.data());
-  stream.avail_out = static_cast<uInt>(result.size());
-  if (deflate(&stream, Z_FINISH) != Z_STREAM_END) std::abort();
-  result.resize(stream.total_out);
-  deflateEnd(&stream);
+std::string deflated(const std::string& text) {
+  std::string result(compressBound(text.size()), '\0');
+  uLongf size = result.size();
+  const auto* const from = reinterpret_cast<const Bytef*>(text.data());
+  if (compress2(reinterpret_cast<Bytef*>(result.data()), &size, from, text.size(), 9) != Z_OK) std::abort();
+  result.resize(size);
   return result;
 }
 
@@ -281,11 +270,7 @@ class HurriedClock : public LinuxClock {
 Seen silentLocation(Trial& trial) {
   const RawServer silent(RawServer::fallSilent);
   World world;
-  auto document = validConfiguration();
-  auto& banners = document["banner_config"].as_object();
-  banners["categories"].as_object()["us"] = {{"compliance_type", "opt-out"}};
-  banners["locations"].as_object()["US"] = "us";
-  world.server.serve(document);
+  world.server.serve(configurationOfTwoLaws("US"));
   world.amend = [&](Platform& platform) {
     const auto pool = std::make_shared<WorkPool>("timers", 1);
     platform.clock = trial.isShort() ? std::make_shared<HurriedClock>(pool) : std::make_shared<LinuxClock>(pool);
@@ -311,18 +296,128 @@ Seen silentLocation(Trial& trial) {
   return seen(world, "CURRENT_COMPLIANCE_TYPE=" + world.text(key::currentComplianceType).value_or("nothing"));
 }
 
+// An entity tag that cannot be sent back must not stop later requests.
+Seen uselessTags(Trial& trial) {
+  World world;
+  std::size_t starts = 0;
+  auto document = validConfiguration();
+  for (const std::string tag : {"", " ", "\x01", "\"a\x7f\"", "\"fine\""}) {
+    document["version"] = 10 + static_cast<int>(starts);
+    world.server.onConfiguration([tag, body = boost::json::serialize(document)](const auto&, auto& response) {
+      response.set_header("ETag", tag);
+      response.set_content(body, "application/json");
+    });
+    world.startLater();
+    world.restart();
+    trial.expect(world.server.seen(configurationPath).size() == ++starts, "no request before the tag \"" + tag + "\"");
+  }
+  world.startLater();
+  return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
+}
+
+// Neither accepted (0) nor retryable (1).
+Seen finalStatus(Trial& trial) {
+  World world;
+  world.server.onUpload(json(R"({"status":2,"message":"no"})"));
+  world.start();
+  world.sdk->acceptOrReject(true).wait();
+  world.advance(24h);
+  trial.expect(world.uploads().size() == 1, "what the server refused for good is sent again");
+  world.restart();
+  world.start();
+  world.advance(24h);
+  trial.expect(world.uploads().size() == 1, "the next run sends it again");
+  world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
+  world.advance(2s);
+  trial.expect(world.uploads().size() == 2, "a change is not sent");
+  return seen(world);
+}
+
+// A token that occurs in every response.
+Seen tokenInAnswer(Trial& trial) {
+  World world;
+  auto document = validConfiguration();
+  document["x-auth-token"] = "status";
+  world.server.serve(document);
+  world.start();
+  world.sdk->acceptOrReject(true).wait();
+  world.settle();
+  world.advance(10h);
+  trial.expect(world.uploads().size() == 1, "an accepted upload is repeated");
+  return seen(world);
+}
+
+Seen placeWithoutCountry(Trial& trial) {
+  World world;
+  auto options = world.options();
+  options.locationCode = std::nullopt;
+  world.server.serve(configurationOfTwoLaws("US"));
+  for (const std::string country : {R"({"en":"US"})", R"({"en":""})", "{}", "null"}) {
+    world.server.onLocation(located(country));
+    world.startLater(options);
+    trial.expect(world.sdk->isAllowed(1), "the known place is lost by " + country);
+  }
+  return seen(world, "CURRENT_COMPLIANCE_TYPE=" + world.text(key::currentComplianceType).value_or("nothing"));
+}
+
 // A row with useless servers: the cached configuration stays in use, and the answer stays pending.
 Row useless(std::string_view name, std::string_view fault, std::string log, Run run) {
   return {name, fault, std::move(run), {"ready", std::move(log), "1=granted, to be uploaded"}};
+}
+
+constexpr const char* storeName = "org.freedesktop.impl.portal.PermissionStore";
+
+// A device with its buses at this address: it starts, gets an answer and queries its camera. No bus may block any of
+// this for long, and only a correct store's reply grants the camera.
+Seen overBus(Trial& trial, const std::string& address) {
+  ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+  ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
+  World world;
+  world.amend = [](Platform& platform) {
+    platform.permissions = std::make_shared<LinuxPermissionSources>("com.example.reader");
+  };
+  const auto begin = Stopwatch::now();
+  world.start();
+  trial.expect(world.sdk->acceptOrReject(true).get(), "the answer is not acknowledged");
+  const auto camera = world.sdk->checkConsentBy(VantariKey::cameraUsageDescription).get();
+  trial.expect(world.sdk->get(VantariKey::cameraUsageDescription) == camera, "get() and checkConsentBy() disagree");
+  Seen result = seen(world);
+  world.sdk.reset();
+  world.platform = {};
+  trial.expect(Stopwatch::now() - begin < std::chrono::seconds(20), "a start, an answer and leaving took too long");
+  result.log = world.log();
+  world.amend = {};
+  world.start();
+  result.stored = seen(world).stored + " camera=" + std::string(rawValue(camera));
+  return result;
+}
+
+Run overBusThatSays(const std::string& words) {
+  return [words](Trial& trial) { return overBus(trial, FalseBus(words).address()); };
+}
+
+Run overStoreThatSays(const std::string& reply) {
+  return [reply](Trial& trial) {
+    const PrivateBus bus(PrivateBus::Services::none);
+    const BusPeer store(bus.address(), storeName, {{"Lookup", reply}});
+    return overBus(trial, bus.address());
+  };
+}
+
+// A row whose buses do not know the camera.
+Row unknown(std::string_view name, std::string_view fault, Run run) {
+  return {name,
+          fault,
+          std::move(run),
+          {"ready", "Something went wrong while fetching the permission status", "1=granted camera=not_determined"}};
 }
 
 }  // namespace
 
 std::vector<Row> networkRows() {
   const std::string half = ok + "Content-Length: 100\r\n\r\n{\"version\": 7";
-  const std::string bomb = gzip(std::string(std::size_t{64} << 20, ' '));
+  const std::string bomb = deflated(std::string(std::size_t{64} << 20, ' '));
   return {
-      useless("refused", "the servers refuse the connection", "Could not connect to 127.0.0.1 port", deserted),
       useless("stall-connect", "the servers take no connection", "onnect", fullListener),
       // The server reads a client's hello, which never contains an empty line.
       useless("stall-tls", "the servers fall silent before the encryption is agreed on", "onnection tim",
@@ -335,26 +430,42 @@ std::vector<Row> networkRows() {
       useless("half-chunk", "the servers hang up before the last chunk", "transfer closed with",
               saying(ok + "Transfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n")),
       useless("no-http", "the servers speak another protocol", "HTTP/0.9", saying("SSH-2.0-OpenSSH_9.2\r\n")),
-      useless("hang-up", "the servers hang up without a word", "Empty reply", saying("")),
       useless("gigabyte", "the servers send a gigabyte that was not announced", "larger than allowed",
               repeating(ok + "\r\n", std::string(std::size_t{1} << 16, ' '))),
       useless("headers", "the servers send headers without end", "larger than allowed",
               repeating(ok, "X-More: " + std::string(1000, 'x') + "\r\n")),
-      useless(
-          "bomb", "the servers send 64 KB that unfold to 64 MB", "larger than allowed",
-          saying(ok + "Content-Encoding: gzip\r\nContent-Length: " + std::to_string(bomb.size()) + "\r\n\r\n" + bomb)),
-      useless("redirects", "the servers redirect without end", "redirected more than 5 times",
-              saying(redirect("/again"))),
+      useless("bomb", "the servers send 64 KB that unfold to 64 MB", "larger than allowed",
+              saying(ok + "Content-Encoding: deflate\r\nContent-Length: " + std::to_string(bomb.size()) + "\r\n\r\n" +
+                     bomb)),
       useless("redirect-file", "the servers redirect to a file of the device", "redirect was not followed",
               saying(redirect("file:///etc/passwd"))),
       useless("elsewhere", "the servers redirect to another one", "Failed with Status (307)", redirectElsewhere),
       useless("proxy", "the proxy of the environment refuses", "Failed with Status (407)", refusingProxy),
       useless("name-server", "the name server never answers", "imed out", deadNameServer),
-      {"location-stall",
-       "the server of the location falls silent",
-       silentLocation,
-       {"ready", "Failed to current location", "CURRENT_COMPLIANCE_TYPE=opt-in"}},
-      {"two-stalls", "the application server stalls twice in a row", twoStalls, {"ready", "Operation t", "1=granted"}},
+      Row("location-stall", "the server of the location falls silent", silentLocation,
+          {"ready", "Failed to current location", "CURRENT_COMPLIANCE_TYPE=opt-in"}),
+      Row("tag-useless", "entity tags that are empty or cannot be sent", uselessTags, {"ready", "", "version 14"}),
+      Row("status-final", "uploads are refused for good", finalStatus, {"ready", "", "1=declined"}),
+      Row("token-in-answer", "the token is a word of every answer", tokenInAnswer),
+      Row("place-nowhere", "a known place, then answers that name none", placeWithoutCountry,
+          {"ready", "Failed to Decode CurrentLocationResponse", "CURRENT_COMPLIANCE_TYPE=opt-out"}),
+      Row("two-stalls", "the application server stalls twice in a row", twoStalls,
+          {"ready", "Operation t", "1=granted"}),
+  };
+}
+
+std::vector<Row> busRows() {
+  const std::string granting = "(@a{sas} {'com.example.reader': ['yes']}, <";
+  return {
+      Row("sound-store", "nothing: the store grants the camera", overStoreThatSays(granting + "0>)"),
+          {"ready", "", "1=granted camera=granted"}),
+      unknown("silent-bus", "the bus takes connections and says nothing", overBusThatSays("")),
+      unknown("babbling-bus", "the bus says 100 KB of nonsense", overBusThatSays(std::string(100'000, '\xff'))),
+      unknown("silent-store", "the permission store gives no answer", overStoreThatSays("")),
+      unknown("lying-store", "the permission store answers with other types",
+              overStoreThatSays("({'com.example.reader': 'yes'}, <0>)")),
+      unknown("huge-store", "the permission store answers with 5 MB",
+              overStoreThatSays(granting + "'" + std::string(5'000'000, 'x') + "'>)")),
   };
 }
 

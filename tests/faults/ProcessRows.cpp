@@ -1,26 +1,25 @@
-// Faults of the process and its resources.
+// Faults of the process, its resources, clock and locale, and of the host's callbacks.
 #include <fcntl.h>
 #include <sys/resource.h>
 
-#include <array>
 #include <boost/json.hpp>
+#include <clocale>
+#include <future>
+#include <locale>
 #include <map>
-#include <mutex>
-#include <random>
-#include <set>
 #include <string_view>
 #include <thread>
 
+#include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/StandardConsole.h"
+#include "platform/parts/FunctionConsentSink.h"
 #include "quillon/LinuxPlatform.h"
-#include "tests/faults/Areas.h"
-#include "tests/faults/Damage.h"
+#include "quillon/SDKLogger.h"
 #include "tests/faults/ProcessEnd.h"
-#include "tests/faults/SystemCalls.h"
+#include "tests/faults/Row.h"
 #include "tests/platform/ChildProcess.h"
 #include "tests/platform/PrivateBus.h"
 #include "tests/support/RawServer.h"
-#include "tests/tools/HostProcess.h"
 
 namespace quillon::test {
 namespace {
@@ -157,64 +156,31 @@ Seen fork(Trial& trial) {
   return seen(world);
 }
 
-// Standard input, output and error are closed.
+// The application prints while its standard input, output and error are closed: nothing of ours takes their place.
 Seen closedDescriptors(Trial& trial) {
   World world;
-  std::map<int, int> kept{{STDIN_FILENO, -1}, {STDOUT_FILENO, -1}, {STDERR_FILENO, -1}};
-  for (auto& [descriptor, copy] : kept) {
-    copy = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 10);
+  std::map<int, int> kept;
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    kept[descriptor] = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 10);
     ::close(descriptor);
   }
-  {
-    std::atomic<bool> over = false;
-    world.amend = [](Platform& platform) { platform.console = std::make_shared<StandardConsole>(); };
-    world.restart();
-    for (const auto& [descriptor, copy] : kept) {
-      std::error_code none;
-      const auto file = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none);
-      trial.expect(file == "/dev/null", "descriptor " + std::to_string(descriptor) + " is " + file.string());
-    }
-    std::jthread printing([&] {
-      while (!over) {
-        std::printf("the application prints\n");
-        std::fflush(stdout);
-      }
-    });
-    for (int round = 0; round < trial.rounds(50, 10); ++round) {
-      world.start();
-      world.clock->jump(2h);
-      trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "a decision cannot be stored");
-      trial.expect(world.sdk->getStatus() == SDKStatus::ready, "not ready");
-      trial.expect(fileBytes(world.file()).find("prints") == std::string::npos, "what was printed is in our file");
-    }
-    over = true;
+  world.amend = [](Platform& platform) { platform.console = std::make_shared<StandardConsole>(); };
+  world.restart();
+  for (const auto& [descriptor, copy] : kept) {
+    std::error_code none;
+    const auto file = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none);
+    trial.expect(file == "/dev/null", "descriptor " + std::to_string(descriptor) + " is " + file.string());
   }
+  std::printf("the application prints\n");
+  std::fflush(stdout);
+  world.start();
+  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "a decision cannot be stored");
+  trial.expect(fileBytes(world.file()).find("prints") == std::string::npos, "what was printed is in our file");
   for (const auto& [descriptor, copy] : kept) ::dup2(copy, descriptor);
   world.amend = nullptr;
   world.restart();
   world.start();
   return seen(world);
-}
-
-// A file size limit, whose signal terminates a process that does not handle it.
-Seen fileSizeLimit(Trial& trial) {
-  World world;
-  world.start();
-  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused at first");
-  auto newer = validConfiguration();
-  newer["version"] = 6;
-  world.server.serve(boost::json::serialize(newer));
-  world.clock->jump(2h);
-  whileLimited(RLIMIT_FSIZE, 100, [&] {
-    trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "acknowledged without being stored");
-    world.start();
-  });
-  Seen result = seen(world);
-  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused without a limit");
-  // The host's own signal is not swallowed.
-  ::signal(SIGXFSZ, SIG_DFL);
-  trial.expect(endOf([] { ::raise(SIGXFSZ); }) != 0, "the signal no longer does what the host wants");
-  return result;
 }
 
 // Peers disconnect in the middle, and standard output is a pipe that nobody reads.
@@ -239,26 +205,6 @@ Seen brokenPipes(Trial& trial) {
   ::dup2(output, STDOUT_FILENO);
   const auto pending = world.stored().pendingPurposes();
   return seen(world, "1=" + world.text("1").value_or("nothing") + (pending.empty() ? "" : ", pending"));
-}
-
-// The process is out of descriptors. The sanitizers need some themselves, so the limit is simulated.
-Seen noDescriptors(Trial& trial) {
-  World world;
-  world.start();
-  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused at first");
-  world.settle();
-  breakCalls(world.data, Effect::noDescriptors, 1);
-  const bool stored = world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn);
-  trial.expect(world.sdk->get(1) == (stored ? ConsentStatus::withDrawn : ConsentStatus::granted),
-               "something else than acknowledged");
-  world.clock->jump(2h);
-  world.start();
-  trial.expect(restoreCalls(), "nothing was opened");
-  Seen result = seen(world);
-  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::declined), "refused with descriptors again");
-  trial.expect(world.sdk->uploadPendingConsents().get(), "no upload with descriptors again");
-  result.stored = "1=" + world.text("1").value_or("nothing");
-  return result;
 }
 
 // Fewer and fewer descriptors for connections, pipes, the bus and the store, during setup or work, and plenty
@@ -307,154 +253,153 @@ Seen fewDescriptors(Trial& trial) {
   return seenIn(data);
 }
 
-// Two processes of one application decide at once, each on its own purpose.
-Seen twoProcesses(Trial& trial) {
-  const TemporaryFolder place;
-  const auto data = place.path() / "data";
-  const int rounds = trial.rounds(100, 20);
-  const auto deciding = [&](std::int64_t purpose) {
-    return [&, purpose](const ChildProcess::Say& say) {
-      World world(data);
-      world.server.onUpload(json("", 503));  // one may find at its start what the other has decided
-      world.start();
-      for (int round = 0; round < rounds; ++round) {
-        const auto consent = round % 2 == 0 ? ConsentStatus::granted : ConsentStatus::withDrawn;
-        if (!world.sdk->set({.purposeId = purpose}, consent) || world.sdk->get(purpose) != consent) {
-          return say("round " + std::to_string(round) + " failed\n" + world.log());
-        }
-      }
-    };
+// Decimal commas, thousands separators, words for booleans.
+struct OddPunctuation : std::numpunct<char> {
+  char do_decimal_point() const override { return ','; }
+  char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\3"; }
+  std::string do_truename() const override { return "wahr"; }
+};
+
+// What a decision, its upload and a saved configuration leave must be the same in all locales.
+Seen oddLocales(Trial& trial) {
+  const auto afterARun = [](World& world) {
+    world.start();
+    world.sdk->acceptOrReject(true).get();
+    world.settle();
+    return boost::json::serialize(world.uploads().back()) +
+           " SDK_VERSION=" + std::to_string(world.stored().integer(key::configurationVersion, 0)) + " " +
+           fileBytes(world.file());
   };
-  {
-    ChildProcess one(deciding(1)), two(deciding(2));
-    for (auto* process : {&one, &two}) {
-      const auto said = process->finish();
-      trial.expect(said.empty(), said);
-    }
+  World plain;
+  const auto wanted = afterARun(plain);
+  std::locale::global(std::locale(std::locale::classic(), new OddPunctuation));
+  // The locales installed here; the one above always is.
+  for (const char* name : {"C.UTF-8", "de_DE.UTF-8", "fa_IR.UTF-8", "th_TH.UTF-8", "tr_TR.UTF-8", "ar_SA.UTF-8"}) {
+    std::setlocale(LC_ALL, name);
+    World world;
+    trial.expect(afterARun(world) == wanted, std::string(name) + " changes what is sent or kept");
   }
-  World world(data);
+  return seen(plain);
+}
+
+// The banner is answered while the clock is a year ahead; the clock is then corrected, and the banner reappears one
+// interval after that.
+Seen aYearForwardAndBack(Trial& trial) {
+  constexpr auto year = std::chrono::hours(24 * 366);
+  World world;
+  world.clock->jump(year);
   world.start();
-  const std::string sent = world.uploads().empty() ? "" : boost::json::serialize(world.uploads().back());
-  trial.expect(sent.find("\"purpose_id\":1") != sent.npos && sent.find("\"purpose_id\":2") != sent.npos,
-               "a pending decision was overwritten: " + sent);
-  return seen(world, "1=" + world.text("1").value_or("nothing") + " 2=" + world.text("2").value_or("nothing"));
+  trial.expect(world.sdk->isBannerDue(), "not due at first");
+  trial.expect(world.sdk->acceptOrReject(true).get(), "no answer stored");
+  world.clock->jump(-year);
+  world.start();
+  trial.expect(!world.sdk->isBannerDue(), "due at once");
+  world.clock->jump(year);
+  world.start();
+  trial.expect(world.sdk->isBannerDue(), "not due an interval after the clock was set right");
+  return seen(world);
 }
 
-void kill(HostProcess& host) {
-  host.tool.sendSignal(SIGKILL);
-  host.tool.wait();
+[[noreturn]] void fail() {
+  throw std::runtime_error("host\nfault");
 }
 
-std::string consentIn(HostProcess& host, int purpose) {
-  const auto answer = host.ask(R"({"op":"get","purposeId":)" + std::to_string(purpose) + "}");
-  return answer.contains("consent") ? answer.at("consent").as_string().c_str() : boost::json::serialize(answer);
-}
-
-Seen killedWithTheBanner(Trial& trial) {
-  const TemporaryFolder place;
-  ConsentServer server;
-  server.serve(validConfiguration());
-  for (int round = 0; round < trial.rounds(10, 2); ++round) {
-    HostProcess host(place.path() / "data", server.url());
-    host.setUp();
-    const auto shown = host.ask(R"({"op":"banner","ifDue":true})");
-    trial.expect(shown.contains("banner"), "the banner is not due again: " + boost::json::serialize(shown));
-    for (const int purpose : {1, 2, 3}) {
-      const auto consent = consentIn(host, purpose);
-      trial.expect(consent == "declined", "unanswered, but " + consent);
-    }
-    kill(host);
-  }
-  return seenIn(place.path() / "data");
-}
-
-// A host is killed repeatedly during decisions and uploads, with a server that fails every other time.
-Seen killedAtAnyMoment(Trial& trial) {
-  const TemporaryFolder place;
-  const auto data = place.path() / "data";
-  std::mutex mutex;
-  std::map<int, std::string> recorded;  // what the server answered last with status 0
-  int requests = 0;
-  bool failing = true;
-  ConsentServer server;
+// Every host callback throws.
+Seen callbacksThatThrow(Trial& trial) {
+  World world;
   auto document = validConfiguration();
-  document["is_att_enabled"] = false;
-  server.serve(document);
-  server.onUpload([&](const auto& request, auto& response) {
-    const std::scoped_lock lock(mutex);
-    if (failing && ++requests % 2 == 0) return void(response.status = 500);
-    const auto upload = boost::json::parse(request.body);
-    for (const auto& consent : upload.at("purpose_consents").as_array()) {
-      recorded[static_cast<int>(consent.at("purpose_id").as_int64())] =
-          consent.at("consent_status").as_string().c_str();
-    }
-    json(saved)(request, response);
+  document["gcm_config"] = {{"DE", {{"ad_storage", {1}}}}};
+  world.server.serve(document);
+  world.amend = [](Platform& platform) {
+    platform.consentSink = std::make_shared<FunctionConsentSink>([](const auto&) { fail(); });
+  };
+  world.restart();
+  world.sdk->isReady([](SDKStatus) { fail(); });
+  world.start();
+  auto& sdk = *world.sdk;
+  sdk.getPurposeConsents([](const auto&) { fail(); });
+  sdk.getPermissionConsents([](const auto&) { fail(); });
+  sdk.checkConsentBy(VantariKey::cameraUsageDescription, [](ConsentStatus) { throw 7; });
+  sdk.getGCMConsents([](const auto&) { fail(); });
+  sdk.getBannerConfig(std::nullopt, [](const auto&) { fail(); });
+  sdk.getSettingsPrompt([](const auto&) { fail(); });
+  sdk.getGCMConfig([](const auto&) { fail(); });
+  sdk.checkConsents([] { fail(); });
+  sdk.acceptOrReject(true, [](bool) { fail(); });
+  sdk.uploadPendingConsents([](bool) { fail(); });
+  world.settle();
+  trial.expect(sdk.uploadPendingConsents().get(), "uploads no longer work");
+  trial.expect(world.log().find("A callback of the host threw: host\\nfault") != std::string::npos,
+               "what was thrown is not in the log");
+  return seen(world);
+}
+
+// Callbacks call the SDK on the main queue and wait for results there.
+Seen callbacksThatCallBack(Trial& trial) {
+  World world;
+  std::promise<void> done;
+  world.restart();
+  world.sdk->isReady([&](SDKStatus status) {
+    if (status != SDKStatus::ready) return;
+    world.sdk->removeListeners();
+    world.sdk->isReady([](SDKStatus) {});
+    world.sdk->set({.purposeId = 1}, ConsentStatus::granted);
+    trial.expect(world.sdk->getPurposeConsents().get().size() == 3, "no answer within a callback");
+    trial.expect(world.sdk->acceptOrReject(true).get(), "no answer stored within a callback");
+    world.sdk->setup(world.options());
+    world.sdk->logger().log("within a callback", LogLevel::info, "fault", "ProcessRows", __LINE__);
+    world.sdk->checkConsents([&] {
+      world.sdk->removeListeners();
+      done.set_value();
+    });
   });
+  world.start();
+  trial.expect(done.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready,
+               "no callback any more");
+  world.settle();
+  return seen(world);
+}
 
-  std::mt19937 random(20261124);
-  const std::array<std::string, 3> statuses{"granted", "declined", "withdrawn"};
-  // The possible status of each purpose: the last acknowledged decision, and later ones whose result was not read.
-  std::map<int, std::set<std::string>> possible;
-  for (int round = 0; round < trial.rounds(200, 15) && trial.failures().empty(); ++round) {
-    HostProcess host(data, server.url());
-    host.setUp();
-    for (auto& [id, values] : possible) {
-      const auto found = consentIn(host, id);
-      trial.expect(values.contains(found), "round " + std::to_string(round) + ", " + std::to_string(id) + "=" + found);
-      values = {found};
-    }
-    std::vector<std::pair<int, std::string>> sent;
-    const auto lines = 1 + random() % 6;
-    for (unsigned i = 0; i < lines; ++i) {
-      const int id = 1 + static_cast<int>(random() % 3);
-      const std::string& status = statuses[random() % statuses.size()];
-      sent.emplace_back(id, status);
-      host.tell(R"({"op":"set","purposeId":)" + std::to_string(id) + R"(,"consent":")" + status + "\"}");
-      if (random() % 2 == 0) {
-        sent.emplace_back(0, "");
-        host.tell(R"({"op":"upload"})");
-      }
-    }
-    // Killed in the middle: some results are read, the others never.
-    const auto acknowledged = random() % (sent.size() + 1);
-    for (std::size_t i = 0; i < sent.size(); ++i) {
-      const auto& [id, status] = sent[i];
-      if (i < acknowledged) {
-        const auto answer = host.hear();
-        if (id != 0 && answer.contains("stored") && answer.at("stored") == true) possible[id] = {status};
-      } else if (id != 0) {
-        // A decision without a read result may or may not have been made; before the first one a purpose has its
-        // default.
-        if (possible[id].empty()) possible[id].insert("declined");
-        possible[id].insert(status);
-      }
-    }
-    kill(host);
-  }
+// A callback destroys its SDK.
+Seen callbackThatDestroys(Trial& trial) {
+  World world;
+  std::promise<void> done;
+  world.restart();
+  world.sdk->setup(world.options());
+  world.sdk->settled().wait();
+  world.sdk->acceptOrReject(true, [&](bool) {
+    world.sdk.reset();
+    done.set_value();
+  });
+  trial.expect(done.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready,
+               "no callback any more");
+  world.restart();
+  world.start();
+  return seen(world);
+}
 
-  {
-    const std::scoped_lock lock(mutex);
-    failing = false;
-  }
-  HostProcess host(data, server.url());
-  host.setUp();
-  const auto uploaded = host.ask(R"({"op":"upload"})");
-  trial.expect(uploaded.contains("uploaded") && uploaded.at("uploaded") == true, "the rest cannot be uploaded");
-  const auto history = host.ask(R"({"op":"history","count":10000})");
-  for (const auto& entry : history.at("history").as_array()) {
-    trial.expect(entry.at("link") == "intact", "an entry looks changed: " + boost::json::serialize(entry));
-  }
-  const std::scoped_lock lock(mutex);
-  for (const auto& [id, values] : possible) {
-    const auto stored = consentIn(host, id);
-    trial.expect(values.contains(stored), std::to_string(id) + "=" + stored + " was not acknowledged last");
-    const auto there = recorded.find(id);
-    trial.expect((there == recorded.end() ? "declined" : there->second) == stored,
-                 std::to_string(id) + " differs there");
-  }
-  return {.status = host.ask(R"({"op":"status"})").at("status").as_string().c_str(),
-          .log = {},
-          .stored = "all that was acknowledged"};
+// The host's main queue drops or refuses every job: operations that do not need it do not wait for it.
+Seen mainQueueThatLoses(Trial& trial) {
+  World world;
+  struct Nowhere : Executor {
+    void post(Job) override {}
+  };
+  struct Losing : Executors {
+    std::shared_ptr<Executors> real;
+    std::shared_ptr<Executor> main() override { return std::make_shared<Nowhere>(); }
+    std::shared_ptr<Executor> background() override { return real->background(); }
+    std::shared_ptr<Executor> serial(std::string label) override { return real->serial(std::move(label)); }
+  };
+  world.amend = [](Platform& platform) {
+    const auto losing = std::make_shared<Losing>();
+    losing->real = std::exchange(platform.executors, losing);
+  };
+  world.start();
+  world.sdk->checkConsents([&] { trial.expect(false, "called where there is no queue"); });
+  trial.expect(world.sdk->acceptOrReject(true).get(), "a decision waits for the main queue");
+  world.sdk->settled().wait();
+  return seen(world);
 }
 
 }  // namespace
@@ -467,37 +412,27 @@ extern "C" int __lsan_is_turned_off() {
 
 std::vector<Row> processRows() {
   return {
-      {"leave-main", "main returns at five moments of a run, the server silent or not", leavingMain},
-      {"leave-threads", "main returns while other threads use the SDK, until the process is gone", leavingThreads},
-      {"fork", "the host forks while the SDK is at work, and the children exit", fork},
-      {"descriptors-closed", "descriptors 0 to 2 are closed, and the application prints", closedDescriptors},
-      {"file-size-limit",
-       "files may not grow, SIGXFSZ at its default",
-       fileSizeLimit,
-       {"ready", "Failed to store", "1=granted"}},
-      {"broken-pipes",
-       "peers hang up, nobody reads the output, SIGPIPE at its default",
-       brokenPipes,
-       {"ready", "Empty reply from server", "1=granted, pending"}},
-      {"descriptors-none",
-       "no more files can be opened, and later they can",
-       noDescriptors,
-       {"ready", "Failed", "1=declined"}},
-      {"descriptors-few", "fewer and fewer descriptors for connections, pipes and the store, and later plenty",
-       fewDescriptors},
-      {"two-processes",
-       "two processes of one application decide at once",
-       twoProcesses,
-       {"ready", "", "1=withdrawn 2=withdrawn"}},
-      {"kill",
-       "killed at any moment, 200 times, while the server fails every other upload",
-       killedAtAnyMoment,
-       {"ready", "", "all that was acknowledged"},
-       300s},
-      {"kill-banner",
-       "killed while the banner shows, again and again",
-       killedWithTheBanner,
-       {"ready", "", "1=nothing"}},
+      Row("leave-main", "main returns at five moments of a run, the server silent or not", leavingMain),
+      Row("leave-threads", "main returns while other threads use the SDK, until the process is gone", leavingThreads),
+      Row("fork", "the host forks while the SDK is at work, and the children exit", fork),
+      Row("descriptors-closed", "descriptors 0 to 2 are closed, and the application prints", closedDescriptors),
+      Row("broken-pipes", "peers hang up, nobody reads the output, SIGPIPE at its default", brokenPipes,
+          {"ready", "Empty reply from server", "1=granted, pending"}),
+      Row("descriptors-few", "fewer and fewer descriptors for connections, pipes and the store, and later plenty",
+          fewDescriptors),
+      Row("year-and-back", "a clock a year ahead is set right", aYearForwardAndBack),
+      Row("locales", "commas for decimal points, other digits and letters", oddLocales),
+  };
+}
+
+std::vector<Row> hostRows() {
+  return {
+      Row("callbacks-throw", "every callback throws", callbacksThatThrow,
+          {"ready", "A callback of the host threw", "1=granted"}),
+      Row("callbacks-call-back", "callbacks call the facade, wait in it and unregister themselves",
+          callbacksThatCallBack),
+      Row("callback-destroys", "a callback destroys the SDK", callbackThatDestroys),
+      Row("main-queue-loses", "the host's main queue loses every job", mainQueueThatLoses),
   };
 }
 

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "tests/support/Effort.h"
+#include "tests/support/World.h"
 
 namespace quillon::test {
 
@@ -19,6 +22,22 @@ struct Seen {
   std::string log;
   std::string stored;  // the device's content afterwards, as text or "key=value key=value"
 };
+
+// What a user sees at the moment; by default the stored decision on the first purpose.
+inline Seen seen(World& world, std::optional<std::string> stored = std::nullopt) {
+  const auto status = world.sdk->getStatus();
+  return {.status = status == SDKStatus::ready      ? "ready"
+                    : status == SDKStatus::fetching ? "fetching"
+                                                    : "unavailable",
+          .log = world.log(),
+          .stored = stored ? *std::move(stored) : "1=" + world.text("1").value_or("nothing")};
+}
+
+inline std::filesystem::path storeIn(const std::filesystem::path& data) {
+  return data / "quillon-cmp-sdk.sqlite";
+}
+
+inline constexpr const char* allAcknowledged = "all that was acknowledged";
 
 // A running row, in its own process.
 class Trial {
@@ -64,5 +83,14 @@ struct Row {
   Seen sees{.status = "ready", .log = {}, .stored = "1=granted"};
   std::chrono::seconds limit{150};  // a longer run counts as a hang, and fails
 };
+
+// By the sources of faults.
+std::vector<Row> storeRows();
+std::vector<Row> sweepRows();
+std::vector<Row> powerRows();
+std::vector<Row> processRows();
+std::vector<Row> hostRows();
+std::vector<Row> networkRows();
+std::vector<Row> busRows();
 
 }  // namespace quillon::test

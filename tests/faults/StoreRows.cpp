@@ -1,26 +1,52 @@
-// Faults of the durable store.
-#include <sqlite3.h>
+// Faults of the durable store, the cached configuration and their folder.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <boost/json.hpp>
+#include <random>
 #include <thread>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/SqliteDatabase.h"
 #include "platform/linux/SqliteStore.h"
 #include "platform/linux/WorkPool.h"
-#include "tests/faults/Areas.h"
-#include "tests/faults/Damage.h"
+#include "tests/faults/Row.h"
 #include "tests/platform/ChildProcess.h"
-#include "tests/support/World.h"
 
 namespace quillon::test {
 namespace {
 
 using namespace std::chrono_literals;
+using Path = std::filesystem::path;
 
-std::filesystem::path storeOf(const World& world) {
-  return world.data / "quillon-cmp-sdk.sqlite";
+// Truncation to every length, a flipped bit in each byte, zeroed sectors, and random flips in several places; in a
+// short trial a sample of each.
+void forEachDamage(const std::string& bytes, const Trial& trial,
+                   const std::function<void(const std::string& name, const std::string& damaged)>& visit) {
+  const auto size = bytes.size();
+  const auto step = trial.isShort() ? size / 16 + 1 : 1;
+  for (std::size_t length = 0; length < size; length += step) {
+    visit("cut to " + std::to_string(length), bytes.substr(0, length));
+  }
+  std::mt19937 random(1);
+  const auto flipBit = [&](char& byte) { byte = static_cast<char>(byte ^ (1 << random() % 8)); };
+  for (std::size_t place = 0; place < size; place += step) {
+    auto damaged = bytes;
+    flipBit(damaged[place]);
+    visit("byte " + std::to_string(place), damaged);
+  }
+  constexpr std::size_t sector = 512;
+  for (std::size_t place = 0; place < size; place += sector) {
+    const auto count = std::min(sector, size - place);
+    visit("zeroed at " + std::to_string(place), std::string(bytes).replace(place, count, count, '\0'));
+  }
+  for (int round = 0; round < trial.rounds(200, 10); ++round) {
+    auto damaged = bytes;
+    // Every third round flips the header, the first hundred bytes, where flips do most harm.
+    const auto range = round % 3 == 0 ? std::min<std::size_t>(100, size) : size;
+    for (int left = 2 + round % 4; left > 0; --left) flipBit(damaged[random() % range]);
+    visit("flips, round " + std::to_string(round), damaged);
+  }
 }
 
 // A store with 1 withdrawn, 2 granted and 3 declined, under a compliance type whose default is granted, then damaged in
@@ -28,23 +54,21 @@ std::filesystem::path storeOf(const World& world) {
 Seen damagedStore(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
-  std::string bytes;
   {
     World world(data);
     world.store(key::currentComplianceType, std::string("opt-out"));
     world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn);
     world.sdk->set({.purposeId = 2}, ConsentStatus::granted);
     world.sdk->set({.purposeId = 3}, ConsentStatus::declined);
-    bytes = fileBytes(storeOf(world));
   }
   Seen last;
   std::string log;
-  forEachDamage(bytes, trial, [&](const std::string& name, const std::string& damaged) {
+  forEachDamage(fileBytes(storeIn(data)), trial, [&](const std::string& name, const std::string& damaged) {
     if (trial.failures().size() > 5) return;
     std::filesystem::remove_all(data);
     std::filesystem::create_directory(data);
     World world(data);
-    setFileBytes(storeOf(world), damaged);
+    setFileBytes(storeIn(data), damaged);
     world.restart();
     for (const int purpose : {1, 3}) {
       trial.expect(world.sdk->get(purpose) != ConsentStatus::granted,
@@ -59,18 +83,22 @@ Seen damagedStore(Trial& trial) {
   return last;
 }
 
+boost::json::object underOptOut() {
+  auto document = validConfiguration();
+  bannerOf(document)["compliance_type"] = "opt-out";
+  return document;
+}
+
 // The user answers the banner after a loss: from then on the compliance type's default applies again.
 Seen answerAfterALoss(Trial& trial) {
   World world;
-  auto document = validConfiguration();
-  bannerOf(document)["compliance_type"] = "opt-out";
-  world.server.serve(document);
+  world.server.serve(underOptOut());
   world.start();
   trial.expect(world.sdk->get(99) == ConsentStatus::granted, "under opt-out an undecided purpose is not granted");
   world.sdk->acceptOrReject(false).get();
   world.sdk.reset();
   world.platform = {};
-  setFileBytes(storeOf(world), "rubbish");
+  setFileBytes(storeIn(world.data), "rubbish");
   world.start();
   trial.expect(world.sdk->get(1) == ConsentStatus::declined, "a lost refusal reads as a consent");
   trial.expect(world.sdk->isBannerDue(), "the user is not asked again");
@@ -82,43 +110,27 @@ Seen answerAfterALoss(Trial& trial) {
   return seen(world);
 }
 
-// The console output of a process before it ends.
-class SpokenConsole : public Console {
- public:
-  explicit SpokenConsole(ChildProcess::Say say) : say_(std::move(say)) {}
-  void write(std::string_view block) override { say_(std::string(block) + "\n"); }
-  [[noreturn]] void fatal(std::string_view message, std::string_view) override {
-    say_(message);
-    std::abort();
-  }
-
- private:
-  const ChildProcess::Say say_;
-};
-
 // Another process, stopped during a decision, holds the store for longer than a start waits. Nothing is granted
 // meanwhile, even if the default is granted, and everything recovers once it is released.
 Seen heldStore(Trial& trial) {
   const TemporaryFolder place;
   const auto data = place.path() / "data";
-  auto document = validConfiguration();
-  bannerOf(document)["compliance_type"] = "opt-out";
   ChildProcess first([&](const auto&) {
     World world(data);
-    world.server.serve(document);
+    world.server.serve(underOptOut());
     world.start();
     world.sdk->acceptOrReject(true).get();
   });
   trial.expect(first.finish().empty(), "not prepared");
   ChildProcess holder([&](const auto& say) {
-    auto database = SqliteDatabase::open(data / "quillon-cmp-sdk.sqlite");
+    auto database = SqliteDatabase::open(storeIn(data));
     say(database && database->run("BEGIN EXCLUSIVE") ? "held" : "not held");
     ::pause();
   });
   trial.expect(holder.hear() == "held", "the store was not held");
 
   World world(data);
-  world.server.serve(document);
+  world.server.serve(underOptOut());
   world.amend = [&](Platform& platform) {
     const std::chrono::milliseconds patience = trial.isShort() ? 300ms : 10s;
     platform.store = std::make_shared<SqliteStore>(data, std::make_shared<WorkPool>("store", 2), patience);
@@ -138,38 +150,45 @@ Seen heldStore(Trial& trial) {
   return seen(world);
 }
 
-// Something else in place of the store: the only error that stops the application.
-std::function<Seen(Trial&)> inPlaceOfTheStore(void (*put)(const std::filesystem::path&)) {
-  return [put](Trial& trial) -> Seen {
-    const TemporaryFolder place;
-    const auto data = place.path() / "data";
-    std::filesystem::create_directory(data);
-    put(data / "quillon-cmp-sdk.sqlite");
-    ChildProcess process([&](const auto& say) {
-      World world(data);
-      world.amend = [&](Platform& platform) { platform.console = std::make_shared<SpokenConsole>(say); };
-      world.start();
-    });
-    const auto said = process.finish();
-    trial.expect(said.ends_with("\nCould not create or access UserDefaults suite: quillon-cmp-sdk"
-                                " [ended with wait status 6]"),
-                 "it ended otherwise: " + said);
-    trial.expect(said.find("[ERROR] Store " + data.string()) != said.npos, "the reason was not told: " + said);
-    return {.status = "stopped", .log = {}, .stored = {}};
+// A link in place of the store: the only kind of error that stops the application, which says why.
+Seen linkInPlaceOfTheStore(Trial& trial) {
+  struct SpokenConsole : Console {
+    explicit SpokenConsole(ChildProcess::Say to) : say(std::move(to)) {}
+    void write(std::string_view block) override { say(std::string(block) + "\n"); }
+    [[noreturn]] void fatal(std::string_view message, std::string_view) override {
+      say(message);
+      std::abort();
+    }
+    const ChildProcess::Say say;
   };
+  const TemporaryFolder place;
+  const auto data = place.path() / "data";
+  std::filesystem::create_directory(data);
+  std::filesystem::create_symlink("other", storeIn(data));
+  ChildProcess process([&](const auto& say) {
+    World world(data);
+    world.amend = [&](Platform& platform) { platform.console = std::make_shared<SpokenConsole>(say); };
+    world.start();
+  });
+  const auto said = process.finish();
+  trial.expect(said.ends_with("\nCould not create or access UserDefaults suite: quillon-cmp-sdk"
+                              " [ended with wait status 6]"),
+               "it ended otherwise: " + said);
+  trial.expect(said.find("[ERROR] Store " + data.string()) != said.npos, "the reason was not told: " + said);
+  return {.status = "stopped", .log = {}, .stored = {}};
 }
 
 // Values of wrong types, as another version might leave them.
 Seen wrongTypes(Trial& trial) {
   using Limits = std::numeric_limits<std::int64_t>;
-  const std::vector<PropertyValue> values{true,
-                                          std::int64_t{1},
-                                          Limits::min(),
-                                          Limits::max(),
-                                          std::string("granted"),
-                                          PropertyDate{5ms},
-                                          std::vector<std::int64_t>{1},
-                                          std::vector<std::string>{"granted"}};
+  const PropertyValue values[] = {true,
+                                  std::int64_t{1},
+                                  Limits::min(),
+                                  Limits::max(),
+                                  std::string("granted"),
+                                  PropertyDate{5ms},
+                                  std::vector<std::int64_t>{1},
+                                  std::vector<std::string>{"granted"}};
   Seen last;
   for (const auto& value : values) {
     World world;
@@ -191,57 +210,95 @@ Seen wrongTypes(Trial& trial) {
   return last;
 }
 
-// Limits SQLite's memory to so much above its current use.
-Seen withoutMemory(Trial& trial) {
+// Any damage, while the server is down: the file is read as it was saved, or not at all.
+Seen damagedConfiguration(Trial& trial) {
+  World world;
+  world.start();
+  const auto bytes = fileBytes(world.file());
+  const auto banner = world.sdk->getBannerConfig().get();
+  world.server.onConfiguration(json("{}", 500));
+  forEachDamage(bytes, trial, [&](const std::string& name, const std::string& damaged) {
+    setFileBytes(world.file(), damaged);
+    world.start();
+    const bool ready = world.sdk->getStatus() == SDKStatus::ready;
+    trial.expect(!ready || world.sdk->getBannerConfig().get() == banner, name + ": a changed configuration is used");
+    trial.expect(world.text(key::currentComplianceType) == "opt-in" && world.sdk->get(1) == ConsentStatus::declined,
+                 name + ": reads as a consent");
+  });
+  setFileBytes(world.file(), bytes.substr(0, bytes.size() / 2));
+  world.start();
+  return seen(world, "nothing granted");
+}
+
+// A row with something else in place of the cached configuration, which is downloaded again.
+Row inPlaceOfTheFile(std::string_view name, std::string_view what, void (*put)(const Path&)) {
+  const auto run = [put](Trial&) {
+    World world;
+    world.start();
+    std::filesystem::remove(world.file());
+    put(world.file());
+    world.start();
+    return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
+  };
+  return {name, what, run, {"ready", "", "version 5"}};
+}
+
+// The folder and its files may only be read, by a user who is not the administrator.
+Seen readOnlyFolder(Trial& trial) {
   World world;
   world.start();
   trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::granted), "refused at first");
-  int refused = 0;
-  auto current = ConsentStatus::granted;
-  for (int spare = 0; spare < 40'000; spare += trial.rounds(500, 5000)) {
-    const auto next = current == ConsentStatus::granted ? ConsentStatus::withDrawn : ConsentStatus::granted;
-    sqlite3_hard_heap_limit64(sqlite3_memory_used() + spare + 1);
-    const bool stored = world.sdk->set({.purposeId = 1}, next);
-    sqlite3_hard_heap_limit64(0);
-    refused += stored ? 0 : 1;
-    if (stored) current = next;
-    trial.expect(world.sdk->get(1) == current, "the store holds something else than acknowledged");
+  world.settle();
+  world.sdk.reset();
+  world.platform = {};
+  std::vector<Path> paths{world.folder.path(), world.data};
+  for (const auto& entry : std::filesystem::directory_iterator(world.data)) {
+    ::chmod(entry.path().c_str(), 0400);
+    paths.push_back(entry.path());
   }
-  trial.expect(refused > 0, "memory was never short");
-  trial.expect(world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "refused with memory again");
-  return seen(world);
+  ::chmod(world.data.c_str(), 0500);
+  if (constexpr uid_t nobody = 65534; ::geteuid() == 0) {
+    for (const auto& path : paths) {
+      if (::chown(path.c_str(), nobody, nobody) != 0) throw std::runtime_error("no other owner");
+    }
+    if (::setuid(nobody) != 0) throw std::runtime_error("no other user");
+  }
+  auto newer = validConfiguration();
+  newer["version"] = 6;
+  world.server.serve(newer);
+  world.restart();
+  world.startLater();
+  trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "acknowledged where nothing can be stored");
+  Seen result = seen(world);
+  ::chmod(world.data.c_str(), 0700);
+  return result;
 }
 
 }  // namespace
 
 std::vector<Row> storeRows() {
   return {
-      {"store-damage",
-       "the store cut at every length, each byte changed, zeroed in places, 200 times several bits",
-       damagedStore,
-       {"unavailable", "damaged", "1=withdrawn"},
-       std::chrono::seconds(600)},
-      {"store-lost",
-       "the store overwritten, and the banner answered anew",
-       answerAfterALoss,
-       {"ready", "damaged", "1=granted"}},
-      {"store-folder",
-       "a folder in place of the store",
-       inPlaceOfTheStore([](const auto& path) { std::filesystem::create_directory(path); }),
-       {"stopped", "", ""}},
-      {"store-link",
-       "a link in its place",
-       inPlaceOfTheStore([](const auto& path) { std::filesystem::create_symlink("other", path); }),
-       {"stopped", "", ""}},
-      {"store-held",
-       "another process holds the store for longer than a start waits",
-       heldStore,
-       {"ready", "is held by another process", "1=granted"}},
-      {"store-types", "each key holds a value of each wrong type", wrongTypes, {"ready", "", "1=declined"}},
-      {"store-memory",
-       "SQLite runs out of memory at every point of a decision",
-       withoutMemory,
-       {"ready", "Failed to store", "1=withdrawn"}},
+      Row("store-damage", "the store cut at every length, each byte changed, zeroed in places, 200 times several bits",
+          damagedStore, {"unavailable", "damaged", "1=withdrawn"}, std::chrono::seconds(600)),
+      Row("store-lost", "the store overwritten, and the banner answered anew", answerAfterALoss,
+          {"ready", "damaged", "1=granted"}),
+      Row("store-link", "a link in place of the store", linkInPlaceOfTheStore, {"stopped", "", ""}),
+      Row("store-held", "another process holds the store for longer than a start waits", heldStore,
+          {"ready", "is held by another process", "1=granted"}),
+      Row("store-types", "each key holds a value of each wrong type", wrongTypes, {"ready", "", "1=declined"}),
+      Row("cache-damage",
+          "the cached configuration cut at every length, each byte changed, zeroed in places; no server",
+          damagedConfiguration, {"unavailable", "Failed to fetch CDN File", "nothing granted"}),
+      inPlaceOfTheFile("cache-pipe", "a pipe in its place", [](const Path& path) { ::mkfifo(path.c_str(), 0600); }),
+      inPlaceOfTheFile("cache-link", "a link to a device in its place",
+                       [](const Path& path) { std::filesystem::create_symlink("/dev/zero", path); }),
+      inPlaceOfTheFile("cache-huge", "a file of 5 GB in its place",
+                       [](const Path& path) {
+                         setFileBytes(path, "{");
+                         std::filesystem::resize_file(path, std::uintmax_t{5} << 30);
+                       }),
+      Row("read-only", "the folder and its files may only be read", readOnlyFolder,
+          {"ready", "Error saving CDN", "1=granted"}),
   };
 }
 

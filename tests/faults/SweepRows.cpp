@@ -1,15 +1,14 @@
-// A fault at every single system call, or SQLite call, in turn, while the SDK saves: afterwards the next process finds
-// all acknowledged changes, and of others either the old or the new value.
+// A fault at every single system call, or allocation of SQLite's, in turn, while the SDK saves: afterwards the next
+// process finds all acknowledged changes, and of others either the old or the new value.
 #include <sqlite3.h>
 
+#include <atomic>
 #include <boost/json.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "tests/faults/Areas.h"
-#include "tests/faults/SqliteCalls.h"
+#include "tests/faults/Row.h"
 #include "tests/faults/SystemCalls.h"
 #include "tests/platform/ChildProcess.h"
-#include "tests/support/World.h"
 
 namespace quillon::test {
 namespace {
@@ -78,7 +77,7 @@ constexpr Work settingAside{
         [](World& world) {
           world.sdk.reset();
           world.platform = {};
-          setFileBytes(world.data / "quillon-cmp-sdk.sqlite", "rubbish");
+          setFileBytes(storeIn(world.data), "rubbish");
         },
     .perform = [](World& world, const auto&) { world.start(); },
     .check =
@@ -147,8 +146,34 @@ Fault systemCalls(Effect effect) {
           .kills = effect == Effect::kill};
 }
 
-Fault sqliteCalls(int code) {
-  return {.strike = [code](const auto&, int number) { breakSqlite(code, number); }, .restore = restoreSqlite};
+// Allocations until the failing one; no fault when not positive.
+std::atomic<int> allocationsLeft{0};
+std::atomic<bool> hasStruck{false};
+sqlite3_mem_methods realMemory;
+
+bool isOutOfMemory() {
+  if (allocationsLeft <= 0 || --allocationsLeft != 0) return false;
+  hasStruck = true;
+  return true;
+}
+
+// Call it before anything else uses SQLite in this process.
+Fault sqliteAllocations() {
+  sqlite3_config(SQLITE_CONFIG_GETMALLOC, &realMemory);
+  sqlite3_mem_methods failing = realMemory;
+  failing.xMalloc = [](int size) { return isOutOfMemory() ? nullptr : realMemory.xMalloc(size); };
+  failing.xRealloc = [](void* at, int size) { return isOutOfMemory() ? nullptr : realMemory.xRealloc(at, size); };
+  sqlite3_config(SQLITE_CONFIG_MALLOC, &failing);
+  return {.strike =
+              [](const auto&, int number) {
+                hasStruck = false;
+                allocationsLeft = number;
+              },
+          .restore =
+              [] {
+                allocationsLeft = 0;
+                return hasStruck.load();
+              }};
 }
 
 Said underFault(const std::filesystem::path& data, const Work& work, const Fault& fault, int number) {
@@ -187,14 +212,12 @@ void checkInNextProcess(Trial& trial, const std::filesystem::path& data, const W
   trial.expect(failures.empty(), failures);
 }
 
-constexpr const char* allAcknowledged = "all that was acknowledged";
-
-// Every call in turn, or every stride-th, until the work makes fewer calls.
-Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
+// Every call in turn, or every step-th, until the work makes fewer calls.
+Seen sweep(Trial& trial, const Work& work, const Fault& fault, int step) {
   Seen seen{.status = "ready", .log = {}, .stored = {}};
   int points = 0;
   int gaveUp = 0;
-  for (int number = 1; trial.failures().size() < 5; number += trial.oneIn(stride), ++points) {
+  for (int number = 1; trial.failures().size() < 5; number += step, ++points) {
     const TemporaryFolder place(TemporaryFolder::fastParent());
     const auto data = place.path() / "data";
     const std::string where = "call " + std::to_string(number);
@@ -215,11 +238,12 @@ Seen sweep(Trial& trial, const Work& work, const Fault& fault, int stride) {
 }
 
 // Sweeps each work in turn.
-Seen sweepAll(Trial& trial, const Fault& fault) {
+Seen withoutMemory(Trial& trial) {
+  const Fault fault = sqliteAllocations();
   Seen all;
   for (const Work* work : {&opening, &savingAConfiguration, &decision, &clearingThePending}) {
-    constexpr int stride = 3;
-    const Seen one = sweep(trial, *work, fault, stride);
+    // There are some thousand, of which many are alike.
+    const Seen one = sweep(trial, *work, fault, trial.rounds(5, trial.oneIn(13)));
     all = {.status = one.status, .log = all.log + one.log, .stored = one.stored};
     if (one.stored != allAcknowledged) break;
   }
@@ -253,8 +277,6 @@ std::vector<Row> sweepRows() {
       {"decide-short", "each write of it cut in half", decision, Effect::shortened, ""},
       {"upload-kill", "killed at each call of an upload", clearingThePending, Effect::kill, ""},
       {"upload-eio", "EIO at each call of it", clearingThePending, Effect::failing, "Failed to store"},
-      {"upload-full", "the disk full from each call of it on", clearingThePending, Effect::full, "Failed to store"},
-      {"upload-short", "each write of it cut in half", clearingThePending, Effect::shortened, ""},
   };
   std::vector<Row> rows;
   for (const auto& [name, fault, work, effect, log] : cases) {
@@ -263,28 +285,12 @@ std::vector<Row> sweepRows() {
     rows.push_back({name,
                     fault,
                     [&swept = work, struck = systemCalls(effect), stride](Trial& trial) {
-                      return sweep(trial, swept, struck, stride);
+                      return sweep(trial, swept, struck, trial.oneIn(stride));
                     },
                     {"ready", log, allAcknowledged}});
   }
-  const struct {
-    std::string_view name;
-    std::string_view fault;
-    int code;
-    std::string log;
-  } codes[] = {
-      {"sqlite-ioerr", "SQLite fails with SQLITE_IOERR at each call of the four", SQLITE_IOERR, "disk I/O error"},
-      {"sqlite-full", "with SQLITE_FULL at each call", SQLITE_FULL, "database or disk is full"},
-      {"sqlite-busy", "with SQLITE_BUSY at each call", SQLITE_BUSY, "database is locked"},
-      {"sqlite-nomem", "with SQLITE_NOMEM at each call", SQLITE_NOMEM, "out of memory"},
-  };
-  for (const auto& [name, fault, code, log] : codes) {
-    rows.push_back({name,
-                    fault,
-                    [struck = sqliteCalls(code)](Trial& trial) { return sweepAll(trial, struck); },
-                    {"ready", log, allAcknowledged},
-                    std::chrono::seconds(300)});
-  }
+  rows.push_back(Row("sqlite-nomem", "SQLite runs out of memory at each fifth allocation of the four", withoutMemory,
+                     {"ready", "out of memory", allAcknowledged}, std::chrono::seconds(1200)));
   return rows;
 }
 

@@ -20,7 +20,7 @@
 namespace quillon::test {
 namespace {
 
-enum class Call { looks, opens, creates, needsRoom, writes };
+enum class Call { looks, needsRoom, writes };
 
 // What a failing call does instead of its work.
 enum class Instead { nothing, fail, half };
@@ -50,8 +50,7 @@ bool inFolder(int descriptor) {
 }
 
 bool concerns(Effect effect, Call call) {
-  if (effect == Effect::full) return call != Call::looks && call != Call::opens;
-  if (effect == Effect::noDescriptors) return call == Call::opens || call == Call::creates;
+  if (effect == Effect::full) return call != Call::looks;
   return effect != Effect::shortened || call == Call::writes;
 }
 
@@ -63,8 +62,7 @@ Instead strike(Call call, Where where) {
   errno = before;
   if (!ours) return Instead::nothing;
   const int number = ++counted;
-  const bool goesOn = current == Effect::full || current == Effect::noDescriptors;
-  if (goesOn ? number < currentNumber : number != currentNumber) return Instead::nothing;
+  if (current == Effect::full ? number < currentNumber : number != currentNumber) return Instead::nothing;
   struck = true;
   switch (current) {
     case Effect::kill:
@@ -77,9 +75,6 @@ Instead strike(Call call, Where where) {
       break;
     case Effect::full:
       errno = ENOSPC;
-      break;
-    case Effect::noDescriptors:
-      errno = EMFILE;
       break;
     case Effect::interrupted:
       errno = EINTR;
@@ -95,9 +90,14 @@ int passOn(Call kind, Where where, long call, Arguments... arguments) {
 }
 
 template <class Write>
-ssize_t writeOn(int file, std::size_t count, const Write& write) {
+ssize_t writeOn(int file, const void* bytes, std::size_t count, std::uint64_t at, const Write& write) {
   const Instead instead = strike(Call::writes, file);
-  return instead == Instead::fail ? -1 : write(instead == Instead::half ? (count + 1) / 2 : count);
+  if (instead == Instead::fail) return -1;
+  const ssize_t written = write(instead == Instead::half ? (count + 1) / 2 : count);
+  if (written > 0) {
+    record::inFile(DiskCall::Kind::write, file, at, {static_cast<const char*>(bytes), static_cast<size_t>(written)});
+  }
+  return written;
 }
 
 }  // namespace
@@ -122,6 +122,7 @@ bool restoreCalls() {
 extern "C" {
 
 using quillon::test::Call;
+using Kind = quillon::test::DiskCall::Kind;
 using quillon::test::passOn;
 namespace record = quillon::test::record;
 using quillon::test::writeOn;
@@ -131,11 +132,12 @@ int open64(const char* path, int flags, ...) {
   va_start(rest, flags);
   const mode_t mode = (flags & (O_CREAT | __O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(rest, unsigned)) : mode_t{0};
   va_end(rest);
-  const auto kind = (flags & O_CREAT) != 0 ? Call::creates : Call::opens;
-  const bool mayCreate = kind == Call::creates && record::isOn() && !record::isThere(path);
-  const int file = passOn(kind, path, SYS_openat, AT_FDCWD, path, flags | O_LARGEFILE, mode);
-  if (file >= 0 && mayCreate) record::created(path);
-  if (file >= 0 && !mayCreate && (flags & O_TRUNC) != 0) record::resized(file, 0);
+  const bool creates = (flags & O_CREAT) != 0;
+  const bool mayCreate = creates && record::isOn() && record::inodeOf(path) == 0;
+  const int file =
+      passOn(creates ? Call::needsRoom : Call::looks, path, SYS_openat, AT_FDCWD, path, flags | O_LARGEFILE, mode);
+  if (file >= 0 && mayCreate) record::atPath(Kind::create, path);
+  if (file >= 0 && !mayCreate && (flags & O_TRUNC) != 0) record::inFile(Kind::resize, file);
   return file;
 }
 int open(const char*, int, ...) __attribute__((alias("open64")));
@@ -144,38 +146,31 @@ int mkdir(const char* path, mode_t mode) noexcept {
 }
 int mknod(const char* path, mode_t mode, dev_t device) noexcept {
   const int done = passOn(Call::needsRoom, path, SYS_mknodat, AT_FDCWD, path, mode, device);
-  if (done == 0) record::created(path);
+  if (done == 0) record::atPath(Kind::create, path);
   return done;
 }
 int link(const char* from, const char* to) noexcept {
   const int done = passOn(Call::needsRoom, from, SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0);
-  if (done == 0) record::linked(to);
+  if (done == 0) record::atPath(Kind::link, to);
   return done;
 }
 
 ssize_t write(int file, const void* bytes, size_t count) {
-  return writeOn(file, count, [&](size_t taken) {
-    const auto at = record::isOn() ? record::positionOf(file) : 0;
-    const ssize_t written = ::syscall(SYS_write, file, bytes, taken);
-    if (written > 0) record::wrote(file, bytes, static_cast<size_t>(written), at);
-    return written;
-  });
+  const auto at = record::isOn() ? record::positionOf(file) : 0;
+  return writeOn(file, bytes, count, at, [&](size_t taken) { return ::syscall(SYS_write, file, bytes, taken); });
 }
 ssize_t pwrite64(int file, const void* bytes, size_t count, off64_t offset) {
-  return writeOn(file, count, [&](size_t taken) {
-    const ssize_t written = ::syscall(SYS_pwrite64, file, bytes, taken, offset);
-    if (written > 0) record::wrote(file, bytes, static_cast<size_t>(written), static_cast<std::uint64_t>(offset));
-    return written;
-  });
+  return writeOn(file, bytes, count, static_cast<std::uint64_t>(offset),
+                 [&](size_t taken) { return ::syscall(SYS_pwrite64, file, bytes, taken, offset); });
 }
 int fsync(int file) {
   const int done = passOn(Call::needsRoom, file, SYS_fsync, file);
-  if (done == 0) record::synced(file);
+  if (done == 0) record::inFile(Kind::syncFile, file);
   return done;
 }
 int fdatasync(int file) {
   const int done = passOn(Call::needsRoom, file, SYS_fdatasync, file);
-  if (done == 0) record::synced(file);
+  if (done == 0) record::inFile(Kind::syncFile, file);
   return done;
 }
 int rename(const char* from, const char* to) noexcept {
@@ -183,7 +178,7 @@ int rename(const char* from, const char* to) noexcept {
 }
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
   const int done = passOn(Call::needsRoom, from, SYS_renameat2, fromFolder, from, toFolder, to, flags);
-  if (done == 0) record::renamed(from, to);
+  if (done == 0) record::atPath(Kind::rename, to, 0, from);
   return done;
 }
 
@@ -195,13 +190,13 @@ ssize_t pread64(int file, void* bytes, size_t count, off64_t offset) {
 }
 int ftruncate64(int file, off64_t length) noexcept {
   const int done = passOn(Call::looks, file, SYS_ftruncate, file, length);
-  if (done == 0) record::resized(file, static_cast<std::uint64_t>(length));
+  if (done == 0) record::inFile(Kind::resize, file, static_cast<std::uint64_t>(length));
   return done;
 }
 int unlink(const char* path) noexcept {
   const auto inode = record::isOn() ? record::inodeOf(path) : 0;
   const int done = passOn(Call::looks, path, SYS_unlinkat, AT_FDCWD, path, 0);
-  if (done == 0) record::removed(path, inode);
+  if (done == 0) record::atPath(Kind::remove, path, inode);
   return done;
 }
 int fchmod(int file, mode_t mode) noexcept {

@@ -6,12 +6,11 @@
 namespace quillon::test {
 
 enum class Effect {
-  kill,           // the process is killed instead of the call
-  failing,        // the call fails with EIO
-  full,           // this and all later calls that need disk space fail with ENOSPC; others are not counted
-  noDescriptors,  // this and all later calls that open a file fail with EMFILE; others are not counted
-  interrupted,    // the call fails with EINTR
-  shortened,      // the write takes half of its bytes; other calls are not counted
+  kill,         // the process is killed instead of the call
+  failing,      // the call fails with EIO
+  full,         // this and all later calls that need disk space fail with ENOSPC; others are not counted
+  interrupted,  // the call fails with EINTR
+  shortened,    // the write takes half of its bytes; other calls are not counted
 };
 
 // Starts counting calls on the folder and its files in all threads, and strikes call `number`, from 1. Calls that

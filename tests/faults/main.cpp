@@ -9,12 +9,29 @@
 #include <iostream>
 #include <sstream>
 
-#include "tests/faults/Areas.h"
 #include "tests/faults/ProcessEnd.h"
+#include "tests/faults/Row.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon::test {
 namespace {
+
+struct Area {
+  std::string_view name;
+  std::vector<Row> (*rows)();
+  // Why the rows are skipped with the thread sanitizer; empty for rows about threads.
+  std::string_view withoutThreads = {};
+};
+
+constexpr Area areas[] = {
+    {"Store", storeRows, "one thread works on a file at a time, whatever stands in it"},
+    {"Sweep", sweepRows, "a process for each call, and in it one thread works"},
+    {"Power", powerRows, "one thread does everything"},
+    {"Process", processRows, "the sanitizer does not survive the forks of a process with threads"},
+    {"Host", hostRows},
+    {"Network", networkRows},
+    {"Bus", busRows},
+};
 
 constexpr int leftOutStatus = 77;
 

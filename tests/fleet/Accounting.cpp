@@ -1,4 +1,4 @@
-#include "tests/fleet/Accounting.h"
+#include "tests/fleet/Fleet.h"
 
 #include <set>
 #include <tuple>

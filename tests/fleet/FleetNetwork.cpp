@@ -1,6 +1,5 @@
 #include "tests/fleet/FleetNetwork.h"
 
-#include <optional>
 #include <utility>
 
 namespace quillon::fleet {
@@ -26,57 +25,35 @@ FleetNetwork::FleetNetwork(std::shared_ptr<HttpSession> session, std::shared_ptr
 
 void FleetNetwork::send(HttpRequest request, std::stop_token stop, Completion completion) {
   const auto second = std::chrono::floor<std::chrono::seconds>(clock_->now() - start_).count();
-  bool cut = false;
   {
-    const std::scoped_lock lock(mutex_);
+    std::unique_lock lock(mutex_);
     Traffic& traffic = traffic_[second];
     ++traffic.requests[kindOf(request)];
     if (request.body) traffic.bodyBytesUp += static_cast<std::int64_t>(request.body->size());
-    cut = cut_;
-    if (cut) ++traffic.failed;
-  }
-  if (cut) {
-    completion(std::unexpected(TransportError{TransportError::Kind::unreachable, "The network is cut"}));
-    return;
-  }
-  auto counted = [this, second, completion = std::move(completion)](auto answer) mutable {
-    finished(second, answer);
-    completion(std::move(answer));
-    std::optional<Waiting> next;
-    {
-      const std::scoped_lock lock(mutex_);
-      --underWay_;
-      hasAnswer_ = true;
-      if (!waiting_.empty()) {
-        next = std::move(waiting_.front());
-        waiting_.pop_front();
-        ++underWay_;
-      }
+    if (cut_) {
+      ++traffic.failed;
+      lock.unlock();
+      return completion(std::unexpected(TransportError{TransportError::Kind::unreachable, "The network is cut"}));
     }
-    answered_.notify_one();
-    if (next) begin(std::move(*next));
-  };
-  Waiting waiting{std::move(request), std::move(stop), std::move(counted)};
-  {
-    const std::scoped_lock lock(mutex_);
-    if (underWay_ == maximumUnderWay) {
-      waiting_.push_back(std::move(waiting));
-      return;
-    }
+    answered_.wait(lock, [this] { return underWay_ < maximumUnderWay; });
     ++underWay_;
   }
-  begin(std::move(waiting));
-}
-
-void FleetNetwork::begin(Waiting waiting) {
-  session_->send(std::move(waiting.request), std::move(waiting.stop), std::move(waiting.completion));
-}
-
-void FleetNetwork::finished(std::int64_t second, const std::expected<HttpResponse, TransportError>& answer) {
-  const std::scoped_lock lock(mutex_);
-  Traffic& traffic = traffic_[second];
-  if (!answer || answer->status.value_or(0) >= 400) ++traffic.failed;
-  if (answer) traffic.bodyBytesDown += static_cast<std::int64_t>(answer->body.size());
+  session_->send(std::move(request), std::move(stop),
+                 [this, second, completion = std::move(completion)](auto answer) mutable {
+                   {
+                     const std::scoped_lock lock(mutex_);
+                     Traffic& traffic = traffic_[second];
+                     if (!answer || answer->status.value_or(0) >= 400) ++traffic.failed;
+                     if (answer) traffic.bodyBytesDown += static_cast<std::int64_t>(answer->body.size());
+                   }
+                   completion(std::move(answer));
+                   {
+                     const std::scoped_lock lock(mutex_);
+                     --underWay_;
+                     hasAnswer_ = true;
+                   }
+                   answered_.notify_one();
+                 });
 }
 
 void FleetNetwork::setCut(bool cut) {

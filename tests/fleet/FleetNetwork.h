@@ -3,7 +3,6 @@
 #include <array>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -18,8 +17,6 @@ namespace quillon::fleet {
 // What the devices asked for in one simulated second.
 struct Traffic {
   enum Kind { configuration, location, upload };
-  static constexpr std::array<const char*, 3> kindNames{"configuration", "location", "upload"};
-
   std::array<std::int64_t, 3> requests{};
   std::int64_t failed = 0;  // unreachable, or an answer of 400 and above
   std::int64_t bodyBytesUp = 0;
@@ -33,8 +30,8 @@ struct Traffic {
 // clock in which they began. Thread-safe.
 class FleetNetwork : public HttpSession {
  public:
-  // Real connections at a time; further requests wait for their turn, so that ten thousand devices in one process do
-  // not need ten thousand descriptors.
+  // Real connections at a time; whoever sends more waits, so that ten thousand devices in one process do not need ten
+  // thousand descriptors.
   static constexpr std::size_t maximumUnderWay = 64;
 
   FleetNetwork(std::shared_ptr<HttpSession> session, std::shared_ptr<const Clock> clock);
@@ -51,15 +48,6 @@ class FleetNetwork : public HttpSession {
   std::map<std::int64_t, Traffic> traffic() const;
 
  private:
-  struct Waiting {
-    HttpRequest request;
-    std::stop_token stop;
-    Completion completion;
-  };
-
-  void begin(Waiting waiting);
-  void finished(std::int64_t second, const std::expected<HttpResponse, TransportError>& answer);
-
   const std::shared_ptr<HttpSession> session_;
   const std::shared_ptr<const Clock> clock_;
   const WallTime start_;
@@ -67,7 +55,6 @@ class FleetNetwork : public HttpSession {
   mutable std::mutex mutex_;  // guards the members below
   std::condition_variable answered_;
   std::map<std::int64_t, Traffic> traffic_;
-  std::deque<Waiting> waiting_;
   std::size_t underWay_ = 0;
   bool hasAnswer_ = false;
   bool cut_ = false;

@@ -2,13 +2,13 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <boost/json.hpp>
+#include <cinttypes>
 #include <cstdio>
 #include <fstream>
 #include <map>
 #include <string>
 #include <utility>
 
-#include "tests/fleet/Accounting.h"
 #include "tests/fleet/Fleet.h"
 
 namespace quillon::fleet {
@@ -39,13 +39,11 @@ std::chrono::seconds inSeconds(double hours) {
 }
 
 void print(const char* what, const Traffic& traffic, double deviceDays) {
+  const auto aDay = [&](std::int64_t count) { return static_cast<double>(count) / deviceDays; };
   std::printf("%-26s", what);
-  for (std::size_t kind = 0; kind < traffic.requests.size(); ++kind) {
-    std::printf(" %10lld", static_cast<long long>(traffic.requests[kind]));
-  }
-  std::printf(" %10lld %12.2f %10.0f %10.0f\n", static_cast<long long>(traffic.failed),
-              static_cast<double>(traffic.total()) / deviceDays, static_cast<double>(traffic.bodyBytesUp) / deviceDays,
-              static_cast<double>(traffic.bodyBytesDown) / deviceDays);
+  for (const auto count : traffic.requests) std::printf(" %10" PRId64, count);
+  std::printf(" %10" PRId64 " %12.2f %10.0f %10.0f\n", traffic.failed, aDay(traffic.total()), aDay(traffic.bodyBytesUp),
+              aDay(traffic.bodyBytesDown));
 }
 
 // Traffic of part of the time, and its busiest step.
@@ -59,11 +57,11 @@ void printPart(const char* what, const std::map<std::int64_t, Traffic>& traffic,
     if (entry->second.total() > peak) std::tie(peak, peakAt) = std::pair(entry->second.total(), entry->first);
   }
   const auto length = static_cast<double>((to - from).count());
-  const auto step = plan.step;
+  const auto step = static_cast<double>(plan.step.count());
   print(what, sum, plan.devices * length / 86'400);
-  std::printf("%-26s mean %.2f requests a second; in the busiest %lld s %.2f, at %.2f h\n", "",
-              static_cast<double>(sum.total()) / length, static_cast<long long>(step.count()),
-              static_cast<double>(peak) / static_cast<double>(step.count()), static_cast<double>(peakAt) / 3600);
+  std::printf("%-26s mean %.2f requests a second; in the busiest %.0f s %.2f, at %.2f h\n", "",
+              static_cast<double>(sum.total()) / length, step, static_cast<double>(peak) / step,
+              static_cast<double>(peakAt) / 3600);
 }
 
 void report(const Fleet& fleet) {
@@ -127,9 +125,8 @@ int run(FleetOptions options) {
   Fleet fleet(plan);
   fleet.run();
   report(fleet);
-  if (!options.seconds.empty() && !writeSeconds(fleet, options.seconds)) return fail(options.seconds + ": not written");
-  if (!options.statuses.empty() && !writeStatuses(fleet, options.statuses)) {
-    return fail(options.statuses + ": not written");
+  for (const auto& [file, write] : {std::pair{options.seconds, &writeSeconds}, {options.statuses, &writeStatuses}}) {
+    if (!file.empty() && !write(fleet, file)) return fail(file + ": not written");
   }
   if (options.uploads.empty()) return 0;
 
@@ -137,13 +134,10 @@ int run(FleetOptions options) {
   if (!store) return fail(store.error());
   const auto accounting = account(fleet, **store);
   if (!accounting) return fail(accounting.error());
-  std::printf(
-      "decisions %lld, uploads %lld; purposes decided %lld, of them missing %lld, different %lld; repeated %lld, "
-      "unknown %lld, not as chosen %lld\n",
-      static_cast<long long>(accounting->decisions), static_cast<long long>(accounting->uploads),
-      static_cast<long long>(accounting->purposes), static_cast<long long>(accounting->missing),
-      static_cast<long long>(accounting->different), static_cast<long long>(accounting->repeated),
-      static_cast<long long>(accounting->unknown), static_cast<long long>(accounting->contradictions));
+  std::printf("decisions %" PRId64 ", uploads %" PRId64 "; purposes decided %" PRId64 ", of them missing %" PRId64
+              ", different %" PRId64 "; repeated %" PRId64 ", unknown %" PRId64 ", not as chosen %" PRId64 "\n",
+              accounting->decisions, accounting->uploads, accounting->purposes, accounting->missing,
+              accounting->different, accounting->repeated, accounting->unknown, accounting->contradictions);
   return accounting->isComplete() ? 0 : fail("not every decision is accounted for");
 }
 

@@ -17,7 +17,12 @@ namespace quillon::test {
 
 class ChildProcess {
  public:
-  using Say = std::function<void(std::string_view)>;
+  struct Say {
+    void operator()(std::string_view text) const {
+      if (::write(end, text.data(), text.size()) != static_cast<ssize_t>(text.size())) ::_exit(1);
+    }
+    int end;
+  };
 
   explicit ChildProcess(const std::function<void(const Say&)>& work) {
     int ends[2];
@@ -25,9 +30,7 @@ class ChildProcess {
     process_ = ::fork();
     if (process_ < 0) throw std::runtime_error("no process");
     if (process_ == 0) {
-      const Say say = [end = ends[1]](std::string_view text) {
-        if (::write(end, text.data(), text.size()) != static_cast<ssize_t>(text.size())) ::_exit(1);
-      };
+      const Say say{ends[1]};
       try {
         work(say);
       } catch (const std::exception& error) {

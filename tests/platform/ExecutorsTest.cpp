@@ -30,24 +30,13 @@ const ExecutorsKind executorsKinds[] = {
      [](Executors& executors) { static_cast<ManualExecutors&>(executors).runUntilIdle(); }},
 };
 
-enum class Queue { main, background, serial };
-
-std::shared_ptr<Executor> queueOf(Executors& executors, Queue which) {
-  switch (which) {
-    case Queue::main:
-      return executors.main();
-    case Queue::background:
-      return executors.background();
-    case Queue::serial:
-      return executors.serial("org.quillon.test");
-  }
-  return nullptr;
-}
+struct Queues {
+  explicit Queues(Executors& of) : main(of.main()), background(of.background()), serial(of.serial("test")) {}
+  std::shared_ptr<Executor> main, background, serial;
+};
 
 class ExecutorsContract : public testing::TestWithParam<ExecutorsKind> {
  protected:
-  std::shared_ptr<Executor> queue(Queue which) { return queueOf(*executors_, which); }
-
   // Posts to the queue and waits until the job has run.
   void flush(Executor& executor) {
     Signal ran;
@@ -57,11 +46,11 @@ class ExecutorsContract : public testing::TestWithParam<ExecutorsKind> {
   }
 
   std::unique_ptr<Executors> executors_ = GetParam().make();
+  const Queues queues_{*executors_};
 };
 
 TEST_P(ExecutorsContract, MainAndSerialQueuesKeepTheOrderOfPostingAndRunOneJobAtATime) {
-  for (const Queue which : {Queue::main, Queue::serial}) {
-    const auto executor = queue(which);
+  for (const auto& executor : {queues_.main, queues_.serial}) {
     std::vector<int> seen;  // unguarded on purpose: the thread sanitizer detects concurrent jobs
     for (int i = 0; i < 1000; ++i) executor->post([&seen, i] { seen.push_back(i); });
     flush(*executor);
@@ -71,8 +60,7 @@ TEST_P(ExecutorsContract, MainAndSerialQueuesKeepTheOrderOfPostingAndRunOneJobAt
 }
 
 TEST_P(ExecutorsContract, NeverRunsAJobWithinPostAndGoesOnAfterOneThatThrows) {
-  for (const Queue which : {Queue::main, Queue::background, Queue::serial}) {
-    const auto executor = queue(which);
+  for (const auto& executor : {queues_.main, queues_.background, queues_.serial}) {
     for (int i = 0; i < 4; ++i) executor->post([] { throw std::runtime_error("fault of the host"); });
     bool nested = true;
     Signal ran;
@@ -92,12 +80,10 @@ TEST_P(ExecutorsContract, NeverRunsAJobWithinPostAndGoesOnAfterOneThatThrows) {
 }
 
 TEST_P(ExecutorsContract, QueuesOutliveTheirOwnerAndDropWhatTheyAreGiven) {
-  const auto main = queue(Queue::main);
-  const auto serial = queue(Queue::serial);
-  flush(*main);
+  flush(*queues_.main);
   executors_.reset();
   const auto captured = std::make_shared<int>();
-  for (const auto& executor : {main, serial}) {
+  for (const auto& executor : {queues_.main, queues_.background, queues_.serial}) {
     executor->post([captured] { FAIL() << "ran without an owner"; });
   }
   EXPECT_EQ(captured.use_count(), 1) << "a dropped job keeps what it captured";
@@ -153,11 +139,11 @@ TEST(AsioExecutorsTest, DropsJobsThatHaveNotBegunWhenTheOwnerGoesAway) {
 }
 
 TEST(AsioExecutorsTest, CanBeDestroyedFromEachOfItsOwnQueues) {
-  for (const Queue which : {Queue::main, Queue::background, Queue::serial}) {
+  for (const auto which : {&Queues::main, &Queues::background, &Queues::serial}) {
     auto executors = std::make_shared<AsioExecutors>(nullptr, 2);
-    const auto queue = queueOf(*executors, which);
+    const Queues queues(*executors);
     Signal gone;
-    queue->post([owner = std::move(executors), &gone]() mutable {
+    (queues.*which)->post([owner = std::move(executors), &gone]() mutable {
       owner.reset();
       gone.set();
     });

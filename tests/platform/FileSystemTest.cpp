@@ -1,15 +1,15 @@
-// The contract of every file system, and what only a disk can break.
-#include "platform/FileSystem.h"
-
+// The contracts of every file system and key store, and what only a disk can break.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <thread>
+#include <vector>
 
+#include "platform/linux/FileKeyStore.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/memory/MemoryFileSystem.h"
+#include "platform/memory/MemoryKeyStore.h"
 #include "tests/platform/ChildProcess.h"
 #include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
@@ -34,12 +34,9 @@ struct FilesInMemory {
 };
 
 template <class World>
-class FileSystemContract : public testing::Test {
- protected:
-  World world_;
-  FileSystem& files_ = world_.files;
-  const std::filesystem::path file_ = world_.folder / "file.json";
-  const std::filesystem::path other_ = world_.folder / "other.json";
+struct FileSystemContract : testing::Test, World {
+  const std::filesystem::path file = World::folder / "file.json";
+  const std::filesystem::path other = World::folder / "other.json";
 };
 
 }  // namespace
@@ -48,61 +45,61 @@ using FileWorlds = testing::Types<FilesOnDisk, FilesInMemory>;
 TYPED_TEST_SUITE(FileSystemContract, FileWorlds);
 
 TYPED_TEST(FileSystemContract, NamesTheFolderThatAFileNeeds) {
-  EXPECT_EQ(this->files_.applicationSupportDirectory(), this->world_.folder);
-  EXPECT_EQ(this->world_.nowhere.applicationSupportDirectory(), std::nullopt);
-  const auto written = this->files_.write(this->file_, "bytes");
+  EXPECT_EQ(this->files.applicationSupportDirectory(), this->folder);
+  EXPECT_EQ(this->nowhere.applicationSupportDirectory(), std::nullopt);
+  const auto written = this->files.write(this->file, "bytes");
   ASSERT_FALSE(written);
   EXPECT_TRUE(contains(written.error(), "No such file or directory"));
-  ASSERT_TRUE(this->files_.createDirectories(this->world_.folder));
-  EXPECT_TRUE(this->files_.createDirectories(this->world_.folder / ""));
-  EXPECT_TRUE(this->files_.write(this->file_, "bytes"));
-  EXPECT_FALSE(this->files_.createDirectories(this->file_)) << "a file stands there";
-  EXPECT_FALSE(this->files_.createDirectories(this->file_ / "below"));
-  EXPECT_FALSE(this->files_.write(this->world_.folder, "bytes")) << "a folder stands there";
+  ASSERT_TRUE(this->files.createDirectories(this->folder));
+  EXPECT_TRUE(this->files.createDirectories(this->folder / ""));
+  EXPECT_TRUE(this->files.write(this->file, "bytes"));
+  EXPECT_FALSE(this->files.createDirectories(this->file)) << "a file stands there";
+  EXPECT_FALSE(this->files.createDirectories(this->file / "below"));
+  EXPECT_FALSE(this->files.write(this->folder, "bytes")) << "a folder stands there";
 }
 
 TYPED_TEST(FileSystemContract, GivesTheBytesBackUpToTheLimit) {
-  ASSERT_TRUE(this->files_.createDirectories(this->world_.folder));
+  ASSERT_TRUE(this->files.createDirectories(this->folder));
   for (const auto& bytes : {std::string(), std::string("a\0b\n", 4), std::string(300'000, 'x')}) {
-    ASSERT_TRUE(this->files_.write(this->file_, bytes));
-    EXPECT_EQ(this->files_.read(this->file_, bytes.size()), bytes);
-    EXPECT_EQ(this->files_.read(this->file_, SIZE_MAX), bytes);
+    ASSERT_TRUE(this->files.write(this->file, bytes));
+    EXPECT_EQ(this->files.read(this->file, bytes.size()), bytes);
+    EXPECT_EQ(this->files.read(this->file, SIZE_MAX), bytes);
     if (!bytes.empty()) {
-      EXPECT_FALSE(this->files_.read(this->file_, bytes.size() - 1));
+      EXPECT_FALSE(this->files.read(this->file, bytes.size() - 1));
     }
   }
-  EXPECT_FALSE(this->files_.read(this->other_, 10));
-  EXPECT_FALSE(this->files_.read(this->world_.folder, 10));
+  EXPECT_FALSE(this->files.read(this->other, 10));
+  EXPECT_FALSE(this->files.read(this->folder, 10));
 }
 
 TYPED_TEST(FileSystemContract, TheStampTellsARewrittenFileOfTheSameSize) {
-  ASSERT_TRUE(this->files_.createDirectories(this->world_.folder));
-  EXPECT_EQ(this->files_.stamp(this->file_), std::nullopt);
-  EXPECT_EQ(this->files_.stamp(this->world_.folder), std::nullopt);
-  ASSERT_TRUE(this->files_.write(this->file_, "one"));
-  const auto first = this->files_.stamp(this->file_);
+  ASSERT_TRUE(this->files.createDirectories(this->folder));
+  EXPECT_EQ(this->files.stamp(this->file), std::nullopt);
+  EXPECT_EQ(this->files.stamp(this->folder), std::nullopt);
+  ASSERT_TRUE(this->files.write(this->file, "one"));
+  const auto first = this->files.stamp(this->file);
   ASSERT_TRUE(first);
   EXPECT_EQ(first->size, 3u);
-  EXPECT_EQ(this->files_.stamp(this->file_), first);
-  ASSERT_TRUE(this->files_.write(this->file_, "two"));
-  EXPECT_NE(this->files_.stamp(this->file_), first);
+  EXPECT_EQ(this->files.stamp(this->file), first);
+  ASSERT_TRUE(this->files.write(this->file, "two"));
+  EXPECT_NE(this->files.stamp(this->file), first);
 }
 
 TYPED_TEST(FileSystemContract, MovesOnlyToAFreeNameAndRemovesOnlyWhatIsThere) {
-  ASSERT_TRUE(this->files_.createDirectories(this->world_.folder));
-  EXPECT_FALSE(this->files_.move(this->file_, this->other_)) << "nothing to move";
-  EXPECT_FALSE(this->files_.remove(this->file_));
-  EXPECT_FALSE(this->files_.remove(this->world_.folder));
-  ASSERT_TRUE(this->files_.write(this->file_, "one"));
-  EXPECT_FALSE(this->files_.move(this->file_, this->world_.folder / "missing" / "x"));
-  ASSERT_TRUE(this->files_.move(this->file_, this->other_));
-  EXPECT_EQ(this->files_.stamp(this->file_), std::nullopt);
-  ASSERT_TRUE(this->files_.write(this->file_, "two"));
-  EXPECT_FALSE(this->files_.move(this->file_, this->other_));
-  EXPECT_EQ(this->files_.read(this->other_, 10), "one");
-  EXPECT_EQ(this->files_.read(this->file_, 10), "two");
-  EXPECT_TRUE(this->files_.remove(this->file_));
-  EXPECT_EQ(this->files_.stamp(this->file_), std::nullopt);
+  ASSERT_TRUE(this->files.createDirectories(this->folder));
+  EXPECT_FALSE(this->files.move(this->file, this->other)) << "nothing to move";
+  EXPECT_FALSE(this->files.remove(this->file));
+  EXPECT_FALSE(this->files.remove(this->folder));
+  ASSERT_TRUE(this->files.write(this->file, "one"));
+  EXPECT_FALSE(this->files.move(this->file, this->folder / "missing" / "x"));
+  ASSERT_TRUE(this->files.move(this->file, this->other));
+  EXPECT_EQ(this->files.stamp(this->file), std::nullopt);
+  ASSERT_TRUE(this->files.write(this->file, "two"));
+  EXPECT_FALSE(this->files.move(this->file, this->other));
+  EXPECT_EQ(this->files.read(this->other, 10), "one");
+  EXPECT_EQ(this->files.read(this->file, 10), "two");
+  EXPECT_TRUE(this->files.remove(this->file));
+  EXPECT_EQ(this->files.stamp(this->file), std::nullopt);
 }
 
 // The disk's file system.
@@ -148,11 +145,10 @@ TEST_F(PosixFiles, APipeHoldsNobodyUp) {
   EXPECT_EQ(files_.stamp(file_), std::nullopt);
 }
 
-TEST_F(PosixFiles, AFailedWriteKeepsTheOldBytesAndLeavesNothingBehind) {
+TEST_F(PosixFiles, AFailedWriteEndsNoProcessKeepsTheOldBytesAndLeavesNothingBehind) {
   ASSERT_TRUE(files_.write(file_, "old"));
   test::ChildProcess child([&](const auto& say) {
     const rlimit limit{4096, 4096};
-    ::signal(SIGXFSZ, SIG_IGN);
     ::setrlimit(RLIMIT_FSIZE, &limit);
     const auto written = files_.write(file_, std::string(10'000, 'x'));
     say(written ? "written" : written.error());
@@ -184,6 +180,84 @@ TEST_F(PosixFiles, WritersInThreadsAndProcessesNeverMix) {
     }
   }
   EXPECT_EQ(child.finish(), "");
+}
+
+struct KeyOnDisk {
+  test::TemporaryFolder temporary;
+  std::filesystem::path folder = temporary.path() / "share" / "app";
+  std::filesystem::path file = folder / "receipt.key";
+  FileKeyStore keys{std::make_shared<PosixFileSystem>(folder)};
+  FileKeyStore again{std::make_shared<PosixFileSystem>(folder)};
+};
+
+struct KeyInMemory {
+  MemoryKeyStore keys;
+  KeyStore& again = keys;
+};
+
+template <class World>
+struct KeyStoreContract : testing::Test, World {};
+
+using KeyWorlds = testing::Types<KeyOnDisk, KeyInMemory>;
+TYPED_TEST_SUITE(KeyStoreContract, KeyWorlds);
+
+TYPED_TEST(KeyStoreContract, KeepsOneSecretUntilItIsForgotten) {
+  const auto secret = this->keys.secret();
+  ASSERT_TRUE(secret) << secret.error();
+  EXPECT_NE(*secret, KeyStore::Secret());
+  EXPECT_EQ(this->again.secret(), secret);
+  ASSERT_TRUE(this->keys.forget());
+  const auto next = this->again.secret();
+  ASSERT_TRUE(next);
+  EXPECT_NE(next, secret);
+  EXPECT_EQ(this->keys.secret(), next);
+}
+
+struct FileKey : testing::Test, KeyOnDisk {};
+
+TEST_F(FileKey, IsForItsUserOnlyAndNeverReplacedWhenItCannotBeRead) {
+  ASSERT_TRUE(keys.secret());
+  EXPECT_EQ(test::modeOf(file), 0600u);
+  for (const std::string content : {"", "longer than the thirty-two bytes of a key", "short"}) {
+    test::setFileBytes(file, content);
+    EXPECT_FALSE(keys.secret()) << content;
+    EXPECT_EQ(test::fileBytes(file), content);
+  }
+  EXPECT_TRUE(contains(keys.secret().error(), "delete it to have a new one made"));
+  EXPECT_FALSE(FileKeyStore(std::make_shared<PosixFileSystem>(std::filesystem::path())).secret());
+}
+
+// Processes and threads begin together; all get the same, and nothing else stays behind.
+TEST_F(FileKey, IsOneForThoseWhoMakeItAtOnce) {
+  for (int round = 0; round < 10; ++round) {
+    int gate[2];
+    ASSERT_EQ(::pipe(gate), 0);
+    const auto secretOf = [&](KeyStore& store) {
+      char byte = 0;
+      (void)!::read(gate[0], &byte, 1);  // ends when nobody has the other end any more
+      const auto secret = store.secret();
+      return secret ? std::string(secret->begin(), secret->end()) : secret.error();
+    };
+    std::vector<std::unique_ptr<test::ChildProcess>> children;
+    for (int i = 0; i < 4; ++i) {
+      children.push_back(std::make_unique<test::ChildProcess>([&](const auto& say) {
+        ::close(gate[1]);
+        say(secretOf(keys));
+      }));
+    }
+    std::string first, second;
+    {
+      std::jthread thread([&] { second = secretOf(again); });
+      ::close(gate[1]);
+      first = secretOf(keys);
+    }
+    ::close(gate[0]);
+    EXPECT_EQ(first.size(), KeyStore::Secret().size()) << first;
+    EXPECT_EQ(second, first);
+    for (auto& child : children) EXPECT_EQ(child->finish(), first);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+    ASSERT_TRUE(keys.forget());
+  }
 }
 
 }  // namespace quillon

@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 using test::contains;
 using test::Signal;
 
-// A second store shows what a later process finds, where possible.
+// A second store shares the suite, as another process does, and shows what a later process finds, where possible.
 struct OnDisk {
   test::TemporaryFolder folder{test::TemporaryFolder::fastParent()};
   std::shared_ptr<WorkPool> pool = std::make_shared<WorkPool>("work", 2);
@@ -94,12 +94,6 @@ TYPED_TEST(KeyValueSuiteContract, AppliesAllChangesOfAnEditToTheNewestContent) {
   EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"kept", true}, {"changed", std::int64_t{1}}}));
 }
 
-TYPED_TEST(KeyValueSuiteContract, ASnapshotNeverChanges) {
-  const auto before = this->suite_->snapshot();
-  ASSERT_TRUE(this->suite_->update(always({{"key", true}})));
-  EXPECT_TRUE(before->empty());
-}
-
 TYPED_TEST(KeyValueSuiteContract, AFailedEditChangesNothingAndSaysWhy) {
   ASSERT_TRUE(this->suite_->update(always({{"key", true}})));
   const auto thrown =
@@ -109,13 +103,22 @@ TYPED_TEST(KeyValueSuiteContract, AFailedEditChangesNothingAndSaysWhy) {
   EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) -> SuiteChanges { throw 1; }));
   EXPECT_FALSE(this->suite_->update(always({{"", true}, {"other", true}}))) << "a key is empty";
   EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}}));
-  EXPECT_TRUE(this->suite_->update(always({{"other", true}})));
+  const auto other = this->world_.later.open("suite", {}).value();
+  EXPECT_TRUE(other->update(always({{"other", true}}))) << "nobody is held up";
 }
 
-SuiteUpdate appending(std::vector<std::string> texts, SuiteChanges changes = {}) {
+// Appends these texts with the changes.
+KeyValueSuite::Edit recording(std::vector<std::string> texts, SuiteChanges changes = {}) {
   SuiteUpdate update(std::move(changes));
   update.appended = std::move(texts);
-  return update;
+  return [update = std::move(update)](const SuiteEntries&) { return update; };
+}
+
+// Marks what is unmarked.
+KeyValueSuite::Edit marking(std::function<SuiteUpdate::Marking(const std::vector<JournalRecord>&)> mark) {
+  SuiteUpdate update;
+  update.markRecords = std::move(mark);
+  return [update = std::move(update)](const SuiteEntries&) { return update; };
 }
 
 TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
@@ -124,20 +127,14 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
     return page ? page->records : std::vector<JournalRecord>{{-1, page.error(), {}}};
   };
   EXPECT_TRUE(journal(*this->suite_).empty());
-  ASSERT_TRUE(this->suite_->update(
-      [](const SuiteEntries&) { return appending({"first", std::string("a\0b'\n\xff", 6)}, {{"key", true}}); }));
-  ASSERT_TRUE(this->suite_->update([](const SuiteEntries&) { return appending({"third"}); }));
+  ASSERT_TRUE(this->suite_->update(recording({"first", std::string("a\0b'\n\xff", 6)}, {{"key", true}})));
+  ASSERT_TRUE(this->suite_->update(recording({"third"})));
   EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}}));
-  const auto settleSecond = [](const SuiteEntries&) {
-    SuiteUpdate update;
-    update.markRecords = [](const std::vector<JournalRecord>& unmarked) {
-      EXPECT_EQ(unmarked.size(), 3u);
-      EXPECT_EQ(unmarked.front().text, "third");
-      return SuiteUpdate::Marking{{{unmarked[1].number, "sent"}}, {{"settled", true}}};
-    };
-    return update;
-  };
-  ASSERT_TRUE(this->suite_->update(settleSecond));
+  ASSERT_TRUE(this->suite_->update(marking([](const auto& unmarked) {
+    EXPECT_EQ(unmarked.size(), 3u);
+    EXPECT_EQ(unmarked.front().text, "third");
+    return SuiteUpdate::Marking{{{unmarked[1].number, "sent"}}, {{"settled", true}}};
+  })));
   EXPECT_EQ(content(*this->suite_), (SuiteEntries{{"key", true}, {"settled", true}}));
   const std::vector<JournalRecord> expected{
       {3, "third", ""}, {2, std::string("a\0b'\n\xff", 6), "sent"}, {1, "first", ""}};
@@ -145,18 +142,19 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
   EXPECT_EQ(journal(*this->world_.later.open("suite", {}).value()), expected);
   EXPECT_EQ(journal(*this->suite_, 3, 1), std::vector<JournalRecord>{expected[1]});
 
+  EXPECT_FALSE(
+      this->suite_->update(recording({"fine", std::string(maximumJournalTextBytes + 1, 'x')}, {{"other", true}})));
   EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
-    return appending({"fine", std::string(maximumJournalTextBytes + 1, 'x')}, {{"other", true}});
-  }));
-  EXPECT_FALSE(this->suite_->update([](const SuiteEntries&) {
-    SuiteUpdate update = appending({"fine"}, {{"other", true}});
+    SuiteUpdate update(SuiteChanges{{"other", true}});
+    update.appended = {"fine"};
     update.markRecords = [](const std::vector<JournalRecord>&) -> SuiteUpdate::Marking { throw 1; };
     return update;
   }));
   EXPECT_EQ(content(*this->suite_).size(), 2u);
   EXPECT_EQ(journal(*this->suite_), expected);
   ASSERT_TRUE(this->suite_->update([](const SuiteEntries&) {
-    SuiteUpdate update = appending({"afterwards"});
+    SuiteUpdate update;
+    update.appended = {"afterwards"};
     update.clearsJournal = true;
     return update;
   }));
@@ -164,10 +162,9 @@ TYPED_TEST(KeyValueSuiteContract, JournalIsAppendedToSettledOnceAndCleared) {
 }
 
 TYPED_TEST(KeyValueSuiteContract, JournalLosesItsOldestRecordsFirst) {
-  ASSERT_TRUE(this->suite_->update(
-      [](const SuiteEntries&) { return appending(std::vector<std::string>(maximumJournalRecords, "old")); }));
+  ASSERT_TRUE(this->suite_->update(recording(std::vector<std::string>(maximumJournalRecords, "old"))));
   EXPECT_EQ(this->suite_->journal(2, 10)->records.size(), 1u) << "no record goes before there are too many";
-  ASSERT_TRUE(this->suite_->update([](const SuiteEntries&) { return appending({"new"}); }));
+  ASSERT_TRUE(this->suite_->update(recording({"new"})));
   const auto all = this->suite_->journal(1'000'000, 1'000'000);
   ASSERT_TRUE(all);
   EXPECT_EQ(all->records.size(), maximumJournalRecords - journalRecordsDroppedAtOnce + 1);
@@ -178,17 +175,13 @@ TYPED_TEST(KeyValueSuiteContract, JournalLosesItsOldestRecordsFirst) {
 TYPED_TEST(KeyValueSuiteContract, AReadingIsTheNewestCommitOfAnyProcessWithItsUnsettledRecords) {
   const auto other = this->world_.later.open("suite", {}).value();
   ASSERT_TRUE(this->suite_->read(10)->unmarked.empty());
-  ASSERT_TRUE(other->update([](const SuiteEntries&) { return appending({"first", "second"}, {{"key", true}}); }));
+  ASSERT_TRUE(other->update(recording({"first", "second"}, {{"key", true}})));
   const auto reading = this->suite_->read(10);
   ASSERT_TRUE(reading);
   EXPECT_EQ(*reading->entries, (SuiteEntries{{"key", true}})) << "however lately the file was looked at";
   EXPECT_EQ(reading->unmarked, (std::vector<JournalRecord>{{2, "second", ""}, {1, "first", ""}}));
   EXPECT_EQ(this->suite_->read(1)->unmarked, (std::vector<JournalRecord>{{2, "second", ""}}));
-  ASSERT_TRUE(other->update([](const SuiteEntries&) {
-    SuiteUpdate update;
-    update.markRecords = [](const auto&) { return SuiteUpdate::Marking{{{1, "sent"}}, {}}; };
-    return update;
-  }));
+  ASSERT_TRUE(other->update(marking([](const auto&) { return SuiteUpdate::Marking{{{1, "sent"}}, {}}; })));
   EXPECT_EQ(this->suite_->read(10)->unmarked, (std::vector<JournalRecord>{{2, "second", ""}}));
 }
 
@@ -290,11 +283,12 @@ TYPED_TEST(KeyValueSuiteContract, SuitesAreOneObjectANameAndIndependent) {
   EXPECT_TRUE(content(*defaults).empty());
 }
 
-TYPED_TEST(KeyValueSuiteContract, ThreadsLoseNoUpdateAndSeeNoHalfOfOne) {
+TYPED_TEST(KeyValueSuiteContract, ThreadsAndProcessesLoseNoUpdateAndSeeNoHalfOfOne) {
   constexpr int rounds = 60;
-  const auto write = [&] {
+  const auto other = this->world_.later.open("suite", {}).value();
+  const auto write = [](KeyValueSuite& suite) {
     for (int i = 0; i < rounds; ++i) {
-      EXPECT_TRUE(this->suite_->update([](const SuiteEntries& current) {
+      EXPECT_TRUE(suite.update([](const SuiteEntries& current) {
         const auto found = current.find("a");
         const auto next = found == current.end() ? 1 : std::get<std::int64_t>(found->second) + 1;
         return SuiteChanges{{"a", next}, {"b", next}};
@@ -310,10 +304,10 @@ TYPED_TEST(KeyValueSuiteContract, ThreadsLoseNoUpdateAndSeeNoHalfOfOne) {
     }
   });
   {
-    std::jthread one(write), two(write), three(write);
+    std::jthread one([&] { write(*this->suite_); }), two([&] { write(*this->suite_); }), three([&] { write(*other); });
   }
   over = true;
-  EXPECT_EQ(this->suite_->snapshot()->at("a"), PropertyValue(std::int64_t{3 * rounds}));
+  EXPECT_EQ(this->suite_->read(0)->entries->at("a"), PropertyValue(std::int64_t{3 * rounds}));
 }
 
 TEST(MemoryStoreTest, FaultsStrikeBeforeOrAfterAnUpdateTookEffect) {

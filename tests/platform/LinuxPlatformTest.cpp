@@ -1,21 +1,23 @@
-// The assembly of the Linux services: the data folder's owner, and the standard streams.
+// The assembly of the Linux services: the data folder's owner, the standard streams, text resources, and languages.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
+#include "platform/linux/EnvironmentLocale.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/memory/FixedLocale.h"
 #include "tests/platform/Environment.h"
-#include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon {
 namespace {
 
 using namespace std::string_literals;
-using test::contains;
+using namespace std::string_view_literals;
+using test::setFileBytes;
 
 class LinuxPlatformTest : public testing::Test {
  protected:
@@ -76,12 +78,26 @@ TEST_F(LinuxPlatformTest, AnApplicationReplacesServicesButTakesNoneAway) {
             languages({}));
 }
 
-TEST_F(LinuxPlatformTest, DescribesTheSystemAndTheLibrary) {
-  const auto host = linuxPlatform({}).host;
-  EXPECT_TRUE(host->componentVersion("org.quillon.consent.core"));
-  EXPECT_FALSE(host->componentVersion("org.example.other"));
-  EXPECT_EQ(host->localized("Unexpected Error", "comment"), "Unexpected Error");
-  EXPECT_TRUE(contains(host->deviceDescription(), "Linux "));
+TEST_F(LinuxPlatformTest, ReadsNoTextResourceOutsideItsFolderAndNothingHuge) {
+  const test::TemporaryFolder outer;
+  const auto folder = outer.path() / "resources";
+  std::filesystem::create_directories(folder / "inner");
+  for (const auto* name : {"secret.html", "resources/inner/page.html", "resources/.html"}) {
+    setFileBytes(outer.path() / name, "text");
+  }
+  setFileBytes(folder / "large.html", "x");
+  std::filesystem::resize_file(folder / "large.html", (32 << 20) + 1);
+  setFileBytes(folder / "full.html", std::string(1 << 20, 'x'));
+  std::filesystem::create_symlink(outer.path() / "secret.html", folder / "link.html");
+  std::filesystem::create_directory(folder / "folder.html");
+  const auto host = linuxPlatform({.resourceDirectory = folder}).host;
+  for (const auto name : {"../secret"sv, "inner/page"sv, "inner/../full"sv, ""sv, ".."sv, "link"sv, "folder"sv,
+                          "large"sv, "full.html\0"sv}) {
+    EXPECT_EQ(host->resource(name, "html"), std::nullopt) << name;
+  }
+  EXPECT_EQ(host->resource("full", "/../full.html"), std::nullopt);
+  EXPECT_EQ(host->resource("full", "txt"), std::nullopt);
+  EXPECT_EQ(host->resource("full", "html"), std::string(1 << 20, 'x'));
 }
 
 TEST_F(LinuxPlatformTest, WritesBlocksToStandardOutputAndAFatalErrorToStandardError) {
@@ -92,6 +108,56 @@ TEST_F(LinuxPlatformTest, WritesBlocksToStandardOutputAndAFatalErrorToStandardEr
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "first\nblock\n\n");
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(console->fatal("no way on", "folder/File"), "^folder/File: Fatal error: no way on\n");
+}
+
+using Languages = std::vector<std::string>;
+
+Languages languages(std::map<std::string, std::string> environment) {
+  return EnvironmentLocale([&](const char* name) -> std::optional<std::string> {
+           const auto found = environment.find(name);
+           return found == environment.end() ? std::nullopt : std::optional(found->second);
+         })
+      .preferredLanguages();
+}
+
+TEST(EnvironmentLocaleTest, TurnsLocaleNamesIntoTags) {
+  const std::pair<const char*, const char*> cases[] = {{"de_DE.UTF-8", "de-DE"},
+                                                       {"de_DE@euro", "de-DE"},
+                                                       {"zh_Hant_TW.UTF-8@x", "zh-Hant-TW"},
+                                                       {"ZH_HANT_tw", "zh-Hant-TW"},
+                                                       {"en-GB", "en-GB"},
+                                                       {"es_419", "es-419"},
+                                                       {"fil", "fil"},
+                                                       {"C", "en"},
+                                                       {"POSIX", "en"},
+                                                       {"C.UTF-8", "en"},
+                                                       {"sr_RS@latin", "sr-RS"}};
+  for (const auto& [name, tag] : cases) EXPECT_EQ(languages({{"LANG", name}}), Languages{tag}) << name;
+}
+
+TEST(EnvironmentLocaleTest, TakesTheVariablesInOrderWithoutDuplicates) {
+  EXPECT_EQ(languages({{"LANG", "it_IT.UTF-8"},
+                       {"LC_MESSAGES", "fr_FR"},
+                       {"LC_ALL", "de_DE.UTF-8"},
+                       {"LANGUAGE", "de_AT:de::fr_FR"}}),
+            (Languages{"de-AT", "de", "fr-FR", "de-DE", "it-IT"}));
+}
+
+TEST(EnvironmentLocaleTest, SpeaksEnglishWhenNothingUsableIsSet) {
+  EXPECT_EQ(languages({}), Languages{"en"});
+  for (const char* odd : {"", ":", "../../etc/passwd", "de/DE", "d", "1e_DE", "de_", "de__DE", "de DE", "\xc3\xa4_DE",
+                          "de\n", "abcdefghi", ".UTF-8"}) {
+    EXPECT_EQ(languages({{"LANGUAGE", odd}, {"LANG", odd}}), Languages{"en"}) << odd;
+  }
+}
+
+TEST(EnvironmentLocaleTest, IsBounded) {
+  EXPECT_EQ(languages({{"LANG", "de_DE@" + std::string(100, 'x')}}), Languages{"en"});
+  std::string list;
+  for (char a = 'a'; a <= 'z'; ++a) {
+    for (char b = 'a'; b <= 'z'; ++b) list += std::string{a, b, ':'};
+  }
+  EXPECT_EQ(languages({{"LANGUAGE", list}, {"LANG", "de_DE"}}).size(), 32u);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Network path reports: set by hand, and in a network namespace of the test where permitted.
+// Network path reports, in a network namespace of the test where permitted.
 #include <gtest/gtest.h>
 #include <sched.h>
 
@@ -13,8 +13,6 @@
 
 #include "platform/linux/AsioExecutors.h"
 #include "platform/linux/NetlinkPathMonitor.h"
-#include "platform/memory/ManualExecutors.h"
-#include "platform/memory/StaticNetworkPath.h"
 
 namespace quillon {
 namespace {
@@ -46,18 +44,6 @@ class Heard {
   std::condition_variable changed_;
   Statuses all_;
 };
-
-TEST(StaticNetworkPathTest, ReportsThePresentStatusAndThenChangesOnTheQueue) {
-  ManualExecutors executors;
-  StaticNetworkPath path(unsatisfied);
-  Statuses heard;
-  const auto subscription =
-      path.start(executors.serial("path"), [&](NetworkStatus status) { heard.push_back(status); });
-  EXPECT_TRUE(heard.empty());
-  for (const auto status : {unsatisfied, satisfied, unsatisfied}) path.set(status);
-  executors.runUntilIdle();
-  EXPECT_EQ(heard, (Statuses{unsatisfied, satisfied, unsatisfied}));
-}
 
 TEST(NetlinkPathMonitorTest, IsSilentOnceTheSubscriptionIsDropped) {
   AsioExecutors executors;

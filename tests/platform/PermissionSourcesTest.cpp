@@ -58,6 +58,15 @@ class PermissionSourcesTest : public testing::Test {
     return LinuxPermissionSources(id);
   }
 
+  // The value that is known once the change is told.
+  static std::string valueAfter(LinuxPermissionSources& device, const Key& key, const std::function<void()>& change) {
+    test::Signal told;
+    const auto subscription = device.observe([&] { told.set(); });
+    EXPECT_TRUE(device.platformValue(key));  // subscribed once this is answered
+    change();
+    return told.wait() ? text(device.knownValue(key)) : "not told";
+  }
+
  private:
   const test::Environment environment_{"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS", "FLATPAK_ID"};
 };
@@ -153,13 +162,6 @@ TEST_F(PermissionStoreTest, WhatIsDecidedAboutOtherApplicationsNeitherCountsNorI
 TEST_F(PermissionStoreTest, AChangeReachesTheObserverWithTheNewValueKnown) {
   auto device = sources(bus_->address(), nowhere);
   EXPECT_FALSE(device.knownValue(Key::cameraUsageDescription));
-  const auto changedBy = [&](const Key& key, const std::function<void()>& change) {
-    test::Signal told;
-    const auto subscription = device.observe([&] { told.set(); });
-    EXPECT_TRUE(device.platformValue(key));  // subscribed once this is answered
-    change();
-    return told.wait() ? text(device.knownValue(key)) : "not told";
-  };
   const struct {
     Key key;
     const char *table, *id, *words, *value;
@@ -171,9 +173,9 @@ TEST_F(PermissionStoreTest, AChangeReachesTheObserverWithTheNewValueKnown) {
       {Key::userNotificationsUsageDescription, "notifications", "notification", "['no']", "1"},
   };
   for (const auto& [key, table, id, words, value] : changes) {
-    EXPECT_EQ(changedBy(key, [&] { decide(table, id, words); }), value) << id << " " << words;
+    EXPECT_EQ(valueAfter(device, key, [&] { decide(table, id, words); }), value) << id << " " << words;
   }
-  EXPECT_EQ(changedBy(Key::cameraUsageDescription, [&] { change("Delete devices camera"); }), "0");
+  EXPECT_EQ(valueAfter(device, Key::cameraUsageDescription, [&] { change("Delete devices camera"); }), "0");
 }
 
 TEST_F(PermissionStoreTest, AnObserverMayLeaveAndEvenDropTheSourcesFromItsOwnHandler) {
@@ -275,42 +277,37 @@ TEST_F(FalseStoreTest, WithoutAStoreNothingIsDetermined) {
 TEST_F(PermissionSourcesTest, ABusThatIsSilentOrSpeaksNonsenseHoldsNobodyUpForLong) {
   const auto now = std::chrono::steady_clock::now;
   const std::string authenticated = "REJECTED EXTERNAL\r\nOK 0123456789abcdef0123456789abcdef\r\nERROR\r\n";
-  std::vector<std::jthread> threads;
-  for (const std::string& greeting :
-       {std::string(), authenticated, authenticated + std::string(100'000, '\xff'), std::string("REJECTED\r\n")}) {
-    auto bus = std::make_unique<FalseBus>(greeting);
-    auto device = ownedSources(bus->address(), bus->address());
-    threads.emplace_back([=, bus = std::move(bus), device = std::move(device)]() mutable {
-      SCOPED_TRACE(testing::PrintToString(greeting.substr(0, 80)));
-      const auto begin = now();
-      const auto subscription = device->observe([] {});
-      for (const Key& key : storeKeys) EXPECT_FALSE(device->knownValue(key));
-      EXPECT_LT(now() - begin, 1s) << "observing or knowing waited";
-      std::vector<std::jthread> others;
-      for (const Key& key : systemKeys) {
-        others.emplace_back([&] { EXPECT_FALSE(device->platformValue(key)) << key.rawValue(); });
+  for (const std::string& greeting : {std::string(), authenticated, authenticated + std::string(100'000, '\xff')}) {
+    SCOPED_TRACE(testing::PrintToString(greeting.substr(0, 80)));
+    const FalseBus bus(greeting);
+    auto device = ownedSources(bus.address(), bus.address());
+    const auto begin = now();
+    const auto subscription = device->observe([] {});
+    for (const Key& key : storeKeys) EXPECT_FALSE(device->knownValue(key));
+    EXPECT_LT(now() - begin, 1s) << "observing or knowing waited";
+    {
+      std::vector<std::jthread> askers;
+      for (const auto* keys : {&storeKeys, &systemKeys}) {
+        for (const Key& key : *keys) {
+          askers.emplace_back([&] { EXPECT_FALSE(device->platformValue(key)) << key.rawValue(); });
+        }
       }
-      for (const Key& key : storeKeys) EXPECT_FALSE(device->platformValue(key)) << key.rawValue();
-      EXPECT_LT(now() - begin, 4s);
-      others.clear();
-      for (const Key& key : storeKeys) EXPECT_FALSE(device->knownValue(key));
-      const auto leaving = now();
-      device.reset();
-      EXPECT_LT(now() - leaving, 2s);
-    });
+    }
+    EXPECT_LT(now() - begin, 4s);
+    for (const Key& key : storeKeys) EXPECT_FALSE(device->knownValue(key));
+    const auto leaving = now();
+    device.reset();
+    EXPECT_LT(now() - leaving, 1s) << "leaving waits for a silent bus";
   }
-  const FalseBus bus({});
-  const auto begin = now();
-  for (int round = 0; round < 20; ++round) {
-    auto device = sources(bus.address(), bus.address());
-    const auto subscription = device.observe([] {});
-  }
-  EXPECT_LT(now() - begin, 2s) << "leaving waits for a silent bus";
 }
 
 // System services simulated by the test.
 class SystemBusTest : public PermissionSourcesTest {
  protected:
+  static std::string poweredAdapter(const std::string& value) {
+    return "(@a{oa{sa{sv}}} {'/org/bluez/hci0': {'org.bluez.Adapter1': {'Powered': <" + value + ">}}},)";
+  }
+
   const PrivateBus bus_{PrivateBus::Services::none};
 };
 
@@ -344,41 +341,33 @@ TEST_F(SystemBusTest, AnAdapterThatIsSwitchedOnMayBeUsed) {
 }
 
 TEST_F(SystemBusTest, AnAdapterThatComesGoesOrIsSwitchedIsHeardOf) {
-  const auto powered = [](const std::string& value) {
-    return "(@a{oa{sa{sv}}} {'/org/bluez/hci0': {'org.bluez.Adapter1': {'Powered': <" + value + ">}}},)";
-  };
-  const Key key = Key::bluetoothAlwaysUsageDescription;
+  const std::string on = poweredAdapter("true"), off = poweredAdapter("false"), none = "(@a{oa{sa{sv}}} {},)";
   auto device = sources(nowhere, bus_.address());
-  const auto changedBy = [&](const std::function<void()>& change) {
-    test::Signal told;
-    const auto subscription = device.observe([&] { told.set(); });
-    EXPECT_TRUE(device.platformValue(key));
-    change();
-    return told.wait() ? text(device.knownValue(key)) : "not told";
-  };
   std::optional<BusPeer> bluez;
-  const auto told = [&](const std::string& objects, const std::string& path, const std::string& interface,
-                        const std::string& signal, const std::string& arguments) {
-    return changedBy([&] {
+  const auto changedBy = [&](const std::function<void()>& change) {
+    return valueAfter(device, Key::bluetoothAlwaysUsageDescription, change);
+  };
+  using Replies = std::map<std::string, std::string>;
+  EXPECT_EQ(changedBy([&] { bluez.emplace(bus_.address(), "org.bluez", Replies{{"GetManagedObjects", off}}); }), "0");
+  const struct {
+    std::string objects, path, interface, signal, arguments;
+    const char* value;
+  } changes[] = {
+      {on, "/org/bluez/hci0", "Properties", "PropertiesChanged", "('org.bluez.Adapter1', {'Powered': <true>}, @as [])",
+       "3"},
+      {none, "/", "ObjectManager", "InterfacesRemoved",
+       "(@o '/org/bluez/hci0', ['org.freedesktop.DBus.Introspectable', 'org.bluez.Adapter1'])", "no source"},
+      {on, "/", "ObjectManager", "InterfacesAdded",
+       "(@o '/org/bluez/hci0', @a{sa{sv}} {'org.bluez.Adapter1': {'Powered': <true>}})", "3"},
+  };
+  for (const auto& [objects, path, interface, signal, arguments, value] : changes) {
+    const auto change = [&] {
       bluez->reply("GetManagedObjects", objects);
       bluez->emit("/", "org.freedesktop.DBus.ObjectManager", "InterfacesAdded", "(1,)");  // malformed
       bluez->emit(path, "org.freedesktop.DBus." + interface, signal, arguments);
-    });
-  };
-  EXPECT_EQ(changedBy([&] {
-              bluez.emplace(bus_.address(), "org.bluez",
-                            std::map<std::string, std::string>{{"GetManagedObjects", powered("false")}});
-            }),
-            "0");
-  EXPECT_EQ(told(powered("true"), "/org/bluez/hci0", "Properties", "PropertiesChanged",
-                 "('org.bluez.Adapter1', {'Powered': <true>}, @as [])"),
-            "3");
-  EXPECT_EQ(told("(@a{oa{sa{sv}}} {},)", "/", "ObjectManager", "InterfacesRemoved",
-                 "(@o '/org/bluez/hci0', ['org.freedesktop.DBus.Introspectable', 'org.bluez.Adapter1'])"),
-            "no source");
-  EXPECT_EQ(told(powered("true"), "/", "ObjectManager", "InterfacesAdded",
-                 "(@o '/org/bluez/hci0', @a{sa{sv}} {'org.bluez.Adapter1': {'Powered': <true>}})"),
-            "3");
+    };
+    EXPECT_EQ(changedBy(change), value) << signal;
+  }
   EXPECT_EQ(changedBy([&] { bluez.reset(); }), "no source");
 }
 
@@ -409,16 +398,13 @@ TEST_F(SystemBusTest, ASensorWithAFingerMayBeUsed) {
   }
 }
 
-TEST_F(PermissionSourcesTest, ReadersOfTagsAreCountedByTheKernel) {
+TEST_F(PermissionSourcesTest, SomeKeysNeedNoBusAndOthersHaveNoSource) {
   const test::TemporaryFolder folder;
   EXPECT_EQ(nfcAdapterValue(folder.path() / "nfc"), 0);
   std::filesystem::create_directory(folder.path() / "nfc");
   EXPECT_EQ(nfcAdapterValue(folder.path() / "nfc"), 0);
   std::filesystem::create_directory(folder.path() / "nfc" / "nfc0");
   EXPECT_EQ(nfcAdapterValue(folder.path() / "nfc"), 1);
-}
-
-TEST_F(PermissionSourcesTest, KeysThatLinuxHasNoSettingForHaveNoSource) {
   const auto device = sources(nowhere, nowhere);
   for (const Key& key : {Key(Key::photoLibraryUsageDescription), Key(Key::contactsUsageDescription),
                          Key(Key::homeKitUsageDescription), Key("com.example.custom")}) {

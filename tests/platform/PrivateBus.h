@@ -3,12 +3,8 @@
 
 #include <fcntl.h>
 #include <gio/gio.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -18,8 +14,8 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
+#include "tests/platform/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon::test {
@@ -37,42 +33,25 @@ class PrivateBus {
                      "<allow own=\"*\"/></policy></busconfig>");
     start();
   }
-  PrivateBus(const PrivateBus&) = delete;
-  PrivateBus& operator=(const PrivateBus&) = delete;
-  ~PrivateBus() { stop(); }
-
   static bool installed() { return run("dbus-daemon --version") && run("gdbus help"); }
 
   std::string address() const { return "unix:path=" + socket(); }
 
   void start() {
-    int ends[2];
-    if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
-    const std::string path = folder_.path();
-    std::vector<std::string> arguments{"dbus-daemon", "--config-file=" + path + "/bus.conf", "--nofork", "--nopidfile",
-                                       "--print-address=" + std::to_string(ends[1])};
-    std::vector<std::string> environment{"HOME=" + path, "XDG_DATA_HOME=" + path, "XDG_RUNTIME_DIR=" + path,
-                                         "PATH=/usr/bin:/bin"};
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    const int failed = ::posix_spawnp(&daemon_, "dbus-daemon", &actions, nullptr, pointers(arguments).data(),
-                                      pointers(environment).data());
-    ::posix_spawn_file_actions_destroy(&actions);
-    ::close(ends[1]);
-    char first = 0;
-    const bool listens = failed == 0 && ::read(ends[0], &first, 1) == 1;
-    ::close(ends[0]);
-    if (!listens) throw std::runtime_error("no message bus");
+    daemon_.emplace([path = folder_.path().string()](const ChildProcess::Say& say) {
+      ::dup2(::open("/dev/null", O_WRONLY), STDERR_FILENO);
+      ::clearenv();
+      ::setenv("PATH", "/usr/bin:/bin", 1);
+      for (const char* name : {"HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) ::setenv(name, path.c_str(), 1);
+      ::execlp("dbus-daemon", "dbus-daemon", ("--config-file=" + path + "/bus.conf").c_str(), "--nofork", "--nopidfile",
+               ("--print-address=" + std::to_string(say.end)).c_str(), nullptr);
+    });
+    if (daemon_->hear().empty()) throw std::runtime_error("no message bus");
   }
 
   // Also ends its services.
   void stop() {
-    if (daemon_ <= 0) return;
-    ::kill(daemon_, SIGKILL);
-    while (::waitpid(daemon_, nullptr, 0) < 0 && errno == EINTR) {
-    }
-    daemon_ = -1;
+    daemon_.reset();
     std::error_code ignored;
     std::filesystem::remove(socket(), ignored);
   }
@@ -89,15 +68,8 @@ class PrivateBus {
 
   static bool run(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
 
-  static std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    for (auto& text : texts) result.push_back(text.data());
-    result.push_back(nullptr);
-    return result;
-  }
-
   const TemporaryFolder folder_;
-  pid_t daemon_ = -1;
+  std::optional<ChildProcess> daemon_;
 };
 
 // Owns a bus name and answers methods with texts in GVariant notation, of any type. A text "error:NAME" is an error of

@@ -37,13 +37,23 @@ class SqliteSuiteTest : public testing::Test {
  protected:
   // A new store in every call, as another process would have.
   std::shared_ptr<KeyValueSuite> open(const std::filesystem::path& folder) {
-    auto opened =
-        SqliteStore(folder).open("s", [this](auto, std::string message) { reports_.push_back(std::move(message)); });
+    auto opened = SqliteStore(folder).open("s", report());
     if (opened) return *opened;
     reports_.push_back(opened.error());
     return nullptr;
   }
   std::shared_ptr<KeyValueSuite> open() { return open(folder_); }
+
+  KeyValueStore::Report report() {
+    return [this](auto, std::string message) { reports_.push_back(std::move(message)); };
+  }
+
+  // A healthy store with this entry takes the place of the file.
+  void replaceByOneWith(const std::string& key) {
+    const auto elsewhere = temporary_.path() / "elsewhere";
+    EXPECT_TRUE(put(*open(elsewhere), key, true));
+    std::filesystem::rename(elsewhere / "s.sqlite", file_);
+  }
 
   // Runs SQL in the sqlite3 shell.
   std::string shell(const char* sql) const {

@@ -79,11 +79,7 @@ TEST_F(WebWorld, LetsNoRequestOfAPageReachARefusedServer) {
     return !isEngineClosed && (name.find("transport") != name.npos || name.starts_with("peer") || name == "preconnect");
   };
   for (const auto& [name, body] : attempts) {
-    if (isOpen(name)) continue;
-    std::string text = body;
-    const std::string probe = "$ALLOWED/probe/" + std::string(name);
-    for (auto at = text.find("$PROBE"); at != std::string::npos; at = text.find("$PROBE")) text.replace(at, 6, probe);
-    page += text + "\n";
+    if (!isOpen(name)) page += replaced(body, "$PROBE", "$ALLOWED/probe/" + std::string(name)) + "\n";
   }
   serve("/page", page, {{"Content-Security-Policy-Report-Only", "img-src 'none'; report-uri $REFUSED/a"}});
   open("$ALLOWED/page");
@@ -128,19 +124,13 @@ TEST_F(WebWorld, ShowsTheBlockedPageForEveryWayToARefusedServer) {
 #undef LINK
   serve("/moved", "", {{"Location", "$REFUSED/moved"}}, 307);
   int number = 0;
-  for (const auto& [attempt, address, isClicked, headers] : cases) {
+  for (auto [attempt, address, isClicked, headers] : cases) {
     SCOPED_TRACE(attempt.name);
     const std::string path = "/" + std::to_string(++number);
-    const auto withAddress = [&](std::string text) {
-      for (auto at = text.find("$AWAY"); at != std::string::npos; at = text.find("$AWAY")) {
-        text.replace(at, 5, "$REFUSED" + path);
-      }
-      return text;
-    };
-    auto sent = headers;
-    for (auto& [name, value] : sent) value = withAddress(value);
-    serve(path, withAddress("<title>" + path + "</title><body>" + attempt.body), sent,
-          sent.contains("Location") ? 302 : 200);
+    const auto withAddress = [&](std::string text) { return replaced(std::move(text), "$AWAY", "$REFUSED" + path); };
+    for (auto& [name, value] : headers) value = withAddress(value);
+    serve(path, withAddress("<title>" + path + "</title><body>" + attempt.body), headers,
+          headers.contains("Location") ? 302 : 200);
     open("$ALLOWED" + path);
     if (isClicked) {
       shows(path);

@@ -34,13 +34,14 @@ bool WebWorld::await(const std::function<bool()>& condition, int limitMillisecon
   return true;
 }
 
-std::string WebWorld::filled(std::string text) const {
-  const std::pair<std::string_view, std::string> places[] = {
-      {"$REFUSED", "http://" + refused.authority()}, {"$HOST", refused.authority()}, {"$ALLOWED", allowed.url()}};
-  for (const auto& [name, value] : places) {
-    for (auto at = text.find(name); at != std::string::npos; at = text.find(name)) text.replace(at, name.size(), value);
-  }
+std::string replaced(std::string text, std::string_view place, const std::string& value) {
+  for (auto at = text.find(place); at != text.npos; at = text.find(place)) text.replace(at, place.size(), value);
   return text;
+}
+
+std::string WebWorld::filled(std::string text) const {
+  text = replaced(std::move(text), "$REFUSED", "http://" + refused.authority());
+  return replaced(replaced(std::move(text), "$HOST", refused.authority()), "$ALLOWED", allowed.url());
 }
 
 void WebWorld::serve(const std::string& path, const std::string& body, httplib::Headers headers, int status) {

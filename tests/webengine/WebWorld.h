@@ -15,6 +15,8 @@ namespace quillon::test {
 // accept it for the sake of all others.
 inline bool isEngineClosed = false;
 
+std::string replaced(std::string text, std::string_view place, const std::string& value);
+
 struct WebWorld : testing::Test {
   WebWorld();
   ~WebWorld() override;

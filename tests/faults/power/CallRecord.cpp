@@ -10,7 +10,6 @@
 #include <climits>
 #include <mutex>
 #include <optional>
-#include <string_view>
 #include <utility>
 
 namespace quillon::test {
@@ -74,14 +73,8 @@ std::vector<DiskCall> recordedCalls() {
 
 namespace record {
 
-using Kind = DiskCall::Kind;
-
 bool isOn() {
   return isRecording;
-}
-
-bool isThere(const char* path) {
-  return inodeOf(path) != 0;
 }
 
 std::uint64_t inodeOf(const char* path) {
@@ -92,45 +85,17 @@ std::uint64_t positionOf(int file) {
   return static_cast<std::uint64_t>(::syscall(SYS_lseek, file, 0, SEEK_CUR));
 }
 
-void created(const char* path) {
-  add(path, [&](std::string name) { return DiskCall{Kind::create, inodeOf(path), std::move(name)}; });
-}
-
-void linked(const char* path) {
-  add(path, [&](std::string name) { return DiskCall{Kind::link, inodeOf(path), std::move(name)}; });
-}
-
-void renamed(const char* from, const char* to) {
-  add(to, [&](std::string name) {
-    return DiskCall{Kind::rename, inodeOf(to), std::move(name), nameIn(std::string_view(from)).value_or("")};
+void atPath(DiskCall::Kind kind, const char* path, std::uint64_t file, const char* before) {
+  add(path, [&](std::string name) {
+    return DiskCall{kind, file != 0 ? file : inodeOf(path), std::move(name),
+                    nameIn(std::string_view(before)).value_or("")};
   });
 }
 
-void removed(const char* path, std::uint64_t inode) {
-  add(path, [&](std::string name) { return DiskCall{Kind::remove, inode, std::move(name)}; });
-}
-
-void wrote(int file, const void* bytes, std::size_t count, std::uint64_t at) {
+void inFile(DiskCall::Kind kind, int file, std::uint64_t at, std::string_view bytes) {
   add(file, [&](std::string name) {
-    return DiskCall{Kind::write,
-                    inode(file, "", AT_EMPTY_PATH),
-                    std::move(name),
-                    {},
-                    at,
-                    std::string(static_cast<const char*>(bytes), count)};
-  });
-}
-
-void resized(int file, std::uint64_t size) {
-  add(file, [&](std::string name) {
-    return DiskCall{Kind::resize, inode(file, "", AT_EMPTY_PATH), std::move(name), {}, size};
-  });
-}
-
-void synced(int file) {
-  add(file, [&](std::string name) {
-    const auto kind = name.empty() ? Kind::syncFolder : Kind::syncFile;
-    return DiskCall{kind, inode(file, "", AT_EMPTY_PATH), std::move(name)};
+    if (name.empty()) kind = DiskCall::Kind::syncFolder;
+    return DiskCall{kind, inode(file, "", AT_EMPTY_PATH), std::move(name), {}, at, std::string(bytes)};
   });
 }
 

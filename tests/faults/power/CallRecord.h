@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon::test {
@@ -32,18 +33,13 @@ std::vector<DiskCall> recordedCalls();
 namespace record {
 
 bool isOn();
-// Whether the path exists; called before a call that may create it.
-bool isThere(const char* path);
-std::uint64_t inodeOf(const char* path);
+std::uint64_t inodeOf(const char* path);  // 0: nothing is there
 std::uint64_t positionOf(int file);
 
-void created(const char* path);
-void linked(const char* path);
-void renamed(const char* from, const char* to);
-void removed(const char* path, std::uint64_t inode);
-void wrote(int file, const void* bytes, std::size_t count, std::uint64_t at);
-void resized(int file, std::uint64_t size);
-void synced(int file);
+// Without a number, the one of what is at the path now.
+void atPath(DiskCall::Kind kind, const char* path, std::uint64_t file = 0, const char* before = "");
+// A sync is the folder's if that is what was synced.
+void inFile(DiskCall::Kind kind, int file, std::uint64_t at = 0, std::string_view bytes = {});
 
 }  // namespace record
 

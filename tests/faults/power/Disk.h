@@ -1,9 +1,12 @@
-// A model of a folder on a disk for power cuts: durable content, and changes in flight.
+// A model of a folder on a disk for power cuts: durable content, changes in flight, and the states that may be found.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -50,8 +53,12 @@ class Disk {
   std::vector<Naming> pendingNames_;
 };
 
-// Applies a change to a content.
-void carryOut(const Disk::Change& change, std::string& content);
-void carryOut(const Disk::Naming& naming, std::map<std::string, std::uint64_t>& names);
+// Visits the states that the disk may be in after a power cut now. Of the changes in flight: none, all, each part
+// alone, all but each part, each prefix, every subset of few parts, and random subsets. A write counts as one part, and
+// as its sectors of 512 or 4096 bytes; a file's size may be the old or the new one. If names and several files are in
+// flight, visits every combination up to `combinations`, else each choice with the extremes of the others and that many
+// random combinations. A state may be visited more than once.
+void forEachState(const Disk& disk, std::size_t combinations, std::mt19937& random,
+                  const std::function<void(const DiskState& state)>& visit);
 
 }  // namespace quillon::test

@@ -9,13 +9,147 @@
 #include "core/History/DecisionChain.h"
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "core/Persistance/UserDefaults/StoredValues.h"
-#include "tests/faults/Areas.h"
-#include "tests/faults/power/PowerRuns.h"
-#include "tests/faults/power/States.h"
+#include "platform/linux/SqliteDatabase.h"
+#include "tests/faults/Row.h"
+#include "tests/faults/power/Disk.h"
+#include "tests/faults/power/PowerDevice.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon::test {
 namespace {
+
+using Path = std::filesystem::path;
+
+struct PowerRun {
+  std::string_view name;  // for --only
+  std::string_view what;
+  // Prepares durable data on the disk.
+  void (*prepare)(const Path& data);
+  // The run, recorded in the chronicle.
+  void (*perform)(const Path& data, Chronicle& chronicle);
+  bool isDamaged = false;  // the store is damaged before the run: it must report so, and no lost entry is granted
+};
+
+void decide(PowerDevice& device, std::int64_t purpose, ConsentStatus status) {
+  if (!device.sdk().set({.purposeId = purpose}, status)) throw std::runtime_error("a decision was refused");
+  device.run();
+}
+
+void answer(PowerDevice& device, bool accept) {
+  auto stored = device.sdk().acceptOrReject(accept);
+  device.run();
+  if (!stored.get()) throw std::runtime_error("an answer was refused");
+}
+
+void install(const Path& data, int purposes = 3, bool isOptOut = false) {
+  PowerDevice device(data);
+  device.publish(1, purposes, isOptOut);
+  device.start();
+  answer(device, true);
+}
+
+void installed(const Path& data) {
+  install(data);
+}
+
+void tamper(const Path& data, const char* sql) {
+  auto database = SqliteDatabase::open(storeIn(data));
+  if (!database || !database->run(sql)) throw std::runtime_error("the store could not be tampered with");
+}
+
+// Under a compliance type whose default is granted.
+void refused(const Path& data) {
+  install(data, 3, true);
+  PowerDevice device(data);
+  device.publish(1, 3, true);
+  device.start();
+  decide(device, 1, ConsentStatus::declined);
+}
+
+constexpr PowerRun runs[] = {
+    {"power-start", "a first start with a download, and an answer", [](const Path&) {},
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       device.start();
+       answer(device, true);
+     }},
+    {"power-decision", "two decisions, one after the other", installed,
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       decide(device, 1, ConsentStatus::withDrawn);
+       decide(device, 2, ConsentStatus::declined);
+     }},
+    {"power-hundred", "a hundred purposes answered at once", [](const Path& data) { install(data, 100); },
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       device.publish(1, 100);
+       device.start();
+       answer(device, false);
+     }},
+    {"power-upload", "an upload that clears the lists",
+     [](const Path& data) {
+       install(data);
+       PowerDevice device(data);
+       decide(device, 1, ConsentStatus::withDrawn);
+     },
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       device.start();
+       auto uploaded = device.sdk().uploadPendingConsents();
+       device.run();
+       (void)uploaded.get();
+     }},
+    {"power-configuration", "a new configuration over an old one",
+     [](const Path& data) {
+       install(data);
+       // Old enough that it needs a request before use.
+       PowerDevice device(data);
+       const auto aged = [](const SuiteEntries&) { return SuiteChanges{{"CDN_CACHED_TIMESTAMP", std::int64_t{1}}}; };
+       if (!device.suite()->update(aged)) throw std::runtime_error("the store could not be prepared");
+     },
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       device.publish(2);
+       device.start();
+     }},
+    {"power-removal", "everything removed, and decided anew", installed,
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       device.start();
+       device.sdk().removeConsents();
+       device.run();
+       decide(device, 1, ConsentStatus::declined);
+     }},
+    {"power-damage", "a damaged store set aside, and a new one begun",
+     [](const Path& data) {
+       refused(data);
+       std::fstream(storeIn(data), std::ios::binary | std::ios::in | std::ios::out) << std::string(5000, '#');
+     },
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       decide(device, 2, ConsentStatus::granted);
+     },
+     true},
+    {"power-row", "a damaged row found, and what is left of the store taken over",
+     [](const Path& data) {
+       refused(data);
+       tamper(data, "UPDATE entries SET value='granted' WHERE key='1'");
+     },
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       decide(device, 3, ConsentStatus::declined);
+     },
+     true},
+    {"power-two", "two SDKs over one folder, as in two processes, that decide in turn", installed,
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice one(data, &chronicle);
+       PowerDevice two(data, &chronicle);
+       decide(one, 1, ConsentStatus::withDrawn);
+       decide(two, 1, ConsentStatus::granted);
+       decide(one, 2, ConsentStatus::declined);
+       decide(two, 3, ConsentStatus::declined);
+     }},
+};
 
 using Calls = std::vector<DiskCall>;
 
@@ -59,7 +193,7 @@ std::string described(const DiskState& state) {
   return text;
 }
 
-void layOut(const DiskState& state, const std::filesystem::path& data) {
+void layOut(const DiskState& state, const Path& data) {
   std::filesystem::remove_all(data);
   std::filesystem::create_directory(data);
   for (const auto& [name, content] : state) setFileBytes(data / name, content);
@@ -78,8 +212,8 @@ bool holdsTogether(KeyValueSuite& suite) {
 }
 
 // Opens a state with the real SDK; returns the fault, empty if none.
-std::string fault(const PowerRun& run, const DiskState& state, const std::filesystem::path& data,
-                  const SuiteImage& acknowledged, const SuiteImage& underWay) try {
+std::string fault(const PowerRun& run, const DiskState& state, const Path& data, const SuiteImage& acknowledged,
+                  const SuiteImage& underWay) try {
   layOut(state, data);
   PowerDevice device(data);
   device.publish(3);
@@ -161,8 +295,6 @@ Outcome cutPower(const PowerRun& run, const Recorded& recorded, const Effort& ef
   return outcome;
 }
 
-constexpr const char* allAcknowledged = "all that was acknowledged";
-
 Seen powerCuts(const PowerRun& run, Trial& trial) {
   const auto oneOf = static_cast<std::size_t>(trial.oneIn(isSanitized ? 16 : 8));
   const auto outcome = cutPower(run, record(run), {.combinations = trial.isShort() ? 3u : 250u, .oneOf = oneOf});
@@ -216,7 +348,7 @@ constexpr Planted plants[] = {
 Seen plantedFaults(Trial& trial) {
   if (isSanitized) throw LeftOut("it is about this table, and the release has shown it");
   for (const auto& [name, runName, plant] : plants) {
-    const auto run = std::ranges::find(powerRuns(), runName, &PowerRun::name);
+    const auto run = std::ranges::find(runs, runName, &PowerRun::name);
     auto recorded = record(*run);
     const auto before = recorded.calls.size();
     plant(recorded.calls);
@@ -231,17 +363,13 @@ Seen plantedFaults(Trial& trial) {
 
 std::vector<Row> powerRows() {
   std::vector<Row> rows;
-  for (const PowerRun& run : powerRuns()) {
-    rows.push_back({run.name,
-                    run.what,
-                    [&run](Trial& trial) { return powerCuts(run, trial); },
-                    {"ready", "", allAcknowledged},
-                    std::chrono::seconds(3600)});
+  for (const PowerRun& run : runs) {
+    rows.push_back(Row(
+        run.name, run.what, [&run](Trial& trial) { return powerCuts(run, trial); }, {"ready", "", allAcknowledged},
+        std::chrono::seconds(3600)));
   }
-  rows.push_back({"power-planted",
-                  "faults put into the record of a run, each of which the cuts must show",
-                  plantedFaults,
-                  {"ready", "", "each fault was found"}});
+  rows.push_back(Row("power-planted", "faults put into the record of a run, each of which the cuts must show",
+                     plantedFaults, {"ready", "", "each fault was found"}));
   return rows;
 }
 
