@@ -1,7 +1,6 @@
 // Ten thousand changes of exports, of which every one must be found.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <random>
 
 #include "proof/Check/Verification.h"
@@ -31,9 +30,17 @@ class Changer {
  private:
   std::size_t below(std::size_t limit) { return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random_); }
 
-  static json::object history(const ExportFiles& files) { return json::parse(files.at("history.json")).as_object(); }
-  static json::array& entriesOf(json::object& history) { return history.at("entries").as_array(); }
+  // Changes the entries of the history; the change tells which it is about.
+  template <class Change>
+  static std::string changeEntries(ExportFiles& files, const Change& change) {
+    auto history = json::parse(files.at("history.json")).as_object();
+    auto named = change(history, history.at("entries").as_array());
+    files["history.json"] = json::serialize(history);
+    return named;
+  }
   static std::string nameAt(json::array& entries, std::size_t i) { return nameOf(entries.at(i).as_object()); }
+  static std::string nameOfNotice(const std::string& file) { return "notice " + file.substr(8, 64); }
+  static auto at(std::size_t i) { return static_cast<std::ptrdiff_t>(i); }
 
   // As somebody without the key would: the list is right again, and its signature is not.
   static void sumAnew(ExportFiles& files) {
@@ -52,52 +59,46 @@ class Changer {
   }
 
   std::string flipBit(ExportFiles& files) {
-    const auto file = std::next(files.begin(), static_cast<std::ptrdiff_t>(below(files.size())));
+    const auto file = std::next(files.begin(), at(below(files.size())));
     auto& byte = file->second.at(below(file->second.size()));
     byte = static_cast<char>(byte ^ 1 << below(8));
     return "";  // the file, its signature or what is in it
   }
 
   std::string dropEntry(ExportFiles& files) {
-    auto changed = history(files);
-    auto& entries = entriesOf(changed);
-    const auto i = below(entries.size());
-    const auto named = nameAt(entries, i == 0 ? 1 : i - 1);
-    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(i));
-    files["history.json"] = json::serialize(changed);
-    return named;
+    return changeEntries(files, [&](json::object&, json::array& entries) {
+      const auto i = below(entries.size());
+      auto named = nameAt(entries, i == 0 ? 1 : i - 1);
+      entries.erase(entries.begin() + at(i));
+      return named;
+    });
   }
 
   std::string swapEntries(ExportFiles& files) {
-    auto changed = history(files);
-    auto& entries = entriesOf(changed);
-    const auto i = below(entries.size() - 1);
-    const auto j = i + 1 + below(entries.size() - i - 1);
-    const auto named = nameAt(entries, i);
-    std::swap(entries.at(i), entries.at(j));
-    files["history.json"] = json::serialize(changed);
-    return named;
+    return changeEntries(files, [&](json::object&, json::array& entries) {
+      const auto i = below(entries.size() - 1);
+      auto named = nameAt(entries, i);
+      std::swap(entries.at(i), entries.at(i + 1 + below(entries.size() - i - 1)));
+      return named;
+    });
   }
 
   std::string repeatEntry(ExportFiles& files) {
-    auto changed = history(files);
-    auto& entries = entriesOf(changed);
-    const auto i = below(entries.size());
-    const json::value copy = entries.at(i);
-    const auto named = nameAt(entries, i);
-    entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(i), copy);
-    files["history.json"] = json::serialize(changed);
-    return named;
+    return changeEntries(files, [&](json::object&, json::array& entries) {
+      const auto i = below(entries.size());
+      auto named = nameAt(entries, i);
+      entries.insert(entries.begin() + at(i), json::value(entries.at(i)));
+      return named;
+    });
   }
 
   std::string edit(ExportFiles& files, const char* member, const json::value& value) {
-    auto changed = history(files);
-    auto& entries = entriesOf(changed);
-    const auto i = below(entries.size());
-    if (entries.at(i).as_object()[member] == value) return edit(files, member, value);
-    entries.at(i).as_object()[member] = value;
-    files["history.json"] = json::serialize(changed);
-    return nameAt(entries, i);
+    return changeEntries(files, [&](json::object&, json::array& entries) {
+      auto i = below(entries.size());
+      while (entries.at(i).as_object()[member] == value) i = below(entries.size());
+      entries.at(i).as_object()[member] = value;
+      return nameAt(entries, i);
+    });
   }
 
   std::string editEntry(ExportFiles& files) {
@@ -116,14 +117,13 @@ class Changer {
     auto notice = json::parse(text).as_object();
     notice["texts"] = "Say yes " + std::to_string(below(1000));
     text = json::serialize(notice);
-    const std::string name = files.lower_bound("notices/")->first;
-    return "notice " + name.substr(8, 64);
+    return nameOfNotice(files.lower_bound("notices/")->first);
   }
 
   std::string dropNotice(ExportFiles& files) {
     const std::string name = files.lower_bound("notices/")->first;
     files.erase(name);
-    return "notice " + name.substr(8, 64);
+    return nameOfNotice(name);
   }
 
   std::string replaceKey(ExportFiles& files) {
@@ -141,23 +141,22 @@ class Changer {
 
   // A history that is whole in itself, but not the one of the receipt.
   std::string chainAnew(ExportFiles& files) {
-    auto changed = history(files);
-    auto& entries = entriesOf(changed);
-    const auto i = below(entries.size());
-    entries.at(i).as_object()["time"] = 1;
-    for (std::size_t next = i + 1; next < entries.size(); ++next) {
-      entries.at(next).as_object()["previous"] = entryHash(entries.at(next - 1).as_object());
-    }
-    changed["head"] = entryHash(entries.back().as_object());
-    files["history.json"] = json::serialize(changed);
-    return "receipt";
+    return changeEntries(files, [&](json::object& history, json::array& entries) {
+      const auto i = below(entries.size());
+      entries.at(i).as_object()["time"] = 1;
+      for (std::size_t next = i + 1; next < entries.size(); ++next) {
+        entries.at(next).as_object()["previous"] = entryHash(entries.at(next - 1).as_object());
+      }
+      history["head"] = entryHash(entries.back().as_object());
+      return std::string("receipt");
+    });
   }
 
   std::string dropFile(ExportFiles& files) {
-    const auto file = std::next(files.begin(), static_cast<std::ptrdiff_t>(below(files.size())));
+    const auto file = std::next(files.begin(), at(below(files.size())));
     const std::string name = file->first;
     files.erase(file);
-    return name.starts_with("notices/") ? "notice " + name.substr(8, 64) : "file " + name;
+    return name.starts_with("notices/") ? nameOfNotice(name) : "file " + name;
   }
 
   std::mt19937_64 random_;
