@@ -123,7 +123,7 @@ struct ExportCase {
   Expectations expected = {.now = issueTime};
 };
 
-// Beside those that the random changes find.
+// Beside files that are missing.
 TEST(Verification, NamesWhatDoesNotHoldInAnExport) {
   const auto path = "notices/" + sha256(noticeText(1)) + ".json";
   const auto ofOwnKey = [](ExportFiles& files) {
@@ -132,6 +132,7 @@ TEST(Verification, NamesWhatDoesNotHoldInAnExport) {
   };
   const std::vector<ExportCase> cases{
       {"a file added", [](auto& f) { f["notes.txt"] = "x"; }, "file notes.txt"},
+      {"another's key", [](auto& f) { f["key.json"] = json::serialize(otherKey().publicKey().jwk()); }, "key"},
       {"a key that is none", [](auto& f) { f["key.json"] = "{}"; }, "file key.json"},
       {"another's manifest", [](auto& f) { f["manifest.json"] = manifestOf(f, issueTime, otherKey()).value(); }, "key"},
       {"all signed by another",
