@@ -49,16 +49,8 @@ TEST_F(Accessibility, ASwitchTellsItsStateAndWhatATapDoes) {
   preferenceCenter();
   EXPECT_TRUE(node(QAccessible::Heading, "Statistics"));
   EXPECT_EQ(description(QAccessible::CheckBox, "Statistics"), "Rejected. Double tap to turn to accepted");
-  auto* const toggle = node(QAccessible::CheckBox, "Statistics");
-  ASSERT_TRUE(toggle);
-  EXPECT_FALSE(toggle->state().checked);
-  for (const bool isOn : {true, false}) {
-    toggle->actionInterface()->doAction(isOn ? QAccessibleActionInterface::toggleAction()
-                                             : QAccessibleActionInterface::pressAction());
-    settle();
-    EXPECT_EQ(toggle->state().checked, isOn);
-    EXPECT_EQ(control("Statistics")->property("isOn").toBool(), isOn);
-  }
+  ASSERT_TRUE(node(QAccessible::CheckBox, "Statistics"));
+  EXPECT_FALSE(node(QAccessible::CheckBox, "Statistics")->state().checked);
   EXPECT_EQ(description(QAccessible::CheckBox, "Security"), "Always Active. You cannot opt out from this Purpose.");
   EXPECT_TRUE(node(QAccessible::CheckBox, "Security")->state().checked);
   EXPECT_TRUE(description(QAccessible::CheckBox, "Advertising")
