@@ -60,27 +60,28 @@ TEST(Receipt, ListsWhatNobodyStatedAndInventsNothing) {
 
 // What is not the user's own answer is no consent, whatever it allows.
 TEST(Receipt, SaysOfEachDecisionWhatItWasAndCallsNoDefaultAConsent) {
-  struct Case {
+  constexpr const char* user = "dpv:DataSubject";
+  constexpr const char* other = "dpv:DataController";
+  const struct {
     const char* cause;
     const char* from;
     const char* to;
     const char* state;
     const char* by;
-  };
-  constexpr Case cases[] = {
-      {"user", "", "granted", "dpv:ConsentGiven", "dpv:DataSubject"},
-      {"user", "declined", "granted", "dpv:ConsentGiven", "dpv:DataSubject"},
-      {"user", "granted", "granted", "dpv:RenewedConsentGiven", "dpv:DataSubject"},
-      {"user", "", "declined", "dpv:ConsentRefused", "dpv:DataSubject"},
-      {"user", "granted", "declined", "dpv:ConsentWithdrawn", "dpv:DataSubject"},
-      {"user", "granted", "withdrawn", "dpv:ConsentWithdrawn", "dpv:DataSubject"},
-      {"user", "granted", "not_determined", "dpv:ConsentUnknown", "dpv:DataSubject"},
-      {"signal", "", "declined", "dpv:ConsentRefused", "dpv:DataSubject"},
-      {"signal", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
-      {"default", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
-      {"essential", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
-      {"tracking_status", "", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
-      {"unheard of", "granted", "granted", "dpv:ConsentUnknown", "dpv:DataController"},
+  } cases[] = {
+      {"user", "", "granted", "dpv:ConsentGiven", user},
+      {"user", "declined", "granted", "dpv:ConsentGiven", user},
+      {"user", "granted", "granted", "dpv:RenewedConsentGiven", user},
+      {"user", "", "declined", "dpv:ConsentRefused", user},
+      {"user", "granted", "declined", "dpv:ConsentWithdrawn", user},
+      {"user", "granted", "withdrawn", "dpv:ConsentWithdrawn", user},
+      {"user", "granted", "not_determined", "dpv:ConsentUnknown", user},
+      {"signal", "", "declined", "dpv:ConsentRefused", user},
+      {"signal", "", "granted", "dpv:ConsentUnknown", other},
+      {"default", "", "granted", "dpv:ConsentUnknown", other},
+      {"essential", "", "granted", "dpv:ConsentUnknown", other},
+      {"tracking_status", "", "granted", "dpv:ConsentUnknown", other},
+      {"unheard of", "granted", "granted", "dpv:ConsentUnknown", other},
   };
   HistoryEvidence evidence{.subjectId = "s", .applicationId = "a"};
   for (const auto& each : cases) {

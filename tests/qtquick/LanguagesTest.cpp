@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QUuid>
+#include <boost/json/parse.hpp>
 #include <filesystem>
 #include <vector>
 
@@ -34,23 +35,19 @@ struct OwnLabels : testing::Test, ScreenWorld {
     banner["dsr_portal_link"] = "https://a.example/rights";
     banner["embed_dsr_portal_link"] = true;
     auto& purpose = document["purposes"].as_array()[0].as_object();
-    purpose["sdks"] = boost::json::array{boost::json::object{{"sdk_name", {{"en", "Meter"}}},
-                                                             {"vendor", "Meter Inc."},
-                                                             {"website", "https://a.example/"},
-                                                             {"collecting_data", true},
-                                                             {"license", "MIT"},
-                                                             {"release_date", "2026-11-26"}}};
+    purpose["sdks"] = boost::json::parse(R"([{"sdk_name": {"en": "Meter"}, "vendor": "Meter Inc.", "license": "MIT",
+      "website": "https://a.example/", "collecting_data": true, "release_date": "2026-11-26"}])");
     start();
     world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
   }
 
-  void speak(const LabelLanguage& spoken) {
+  void speak(std::string_view code) {
     auto options = world.options();
-    options.languageCode = std::string(spoken.code);
+    options.languageCode = std::string(code);
     world.start(options);
   }
   void appears() {
-    ASSERT_TRUE(await([&] { return top() && top()->property("shown").toDouble() == 1; })) << world.log();
+    ASSERT_TRUE(await([&] { return isShown(); })) << world.log();
     settle();
     window->grabWindow();
     settle();
@@ -63,9 +60,9 @@ struct OwnLabels : testing::Test, ScreenWorld {
   // Nothing is cut, leaves its control or is divided within a word.
   void fits(const LabelLanguage& spoken) {
     int seen = 0;
-    for (QQuickItem* item : itemsBelow(top())) {
+    for (QQuickItem* item : items()) {
       const QString text = item->property("words").toString();
-      if (!item->isVisible() || !item->inherits("QQuickText") || text.isEmpty()) continue;
+      if (!item->inherits("QQuickText") || text.isEmpty()) continue;
       ++seen;
       SCOPED_TRACE(std::string(spoken.code) + ": " + text.toStdString());
       const QRectF place = item->mapRectToScene(item->boundingRect());
@@ -93,17 +90,15 @@ TEST_F(OwnLabels, FitTheirControlsOnTheSmallestScreenInEveryLanguage) {
   constexpr int title = 28;
   const QSize cell(2 * smallest.width() + 2 * gap, smallest.height() + title + gap);
   const int rows = (static_cast<int>(labelLanguages().size()) + columns - 1) / columns;
-  QImage sheet(file.isEmpty() ? QSize(1, 1) : QSize(columns * cell.width(), rows * cell.height()),
-               QImage::Format_RGB32);
+  QImage sheet(columns * cell.width(), rows * cell.height(), QImage::Format_RGB32);
   sheet.fill(Qt::white);
   QPainter painter(&sheet);
   QPoint corner(0, 0);
   const auto draw = [&](int column) {
-    if (!file.isEmpty())
-      painter.drawImage(corner + QPoint(column * (smallest.width() + gap / 2), title), window->grabWindow());
+    painter.drawImage(corner + QPoint(column * (smallest.width() + gap / 2), title), window->grabWindow());
   };
   for (const LabelLanguage& spoken : labelLanguages()) {
-    speak(spoken);
+    speak(spoken.code);
     presenter->presentBanner(world.sdk->screens());
     appears();
     fits(spoken);
@@ -111,8 +106,7 @@ TEST_F(OwnLabels, FitTheirControlsOnTheSmallestScreenInEveryLanguage) {
     const QQuickItem* reject = control(std::string(spoken.text(Label::reject)));
     ASSERT_TRUE(accept && reject) << spoken.code;
     EXPECT_EQ(accept->size(), reject->size()) << spoken.code;
-    painter.drawText(corner + QPoint(4, title - 8),
-                     QString::fromUtf8(spoken.code.data(), static_cast<qsizetype>(spoken.code.size())));
+    painter.drawText(corner + QPoint(4, title - 8), QString::fromStdString(std::string(spoken.code)));
     draw(0);
     leaves();
 
@@ -146,9 +140,7 @@ TEST_F(OwnLabels, FitTheirControlsOnTheSmallestScreenInEveryLanguage) {
 
 // In the user's language where the error itself, for the log, is in English.
 TEST_F(OwnLabels, AFailureAndTheTabsAreNamedInTheUsersLanguage) {
-  auto options = world.options();
-  options.languageCode = "fr";
-  world.start(options);
+  speak("fr");
   world.sdk->presentPreferenceCenter();
   appears();
   EXPECT_TRUE(control("Finalités"));

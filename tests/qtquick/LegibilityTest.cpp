@@ -67,9 +67,8 @@ TEST(Legibility, NothingIsCutOrShrunkBelowTheUsersSizeHoweverLongTheLabels) {
       app.settle();
       app.window->grabWindow();
       int seen = 0;
-      for (QQuickItem* item : itemsBelow(app.top())) {
-        if (!item->isVisible() || !item->inherits("QQuickText") || item->property("text").toString().isEmpty())
-          continue;
+      for (QQuickItem* item : app.items()) {
+        if (!item->inherits("QQuickText") || item->property("text").toString().isEmpty()) continue;
         ++seen;
         const std::string words = item->property("text").toString().toStdString();
         const QRectF place = item->mapRectToScene(item->boundingRect());
@@ -86,15 +85,11 @@ TEST(Legibility, NothingIsCutOrShrunkBelowTheUsersSizeHoweverLongTheLabels) {
 
 // Of what is drawn, not of what was meant.
 TEST(Legibility, AHostilePaletteBlindsNobody) {
-  const struct {
-    const char* background;
-    const char* other;
-  } palettes[] = {{"#FFFFFF", "#FFFFFF"},
-                  {"#000000", "#000000"},
-                  {"#000000", "not a colour"},
-                  {"#777777", "#7A7A7A"},
-                  {"#FFFF00", "#FFFFFF"}};
-  for (const auto& [background, other] : palettes) {
+  for (const auto& [background, other] : {std::pair("#FFFFFF", "#FFFFFF"),
+                                          {"#000000", "#000000"},
+                                          {"#000000", "not a colour"},
+                                          {"#777777", "#7A7A7A"},
+                                          {"#FFFF00", "#FFFFFF"}}) {
     for (const char* shape : {"rounded", "outlined"}) {
       SCOPED_TRACE(testing::Message() << other << " on " << background << ", " << shape);
       ScreenWorld app;
@@ -129,10 +124,9 @@ TEST(Legibility, AHostilePaletteBlindsNobody) {
       for (const char* text : {"Reject", "Accept", "Choose"}) {
         EXPECT_GE(drawn(*app.control(text)), legible) << text;
       }
-      for (QQuickItem* item : itemsBelow(app.top())) {
-        if (item->isVisible() && item->inherits("QQuickText") && item->property("content").isValid()) {
-          EXPECT_GE(drawn(*item), legible) << "the text";
-        }
+      for (QQuickItem* item : app.items()) {
+        if (!item->inherits("QQuickText") || !item->property("content").isValid()) continue;
+        EXPECT_GE(drawn(*item), legible) << "the text";
       }
       const std::string log = app.world.log();
       const auto warning = log.find("The palette has colours that nobody can tell");

@@ -3,6 +3,7 @@
 
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <algorithm>
 #include <boost/json/serialize.hpp>
 #include <filesystem>
 
@@ -18,9 +19,8 @@ struct PlacedScreens : testing::Test, ScreenWorld {
 
   // A page with that element in a column; before the SDK is set up.
   void place(const std::string& element, const std::string& properties = "") {
-    load("Column { width: 400; property int dones: 0; property string ended\n" + element +
-         "{ width: parent.width; onDone: reason => { parent.dones += 1; parent.ended += reason + ' ' }; " + properties +
-         " } }");
+    load("Column { width: 400; property string ended\n" + element +
+         "{ width: parent.width; onDone: reason => { parent.ended += reason + ' ' }; " + properties + " } }");
   }
   void load(const std::string& item) {
     world.restart();
@@ -33,22 +33,27 @@ struct PlacedScreens : testing::Test, ScreenWorld {
     page->setParentItem(window->contentItem());
   }
   QQuickItem* find(const std::string& text) const {
-    for (QQuickItem* item : itemsBelow(page.get())) {
-      if (item->isVisible() && item->property("text").toString().toStdString() == text) return item;
-    }
-    return nullptr;
+    const auto all = itemsBelow(page.get());
+    const auto found = std::ranges::find_if(all, [&](const QQuickItem* item) {
+      return item->isVisible() && item->property("text").toString().toStdString() == text;
+    });
+    return found == all.end() ? nullptr : *found;
   }
   bool shows(const std::string& text) {
     return await([&] { return find(text) != nullptr; });
   }
   void press(const std::string& text) {
-    ASSERT_TRUE(shows(text));
+    ASSERT_TRUE(shows(text)) << world.log();
     settle();
-    QQuickItem* item = find(text);
-    ASSERT_TRUE(item) << text;
-    tap(*item, Way::assistive);
+    tap(*find(text), Way::assistive);
   }
-  int dones() const { return page->property("dones").toInt(); }
+  std::string ended() const { return page->property("ended").toString().toStdString(); }
+  // What a function of the page returns.
+  QVariant call(const char* function, const QVariant& argument) {
+    QVariant result;
+    QMetaObject::invokeMethod(page.get(), function, Q_RETURN_ARG(QVariant, result), Q_ARG(QVariant, argument));
+    return result;
+  }
 
   std::unique_ptr<QQmlEngine> engine;
   std::unique_ptr<QQuickItem> page;
@@ -67,11 +72,10 @@ TEST_F(PlacedScreens, TheBannerWaitsForTheConfigurationAndIsDoneOnceAnswered) {
   screenWith("Save Changes");
   use("Save Changes");
   EXPECT_TRUE(isGone());
-  EXPECT_EQ(dones(), 1) << "answered by way of the preference centre";
+  EXPECT_EQ(ended(), "saved ") << "answered by way of the preference centre";
   preferenceCenter();
   press("Accept");
-  EXPECT_EQ(dones(), 2);
-  EXPECT_EQ(page->property("ended").toString().toStdString(), "saved accepted ");
+  EXPECT_EQ(ended(), "saved accepted ");
   EXPECT_EQ(status(1), "granted");
   EXPECT_EQ(world.stored().consentGivenType(), GivenType::explicitly);
   EXPECT_TRUE(top()) << "a screen that lies over the page is none of its business";
@@ -97,18 +101,17 @@ TEST_F(PlacedScreens, AnotherSdksAnswerIsNotTheBanners) {
   other.amend = world.amend;  // with the same presenter
   other.server.serve(boost::json::serialize(document));
   other.start();
-  presenter->presentBanner(other.sdk->screens());
-  screenWith("Choose");
-  other.sdk->presentPreferenceCenter();
-  screenWith("Save Changes");
-  use("Save Changes");
+  const auto saveOver = [&](World& below) {
+    presenter->presentBanner(below.sdk->screens());
+    screenWith("Choose");
+    other.sdk->presentPreferenceCenter();
+    screenWith("Save Changes");
+    use("Save Changes");
+  };
+  saveOver(other);
   EXPECT_TRUE(isGone()) << "the other one's banner goes with its preference centre";
-  EXPECT_EQ(dones(), 0);
-  presenter->presentBanner(world.sdk->screens());
-  screenWith("Choose");
-  other.sdk->presentPreferenceCenter();
-  screenWith("Save Changes");
-  use("Save Changes");
+  EXPECT_EQ(ended(), "");
+  saveOver(world);
   screenWith("Choose");
   presenter->dismissTopMost();
   EXPECT_TRUE(isGone());
@@ -121,7 +124,7 @@ TEST_F(PlacedScreens, ThePreferenceCentreSavesAndStays) {
   EXPECT_FALSE(find("Close"));
   press("Select All");
   press("Save Changes");
-  EXPECT_EQ(dones(), 1);
+  EXPECT_EQ(ended(), "saved ");
   EXPECT_EQ(status(1), "granted");
   EXPECT_TRUE(shows("Unselect All"));
 }
@@ -129,28 +132,19 @@ TEST_F(PlacedScreens, ThePreferenceCentreSavesAndStays) {
 TEST_F(PlacedScreens, APageAsksWhatIsAllowedAndFollowsIt) {
   load(
       "Item { id: page; property string told; property string seen\n"
-      "function asked() { return [Consent.isAllowed(1), Consent.isPermissionAllowed('NSCameraUsageDescription'),\n"
+      "function asked(none) { return [Consent.isAllowed(1), Consent.isPermissionAllowed('NSCameraUsageDescription'),\n"
       "  Consent.status, Consent.bannerDue, one.allowed, one.status, one.name, camera.allowed].join() }\n"
       "function decide(yes) { return one.set(yes) }\n"
       "PurposeConsent { id: one; purposeId: 1; onChanged: page.seen += allowed ? '+' : '-' }\n"
       "PermissionConsent { id: camera; permission: 'NSCameraUsageDescription' }\n"
       "ConsentGate { purposeId: 1; onAllowed: page.told += '+'; onDenied: page.told += '-' } }");
-  const auto asked = [&] {
-    QVariant answer;
-    QMetaObject::invokeMethod(page.get(), "asked", Q_RETURN_ARG(QVariant, answer));
-    return answer.toString().toStdString();
-  };
+  const auto asked = [&] { return call("asked", {}).toString().toStdString(); };
   const auto answers = [&](const std::string& expected) { return await([&] { return asked() == expected; }); };
-  const auto decide = [&](bool yes) {
-    QVariant stored;
-    QMetaObject::invokeMethod(page.get(), "decide", Q_RETURN_ARG(QVariant, stored), Q_ARG(QVariant, yes));
-    return stored.toBool();
-  };
   const auto told = [&](const char* expected) { return await([&] { return page->property("told") == expected; }); };
   EXPECT_TRUE(asked().starts_with("false,")) << "before a configuration";
   start();
   EXPECT_TRUE(answers("false,true,ready,true,false,declined,Statistics,true")) << asked();
-  EXPECT_TRUE(decide(true));
+  EXPECT_TRUE(call("decide", true).toBool());
   EXPECT_TRUE(told("+"));
   EXPECT_TRUE(answers("true,true,ready,false,true,granted,Statistics,true")) << asked();
   world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
@@ -167,7 +161,7 @@ TEST_F(PlacedScreens, APageAsksForAReceiptAndIsToldWhyThereIsNone) {
       "  { page.told = receipt ? JSON.parse(receipt).receipt['@type'] : error }) } }");
   start();
   const auto told = [&](int purpose) {
-    QMetaObject::invokeMethod(page.get(), "ask", Q_ARG(QVariant, purpose));
+    call("ask", purpose);
     EXPECT_TRUE(await([&] { return !page->property("told").toString().isEmpty(); }));
     return page->property("told").toString().toStdString();
   };

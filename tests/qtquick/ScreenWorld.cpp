@@ -26,11 +26,12 @@ std::vector<QQuickItem*> itemsBelow(QQuickItem* item) {
 ScreenWorld::ScreenWorld(const QtQuickOptions& options)
     : presenter(QtScreenPresenter::make(options)), window(std::make_unique<QQuickWindow>()) {
   QAccessible::setActive(true);
-  bannerOf(document)["preference_center_link"] = {{"en", "Choose"}};
+  auto& banner = bannerOf(document);
+  banner["preference_center_link"] = {{"en", "Choose"}};
   // The same words in every language that a test speaks.
-  bannerOf(document)["accept"] = {{"en", "Accept"}, {"ar", "Accept"}};
-  bannerOf(document)["reject"] = {{"en", "Reject"}, {"ar", "Reject"}};
-  bannerOf(document)["should_show_settings_prompt"] = true;
+  banner["accept"] = {{"en", "Accept"}, {"ar", "Accept"}};
+  banner["reject"] = {{"en", "Reject"}, {"ar", "Reject"}};
+  banner["should_show_settings_prompt"] = true;
   document["is_sp_enabled"] = true;
   document["settings_prompt"] = {{"prompt_heading", {{"en", "Change"}}},
                                  {"prompt_message", {{"en", "In the settings"}}},
@@ -91,10 +92,6 @@ void ScreenWorld::advance(std::chrono::milliseconds time) {
   settle();
 }
 
-bool ScreenWorld::isShown() const {
-  return top() && top()->property("shown").toDouble() == 1;
-}
-
 void ScreenWorld::banner() {
   world.store(key::isBannerPresent, false);
   world.store(key::consentGivenType, std::string(rawValue(GivenType::noAction)));
@@ -124,10 +121,15 @@ bool ScreenWorld::isGone() {
   return await([&] { return !top(); });
 }
 
+std::vector<QQuickItem*> ScreenWorld::items() const {
+  auto items = top() ? itemsBelow(top()) : std::vector<QQuickItem*>();
+  std::erase_if(items, [](const QQuickItem* item) { return !item->isVisible(); });
+  return items;
+}
+
 QQuickItem* ScreenWorld::control(const std::string& text) const {
-  if (!top()) return nullptr;
-  for (QQuickItem* item : itemsBelow(top())) {
-    const bool isControl = item->metaObject()->indexOfSignal("clicked()") >= 0 && item->isVisible();
+  for (QQuickItem* item : items()) {
+    const bool isControl = item->metaObject()->indexOfSignal("clicked()") >= 0;
     if (isControl && item->property("text").toString().toStdString() == text) return item;
   }
   return nullptr;

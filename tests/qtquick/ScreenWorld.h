@@ -36,11 +36,15 @@ class ScreenWorld {
   void preferenceCenter();
   void prompt();
   QQuickItem* top() const { return presenter->topItem(); }
+  // Whether it is on completely.
+  bool isShown() const { return top() && top()->property("shown").toDouble() == 1; }
   // Waits until a screen with that control is on.
   void screenWith(const std::string& text);
   // Waits until the last screen has left.
   bool isGone();
 
+  // The visible items of the top-most screen.
+  std::vector<QQuickItem*> items() const;
   // The visible control with that text on the top-most screen; null when there is none.
   QQuickItem* control(const std::string& text) const;
   // A test fails here when there is none.
@@ -56,9 +60,6 @@ class ScreenWorld {
   std::shared_ptr<QtScreenPresenter> presenter;
   std::unique_ptr<QQuickWindow> window;
   QQuickItem* hostControl = nullptr;  // has the focus before a screen comes
-
- private:
-  bool isShown() const;
 };
 
 // Of all that lies below, itself included.

@@ -11,6 +11,9 @@
 namespace quillon::test {
 namespace {
 
+const std::string checkTraffic =
+    "python3 " QUILLON_SOURCE "/tests/servers/check_traffic.py " QUILLON_SOURCE "/docs/servers.openapi.json ";
+
 std::string check(const std::string& appUrl, const std::string& cdnUrl, const std::string& options = {}) {
   return outputOf(QUILLON_CONSENT " check-server --app-url " + appUrl + " --cdn-url " + cdnUrl +
                   " --tenant demo-tenant --app news-reader " + options);
@@ -22,14 +25,8 @@ void expectSound(const std::string& appUrl, const std::string& cdnUrl, const std
   const std::string traffic = folder.path() / "traffic";
   const std::string report = check(appUrl, cdnUrl, options + " --traffic " + traffic);
   EXPECT_TRUE(report.ends_with("0 could lose decisions, 0 untidy\nstatus 0")) << report;
-  const std::string verdict = outputOf("python3 " QUILLON_SOURCE "/tests/servers/check_traffic.py " QUILLON_SOURCE
-                                       "/docs/servers.openapi.json " +
-                                       traffic);
+  const std::string verdict = outputOf(checkTraffic + traffic);
   EXPECT_TRUE(verdict.ends_with("0 failures\nstatus 0")) << verdict;
-}
-
-std::string sample(const std::string& file) {
-  return fileBytes(std::filesystem::path(QUILLON_SAMPLE_SITE) / file);
 }
 
 TEST(Contract, IsKeptByTheDevelopmentServer) {
@@ -39,63 +36,51 @@ TEST(Contract, IsKeptByTheDevelopmentServer) {
   expectSound(url, url);
 }
 
-TEST(Contract, IsKeptByTheReceiverWithSqliteBehindNginx) {
+TEST(Contract, IsKeptByTwoReceiversBehindNginx) {
   if (!NginxServer::isInstalled()) GTEST_SKIP() << "nginx is not installed";
   const TemporaryFolder folder(TemporaryFolder::fastParent());
   const auto tokens = folder.path() / "tokens";
   setFileBytes(tokens, "demo-tenant news-reader sample-access-token\n");
-  ReceiverProcess first(folder.path() / "store", {"--tokens", tokens});
-  ReceiverProcess second(folder.path() / "store", {"--tokens", tokens});
-  ASSERT_TRUE(first.waitUntilReady() && second.waitUntilReady());
-  NginxServer nginx(QUILLON_SAMPLE_SITE, first.port(), second.port(), NginxServer::Tls::on);
-  EXPECT_TRUE(contains(nginx.testReport(), "test is successful"));
-  expectSound(nginx.appUrl(), nginx.cdnUrl(), "--ca " + nginx.certificate());
-  const std::string log = nginx.accessLog();
-  EXPECT_TRUE(contains(log, "POST 200"));
-  EXPECT_FALSE(contains(log, "127.0.0.1"));
-}
-
-TEST(Contract, IsKeptByTwoReceiversOnPostgresBehindNginx) {
-  if (!NginxServer::isInstalled() || !PostgresServer::isInstalled()) GTEST_SKIP() << "nginx or PostgreSQL is missing";
-  const TemporaryFolder folder(TemporaryFolder::fastParent());
-  const auto tokens = folder.path() / "tokens";
-  setFileBytes(tokens, "demo-tenant news-reader sample-access-token\n");
-  const std::string store = sharedPostgres().newDatabase("contract");
-  ReceiverProcess first(store, {"--tokens", tokens});
-  ReceiverProcess second(store, {"--tokens", tokens});
-  ASSERT_TRUE(first.waitUntilReady() && second.waitUntilReady());
-  NginxServer nginx(QUILLON_SAMPLE_SITE, first.port(), second.port(), NginxServer::Tls::off);
-  expectSound(nginx.appUrl(), nginx.cdnUrl());
+  for (const bool isPostgres : {false, true}) {
+    if (isPostgres && !PostgresServer::isInstalled()) GTEST_SKIP() << "PostgreSQL is missing";
+    const std::string store =
+        isPostgres ? sharedPostgres().newDatabase("contract") : (folder.path() / "store").string();
+    ReceiverProcess first(store, {"--tokens", tokens});
+    ReceiverProcess second(store, {"--tokens", tokens});
+    ASSERT_TRUE(first.waitUntilReady() && second.waitUntilReady());
+    NginxServer nginx(QUILLON_SAMPLE_SITE, first.port(), second.port(),
+                      isPostgres ? NginxServer::Tls::off : NginxServer::Tls::on);
+    EXPECT_TRUE(contains(nginx.testReport(), "test is successful"));
+    expectSound(nginx.appUrl(), nginx.cdnUrl(), isPostgres ? "" : "--ca " + nginx.certificate());
+    const std::string log = nginx.accessLog();
+    EXPECT_TRUE(contains(log, "POST 200"));
+    EXPECT_FALSE(contains(log, "127.0.0.1"));
+  }
 }
 
 TEST(Contract, IsKeptByTheTestKit) {
-  const std::string verdict =
-      outputOf(QUILLON_KIT_TRAFFIC " " QUILLON_SAMPLE_CONFIGURATION " | python3 " QUILLON_SOURCE
-                                   "/tests/servers/check_traffic.py " QUILLON_SOURCE "/docs/servers.openapi.json -");
+  const std::string verdict = outputOf(QUILLON_KIT_TRAFFIC " " QUILLON_SAMPLE_CONFIGURATION " | " + checkTraffic + "-");
   EXPECT_TRUE(verdict.ends_with("0 failures\nstatus 0")) << verdict;
 }
 
 TEST(CheckServer, FindsEachFaultAndSaysWhetherItLosesDecisions) {
   using enum WrongServer::Fault;
-  struct Row {
-    WrongServer::Fault fault;
-    const char* found;
-  };
-  const std::string configuration = sample("consent/mobile_banner/demo-tenant/news-reader/live/config.json");
-  const std::string location = sample("location.json");
-  std::vector<Row> rows{{none, "0 could lose decisions, 0 untidy\nstatus 0"},
-                        {acknowledgesAnything, "LOSES    refusal: a body cut off"},
-                        {refusesRepeats, "LOSES    upload: repeated"},
-                        {refusesLateUploads, "LOSES    upload: late"},
-                        {refusesUploadsAtOnce, "LOSES    client: ten uploads of one subject"},
-                        {answersUploadsByEntityTag, "LOSES    upload: If-None-Match of the configuration"},
-                        {takesAnyToken, "LOSES    refusal: a wrong token"},
-                        {writesStatusAsText, "LOSES    upload  "},
-                        {refusesLargeUploads, "LOSES    upload: 1500 purposes"},
-                        {dropsSlowClients, "LOSES    client: slow"},
-                        {servesPageForMissing, "LOSES    configuration: language that is not there"},
-                        {changesEntityTags, "untidy   configuration: same tag"},
-                        {tagsTheLocation, "untidy   location: entity tag"}};
+  const std::string configuration = fileBytes(QUILLON_SAMPLE_CONFIGURATION);
+  const std::string location = fileBytes(QUILLON_SAMPLE_SITE "/location.json");
+  std::vector<std::pair<WrongServer::Fault, const char*>> rows{
+      {none, "0 could lose decisions, 0 untidy\nstatus 0"},
+      {acknowledgesAnything, "LOSES    refusal: a body cut off"},
+      {refusesRepeats, "LOSES    upload: repeated"},
+      {refusesLateUploads, "LOSES    upload: late"},
+      {refusesUploadsAtOnce, "LOSES    client: ten uploads of one subject"},
+      {answersUploadsByEntityTag, "LOSES    upload: If-None-Match of the configuration"},
+      {takesAnyToken, "LOSES    refusal: a wrong token"},
+      {writesStatusAsText, "LOSES    upload  "},
+      {refusesLargeUploads, "LOSES    upload: 1500 purposes"},
+      {dropsSlowClients, "LOSES    client: slow"},
+      {servesPageForMissing, "LOSES    configuration: language that is not there"},
+      {changesEntityTags, "untidy   configuration: same tag"},
+      {tagsTheLocation, "untidy   location: entity tag"}};
   if (isSanitized) rows.resize(3);  // each is a hundred requests to a server of the test itself
   // They wait more than they work: all at once.
   std::vector<std::string> reports(rows.size());
@@ -103,13 +88,13 @@ TEST(CheckServer, FindsEachFaultAndSaysWhetherItLosesDecisions) {
     std::vector<std::jthread> threads;
     for (std::size_t i = 0; i < rows.size(); ++i) {
       threads.emplace_back([&, i] {
-        const WrongServer server(rows[i].fault, configuration, location);
+        const WrongServer server(rows[i].first, configuration, location);
         reports[i] = check(server.url(), server.url());
       });
     }
   }
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    const std::string_view found = rows[i].found;
+    const std::string_view found = rows[i].second;
     EXPECT_TRUE(contains(reports[i], found));
     const int status = found.starts_with("LOSES") ? 1 : found.starts_with("untidy") ? 2 : 0;
     EXPECT_TRUE(reports[i].ends_with("status " + std::to_string(status))) << found << '\n' << reports[i];

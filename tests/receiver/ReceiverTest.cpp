@@ -1,8 +1,9 @@
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <signal.h>
 #include <sqlite3.h>
+
+#include <boost/asio/ip/tcp.hpp>
 
 #include "tests/receiver/Servers.h"
 #include "tests/receiver/UploadBody.h"
@@ -10,6 +11,8 @@
 
 namespace quillon::test {
 namespace {
+
+using namespace std::chrono_literals;
 
 namespace json = boost::json;
 
@@ -45,37 +48,25 @@ struct ReceiverTest : testing::Test {
 };
 
 // A connection that the test writes to as slowly as it likes.
-class SlowClient {
- public:
-  explicit SlowClient(int port) {
-    const sockaddr_in address{.sin_family = AF_INET,
-                              .sin_port = htons(static_cast<std::uint16_t>(port)),
-                              .sin_addr = {htonl(INADDR_LOOPBACK)},
-                              .sin_zero = {}};
-    EXPECT_EQ(connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  }
-  ~SlowClient() { close(socket_); }
-  SlowClient(const SlowClient&) = delete;
-  SlowClient& operator=(const SlowClient&) = delete;
-  void say(const std::string& text) const { EXPECT_GT(send(socket_, text.data(), text.size(), MSG_NOSIGNAL), 0); }
-  ssize_t receive(char* data, std::size_t size) const { return recv(socket_, data, size, MSG_WAITALL); }
+struct SlowClient {
+  explicit SlowClient(int port) : stream("127.0.0.1", std::to_string(port)) { stream.expires_after(20s); }
+  void say(const std::string& text) { EXPECT_TRUE(stream << text << std::flush); }
   // Until the server closes, or the answer's headers and body have come.
-  std::string hear() const {
-    const timeval limit{.tv_sec = 20, .tv_usec = 0};
-    setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+  std::string hear() {
     std::string text;
-    char chunk[4096];
-    while (text.find("}") == std::string::npos) {
-      const ssize_t count = recv(socket_, chunk, sizeof chunk, 0);
-      if (count <= 0) break;
-      text.append(chunk, static_cast<std::size_t>(count));
-    }
+    std::getline(stream, text, '}');
     return text;
   }
 
- private:
-  const int socket_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  boost::asio::ip::tcp::iostream stream;
 };
+
+// Of an upload, with these further headers.
+std::string headOf(const std::string& body, const std::string& headers = "") {
+  return std::string("POST ") + kUploadPath +
+         " HTTP/1.1\r\nHost: x\r\nX-Auth-Token: t\r\nContent-Length: " + std::to_string(body.size()) + "\r\n" +
+         headers + "\r\n";
+}
 
 TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
   ReceiverProcess receiver(store, {"--place-header", "X-Place", "--log-requests"});
@@ -95,9 +86,9 @@ TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
   EXPECT_EQ(get(receiver.port(), "/health").status, 200);
   EXPECT_EQ(get(receiver.port(), "/").status, 404);
 
-  EXPECT_TRUE(
-      contains(officer("export", "anna@example.org"), R"("purpose":"2","status":"granted","decided_at":86400)"));
-  EXPECT_TRUE(contains(officer("export", "anna@example.org"), "\"history_head\":\"" + std::string(64, '7') + '"'));
+  const std::string exported = officer("export", "anna@example.org");
+  EXPECT_TRUE(contains(exported, R"("purpose":"2","status":"granted","decided_at":86400)"));
+  EXPECT_TRUE(contains(exported, "\"history_head\":\"" + std::string(64, '7') + '"'));
   EXPECT_TRUE(contains(officer("stats", ""), R"("place":"DE","version":3,"day":86400,"status":"declined")"));
   {
     ServerProcess page({QUILLON_RECEIVER_PROGRAM, "stats", "--store", store, "--page", "0"});
@@ -157,7 +148,7 @@ TEST_F(ReceiverTest, RefusesWhatIsNoUploadInAnAnswerThatADeviceReads) {
            {"POST / HTTP/1.1\r\nContent-Length: x\r\n\r\n", " 400 "},
            {"POST / HTTP/1.1\r\nContent-Length: 99999999999\r\n\r\n", " 413 "},
            {"POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n", " 400 "}}) {
-    const SlowClient client(receiver.port());
+    SlowClient client(receiver.port());
     client.say(request);
     EXPECT_TRUE(contains(client.hear(), status)) << request.substr(0, 60);
   }
@@ -168,9 +159,7 @@ TEST_F(ReceiverTest, SlowAndBrokenOffClientsCostNobodyAnAnswer) {
   ReceiverProcess receiver(store, {"--connections", "60"});
   ASSERT_TRUE(receiver.waitUntilReady());
   const std::string body = uploadBody("slow", {{}});
-  const std::string head = std::string("POST ") + kUploadPath +
-                           " HTTP/1.1\r\nHost: x\r\nX-Auth-Token: t\r\nContent-Length: " + std::to_string(body.size()) +
-                           "\r\n\r\n";
+  const std::string head = headOf(body);
   std::vector<std::unique_ptr<SlowClient>> clients;
   for (int i = 0; i < 50; ++i) {
     clients.push_back(std::make_unique<SlowClient>(receiver.port()));
@@ -204,12 +193,11 @@ TEST_F(ReceiverTest, LeavesWithinFiveSecondsAfterAnsweringWhatItTook) {
   ReceiverProcess receiver(store);
   ASSERT_TRUE(receiver.waitUntilReady());
   const std::string body = uploadBody("taken", {{}});
-  const SlowClient client(receiver.port());
-  client.say(std::string("POST ") + kUploadPath + " HTTP/1.1\r\nX-Auth-Token: t\r\nContent-Length: " +
-             std::to_string(body.size()) + "\r\nExpect: 100-continue\r\n\r\n");
+  SlowClient client(receiver.port());
+  client.say(headOf(body, "Expect: 100-continue\r\n"));
   // Told to go on, the request is under way.
   std::string goOn = "HTTP/1.1 100 Continue\r\n\r\n";
-  ASSERT_EQ(client.receive(goOn.data(), goOn.size()), static_cast<ssize_t>(goOn.size()));
+  ASSERT_TRUE(client.stream.read(goOn.data(), static_cast<std::streamsize>(goOn.size())));
   const SlowClient idle(receiver.port());
   receiver.process().sendSignal(SIGTERM);
   ASSERT_NE(receiver.process().waitForLine("\"ending\""), "");
@@ -224,9 +212,8 @@ TEST_F(ReceiverTest, LeavesWithinFiveSecondsWhenItsStoreHoldsItUpAndAcknowledges
   ASSERT_TRUE(receiver.waitUntilReady());
   const Lock lock(store);
   const std::string body = uploadBody("held", {{}});
-  const SlowClient client(receiver.port());
-  client.say(std::string("POST ") + kUploadPath +
-             " HTTP/1.1\r\nX-Auth-Token: t\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+  SlowClient client(receiver.port());
+  client.say(headOf(body) + body);
   // One thread reads both connections, and this one came later.
   EXPECT_EQ(get(receiver.port(), "/health").status, 200);
   receiver.process().sendSignal(SIGTERM);

@@ -14,24 +14,19 @@ struct PurposeAnswer {
   std::int64_t time = 1'700'000'000;
 };
 
-inline boost::json::object uploadObject(const std::string& subject, const std::vector<PurposeAnswer>& answers,
-                                        const std::string& application = "reader") {
+inline boost::json::object uploadObject(const std::string& subject, const std::vector<PurposeAnswer>& answers) {
   boost::json::array purposes;
   for (const auto& [purpose, status, time] : answers) {
     purposes.push_back(boost::json::object{
         {"purpose_id", purpose}, {"consent_status", status}, {"timestamp", time}, {"is_essential", false}});
   }
-  return {{"uuid", subject},
-          {"app_uuid", application},
-          {"device", "Linux"},
-          {"implicit_consent", false},
-          {"version", 3},
-          {"purpose_consents", std::move(purposes)},
-          {"permissions", boost::json::array{}},
-          {"is_test_mode", false},
-          {"ad_id", ""},
-          {"platform", "ios"},
-          {"banner_info", "opt-in"}};
+  auto upload = boost::json::parse(R"({"device": "Linux", "implicit_consent": false, "version": 3, "permissions": [],
+    "is_test_mode": false, "ad_id": "", "platform": "ios", "banner_info": "opt-in"})")
+                    .as_object();
+  upload["uuid"] = subject;
+  upload["app_uuid"] = "reader";
+  upload["purpose_consents"] = std::move(purposes);
+  return upload;
 }
 
 inline std::string uploadBody(const std::string& subject, const std::vector<PurposeAnswer>& answers) {

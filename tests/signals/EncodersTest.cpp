@@ -1,10 +1,9 @@
-// Our strings beside those of the IAB's own encoders, and the standards' own examples.
-#include <glib.h>
+// Our strings beside those of the IAB's own encoders.
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <memory>
 
+#include "core/Text/Sha256.h"
 #include "tests/signals/RandomStates.h"
 #include "tests/support/Effort.h"
 
@@ -14,12 +13,6 @@ namespace {
 constexpr std::uint32_t kInBlock = 1000;
 // A sanitized encoder takes fifty times as long, so it makes the first of them alone.
 constexpr std::uint32_t kStates = quillon::test::isSanitized ? 2'000 : 50'000;
-
-std::string sha256(const std::string& text) {
-  const std::unique_ptr<char, void (*)(void*)> sum(
-      g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.data(), static_cast<gssize>(text.size())), g_free);
-  return sum.get();
-}
 
 // Compares all states of a format with its file: first strings, then a sum for each block of them.
 template <class F>

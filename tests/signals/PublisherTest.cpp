@@ -51,12 +51,26 @@ class PublisherTest : public ::testing::Test {
     chosen.privacySignal = PrivacySignal{.purposes = {{1}}};
     sdk->setup(chosen);
   }
+  void launchAndAccept() {
+    device.publish(documentOf());
+    launch("DE");
+    accept();
+  }
+  void accept() {
+    sdk->acceptOrReject(true).wait();
+    device.settle();
+  }
+  void check() {
+    device.advance(std::chrono::hours(3));
+    sdk->checkConsents().wait();
+    device.settle();
+  }
   std::string text(std::string_view key) const {
     const auto entries = suite->snapshot();
     const auto found = entries->find(key);
     if (found == entries->end()) return "none";
-    if (const auto* number = std::get_if<std::int64_t>(&found->second)) return std::to_string(*number);
-    return std::get<std::string>(found->second);
+    const auto* number = std::get_if<std::int64_t>(&found->second);
+    return number ? std::to_string(*number) : std::get<std::string>(found->second);
   }
   // Of purposes 1 and 8; whether there is a string; the sections in force.
   std::string told() const {
@@ -64,6 +78,12 @@ class PublisherTest : public ::testing::Test {
     return (consents == "none" ? consents : std::string{consents[0], consents[7]}) +
            (text("IABTCF_TCString") == "none" ? " - " : " TC ") + text("IABGPP_GppSID") + " " +
            text("IABGPP_USCA_SaleOptOut");
+  }
+  template <class Act>
+  std::string toldAfter(const Act& act) {
+    act();
+    device.settle();
+    return told();
   }
 
   const TemporaryFolder folder{TemporaryFolder::fastParent()};
@@ -82,40 +102,21 @@ TEST_F(PublisherTest, TheKeysFollowEveryDecisionAndThePlace) {
   launch("DE");
   EXPECT_EQ(told(), "none - -1 none") << "nobody was asked";
   EXPECT_EQ(text("IABTCF_gdprApplies"), "1");
-  sdk->acceptOrReject(true).wait();
-  device.settle();
-  EXPECT_EQ(told(), "11 TC 2 none");
+  const auto accepts = [&] { accept(); };
+  EXPECT_EQ(toldAfter(accepts), "11 TC 2 none");
   EXPECT_EQ(text("IABTCF_VendorConsents"), "0000000001");
-  sdk->set({.purposeId = 1}, ConsentStatus::declined);
-  device.settle();
-  EXPECT_EQ(told(), "00 TC 2 none");
+  EXPECT_EQ(toldAfter([&] { sdk->set({.purposeId = 1}, ConsentStatus::declined); }), "00 TC 2 none");
   sdk->set({.purposeId = 1}, ConsentStatus::granted);
-  setup("US#CA");
-  device.settle();
-  EXPECT_EQ(told(), "none - 8 2") << "the keys of Europe are gone";
+  EXPECT_EQ(toldAfter([&] { setup("US#CA"); }), "none - 8 2") << "the keys of Europe are gone";
   EXPECT_EQ(text("IABTCF_gdprApplies"), "0");
-  setup("DE");
-  device.settle();
-  EXPECT_EQ(told(), "11 TC 2 none");
-  setup(std::nullopt);  // asked for, and not known
-  device.settle();
-  EXPECT_EQ(told(), "none - none none");
+  EXPECT_EQ(toldAfter([&] { setup("DE"); }), "11 TC 2 none");
+  EXPECT_EQ(toldAfter([&] { setup(std::nullopt); }), "none - none none") << "asked for, and not known";
   device.setLocation("DE", "");
-  device.advance(std::chrono::hours(3));
-  sdk->checkConsents().wait();
-  device.settle();
-  EXPECT_EQ(told(), "11 TC 2 none");
+  EXPECT_EQ(toldAfter([&] { check(); }), "11 TC 2 none");
   device.publish(documentOf(6));
-  device.advance(std::chrono::hours(3));
-  sdk->checkConsents().wait();
-  device.settle();
-  EXPECT_EQ(told(), "none - -1 none") << "consents are asked for again";
-  sdk->acceptOrReject(true).wait();
-  device.settle();
-  EXPECT_EQ(told(), "11 TC 2 none");
-  sdk->removeConsents();
-  device.settle();
-  EXPECT_EQ(told(), "none - none none") << "the place was forgotten, too";
+  EXPECT_EQ(toldAfter([&] { check(); }), "none - -1 none") << "consents are asked for again";
+  EXPECT_EQ(toldAfter(accepts), "11 TC 2 none");
+  EXPECT_EQ(toldAfter([&] { sdk->removeConsents(); }), "none - none none") << "the place was forgotten, too";
   EXPECT_EQ(text("theirs"), "1");
 }
 
@@ -132,10 +133,7 @@ TEST_F(PublisherTest, APrivacySignalIsAnOptOutWhereNobodyHasAnswered) {
 }
 
 TEST_F(PublisherTest, NobodySeesHalfOfADecision) {
-  device.publish(documentOf());
-  launch("DE");
-  sdk->acceptOrReject(true).wait();
-  device.settle();
+  launchAndAccept();
   std::atomic<bool> isOver = false;
   std::atomic<int> halves = 0;
   std::atomic<int> looks = 0;
@@ -154,9 +152,8 @@ TEST_F(PublisherTest, NobodySeesHalfOfADecision) {
   });
   constexpr int decisions = 60;
   for (int i = 0; i < decisions; ++i) {
-    sdk->set({.purposeId = 1}, i % 2 == 0 ? ConsentStatus::declined : ConsentStatus::granted);
-    device.settle();
-    EXPECT_EQ(told(), i % 2 == 0 ? "00 TC 2 none" : "11 TC 2 none");
+    const auto decide = [&] { sdk->set({.purposeId = 1}, i % 2 ? ConsentStatus::granted : ConsentStatus::declined); };
+    EXPECT_EQ(toldAfter(decide), i % 2 ? "11 TC 2 none" : "00 TC 2 none");
   }
   isOver = true;
   reader.join();
@@ -165,10 +162,7 @@ TEST_F(PublisherTest, NobodySeesHalfOfADecision) {
 }
 
 TEST_F(PublisherTest, AnEarlierRunsKeysAreGoneBeforeAnythingIsKnown) {
-  device.publish(documentOf());
-  launch("DE");
-  sdk->acceptOrReject(true).wait();
-  device.settle();
+  launchAndAccept();
   publisher.reset();
   sdk = device.launch();
   publisher.emplace(*sdk, options(), signalDefaultsIn(suite));
@@ -211,24 +205,18 @@ TEST_F(PublisherTest, WhatCouldNotBeWrittenIsWrittenWithTheNextChange) {
   EXPECT_EQ(defaults->calls, 1);
   EXPECT_NE(device.log().find("could not be written"), std::string::npos);
   defaults->fails = 2;
-  sdk->acceptOrReject(true).wait();
-  device.settle();
+  accept();
   EXPECT_TRUE(defaults->written.empty());
   defaults->fails = 0;
-  sdk->checkConsents().wait();
-  device.settle();
+  check();
   EXPECT_TRUE(defaults->written.contains("IABTCF_TCString"));
   const int calls = defaults->calls;
-  sdk->checkConsents().wait();
-  device.settle();
+  check();
   EXPECT_EQ(defaults->calls, calls) << "what has not changed is not written again";
 }
 
 TEST_F(PublisherTest, PagesAreToldWithTheConsents) {
-  device.publish(documentOf());
-  launch("DE");
-  sdk->acceptOrReject(true).wait();
-  device.settle();
+  launchAndAccept();
   const std::string script = sdk->consentScript().get();
   EXPECT_TRUE(script.starts_with("window.quillonConsents="));
   EXPECT_NE(script.find(text("IABTCF_TCString")), std::string::npos);

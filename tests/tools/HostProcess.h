@@ -11,20 +11,20 @@ namespace quillon::test {
 class HostProcess {
  public:
   // `url` is that of every server that it needs. Its error output goes to the file "log" beside the data.
-  HostProcess(const std::filesystem::path& data, std::string url, const std::vector<std::string>& options = {})
-      : tool(arguments(data, url, options), data.parent_path() / "log"), url_(std::move(url)) {}
+  HostProcess(const std::filesystem::path& data, std::string url, std::vector<std::string> options = {})
+      : tool(arguments(data, url, std::move(options)), data.parent_path() / "log"), url_(std::move(url)) {}
 
   void tell(const std::string& line) const { tool.writeLine(line); }
-  boost::json::object hear() {
+  boost::json::object hear() const {
     const auto answer = tool.readLine();
     return answer ? boost::json::parse(*answer).as_object() : boost::json::object{{"error", "no answer"}};
   }
-  boost::json::object ask(const std::string& line) {
+  boost::json::object ask(const std::string& line) const {
     tell(line);
     return hear();
   }
   // Sets it up, and waits until loading is over; what it says then.
-  boost::json::object setUp() {
+  boost::json::object setUp() const {
     ask(boost::json::serialize(boost::json::object{{"op", "setup"},
                                                    {"appUrl", url_},
                                                    {"cdnUrl", url_},
@@ -39,10 +39,9 @@ class HostProcess {
 
  private:
   static std::vector<std::string> arguments(const std::string& data, const std::string& url,
-                                            const std::vector<std::string>& options) {
-    std::vector<std::string> all{"host", "--data-dir", data, "--vendor-url", url};
-    all.insert(all.end(), options.begin(), options.end());
-    return all;
+                                            std::vector<std::string> options) {
+    options.insert(options.begin(), {"host", "--data-dir", data, "--vendor-url", url});
+    return options;
   }
 
   const std::string url_;

@@ -1,52 +1,39 @@
-#include <gtest/gtest.h>
-#include <stdlib.h>
+// What the tool tells of a store that a host has written: entries, history, notices, receipts and exports.
 
 #include <algorithm>
-#include <boost/json.hpp>
-#include <chrono>
 #include <sstream>
 
 #include "platform/linux/SuiteFile.h"
-#include "tests/support/ConsentServer.h"
 #include "tests/support/Contains.h"
-#include "tests/support/World.h"
-#include "tests/tools/HostProcess.h"
+#include "tests/tools/ToolTest.h"
 
 namespace quillon::test {
 namespace {
 
 namespace json = boost::json;
+
 using namespace std::chrono_literals;
 
-struct Store : testing::Test {
-  Store() { server.serve(validConfiguration()); }
+constexpr const char* storeFile = "quillon-cmp-sdk.sqlite";
 
-  ToolRun store(std::vector<std::string> operation) const {
-    operation.insert(operation.begin(), {"store", "--data-dir", data});
-    return runTool(operation);
+struct Store : HostedTest {
+  // A host that was set up and has decided on purpose 1.
+  void startAndDecide() {
+    start();
+    EXPECT_EQ(host->setUp().at("status"), "ready");
+    for (const char* consent : {"granted", "withdrawn"}) decide(consent);
   }
-  // What it prints; it must succeed.
-  std::string shown(const std::vector<std::string>& operation) const {
-    const auto [status, output, errors] = store(operation);
-    EXPECT_EQ(status, 0) << errors;
-    return output;
-  }
-
-  const TemporaryFolder folder{TemporaryFolder::fastParent()};
-  const std::filesystem::path data = folder.path() / "data";
-  ConsentServer server;
 };
 
 TEST_F(Store, ShowsAndResetsWhatARunningHostHasDecided) {
-  HostProcess host(data, server.url(), {"--clock", "1700000000"});
-  EXPECT_EQ(host.setUp().at("status"), "ready");
-  for (const std::string consent : {"granted", "withdrawn"}) {
-    host.ask(R"({"op":"set","purposeId":1,"consent":")" + consent + "\"}");
-    EXPECT_EQ(shown({"get", "1"}), '"' + consent + "\"\n");
+  startAndDecide();
+  for (const auto& [key, value] : {std::pair("1", "\"withdrawn\"\n"),
+                                   {"PENDING_PURPOSES_LIST", "[1]\n"},
+                                   {"PURPOSES_CHANGE_TIMESTAMP", "1700000000\n"},
+                                   {"ARE_PURPOSES_CHANGED", "true\n"},
+                                   {"X_AUTH_TOKEN", "\"***\"\n"}}) {
+    EXPECT_EQ(shown({"get", key}), value);
   }
-  EXPECT_EQ(shown({"get", "PENDING_PURPOSES_LIST"}), "[1]\n");
-  EXPECT_EQ(shown({"get", "PURPOSES_CHANGE_TIMESTAMP"}), "1700000000\n");
-  EXPECT_EQ(shown({"get", "ARE_PURPOSES_CHANGED"}), "true\n");
   const auto absent = store({"get", "99"});
   EXPECT_EQ(absent.status, 1);
   EXPECT_EQ(absent.output + absent.errors, "quillon-consent store: no value under 99\n");
@@ -54,49 +41,43 @@ TEST_F(Store, ShowsAndResetsWhatARunningHostHasDecided) {
   auto dumped = json::parse(shown({"dump"})).as_object();
   EXPECT_TRUE(std::ranges::is_sorted(dumped, {}, [](const auto& entry) { return entry.key(); }));
   EXPECT_EQ(std::exchange(dumped["X_AUTH_TOKEN"], "secret-token"), "***");
-  EXPECT_EQ(json::serialize(dumped), json::serialize(host.ask(R"({"op":"store"})").at("store")));
-  EXPECT_EQ(shown({"get", "X_AUTH_TOKEN"}), "\"***\"\n");
+  EXPECT_EQ(json::serialize(dumped), json::serialize(ask(R"({"op":"store"})").at("store")));
 
   EXPECT_EQ(shown({"reset"}), "");
   EXPECT_EQ(shown({"dump"}), "{}\n");
-  host.ask(R"({"op":"set","purposeId":3,"consent":"granted"})");
-  EXPECT_EQ(shown({"get", "3"}), "\"granted\"\n");
-  EXPECT_EQ(store({"get", "1"}).status, 1);
+  EXPECT_EQ(shown({"history"}), "");
+  decide("granted");
+  EXPECT_EQ(shown({"get", "1"}), "\"granted\"\n");
 }
 
 TEST_F(Store, ShowsWhatADecisionAnsweredAndNamesAnEntryThatWasChanged) {
-  {
-    HostProcess host(data, server.url(), {"--clock", "1700000000"});
-    host.setUp();
-    host.ask(R"({"op":"banner","perform":"reject"})");
-    host.ask(R"({"op":"set","purposeId":1,"consent":"granted"})");
-    host.ask(R"({"op":"set","purposeId":1,"consent":"declined"})");
-  }
+  start();
+  host->setUp();
+  ask(R"({"op":"banner","perform":"reject"})");
+  for (const char* consent : {"granted", "declined"}) decide(consent);
+  host.reset();
   std::string digest;
   std::istringstream lines(shown({"history"}));
   for (std::string line; std::getline(lines, line);) {
     const auto entry = json::parse(line).as_object();
     if (entry.contains("notice") && digest.empty()) digest = entry.at("notice").as_string();
   }
-  const auto notice = json::parse(shown({"notice", digest})).as_object();
-  EXPECT_EQ(notice.at("screen"), "banner");
+  EXPECT_EQ(json::parse(shown({"notice", digest})).at("screen"), "banner");
   EXPECT_EQ(store({"notice", std::string(64, 'a')}).status, 1);
 
   // The configuration that shows it again makes the same notice.
   {
-    const auto again = json::parse(shown({"notice", digest, "--as-configuration"})).as_object();
     ConsentServer other;
-    other.serve(again);
-    HostProcess host(folder.path() / "other", other.url(), {"--clock", "1700000000"});
-    host.setUp();
-    host.ask(R"({"op":"banner","perform":"reject"})");
-    const auto history = host.ask(R"({"op":"history","count":1})");
+    other.serve(json::parse(shown({"notice", digest, "--as-configuration"})).as_object());
+    HostProcess again(folder.path() / "other", other.url(), {"--clock", "1700000000"});
+    again.setUp();
+    again.ask(R"({"op":"banner","perform":"reject"})");
+    const auto history = again.ask(R"({"op":"history","count":1})");
     EXPECT_EQ(history.at("history").at(0).at("notice"), json::string(digest));
   }
 
   // Somebody rewrites the store, with the checksums made right again.
-  const auto file = data / "quillon-cmp-sdk.sqlite";
-  SuiteFile opened = std::move(SuiteFile::open(file, std::chrono::steady_clock::now() + 2s)->file);
+  SuiteFile opened = std::move(SuiteFile::open(data / storeFile, std::chrono::steady_clock::now() + 2s)->file);
   auto records = opened.readableJournal();
   auto& changed = records.at(records.size() - 2);
   changed.text.replace(changed.text.find("granted"), 7, "declined");
@@ -114,28 +95,20 @@ TEST_F(Store, ShowsWhatADecisionAnsweredAndNamesAnEntryThatWasChanged) {
 }
 
 TEST_F(Store, HandsOutWhatIsKeptOfThePerson) {
-  HostProcess host(data, server.url(), {"--clock", "1700000000"});
-  host.setUp();
-  host.ask(R"({"op":"set","purposeId":1,"consent":"granted"})");
-  host.ask(R"({"op":"set","purposeId":1,"consent":"withdrawn"})");
-  host.ask(R"({"op":"upload"})");
-  const std::string last =
-      R"({"number":4,"time":1700000000,"purpose_id":1,"from":"granted","to":"withdrawn","cause":"user",)"
-      R"("given_type":"CONSENT_EXPLICIT","configuration_version":5,"compliance_type":"opt-in","language":"en",)"
-      R"("notice":"application","upload":"uploaded","link":"intact"})";
-  const auto withoutHashes = [](json::object entry) {
-    entry.stable_erase("previous");
-    entry.stable_erase("hash");
-    return json::serialize(entry);
-  };
+  startAndDecide();
+  ask(R"({"op":"upload"})");
   const auto history = shown({"history"});
   EXPECT_EQ(std::ranges::count(history, '\n'), 4);
-  const auto newest = history.rfind('\n', history.size() - 2) + 1;
-  EXPECT_EQ(withoutHashes(json::parse(history.substr(newest)).as_object()), last);
-
   auto person = json::parse(shown({"export"})).as_object();
-  EXPECT_EQ(person.at("decisions").as_array().size(), 4u);
-  EXPECT_EQ(withoutHashes(person.at("decisions").at(3).as_object()), last);
+  ASSERT_EQ(person.at("decisions").as_array().size(), 4u);
+  json::object last = person.at("decisions").at(3).as_object();
+  EXPECT_EQ(json::parse(history.substr(history.rfind('\n', history.size() - 2) + 1)), last);
+  last.stable_erase("previous");
+  last.stable_erase("hash");
+  EXPECT_EQ(json::serialize(last),
+            R"({"number":4,"time":1700000000,"purpose_id":1,"from":"granted","to":"withdrawn","cause":"user",)"
+            R"("given_type":"CONSENT_EXPLICIT","configuration_version":5,"compliance_type":"opt-in","language":"en",)"
+            R"("notice":"application","upload":"uploaded","link":"intact"})");
   EXPECT_EQ(person.at("subject_id").as_string().size(), 36u);
   person.stable_erase("subject_id");
   person.stable_erase("decisions");
@@ -143,8 +116,6 @@ TEST_F(Store, HandsOutWhatIsKeptOfThePerson) {
             R"({"given_type":"CONSENT_EXPLICIT","compliance_type":"opt-in","configuration_version":5,)"
             R"("purposes":{"1":"withdrawn"},"permissions":{"NSCameraUsageDescription":"not_determined",)"
             R"("NSContactsUsageDescription":"not_determined"},"damaged_decisions":0})");
-  shown({"reset"});
-  EXPECT_EQ(shown({"history"}), "");
 }
 
 TEST_F(Store, MakesNoStoreByLookingForOne) {
@@ -161,14 +132,13 @@ TEST_F(Store, MakesNoStoreByLookingForOne) {
 
 TEST_F(Store, LeavesADamagedStoreAsItIsUnlessItIsReset) {
   std::filesystem::create_directory(data);
-  const auto file = data / "quillon-cmp-sdk.sqlite";
   const std::string garbage(8192, 'x');
-  setFileBytes(file, garbage);
+  setFileBytes(data / storeFile, garbage);
   const auto [status, output, errors] = store({"dump"});
   EXPECT_EQ(status, 1);
   EXPECT_EQ(output, "");
-  EXPECT_TRUE(contains(errors, file.string()));
-  EXPECT_EQ(fileBytes(file), garbage);
+  EXPECT_TRUE(contains(errors, (data / storeFile).string()));
+  EXPECT_EQ(fileBytes(data / storeFile), garbage);
 
   EXPECT_EQ(shown({"reset"}), "");
   EXPECT_EQ(shown({"dump"}), "{}\n");
@@ -179,10 +149,97 @@ TEST_F(Store, LeavesADamagedStoreAsItIsUnlessItIsReset) {
 // Both take the user's folder when none is given.
 TEST_F(Store, FindsTheStoreOfTheHostWithoutBeingToldWhere) {
   ASSERT_EQ(setenv("XDG_DATA_HOME", folder.path().c_str(), 1), 0);
-  ToolProcess host({"host"}, folder.path() / "log");
-  host.writeLine(R"({"op":"set","purposeId":1,"consent":"granted"})");
-  EXPECT_EQ(host.readLine(), R"({"ok":true,"stored":true})");
+  ToolProcess started({"host"}, file("log"));
+  started.writeLine(R"({"op":"set","purposeId":1,"consent":"granted"})");
+  EXPECT_EQ(started.readLine(), R"({"ok":true,"stored":true})");
   EXPECT_EQ(runTool({"store", "get", "1"}).output, "\"granted\"\n");
+}
+
+struct Receipts : Store {
+  Receipts() {
+    startAndDecide();
+    host.reset();
+  }
+  void replace(const std::string& name, const std::string& what, const std::string& by) const {
+    auto content = read(name);
+    write(name, content.replace(content.find(what), what.size(), by));
+  }
+};
+
+TEST_F(Receipts, OfAnExportHoldUntilAnythingOfItIsChanged) {
+  write("controller.json", R"({"name":"Reader Ltd","legal_basis":"eu-gdpr:A6-1-a"})");
+  const auto exported = store({"export", "--out", file("export"), "--controller", file("controller.json")});
+  ASSERT_EQ(exported.status, 0) << exported.errors;
+  EXPECT_EQ(modeOf(file("export")), 0700u);
+  EXPECT_EQ(modeOf(data / "receipt.key"), 0600u);
+  EXPECT_EQ(store({"export", "--out", file("export")}).status, 1) << "it is not empty";
+
+  auto run = runTool({"receipt", "verify", file("export"), "--key", file("export/key.json")});
+  EXPECT_EQ(run.status, 0) << run.errors;
+  for (const auto* part : {"holds: receipt: is a part of the history", "holds: chain: 4 entries follow each other",
+                           "does not state these fields, and says so: dpv:hasNotice, dpv:hasPersonalData, "}) {
+    EXPECT_TRUE(contains(run.output, part));
+  }
+  EXPECT_TRUE(run.output.ends_with("everything holds\n"));
+
+  // A later receipt by the same key is a part of the store's history, in every form that that is handed out in.
+  ASSERT_EQ(store({"receipt", "--out", file("receipt.json"), "--purpose", "1"}).status, 0);
+  write("history", shown({"history"}));
+  for (const auto* history : {"export", "export/history.json", "history"}) {
+    run = runTool(
+        {"receipt", "verify", file("receipt.json"), "--key", file("export/key.json"), "--history", file(history)});
+    EXPECT_EQ(run.status, 0) << history << '\n' << run.output << run.errors;
+  }
+  EXPECT_EQ(store({"receipt", "--out", file("none.json"), "--purpose", "77"}).errors,
+            "quillon-consent store: purpose 77 was not decided on\n");
+
+  replace("export/history.json", "withdrawn", "declined\"");
+  run = runTool({"receipt", "verify", file("export")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_TRUE(contains(run.output, "fault: file history.json: "));
+}
+
+TEST_F(Receipts, AreShownToPeopleInTheirLanguageAndNothingOfThemBecomesMarkUp) {
+  write("controller.json", R"({"name":"<script>alert('x')</script>&\u001b[31m"})");
+  ASSERT_EQ(store({"receipt", "--out", file("r.json"), "--controller", file("controller.json")}).status, 0);
+  const auto page = runTool({"receipt", "show", "--html", "--language", "de", file("r.json")});
+  EXPECT_EQ(page.status, 0) << page.errors;
+  for (const auto* said : {"<html lang=\"de\">", "<title>Nachweis</title>", "Akzeptiert", "Verantwortlicher",
+                           "Erstellt am", "&lt;script&gt;alert(&#39;x&#39;)&lt;/script&gt;&amp;&#xfffd;[31m"}) {
+    EXPECT_TRUE(contains(page.output, said));
+  }
+  for (const auto* mark : {"<script", "http-equiv=\"refresh", "src=", "href=", "url(", "\x1b"}) {
+    EXPECT_FALSE(contains(page.output, mark));
+  }
+  const auto text = runTool({"receipt", "show", file("r.json")});
+  EXPECT_TRUE(contains(text.output, "2023-11-14 22:13:20 UTC: Rejected"));
+  EXPECT_FALSE(contains(text.output, "\x1b"));
+
+  replace("r.json", "2023-11-14", "2022-11-14");
+  EXPECT_TRUE(contains(runTool({"receipt", "show", file("r.json")}).output, "Does not hold: signature of the receipt"));
+}
+
+TEST_F(Receipts, FromAnybodyAreRefusedWithAReason) {
+  ASSERT_EQ(store({"receipt", "--out", file("r.json")}).status, 0);
+  std::filesystem::create_directory(file("links"));
+  std::filesystem::create_symlink("/etc/passwd", file("links/history.json"));
+  write("bad.json", "{");
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"receipt", "verify", file("absent")}, "absent: cannot be read: No such file or directory"},
+      {{"receipt", "verify", file("bad.json")}, "fault: receipt: cannot be read: no JSON"},
+      {{"receipt", "verify", file("links")}, "history.json: is no file"},
+      {{"receipt", "verify", file("r.json"), "--key", "AAAA"}, "AAAA: is neither an Ed25519 key nor a thumbprint"},
+      {{"receipt", "verify", file("r.json"), "--key", std::string(43, 'A')}, "fault: key: the receipt is signed by"},
+      {{"receipt", "verify", file("r.json"), "--history", file("bad.json")}, "bad.json: no JSON"},
+      {{"receipt", "show", file("bad.json")}, "cannot be read: no JSON"},
+      {{"store", "--data-dir", data, "receipt", "--out", "-", "--controller", file("bad.json")}, "bad.json: no JSON"},
+      {{"store", "--data-dir", file("empty"), "receipt", "--out", "-"}, "holds no store"},
+  };
+  for (const auto& [arguments, reason] : cases) {
+    const auto run = runTool(arguments);
+    EXPECT_EQ(run.status, 1) << reason;
+    EXPECT_TRUE(contains(run.output + run.errors, reason));
+  }
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 #include "tests/tools/ToolProcess.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <utility>
 
 #include "tests/support/TemporaryFolder.h"
 
@@ -30,52 +29,36 @@ ToolProcess::ToolProcess(const std::vector<std::string>& arguments, const std::s
   }
   close(in[0]);
   close(out[1]);
-  input_ = in[1];
-  output_ = out[0];
-  exited_ = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
+  input_ = fdopen(in[1], "w");
+  output_ = fdopen(out[0], "r");
 }
 
 ToolProcess::~ToolProcess() {
   if (pid_ > 0) {
     kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
+    wait();
   }
-  close(input_);
-  close(output_);
-  close(exited_);
+  std::fclose(input_);
+  std::fclose(output_);
 }
 
 void ToolProcess::writeLine(const std::string& line) const {
-  const std::string text = line + "\n";
-  for (std::size_t written = 0; written < text.size();) {
-    const ssize_t count = write(input_, text.data() + written, text.size() - written);
-    if (count <= 0) return;
-    written += static_cast<std::size_t>(count);
-  }
+  std::fputs((line + "\n").c_str(), input_);
+  std::fflush(input_);
 }
 
-std::optional<std::string> ToolProcess::readLine(std::chrono::milliseconds timeout) {
-  const auto deadline = std::chrono::steady_clock::now() + timeout;
-  while (true) {
-    if (const auto end = buffered_.find('\n'); end != std::string::npos) {
-      std::string line = buffered_.substr(0, end);
-      buffered_.erase(0, end + 1);
-      return line;
-    }
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-    pollfd waiting{.fd = output_, .events = POLLIN, .revents = 0};
-    char chunk[4096];
-    if (left.count() <= 0 || poll(&waiting, 1, static_cast<int>(left.count())) <= 0) return std::nullopt;
-    const ssize_t count = read(output_, chunk, sizeof chunk);
-    if (count <= 0) return std::nullopt;
-    buffered_.append(chunk, static_cast<std::size_t>(count));
+std::optional<std::string> ToolProcess::readLine() const {
+  std::string line;
+  for (int c = std::getc(output_); c != EOF; c = std::getc(output_)) {
+    if (c == '\n') return line;
+    line += static_cast<char>(c);
   }
+  return std::nullopt;
 }
 
-std::string ToolProcess::readAll() {
+std::string ToolProcess::readAll() const {
   std::string text;
-  while (const auto line = readLine()) text += *line + "\n";
+  for (int c = std::getc(output_); c != EOF; c = std::getc(output_)) text += static_cast<char>(c);
   return text;
 }
 
@@ -83,12 +66,9 @@ void ToolProcess::sendSignal(int signal) const {
   kill(pid_, signal);
 }
 
-std::optional<int> ToolProcess::wait(std::chrono::milliseconds timeout) {
-  pollfd waiting{.fd = exited_, .events = POLLIN, .revents = 0};
-  if (poll(&waiting, 1, static_cast<int>(timeout.count())) <= 0) return std::nullopt;
+int ToolProcess::wait() {
   int status = 0;
-  waitpid(pid_, &status, 0);
-  pid_ = -1;
+  waitpid(std::exchange(pid_, -1), &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
@@ -97,6 +77,6 @@ ToolRun runTool(const std::vector<std::string>& arguments) {
   const auto errors = folder.path() / "errors";
   ToolProcess tool(arguments, errors);
   auto output = tool.readAll();
-  const int status = tool.wait().value_or(-1);
+  const int status = tool.wait();
   return {status, std::move(output), quillon::test::fileBytes(errors)};
 }

@@ -3,7 +3,7 @@
 
 #include <sys/types.h>
 
-#include <chrono>
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,20 +20,18 @@ class ToolProcess {
   ToolProcess& operator=(const ToolProcess&) = delete;
 
   void writeLine(const std::string& line) const;
-  // The next line of its standard output; nothing when the output ended or none came in time.
-  std::optional<std::string> readLine(std::chrono::milliseconds timeout = std::chrono::seconds(20));
-  // The rest of the lines of its standard output, until it ends.
-  std::string readAll();
+  // The next line of its standard output; nothing when the output ended.
+  std::optional<std::string> readLine() const;
+  // The rest of its standard output, until it ends.
+  std::string readAll() const;
   void sendSignal(int signal) const;
-  // Its exit status, or the negative number of the signal that ended it; nothing when it did not end in time.
-  std::optional<int> wait(std::chrono::milliseconds timeout = std::chrono::seconds(20));
+  // Its exit status once it has ended, or the negative number of the signal that ended it.
+  int wait();
 
  private:
   pid_t pid_ = -1;
-  int input_ = -1;
-  int output_ = -1;
-  int exited_ = -1;  // readable when the process has ended
-  std::string buffered_;
+  std::FILE* input_ = nullptr;
+  std::FILE* output_ = nullptr;
 };
 
 struct ToolRun {
@@ -41,5 +39,5 @@ struct ToolRun {
   std::string output;
   std::string errors;
 };
-// Runs the tool with these arguments to its end; a status of -1 when it did not come.
+// Runs the tool with these arguments to its end.
 ToolRun runTool(const std::vector<std::string>& arguments);

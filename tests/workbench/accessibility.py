@@ -4,8 +4,7 @@ import collections
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
-from documents import HAND_WRITTEN
-from page import Page, workbench
+from page import HAND_WRITTEN, Page, workbench
 
 ROLES = {"button", "checkbox", "ColorWell", "combobox", "DisclosureTriangle", "image", "link", "spinbutton", "switch", "tab",
          "textbox"}

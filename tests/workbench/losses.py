@@ -5,8 +5,7 @@ import shutil
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.expected_conditions import alert_is_present
 
-from documents import HAND_WRITTEN, TEXT
-from page import Page, workbench
+from page import HAND_WRITTEN, TEXT, Page, workbench
 
 
 def nothing_is_lost(driver, program, _):

@@ -8,8 +8,7 @@ import subprocess
 import tempfile
 import urllib.parse
 
-from documents import HAND_WRITTEN, TEXT
-from page import Page, workbench
+from page import HAND_WRITTEN, TEXT, Page, workbench
 
 
 def bad_input_is_answered(driver, program, _):

@@ -16,8 +16,7 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 
 from accessibility import everybody_can_use_it
-from documents import HAND_WRITTEN, TEXT
-from page import Page, browser, workbench
+from page import HAND_WRITTEN, TEXT, Page, browser, workbench
 from form import every_value_has_a_control
 from losses import large_documents_are_worked_on, nothing_is_lost
 from refusals import bad_input_is_answered, strangers_are_refused
