@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <boost/json.hpp>
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
 #include <random>
 #include <set>
 #include <thread>
@@ -13,11 +16,15 @@
 #include "receiver/store/DecisionStore.h"
 #include "tests/receiver/Servers.h"
 #include "tests/receiver/UploadBody.h"
+#include "tests/support/Contains.h"
+#include "tests/support/Effort.h"
 
 namespace quillon::test {
 namespace {
 
 using namespace std::chrono_literals;
+
+constexpr int kFewDevices = isSanitized ? 15 : 80;
 
 int fromEnvironment(const char* name, int otherwise) {
   const char* const value = std::getenv(name);
@@ -38,11 +45,11 @@ struct KillTest : testing::Test {
     std::printf("seed %d\n", seed);
   }
   void startReceiver(std::size_t index) { receivers[index].emplace(store, std::vector<std::string>{}, ports[index]); }
-  // Kills one after the other. Each victim comes back at once.
-  void killAtRandom(int times) {
+  // Kills one after the other for as long as it may. Each victim comes back at once.
+  void killAtRandom(std::chrono::milliseconds pause, const std::function<bool()>& mayGoOn) {
     std::mt19937 random(static_cast<unsigned>(seed));
-    while (times-- > 0) {
-      std::this_thread::sleep_for(25ms * std::uniform_int_distribution(5, 15)(random));
+    while (mayGoOn()) {
+      std::this_thread::sleep_for(pause * std::uniform_int_distribution(5, 15)(random) / 10);
       const int victim = std::uniform_int_distribution(0, 2)(random);
       if (victim == 2) {
         postgres->kill();
@@ -115,7 +122,8 @@ TEST_F(KillTest, EveryAcknowledgedDecisionIsThereOnceAndNoOther) {
   {
     std::vector<std::jthread> threads;
     for (auto& device : devices) threads.emplace_back([&] { device.run(nginx->appPort(), isOver, 20); });
-    killAtRandom(fromEnvironment("QUILLON_KILLS", 12));
+    int kills = fromEnvironment("QUILLON_KILLS", 12);
+    killAtRandom(250ms, [&] { return kills-- > 0; });
     isOver = true;
   }
   const auto opened = receiver::openStore(store);
@@ -140,6 +148,70 @@ TEST_F(KillTest, EveryAcknowledgedDecisionIsThereOnceAndNoOther) {
   std::printf("%zu decisions, %d uploads acknowledged, %d times refused or lost; killed %d and %d times, database %d\n",
               decisions, acknowledged, refused, killed[0].load(), killed[1].load(), killed[2].load());
   for (const auto& times : killed) EXPECT_GT(times, 0);
+}
+
+// Complete SDKs on a virtual clock, which says by a file when the hours of the faults begin and end.
+TEST_F(KillTest, DevicesOfAFleetHaveTheirPresentAnswersAtTheServer) {
+  const std::string devices = std::to_string(fromEnvironment("QUILLON_FLEET_DEVICES", kFewDevices));
+  const TemporaryFolder folder(TemporaryFolder::fastParent());
+  const std::string statuses = folder.path() / "statuses";
+  const std::string faults = folder.path() / "faults";
+  ServerProcess fleet({QUILLON_FLEET,
+                       "--devices",
+                       devices,
+                       "--hours",
+                       "36",
+                       "--changes",
+                       "6",
+                       "--outage",
+                       "10",
+                       "--outage-at",
+                       "1",
+                       "--outage-file",
+                       faults,
+                       "--statuses",
+                       statuses,
+                       "--cdn",
+                       nginx->cdnUrl(),
+                       "--app",
+                       nginx->appUrl(),
+                       "--tenant",
+                       "demo-tenant",
+                       "--app-id",
+                       "news-reader"});
+  while (!std::filesystem::exists(faults) && !fleet.hasEnded()) std::this_thread::sleep_for(1ms);
+  killAtRandom(300ms, [&] { return std::filesystem::exists(faults); });
+  // Its day is seconds of ours: it waits until all is well again.
+  fleet.sendSignal(SIGSTOP);
+  for (const int port : ports) {
+    while (httplib::Client("127.0.0.1", port).Get("/health")->status != 200) std::this_thread::sleep_for(10ms);
+  }
+  fleet.sendSignal(SIGCONT);
+  EXPECT_EQ(fleet.wait(std::chrono::minutes(30)), 0) << fleet.output();
+  const auto opened = receiver::openStore(store);
+  ASSERT_TRUE(opened) << opened.error().text;
+
+  std::istringstream lines(fileBytes(statuses));
+  std::size_t checked = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const auto device = boost::json::parse(line).as_object();
+    const std::string subject(device.at("subject").as_string());
+    std::map<std::string, std::string> newest;
+    const auto history = (*opened)->history({subject}).value();
+    for (const auto& entry : history) {
+      const auto& decision = entry.decisions.front();
+      if (decision.kind == receiver::Kind::purpose) newest[decision.item] = std::string(textOf(decision.status));
+    }
+    std::map<std::string, std::string> expected;
+    for (const auto& [purpose, status] : device.at("purposes").as_object()) {
+      expected[purpose] = std::string(status.as_string());
+    }
+    EXPECT_EQ(newest, expected) << subject;
+    checked += expected.size();
+  }
+  std::printf("%s\n%zu purposes compared; killed %d and %d times, database %d\n", fleet.output().c_str(), checked,
+              killed[0].load(), killed[1].load(), killed[2].load());
+  EXPECT_GT(checked, 0u);
 }
 
 }  // namespace

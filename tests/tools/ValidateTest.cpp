@@ -252,7 +252,7 @@ purposes[1].sdks[0].website: the web view refuses "www.meter.example": it is not
 purposes[2].purpose_id: purposes[1] has the same
 settings_prompt.permissions.012345678901234567890123456789012345678901234567890123456789012...: no listed permission has this key
 settings_prompt.permissions.NSMicrophoneUsageDescription: no listed permission has this key
-settings_prompt.permissions.a\x1b[2J\x0ab: no listed permission has this key
+settings_prompt.permissions.a\x1b[2J\nb: no listed permission has this key
 version: is missing; no later publication can ask users again
 x-auth-token: is missing; no consent can be uploaded
 )"},
