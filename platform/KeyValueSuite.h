@@ -155,9 +155,9 @@ class KeyValueSuite {
 };
 
 // A lock held by at most one owner among the application's processes. Thread-safe; destruction releases it.
-class StoreTurn {
+class StoreLock {
  public:
-  virtual ~StoreTurn() = default;
+  virtual ~StoreLock() = default;
 };
 
 // Thread-safe. Never throws.
@@ -183,7 +183,7 @@ class KeyValueStore {
   // Tries to acquire the named turn; null while another owner has it, in any process of the application. Never blocks.
   // A process that dies releases its turn. Where locking is unavailable the turn is always granted, since duplicate
   // work is better than none; the first opened suite's report gives the reason once.
-  [[nodiscard]] virtual std::unique_ptr<StoreTurn> tryTurn(std::string_view name) = 0;
+  [[nodiscard]] virtual std::unique_ptr<StoreLock> tryLock(std::string_view name) = 0;
 
   // The process's standard defaults, owned by the host. Never null; empty where the platform has none.
   virtual std::shared_ptr<KeyValueSuite> standardDefaults() = 0;

@@ -82,12 +82,12 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   *inForce->isStored = isStored;
   // No reader may see new terms with an old mapping, or the other way round.
   const bool hasNewMapping = session->options.privacySignal && (!earlier || earlier->configuration != configuration);
-  if (hasNewMapping) s_.store.consentTable().showTerms(std::nullopt);
+  if (hasNewMapping) s_.store.consentTable().updateTerms(std::nullopt);
   s_.signal.follow(*session, configuration.get());
   {
     const std::scoped_lock lock(mutex_);
     inForce_ = inForce;
-    showTerms();
+    updateTerms();
   }
   s_.events.gates.update();
   // Without the compliance type in the store, defaults would be recorded under another one, or as granted under none.
@@ -96,7 +96,7 @@ Task<std::optional<bool>> ConfigurationLoader::apply(SessionPointer session, Con
   co_return changed;
 }
 
-void ConfigurationLoader::showTerms() {
+void ConfigurationLoader::updateTerms() {
   std::optional<ConsentTable::Terms> shown;
   if (inForce_) {
     shown.emplace(inForce_->terms.allowedUndecided(), inForce_->terms.boundToTracking());
@@ -105,7 +105,7 @@ void ConfigurationLoader::showTerms() {
       if (permission.permissionId) shown->permissions.push_back(permission.permissionId->rawValue());
     }
   }
-  s_.store.consentTable().showTerms(std::move(shown));
+  s_.store.consentTable().updateTerms(std::move(shown));
 }
 
 void ConfigurationLoader::warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration) {

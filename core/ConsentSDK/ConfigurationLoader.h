@@ -102,7 +102,7 @@ class ConfigurationLoader {
   Task<std::optional<bool>> apply(SessionPointer session, ConfigurationPointer configuration,
                                   std::function<bool()> isWanted);
   // Passes the terms in force to the ConsentTable. Requires the lock.
-  void showTerms();
+  void updateTerms();
   bool reconcile(const ConfigurationPointer& configuration);
   void warnOfUnknownRegion(const Session& session, const MainConfiguration& configuration);
   Served served(const SessionPointer& session, ConfigurationPointer cached) const;

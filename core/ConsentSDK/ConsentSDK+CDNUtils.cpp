@@ -182,7 +182,7 @@ void ConfigurationLoader::begin(const SessionPointer& session, bool reset) {
   // Terms of another application must not answer for this one.
   if (!inForce_ || inForce_->session->isOfSameApplication(*session)) return;
   inForce_.reset();
-  showTerms();
+  updateTerms();
 }
 
 void ConfigurationLoader::setReady(const SessionPointer& session, SDKStatus status) {

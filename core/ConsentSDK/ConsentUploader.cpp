@@ -62,8 +62,8 @@ void ConsentUploader::close() {
   followUp.swap(followUp_);
 }
 
-bool ConsentUploader::takeTurn(std::unique_ptr<StoreTurn>& turn) {
-  turn = s_.platform.store->tryTurn("uploads");
+bool ConsentUploader::acquireLock(std::unique_ptr<StoreLock>& turn) {
+  turn = s_.platform.store->tryLock("uploads");
   const std::scoped_lock lock(mutex_);
   missedTurns_ = turn ? 0 : missedTurns_ + 1;
   return turn || missedTurns_ > mostMissedTurns;
@@ -90,8 +90,8 @@ Task<bool> ConsentUploader::uploadInTurn(SessionPointer session, Trigger trigger
   const ConfigurationPointer configuration = s_.loader.current();
   if (!configuration) co_return false;
 
-  std::unique_ptr<StoreTurn> turn;
-  if (!takeTurn(turn)) {
+  std::unique_ptr<StoreLock> turn;
+  if (!acquireLock(turn)) {
     schedule();
     co_return false;
   }
@@ -118,8 +118,8 @@ Task<void> ConsentUploader::upload(std::string url, PostConsentsRequest request)
   if (!request.sdkVersion) request.sdkVersion = installedSDKVersion(*s_.platform.host);
   const auto place = turns_.join();
   co_await place.turn();
-  std::unique_ptr<StoreTurn> turn;
-  takeTurn(turn);  // sent in any case: the application decides when
+  std::unique_ptr<StoreLock> turn;
+  acquireLock(turn);  // sent in any case: the application decides when
   Sent sent;
   if (const auto reading = s_.store.read(1)) {
     const StoredValues stored(*reading->entries);

@@ -58,7 +58,7 @@ class ConsentUploader {
   Task<bool> uploadInTurn(SessionPointer session, Trigger trigger);
   // Tries to acquire the cross-process lock. Also true, without the lock, once another process has held it for longer
   // than any exchange takes: a stopped process must not block the others forever.
-  bool takeTurn(std::unique_ptr<StoreTurn>& turn);
+  bool acquireLock(std::unique_ptr<StoreLock>& turn);
   PostConsentsRequest request(const Session& session, const StoredValues& stored,
                               const ConfigurationPointer& configuration);
   Task<bool> send(std::string url, PostConsentsRequest request, Sent sent);

@@ -12,7 +12,7 @@ void HonouredSignal::follow(const Session& session, const MainConfiguration* con
   mapping_ = std::move(mapping);
   std::optional<ConsentTable::Signal> shown;
   if (mapping_) shown.emplace(isGiven_, mapping_->purposes());
-  store_.consentTable().showSignal(std::move(shown));
+  store_.consentTable().updateSignal(std::move(shown));
 }
 
 OptOuts HonouredSignal::optOuts() const {

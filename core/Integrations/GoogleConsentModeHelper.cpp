@@ -97,11 +97,11 @@ void GoogleConsentModeHelper::send(const Request& request) {
   }
   auto signals = consentMap(*mapping, StoredValues(*store_.snapshot()), optOuts_());
   if (request.isGone) {
-    for (auto& [type, granted] : signals) granted = granted && told_.contains(type) && told_.at(type);
-    if (signals == told_) return;
+    for (auto& [type, granted] : signals) granted = granted && lastSent_.contains(type) && lastSent_.at(type);
+    if (signals == lastSent_) return;
   }
   setFirebaseConsent(signals);
-  told_ = std::move(signals);
+  lastSent_ = std::move(signals);
 }
 
 void GoogleConsentModeHelper::setFirebaseConsent(const ConsentMap& consentMap) {

@@ -63,7 +63,7 @@ class GoogleConsentModeHelper {
   std::optional<Request> last_;    // with a configuration
   std::optional<Request> newest_;  // to be sent
   bool isSending_ = false;
-  ConsentMap told_;  // sent last; used only by the thread that sends
+  ConsentMap lastSent_;  // sent last; used only by the thread that sends
 };
 
 }  // namespace quillon

@@ -40,7 +40,7 @@ ROADS = {
         "The path of an upload",
         [
             (1, "ConsentUploader", "a second after a decision, at a check, or when the network is back"),
-            (1, "StoreTurn", "a lock on a file: one process of the application at a time"),
+            (1, "StoreLock", "a lock on a file: one process of the application at a time"),
             (1, "ConsentUploader", "reads the store once: pending, listed decisions and their newest numbers"),
             (2, "ServerApi", "one request, at most 60 s; the answer is 0, 1 or final"),
             (1, "ConsentUploader", "marks by number: later decisions stay pending, whatever their value"),

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "platform/linux/BlockedWriteSignals.h"
 #include "platform/linux/FileCalls.h"
 #include "platform/linux/Folder.h"
-#include "platform/linux/HeldWriteSignals.h"
 
 namespace quillon {
 
@@ -115,7 +115,7 @@ FileSystem::Result<std::string> PosixFileSystem::read(const std::filesystem::pat
 }
 
 FileSystem::Result<void> PosixFileSystem::write(const std::filesystem::path& file, std::string_view bytes) {
-  const HeldWriteSignals held;
+  const BlockedWriteSignals held;
   const auto locked = Folder::openLocked(file.parent_path(), std::chrono::steady_clock::now() + turnLimit);
   if (!locked) return std::unexpected(locked.error());
   const auto& folder = *locked;

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/linux/FileCalls.h"
-#include "platform/linux/FileTurn.h"
+#include "platform/linux/FileLock.h"
 #include "platform/linux/Ownership.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/linux/SqliteSuite.h"
@@ -80,16 +80,16 @@ std::expected<std::shared_ptr<KeyValueSuite>, std::string> SqliteStore::open(std
   return std::unexpected("unknown exception");
 }
 
-std::unique_ptr<StoreTurn> SqliteStore::tryTurn(std::string_view name) try {
-  auto turn = [&]() -> std::expected<std::unique_ptr<StoreTurn>, std::string> {
+std::unique_ptr<StoreLock> SqliteStore::tryLock(std::string_view name) try {
+  auto turn = [&]() -> std::expected<std::unique_ptr<StoreLock>, std::string> {
     if (!isFileName(name)) return std::unexpected("a name like this is no file's");
     const auto folder = readyFolder(folder_, {});
     if (!folder) return std::unexpected(folder.error());
-    return tryFileTurn(*folder / (std::string(name) + ".turn"));
+    return tryFileLock(*folder / (std::string(name) + ".turn"));
   }();
   if (turn) return std::move(*turn);
   reportTurnFault(turn.error());
-  return std::make_unique<StoreTurn>();
+  return std::make_unique<StoreLock>();
 } catch (...) {
   return nullptr;  // out of memory: a later call may succeed
 }

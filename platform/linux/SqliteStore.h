@@ -24,7 +24,7 @@ class SqliteStore final : public KeyValueStore {
                        std::chrono::milliseconds openWait = std::chrono::seconds(10));
 
   std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) override;
-  std::unique_ptr<StoreTurn> tryTurn(std::string_view name) override;
+  std::unique_ptr<StoreLock> tryLock(std::string_view name) override;
   std::shared_ptr<KeyValueSuite> standardDefaults() override;
 
  private:

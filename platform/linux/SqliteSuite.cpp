@@ -6,8 +6,8 @@
 #include <thread>
 #include <utility>
 
+#include "platform/linux/BlockedWriteSignals.h"
 #include "platform/linux/FileWatch.h"
-#include "platform/linux/HeldWriteSignals.h"
 #include "platform/parts/Contained.h"
 
 namespace quillon {
@@ -38,14 +38,14 @@ std::expected<std::shared_ptr<SqliteSuite>, std::string> SqliteSuite::open(std::
   std::shared_ptr<SqliteSuite> suite(new SqliteSuite(std::move(file), std::move(report), std::move(loop)));
   std::expected<void, std::string> started;
   {
-    const HeldWriteSignals held;
+    const BlockedWriteSignals held;
     std::lock_guard connection(suite->connectionMutex_);
     started = suite->start(openWait);
     suite->hasChanged_ = false;
   }
   suite->deliver();
   if (!started) return std::unexpected("Store " + suite->path_.string() + " cannot be opened: " + started.error());
-  if (suite->isHeld_ && suite->loop_) suite->watch();
+  if (suite->isLockedElsewhere_ && suite->loop_) suite->watch();
   return suite;
 }
 
@@ -66,15 +66,15 @@ std::expected<void, std::string> SqliteSuite::start(std::chrono::milliseconds op
     if (problem.recovery != Recovery::wait) {
       if (attempts++ == attemptsToOpen) return std::unexpected(std::move(problem.text));
     } else if (std::chrono::steady_clock::now() >= deadline) {
-      startHeld(problem.text);
+      startWithoutContent(problem.text);
       return {};
     }
   }
 }
 
 // The stored content is unknown, so every purpose counts as undecided.
-void SqliteSuite::startHeld(const std::string& why) {
-  isHeld_ = true;
+void SqliteSuite::startWithoutContent(const std::string& why) {
+  isLockedElsewhere_ = true;
   publish(SuiteEntries{{std::string(lostEntriesKey), true}});
   note("Store " + path_.string() + " is held by another process (" + why +
        "): until it lets go, nothing can be stored, and what is stored counts as not decided");
@@ -108,7 +108,7 @@ bool SqliteSuite::probe() const noexcept {
       auto opened = SuiteFile::open(path_, Deadline::min());
       if (opened) {
         useFile(std::move(*opened));
-      } else if (isHeld_ || opened.error().recovery == Recovery::wait) {
+      } else if (isLockedElsewhere_ || opened.error().recovery == Recovery::wait) {
         hasProbed = false;
       }
     } else if (const auto done = refresh(); !done) {
@@ -235,7 +235,7 @@ void SqliteSuite::publish(SuiteContent content) const {
   if (*published_ != content.entries) hasChanged_ = true;
   isKnown_ = true;
   sound_ = content.unreadable.empty();
-  if (std::exchange(isHeld_, false)) {
+  if (std::exchange(isLockedElsewhere_, false)) {
     note("Store " + path_.string() + " is free again and in use", KeyValueStore::ReportLevel::information);
   }
   publish(std::move(content.entries));

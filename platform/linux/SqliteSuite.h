@@ -77,7 +77,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
                                        bool& isCommitted);
   std::expected<Recovered, Problem> recover(const Problem& why);
   std::expected<void, std::string> start(std::chrono::milliseconds openWait);
-  void startHeld(const std::string& why);
+  void startWithoutContent(const std::string& why);
 
   const std::filesystem::path path_;
   const KeyValueStore::Report report_;
@@ -89,7 +89,7 @@ class SqliteSuite final : public KeyValueSuite, public std::enable_shared_from_t
   mutable std::optional<SuiteFile> file_;          // nullopt after an error that broke the connection
   mutable std::optional<std::int64_t> version_;    // of the published content; nullopt: read again
   mutable bool isKnown_ = false;                   // content was read at least once
-  mutable bool isHeld_ = false;                    // by another process since the start: content unknown
+  mutable bool isLockedElsewhere_ = false;         // by another process since the start: content unknown
   mutable bool sound_ = true;                      // all rows are readable
   mutable std::set<std::string> unreadableNoted_;  // reported once each
   mutable std::set<std::int64_t> damagedNoted_;    // journal numbers, reported once each

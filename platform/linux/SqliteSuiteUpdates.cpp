@@ -4,8 +4,8 @@
 #include <thread>
 #include <utility>
 
+#include "platform/linux/BlockedWriteSignals.h"
 #include "platform/linux/Folder.h"
-#include "platform/linux/HeldWriteSignals.h"
 #include "platform/linux/SqliteSuite.h"
 #include "platform/linux/SuiteReplacement.h"
 
@@ -65,7 +65,7 @@ SqliteSuite::Deadline SqliteSuite::writerDeadline() {
 
 std::expected<void, std::string> SqliteSuite::update(const Edit& edit) {
   auto done = [&]() -> std::expected<void, std::string> {
-    const HeldWriteSignals held;
+    const BlockedWriteSignals held;
     try {
       return updateInTurn(edit);
     } catch (const std::exception& error) {

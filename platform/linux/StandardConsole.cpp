@@ -2,14 +2,14 @@
 
 #include <cstdio>
 
-#include "platform/linux/HeldWriteSignals.h"
+#include "platform/linux/BlockedWriteSignals.h"
 #include "platform/parts/FatalError.h"
 
 namespace quillon {
 
 // Uses the stream's lock, so that blocks do not mix with the host's output either.
 void StandardConsole::write(std::string_view block) {
-  const HeldWriteSignals held;
+  const BlockedWriteSignals held;
   flockfile(stdout);
   fwrite_unlocked(block.data(), 1, block.size(), stdout);
   putc_unlocked('\n', stdout);

@@ -15,7 +15,7 @@ struct MemoryStore::Contents {
   std::map<std::string, std::pair<Holder, const Turn*>, std::less<>> turns;
 };
 
-class MemoryStore::Turn : public StoreTurn {
+class MemoryStore::Turn : public StoreLock {
  public:
   Turn(std::shared_ptr<Contents> contents, std::string name) : contents_(std::move(contents)), name_(std::move(name)) {}
   ~Turn() override {
@@ -62,7 +62,7 @@ std::expected<std::shared_ptr<KeyValueSuite>, std::string> MemoryStore::open(std
   return suite;
 }
 
-std::unique_ptr<StoreTurn> MemoryStore::tryTurn(std::string_view name) {
+std::unique_ptr<StoreLock> MemoryStore::tryLock(std::string_view name) {
   auto turn = std::make_unique<Turn>(contents_, std::string(name));
   std::unique_lock lock(contents_->mutex);
   const bool taken =

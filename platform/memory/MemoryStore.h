@@ -31,7 +31,7 @@ class MemoryStore final : public KeyValueStore {
   void end();
 
   std::expected<std::shared_ptr<KeyValueSuite>, std::string> open(std::string_view name, Report report) override;
-  std::unique_ptr<StoreTurn> tryTurn(std::string_view name) override;
+  std::unique_ptr<StoreLock> tryLock(std::string_view name) override;
   std::shared_ptr<KeyValueSuite> standardDefaults() override;
 
  private:

@@ -86,7 +86,7 @@ class ExportCheck {
 
   NoticeTexts notices(const ExportedHistory& history) {
     NoticeTexts texts;
-    for (const auto& hash : history.goneNotices) texts.emplace(hash, std::nullopt);
+    for (const auto& hash : history.expiredNotices) texts.emplace(hash, std::nullopt);
     const std::string folder = file::notices;
     for (const auto& [name, text] : files_) {
       if (!name.starts_with(folder) || !name.ends_with(".json")) continue;

@@ -35,7 +35,7 @@ std::expected<ExportedHistory, std::string> wholeHistory(json::object document) 
   if (const auto head = textIn(document, "head")) history.state.head = *head;
   history.state.damaged = numberIn(document, "damaged").value_or(0);
   forEachIn(document, "gone_notices", [&](const json::value& hash) {
-    if (hash.is_string()) history.goneNotices.emplace_back(hash.get_string());
+    if (hash.is_string()) history.expiredNotices.emplace_back(hash.get_string());
   });
   return history;
 }

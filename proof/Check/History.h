@@ -17,7 +17,7 @@ using NoticeTexts = std::map<std::string, std::optional<std::string>>;
 struct ExportedHistory {
   HistoryEntries entries;
   ChainState state;
-  std::vector<std::string> goneNotices;
+  std::vector<std::string> expiredNotices;
 };
 
 // Reads an export's history.json, or the output of `quillon-consent store history`, one entry per line.

@@ -27,7 +27,7 @@ std::vector<json::object> entriesOf(const HistoryEvidence& evidence) {
 }
 
 // The hashes of answered notices that the store no longer has.
-json::array goneNotices(const HistoryEvidence& evidence, const std::vector<json::object>& entries) {
+json::array expiredNotices(const HistoryEvidence& evidence, const std::vector<json::object>& entries) {
   std::set<std::string> gone;
   for (const auto& entry : entries) {
     const std::string hash(textIn(entry, "notice").value_or(""));
@@ -41,7 +41,7 @@ json::array goneNotices(const HistoryEvidence& evidence, const std::vector<json:
 std::string historyFile(const HistoryEvidence& evidence, const std::vector<json::object>& entries) {
   json::object header{{"application_id", evidence.applicationId},
                       {"damaged", evidence.damaged + std::ssize(evidence.entries) - std::ssize(entries)},
-                      {"gone_notices", goneNotices(evidence, entries)},
+                      {"gone_notices", expiredNotices(evidence, entries)},
                       {"subject_id", evidence.subjectId}};
   if (evidence.head) header.emplace("head", *evidence.head);
   std::string text = canonicalJson(header);

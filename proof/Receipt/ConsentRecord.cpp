@@ -33,15 +33,15 @@ const json::object* shownPurpose(const json::object& notice, std::int64_t purpos
   return found;
 }
 
-struct ToldPurpose {
+struct ShownPurpose {
   PurposeTexts texts;
   std::optional<bool> isEssential;
 };
 
 // The texts shown last, else those of the present configuration.
-ToldPurpose told(const RecordContext& context, std::int64_t purposeId,
-                 const std::vector<const json::object*>& entries) {
-  ToldPurpose told;
+ShownPurpose told(const RecordContext& context, std::int64_t purposeId,
+                  const std::vector<const json::object*>& entries) {
+  ShownPurpose told;
   if (const auto now = context.request.texts.find(purposeId); now != context.request.texts.end()) {
     told.texts = now->second;
   }
@@ -121,7 +121,7 @@ void stateController(json::object& process, const DataController& controller, Pr
                   json::object{{"@type", std::move(types)}, {"dpv:isExercisedAt", controller.rightsContact}});
 }
 
-json::object processOf(const RecordContext& context, std::int64_t purposeId, const ToldPurpose& told) {
+json::object processOf(const RecordContext& context, std::int64_t purposeId, const ShownPurpose& told) {
   json::object process{{"@type", "dpv:Process"}, {"dpv:hasPurpose", purposeOf(purposeId, told.texts)}};
   auto recipients = told.texts.recipients;
   if (context.request.controller) recipients.push_back(controllerId(*context.request.controller));

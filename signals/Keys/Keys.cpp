@@ -70,7 +70,7 @@ void addSection(SignalKeys& keys, std::uint16_t id, const GppSection& section, s
   addFields(keys, prefix, tc.core);
   if (tc.disclosedVendors) addFields(keys, prefix, *tc.disclosedVendors);
   if (tc.publisherTC) addFields(keys, prefix, *tc.publisherTC);
-  addRepeatedTcfKeys(keys);
+  addGppCopiesOfTcfKeys(keys);
 }
 
 // The part between tildes: 0 is the header, 1 the first section.

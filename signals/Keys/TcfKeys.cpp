@@ -115,7 +115,7 @@ void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> 
   if (tc->publisherTC) addPublisher(write, *tc->publisherTC);
 }
 
-void addRepeatedTcfKeys(SignalKeys& keys) {
+void addGppCopiesOfTcfKeys(SignalKeys& keys) {
   for (const auto& [tcf, gpp] : repeatedKeys) {
     if (const auto found = keys.find(tcf); found != keys.end()) keys.insert_or_assign(std::string(gpp), found->second);
   }

@@ -13,6 +13,6 @@ void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> 
                 std::string text);
 
 // Copies under "IABGPP_TCFEU2_" those that GPP defines.
-void addRepeatedTcfKeys(SignalKeys& keys);
+void addGppCopiesOfTcfKeys(SignalKeys& keys);
 
 }  // namespace quillon::signals

@@ -33,7 +33,7 @@ class SignalPublisher::Publication {
       isDue_ = true;
       if (std::exchange(isPublishing_, true)) return;
     }
-    while (takeTurn()) withoutThrowing([&] { write(); });
+    while (acquireLock()) withoutThrowing([&] { write(); });
   }
 
   std::string pageScript() const {
@@ -42,7 +42,7 @@ class SignalPublisher::Publication {
   }
 
  private:
-  bool takeTurn() {
+  bool acquireLock() {
     const std::scoped_lock lock(mutex_);
     if (!std::exchange(isDue_, false)) isPublishing_ = false;
     return isPublishing_;

@@ -132,8 +132,8 @@ Seen heldStore(Trial& trial) {
   World world(data);
   world.server.serve(underOptOut());
   world.amend = [&](Platform& platform) {
-    const std::chrono::milliseconds patience = trial.isShort() ? 300ms : 10s;
-    platform.store = std::make_shared<SqliteStore>(data, std::make_shared<WorkPool>("store", 2), patience);
+    const std::chrono::milliseconds appearDelay = trial.isShort() ? 300ms : 10s;
+    platform.store = std::make_shared<SqliteStore>(data, std::make_shared<WorkPool>("store", 2), appearDelay);
   };
   world.restart();
   for (const int purpose : {1, 99}) {

@@ -42,9 +42,9 @@ class Answer {
       state->promise.set_value(std::move(outcome));
     };
   }
-  Outcome wait(std::chrono::seconds patience = 30s) {
+  Outcome wait(std::chrono::seconds appearDelay = 30s) {
     auto future = state_->promise.get_future();
-    if (future.wait_for(patience) == std::future_status::ready) return future.get();
+    if (future.wait_for(appearDelay) == std::future_status::ready) return future.get();
     ADD_FAILURE() << "never completed";
     return std::unexpected(TransportError{ErrorKind::unreachable, "never completed"});
   }

@@ -262,14 +262,14 @@ TYPED_TEST(KeyValueSuiteContract, ASubscriptionCanBeDroppedByItsOwnCall) {
 TYPED_TEST(KeyValueSuiteContract, ATurnHasOneHolderUntilItIsDropped) {
   KeyValueStore& store = this->world_.store;
   KeyValueStore& later = this->world_.later;
-  auto turn = store.tryTurn("upload");
+  auto turn = store.tryLock("upload");
   ASSERT_TRUE(turn);
-  EXPECT_FALSE(store.tryTurn("upload"));
-  EXPECT_FALSE(later.tryTurn("upload"));
-  EXPECT_TRUE(later.tryTurn("other"));
+  EXPECT_FALSE(store.tryLock("upload"));
+  EXPECT_FALSE(later.tryLock("upload"));
+  EXPECT_TRUE(later.tryLock("other"));
   turn.reset();
-  EXPECT_TRUE(later.tryTurn("upload"));
-  EXPECT_TRUE(store.tryTurn("upload")) << "and is free again";
+  EXPECT_TRUE(later.tryLock("upload"));
+  EXPECT_TRUE(store.tryLock("upload")) << "and is free again";
 }
 
 TYPED_TEST(KeyValueSuiteContract, SuitesAreOneObjectANameAndIndependent) {
@@ -327,18 +327,18 @@ TEST(MemoryStoreTest, AProcessThatEndedHoldsNoTurnChangesNothingAndHearsNothing)
   MemoryStore first;
   const auto second = first.another();
   const auto suite = second->open("suite", {}).value();
-  const auto held = second->tryTurn("upload");
+  const auto held = second->tryLock("upload");
   const auto subscription = suite->observe([] { FAIL() << "it has ended"; });
   second->end();
-  EXPECT_TRUE(first.tryTurn("upload"));
-  EXPECT_FALSE(second->tryTurn("upload"));
+  EXPECT_TRUE(first.tryLock("upload"));
+  EXPECT_FALSE(second->tryLock("upload"));
   EXPECT_FALSE(suite->update(always({{"a", true}})));
   EXPECT_TRUE(first.open("suite", {}).value()->update(always({{"b", true}})));
   auto third = first.another();
-  const auto turn = third->tryTurn("upload");
-  EXPECT_FALSE(first.tryTurn("upload"));
+  const auto turn = third->tryLock("upload");
+  EXPECT_FALSE(first.tryLock("upload"));
   third.reset();
-  EXPECT_TRUE(first.tryTurn("upload")) << "dropping a store ends its process";
+  EXPECT_TRUE(first.tryLock("upload")) << "dropping a store ends its process";
 }
 
 }  // namespace quillon

@@ -182,19 +182,19 @@ TEST_F(SqliteSuiteTest, ATurnPassesOnWhenItsProcessDiesAndIsGrantedWhereItCannot
   {
     test::ChildProcess child([&](const auto& say) {
       SqliteStore theirs(folder_);
-      const auto turn = theirs.tryTurn("t");
+      const auto turn = theirs.tryLock("t");
       say(turn ? "taken" : "refused");
       ::pause();
     });
     ASSERT_EQ(child.hear(), "taken");
-    EXPECT_FALSE(store.tryTurn("t"));
+    EXPECT_FALSE(store.tryLock("t"));
   }
-  EXPECT_TRUE(store.tryTurn("t"));
+  EXPECT_TRUE(store.tryLock("t"));
   EXPECT_EQ(modeOf(folder_ / "t.turn"), 0600u);
   EXPECT_TRUE(reports_.empty());
   std::filesystem::create_symlink(folder_ / "elsewhere", folder_ / "u.turn");
-  const auto one = store.tryTurn("u");
-  const auto two = store.tryTurn("u");
+  const auto one = store.tryLock("u");
+  const auto two = store.tryLock("u");
   EXPECT_TRUE(one && two);
   EXPECT_FALSE(std::filesystem::exists(folder_ / "elsewhere"));
   EXPECT_EQ(reports_.size(), 1u);

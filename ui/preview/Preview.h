@@ -10,8 +10,8 @@
 #include <string>
 
 #include "platform/ScreenServices.h"
+#include "ui/preview/PlaceholderPage.h"
 #include "ui/preview/PreviewDevice.h"
-#include "ui/preview/StandInPage.h"
 #include "ui/qtquick/QtScreenPresenter.h"
 
 namespace quillon::preview {
@@ -58,7 +58,7 @@ class Preview {
   QImage pictureOfPage();
 
   View view_;
-  std::optional<StandInPage> page_;
+  std::optional<PlaceholderPage> page_;
   const std::shared_ptr<QtScreenPresenter> presenter_;
   PreviewDevice device_;
   ConsentSDK sdk_;

@@ -27,14 +27,14 @@ void PlacedScreen::componentComplete() {
   const auto* sdk = PageSdk::of(*qmlEngine(this), *this);
   if (!sdk) return;
   const auto leave = [self = QPointer(this)] {
-    if (self) self->sayDone(self->reason_());
+    if (self) self->emitDone(self->reason_());
   };
   const Model model = makeModel(ConsentBannerViewModel::make(sdk->services, leave));
   reason_ = model.reason;
   feed(*sdk, model);
   show(model);
   // The preference centre opened by a banner answers the banner as well.
-  if (model.adapter == model.banner) dismissal_ = sdk->services->followBannerDismissal([this] { sayDone(saved); });
+  if (model.adapter == model.banner) dismissal_ = sdk->services->followBannerDismissal([this] { emitDone(saved); });
 }
 
 void PlacedScreen::feed(const PageSdk& sdk, const Model& model) {

@@ -60,7 +60,7 @@ class PlacedScreen : public QQuickItem {
  private:
   virtual const char* sheet() const = 0;  // the screen's QML type
   // Emitted asynchronously, since the page may delete the item in response.
-  void sayDone(const QString& reason) {
+  void emitDone(const QString& reason) {
     QMetaObject::invokeMethod(this, [this, reason] { Q_EMIT done(reason); }, Qt::QueuedConnection);
   }
   void feed(const PageSdk& sdk, const Model& model);

@@ -98,7 +98,7 @@ void PreferenceCenterAdapter::refreshPurposes() {
 }
 
 // Creates the permissions grouped by category, in the order of the groups' first permissions.
-void PreferenceCenterAdapter::remakePermissions() {
+void PreferenceCenterAdapter::recreatePermissions() {
   const auto former = std::exchange(permissions_, {});
   std::vector<std::optional<std::string>> groups;
   for (const AppPermission& permission : shownPermissions_) {
@@ -120,7 +120,7 @@ void PreferenceCenterAdapter::refreshPermissions() {
   const auto& loaded = model_->permissions.get();
   const bool isSameList = std::ranges::equal(loaded, shownPermissions_, isSameButForStatus);
   shownPermissions_ = loaded;
-  if (!isSameList) return remakePermissions();
+  if (!isSameList) return recreatePermissions();
   for (PermissionAdapter* shown : permissions_) {
     const auto now = std::ranges::find(loaded, shown->key(), &AppPermission::permissionId);
     if (now != loaded.end()) shown->set(now->consentStatus, model_->offersSettings(*now));

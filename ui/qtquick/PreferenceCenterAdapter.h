@@ -112,7 +112,7 @@ class PreferenceCenterAdapter : public Adapter {
   QString tabName(MyPreferences tab) const;
   QString stateAndHint(Label state, Label action) const;
   void refreshPurposes();
-  void remakePermissions();
+  void recreatePermissions();
   void refreshPermissions();
 
   const std::shared_ptr<PreferenceCenterViewModel> model_;

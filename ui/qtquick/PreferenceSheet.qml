@@ -210,7 +210,7 @@ Sheet {
         function onAnnounced(text: string) { messageBar.show(text) }
         function onSaved(text: string) {
             if (screen.isModal)
-                screen.farewell = text
+                screen.closingMessage = text
             else
                 messageBar.show(text)
         }

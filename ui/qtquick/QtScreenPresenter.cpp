@@ -219,7 +219,7 @@ void QtScreenPresenter::dismiss(Screen* screen) {
   }
   screen->disconnect(this);
   // Our own window closes with its last screen.
-  if (ownWindow_ && screen->item()) screen->item()->setProperty("farewell", QString());
+  if (ownWindow_ && screen->item()) screen->item()->setProperty("closingMessage", QString());
   if (screen->item() && screen->item()->window()) coverBelowTop(*screen->item()->window());
   connect(screen, &QObject::destroyed, this, [this] { closeOwnWindow(); });
   screen->leave();

@@ -57,17 +57,17 @@ FocusScope {
     readonly property bool isOnScreen: shown === 1 && visible && !isLoading && !isLeaving
     property bool isLeaving: false
     // A message shown briefly after the sheet has closed.
-    property string farewell
+    property string closingMessage
     // Another screen is above it.
     property bool isCovered: false
 
     function enter() {
         panel.forceActiveFocus(Qt.PopupFocusReason)
-        patience.start()
+        appearDelay.start()
         appearWhenReady()
     }
     function appearWhenReady() {
-        if (parent && !isLeaving && (!isLoading || !patience.running))
+        if (parent && !isLeaving && (!isLoading || !appearDelay.running))
             shown = 1
     }
     function leave() {
@@ -97,10 +97,10 @@ FocusScope {
     onShownChanged: {
         if (!isLeaving || shown > 0)
             return
-        if (farewell === "")
+        if (closingMessage === "")
             gone()
         else
-            farewellBar.show(farewell)
+            farewellBar.show(closingMessage)
     }
     Behavior on shown {
         enabled: Style.duration > 0
@@ -113,7 +113,7 @@ FocusScope {
 
     // Waits briefly, so that content that loads quickly appears complete.
     Timer {
-        id: patience
+        id: appearDelay
         interval: 250
         onTriggered: sheet.appearWhenReady()
     }

@@ -8,12 +8,12 @@ PurposeState ConsentTable::purpose(std::int64_t id) const noexcept {
   return words_.read([id](const LatchedWords::Copy& copy) { return stateOf(copy, id); });
 }
 
-// While isInDoubt is set, a purpose counts as undecided and the default is declined.
+// While isStale is set, a purpose counts as undecided and the default is declined.
 PurposeState ConsentTable::stateOf(const LatchedWords::Copy& copy, std::int64_t id) noexcept {
   const LatchedWords::Word header = copy.header.load(std::memory_order_acquire);
   const auto key = static_cast<LatchedWords::Key>(id);
   const auto isKey = [key](LatchedWords::Key found) { return found == key; };
-  return {header, (header & ConsentWord::isInDoubt) != 0 ? 0 : copy.numbers.find(LatchedWords::hashOf(key), isKey)};
+  return {header, (header & ConsentWord::isStale) != 0 ? 0 : copy.numbers.find(LatchedWords::hashOf(key), isKey)};
 }
 
 std::vector<PurposeState> ConsentTable::purposes(std::span<const std::int64_t> ids) const {
@@ -31,7 +31,7 @@ PermissionState ConsentTable::permission(std::string_view name) const noexcept {
     return std::pair(copy.header.load(std::memory_order_acquire), copy.names.find(LatchedWords::hashOf(name), isName));
   });
   PermissionState state;
-  if ((header & ConsentWord::isInDoubt) == 0) state.stored = PurposeState(header, word).decision();
+  if ((header & ConsentWord::isStale) == 0) state.stored = PurposeState(header, word).decision();
   if ((header & ConsentWord::hasTerms) != 0) state.isListed = (word & ConsentWord::isListed) != 0;
   return state;
 }

@@ -32,7 +32,7 @@ struct ConsentWord {
 
   static constexpr Word declinesByDefault = 1 << 0;
   static constexpr Word hasLostEntries = 1 << 1;
-  static constexpr Word isInDoubt = 1 << 2;  // an update from the store failed
+  static constexpr Word isStale = 1 << 2;  // an update from the store failed
   static constexpr Word hasTerms = 1 << 3;
   static constexpr Word hasSignal = 1 << 4;
   static constexpr Word isSignalGiven = 1 << 5;
@@ -89,7 +89,7 @@ class ConsentTable {
   [[nodiscard]] PermissionState permission(std::string_view name) const noexcept;
 
   // Updates the store's content; see KeyValueSuite::Follower.
-  void showStored(const SuiteEntries& entries, const SuiteChanges* changes) noexcept;
+  void updateStored(const SuiteEntries& entries, const SuiteChanges* changes) noexcept;
 
   struct Terms {
     std::vector<std::int64_t> allowedUndecided;
@@ -97,14 +97,14 @@ class ConsentTable {
     std::vector<std::string> permissions;
   };
   // Updates the configuration in force; nullopt without one.
-  void showTerms(std::optional<Terms> terms) noexcept;
+  void updateTerms(std::optional<Terms> terms) noexcept;
 
   struct Signal {
     bool isGiven = false;
     std::optional<std::vector<std::int64_t>> covered;  // nullopt: any purpose
   };
   // Updates the honoured signal; nullopt without one.
-  void showSignal(std::optional<Signal> signal) noexcept;
+  void updateSignal(std::optional<Signal> signal) noexcept;
 
   // No configuration is in force from now on.
   void close() noexcept;

@@ -14,7 +14,7 @@ namespace {
 using Word = LatchedWords::Word;
 using Bits = ConsentWord;
 
-constexpr Word ofStore = Bits::declinesByDefault | Bits::hasLostEntries | Bits::isInDoubt;
+constexpr Word ofStore = Bits::declinesByDefault | Bits::hasLostEntries | Bits::isStale;
 constexpr Word ofSignal = Bits::hasSignal | Bits::isSignalGiven | Bits::signalCoversAll;
 
 LatchedWords::Edit decisionEdit(LatchedWords::Key key, std::optional<ConsentStatus> status) noexcept {
@@ -78,11 +78,11 @@ void ConsentTable::show(Show show, Otherwise otherwise) noexcept {
   }
 }
 
-void ConsentTable::showStored(const SuiteEntries& entries, const SuiteChanges* changes) noexcept {
+void ConsentTable::updateStored(const SuiteEntries& entries, const SuiteChanges* changes) noexcept {
   const auto store = [&] {
     LatchedWords::Change change;
     // After a failed update, `changes` is relative to content that the table lacks, so it is rebuilt.
-    const bool isWhole = changes == nullptr || (words_.header() & Bits::isInDoubt) != 0;
+    const bool isWhole = changes == nullptr || (words_.header() & Bits::isStale) != 0;
     if (isWhole) {
       for (const auto key : words_.keys(&LatchedWords::Copy::numbers)) change.numbers.push_back(decisionEdit(key, {}));
       for (const auto key : words_.keys(&LatchedWords::Copy::names)) change.names.push_back(decisionEdit(key, {}));
@@ -104,10 +104,10 @@ void ConsentTable::showStored(const SuiteEntries& entries, const SuiteChanges* c
     answered_ = std::move(answered);
     boundByStore_ = std::move(bound);
   };
-  show(store, [](Word header) { return header | Bits::isInDoubt | Bits::declinesByDefault; });
+  show(store, [](Word header) { return header | Bits::isStale | Bits::declinesByDefault; });
 }
 
-void ConsentTable::showTerms(std::optional<Terms> terms) noexcept {
+void ConsentTable::updateTerms(std::optional<Terms> terms) noexcept {
   const auto inForce = [&] {
     if (isClosed_) terms.reset();
     Terms shown = terms ? std::move(*terms) : Terms();
@@ -128,7 +128,7 @@ void ConsentTable::showTerms(std::optional<Terms> terms) noexcept {
   show(inForce, [](Word header) { return header & ~Bits::hasTerms; });
 }
 
-void ConsentTable::showSignal(std::optional<Signal> signal) noexcept {
+void ConsentTable::updateSignal(std::optional<Signal> signal) noexcept {
   const auto honoured = [&] {
     LatchedWords::Change change;
     Members listed = signal && signal->covered ? std::move(*signal->covered) : Members();

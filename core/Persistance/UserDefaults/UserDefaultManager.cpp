@@ -63,7 +63,7 @@ KeyValueSuite& UserDefaultManager::suite() const {
     }
     suite_ = std::move(*opened);
     following_ = suite_->follow([table = consents_](const SuiteEntries& entries, const SuiteChanges* changes) {
-      table->showStored(entries, changes);
+      table->updateStored(entries, changes);
     });
     isOpen_.store(true, std::memory_order_release);
   });

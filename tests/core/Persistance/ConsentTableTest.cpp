@@ -84,7 +84,7 @@ struct Process {
   SqliteStore store;
   std::shared_ptr<KeyValueSuite> suite = store.open("suite", {}).value();
   std::shared_ptr<void> following = suite->follow(
-      [this](const SuiteEntries& entries, const SuiteChanges* changes) { table.showStored(entries, changes); });
+      [this](const SuiteEntries& entries, const SuiteChanges* changes) { table.updateStored(entries, changes); });
 };
 
 TEST(ConsentTableTest, ReadersSeeNoHalfDecisionAndNoEarlierOneWhileTwoProcessesWrite) {
@@ -128,7 +128,7 @@ TEST(ConsentTableTest, ReadersSeeNoHalfDecisionHoweverFastTheyAreMade) {
     writeNext(transaction);
     const SuiteChanges changes = transaction.take().changes;
     for (const auto& [key, value] : changes) entries.insert_or_assign(key, *value);
-    table.showStored(entries, i % 20 == 0 ? nullptr : &changes);
+    table.updateStored(entries, i % 20 == 0 ? nullptr : &changes);
   }
   over = true;
   readers.clear();
@@ -181,7 +181,7 @@ TEST(ConsentTableTest, ShowsWhatIsStored) {
       if (value) entries.insert_or_assign(key, *value);
       if (!value) entries.erase(key);
     }
-    table.showStored(entries, pick(10) == 0 ? nullptr : &changes);
+    table.updateStored(entries, pick(10) == 0 ? nullptr : &changes);
 
     const StoredValues stored(entries);
     std::vector<std::int64_t> asked = ids;
@@ -208,29 +208,29 @@ TEST(ConsentTableTest, TermsAndSignalsShowBesideWhatIsStoredUntilTheyEnd) {
     return std::string(purpose.isAllowedUndecided() ? "allowed " : "") + (purpose.isBoundToTracking() ? "bound " : "") +
            (purpose.isCoveredBySignal() ? "covered " : "") + (purpose.isSignalGiven() ? "given" : "");
   };
-  table.showStored({{"1", "granted"}}, nullptr);
+  table.updateStored({{"1", "granted"}}, nullptr);
   EXPECT_EQ(table.permission("camera").isListed, std::nullopt);
-  table.showTerms(ConsentTable::Terms{{1, 2, 2}, {2, 3}, {"camera"}});
+  table.updateTerms(ConsentTable::Terms{{1, 2, 2}, {2, 3}, {"camera"}});
   EXPECT_EQ(shown(1) + shown(2) + shown(3), "allowed allowed bound bound ");
   EXPECT_EQ(table.permission("camera").isListed, true);
   EXPECT_EQ(table.permission("microphone").isListed, false);
-  table.showTerms(ConsentTable::Terms{{2}, {}, {"microphone"}});
+  table.updateTerms(ConsentTable::Terms{{2}, {}, {"microphone"}});
   EXPECT_EQ(shown(1) + shown(2) + shown(3), "allowed ");
   EXPECT_EQ(table.permission("camera").isListed, false);
-  table.showStored({{"1", "granted"}, {std::string(lostEntriesKey), true}}, nullptr);
+  table.updateStored({{"1", "granted"}, {std::string(lostEntriesKey), true}}, nullptr);
   EXPECT_EQ(shown(2), "") << "what was lost may have been a refusal";
-  table.showStored({{"1", "granted"}}, nullptr);
+  table.updateStored({{"1", "granted"}}, nullptr);
 
-  table.showSignal(ConsentTable::Signal{false, {{1}}});
+  table.updateSignal(ConsentTable::Signal{false, {{1}}});
   EXPECT_EQ(shown(1) + shown(2), "covered allowed ");
-  table.showSignal(ConsentTable::Signal{true, std::nullopt});
+  table.updateSignal(ConsentTable::Signal{true, std::nullopt});
   EXPECT_EQ(shown(1) + shown(9), "covered givencovered given");
-  table.showSignal(std::nullopt);
+  table.updateSignal(std::nullopt);
   EXPECT_EQ(shown(1) + shown(2), "allowed ");
 
   table.close();
   EXPECT_EQ(shown(2), "");
-  table.showTerms(ConsentTable::Terms{{2}, {}, {}});
+  table.updateTerms(ConsentTable::Terms{{2}, {}, {}});
   EXPECT_EQ(shown(2), "") << "a configuration applied while the SDK closes";
   EXPECT_EQ(table.purpose(1).decision(), ConsentStatus::granted);
 }
@@ -240,7 +240,7 @@ TEST(ConsentTableTest, AForkedChildReadsWhateverItsParentWasWriting) {
   std::atomic<bool> over = false;
   std::jthread writer([&] {
     for (bool granted = false; !over; granted = !granted) {
-      table.showStored({{"1", granted ? "granted" : "declined"}, {"2", granted ? "granted" : "declined"}}, nullptr);
+      table.updateStored({{"1", granted ? "granted" : "declined"}, {"2", granted ? "granted" : "declined"}}, nullptr);
     }
   });
   while (!table.purpose(1).decision()) std::this_thread::yield();

@@ -60,7 +60,7 @@ class ChronicledStore : public KeyValueStore {
     if (!opened) return opened;
     return std::make_shared<ChronicledSuite>(std::move(*opened), chronicle_);
   }
-  std::unique_ptr<StoreTurn> tryTurn(std::string_view name) override { return store_->tryTurn(name); }
+  std::unique_ptr<StoreLock> tryLock(std::string_view name) override { return store_->tryLock(name); }
   std::shared_ptr<KeyValueSuite> standardDefaults() override { return store_->standardDefaults(); }
 
  private:

@@ -112,7 +112,7 @@ std::size_t scansOf(std::string_view bytes) {
 std::optional<std::string> affordableImage(std::string bytes, const ImageHeader& header) {
   const std::uint64_t pixels = std::uint64_t{header.width} * header.height;
   if (pixels == 0 || header.width > longestImageSide || header.height > longestImageSide) return std::nullopt;
-  if (pixels > (header.isInPlanes ? mostPixelsInPlanes : mostPixels)) return std::nullopt;
+  if (pixels > (header.needsFullBuffer ? mostPixelsInPlanes : mostPixels)) return std::nullopt;
   switch (header.format) {
     case EncodedImage::png:
       return affordablePng(bytes, header);

@@ -13,7 +13,7 @@ struct ImageHeader {
   EncodedImage::Format format = EncodedImage::png;
   std::uint32_t width = 0;  // not limited here
   std::uint32_t height = 0;
-  bool isInPlanes = false;  // rows are incomplete until the last byte: interlaced, progressive, or GIF
+  bool needsFullBuffer = false;  // rows are incomplete until the last byte: interlaced, progressive, or GIF
 };
 
 // nullopt if the data is not PNG, GIF or JPEG, or ends within the header.

@@ -11,7 +11,7 @@ namespace quillon {
 namespace {
 
 // WebTransport and WebRTC bypass the engine's request filters. The engine reads its switches on start.
-void closeSideDoors() {
+void disableUnfilteredTransports() {
   constexpr const char* variable = "QTWEBENGINE_CHROMIUM_FLAGS";
   constexpr const char* switches =
       " --disable-blink-features=WebTransport --force-webrtc-ip-handling-policy=disable_non_proxied_udp";
@@ -29,7 +29,7 @@ bool canBeClosed() {
 bool initializeQtWebEngine(UnfilteredConnections connections) {
   if (connections == UnfilteredConnections::refused && !canBeClosed()) return false;
   if (QCoreApplication::instance() && !QCoreApplication::testAttribute(Qt::AA_ShareOpenGLContexts)) return false;
-  closeSideDoors();
+  disableUnfilteredTransports();
   if (!QCoreApplication::instance()) QtWebEngineQuick::initialize();
   webSurfaceFactory() = [](QQmlEngine& engine) { return std::make_unique<WebEngineSurface>(engine); };
   return true;

@@ -1,4 +1,4 @@
-#include "platform/linux/HeldWriteSignals.h"
+#include "platform/linux/BlockedWriteSignals.h"
 
 #include <pthread.h>
 
@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-HeldWriteSignals::HeldWriteSignals() noexcept {
+BlockedWriteSignals::BlockedWriteSignals() noexcept {
   sigset_t waiting;
   sigpending(&waiting);
   sigemptyset(&raisable_);
@@ -18,7 +18,7 @@ HeldWriteSignals::HeldWriteSignals() noexcept {
   pthread_sigmask(SIG_BLOCK, &raisable_, &before_);
 }
 
-HeldWriteSignals::~HeldWriteSignals() {
+BlockedWriteSignals::~BlockedWriteSignals() {
   const timespec atOnce{};
   while (sigtimedwait(&raisable_, nullptr, &atOnce) > 0 || errno == EINTR) {
   }

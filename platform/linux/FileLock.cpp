@@ -1,4 +1,4 @@
-#include "platform/linux/FileTurn.h"
+#include "platform/linux/FileLock.h"
 
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -12,11 +12,11 @@ namespace quillon {
 
 namespace {
 
-class FileTurn : public StoreTurn {
+class FileLock : public StoreLock {
  public:
-  explicit FileTurn(FileDescriptor file) : file_(std::move(file)) {}
+  explicit FileLock(FileDescriptor file) : file_(std::move(file)) {}
   // Unlocks explicitly: a child forked meanwhile would keep the lock after a close.
-  ~FileTurn() override { ::flock(file_.get(), LOCK_UN); }
+  ~FileLock() override { ::flock(file_.get(), LOCK_UN); }
 
  private:
   FileDescriptor file_;
@@ -24,7 +24,7 @@ class FileTurn : public StoreTurn {
 
 }  // namespace
 
-std::expected<std::unique_ptr<StoreTurn>, std::string> tryFileTurn(const std::filesystem::path& file) {
+std::expected<std::unique_ptr<StoreLock>, std::string> tryFileLock(const std::filesystem::path& file) {
   constexpr int attempts = 3;  // the file may be removed repeatedly
   for (int attempt = 0; attempt < attempts; ++attempt) {
     // Non-blocking: the path may be a pipe.
@@ -41,7 +41,7 @@ std::expected<std::unique_ptr<StoreTurn>, std::string> tryFileTurn(const std::fi
     // If the file was removed meanwhile, another process can lock a new one at the same path.
     struct stat standing{};
     if (::lstat(file.c_str(), &standing) == 0 && standing.st_ino == ours.st_ino && standing.st_dev == ours.st_dev) {
-      return std::make_unique<FileTurn>(std::move(opened));
+      return std::make_unique<FileLock>(std::move(opened));
     }
   }
   return std::unexpected("lock " + file.string() + ": it keeps being removed");

@@ -1,4 +1,4 @@
-#include "ui/preview/StandInPage.h"
+#include "ui/preview/PlaceholderPage.h"
 
 namespace quillon::preview {
 namespace {
@@ -23,7 +23,7 @@ constexpr const char* page = R"(<!DOCTYPE html>
 
 }  // namespace
 
-StandInPage::StandInPage() : port_(server_.bind_to_any_port("127.0.0.1")) {
+PlaceholderPage::PlaceholderPage() : port_(server_.bind_to_any_port("127.0.0.1")) {
   server_.Get(".*", [](const httplib::Request&, httplib::Response& response) {
     response.set_content(page, "text/html; charset=utf-8");
   });
@@ -33,7 +33,7 @@ StandInPage::StandInPage() : port_(server_.bind_to_any_port("127.0.0.1")) {
   while (!server_.is_running()) std::this_thread::yield();
 }
 
-StandInPage::~StandInPage() {
+PlaceholderPage::~PlaceholderPage() {
   server_.stop();
   thread_.join();
 }

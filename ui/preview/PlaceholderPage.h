@@ -9,10 +9,10 @@
 namespace quillon::preview {
 
 // Served on loopback only, at every path, during the object's lifetime.
-class StandInPage {
+class PlaceholderPage {
  public:
-  StandInPage();
-  ~StandInPage();
+  PlaceholderPage();
+  ~PlaceholderPage();
 
   // With a trailing slash.
   std::string address() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }

@@ -7,12 +7,12 @@ namespace quillon {
 
 // While it exists, a write of this thread beyond the file size limit (SIGXFSZ) or into a closed pipe (SIGPIPE) only
 // fails with an error. Signals already pending are left to the application.
-class HeldWriteSignals {
+class BlockedWriteSignals {
  public:
-  HeldWriteSignals() noexcept;
-  ~HeldWriteSignals();
-  HeldWriteSignals(const HeldWriteSignals&) = delete;
-  HeldWriteSignals& operator=(const HeldWriteSignals&) = delete;
+  BlockedWriteSignals() noexcept;
+  ~BlockedWriteSignals();
+  BlockedWriteSignals(const BlockedWriteSignals&) = delete;
+  BlockedWriteSignals& operator=(const BlockedWriteSignals&) = delete;
 
  private:
   sigset_t raisable_;  // not pending before
