@@ -15,7 +15,7 @@ namespace {
 
 using Kind = JsonType::Kind;
 
-// The longest quote of a key or text in an error message.
+// The longest copy of a key for an error message.
 constexpr std::size_t kLongestQuote = 64;
 // The memory of a skipped key's hash, in an array that doubles as it grows.
 constexpr std::size_t kSkippedKeyMemory = 2 * sizeof(std::uint64_t);
@@ -36,14 +36,6 @@ bool areSame(std::string_view left, std::string_view right) {
     if (wordAt(left.data() + i) != wordAt(right.data() + i)) return false;
   }
   return wordAt(left.data() + last) == wordAt(right.data() + last);
-}
-
-// Truncates at a character boundary.
-void appendQuote(std::string& message, std::string_view text) {
-  std::size_t end = std::min(text.size(), kLongestQuote);
-  while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
-  message += escapedForLog(text.substr(0, end));
-  if (end < text.size()) message += "...";
 }
 
 }  // namespace
@@ -79,7 +71,7 @@ std::string RecordBuilder::path() const {
       if (level.count > 0) path += '[' + std::to_string(level.count - 1) + ']';
     } else if (level.key.data() != nullptr) {
       if (!path.empty()) path += '.';
-      appendQuote(path, level.key);
+      path += excerptForLog(level.key);
     }
   }
   return path.empty() ? "document" : path;
@@ -251,7 +243,7 @@ bool RecordBuilder::assign(std::string_view text) {
     case Kind::symbol: {
       if (target_.type->assign(address(), text)) return take(text.size());
       std::string what = "unknown value \"";
-      appendQuote(what, text);
+      what += excerptForLog(text);
       return refuse(what + '"');
     }
     default:

@@ -1,5 +1,7 @@
 #include "core/Text/LogText.h"
 
+#include <algorithm>
+
 #include "core/Text/Ascii.h"
 #include "core/Text/Utf8.h"
 
@@ -7,6 +9,7 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t maximumBytes = 64 << 10;
+constexpr std::size_t excerptBytes = 64;
 
 constexpr bool isBetween(unsigned code, unsigned first, unsigned last) {
   return code >= first && code <= last;
@@ -88,6 +91,14 @@ std::string escaped(std::string_view value, LineBreaks lineBreaks) {
 std::string escapedForLog(std::string_view value) {
   std::string text = escaped(value.substr(0, maximumBytes), LineBreaks::escaped);
   if (value.size() > maximumBytes) text += "… (" + std::to_string(value.size()) + " bytes)";
+  return text;
+}
+
+std::string excerptForLog(std::string_view value) {
+  std::size_t end = std::min(value.size(), excerptBytes);
+  while (end > 0 && end < value.size() && (static_cast<unsigned char>(value[end]) & 0xC0) == 0x80) --end;
+  std::string text = escaped(value.substr(0, end), LineBreaks::escaped);
+  if (end < value.size()) text += "...";
   return text;
 }
 

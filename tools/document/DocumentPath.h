@@ -9,10 +9,7 @@
 
 namespace quillon::tools {
 
-// A document's text for a message: without control characters, truncated if long.
-[[nodiscard]] std::string shown(std::string_view text);
-
-// As above, in quotes.
+// A document's text for a message: an excerpt in quotes.
 [[nodiscard]] std::string inQuotes(std::string_view text);
 
 class DocumentPath {
@@ -27,7 +24,7 @@ class DocumentPath {
   [[nodiscard]] DocumentPath at(std::size_t index) const { return with(index); }
 
   [[nodiscard]] const std::vector<Step>& steps() const { return steps_; }
-  // For messages: keys escaped with shown(); "document" for the root.
+  // For messages: excerpts of keys; "document" for the root.
   [[nodiscard]] std::string text() const;
 
  private:

@@ -1,4 +1,5 @@
 #include "tools/fairness/DrawnFairness.h"
+#include "core/Text/LogText.h"
 
 #include <boost/json/object.hpp>
 #include <set>
@@ -40,10 +41,10 @@ void drawnAnswersAreAlike(const std::string& document, const MainConfiguration& 
       const auto drawn = screens.draw(
           {{"screen", "banner"}, {"language", language}, {"location", *place}, {"size", "390x844"}}, document);
       if (!drawn) {
-        report(path, "cannot be measured in " + shown(language) + ": " + drawn.error());
+        report(path, "cannot be measured in " + excerptForLog(language) + ": " + drawn.error());
       } else if (!preview::areAlike(drawn->answers)) {
-        report(path,
-               "has answers of another weight on the screen, in " + shown(language) + ": " + sizes(drawn->answers));
+        report(path, "has answers of another weight on the screen, in " + excerptForLog(language) + ": " +
+                         sizes(drawn->answers));
       }
     }
   });

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/Text/LogText.h"
 #include "tools/validate/Languages.h"
 #include "tools/validate/Rules.h"
 #include "tools/validate/Spelling.h"
@@ -34,7 +35,7 @@ void labelsAreComplete(const MainConfiguration& configuration, const Report& rep
     const auto& all = configuration.translations;
     const auto found = all ? all->find(language) : Translations::const_iterator();
     if (!all || found == all->end() || !found->second) {
-      report(labelsPath, "has no labels in " + shown(language) + "; they are English there");
+      report(labelsPath, "has no labels in " + excerptForLog(language) + "; they are English there");
       continue;
     }
     std::size_t count = 0;

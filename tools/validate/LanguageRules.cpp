@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "core/Configuration/ConfiguredTexts.h"
+#include "core/Text/LogText.h"
 #include "tools/validate/Codes.h"
 #include "tools/validate/Languages.h"
 #include "tools/validate/Rules.h"
@@ -25,7 +26,7 @@ std::string missing(const Languages& languages, const LocalizedText& texts) {
     const auto text = texts.find(language);
     if (text != texts.end() && (isNone || !isBlank(text->second))) continue;
     if (++count > mostNames) return names + " and others";
-    names += (count == 1 ? "" : ", ") + shown(language);
+    names += (count == 1 ? "" : ", ") + excerptForLog(language);
   }
   return names;
 }
