@@ -1,5 +1,6 @@
 #include "receiver/http/HttpSession.h"
 
+#include <boost/asio/dispatch.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
 
@@ -107,10 +108,18 @@ void HttpSession::handle() {
   parser_.reset();
   // The handler bounds its own time.
   stream_.expires_never();
-  server_.handler_(std::move(request), [self = shared_from_this()](HttpResponse response) {
-    boost::asio::post(self->stream_.get_executor(),
-                      [self, response = std::move(response)]() mutable { self->respond(std::move(response)); });
+  server_.handler_(std::move(request), [this, kept = referenceForOtherThreads()](HttpResponse response) {
+    boost::asio::post(stream_.get_executor(),
+                      [this, kept, response = std::move(response)]() mutable { respond(std::move(response)); });
   });
+}
+
+std::shared_ptr<void> HttpSession::referenceForOtherThreads() {
+  auto* const reference = new std::shared_ptr<HttpSession>(shared_from_this());
+  return {reference, [](std::shared_ptr<HttpSession>* last) {
+            auto executor = (*last)->stream_.get_executor();
+            boost::asio::dispatch(executor, [owned = std::unique_ptr<std::shared_ptr<HttpSession>>(last)] {});
+          }};
 }
 
 void HttpSession::refuse(int status, const char* message) {

@@ -33,6 +33,8 @@ class HttpSession : public std::enable_shared_from_this<HttpSession> {
   void readBody();
   void bodyRead(boost::system::error_code error);
   void handle();
+  // A reference for other threads. The last copy is released on the session's own thread, which destroys the session.
+  std::shared_ptr<void> referenceForOtherThreads();
   void respond(HttpResponse response);
   void refuse(int status, const char* message);
   void written(boost::system::error_code error);
