@@ -32,6 +32,7 @@ inline constexpr std::array<std::uint64_t, 29> keptSeeds{
     2'000'000'002,  // saving the choices as shown did not count as the user's answer
     2'000'000'007,  // analytics received a consent that the signal refuses
     2'000'000'049,  // the signal's purposes were forgotten after another process had removed the document
+    2'000'001'124,  // nobody answers, and the first download fails: only its retry makes the SDK ready
     2'000'000'100,  // analytics was not told of a signal's refusal of a purpose that is not in the document
     2'000'001'307,  // the signal's decisions under the first configuration were not uploaded
     2'000'001'608,  // a purpose governed by tracking was declined, since the signal covered it in an older document

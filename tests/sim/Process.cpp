@@ -388,7 +388,7 @@ void Process::hold(unsigned what) {
 Answers Process::answers() const {
   Answers answers;
   answers.isQuiet = isQuiet();
-  answers.isReady = sdk_->getStatus() == SDKStatus::ready;
+  answers.isReady = isReady();
   for (const int purpose : purposes) {
     answers.get[purpose] = words(sdk_->get(purpose));
     answers.isAllowed[purpose] = sdk_->isAllowed(purpose);

@@ -30,6 +30,7 @@ class Process {
   [[nodiscard]] bool isDead() const { return isDead_; }
   [[nodiscard]] bool isClosed() const { return isClosed_; }
   [[nodiscard]] bool isSetUp() const { return isSetUp_; }
+  [[nodiscard]] bool isReady() const { return sdk_->getStatus() == SDKStatus::ready; }
 
   void setUp(unsigned what, unsigned how);
   void close();

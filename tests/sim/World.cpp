@@ -354,6 +354,10 @@ void World::heal() {
   };
   wait(70s);
   wait(3601s + interval);
+  // Without an answer, a change of the network or a restart.
+  for (const auto& process : processes_) {
+    if (isRunning(process) && !process->isReady()) trail_.fail(10, "a failed first download is not retried");
+  }
   // Before the next start, nothing is uploaded for a user who has not answered, and refused uploads are not retried.
   const StoreView present = around_.view();
   if (present.given == "CONSENT_NO_ACTION" || present.isRefused || present.isAnyPermissionPending) startAnew();
