@@ -149,6 +149,7 @@ TEST_F(Safety, AnotherApplicationsDocumentServesNobodyElsesDecisions) {
   device.setOnline(false);
   launch(another);
   EXPECT_EQ(sdk->getStatus(), SDKStatus::ready) << "until its own is there";
+  EXPECT_EQ(asked("/other/"), 1u) << "a document of another application is not fresh";
   launch();
   sdk->set({.purposeId = 1}, granted);
   launch(another);
