@@ -74,7 +74,11 @@ TEST_F(PreferenceCenter, SaysWhatThereIsNot) {
 
 TEST_F(PreferenceCenter, TogglesTellTheirStateAndExplainWhyTheyStay) {
   document["purposes"].as_array()[2].as_object()["disable_opt_out"] = true;
+  const auto nameless = document["purposes"].as_array().size();
+  document["purposes"].as_array().push_back(json::object{{"disable_opt_out", false}});
   open();
+  const PurposeToggle withoutId = toggle(nameless);
+  EXPECT_FALSE(withoutId.isOn || withoutId.isEnabled) << "no decision could be kept";
   EXPECT_EQ(toggle(0), (PurposeToggle{false, true, "Rejected", "Double tap to turn to accepted"}));
   EXPECT_EQ(toggle(1), (PurposeToggle{true, false, "Always Active", ""}));
   EXPECT_EQ(toggle(2), (PurposeToggle{false, false, "Always Active", ""}));
