@@ -212,6 +212,13 @@ TEST_F(Safety, MistakesAreToldAndWhatHasOneMeaningIsUnderstood) {
         "[ERROR]readyWithin is -1 ms", "[ERROR]webviewConfig.allowedDomains has an"}) {
     EXPECT_TRUE(contains(device.log(), said));
   }
+
+  device.publish(boost::json::serialize(configurationOfTwoLaws("DE")));
+  device.advance(2h);
+  launch([](ConsentSDKOptions& options) { options.locationCode = "DE#BE"; });
+  EXPECT_FALSE(contains(device.log(), "No banner of the configuration is for DE"));
+  launch([](ConsentSDKOptions& options) { options.locationCode = "BR"; });
+  EXPECT_TRUE(contains(device.log(), "[WARNING]No banner of the configuration is for BR; it knows DE, default"));
 }
 
 }  // namespace
