@@ -6,7 +6,7 @@
 
 namespace quillon::sim {
 
-inline constexpr std::array<std::uint64_t, 29> keptSeeds{
+inline constexpr std::array<std::uint64_t, 30> keptSeeds{
     1,          // a listener missed a removal by another process before the set-up
     9,          // a decision was not uploaded, since the first configuration asked again
     22,         // analytics received a consent before the compliance type was known
