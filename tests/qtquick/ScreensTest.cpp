@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPalette>
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 #include <thread>
 
@@ -310,9 +311,15 @@ TEST_F(Screens, FollowWhatTheUserHasSetForTheWholeDesktop) {
     const QQuickItem* item = control("Accept");
     return window->grabWindow().pixelColor(item->mapToScene({item->width() / 2, 4}).toPoint());
   };
-  EXPECT_NE(fill(), QColor("#e62d42"));
+  // A renderer may round a blended pixel either way.
+  const auto isAccent = [&] {
+    const QColor shown = fill(), accent("#e62d42");
+    return std::abs(shown.red() - accent.red()) <= 2 && std::abs(shown.green() - accent.green()) <= 2 &&
+           std::abs(shown.blue() - accent.blue()) <= 2;
+  };
+  EXPECT_FALSE(isAccent());
   desktop->set({.accent = colorFromText("#e62d42")});
-  EXPECT_TRUE(await([&] { return fill() == QColor("#e62d42"); }));
+  EXPECT_TRUE(await(isAccent)) << fill().name().toStdString();
 }
 
 TEST(ScreensOfTheSharedInstance, AreConfiguredBeforeItsFirstUseAndShareTheQtLoop) {
