@@ -109,10 +109,11 @@ void ConfigurationCache::saveCDNToFile(const MainConfiguration& config, std::str
   log(LogLevel::info, "CDN saved at: " + escapedForLog(target.string()), function);
 }
 
-void ConfigurationCache::reset() {
+void ConfigurationCache::reset(const std::function<bool()>& isWanted) {
   const auto folder = platform_.files->applicationSupportDirectory();
   if (!folder) return;
   const std::scoped_lock lock(mutex_);
+  if (!isWanted()) return;
   if (platform_.files->stamp(*folder / fileName)) removeCDNFile(*platform_.files, *folder / fileName);
   // A backup left by an interrupted save would be restored as the configuration.
   if (platform_.files->stamp(*folder / backupName)) removeCDNFile(*platform_.files, *folder / backupName);

@@ -41,8 +41,9 @@ class ConfigurationCache {
   void saveCDNToFile(const MainConfiguration& config, std::string_view fileName, const Origin& origin,
                      const std::function<bool()>& isWanted);
 
-  // Removes the cached file. The caller removes the entity tag.
-  void reset();
+  // Removes the cached file; the caller removes the entity tag. Does nothing when `isWanted` is false once the lock is
+  // taken.
+  void reset(const std::function<bool()>& isWanted);
 
  private:
   void removeCDNFile(FileSystem& files, const std::filesystem::path& file);

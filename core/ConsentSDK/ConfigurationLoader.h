@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -46,7 +47,7 @@ class ConfigurationLoader {
   };
   explicit ConfigurationLoader(Services services);
 
-  // Prepares loading for a new session. `reset` removes the cached document.
+  // Prepares loading for a new session; nothing is loaded for it before. `reset` removes the cached document.
   void begin(const SessionPointer& session, bool reset);
 
   struct Loaded {
@@ -54,7 +55,7 @@ class ConfigurationLoader {
     bool changed = false;                // applying it changed a stored consent
   };
   // Loads for the current session, or joins the load in flight: takes the cached document, a download, or the bundled
-  // document; applies it and sets the status.
+  // document; applies it and sets the status. Loads nothing if the session was not yet prepared: its set-up will load.
   Task<Loaded> load();
 
   // The configuration available for the current session: cached, else bundled. Reads the file if it has changed.
@@ -91,6 +92,7 @@ class ConfigurationLoader {
   struct Flight;
   struct Served;
 
+  // Null if the session was not yet prepared.
   std::shared_ptr<Flight> joinFlight(const SessionPointer& session, bool& isOwn);
   Task<Loaded> run(SessionPointer session, std::shared_ptr<Flight> flight);
   Task<ConfigurationPointer> download(SessionPointer session, ConfigurationPointer cached);
@@ -117,6 +119,7 @@ class ConfigurationLoader {
   TaskQueue applying_;
   mutable std::mutex mutex_;  // guards the members below; held while updating the ConsentTable, never for other calls
   std::shared_ptr<Flight> flight_;
+  std::uint64_t prepared_ = 0;  // the generation of the newest session passed to begin()
   std::shared_ptr<const ConfigurationInForce> inForce_;
 };
 

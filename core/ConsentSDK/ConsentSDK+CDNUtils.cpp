@@ -1,4 +1,5 @@
 // Loading a configuration: cache, download, apply.
+#include <algorithm>
 #include <atomic>
 
 #include "core/Banner/BannerSelection.h"
@@ -43,6 +44,7 @@ ConfigurationLoader::ConfigurationLoader(Services services)
 std::shared_ptr<ConfigurationLoader::Flight> ConfigurationLoader::joinFlight(const SessionPointer& session,
                                                                              bool& isOwn) {
   const std::scoped_lock lock(mutex_);
+  if (session->generation > prepared_) return nullptr;
   isOwn = !flight_ || flight_->session->generation != session->generation;
   if (isOwn) flight_ = std::make_shared<Flight>(session);
   return flight_;
@@ -54,6 +56,7 @@ Task<ConfigurationLoader::Loaded> ConfigurationLoader::load() {
     if (!session) co_return Loaded{};
     bool isOwn = false;
     const auto flight = joinFlight(session, isOwn);
+    if (!flight) co_return Loaded{};
     if (isOwn) {
       // Signals also when the task is dropped or fails.
       const std::shared_ptr<void> end(nullptr, [this, flight](void*) {
@@ -176,9 +179,11 @@ ConfigurationPointer ConfigurationLoader::current() {
 }
 
 void ConfigurationLoader::begin(const SessionPointer& session, bool reset) {
-  bundled_.name(session->options.bundledConfiguration, session->language);
-  if (reset) cache_.reset();
+  const auto isWanted = [&] { return s_.sessions.isCurrent(*session); };
+  if (isWanted()) bundled_.name(session->options.bundledConfiguration, session->language);
+  if (reset) cache_.reset(isWanted);
   const std::scoped_lock lock(mutex_);
+  prepared_ = std::max(prepared_, session->generation);
   // Terms of another application must not answer for this one.
   if (!inForce_ || inForce_->session->isOfSameApplication(*session)) return;
   inForce_.reset();

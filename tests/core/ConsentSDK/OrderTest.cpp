@@ -6,6 +6,7 @@
 #include <random>
 #include <thread>
 
+#include "platform/memory/FailingFileSystem.h"
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"
 
@@ -89,6 +90,49 @@ TEST(Order, TheLastSetUpHoldsWhateverAnswersFirst) {
       EXPECT_TRUE(contains(fileBytes(world.file()), "\"version\":5")) << run;
     }
   }
+}
+
+// Pauses the given thread where a set-up asks for the folder.
+class PausingFiles : public FailingFileSystem {
+ public:
+  PausingFiles(std::shared_ptr<FileSystem> real, std::function<void()>& pause)
+      : FailingFileSystem(std::move(real), [](std::string_view) { return false; }), pause_(pause) {}
+
+  std::optional<std::filesystem::path> applicationSupportDirectory() const override {
+    if (std::this_thread::get_id() == thread_ && pause_) std::exchange(pause_, nullptr)();
+    return FailingFileSystem::applicationSupportDirectory();
+  }
+
+ private:
+  const std::thread::id thread_ = std::this_thread::get_id();
+  std::function<void()>& pause_;
+};
+
+// Otherwise what it saves is removed by the set-up's reset, perhaps before it is read.
+TEST(Order, AnEarlierLoadLoadsNothingForASetUpThatHasNotYetResetTheCache) {
+  World world;
+  std::function<void()> pause;
+  world.amend = [&](Platform& platform) { platform.files = std::make_shared<PausingFiles>(platform.files, pause); };
+  const HeldAnswers german;
+  world.server.onConfiguration([&](const auto& request, auto& response) {
+    const auto answer = json(boost::json::serialize(validConfiguration()));
+    (request.path.ends_with("_de.json") ? german.before(answer) : answer)(request, response);
+  });
+  world.restart();
+  ConsentSDKOptions earlier = world.options();
+  earlier.languageCode = "de";
+  world.sdk->setup(earlier);
+  german.waitForOne();
+  std::size_t during = 0;
+  pause = [&] {
+    german.release();
+    world.sdk->settled().wait();
+    during = world.server.seen(configurationPath).size();
+  };
+  world.start();
+  EXPECT_EQ(during, 1u);
+  EXPECT_EQ(world.server.seen(configurationPath).size(), 2u);
+  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
 }
 
 TEST(Order, ManyChecksAtOnceAreOne) {
