@@ -37,8 +37,8 @@ function(quillon_target name)
     $<$<CXX_COMPILER_ID:GNU>:-Wno-mismatched-new-delete;-Wno-maybe-uninitialized>)
   # Allows the linker to remove unused functions.
   target_compile_options(${name} PRIVATE -ffunction-sections -fdata-sections)
-  # Our presets use unity builds, which take half the time; only the one for the fuzzers builds file by file, which
-  # detects missing includes. In a unity build files see each other's names, and GCC 12 reports false positives in
+  # Our presets use unity builds, which take half the time; only the one for the fuzzers builds libraries file by file,
+  # which detects missing includes. In a unity build files see each other's names, and GCC 12 reports false positives in
   # std::string and mistakes a file's local types for a header's.
   if(CMAKE_UNITY_BUILD)
     target_compile_options(${name} PRIVATE -Wno-shadow

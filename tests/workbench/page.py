@@ -7,6 +7,7 @@ import subprocess
 import tempfile
 
 from selenium import webdriver
+from selenium.common.exceptions import TimeoutException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
@@ -136,7 +137,10 @@ class Page:
         return self.text("status")
 
     def await_said(self, text):
-        self.until(lambda: text in self.say(), text)
+        try:
+            self.until(lambda: text in self.say(), text)
+        except TimeoutException as late:
+            raise AssertionError(f"{text!r} is not said, but {self.say()!r}") from late
 
     def notice(self, condition, what=""):
         """Waits until the page has noticed what others did; it looks whenever somebody comes back to it."""
