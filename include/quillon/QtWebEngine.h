@@ -5,7 +5,7 @@
 namespace quillon {
 
 /// Whether to use an engine whose pages can bypass the link filter. Those of Qt 6.5 and later can: WebTransport cannot
-/// be disabled in workers, and with Qt 6.8 a page's preconnect hint opens a connection, without a request, to any host.
+/// be disabled in workers, and Qt 6.8 opens connections ahead of requests, at a page's hint or without, to any host.
 enum class UnfilteredConnections {
   refused,   ///< such an engine is not used: links do not open, and a warning is logged
   accepted,  ///< it is used: pages of allowed hosts can reach any server

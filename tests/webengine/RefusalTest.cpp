@@ -76,7 +76,7 @@ TEST_F(WebWorld, LetsNoRequestOfAPageReachARefusedServer) {
   serve("/away", "", {{"Location", "$REFUSED/a"}}, 302);
   std::string page = "<title>Attempts</title><body>";
   const auto isOpen = [](std::string_view name) {
-    return !isEngineClosed && (name.find("transport") != name.npos || name.starts_with("peer") || name == "preconnect");
+    return !isEngineClosed && (name.find("transport") != name.npos || name.starts_with("peer"));
   };
   for (const auto& [name, body] : attempts) {
     if (!isOpen(name)) page += replaced(body, "$PROBE", "$ALLOWED/probe/" + std::string(name)) + "\n";
@@ -88,7 +88,8 @@ TEST_F(WebWorld, LetsNoRequestOfAPageReachARefusedServer) {
     if (isOpen(name)) continue;
     EXPECT_TRUE(await([&, probe = "/probe/" + std::string(name)] { return allowed.saw(probe); })) << name;
   }
-  EXPECT_EQ(refused.contacts(), "");
+  // An engine that is not closed opens connections ahead of requests, at a page's hint or at times without.
+  EXPECT_EQ(isEngineClosed ? refused.contacts() : replaced(refused.contacts(), "connection ", ""), "");
 }
 
 TEST_F(WebWorld, ShowsTheBlockedPageForEveryWayToARefusedServer) {
