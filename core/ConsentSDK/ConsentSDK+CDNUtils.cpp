@@ -10,7 +10,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view function = "getCDNFile()";
+constexpr std::string_view downloadFunction = "getCDNFile()";
 constexpr std::int64_t staleSeconds = 3601;
 
 bool isNotModified(const RequestFailure& failure) {
@@ -161,11 +161,11 @@ Task<ConfigurationPointer> ConfigurationLoader::download(SessionPointer session,
     if (!isNotModified(downloaded.error())) {
       // Closing during a download is not a failure.
       log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error,
-          "Failed to fetch CDN File: " + description(downloaded.error()), function);
+          "Failed to fetch CDN File: " + description(downloaded.error()), downloadFunction);
       co_return newest(session, std::move(cached));
     }
     if (!sentTag || (cached && sentTag == cachedTag)) {
-      log(LogLevel::info, "CDN Configuration is up to date", function);
+      log(LogLevel::info, "CDN Configuration is up to date", downloadFunction);
       co_return newest(session, std::move(cached));
     }
     // 304 refers to a document that was never saved, or is gone. Request it again without the tag.

@@ -11,7 +11,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view function = "uploadConsents(url:request:)";
+constexpr std::string_view uploadFunction = "uploadConsents(url:request:)";
 constexpr std::int64_t statusAccepted = 0;
 constexpr std::int64_t statusFailed = 1;
 constexpr std::chrono::seconds followUpDelay{1};
@@ -154,7 +154,7 @@ Task<bool> ConsentUploader::send(std::string url, PostConsentsRequest request, S
   if (!answer) {
     s_.store.set(key::uploadConsentRequestPending, true);
     const std::string problem = description(answer.error());
-    log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error, problem, function);
+    log(s_.work.isClosed() ? LogLevel::debug : LogLevel::error, problem, uploadFunction);
     s_.events.uploads.notify({false, std::nullopt, problem, now()});
     s_.answered();
     co_return false;
@@ -162,7 +162,8 @@ Task<bool> ConsentUploader::send(std::string url, PostConsentsRequest request, S
   const GenericResponse& response = answer->value;
   applyAnswer(response, request, sent);
   const bool isAccepted = response.status == statusAccepted;
-  log(response.status == statusFailed ? LogLevel::error : LogLevel::info, escapedForLog(response.message), function);
+  log(response.status == statusFailed ? LogLevel::error : LogLevel::info, escapedForLog(response.message),
+      uploadFunction);
   s_.events.uploads.notify({isAccepted, response.status, response.message, now()});
   if (isAccepted) s_.answered();
   co_return isAccepted;

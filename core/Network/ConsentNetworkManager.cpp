@@ -18,12 +18,12 @@ constexpr std::size_t maximumTagBytes = 4096;
 constexpr int notHttp = -999;
 constexpr std::size_t longestShownDocument = 2048;
 
-using Answer = std::expected<HttpResponse, TransportError>;
+using HttpAnswer = std::expected<HttpResponse, TransportError>;
 
-Task<Answer> exchangeOver(HttpSession& session, HttpRequest request, std::stop_token stop) {
-  std::optional<Answer> answer;
+Task<HttpAnswer> exchangeOver(HttpSession& session, HttpRequest request, std::stop_token stop) {
+  std::optional<HttpAnswer> answer;
   co_await suspendedUntilRun([&](Job goOn) {
-    session.send(std::move(request), std::move(stop), [&answer, goOn = std::move(goOn)](Answer received) mutable {
+    session.send(std::move(request), std::move(stop), [&answer, goOn = std::move(goOn)](HttpAnswer received) mutable {
       answer = std::move(received);
       goOn();
     });
@@ -40,7 +40,7 @@ bool isSendableTag(std::string_view tag) {
 
 Task<std::expected<ConsentNetworkManager::Exchange, RequestFailure>> ConsentNetworkManager::send(HttpRequest request) {
   HttpRequest sent = request;
-  Answer answer = co_await exchangeOver(*platform_.http, std::move(request), stop_);
+  HttpAnswer answer = co_await exchangeOver(*platform_.http, std::move(request), stop_);
   if (!answer) co_return std::unexpected(RequestFailure(std::move(answer.error())));
 
   HttpResponse& response = *answer;

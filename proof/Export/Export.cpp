@@ -17,7 +17,7 @@ namespace {
 
 namespace json = boost::json;
 
-std::vector<json::object> entriesOf(const HistoryEvidence& evidence) {
+std::vector<json::object> readableEntriesOf(const HistoryEvidence& evidence) {
   std::vector<json::object> entries;
   for (const auto& text : evidence.entries) {
     auto entry = readUntrustedJson(text);
@@ -69,7 +69,7 @@ std::expected<std::string, std::string> manifestOf(const ExportFiles& files, std
 std::expected<ExportFiles, std::string> exportFiles(const ReceiptRequest& request, const SigningKey& key,
                                                     RandomSource& random) {
   ExportFiles files;
-  const auto entries = entriesOf(request.evidence);
+  const auto entries = readableEntriesOf(request.evidence);
   files[file::history] = historyFile(request.evidence, entries);
   for (const auto& [hash, text] : request.evidence.notices) {
     if (!text.empty()) files[file::notices + hash + ".json"] = text;

@@ -20,7 +20,7 @@ namespace json = boost::json;
 
 using EntriesByPurpose = std::map<std::int64_t, std::vector<const json::object*>>;
 
-std::expected<HistoryEntries, std::string> entriesOf(const HistoryEvidence& evidence) {
+std::expected<HistoryEntries, std::string> allEntriesOf(const HistoryEvidence& evidence) {
   HistoryEntries entries;
   for (const auto& text : evidence.entries) {
     auto read = readUntrustedJson(text);
@@ -88,7 +88,7 @@ std::expected<std::string, std::string> signedDocument(std::string_view name, js
 
 std::expected<std::string, std::string> issueReceipt(const ReceiptRequest& request, const SigningKey& key,
                                                      RandomSource& random) {
-  const auto entries = entriesOf(request.evidence);
+  const auto entries = allEntriesOf(request.evidence);
   if (!entries) return std::unexpected(entries.error());
   const auto decided = byPurpose(request, *entries);
   if (!decided) return std::unexpected(decided.error());

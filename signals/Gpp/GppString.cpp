@@ -8,7 +8,7 @@ namespace quillon::signals {
 namespace {
 
 // Header and sections are padded to whole base64url characters.
-constexpr unsigned kPadding = 6;
+constexpr unsigned kGppPadding = 6;
 
 constexpr Field headerFields[] = {
     always("Type", 6, 3),
@@ -58,9 +58,9 @@ std::string_view takePart(std::string_view& text) {
 }
 
 std::expected<std::string, std::string> encodeUs(const UsString& us) {
-  auto text = writeRecord(us.core, kPadding);
+  auto text = writeRecord(us.core, kGppPadding);
   if (!text || !us.subsection) return text;
-  const auto subsection = writeRecord(*us.subsection, kPadding);
+  const auto subsection = writeRecord(*us.subsection, kGppPadding);
   if (!subsection) return subsection;
   return *text + '.' + *subsection;
 }
@@ -102,7 +102,7 @@ std::expected<std::string, std::string> encode(const GppSection& section) {
 }
 
 std::expected<std::string, std::string> encode(const GppString& gpp) {
-  auto text = writeRecord(headerOf(gpp), kPadding);
+  auto text = writeRecord(headerOf(gpp), kGppPadding);
   if (!text) return text;
   for (const auto& [id, section] : gpp.sections) {
     const auto written = encode(section);

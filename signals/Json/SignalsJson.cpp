@@ -1,11 +1,10 @@
 #include "signals/Json/SignalsJson.h"
 
 #include "core/Json/JsonWriter.h"
+#include "signals/Records/Layout.h"
 
 namespace quillon::signals {
 namespace {
-
-constexpr std::int64_t kTimeUnitsASecond = 10;
 
 void writeNumbers(std::string& json, const Numbers& numbers) {
   json += '[';

@@ -27,9 +27,9 @@ std::string restrictionString(std::string digits, const Restriction& restriction
   return digits;
 }
 
-class Writer {
+class KeyWriter {
  public:
-  explicit Writer(SignalKeys& keys) : keys_(keys) {}
+  explicit KeyWriter(SignalKeys& keys) : keys_(keys) {}
   void operator()(std::string_view name, SignalValue value) {
     keys_.insert_or_assign("IABTCF_" + std::string(name), std::move(value));
   }
@@ -40,7 +40,7 @@ class Writer {
 
 constexpr std::size_t kSpecialFeatures = 12;
 
-void addCore(Writer& write, const TcString& tc, std::string text) {
+void addCore(KeyWriter& write, const TcString& tc, std::string text) {
   const Record& core = tc.core;
   const auto ids = [&](std::string_view name) -> const Ids& { return core.get<Ids>(name); };
   write("PublisherCC", core.get<std::string>("PublisherCC"));
@@ -65,7 +65,7 @@ void addCore(Writer& write, const TcString& tc, std::string text) {
   }
 }
 
-void addPublisher(Writer& write, const Record& publisher) {
+void addPublisher(KeyWriter& write, const Record& publisher) {
   const auto count = static_cast<std::size_t>(publisher.get("NumCustomPurposes"));
   const auto ids = [&](std::string_view name) -> const Ids& { return publisher.get<Ids>(name); };
   write("PublisherConsent", binaryString(ids("PubPurposesConsent"), tcPurposes));
@@ -105,7 +105,7 @@ constexpr std::string_view restrictionsKey = "IABTCF_PublisherRestrictions";  //
 
 void addTcfKeys(SignalKeys& keys, const SignalRules& rules, std::optional<bool> gdprApplies, const TcString* tc,
                 std::string text) {
-  Writer write(keys);
+  KeyWriter write(keys);
   write("CmpSdkID", std::int64_t{rules.options.cmpId});
   write("CmpSdkVersion", std::int64_t{rules.options.cmpVersion});
   write("PolicyVersion", rules.vendorList.tcfPolicyVersion);

@@ -4,12 +4,12 @@
 #include <span>
 
 #include "signals/Mapping/SignalRules.h"
+#include "signals/Records/Layout.h"
 #include "signals/Tcf/TcString.h"
 
 namespace quillon::signals {
 namespace {
 
-constexpr std::int64_t kTimeUnitsASecond = 10;
 constexpr std::uint8_t kNotAllowed = 0;
 
 using IsGiven = bool (*)(const SignalState::Purpose& purpose);

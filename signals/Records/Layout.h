@@ -24,6 +24,9 @@ enum class FieldKind : std::uint8_t {
   restrictions,  // sets of vendors by purpose and restriction type
 };
 
+// Of a time.
+inline constexpr std::int64_t kTimeUnitsASecond = 10;
+
 struct Field {
   std::string_view name;
   FieldKind kind = FieldKind::integer;

@@ -104,9 +104,9 @@ Result writeRestrictions(BitWriter& bits, const std::vector<Restriction>& restri
   return {};
 }
 
-class Writer {
+class RecordWriter {
  public:
-  explicit Writer(BitWriter& bits) : bits_(bits) {}
+  explicit RecordWriter(BitWriter& bits) : bits_(bits) {}
 
   Result write(const Field& field, const FieldValue& value) {
     switch (field.kind) {
@@ -185,7 +185,7 @@ std::expected<Record, std::string> readRecord(const Layout& layout, std::string_
 std::expected<std::string, std::string> writeRecord(const Record& record, unsigned multiple) {
   const Layout& layout = record.layout();
   BitWriter bits;
-  Writer writer(bits);
+  RecordWriter writer(bits);
   for (std::size_t i = 0; i < record.values().size(); ++i) {
     const Field& field = layout.fields[i];
     const FieldValue& value = record.values()[i];

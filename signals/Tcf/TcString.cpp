@@ -9,7 +9,7 @@ namespace {
 
 constexpr unsigned kSegmentTypeBits = 3;
 // Segments are padded to whole bytes and whole base64url characters.
-constexpr unsigned kPadding = 24;
+constexpr unsigned kTcfPadding = 24;
 
 constexpr Field coreFields[] = {
     always("Version", 6, 2),
@@ -93,7 +93,7 @@ std::expected<std::string, std::string> encode(const TcString& tc) {
   for (const Record* const segment :
        {&tc.core, tc.disclosedVendors ? &*tc.disclosedVendors : nullptr, tc.publisherTC ? &*tc.publisherTC : nullptr}) {
     if (!segment) continue;
-    auto written = writeRecord(*segment, kPadding);
+    auto written = writeRecord(*segment, kTcfPadding);
     if (!written) return written;
     if (!text.empty()) text += '.';
     text += *written;

@@ -41,8 +41,8 @@ TEST_F(Diff, TellsWhatIsMaterialAndWhoIsAskedAgain) {
     document["gcm_config"] = {{"default_mapping", {{"ad_storage", {1}}}}};
     document["i18n"] = {{"en", {{"accept", "Yes"}}}};
   });
-  EXPECT_EQ(output, R"(material: purpose 1 "Counting?material: a lie" has another name
-material: purpose 1 "Counting?material: a lie" covers "Counter" too
+  EXPECT_EQ(output, R"(material: purpose 1 "Counting\nmaterial: a lie" has another name
+material: purpose 1 "Counting\nmaterial: a lie" covers "Counter" too
 material: purpose 2 "Security" is no longer essential
 cosmetic: purpose 3 "Advertising" is presented otherwise
 material: purpose 4 "" is new: its default holds until the user decides

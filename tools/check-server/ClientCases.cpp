@@ -11,7 +11,7 @@ using enum Case::Gravity;
 constexpr std::size_t kMaxSmallAnswer = 64 << 10;
 constexpr std::chrono::seconds kSlow{5};
 
-Seen allAccepted(const std::vector<Probe::Answer>& answers) {
+Seen acceptedOf(const std::vector<Probe::Answer>& answers) {
   std::size_t count = 0;
   std::string other;
   for (const auto& answer : answers) {
@@ -34,7 +34,7 @@ Seen crossing(Probe& probe, const CheckedServers& servers) {
   auto slow = uploadRequest(servers, older);
   slow.parts = 2;
   slow.pause = std::chrono::milliseconds(300);
-  return allAccepted(probe.sendTogether({slow, uploadRequest(servers, newer)}));
+  return acceptedOf(probe.sendTogether({slow, uploadRequest(servers, newer)}));
 }
 
 Seen together(Probe& probe, const CheckedServers& servers) {
@@ -44,7 +44,7 @@ Seen together(Probe& probe, const CheckedServers& servers) {
     upload["purpose_consents"] = json::array{samplePurpose(i % 3, "granted", secondsNow() - i)};
     requests.push_back(uploadRequest(servers, upload));
   }
-  return allAccepted(probe.sendTogether(requests));
+  return acceptedOf(probe.sendTogether(requests));
 }
 
 Seen slow(Probe& probe, const CheckedServers& servers) {
@@ -63,7 +63,7 @@ Seen brokenOff(Probe& probe, const CheckedServers& servers) {
 
 Seen oneConnection(Probe& probe, const CheckedServers& servers) {
   const auto request = uploadRequest(servers, sampleUpload(servers, "one-connection"));
-  return allAccepted(probe.sendInTurn({request, request, request}));
+  return acceptedOf(probe.sendInTurn({request, request, request}));
 }
 
 Seen expects(Probe& probe, const CheckedServers& servers) {

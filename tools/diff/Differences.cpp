@@ -7,6 +7,7 @@
 
 #include "core/Banner/BannerSelection.h"
 #include "core/Text/LocalizedTexts.h"
+#include "tools/document/DocumentPath.h"
 
 namespace quillon::tools {
 namespace {
@@ -15,14 +16,6 @@ constexpr bool material = true;
 constexpr bool cosmetic = false;
 
 using Differences = std::vector<Difference>;
-
-// Quotes and escapes an untrusted name for one line of output.
-std::string inQuotes(std::string_view text) {
-  constexpr std::size_t longest = 80;
-  std::string result = "\"";
-  for (const char c : text.substr(0, longest)) result += static_cast<unsigned char>(c) < 0x20 || c == 0x7f ? '?' : c;
-  return result + (text.size() > longest ? "…\"" : "\"");
-}
 
 std::string name(const Purpose& purpose) {
   return "purpose " + std::to_string(*purpose.purposeId) + " " +

@@ -75,7 +75,7 @@ Result<Expectations> expectations(const std::string& key) {
 }
 
 // The history to compare a receipt with; verifies the history itself as far as possible.
-Result<ExportedHistory> historyFrom(const std::string& path, const Expectations& expected, Findings& findings) {
+Result<ExportedHistory> historyFrom(const std::string& path, const Expectations& expected, proof::Findings& findings) {
   std::string text;
   if (isFolder(path)) {
     const auto files = readExport(path);
@@ -97,10 +97,10 @@ Result<ExportedHistory> historyFrom(const std::string& path, const Expectations&
   return history;
 }
 
-Result<Findings> verified(const ReceiptOptions& options) {
+Result<proof::Findings> verified(const ReceiptOptions& options) {
   const auto expected = expectations(options.key);
   if (!expected) return std::unexpected(expected.error());
-  Findings findings;
+  proof::Findings findings;
   if (isFolder(options.path)) {
     const auto files = readExport(options.path);
     if (!files) return std::unexpected(files.error());
@@ -119,13 +119,13 @@ Result<Findings> verified(const ReceiptOptions& options) {
   return findings;
 }
 
-const char* word(Finding::Kind kind) {
+const char* word(proof::Finding::Kind kind) {
   switch (kind) {
-    case Finding::Kind::holds:
+    case proof::Finding::Kind::holds:
       return "holds: ";
-    case Finding::Kind::note:
+    case proof::Finding::Kind::note:
       return "note: ";
-    case Finding::Kind::fault:
+    case proof::Finding::Kind::fault:
       break;
   }
   return "fault: ";
@@ -158,10 +158,10 @@ Result<bool> show(const ReceiptOptions& options) {
   const auto document = read(path);
   if (!document) return std::unexpected(document.error());
   const auto expected = expectations("");
-  Findings unread;
+  proof::Findings unread;
   const auto receipt = checkSigned("receipt", *document, *expected, unread);
   if (!receipt) return std::unexpected(path + ": " + unread.all().front().text);
-  Findings findings;
+  proof::Findings findings;
   checkReceipt(*document, *expected, std::nullopt, findings);
   const auto language = options.language.empty() ? std::string(textIn(receipt->content, "dct:language").value_or("en"))
                                                  : options.language;

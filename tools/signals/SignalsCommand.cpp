@@ -38,7 +38,7 @@ std::expected<std::string, std::string> read(const std::string& text, const F& s
   return isGpp(text) ? said(decodeGppString(text)) : said(decodeTcString(text));
 }
 
-std::expected<std::string, std::string> json(const std::string& text) {
+std::expected<std::string, std::string> asJson(const std::string& text) {
   return read(text, [](const auto& string) {
     std::string line;
     writeJson(line, string);
@@ -114,7 +114,7 @@ void addSignalsCommand(CLI::App& app, int& exitCode) {
 
   auto* const decode = command->add_subcommand("decode", "Prints a string as JSON");
   decode->add_option("STRING", options->argument, "The string")->required();
-  decode->callback([options, finish] { finish(printEach(options->argument, json)); });
+  decode->callback([options, finish] { finish(printEach(options->argument, asJson)); });
 
   auto* const encode = command->add_subcommand("encode", "Prints the string of a JSON object");
   encode->add_option("FILE", options->argument, "The file, or - for standard input")->required();

@@ -6,13 +6,13 @@
 namespace quillon {
 namespace {
 
-constexpr const char* service = "org.bluez";
+constexpr const char* bluez = "org.bluez";
 constexpr const char* adapter = "org.bluez.Adapter1";
 constexpr const char* objectManager = "org.freedesktop.DBus.ObjectManager";
 
-constexpr int notDetermined = 0;
-constexpr int denied = 2;
-constexpr int allowed = 3;
+constexpr int bluetoothNotDetermined = 0;
+constexpr int bluetoothDenied = 2;
+constexpr int bluetoothAllowed = 3;
 
 PermissionSources::Value valueOf(GVariant* objects) {
   PermissionSources::Value value;  // nullopt without an adapter
@@ -23,8 +23,8 @@ PermissionSources::Value valueOf(GVariant* objects) {
     const GLibPointer<GVariant> properties(g_variant_lookup_value(interfaces.get(), adapter, G_VARIANT_TYPE_VARDICT));
     if (!properties) continue;
     gboolean powered = FALSE;
-    if (g_variant_lookup(properties.get(), "Powered", "b", &powered) && powered) return allowed;
-    value = notDetermined;  // a switched-off adapter says nothing about the permission
+    if (g_variant_lookup(properties.get(), "Powered", "b", &powered) && powered) return bluetoothAllowed;
+    value = bluetoothNotDetermined;  // a switched-off adapter says nothing about the permission
   }
   return value;
 }
@@ -35,7 +35,7 @@ PermissionSource::Answer answer(const BusService::Reply& reply) {
     case BusError::Kind::absent:
       return std::nullopt;
     case BusError::Kind::denied:
-      return denied;
+      return bluetoothDenied;
     default:
       return std::unexpected(reply.error().text);
   }
@@ -60,26 +60,26 @@ bool namesAdapter(GVariant* arguments) {
 }  // namespace
 
 BluetoothSource::BluetoothSource(MessageBus& system, const std::function<void()>& changed)
-    : bluez_(system, service, BusService::Start::never) {
+    : bluez_(system, bluez, BusService::Start::never) {
   const auto always = [changed](GVariant*) { changed(); };
   const auto forAdapters = [changed](GVariant* arguments) {
     if (namesAdapter(arguments)) changed();
   };
-  system.watch({.sender = service,
+  system.watch({.sender = bluez,
                 .path = nullptr,
                 .interface = "org.freedesktop.DBus.Properties",
                 .name = "PropertiesChanged",
                 .firstArgument = adapter},
                always);
   for (const char* name : {"InterfacesAdded", "InterfacesRemoved"}) {
-    system.watch({.sender = service, .path = "/", .interface = objectManager, .name = name, .firstArgument = nullptr},
+    system.watch({.sender = bluez, .path = "/", .interface = objectManager, .name = name, .firstArgument = nullptr},
                  forAdapters);
   }
   system.watch({.sender = "org.freedesktop.DBus",
                 .path = "/org/freedesktop/DBus",
                 .interface = "org.freedesktop.DBus",
                 .name = "NameOwnerChanged",
-                .firstArgument = service},
+                .firstArgument = bluez},
                always);
 }
 

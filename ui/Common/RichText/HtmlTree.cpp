@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t mostTagsAndAttributes = 4096;
 
 // Control characters except white space, which the parser would replace by U+FFFD.
-bool isControl(char c) {
+bool isUnreadable(char c) {
   return (static_cast<unsigned char>(c) < 0x20 && !std::string_view("\t\n\f\r").contains(c)) || c == 0x7f;
 }
 
@@ -96,7 +96,7 @@ const GumboNode* parseInto(Arena& arena, const std::string& html) {
 std::optional<HtmlTree> HtmlTree::parse(std::string_view html) {
   if (html.size() > largestHtml) return std::nullopt;
   std::string source(html);
-  std::erase_if(source, isControl);
+  std::erase_if(source, isUnreadable);
   if (!hasFewTags(source)) return std::nullopt;
   // Unclosed tags may be repeated in every paragraph. A text that consists only of tags needs half of this.
   const auto size = (std::size_t{1} << 20) + 64 * source.size();

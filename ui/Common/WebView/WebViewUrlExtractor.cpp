@@ -10,7 +10,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t largestText = std::size_t{1} << 20;
+constexpr std::size_t largestScannedPage = std::size_t{1} << 20;
 
 const RE2& linkPattern() {
   static const RE2 pattern = [] {
@@ -26,7 +26,7 @@ const RE2& linkPattern() {
 
 std::set<std::string> WebViewUrlExtractor::extractHosts(std::string_view html) {
   std::set<std::string> hosts;
-  if (html.size() > largestText) return hosts;
+  if (html.size() > largestScannedPage) return hosts;
   re2::StringPiece rest(html.data(), html.size());
   re2::StringPiece link;
   while (RE2::FindAndConsume(&rest, linkPattern(), &link)) {
