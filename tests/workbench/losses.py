@@ -80,6 +80,69 @@ def nothing_is_lost(driver, program, _):
         assert bench.file("live").read_text() == bench.file("draft").read_text()
 
 
+# Holds back the server's answers whose request contains a text until they are let go.
+HELD = """window.network ??= fetch; window.held = []; window.polls = 0;
+  window.letGo = () => { window.waitsFor = undefined; window.held.splice(0).forEach((goOn) => goOn()); };
+  window.waitsFor = arguments[0];
+  window.fetch = async (path, options = {}) => {
+    const isHeld = window.waitsFor && `${options.method} ${path}`.includes(window.waitsFor);
+    if (path.includes('tags=1')) ++window.polls;
+    const answer = await window.network(path, options);
+    if (isHeld) await new Promise((goOn) => window.held.push(goOn));
+    return answer;
+  };"""
+
+
+def answers_come_late(driver, program, _):
+    with workbench(program) as bench:
+        bench.put("draft", HAND_WRITTEN)
+        page = Page(driver, bench.address)
+        page.open()
+        draft = lambda: json.loads(bench.file("draft").read_text())
+        is_held = lambda: page.until(lambda: page.run("return window.held.length"), "an answer held back")
+        looked = lambda: page.until(lambda: page.run("window.dispatchEvent(new Event('focus')); return window.polls") > 1)
+
+        # What the file was before one's own writing is no change of somebody else's.
+        for write in (page.save, page.publish):
+            page.fill("name", f"By {write.__name__}")
+            page.until(lambda: page.at("save").is_enabled())
+            page.run(HELD, "tags=1")
+            page.notice(lambda: page.run("return window.held.length"), "a look at the file")
+            write()
+            said = page.say()
+            page.run("window.letGo()")
+            looked()
+            assert page.say() == said, page.say()
+
+        # What is typed while the server writes is not saved yet, and stays.
+        for begin, request, done in ((lambda: page.press("Save"), "PUT", "Saved."),
+                                     (lambda: page.publish(""), "publish", " is live")):
+            page.fill("name", "Before")
+            page.until(lambda: page.at("save").is_enabled())
+            page.run(HELD, request)
+            begin()
+            is_held()
+            page.fill("name", "Meanwhile")
+            page.run("window.letGo()")
+            page.await_said(done)
+            page.until(lambda: page.at("save").is_enabled(), "something to save")
+            assert draft()["name"] == "Before"
+            assert page.field("name").get_attribute("value") == "Meanwhile"
+            page.save()
+            assert draft()["name"] == "Meanwhile"
+
+        # Two presses in a row are no conflict.
+        page.fill("name", "Twice")
+        page.until(lambda: page.at("save").is_enabled())
+        page.run(HELD, "PUT")
+        page.run("document.getElementById('save').click(); document.getElementById('save').click()")
+        is_held()
+        page.run("window.letGo()")
+        page.await_said("Saved.")
+        looked()
+        assert not page.at("dialog").is_displayed() and draft()["name"] == "Twice"
+
+
 def large_documents_are_worked_on(driver, program, _):
     further = "".join(f',\n    {{"purpose_id": {i}, "purpose_name": {{"en": "Purpose {i}"}}, "disable_opt_out": false,'
                       f' "purpose_description": {{"en": "{"Counts steps. " * 110}"}}}}' for i in range(3, 253))

@@ -163,12 +163,12 @@ class Page:
         self.press("Save")
         self.await_said("Saved.")
 
-    def publish(self):
+    def publish(self, said=" is live"):
         self.press("Publish…")
         told = self.dialog()
         self.run("document.getElementById('status').textContent = ''")  # what was said before
         self.press("Publish all the same" if "warning:" in told else "Publish now")
-        self.await_said(" is live")
+        self.await_said(said)
         return told
 
     def type_and_time(self, path, text):

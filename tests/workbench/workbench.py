@@ -18,7 +18,7 @@ from selenium.webdriver.common.keys import Keys
 from accessibility import everybody_can_use_it
 from page import HAND_WRITTEN, TEXT, Page, browser, workbench
 from form import every_value_has_a_control
-from losses import large_documents_are_worked_on, nothing_is_lost
+from losses import answers_come_late, large_documents_are_worked_on, nothing_is_lost
 from refusals import bad_input_is_answered, strangers_are_refused
 
 
@@ -198,7 +198,7 @@ def an_application_is_watched(driver, program, pictures):
 
 
 SCENARIOS = [from_nothing_to_published, planted_mistakes_are_found, only_what_changed_differs,
-             a_changed_file_is_not_overwritten, nothing_is_lost, every_value_has_a_control, large_documents_are_worked_on,
+             a_changed_file_is_not_overwritten, nothing_is_lost, answers_come_late, every_value_has_a_control, large_documents_are_worked_on,
              an_application_is_watched, everybody_can_use_it, bad_input_is_answered,
              strangers_are_refused]
 

@@ -17,6 +17,9 @@ let working;
 let inspection;
 let ownLabels;
 let isLooking = false;
+let isWriting = false;  // a request of ours that changes the files is in flight
+let isPublishing = false;
+let turn = Promise.resolve();
 let isUnanswered = false;
 const furtherLanguages = new Set();
 const screens = new Screens();
@@ -94,7 +97,8 @@ function showState() {
   const isUnsaved = working && !working.isSaved;
   byId('save').disabled = !isUnsaved;
   byId('undo').disabled = !working?.history.length;
-  byId('publish').disabled = byId('add-language').disabled = !working;
+  byId('publish').disabled = !working || isPublishing;
+  byId('add-language').disabled = !working;
   document.title = `${isUnsaved ? '* ' : ''}${working ? working.name.application : 'Configurations'} - Workbench`;
 }
 
@@ -165,36 +169,47 @@ async function showDocuments(chosen) {
   await open(JSON.parse(known(name)));
 }
 
-async function save() {
-  document.activeElement?.blur();  // commits text that is still being typed
-  working.resume();
-  await working.settled();
-  if (working.waiting.size > 0) return say(`Not saved: ${byId('status').textContent}`, true);
+// Only one of saving and publishing at a time; a second press waits for the first.
+const inTurn = (work) => () => (turn = turn.then(work).catch(onFailed));
+
+async function write(request) {
+  isWriting = true;
   try {
-    const {tag} = await server.save(working.name, working.text, working.tag);
-    working.tag = tag;
-    working.savedText = working.text;
+    await request();
+  } finally {
+    isWriting = false;
+  }
+}
+
+async function save() {
+  const saved = working;
+  document.activeElement?.blur();  // commits text that is still being typed
+  saved.resume();
+  await saved.settled();
+  if (saved.waiting.size > 0) return say(`Not saved: ${byId('status').textContent}`, true);
+  const {text} = saved;
+  try {
+    await write(async () => saved.written(text, {text, tag: (await server.save(saved.name, text, saved.tag)).tag}));
     say('Saved.');
   } catch (refusal) {
     if (refusal.status !== 412) say(`Not saved: ${refusal.message}`, true);
-    else await resolveConflict(refusal.answer.draft);
+    else await resolveConflict(saved, text, refusal.answer.draft);
   }
   showState();
-  return working.isSaved;
 }
 
 // Another program has written or removed the file.
-async function resolveConflict(theirs) {
+async function resolveConflict(saved, mine, theirs) {
   if (!theirs) {
-    working.tag = '';
+    saved.tag = '';
     return say('Not saved: the file is gone. Saving again makes it anew.', true);
   }
-  const answer = await askAboutConflict(working.name.file, working.text, theirs.text);
+  const answer = await askAboutConflict(saved.name.file, mine, theirs.text);
   if (answer === 'theirs') {
-    working.take(theirs);
+    saved.take(theirs);
     say('The file on disk was taken.');
   } else if (answer === 'mine') {
-    working.tag = theirs.tag;
+    saved.tag = theirs.tag;
     await save();
   } else {
     say('Not saved: the file has changed on disk.', true);
@@ -202,26 +217,46 @@ async function resolveConflict(theirs) {
 }
 
 async function publish() {
-  working.resume();
-  await working.settled();
-  if (!inspection?.findings) return;
-  if (!(await askAboutPublishing(working.name, inspection))) return;
-  if (!working.isSaved && !(await save())) return;
+  if (isPublishing) return;
+  isPublishing = true;
+  showState();
   try {
-    const {draft, version, isRaised} = await server.publish(working.name, working.tag, inspection.liveTag);
-    working.take(draft);
-    say(`Version ${version} is live${isRaised ? '; the version was raised' : ''}.`);
+    await publishWorking();
+  } finally {
+    isPublishing = false;
+    showState();
+  }
+}
+
+async function publishWorking() {
+  const published = working;
+  published.resume();
+  await published.settled();
+  if (!inspection?.findings) return say('Not published: the document has not been checked yet.', true);
+  if (!(await askAboutPublishing(published.name, inspection))) return;
+  if (!published.isSaved) await save();
+  if (!published.isSaved) return say(`Not published. ${byId('status').textContent}`, true);
+  const {text} = published;
+  try {
+    await write(async () => {
+      const {draft, version, isRaised} = await server.publish(published.name, published.tag, inspection.liveTag);
+      published.written(text, draft);
+      published.inspectAgain();
+      say(`Version ${version} is live${isRaised ? '; the version was raised' : ''}.`);
+    });
   } catch (refusal) {
     say(`Not published: ${refusal.message}`, true);
   }
 }
 
-// Polls for changes by other programs.
+// Polls for changes by other programs. An answer from before or beside a change of ours tells nothing about others.
 async function watch() {
-  if (!working || working.running || document.hidden || byId('dialog').open) return;
+  if (!working || working.running || isWriting || document.hidden || byId('dialog').open) return;
   const watched = working;
+  const before = working.tag;
+  const isLate = () => watched !== working || working.running || isWriting || working.tag !== before;
   const {draft, live} = await server.tags(watched.name);
-  if (watched !== working || working.running) return;
+  if (isLate()) return;
   if (isUnanswered) say('The workbench answers again.');
   isUnanswered = false;
   working.resume();
@@ -232,7 +267,9 @@ async function watch() {
   const tag = draft?.tag ?? '';
   if (tag === working.tag || tag === working.seenTag) return;
   if (working.isSaved && draft) {
-    working.take((await server.read(working.name)).draft);
+    const stored = await server.read(working.name);
+    if (isLate() || !working.isSaved || !stored.draft) return;
+    working.take(stored.draft);
     say('The file changed on disk; this is what it says now.');
   } else {
     working.seenTag = tag;
@@ -268,14 +305,14 @@ byId('new').onclick = async () => {
   await showDocuments(name);
   say('The configuration was made. Findings tell what is still to be done.');
 };
-byId('save').onclick = save;
-byId('publish').onclick = publish;
+byId('save').onclick = inTurn(save);
+byId('publish').onclick = inTurn(publish);
 byId('undo').onclick = () => working.undo();
 byId('add-language').onclick = addLanguage;
 document.addEventListener('keydown', (event) => {
   if ((event.ctrlKey || event.metaKey) && event.key === 's' && working) {
     event.preventDefault();
-    save();
+    inTurn(save)();
   }
 });
 window.addEventListener('beforeunload', (event) => working && !working.isSaved && event.preventDefault());

@@ -22,7 +22,12 @@ export class Working {
   }
 
   get isSaved() {
-    return this.text === this.savedText && this.waiting.size === 0 && !this.isBusy;
+    return this.text === this.savedText && this.isSettled;
+  }
+
+  // No change is on its way.
+  get isSettled() {
+    return this.waiting.size === 0 && !this.isBusy;
   }
 
   // Replaces the text by a file's content with its tag.
@@ -30,6 +35,13 @@ export class Working {
     this.savedText = text;
     this.tag = tag;
     this.replace(text);
+  }
+
+  // The server has written `text`, or what it made of it. What was typed since then stays, unsaved.
+  written(text, file) {
+    this.savedText = file.text;
+    this.tag = file.tag;
+    if (this.text === text && this.isSettled && file.text !== text) this.replace(file.text);
   }
 
   // Sets the value at a path such as ['purposes', 0, 'purpose_name', 'en'].
