@@ -78,10 +78,13 @@ Verdict print(std::string_view area, const Row& row, bool isShort) {
   std::string said;  // on standard error, including its children's
   const auto attempt = [&] {
     const TemporaryFolder folder;
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));  // a row may become another user
     const auto errors = folder.path() / "errors";
     const auto status = endOf(
         [&] {
           ::setpgid(0, 0);  // its children are killed with it
+          // What killed processes leave behind is removed with this folder.
+          ::setenv("TMPDIR", folder.path().c_str(), 1);
           ::dup2(::open(errors.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600), STDERR_FILENO);
           std::exit(carryOut(row, isShort));
         },

@@ -246,6 +246,7 @@ void watchTheDesktop(const std::filesystem::path& folder) {
     choose(line);
     if (!changed.wait() || signals.isOn() != isOn) std::_Exit(4);
   }
+  remove_all(folder);  // this process's own
   std::_Exit(0);
 }
 

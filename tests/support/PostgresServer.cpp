@@ -2,6 +2,7 @@
 
 #include <libpq-fe.h>
 #include <pwd.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -40,8 +41,15 @@ PostgresServer::PostgresServer(const std::filesystem::path& parent) : folder_(pa
   ServerProcess initialize({postgresPrograms() + "initdb", "-D", folder_.path() / "data", "-A", "trust", "-U",
                             "postgres", "--locale=C.UTF-8", "--no-sync"},
                            "postgres");
-  require(initialize.wait(std::chrono::minutes(3)) == 0, initialize.output());
+  const auto status = initialize.wait(std::chrono::minutes(3));
+  require(status == 0, "initdb ended with " + std::to_string(status.value_or(-1000)) + ": " + initialize.output());
   start();
+}
+
+PostgresServer::~PostgresServer() {
+  if (!process_) return;
+  process_->sendSignal(SIGQUIT);
+  (void)process_->wait();
 }
 
 void PostgresServer::start() {
@@ -50,7 +58,8 @@ void PostgresServer::start() {
       std::vector<std::string>{postgresPrograms() + "postgres", "-D", folder_.path() / "data", "-c",
                                "listen_addresses=", "-c", "unix_socket_directories=" + folder_.path().string()},
       "postgres");
-  require(!process_->waitForLine("ready to accept connections", std::chrono::minutes(1)).empty(), process_->output());
+  require(!process_->waitForLine("ready to accept connections", std::chrono::minutes(1)).empty(),
+          "it is not ready: " + process_->output());
 }
 
 std::string PostgresServer::address(const std::string& database) const {

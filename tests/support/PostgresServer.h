@@ -20,6 +20,8 @@ class PostgresServer {
 
   // In memory if possible, or below the given folder. Terminates the process when the server cannot be started.
   explicit PostgresServer(const std::filesystem::path& parent = TemporaryFolder::fastParent());
+  // Lets the server remove its shared memory, which would outlive it.
+  ~PostgresServer();
 
   void start();
   void kill() { process_.reset(); }

@@ -10,18 +10,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 
 namespace quillon::test {
 namespace {
 
-void becomeUser(const std::string& name) {
-  if (name.empty() || geteuid() != 0) return;
-  const passwd* const user = getpwnam(name.c_str());
-  if (user == nullptr || setgroups(0, nullptr) != 0 || setgid(user->pw_gid) != 0 || setuid(user->pw_uid) != 0) {
-    _exit(126);
-  }
+// Ends a process that cannot go on, with the reason as its output. Safe between fork and exec.
+void endChild(int status, const char* what) {
+  perror(what);
+  _exit(status);
 }
 
 }  // namespace
@@ -32,15 +31,20 @@ ServerProcess::ServerProcess(const std::vector<std::string>& command, const std:
   argv.push_back(nullptr);
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
+  // Before the fork: the child of a process with threads must not ask for it.
+  const passwd* const other = user.empty() || geteuid() != 0 ? nullptr : getpwnam(user.c_str());
   process_ = fork();
+  if (process_ < 0) perror("no process"), std::abort();
   if (process_ == 0) {
-    becomeUser(user);
-    // Servers end with a killed test; the threads that start them live as long as the test.
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(ends[1], STDOUT_FILENO);
     dup2(ends[1], STDERR_FILENO);
+    if (other && (setgroups(0, nullptr) != 0 || setgid(other->pw_gid) != 0 || setuid(other->pw_uid) != 0)) {
+      endChild(126, "another user");
+    }
+    // Servers end with a killed test; the threads that start them live as long as the test.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     execvp(argv[0], argv.data());
-    _exit(127);
+    endChild(127, argv[0]);
   }
   close(ends[1]);
   output_ = ends[0];

@@ -69,7 +69,8 @@ def workbench(program, launcher=(), folder=None):
             shutil.rmtree(made)
 
 
-def browser():
+def browser(folder):
+    """A browser that leaves nothing behind but in that folder."""
     options = webdriver.ChromeOptions()
     options.binary_location = shutil.which("chromium")
     for argument in ("--headless=new", "--disable-gpu", "--disable-dev-shm-usage", "--window-size=1400,1240", "--lang=en"):
@@ -77,7 +78,7 @@ def browser():
     if os.geteuid() == 0:  # its sandbox does not work for the super-user
         options.add_argument("--no-sandbox")
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    return webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
+    return webdriver.Chrome(service=Service(shutil.which("chromedriver"), env={**os.environ, "TMPDIR": folder}), options=options)
 
 
 class Page:

@@ -209,7 +209,8 @@ def main():
     parser.add_argument("--pictures", type=pathlib.Path)
     parser.add_argument("--only")
     options = parser.parse_args()
-    driver = browser()
+    rest = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
+    driver = browser(rest.name)
     failures = 0
     try:
         for scenario in SCENARIOS:
@@ -226,6 +227,7 @@ def main():
             print(f"{result} {scenario.__name__}: {time.monotonic() - begin:.1f} s", flush=True)
     finally:
         driver.quit()
+        rest.cleanup()
     sys.exit(failures > 0)
 
 
