@@ -10,8 +10,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 
 namespace quillon::test {
@@ -19,7 +21,9 @@ namespace {
 
 // Ends a process that cannot go on, with the reason as its output. Safe between fork and exec.
 void endChild(int status, const char* what) {
-  perror(what);
+  for (const char* part : {what, ": ", strerrordesc_np(errno), "\n"}) {
+    if (::write(STDERR_FILENO, part, strlen(part)) < 0) break;
+  }
   _exit(status);
 }
 
@@ -32,13 +36,17 @@ ServerProcess::ServerProcess(const std::vector<std::string>& command, const std:
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
   // Before the fork: the child of a process with threads must not ask for it.
-  const passwd* const other = user.empty() || geteuid() != 0 ? nullptr : getpwnam(user.c_str());
+  const bool isOther = !user.empty() && geteuid() == 0;
+  const passwd* const other = isOther ? getpwnam(user.c_str()) : nullptr;
   process_ = fork();
-  if (process_ < 0) perror("no process"), std::abort();
+  if (process_ < 0) {
+    std::perror("no process");
+    std::abort();
+  }
   if (process_ == 0) {
     dup2(ends[1], STDOUT_FILENO);
     dup2(ends[1], STDERR_FILENO);
-    if (other && (setgroups(0, nullptr) != 0 || setgid(other->pw_gid) != 0 || setuid(other->pw_uid) != 0)) {
+    if (isOther && (!other || setgroups(0, nullptr) != 0 || setgid(other->pw_gid) != 0 || setuid(other->pw_uid) != 0)) {
       endChild(126, "another user");
     }
     // Servers end with a killed test; the threads that start them live as long as the test.

@@ -114,9 +114,10 @@ def answers_come_late(driver, program, _):
             looked()
             assert page.say() == said, page.say()
 
-        # What is typed while the server writes is not saved yet, and stays.
-        for begin, request, done in ((lambda: page.press("Save"), "PUT", "Saved."),
-                                     (lambda: page.publish(""), "publish", " is live")):
+        # What is typed while the server writes is not saved yet, nor published unseen, and stays.
+        publish = lambda: page.publish(said="")  # and wait for nothing
+        for begin, request, done in ((lambda: page.press("Save"), "PUT", "Saved."), (publish, "PUT", "Not published."),
+                                     (publish, "publish", " is live")):
             page.fill("name", "Before")
             page.until(lambda: page.at("save").is_enabled())
             page.run(HELD, request)

@@ -198,8 +198,8 @@ def an_application_is_watched(driver, program, pictures):
 
 
 SCENARIOS = [from_nothing_to_published, planted_mistakes_are_found, only_what_changed_differs,
-             a_changed_file_is_not_overwritten, nothing_is_lost, answers_come_late, every_value_has_a_control, large_documents_are_worked_on,
-             an_application_is_watched, everybody_can_use_it, bad_input_is_answered,
+             a_changed_file_is_not_overwritten, nothing_is_lost, answers_come_late, every_value_has_a_control,
+             large_documents_are_worked_on, an_application_is_watched, everybody_can_use_it, bad_input_is_answered,
              strangers_are_refused]
 
 

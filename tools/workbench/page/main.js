@@ -232,14 +232,17 @@ async function publishWorking() {
   const published = working;
   published.resume();
   await published.settled();
-  if (!inspection?.findings) return say('Not published: the document has not been checked yet.', true);
-  if (!(await askAboutPublishing(published.name, inspection))) return;
-  if (!published.isSaved) await save();
-  if (!published.isSaved) return say(`Not published. ${byId('status').textContent}`, true);
+  if (published !== working) return;
+  // Exactly what is shown now is published, over what is live now.
+  const shown = inspection;
   const {text} = published;
+  if (!shown?.findings) return say('Not published: the document has not been checked yet.', true);
+  if (!(await askAboutPublishing(published.name, shown))) return;
+  if (!published.isSaved) await save();
+  if (!published.isSaved || published.text !== text) return say(`Not published. ${byId('status').textContent}`, true);
   try {
     await write(async () => {
-      const {draft, version, isRaised} = await server.publish(published.name, published.tag, inspection.liveTag);
+      const {draft, version, isRaised} = await server.publish(published.name, published.tag, shown.liveTag);
       published.written(text, draft);
       published.inspectAgain();
       say(`Version ${version} is live${isRaised ? '; the version was raised' : ''}.`);
