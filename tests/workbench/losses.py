@@ -121,6 +121,7 @@ def answers_come_late(driver, program, _):
             page.fill("name", "Before")
             page.until(lambda: page.at("save").is_enabled())
             page.run(HELD, request)
+            page.forget_said()
             begin()
             is_held()
             page.fill("name", "Meanwhile")
@@ -136,12 +137,27 @@ def answers_come_late(driver, program, _):
         page.fill("name", "Twice")
         page.until(lambda: page.at("save").is_enabled())
         page.run(HELD, "PUT")
+        page.forget_said()
         page.run("document.getElementById('save').click(); document.getElementById('save').click()")
         is_held()
         page.run("window.letGo()")
         page.await_said("Saved.")
         looked()
         assert not page.at("dialog").is_displayed() and draft()["name"] == "Twice"
+
+        # A picture that is decoded late does not hide that the document broke meanwhile.
+        page.run("const {decode} = Image.prototype; Image.prototype.decode = async function() {"
+                 "await decode.call(this); await new Promise((goOn) => window.held.push(goOn)); }")
+        page.fill("name", "Pictured")
+        is_held()
+        page.save()
+        bench.put("draft", "{")
+        page.notice(lambda: page.at("form-note").is_displayed())
+        drawn = lambda: page.run("return document.getElementById('picture').dataset.count")
+        before = drawn()
+        page.run("window.letGo()")
+        page.until(lambda: drawn() != before, "a picture")
+        assert "This is the last picture" in page.text("drawn")
 
 
 def large_documents_are_worked_on(driver, program, _):

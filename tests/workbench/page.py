@@ -143,6 +143,10 @@ class Page:
         except TimeoutException as late:
             raise AssertionError(f"{text!r} is not said, but {self.say()!r}") from late
 
+    def forget_said(self):
+        """Before an act whose words may be those of the act before."""
+        self.run("document.getElementById('status').textContent = ''")
+
     def notice(self, condition, what=""):
         """Waits until the page has noticed what others did; it looks whenever somebody comes back to it."""
         self.until(lambda: self.run("window.dispatchEvent(new Event('focus'))") or condition(), what)
@@ -161,13 +165,14 @@ class Page:
 
     def save(self):
         self.until(lambda: self.at("save").is_enabled(), "something to save")
+        self.forget_said()
         self.press("Save")
         self.await_said("Saved.")
 
     def publish(self, said=" is live"):
         self.press("Publish…")
         told = self.dialog()
-        self.run("document.getElementById('status').textContent = ''")  # what was said before
+        self.forget_said()
         self.press("Publish all the same" if "warning:" in told else "Publish now")
         self.await_said(said)
         return told

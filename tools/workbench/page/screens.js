@@ -21,6 +21,7 @@ export class Screens {
   // Keeps the last picture while the document is invalid.
   keep() {
     this.text = undefined;
+    this.isWanted = false;
     if (!byId('picture').dataset.count) return;
     byId('picture').classList.add('old');
     this.#tell('The document is not valid. This is the last picture.', true);
@@ -57,6 +58,7 @@ export class Screens {
         const drawn = await server.picture(this.#view(), this.text);
         if (this.text !== undefined) await this.#put(drawn, since);
       } catch (refusal) {
+        if (this.text === undefined) continue;
         byId('picture').classList.add('old');
         this.#tell(refusal.message, true);
       }
@@ -75,6 +77,7 @@ export class Screens {
     picture.dataset.count = Number(picture.dataset.count ?? 0) + 1;
     const time = since === undefined ? undefined : Math.round(performance.now() - since);
     picture.dataset.milliseconds = time ?? '';
+    if (this.text === undefined) return this.keep();  // the document broke while the picture was decoded
     const measured = {alike: 'Refusing and accepting weigh the same.', unlike: 'Refusing and accepting do not weigh the same.'};
     picture.classList.remove('old');
     this.#tell([measured[answers], time !== undefined && `Drawn ${time} ms after the change.`].filter(Boolean).join(' '),
