@@ -14,7 +14,8 @@ Rectangle {
     implicitHeight: column.height + 2 * Style.metrics.largeGap - (endsInControl ? Style.metrics.gap : 0)
     radius: Style.metrics.cardRadius
     color: Style.colors.card
-    border.width: 1
+    border.width: Pixels.line(1, Screen.devicePixelRatio)
+    border.pixelAligned: false
     border.color: Style.colors.hairline
     Accessible.role: Accessible.Grouping
 

@@ -20,13 +20,14 @@ Pressable {
     }
 
     implicitWidth: Words.lineOf(text, font) + 2 * sidePadding
-    implicitHeight: Math.max(isQuiet ? Style.metrics.target : Style.metrics.answer, words.implicitHeight + (isQuiet ? Style.metrics.largeGap : 24))
+    implicitHeight: Math.max(isQuiet ? Style.metrics.target : Style.metrics.answer, words.height + (isQuiet ? Style.metrics.largeGap : 24))
 
     Rectangle {
         anchors.fill: parent
         radius: control.cornerRadius
         color: control.isFilled ? Style.colors.button : control.isOutlined ? "transparent" : Style.colors.plainButton
-        border.width: control.isOutlined ? Style.metrics.ringWidth : control.isFilled ? 1 : 0
+        border.width: Pixels.line(control.isOutlined ? Style.metrics.ringWidth : 1, Screen.devicePixelRatio) * (control.isOutlined || control.isFilled ? 1 : 0)
+        border.pixelAligned: false
         border.color: control.isOutlined ? Style.colors.plainButtonBorder : Style.colors.buttonBorder
 
         Rectangle {

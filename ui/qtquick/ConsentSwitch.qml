@@ -9,8 +9,10 @@ Pressable {
     property bool isOn: false
     property bool isSwitchable: true
     readonly property color ink: isOn ? Style.colors.switchOn : Style.colors.switchOff
+    // The space beside the track.
+    readonly property real side: Pixels.up(Style.metrics.ringWidth, Screen.devicePixelRatio)
 
-    implicitWidth: Style.metrics.switchWidth + Style.metrics.hairGap
+    implicitWidth: Style.metrics.switchWidth + 2 * side
     implicitHeight: Math.max(Style.metrics.target, Style.metrics.switchHeight)
     Accessible.role: Accessible.CheckBox
     Accessible.checkable: true
@@ -19,12 +21,14 @@ Pressable {
 
     Rectangle {
         id: track
-        anchors.centerIn: parent
+        x: control.side
+        y: Pixels.down((parent.height - height) / 2, Screen.devicePixelRatio)
         width: Style.metrics.switchWidth
         height: Style.metrics.switchHeight
         radius: height / 2
         color: control.isSwitchable ? control.ink : "transparent"
-        border.width: Style.metrics.ringWidth
+        border.width: Pixels.line(Style.metrics.ringWidth, Screen.devicePixelRatio)
+        border.pixelAligned: false
         border.color: control.ink
     }
     Rectangle {

@@ -12,7 +12,7 @@ Grid {
     property var made: []
 
     // The width of one control when side by side.
-    readonly property real share: (width - columnSpacing * (count - 1)) / Math.max(1, count)
+    readonly property real share: Pixels.down((width - columnSpacing * (count - 1)) / Math.max(1, count), Screen.devicePixelRatio)
     readonly property bool isRow: made.every(control => control.implicitWidth <= share)
     readonly property real cellWidth: isRow ? share : width
     readonly property real cellHeight: Math.max(0, ...made.map(control => control.implicitHeight))

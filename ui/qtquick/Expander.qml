@@ -8,7 +8,7 @@ Pressable {
     property bool isExpanded: false
 
     implicitWidth: Words.lineOf(text, font) + Style.metrics.hairGap + chevron.width
-    implicitHeight: Math.max(Style.metrics.target, label.implicitHeight + Style.metrics.largeGap)
+    implicitHeight: Math.max(Style.metrics.target, label.height + Style.metrics.largeGap)
 
     PlainText {
         id: label

@@ -10,7 +10,7 @@ Item {
     readonly property real lineOfLabel: Words.lineOf(fact.label, label.font)
     readonly property bool isRow: lineOfLabel + Words.lineOf(fact.value, value.font) + Style.metrics.largeGap <= width
 
-    implicitHeight: isRow ? Math.max(label.implicitHeight, value.implicitHeight) : label.implicitHeight + value.implicitHeight
+    implicitHeight: isRow ? Math.max(label.height, value.height) : label.height + value.height
     Accessible.role: Accessible.StaticText
     Accessible.name: fact.sentence
 
@@ -26,7 +26,7 @@ Item {
     PlainText {
         id: value
         anchors.right: parent.right
-        y: row.isRow ? 0 : label.implicitHeight
+        y: row.isRow ? 0 : label.height
         width: row.isRow ? row.width - row.lineOfLabel - Style.metrics.largeGap : row.width
         words: row.fact.value
         font: Style.caption

@@ -11,7 +11,8 @@ Rectangle {
     anchors.margins: -Style.metrics.hairGap
     radius: innerRadius + Style.metrics.hairGap
     color: "transparent"
-    border.width: Style.metrics.ringWidth
+    border.width: Pixels.line(Style.metrics.ringWidth, Screen.devicePixelRatio)
+    border.pixelAligned: false
     border.color: Style.colors.focus
     visible: isShown
 }

@@ -2,6 +2,6 @@ import QtQuick
 import Quillon.Consent
 
 Rectangle {
-    implicitHeight: 1
+    implicitHeight: Pixels.line(1, Screen.devicePixelRatio)
     color: Style.colors.hairline
 }

@@ -7,7 +7,7 @@ Rectangle {
 
     required property RichTextAdapter content
 
-    implicitHeight: view.implicitHeight + 2 * Style.metrics.gap
+    implicitHeight: view.height + 2 * Style.metrics.gap
     radius: Style.metrics.smallRadius
     color: Style.colors.note
     visible: content.markup !== ""

@@ -12,6 +12,7 @@ Text {
     font: Style.body
     color: Style.colors.text
     wrapMode: Text.Wrap
+    height: Pixels.up(implicitHeight, Screen.devicePixelRatio)
     horizontalAlignment: Text.AlignLeft
     Accessible.role: Accessible.StaticText
     Accessible.name: words

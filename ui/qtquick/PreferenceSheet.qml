@@ -89,7 +89,7 @@ Sheet {
         Flow {
             id: grid
 
-            readonly property real cellWidth: (width - spacing * (screen.columns - 1)) / screen.columns
+            readonly property real cellWidth: Pixels.down((width - spacing * (screen.columns - 1)) / screen.columns, Screen.devicePixelRatio)
 
             width: parent.width
             spacing: Style.metrics.gap

@@ -64,8 +64,8 @@ Card {
         ConsentSwitch {
             id: button
             anchors.right: parent.right
-            anchors.rightMargin: -Style.metrics.ringWidth
-            y: top.isStacked ? names.height + Style.metrics.hairGap : (parent.height - height) / 2
+            anchors.rightMargin: -button.side
+            y: top.isStacked ? names.height + Style.metrics.hairGap : Pixels.down((parent.height - height) / 2, Screen.devicePixelRatio)
             text: card.purpose.name
             hint: card.purpose.switchDescription
             isOn: card.purpose.isOn

@@ -15,6 +15,7 @@ Text {
     font: Style.body
     color: Style.colors.text
     wrapMode: Text.Wrap
+    height: Pixels.up(implicitHeight, Screen.devicePixelRatio)
     horizontalAlignment: Text.AlignLeft
     lineHeight: 1.1
     visible: content.markup !== ""
@@ -66,7 +67,8 @@ Text {
                     height: modelData.height
                     radius: Style.metrics.hairGap
                     color: "transparent"
-                    border.width: Style.metrics.ringWidth
+                    border.width: Pixels.line(Style.metrics.ringWidth, Screen.devicePixelRatio)
+                    border.pixelAligned: false
                     border.color: view.inkOfLinks
                     visible: link.visualFocus
             // qmllint enable unqualified

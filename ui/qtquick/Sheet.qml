@@ -161,9 +161,9 @@ FocusScope {
                 return sheet.height
             if (sheet.fillsHeight)
                 return sheet.isNarrow || sheet.isWide ? sheet.tallest : Math.min(sheet.tallest, Style.metrics.listHeight * sheet.magnification)
-            return Math.min(sheet.tallest, contentHeight)
+            return Pixels.down(Math.min(sheet.tallest, contentHeight), Screen.devicePixelRatio)
         }
-        x: (sheet.width - width) / 2
+        x: Pixels.down((sheet.width - width) / 2, Screen.devicePixelRatio)
         y: !sheet.isModal ? 0 : (sheet.isFloating && !sheet.isBottom ? (sheet.height - height) / 2 : sheet.height - height - (sheet.isFloating ? sheet.margin : 0)) + (1 - sheet.shown) * 32
         opacity: sheet.shown
         // A screen reader announces the new name of the focused item.
@@ -309,7 +309,8 @@ FocusScope {
             anchors.fill: parent
             radius: surface.radius
             color: "transparent"
-            border.width: 1
+            border.width: Pixels.line(1, Screen.devicePixelRatio)
+            border.pixelAligned: false
             border.color: Style.colors.hairline
             visible: sheet.isFloating
         }

@@ -21,7 +21,7 @@ Item {
     // A word that does not fit between logo and button gets the full width; if that is not enough, it shrinks.
     readonly property bool isStacked: title.longestWord > width - besideLogo - besideButton && (canClose || showsLogo)
 
-    implicitHeight: Math.max(firstLine, title.visible ? title.implicitHeight + title.y : 0)
+    implicitHeight: Math.max(firstLine, title.visible ? title.height + title.y : 0)
 
     Picture {
         id: picture

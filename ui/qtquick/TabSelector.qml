@@ -13,7 +13,8 @@ Rectangle {
     implicitHeight: row.height + 2 * row.x
     radius: Style.metrics.radius
     color: Style.colors.footer
-    border.width: 1
+    border.width: Pixels.line(1, Screen.devicePixelRatio)
+    border.pixelAligned: false
     border.color: Style.colors.hairline
     Accessible.role: Accessible.PageTabList
     Accessible.name: name
@@ -50,7 +51,7 @@ Rectangle {
             width: row.cellWidth
             height: row.cellHeight
             implicitWidth: Words.lineOf(text, font) + 2 * Style.metrics.gap
-            implicitHeight: Math.max(Style.metrics.target, words.implicitHeight + Style.metrics.largeGap)
+            implicitHeight: Math.max(Style.metrics.target, words.height + Style.metrics.largeGap)
             onClicked: selector.chosen(index)
             // qmllint enable unqualified
             Accessible.role: Accessible.PageTab

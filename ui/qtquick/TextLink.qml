@@ -8,14 +8,14 @@ Pressable {
     // Space before the following link.
     property real gapAfter: 0
 
-    implicitWidth: Words.lineOf(text, font) + gapAfter
-    implicitHeight: Math.max(Style.metrics.target, words.implicitHeight + Style.metrics.largeGap)
+    implicitWidth: Pixels.up(Words.lineOf(text, font) + gapAfter, Screen.devicePixelRatio)
+    implicitHeight: Math.max(Style.metrics.target, words.height + Style.metrics.largeGap)
     Accessible.role: Accessible.Link
 
     PlainText {
         id: words
         anchors.left: parent.left
-        anchors.verticalCenter: parent.verticalCenter
+        y: Pixels.down((parent.height - height) / 2, Screen.devicePixelRatio)
         width: parent.width - control.gapAfter
         words: control.text
         font: Words.underlined(control.font, control.hovered || control.pressed)
