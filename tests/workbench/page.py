@@ -184,9 +184,9 @@ class Page:
         for letter in text:
             before = self.run("return document.getElementById('picture').dataset.count")
             control.send_keys(letter)
-            self.until(lambda: self.run("const p = document.getElementById('picture'); return p.dataset.count !== "
-                                        "arguments[0] && p.dataset.milliseconds", before), "a picture")
-            times.append(int(self.run("return document.getElementById('picture').dataset.milliseconds")))
+            times.append(int(self.until(lambda: self.run(
+                "const {count, milliseconds} = document.getElementById('picture').dataset;"
+                "return count !== arguments[0] && milliseconds", before), "a picture")))
         return times
 
     def errors(self):
