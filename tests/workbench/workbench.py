@@ -187,8 +187,9 @@ def an_application_is_watched(driver, program, pictures):
         ask(op="set", purposeId=2, consent="declined")
         assert not ask(op="upload")["uploaded"]
         page.until(lambda: "singleupload503" in rows())
+        page.forget_said()
         page.at("fail").click()
-        page.until(lambda: not page.at("fail").is_selected())
+        page.await_said("The faults are in force")
         assert ask(op="upload")["uploaded"]
         page.until(lambda: 'purpose 2 "Ads": declined' in rows())
         ask(op="quit")
