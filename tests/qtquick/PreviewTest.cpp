@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <map>
 
+#include "tests/support/EngineLeaks.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace quillon::test {
@@ -32,9 +33,9 @@ struct PreviewTest : testing::Test {
     }
     // The engine does not run in its sandbox as root.
     if (geteuid() == 0) environment.insert("QTWEBENGINE_CHROMIUM_FLAGS", "--no-sandbox --disable-gpu");
-    // The engine deletes its objects under another size, and leaves some behind, which is not ours to mend.
+    // The engine deletes its objects under another size, which is not ours to mend.
     environment.insert("ASAN_OPTIONS", "new_delete_type_mismatch=0");
-    setFileBytes(folder.path() / "leaks", "leak:libQt6WebEngineCore\nleak:libfontconfig\n");
+    setFileBytes(folder.path() / "leaks", kEngineLeaks);
     environment.insert("LSAN_OPTIONS", "print_suppressions=0:suppressions=" + file("leaks"));
   }
   QString file(const char* name) const { return QString::fromStdString((folder.path() / name).string()); }

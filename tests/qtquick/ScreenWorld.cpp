@@ -66,7 +66,7 @@ void ScreenWorld::start() {
 
 bool ScreenWorld::await(const std::function<bool()>& condition) {
   if (condition()) return true;
-  constexpr int limitMilliseconds = 5000;
+  constexpr int limitMilliseconds = 30000;
   QEventLoop loop;
   QTimer::singleShot(limitMilliseconds, &loop, [&loop] { loop.exit(1); });
   // Looked at when the loop has done all there was, and would sleep until something comes.

@@ -24,7 +24,7 @@ class ScreenWorld {
 
   // Serves the document and waits until the SDK is ready.
   void start();
-  // False when the condition does not come true within five seconds.
+  // False when the condition does not come true within half a minute.
   bool await(const std::function<bool()>& condition);
   // Waits until nothing is under way, neither in the background nor on the main queue.
   void settle();

@@ -5,16 +5,17 @@
 #include <QGuiApplication>
 
 #include "quillon/QtWebEngine.h"
+#include "tests/support/EngineLeaks.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/webengine/WebWorld.h"
 
 // Of the address sanitizer, for this program alone: the engine deletes objects of its own under the size of another
-// class, and leaves some behind when the process ends, as the fonts do.
+// class.
 extern "C" const char* __asan_default_options() {
   return "new_delete_type_mismatch=0";
 }
 extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libQt6WebEngineCore\nleak:libfontconfig\n";
+  return quillon::test::kEngineLeaks;
 }
 
 int main(int argc, char** argv) {

@@ -1,0 +1,16 @@
+// What the leak checker must not report in a program with the web engine.
+#pragma once
+
+#include <QtGlobal>
+
+namespace quillon::test {
+
+// The engine leaves objects of its own behind when the process ends, as the fonts do. Since Qt 6.5 its look for a graphics
+// processor leaves some of Qt's behind too.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+inline constexpr char kEngineLeaks[] = "leak:libQt6WebEngineCore\nleak:libfontconfig\nleak:libQt6Gui\nleak:libQt6Core\n";
+#else
+inline constexpr char kEngineLeaks[] = "leak:libQt6WebEngineCore\nleak:libfontconfig\n";
+#endif
+
+}  // namespace quillon::test
