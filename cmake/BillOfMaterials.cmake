@@ -21,7 +21,8 @@ endforeach()
 set(bill ${PROJECT_BINARY_DIR}/quillon-consent.spdx.json)
 add_custom_command(OUTPUT ${bill}
   COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/cmake/BillOfMaterials.py ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR}
-    ${PROJECT_VERSION} ${CMAKE_MAKE_PROGRAM} ${CMAKE_CXX_COMPILER} ${bill} ${binaries}
+    ${PROJECT_VERSION} ${CMAKE_MAKE_PROGRAM} ${CMAKE_CXX_COMPILER} "${CPACK_DEBIAN_PACKAGE_ARCHITECTURE}"
+    ${bill} ${binaries}
   DEPENDS cmake/BillOfMaterials.py ${binaries}
   VERBATIM)
 add_custom_target(quillon_bill_of_materials ALL DEPENDS ${bill})

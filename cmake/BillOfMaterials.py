@@ -3,7 +3,8 @@
 according to the build's commands, and the packages whose headers are compiled in. A test compares it with the dynamic
 dependencies of the binaries.
 
-usage: BillOfMaterials.py BUILD_FOLDER SOURCE_FOLDER VERSION NINJA COMPILER OUTPUT BINARY...
+usage: BillOfMaterials.py BUILD_FOLDER SOURCE_FOLDER VERSION NINJA COMPILER ARCHITECTURE OUTPUT BINARY...
+ARCHITECTURE is Debian's name of another processor that the build is for, or empty.
 """
 import json
 import os
@@ -13,8 +14,8 @@ import subprocess
 import sys
 from datetime import datetime, timezone
 
-BUILD, SOURCE, VERSION, NINJA, COMPILER, OUTPUT = sys.argv[1:7]
-BINARIES = [os.path.relpath(binary, BUILD) for binary in sys.argv[7:]]
+BUILD, SOURCE, VERSION, NINJA, COMPILER, ARCHITECTURE, OUTPUT = sys.argv[1:8]
+BINARIES = [os.path.relpath(binary, BUILD) for binary in sys.argv[8:]]
 UNKNOWN = "NOASSERTION"
 
 
@@ -41,6 +42,12 @@ def linked(target):
         elif re.search(r"\.(a|so[.0-9]*)$", word):
             libraries.append(os.path.realpath(path))
     return objects, libraries
+
+
+def runtime_library(name):
+    """A library of the compiler's, where a device has it: Debian's cross compilers link copies in a folder of their own."""
+    machine, file = (run(COMPILER, option).strip() for option in ("-dumpmachine", f"-print-file-name={name}"))
+    return os.path.realpath(os.path.realpath(file).replace(f"/usr/{machine}/lib/", f"/usr/lib/{machine}/"))
 
 
 def shared_name(library):
@@ -96,9 +103,10 @@ def distribution():
 def debian_entry(package, vendor):
     fields = ("Package", "Version", "Architecture", "source:Package", "source:Version")
     formatted = "\\t".join("${" + field + "}" for field in fields) + "\\n"
-    # With several architectures installed, dpkg-query prints the build's native one first.
-    name, version, machine, source, source_version = run(
-        "dpkg-query", "-W", "-f", formatted, package).splitlines()[0].split("\t")
+    # With several architectures installed, dpkg-query prints the machine's own first.
+    installed = [line.split("\t") for line in run("dpkg-query", "-W", "-f", formatted, package).splitlines()]
+    name, version, machine, source, source_version = next(
+        (fields for fields in installed if fields[2] == ARCHITECTURE), installed[0])
     return entry(name, version, sourceInfo=f"source package {source} {source_version}",
                  supplier=f"Organization: {vendor}",
                  externalRefs=[{"referenceCategory": "PACKAGE-MANAGER", "referenceType": "purl",
@@ -108,8 +116,7 @@ def debian_entry(package, vendor):
 def main():
     product = entry("quillon-consent-sdk", VERSION, primaryPackagePurpose="LIBRARY")
     packages, relations, objects, dynamic = {product["name"]: product}, [], set(), []
-    toolchain = [os.path.realpath(run(COMPILER, f"-print-file-name={name}").strip())
-                 for name in ("libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6")]
+    toolchain = [runtime_library(name) for name in ("libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6")]
     names = {binary: shared_name(os.path.join(BUILD, binary)) for binary in BINARIES}
     ours = {os.path.realpath(os.path.join(BUILD, binary)): name for binary, name in names.items()}
     for binary in BINARIES:

@@ -18,6 +18,11 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/core ${PROJECT_BINARY_DIR}/platform/linux ${PROJECT_BINARY_DIR}/signals ${PROJECT_BINARY_DIR}/proof
   ${PROJECT_BINARY_DIR}/ui ${PROJECT_BINARY_DIR}/ui/qtquick)
+if(CPACK_DEBIAN_PACKAGE_ARCHITECTURE)
+  # Of another processor than this machine's: dpkg-shlibdeps looks for its libraries and reads them with its tools.
+  set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/debian/architecture.cmake)
+  file(WRITE ${CPACK_PROJECT_CONFIG_FILE} "set(ENV{DEB_HOST_ARCH} ${CPACK_DEBIAN_PACKAGE_ARCHITECTURE})\n")
+endif()
 set(CPACK_COMPONENTS_ALL "")
 
 # A change log in Debian's format; the full one is CHANGELOG.md.

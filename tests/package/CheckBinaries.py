@@ -7,13 +7,12 @@ The folders are those of the source and of the build: no binary may name them.
 """
 import json
 import pathlib
-import platform
 import re
 import subprocess
 import sys
 
 PREFIX, BILL, *FOLDERS = sys.argv[1:]
-LANDING = {"x86_64": (bytes.fromhex("f30f1efa"),), "aarch64": (bytes.fromhex("3f2303d5"), bytes.fromhex("5f2403d5"))}
+LANDING = {"X86-64": (bytes.fromhex("f30f1efa"),), "AArch64": (bytes.fromhex("3f2303d5"), bytes.fromhex("5f2403d5"))}
 faults = []
 
 
@@ -46,8 +45,9 @@ def check_hardening(file, is_program):
     }
     faults.extend(f"{file} is not {what}" for what, holds in wanted.items() if not holds)
     faults.extend(f"{file} names {folder}" for folder in FOLDERS if folder.encode() in content)
+    landing = LANDING.get(re.search(r"Machine:.* (\S+)", headers).group(1), b"")
     unmarked = [name for name, place in ([] if is_program else exported_functions(file))
-                if not content[place:place + 4].startswith(LANDING.get(platform.machine(), b""))]
+                if not content[place:place + 4].startswith(landing)]
     if unmarked:
         faults.append(f"{file}: {len(unmarked)} functions are not marked as targets of calls, such as {unmarked[0]}")
     return {name for name in symbols if re.fullmatch(r"__\w+_chk", name)}
