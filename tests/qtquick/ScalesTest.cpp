@@ -42,12 +42,24 @@ int expectSharpLines(const ScreenWorld& app) {
   return lines;
 }
 
+struct Surroundings {
+  QSize window;
+  const char* language;
+  const char* position;
+  const char* buttons;
+};
+
 TEST(Scales, LinesEndOnThePixelsOfTheScreen) {
-  for (const auto& [size, language] :
-       {std::pair(QSize(320, 640), "en"), {QSize(400, 800), "ar"}, {QSize(1200, 800), "en"}}) {
+  for (const auto& [size, language, position, buttons] : {Surroundings{{320, 640}, "en", "bottom", "rounded"},
+                                                          {{400, 801}, "ar", "center", "outlined"},
+                                                          {{1199, 803}, "en", "bottom", "square"},
+                                                          {{845, 391}, "en", "center", "outlined"}}) {
     SCOPED_TRACE(testing::Message() << size.width() << 'x' << size.height() << ' ' << language);
     ScreenWorld app;
     app.language = language;
+    auto& banner = bannerOf(app.document);
+    banner["banner_position"] = position;
+    banner["button_shape"] = buttons;
     app.window->resize(size);
     app.start();
     app.banner();
@@ -62,6 +74,10 @@ TEST(Scales, LinesEndOnThePixelsOfTheScreen) {
         app.settle();
         EXPECT_GT(expectSharpLines(app), 2);
       }
+    }
+    if (language == std::string_view("en")) {
+      app.prompt();
+      EXPECT_GT(expectSharpLines(app), 0);
     }
   }
 }

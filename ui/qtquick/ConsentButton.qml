@@ -26,7 +26,7 @@ Pressable {
         anchors.fill: parent
         radius: control.cornerRadius
         color: control.isFilled ? Style.colors.button : control.isOutlined ? "transparent" : Style.colors.plainButton
-        border.width: Pixels.line(control.isOutlined ? Style.metrics.ringWidth : 1, Screen.devicePixelRatio) * (control.isOutlined || control.isFilled ? 1 : 0)
+        border.width: control.isOutlined || control.isFilled ? Pixels.line(control.isOutlined ? Style.metrics.ringWidth : 1, Screen.devicePixelRatio) : 0
         border.pixelAligned: false
         border.color: control.isOutlined ? Style.colors.plainButtonBorder : Style.colors.buttonBorder
 

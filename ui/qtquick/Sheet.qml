@@ -36,7 +36,7 @@ FocusScope {
     readonly property bool isFloating: !isModal || !isBottom || !isNarrow
     readonly property int margin: isNarrow ? Style.metrics.largeGap : 2 * Style.metrics.gap
     readonly property int inset: width < Style.metrics.tinyWindow ? 16 : isNarrow ? 20 : 24
-    readonly property real tallest: !isModal ? height : height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16))
+    readonly property real tallest: !isModal ? height : Pixels.down(height - (isFloating ? 2 * Math.min(margin, height / 24) : Math.min(32, height / 16)), Screen.devicePixelRatio)
     // Sheets grow with the text, so that lines hold as many words.
     readonly property real magnification: Math.max(1, Style.textScale)
     // The number of columns for the body.
@@ -159,12 +159,17 @@ FocusScope {
         height: {
             if (!sheet.isModal)
                 return sheet.height
-            if (sheet.fillsHeight)
-                return sheet.isNarrow || sheet.isWide ? sheet.tallest : Math.min(sheet.tallest, Style.metrics.listHeight * sheet.magnification)
-            return Pixels.down(Math.min(sheet.tallest, contentHeight), Screen.devicePixelRatio)
+            const wanted = !sheet.fillsHeight ? contentHeight : sheet.isNarrow || sheet.isWide ? sheet.tallest : Style.metrics.listHeight * sheet.magnification
+            return Pixels.down(Math.min(sheet.tallest, wanted), Screen.devicePixelRatio)
         }
         x: Pixels.down((sheet.width - width) / 2, Screen.devicePixelRatio)
-        y: !sheet.isModal ? 0 : (sheet.isFloating && !sheet.isBottom ? (sheet.height - height) / 2 : sheet.height - height - (sheet.isFloating ? sheet.margin : 0)) + (1 - sheet.shown) * 32
+        y: {
+            if (!sheet.isModal)
+                return 0
+            const left = sheet.height - height
+            const above = !sheet.isFloating ? left : sheet.isBottom ? left - sheet.margin : left / 2
+            return Pixels.down(above, Screen.devicePixelRatio) + (1 - sheet.shown) * 32
+        }
         opacity: sheet.shown
         // A screen reader announces the new name of the focused item.
         title: sheet.isLoading ? sheet.banner.loadingLabel : sheet.failure !== "" ? sheet.failure : sheet.title
@@ -176,6 +181,8 @@ FocusScope {
         SheetSurface {
             id: surface
             anchors.fill: parent
+            // Windows may end within a pixel of the screen.
+            anchors.bottomMargin: sheet.isFloating ? 0 : -1
             isFloating: sheet.isFloating
             footColor: footerFixed.visible ? sheet.footerColor : color
         }
