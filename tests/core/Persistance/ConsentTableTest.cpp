@@ -135,16 +135,17 @@ TEST(ConsentTableTest, ReadersSeeNoHalfDecisionHoweverFastTheyAreMade) {
   EXPECT_EQ(readNumber(table), rounds);
 }
 
-// Every query against the stored values, after random changes that overwrite, remove, damage and clear.
-TEST(ConsentTableTest, ShowsWhatIsStored) {
+// Every query against the stored values, the configuration in force and the signal, after random changes that overwrite,
+// remove, damage and clear.
+TEST(ConsentTableTest, ShowsWhatIsStoredAndInForce) {
   const std::vector<std::string> names{"0",
                                        "1",
                                        "-1",
                                        "007",
                                        "-0",
                                        "9223372036854775807",
-                                       "-9223372036854775808",
                                        "",
+                                       "-9223372036854775808",
                                        "SUBJECT_ID",
                                        "a permission",
                                        std::string(257, 'x')};
@@ -152,16 +153,20 @@ TEST(ConsentTableTest, ShowsWhatIsStored) {
       0, 1, -1, 7, 2, std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()};
   ConsentTable table;
   SuiteEntries entries;
+  std::optional<ConsentTable::Terms> terms;
+  std::optional<ConsentTable::Signal> signal;
   std::mt19937 random(1);
   const auto pick = [&](std::size_t count) { return random() % count; };
   const auto someIds = [&] {
     std::vector<std::int64_t> some;
-    for (const auto id : ids) {
-      if (pick(2) == 0) some.push_back(id);
-    }
-    std::ranges::sort(some);
+    for (std::size_t i = pick(8); i > 0; --i) some.push_back(ids[pick(ids.size())]);
     return some;
   };
+  const auto sorted = [](std::vector<std::int64_t> list) {
+    std::ranges::sort(list);
+    return list;
+  };
+  const auto has = [](const auto& list, const auto& element) { return std::ranges::find(list, element) != list.end(); };
   for (int round = 0; round < 3000; ++round) {
     SuiteChanges changes;
     for (std::size_t i = pick(4); i > 0; --i) {
@@ -169,8 +174,8 @@ TEST(ConsentTableTest, ShowsWhatIsStored) {
       const std::optional<PropertyValue> values[] = {std::nullopt, "granted", "declined", "withdrawn", "no", true};
       changes.insert_or_assign(name, values[pick(std::size(values))]);
     }
-    if (pick(4) == 0) changes.insert_or_assign(std::string(key::answeredPurposesList), someIds());
-    if (pick(4) == 0) changes.insert_or_assign(std::string(key::trackingPurposesList), someIds());
+    if (pick(4) == 0) changes.insert_or_assign(std::string(key::answeredPurposesList), sorted(someIds()));
+    if (pick(4) == 0) changes.insert_or_assign(std::string(key::trackingPurposesList), sorted(someIds()));
     if (pick(4) == 0) changes.insert_or_assign(std::string(key::lostEntries), pick(2) == 0);
     const auto* const type = pick(2) == 0 ? "opt-in" : "opt-out";
     if (pick(4) == 0) changes.insert_or_assign(std::string(key::currentComplianceType), type);
@@ -182,8 +187,19 @@ TEST(ConsentTableTest, ShowsWhatIsStored) {
       if (!value) entries.erase(key);
     }
     table.updateStored(entries, pick(10) == 0 ? nullptr : &changes);
+    if (pick(4) == 0) {
+      terms.reset();
+      if (pick(4) > 0) terms = {someIds(), someIds(), {names[pick(names.size())], "another permission"}};
+      table.updateTerms(terms);
+    }
+    if (pick(4) == 0) {
+      signal.reset();
+      if (pick(4) > 0) signal = {pick(2) == 0, pick(4) > 0 ? std::optional(someIds()) : std::nullopt};
+      table.updateSignal(signal);
+    }
 
     const StoredValues stored(entries);
+    const bool wereEntriesLost = stored.boolean(key::lostEntries);  // what was lost may have been a refusal
     std::vector<std::int64_t> asked = ids;
     for (int i = 0; i < 20; ++i) asked.push_back(100 + static_cast<std::int64_t>(pick(500)));
     for (const auto id : asked) {
@@ -191,48 +207,21 @@ TEST(ConsentTableTest, ShowsWhatIsStored) {
       ASSERT_EQ(purpose.decision(), stored.consent(PurposeKey(id))) << id;
       ASSERT_EQ(purpose.byDefault(), stored.complianceDefault());
       ASSERT_EQ(purpose.isAnswered(), stored.isAnswered(id)) << id;
-      ASSERT_EQ(purpose.isBoundToTracking(), stored.isBoundToTracking(id)) << id;
-      ASSERT_FALSE(purpose.isAllowedUndecided() || purpose.isCoveredBySignal()) << id;
+      ASSERT_EQ(purpose.isBoundToTracking(), stored.isBoundToTracking(id) || (terms && has(terms->boundToTracking, id)))
+          << id;
+      ASSERT_EQ(purpose.isAllowedUndecided(), terms && has(terms->allowedUndecided, id) && !wereEntriesLost) << id;
+      ASSERT_EQ(purpose.isCoveredBySignal(), signal && (!signal->covered || has(*signal->covered, id))) << id;
+      ASSERT_EQ(purpose.isSignalGiven(), signal && signal->isGiven);
     }
     for (const auto& name : names) {
-      const auto expected = key::isReserved(name) ? std::nullopt : stored.consent(name);
-      ASSERT_EQ(table.permission(name).stored, expected) << name;
+      const PermissionState permission = table.permission(name);
+      ASSERT_EQ(permission.stored, key::isReserved(name) ? std::nullopt : stored.consent(name)) << name;
+      ASSERT_EQ(permission.isListed, terms ? std::optional(has(terms->permissions, name)) : std::nullopt) << name;
     }
   }
-}
-
-TEST(ConsentTableTest, TermsAndSignalsShowBesideWhatIsStoredUntilTheyEnd) {
-  ConsentTable table;
-  const auto shown = [&](std::int64_t id) {
-    const PurposeState purpose = table.purpose(id);
-    return std::string(purpose.isAllowedUndecided() ? "allowed " : "") + (purpose.isBoundToTracking() ? "bound " : "") +
-           (purpose.isCoveredBySignal() ? "covered " : "") + (purpose.isSignalGiven() ? "given" : "");
-  };
-  table.updateStored({{"1", "granted"}}, nullptr);
-  EXPECT_EQ(table.permission("camera").isListed, std::nullopt);
-  table.updateTerms(ConsentTable::Terms{{1, 2, 2}, {2, 3}, {"camera"}});
-  EXPECT_EQ(shown(1) + shown(2) + shown(3), "allowed allowed bound bound ");
-  EXPECT_EQ(table.permission("camera").isListed, true);
-  EXPECT_EQ(table.permission("microphone").isListed, false);
-  table.updateTerms(ConsentTable::Terms{{2}, {}, {"microphone"}});
-  EXPECT_EQ(shown(1) + shown(2) + shown(3), "allowed ");
-  EXPECT_EQ(table.permission("camera").isListed, false);
-  table.updateStored({{"1", "granted"}, {std::string(lostEntriesKey), true}}, nullptr);
-  EXPECT_EQ(shown(2), "") << "what was lost may have been a refusal";
-  table.updateStored({{"1", "granted"}}, nullptr);
-
-  table.updateSignal(ConsentTable::Signal{false, {{1}}});
-  EXPECT_EQ(shown(1) + shown(2), "covered allowed ");
-  table.updateSignal(ConsentTable::Signal{true, std::nullopt});
-  EXPECT_EQ(shown(1) + shown(9), "covered givencovered given");
-  table.updateSignal(std::nullopt);
-  EXPECT_EQ(shown(1) + shown(2), "allowed ");
-
   table.close();
-  EXPECT_EQ(shown(2), "");
-  table.updateTerms(ConsentTable::Terms{{2}, {}, {}});
-  EXPECT_EQ(shown(2), "") << "a configuration applied while the SDK closes";
-  EXPECT_EQ(table.purpose(1).decision(), ConsentStatus::granted);
+  table.updateTerms(ConsentTable::Terms{ids, {}, {}});
+  for (const auto id : ids) EXPECT_FALSE(table.purpose(id).isAllowedUndecided()) << "applied while the SDK closes";
 }
 
 TEST(ConsentTableTest, AForkedChildReadsWhateverItsParentWasWriting) {
