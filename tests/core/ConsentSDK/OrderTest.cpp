@@ -15,20 +15,6 @@ namespace {
 
 using enum ConsentStatus;
 
-TEST(Order, OfTwoCallsTheLaterOneHolds) {
-  World world;
-  world.start();
-  for (int run = 0; run < 50 && !::testing::Test::HasFailure(); ++run) {
-    auto earlier = world.sdk->acceptOrReject(run % 2 == 0);
-    auto later = world.sdk->acceptOrReject(run % 2 != 0);
-    EXPECT_EQ(world.sdk->get(1), run % 2 != 0 ? granted : declined) << run;
-    auto accepted = world.sdk->acceptOrReject(true);
-    EXPECT_TRUE(world.sdk->set({.purposeId = 1}, declined));
-    EXPECT_TRUE(earlier.get() && later.get() && accepted.get());
-    EXPECT_EQ(world.sdk->get(1), declined) << run;
-  }
-}
-
 // The server's last status equals the stored one, and nothing is pending.
 TEST(Order, ADecisionThatReturnsToWhatItWasIsSentAllTheSame) {
   World world;
@@ -47,28 +33,6 @@ TEST(Order, ADecisionThatReturnsToWhatItWasIsSentAllTheSame) {
   EXPECT_TRUE(second.get());
   EXPECT_TRUE(world.stored().pendingPurposes().empty());
   EXPECT_EQ(world.uploads().size(), 2u);
-}
-
-// Simulates two processes with two stores on one file.
-TEST(Order, OneProcessUploadsAtATimeAndTheLatestDecisionEndsAtTheServer) {
-  World world;
-  world.start();
-  ConsentSDK other(world.process());
-  other.setup(world.options());
-  other.settled().wait();
-  const HeldAnswers held;
-  world.server.onUpload(held.before(json(saved)));
-  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
-  auto slow = world.sdk->uploadPendingConsents();
-  held.waitForOne();
-  ASSERT_TRUE(other.set({.purposeId = 1}, granted));
-  EXPECT_FALSE(other.uploadPendingConsents().get()) << "another process's turn";
-  ASSERT_TRUE(other.set({.purposeId = 1}, declined));
-  held.release();
-  slow.wait();
-  EXPECT_TRUE(other.uploadPendingConsents().get());
-  EXPECT_EQ(world.uploads().size(), 2u);
-  other.close();
 }
 
 TEST(Order, TheLastSetUpHoldsWhateverAnswersFirst) {
@@ -133,17 +97,6 @@ TEST(Order, AnEarlierLoadLoadsNothingForASetUpThatHasNotYetResetTheCache) {
   EXPECT_EQ(during, 1u);
   EXPECT_EQ(world.server.seen(configurationPath).size(), 2u);
   EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
-}
-
-TEST(Order, ManyChecksAtOnceAreOne) {
-  World world;
-  world.start();
-  world.advance(std::chrono::hours(2));
-  const auto before = world.server.seen(configurationPath).size();
-  std::vector<std::future<void>> checks;
-  for (int i = 0; i < 20; ++i) checks.push_back(world.sdk->checkConsents());
-  for (auto& check : checks) check.wait();
-  EXPECT_EQ(world.server.seen(configurationPath).size(), before + 1);
 }
 
 // A clock whose first one-shot timer fires before the thread that started it continues, as when that thread is delayed.
