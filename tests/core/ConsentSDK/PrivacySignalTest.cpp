@@ -20,9 +20,6 @@ std::string signalDocumentOf(std::string_view type, boost::json::object changes 
   return boost::json::serialize(document);
 }
 
-// The source of the signal, and whether the application honours it.
-enum class Given { no, byDevice, byApplication, byDeviceUnheeded };
-
 struct PrivacySignalTest : ::testing::Test, OnDevice {
   // Whatever was cached is loaded anew.
   void launchFresh(const std::optional<PrivacySignal>& signal) {
@@ -39,65 +36,33 @@ struct PrivacySignalTest : ::testing::Test, OnDevice {
     device.setPrivacySignal(isOn);
     device.settle();
   }
-  DecisionCause causeOf(std::int64_t id) const { return sdk->explain(id).get().cause.value(); }
-};
-
-enum class Decided { not_, grantedByUser, declinedByUser, byDefault };
-
-struct Row {
-  const char* type;
-  Decided decided;
-  const char* without;  // what is allowed without a signal
-  const char* with;
-};
-
-// All combinations of signal, compliance type and stored decision. Purpose 3 needs the device's authorization in all of
-// them, and what is notice-only allows like opt-out.
-constexpr Row rule[] = {
-    {"opt-in", Decided::not_, "2", "2"},
-    {"opt-in", Decided::byDefault, "2", "2"},
-    {"opt-in", Decided::grantedByUser, "12", "12"},
-    {"opt-in", Decided::declinedByUser, "2", "2"},
-    {"opt-out", Decided::not_, "124", "24"},
-    {"opt-out", Decided::byDefault, "124", "24"},
-    {"opt-out", Decided::grantedByUser, "124", "124"},
-    {"opt-out", Decided::declinedByUser, "24", "24"},
 };
 
 TEST_F(PrivacySignalTest, CountsAsAnOptOutUnlessTheUserHasAnsweredAndEndsWithTheSignal) {
-  for (const Row& row : rule) {
-    for (const Given signal : {Given::no, Given::byDevice, Given::byApplication, Given::byDeviceUnheeded}) {
-      SCOPED_TRACE(::testing::Message() << row.type << " " << static_cast<int>(row.decided) << " "
-                                        << static_cast<int>(signal));
-      turn(false);
-      device.publish(signalDocumentOf(row.type));
-      launchFresh(signal == Given::byDeviceUnheeded ? std::nullopt : std::optional(PrivacySignal{}));
-      sdk->removeConsents();
-      device.settle();
-      const bool isUsers = row.decided == Decided::grantedByUser || row.decided == Decided::declinedByUser;
-      if (isUsers) sdk->set({.purposeId = 1}, row.decided == Decided::grantedByUser ? granted : declined);
-      EXPECT_TRUE(row.decided != Decided::byDefault || sdk->screens()->recordDefaults({}));
-      turn(signal == Given::byDevice || signal == Given::byDeviceUnheeded);
-      const auto again = [&](bool isGiven) {
-        setup([&](ConsentSDKOptions& options) {
-          options.privacySignal = PrivacySignal{.isGiven = isGiven};
-          options.testingMode = true;
-        });
-        device.settle();
+  // The user's answer on purpose 1, and what is allowed without the signal and with it. Purpose 3 needs the device's
+  // authorization in any case.
+  const std::tuple<std::optional<ConsentStatus>, const char*, const char*> rows[] = {
+      {std::nullopt, "124", "24"}, {granted, "124", "124"}, {declined, "24", "24"}};
+  for (const bool isDevices : {true, false}) {
+    for (const auto& [answer, without, with] : rows) {
+      SCOPED_TRACE(std::string(isDevices ? "the device's" : "the application's") + ", without it " + without);
+      const auto give = [&](bool isGiven) {
+        if (isDevices) device.setPrivacySignal(isGiven);
+        honour(PrivacySignal{.isGiven = isGiven && !isDevices});
       };
-      if (signal == Given::byApplication) again(true);
-      const bool counts = signal == Given::byDevice || signal == Given::byApplication;
-      EXPECT_EQ(allowed(), counts ? row.with : row.without);
+      device.publish(signalDocumentOf("opt-out"));
+      launch([](ConsentSDKOptions& options) { options.privacySignal.emplace(); });
+      sdk->removeConsents();
+      if (answer) sdk->set({.purposeId = 1}, *answer);
+      give(true);
+      EXPECT_EQ(allowed(), with);
       const auto why = sdk->explain(1).get();
-      EXPECT_EQ(why.cause == DecisionCause::signal, counts && !isUsers) << why.text;
-      EXPECT_EQ(why.status, sdk->get(1));
-      if (why.cause == DecisionCause::signal) {
-        EXPECT_TRUE(why.text.starts_with("A privacy signal is honoured: declined on ")) << why.text;
-      }
-      turn(false);
-      if (signal == Given::byApplication) again(false);
-      EXPECT_EQ(allowed(), row.without) << "it ends with the signal";
-      EXPECT_NE(causeOf(1), DecisionCause::signal);
+      EXPECT_EQ(why.cause, answer ? DecisionCause::user : DecisionCause::signal);
+      EXPECT_EQ(why.text.starts_with("A privacy signal is honoured: declined on "), !answer) << why.text;
+      honour(std::nullopt);
+      EXPECT_EQ(allowed(), without) << "the application does not honour it";
+      give(false);
+      EXPECT_EQ(allowed(), without) << "it ends with the signal";
     }
   }
 }
