@@ -1,11 +1,9 @@
 // Which document serves, from which address, and for how long.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <boost/json/serialize.hpp>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
-#include "platform/memory/FailingFileSystem.h"
 #include "platform/memory/FixedHostApplication.h"
 #include "tests/support/Contains.h"
 #include "tests/support/World.h"
@@ -35,18 +33,6 @@ TEST_F(Configuration, IsFetchedOnceAnHour) {
     EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
   }
   EXPECT_EQ(world.server.seen().front().path, "/consent/mobile_banner/t1/a1/live/config_en.json");
-}
-
-TEST_F(Configuration, FallsBackToTheDefaultFileOnlyWhenTheLanguageIsMissing) {
-  world.server.onConfiguration([](const auto& request, auto& response) {
-    json(versioned(1), request.path.ends_with("/config.json") ? 200 : 404)(request, response);
-  });
-  options.languageCode = "DE";
-  world.start(options);
-  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
-  EXPECT_EQ(world.text(key::languageCode), "de");
-  EXPECT_TRUE(contains(world.log(), "[INFO]CDN Configuration with de language code not found\n"));
-  EXPECT_FALSE(contains(world.log(), "URLRequest")) << "a missing file is not logged in full";
 }
 
 TEST_F(Configuration, ThatIsBadIsExplainedAndLosesNothing) {
@@ -95,23 +81,6 @@ TEST_F(Configuration, UnchangedCostsNoBodyAndIsNotBelievedWithoutThatDocument) {
   world.store(key::etag, "\"v6\"");  // received, but the process ended before saving
   world.startLater();
   EXPECT_EQ(version(), 6);
-}
-
-TEST_F(Configuration, ThatCannotBeSavedLeavesTheEarlierFile) {
-  std::atomic<bool> full = false;
-  world.amend = [&](Platform& platform) {
-    platform.files = std::make_shared<FailingFileSystem>(
-        platform.files, [&](std::string_view change) { return full && change == "write"; });
-  };
-  world.start();
-  const std::string earlier = fileBytes(world.file());
-  full = true;
-  world.server.serve(versioned(6));
-  world.startLater();
-  EXPECT_EQ(fileBytes(world.file()), earlier);
-  EXPECT_EQ(world.sdk->getStatus(), SDKStatus::ready);
-  EXPECT_TRUE(contains(world.log(), "[ERROR]Error saving CDN: the disk is broken"));
-  EXPECT_TRUE(contains(world.log(), "Backup restored to original: " + world.file().string()));
 }
 
 TEST_F(Configuration, BundledServesUntilTheFirstDownloadAndIsCheckedLikeOne) {
@@ -213,15 +182,11 @@ TEST_F(Configuration, ThatIsLongInComingIsNotWaitedForBeyondWhatIsWanted) {
 }
 
 TEST_F(Configuration, CacheIsResetByTheRules) {
-  struct Case {
-    const char* lastMode;
-    bool testingMode;
-    const char* cachedLanguage;
-    bool resets;
-  };
-  for (const auto& [lastMode, testingMode, cachedLanguage, resets] :
-       {Case{"live", false, "en", false}, Case{"live", false, "de", true}, Case{"draft", true, "en", true},
-        Case{"draft", false, "en", true}, Case{"nonsense", false, "en", false}}) {
+  for (const auto& [lastMode, testingMode, cachedLanguage, resets] : {std::tuple("live", false, "en", false),
+                                                                      {"live", false, "de", true},
+                                                                      {"draft", true, "en", true},
+                                                                      {"draft", false, "en", true},
+                                                                      {"nonsense", false, "en", false}}) {
     SCOPED_TRACE(std::string(lastMode) + " " + cachedLanguage);
     World device;
     device.server.serve(R"({"name":"first"})", "\"tag\"");
