@@ -1,4 +1,4 @@
-// Decisions, and their way to the server.
+// Decisions, their subject, and their way to the server.
 #include <gtest/gtest.h>
 
 #include <boost/json.hpp>
@@ -21,20 +21,6 @@ std::string uploaded(const boost::json::object& upload) {
             consent.at("consent_status").as_string().c_str();
   }
   return text;
-}
-
-TEST(Defaults, FollowTheComplianceType) {
-  World world;
-  for (const auto& [type, expected] : std::vector<std::pair<std::string, ConsentStatus>>{
-           {"opt-in", declined}, {"opt-out", granted}, {"notice-only", granted}, {"Opt-In", granted}, {"", granted}}) {
-    world.store(key::currentComplianceType, type);
-    for (const auto& noStatus : {PropertyValue("granted "), PropertyValue(std::int64_t{0})}) {
-      world.store("1", noStatus);
-      EXPECT_EQ(world.sdk->get(1), expected) << type;
-    }
-    world.store("1", std::string("withdrawn"));
-    EXPECT_EQ(world.sdk->get(1), withDrawn);
-  }
 }
 
 TEST(Answer, IsStoredAsOneAndUploaded) {
@@ -64,33 +50,27 @@ TEST(Answer, IsStoredAsOneAndUploaded) {
 
 // The consent from a stored decision and the tracking authorization.
 TEST(Tracking, GovernsThePurposesBoundToIt) {
-  struct Case {
-    std::string stored;
-    bool authorized;
-    ConsentStatus expected;
-    bool changes;
-  };
-  const Case cases[] = {{"", true, granted, true},
-                        {"", false, declined, false},
-                        {"granted", true, granted, false},
-                        {"declined", true, granted, true},
-                        {"withdrawn", true, granted, true},
-                        {"granted", false, withDrawn, true},
-                        {"withdrawn", false, withDrawn, false},
-                        {"declined", false, declined, false},
-                        {"not_determined", false, declined, true}};
-  for (const Case& example : cases) {
+  const std::tuple<std::string, bool, ConsentStatus, bool> cases[] = {{"", true, granted, true},
+                                                                      {"", false, declined, false},
+                                                                      {"granted", true, granted, false},
+                                                                      {"declined", true, granted, true},
+                                                                      {"withdrawn", true, granted, true},
+                                                                      {"granted", false, withDrawn, true},
+                                                                      {"withdrawn", false, withDrawn, false},
+                                                                      {"declined", false, declined, false},
+                                                                      {"not_determined", false, declined, true}};
+  for (const auto& [stored, authorized, expected, changes] : cases) {
     World world;
-    world.tracking = example.authorized ? TrackingAuthorization::authorized : TrackingAuthorization::denied;
+    world.tracking = authorized ? TrackingAuthorization::authorized : TrackingAuthorization::denied;
     world.store(key::currentComplianceType, std::string("opt-in"));
-    if (!example.stored.empty()) world.store("3", example.stored);
+    if (!stored.empty()) world.store("3", stored);
     world.start();
-    SCOPED_TRACE(example.stored + (example.authorized ? ", authorized" : ", denied"));
-    EXPECT_EQ(world.sdk->get(3), example.expected);
-    EXPECT_EQ(world.stored().pendingPurposes(), std::vector<std::int64_t>(example.changes ? 1 : 0, 3));
+    SCOPED_TRACE(stored + (authorized ? ", authorized" : ", denied"));
+    EXPECT_EQ(world.sdk->get(3), expected);
+    EXPECT_EQ(world.stored().pendingPurposes(), std::vector<std::int64_t>(changes ? 1 : 0, 3));
     EXPECT_EQ(world.stored().consentGivenType(), GivenType::noAction) << "the device decided, not the user";
     const auto purposes = world.sdk->getPurposeConsents().get();
-    EXPECT_EQ(purposes.at(2).consentStatus, example.expected);
+    EXPECT_EQ(purposes.at(2).consentStatus, expected);
     EXPECT_EQ(purposes.at(2).attDescription.value().at("en"), "Tracking");
     EXPECT_TRUE(purposes.at(2).isATTMapped.value() && !purposes.at(0).isATTMapped.value());
   }
@@ -145,7 +125,9 @@ TEST(UploadReply, DecidesWhatStaysPending) {
     EXPECT_TRUE(contains(world.log(), reply.logged));
 
     world.server.onUpload(json(saved));
-    world.advance(61 * 30s);  // past one period of the recurring check
+    world.advance(30min - 1s);
+    EXPECT_EQ(world.uploads().size(), 1u);
+    world.advance(1s);  // one period of the recurring check, which the answer has begun
     EXPECT_EQ(world.uploads().size(), reply.retried ? 2u : 1u);
     EXPECT_TRUE(world.sdk->uploadPendingConsents().get());
     EXPECT_TRUE(world.stored().pendingPurposes().empty());
@@ -166,24 +148,22 @@ TEST(Upload, OfTheHostsOwnRequestSettlesThePending) {
   EXPECT_TRUE(contains(world.log(), "Invalid URL error ocurred.\n::"));
 }
 
-TEST(Check, RunsPeriodicallyAfterAnAnswer) {
+TEST(Subject, IsKeptUntilItIsRemoved) {
   World world;
-  world.server.onUpload(json("{}", 503));
   ConsentSDKOptions options = world.options();
-  options.consentsCheckInterval = 60;
+  options.subjectId.reset();
   world.start(options);
-  world.advance(10min);
-  EXPECT_TRUE(world.uploads().empty()) << "no timer before the first consent";
-  world.sdk->acceptOrReject(true).wait();
-  for (const auto& [later, uploads] : {std::pair(59s, 1u), {1s, 2u}, {120s, 4u}}) {
-    world.advance(later);
-    EXPECT_EQ(world.uploads().size(), uploads);
-  }
+  const auto subject = world.text(key::subjectId).value();
+  EXPECT_EQ(subject.size(), 36u);
   world.restart();
   world.start(options);
-  EXPECT_EQ(world.uploads().size(), 5u) << "what was left behind goes out at the start";
-  world.advance(60s);
-  EXPECT_EQ(world.uploads().size(), 6u) << "the next process goes on";
+  EXPECT_EQ(world.text(key::subjectId), subject);
+  world.sdk->removeConsents();
+  world.start(options);
+  EXPECT_NE(world.text(key::subjectId), subject);
+  options.subjectId = "given by the host";
+  world.start(options);
+  EXPECT_EQ(world.text(key::subjectId), "given by the host");
 }
 
 TEST(Check, IntervalIsAMinuteToAYear) {
