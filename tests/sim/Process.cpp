@@ -138,13 +138,18 @@ void Process::listen() {
   });
 }
 
-std::shared_ptr<Process::Call> Process::expect(std::string what) {
-  return calls_.emplace_back(std::make_shared<Call>(Call{std::move(what), 0}));
-}
-
 void Process::called(Call& call) {
   if (isDead_ || isClosed_) fail(7, call.what + " was answered after the end");
   if (++call.times > 1) fail(7, call.what + " was answered twice");
+}
+
+template <class Then>
+auto Process::expect(std::string what, Then then) {
+  const auto call = calls_.emplace_back(std::make_shared<Call>(Call{std::move(what), 0}));
+  return [this, call, then](const auto&... results) {
+    called(*call);
+    then(results...);
+  };
 }
 
 template <class T>
@@ -225,17 +230,12 @@ void Process::answer(unsigned what, ActReport& report) {
   report.effect = Effect::answer;
   report.accepts = what % 2 == 0;
   switch (what / 2 % 3) {
-    case 0: {
-      const auto call = isClosed_ ? std::make_shared<Call>() : expect("acceptOrReject");
-      sdk_->acceptOrReject(report.accepts, [this, call](bool) { called(*call); });
-      break;
-    }
+    case 0:
+      return sdk_->acceptOrReject(report.accepts, expect("acceptOrReject", [](bool) {}));
     case 1:
-      expectFuture(sdk_->acceptOrReject(report.accepts));
-      break;
+      return expectFuture(sdk_->acceptOrReject(report.accepts));
     default:
       report.result = sdk_->screens()->answer(report.accepts, {});
-      break;
   }
 }
 
@@ -249,44 +249,26 @@ void Process::ask(unsigned what) {
   const std::size_t since = around_.moments.empty() ? 0 : around_.moments.size() - 1;
   switch (what % 8) {
     case 0:
-    case 1: {
-      const auto call = expect("getHistory");
-      sdk_->getHistory(100, std::nullopt, [this, call, since](const HistoryPage& page) {
-        called(*call);
-        judgeHistory(since, page);
-      });
-      break;
-    }
+    case 1:
+      return sdk_->getHistory(100, std::nullopt, expect("getHistory", [this, since](const HistoryPage& page) {
+                                judgeHistory(since, page);
+                              }));
     case 2:
-    case 3: {
-      const auto call = expect("getPurposeConsents");
-      sdk_->getPurposeConsents([this, call, since](const std::vector<Purpose>& list) {
-        called(*call);
+    case 3:
+      return sdk_->getPurposeConsents(expect("getPurposeConsents", [this, since](const std::vector<Purpose>& list) {
         judgeStatuses("getPurposeConsents", since, list);
-      });
-      break;
-    }
-    case 4: {
-      const auto call = expect("consentScript");
-      sdk_->consentScript([this, call, since](const std::string& script) {
-        called(*call);
-        judgeScript(since, script);
-      });
-      break;
-    }
+      }));
+    case 4:
+      return sdk_->consentScript(
+          expect("consentScript", [this, since](const std::string& script) { judgeScript(since, script); }));
     case 5:
       expectFuture(sdk_->getGCMConsents());
-      expectFuture(sdk_->getBannerConfig());
-      break;
+      return expectFuture(sdk_->getBannerConfig());
     case 6:
       expectFuture(sdk_->getPermissionConsents());
-      expectFuture(sdk_->explain(purposes[what / 8 % purposes.size()]));
-      break;
-    default: {
-      const auto call = expect("checkConsentBy");
-      sdk_->checkConsentBy(VantariKey::cameraUsageDescription, [this, call](ConsentStatus) { called(*call); });
-      break;
-    }
+      return expectFuture(sdk_->explain(purposes[what / 8 % purposes.size()]));
+    default:
+      return sdk_->checkConsentBy(VantariKey::cameraUsageDescription, expect("checkConsentBy", [](ConsentStatus) {}));
   }
 }
 
@@ -343,15 +325,13 @@ void Process::judgeScript(std::size_t since, const std::string& script) const {
 void Process::checkConsents(unsigned what) {
   if (what % 2 == 0) return expectFuture(sdk_->checkConsents());
   if (isClosed_) return;
-  const auto call = expect("checkConsents");
-  sdk_->checkConsents([this, call] { called(*call); });
+  sdk_->checkConsents(expect("checkConsents", [] {}));
 }
 
 void Process::uploadPending(unsigned what) {
   if (what % 2 == 0) return expectFuture(sdk_->uploadPendingConsents());
   if (isClosed_) return;
-  const auto call = expect("uploadPendingConsents");
-  sdk_->uploadPendingConsents([this, call](bool) { called(*call); });
+  sdk_->uploadPendingConsents(expect("uploadPendingConsents", [](bool) {}));
 }
 
 void Process::watchGate(unsigned what) {

@@ -79,8 +79,9 @@ class Process {
 
   Platform platform();
   void listen();
-  // Expects exactly one call of a callback, unless the SDK is closed first.
-  std::shared_ptr<Call> expect(std::string what);
+  // A callback that must be called exactly once, unless the SDK is closed first.
+  template <class Then>
+  auto expect(std::string what, Then then);
   void called(Call& call);
   template <class T>
   void expectFuture(std::future<T> future);

@@ -45,23 +45,18 @@ void Screens::tapBanner(unsigned what, ActReport& report) {
     case 1:
       report.effect = Effect::answer;
       report.accepts = what % kinds == 0;
-      model->perform(report.accepts ? BannerAction::accept : BannerAction::reject);
-      break;
+      return model->perform(report.accepts ? BannerAction::accept : BannerAction::reject);
     case 2:
       report.effect = Effect::defaults;
-      model->perform(BannerAction::close);
-      break;
+      return model->perform(BannerAction::close);
     case 3:
-      if (!model->bannerConfig.get()) break;
+      if (!model->bannerConfig.get()) return;
       report.effect = Effect::defaults;
-      model->appeared();
-      break;
+      return model->appeared();
     case 4:
-      model->perform(BannerAction::openPreferenceCenter);
-      break;
+      return model->perform(BannerAction::openPreferenceCenter);
     default:
-      model->perform(BannerAction::openPrivacyNotice);
-      break;
+      return model->perform(BannerAction::openPrivacyNotice);
   }
 }
 
@@ -73,11 +68,9 @@ void Screens::tapPreferences(unsigned what, ActReport& report) {
   switch (what % kinds) {
     case 0:
     case 1:
-      model->tapToggle(purposes[what / kinds % purposes.size()]);
-      break;
+      return model->tapToggle(purposes[what / kinds % purposes.size()]);
     case 2:
-      model->setAll(what / kinds % 2 == 0);
-      break;
+      return model->setAll(what / kinds % 2 == 0);
     case 3:
     case 4:
       report.effect = Effect::save;
@@ -89,8 +82,7 @@ void Screens::tapPreferences(unsigned what, ActReport& report) {
       model->save();
       break;
     default:
-      model->close();
-      break;
+      return model->close();
   }
 }
 

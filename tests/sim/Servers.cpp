@@ -4,6 +4,8 @@
 #include <boost/json/parse.hpp>
 #include <utility>
 
+#include "tests/sim/Surroundings.h"
+
 namespace quillon::sim {
 namespace {
 
@@ -60,8 +62,7 @@ class Servers::Session : public HttpSession {
   const int owner_;
 };
 
-Servers::Servers(std::shared_ptr<Scheduler> scheduler, std::shared_ptr<VirtualClock> clock, Events events)
-    : scheduler_(std::move(scheduler)), clock_(std::move(clock)), events_(std::move(events)) {}
+Servers::Servers(Surroundings& around) : around_(around) {}
 
 Servers::~Servers() = default;
 
@@ -111,10 +112,14 @@ void Servers::send(int owner, HttpRequest request, std::stop_token stop, HttpSes
                          return other->owner == owner && other->request.url == exchange->request.url;
                        });
   underWay_.push_back(exchange);
-  events_.asked(owner, exchange->server, isTwice);
+  const std::string who = "process " + std::to_string(owner);
+  if (isTwice) around_.trail.fail(8, who + " downloads a document twice at once");
+  if (around_.traffic.isTooMuch(owner, exchange->server, around_.elapsed())) {
+    around_.trail.fail(8, who + " makes too many requests");
+  }
   if (exchange->server == Server::uploads) {
     exchange->upload = uploadOf(exchange->request.body.value_or(""), ++lastUpload_);
-    events_.uploadSent(owner, exchange->upload);
+    around_.model.uploadSent(owner, exchange->upload, around_.view());
   }
   auto& faults = faults_[static_cast<std::size_t>(exchange->server)];
   if (!faults.empty()) {
@@ -127,7 +132,7 @@ void Servers::send(int owner, HttpRequest request, std::stop_token stop, HttpSes
     }
   });
   if (exchange->isOver) return;
-  exchange->limit = clock_->after(exchange->request.timeout, [this, weak = std::weak_ptr(exchange)] {
+  exchange->limit = around_.clock->after(exchange->request.timeout, [this, weak = std::weak_ptr(exchange)] {
     if (const auto late = weak.lock()) {
       complete(late, std::unexpected(TransportError{TransportError::Kind::timedOut, "The server did not answer"}));
     }
@@ -143,11 +148,11 @@ void Servers::send(int owner, HttpRequest request, std::stop_token stop, HttpSes
 
 void Servers::travel(const Pointer& exchange, Job job) {
   if (exchange->fault != RequestFault::slow) {
-    scheduler_->post(Scheduler::network, Scheduler::unordered, std::move(job));
+    around_.scheduler->post(Scheduler::network, Scheduler::unordered, std::move(job));
     return;
   }
-  exchange->delay = clock_->after(slowness, [this, job = std::move(job)]() mutable {
-    scheduler_->post(Scheduler::network, Scheduler::unordered, std::move(job));
+  exchange->delay = around_.clock->after(slowness, [this, job = std::move(job)]() mutable {
+    around_.scheduler->post(Scheduler::network, Scheduler::unordered, std::move(job));
   });
 }
 
@@ -197,7 +202,7 @@ HttpResponse Servers::answerTo(Exchange& exchange) {
     }
     case Server::uploads: {
       const bool isRefused = exchange.fault == RequestFault::failed || exchange.fault == RequestFault::refused;
-      if (!isRefused) events_.uploadTaken(exchange.upload);
+      if (!isRefused) around_.model.uploadTaken(exchange.upload);
       const int status = !isRefused ? 0 : exchange.fault == RequestFault::failed ? 1 : 2;
       response.body = R"({"status":)" + std::to_string(status) + R"(,"message":"answered"})";
       break;
@@ -241,10 +246,11 @@ void Servers::complete(const Pointer& exchange, std::expected<HttpResponse, Tran
   std::erase(underWay_, exchange);
   exchange->limit.reset();
   exchange->delay.reset();
-  if (!outcome || exchange->fault) events_.disturbed();
-  if (events_.noted) events_.noted(lineAbout(*exchange, outcome));
+  if (!outcome || exchange->fault) around_.isDisturbed = true;
+  if (around_.trail.isKept()) around_.trail.note(lineAbout(*exchange, outcome));
+  // Not for a version that comes from the process's own cache.
   if (outcome && exchange->version) {
-    events_.configurationDelivered(exchange->owner, exchange->request.url, *exchange->version);
+    around_.model.delivered(exchange->owner, exchange->request.url, *exchange->version);
   }
   if (auto completion = std::exchange(exchange->completion, {})) completion(std::move(outcome));
 }

@@ -45,21 +45,12 @@ struct Upload {
   std::set<int> signalled = {};              // those of them attributed to a privacy signal
 };
 
+class Surroundings;
+
 class Servers {
  public:
-  // Called synchronously; `owner` sent the request.
-  struct Events {
-    // `isTwice`: the session waits for that document already.
-    std::function<void(int owner, Server server, bool isTwice)> asked;
-    std::function<void(int owner, const Upload& upload)> uploadSent;
-    std::function<void(const Upload& upload)> uploadTaken;
-    // `url` is the requested one. Not called for a version that comes from the process's own cache.
-    std::function<void(int owner, const std::string& url, int version)> configurationDelivered;
-    std::function<void()> disturbed;  // a request failed
-    std::function<void(const std::string& line)> noted;
-  };
-
-  Servers(std::shared_ptr<Scheduler> scheduler, std::shared_ptr<VirtualClock> clock, Events events);
+  // Reports to the model of this world, and to its trail.
+  explicit Servers(Surroundings& around);
   ~Servers();
 
   static constexpr const char* address = "https://sim.test/";
@@ -93,9 +84,7 @@ class Servers {
   static std::string lineAbout(const Exchange& exchange, const std::expected<HttpResponse, TransportError>& outcome);
   void complete(const Pointer& exchange, std::expected<HttpResponse, TransportError> outcome);
 
-  const std::shared_ptr<Scheduler> scheduler_;
-  const std::shared_ptr<VirtualClock> clock_;
-  const Events events_;
+  Surroundings& around_;
   std::map<std::string, const Document*> published_;
   std::optional<std::string> place_;
   bool isReachable_ = true;

@@ -8,25 +8,6 @@ namespace {
 // Noon of 1 January 2025, UTC.
 constexpr WallTime start{std::chrono::seconds(1'735'732'800)};
 
-Servers::Events eventsOf(Surroundings& world) {
-  Servers::Events events;
-  events.asked = [&world](int owner, Server server, bool isTwice) {
-    const std::string who = "process " + std::to_string(owner);
-    if (isTwice) world.trail.fail(8, who + " downloads a document twice at once");
-    if (world.traffic.isTooMuch(owner, server, world.elapsed())) world.trail.fail(8, who + " makes too many requests");
-  };
-  events.uploadSent = [&world](int owner, const Upload& upload) {
-    world.model.uploadSent(owner, upload, world.view());
-  };
-  events.uploadTaken = [&world](const Upload& upload) { world.model.uploadTaken(upload); };
-  events.configurationDelivered = [&world](int owner, const std::string& url, int version) {
-    world.model.delivered(owner, url, version);
-  };
-  events.disturbed = [&world] { world.isDisturbed = true; };
-  if (world.trail.isKept()) events.noted = [&world](const std::string& line) { world.trail.note(line); };
-  return events;
-}
-
 }  // namespace
 
 Surroundings::Surroundings(const Plan& of, Trail& to)
@@ -35,7 +16,7 @@ Surroundings::Surroundings(const Plan& of, Trail& to)
       documents(makeDocuments(of.seed)),
       model(documents, trail),
       clock(std::make_shared<VirtualClock>(start, of.hasSummerTime ? TimeZone::device : TimeZone::utc)),
-      servers(scheduler, clock, eventsOf(*this)),
+      servers(*this),
       traffic(of.checkInterval),
       suite_(store->open("quillon-cmp-sdk", {}).value()) {
   permissions->set(VantariKey::cameraUsageDescription, 0);

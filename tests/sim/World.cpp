@@ -186,8 +186,7 @@ void World::apply(const Step& step, ActReport& report) {
       if (step.what / 48 % 6 == 1) acting.setUp(step.what / 7, step.how / 7);
       break;
     case Act::close:
-      acting.close();
-      break;
+      return acting.close();
     case Act::restart:
       report.effect = Effect::setUp;
       acting.screens().clear();
@@ -196,71 +195,52 @@ void World::apply(const Step& step, ActReport& report) {
       process(step.process).setUp(step.what, step.how % 4 == 0 ? step.how : 0);
       break;
     case Act::kill:
-      acting.kill(step.what % 2 == 0);
-      break;
+      return acting.kill(step.what % 2 == 0);
     case Act::decide:
-      acting.decide(step.what, step.how, report);
-      break;
+      return acting.decide(step.what, step.how, report);
     case Act::decideOnPermission:
       report.effect = Effect::decision;
-      acting.decideOnPermission(step.what);
-      break;
+      return acting.decideOnPermission(step.what);
     case Act::answer:
-      acting.answer(step.what, report);
-      break;
+      return acting.answer(step.what, report);
     case Act::removeConsents:
       report.effect = Effect::removal;
-      acting.sdk().removeConsents();
-      break;
+      return acting.sdk().removeConsents();
     case Act::askBannerDue:
-      acting.askBannerDue(report);
-      break;
+      return acting.askBannerDue(report);
     case Act::presentBanner:
-      acting.sdk().presentBanner();
-      break;
+      return acting.sdk().presentBanner();
     case Act::tapBanner:
-      acting.screens().tapBanner(step.what, report);
-      break;
+      return acting.screens().tapBanner(step.what, report);
     case Act::presentPreferences:
-      acting.sdk().presentPreferenceCenter();
-      break;
+      return acting.sdk().presentPreferenceCenter();
     case Act::tapPreferences:
-      acting.screens().tapPreferences(step.what, report);
-      break;
+      return acting.screens().tapPreferences(step.what, report);
     case Act::check:
-      acting.checkConsents(step.what);
-      break;
+      return acting.checkConsents(step.what);
     case Act::upload:
-      acting.uploadPending(step.what);
-      break;
+      return acting.uploadPending(step.what);
     case Act::ask:
-      acting.ask(step.what);
-      break;
+      return acting.ask(step.what);
     case Act::gate:
-      acting.watchGate(step.what);
-      break;
+      return acting.watchGate(step.what);
     case Act::hold:
-      acting.hold(step.what);
-      break;
+      return acting.hold(step.what);
     case Act::failRequest:
     case Act::failStore:
     case Act::failFile:
-      applyFault(step);
-      break;
+      return applyFault(step);
     case Act::tamper:
-      around_.tamper();
-      break;
+      return around_.tamper();
     default:
-      applyToDevice(step);
-      break;
+      return applyToDevice(step);
   }
 }
 
 void World::applyToDevice(const Step& step) {
   switch (step.act) {
     case Act::jumpClock:
-      jumpClock(step.what);
-      break;
+      return jumpClock(step.what);
     case Act::network: {
       const bool isOn = step.what % 2 == 0;
       around_.servers.setReachable(isOn);
@@ -274,18 +254,15 @@ void World::applyToDevice(const Step& step) {
       around_.permissions->set(VantariKey::userTrackingUsageDescription, *around_.isTrackingAuthorized ? 3 : 2);
       break;
     case Act::permission:
-      around_.permissions->set(VantariKey::cameraUsageDescription, static_cast<int>(step.what % 4));
-      break;
+      return around_.permissions->set(VantariKey::cameraUsageDescription, static_cast<int>(step.what % 4));
     case Act::language:
       around_.language = step.what % 2 == 0 ? "en" : "de-AT";
       break;
     case Act::publish:
-      publish(step.what, step.how);
-      break;
+      return publish(step.what, step.how);
     case Act::signal:
       around_.model.signalIs(step.what % 2 == 0);
-      around_.signals->set(step.what % 2 == 0);
-      break;
+      return around_.signals->set(step.what % 2 == 0);
     default:
       break;
   }
