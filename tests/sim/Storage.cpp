@@ -34,7 +34,7 @@ class Storage::Files : public FileSystem {
  private:
   template <class Change>
   Result<void> change(Change make) {
-    const MemoryFault fault = storage_ ? storage_->faultOfFileChange() : MemoryFault::before;
+    const MemoryFault fault = storage_ ? storage_->meet(storage_->fileFault_) : MemoryFault::before;
     if (fault != MemoryFault::before) {
       auto made = make();
       if (fault == MemoryFault::none) return made;
@@ -47,11 +47,10 @@ class Storage::Files : public FileSystem {
 };
 
 Storage::Storage(const MemoryStore& shared, std::shared_ptr<FileSystem> files, std::function<void()> endProcess)
-    : shared_(std::move(files)),
-      endProcess_(std::move(endProcess)),
+    : endProcess_(std::move(endProcess)),
       store_(shared.another(
-          [present = present_] { return *present ? (*present)->faultOfUpdate() : MemoryFault::before; })),
-      files_(std::make_shared<Files>(shared_, *this)) {}
+          [present = present_] { return *present ? (*present)->meet((*present)->storeFault_) : MemoryFault::before; })),
+      files_(std::make_shared<Files>(std::move(files), *this)) {}
 
 Storage::~Storage() {
   *present_ = nullptr;
@@ -64,31 +63,22 @@ void Storage::heal() {
 }
 
 void Storage::end() {
-  hasEnded_ = true;
   store_->end();
   files_->close();
 }
 
-std::shared_ptr<FileSystem> Storage::files() {
+std::shared_ptr<FileSystem> Storage::files() const {
   return files_;
 }
 
-MemoryFault Storage::faultOfUpdate() {
-  return meet(storeFault_, storeFailures_);
-}
-
-MemoryFault Storage::faultOfFileChange() {
-  return hasEnded_ ? MemoryFault::before : meet(fileFault_, fileFailures_);
-}
-
-MemoryFault Storage::meet(std::optional<StorageFault>& fault, unsigned& failures) {
+MemoryFault Storage::meet(std::optional<StorageFault>& fault) {
   if (!fault) return MemoryFault::none;
   if (fault->changesBefore > 0) {
     --fault->changesBefore;
     return MemoryFault::none;
   }
   const StorageFault met = *std::exchange(fault, std::nullopt);
-  ++failures;
+  ++failures_;
   if (met.endsProcess) endProcess_();
   return met.endsProcess && met.takesEffect ? MemoryFault::after : MemoryFault::before;
 }

@@ -34,28 +34,22 @@ class Storage {
   void end();
 
   [[nodiscard]] const std::shared_ptr<MemoryStore>& store() const { return store_; }
-  [[nodiscard]] std::shared_ptr<FileSystem> files();
+  [[nodiscard]] std::shared_ptr<FileSystem> files() const;
   // The number of failed changes since the process began.
-  [[nodiscard]] unsigned storeFailures() const { return storeFailures_; }
-  [[nodiscard]] unsigned fileFailures() const { return fileFailures_; }
+  [[nodiscard]] unsigned failures() const { return failures_; }
 
  private:
   class Files;
 
-  MemoryFault faultOfUpdate();
-  MemoryFault faultOfFileChange();
-  MemoryFault meet(std::optional<StorageFault>& fault, unsigned& failures);
+  MemoryFault meet(std::optional<StorageFault>& fault);
 
   const std::shared_ptr<Storage*> present_ = std::make_shared<Storage*>(this);
-  const std::shared_ptr<FileSystem> shared_;
   const std::function<void()> endProcess_;
   std::shared_ptr<MemoryStore> store_;
   std::shared_ptr<Files> files_;
   std::optional<StorageFault> storeFault_;
   std::optional<StorageFault> fileFault_;
-  unsigned storeFailures_ = 0;
-  unsigned fileFailures_ = 0;
-  bool hasEnded_ = false;
+  unsigned failures_ = 0;
 };
 
 }  // namespace quillon::sim

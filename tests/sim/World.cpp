@@ -120,14 +120,12 @@ void World::make(const Step& step) {
   versionBefore_ = around_.versionOnDisk();
   Process& acting = process(step.process);
   ActReport report{.owner = acting.owner()};
-  const unsigned failures = acting.storage().storeFailures() + acting.storage().fileFailures();
+  const unsigned failures = acting.storage().failures();
   apply(step, report);
   // A restart replaces the process; none is there if it has ended again already.
   const bool isAnother = step.act == Act::restart;
   Process* const judged = isAnother ? processes_[step.process % processes_.size()].get() : &acting;
-  report.wasDisturbed =
-      !judged || judged->isDead() ||
-      judged->storage().storeFailures() + judged->storage().fileFailures() != (isAnother ? 0 : failures);
+  report.wasDisturbed = !judged || judged->isDead() || judged->storage().failures() != (isAnother ? 0 : failures);
   if (report.wasDisturbed) around_.isDisturbed = true;
   const StoreView after = around_.view();
   around_.model.judgeAct(report, before, after);
