@@ -15,26 +15,6 @@ namespace {
 
 using enum ConsentStatus;
 
-// The server's last status equals the stored one, and nothing is pending.
-TEST(Order, ADecisionThatReturnsToWhatItWasIsSentAllTheSame) {
-  World world;
-  world.start();
-  const HeldAnswers held;
-  world.server.onUpload(held.before(json(saved)));
-  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
-  auto first = world.sdk->uploadPendingConsents();
-  held.waitForOne();
-  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, granted));
-  ASSERT_TRUE(world.sdk->set({.purposeId = 1}, declined));
-  auto second = world.sdk->uploadPendingConsents();
-  EXPECT_EQ(world.uploads().size(), 1u) << "uploads do not overtake one another";
-  held.release();
-  first.wait();
-  EXPECT_TRUE(second.get());
-  EXPECT_TRUE(world.stored().pendingPurposes().empty());
-  EXPECT_EQ(world.uploads().size(), 2u);
-}
-
 TEST(Order, TheLastSetUpHoldsWhateverAnswersFirst) {
   for (const bool isChannel : {false, true}) {
     World world;

@@ -90,6 +90,37 @@ TEST_F(Safety, ABannerWithNothingToAnswerRecordsNothing) {
   }
 }
 
+// The simulation has the combinations.
+TEST_F(Safety, APrivacySignalIsAnOptOutUnlessTheUserHasAnsweredAndEndsWithTheSignal) {
+  // The user's answer on purpose 1, and what is allowed without the signal and with it.
+  const std::tuple<std::optional<ConsentStatus>, const char*, const char*> rows[] = {
+      {std::nullopt, "123", "23"}, {granted, "123", "123"}, {declined, "23", "23"}};
+  device.publish(documentOf("opt-out", {{"privacy_signal_purposes", boost::json::array{1, 2}}}));
+  for (const bool isDevices : {true, false}) {
+    const auto give = [&](bool isGiven) {
+      if (isDevices) device.setPrivacySignal(isGiven);
+      setup(
+          [&](ConsentSDKOptions& options) { options.privacySignal = PrivacySignal{.isGiven = isGiven && !isDevices}; });
+      device.settle();
+    };
+    for (const auto& [answer, without, with] : rows) {
+      SCOPED_TRACE(std::string(isDevices ? "the device's" : "the application's") + ", without it " + without);
+      launch();
+      sdk->removeConsents();
+      if (answer) sdk->set({.purposeId = 1}, *answer);
+      give(true);
+      EXPECT_EQ(allowed(), with);
+      const auto why = sdk->explain(1).get();
+      EXPECT_EQ(why.cause, answer ? DecisionCause::user : DecisionCause::signal);
+      EXPECT_EQ(why.text.starts_with("A privacy signal is honoured: declined on "), !answer) << why.text;
+      launch();
+      EXPECT_EQ(allowed(), without) << "the application does not honour it";
+      give(false);
+      EXPECT_EQ(allowed(), without) << "it ends with the signal";
+    }
+  }
+}
+
 TEST_F(Safety, RemovingLeavesWhatIsInForce) {
   device.publish(documentOf("opt-in"));
   launch();
