@@ -60,10 +60,6 @@ void ConsentServer::serve(std::string document, std::string tag) {
   });
 }
 
-std::vector<ConsentServer::Seen> ConsentServer::seen() const {
-  return seen({});
-}
-
 std::vector<ConsentServer::Seen> ConsentServer::seen(std::string_view pathPart) const {
   const std::scoped_lock lock(mutex_);
   std::vector<Seen> matching;

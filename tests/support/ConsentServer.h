@@ -42,9 +42,8 @@ class ConsentServer {
   void serve(std::string document, std::string tag = {});
   void serve(const boost::json::object& document) { serve(boost::json::serialize(document)); }
 
-  std::vector<Seen> seen() const;
   // The requests whose path contains the text.
-  std::vector<Seen> seen(std::string_view pathPart) const;
+  std::vector<Seen> seen(std::string_view pathPart = {}) const;
 
  private:
   void set(Handler& place, Handler handler);
