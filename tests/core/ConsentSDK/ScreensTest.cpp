@@ -7,46 +7,31 @@
 namespace quillon::test {
 namespace {
 
-using Strings = std::vector<std::string>;
-
-struct Screens : ::testing::Test {
-  Screens() {
-    world.amend = [this](Platform& platform) {
-      platform.screens = presenter;
-      platform.areScreensLinked = areLinked;
-    };
-  }
-  Strings shown() {
-    world.settle();
-    return presenter->take();
-  }
-  std::shared_ptr<RecordingPresenter> presenter = std::make_shared<RecordingPresenter>();
-  bool areLinked = true;
+TEST(Screens, AreShownOnTheMainQueueAndTheBannerOnce) {
+  const auto presenter = std::make_shared<RecordingPresenter>();
   World world;
-};
-
-TEST_F(Screens, AreShownOnTheMainQueueAndTheBannerOnce) {
+  world.amend = [&](Platform& platform) { platform.screens = presenter; };
   world.start();
   world.sdk->presentBanner();
   world.sdk->presentBanner();
-  EXPECT_EQ(shown(), Strings{"banner"});
+  world.settle();
   world.sdk->presentPreferenceCenter();
   world.sdk->openLink("https://example.org/");
-  EXPECT_EQ(shown(), (Strings{"preferences", "link https://example.org/"}));
+  world.settle();
+  EXPECT_EQ(presenter->take(), (std::vector<std::string>{"banner", "preferences", "link https://example.org/"}));
 }
 
-TEST_F(Screens, WithoutAUserInterfaceConsumeNothingAndTellWhatIsMissing) {
-  presenter = nullptr;
-  for (const auto& [linked, mistake] : {std::pair(false, "[ERROR]No user interface is linked, nothing is shown"),
-                                        std::pair(true, "[ERROR]A user interface is linked but not configured")}) {
-    areLinked = linked;
-    world.restart();
+TEST(Screens, WithoutAUserInterfaceConsumeNothingAndTellWhatIsMissing) {
+  for (const auto& [areLinked, mistake] : {std::pair(false, "[ERROR]No user interface is linked, nothing is shown"),
+                                           std::pair(true, "[ERROR]A user interface is linked but not configured")}) {
+    World world;
+    world.amend = [&](Platform& platform) { platform.areScreensLinked = areLinked; };
     world.start();
     world.sdk->presentBanner();
     world.sdk->settled().wait();
     EXPECT_TRUE(contains(world.log(), mistake));
+    EXPECT_TRUE(world.sdk->isBannerDue());
   }
-  EXPECT_TRUE(world.sdk->isBannerDue());
 }
 
 }  // namespace

@@ -78,6 +78,12 @@ TEST(DecisionChain, NamesWhatWasChanged) {
        [](Stored& all) { all.add(6, chained({decision(9)}, all.head).texts.front()); }, "missing 6 5 4 3 2 1"},
       {"one without a hash", [](Stored& all) { all.add(6, journalText(decision(6))); }, "missing 6! 5 4 3 2 1"},
       {"renumbered", [](Stored& all) { all.numbered(5).number = 9; }, "9! 4 3 2 1"},
+      {"another beginning",
+       [](Stored& all) {
+         all.add(6, chained({decision(9)}, "first").texts.front());
+         all.head = entryHash(all.numbered(6).text);
+       },
+       "6! 5 4 3 2 1"},
       {"the removal of what was before claimed", [](Stored& all) { all = fiveEntries("removed", 1); }, "5 4 3 2 1!"},
       {"damage in the middle",
        [](Stored& all) {

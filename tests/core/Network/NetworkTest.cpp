@@ -54,13 +54,6 @@ TEST(Requests, AreBuiltFromEndPointAndBaseAndNeedAnAddress) {
                                          {"X-Auth-Token", "token"},
                                          {"If-None-Match", "\"v1\""}}));
   EXPECT_EQ(upload.timeout, std::chrono::seconds(60));
-  EndPoint custom;
-  custom.headerParams = {{HeaderParam::accept, "text/plain"}};
-  custom.queryParams = {{QueryParam::limit, "a b&c"}};
-  custom.pathURL = "p?old=1";
-  const auto request = build(custom, "http://h/").value();
-  EXPECT_EQ(request.url, "http://h/p?limit=a%20b%26c");
-  EXPECT_EQ(request.headers.at("Accept"), "text/plain");
 }
 
 // Configuration, location and uploads come from separate servers, which repeat the token they receive.
