@@ -74,15 +74,8 @@ std::string Document::json() const {
 }
 
 const char* textOf(Law law) {
-  switch (law) {
-    case Law::optIn:
-      return "opt-in";
-    case Law::optOut:
-      return "opt-out";
-    case Law::noticeOnly:
-      break;
-  }
-  return "notice-only";
+  constexpr std::array texts{"notice-only", "opt-in", "opt-out"};  // in the order of Law
+  return texts[static_cast<std::size_t>(law)];
 }
 
 int monthsOf(const std::string& interval) {

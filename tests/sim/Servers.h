@@ -3,7 +3,6 @@
 
 #include <array>
 #include <deque>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -12,8 +11,6 @@
 #include <vector>
 
 #include "platform/HttpSession.h"
-#include "platform/memory/VirtualClock.h"
-#include "quillon/ConsentStatus.h"
 #include "tests/sim/Documents.h"
 #include "tests/sim/Scheduler.h"
 
