@@ -121,6 +121,7 @@ TEST_F(History, FollowsTheUploads) {
   EXPECT_EQ(listed(), (Lines{"1 Camera >granted device uploaded", "2 Contac >declined device uploaded",
                              "3 1 >granted user superseded", "4 1 granted>declined user uploaded",
                              "5 77 >granted user pending", "6 1 declined>granted user pending"}));
+  EXPECT_EQ(world.stored().pendingPurposes(), (std::vector<std::int64_t>{1, 77})) << "what was decided meanwhile, too";
 }
 
 TEST_F(History, HoldsNoDecisionThatWasNotStoredAndNoTextOfAnyLength) {
