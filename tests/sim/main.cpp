@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "tests/sim/Shrinker.h"
+#include "tests/sim/TestWriter.h"
 #include "tests/sim/World.h"
 
 namespace quillon::sim {
@@ -17,7 +18,15 @@ struct Options {
   std::size_t failures = 1;
   bool trail = false;
   bool shrink = false;
+  bool asTest = false;
 };
+
+void report(const Plan& failing, const Options& options) {
+  const Plan plan = options.shrink ? shrunk(failing) : failing;
+  const Outcome outcome = live(plan, Keep::trail);
+  if (options.shrink) std::fputs(outcome.trail.c_str(), stdout);
+  if (options.asTest) std::fputs(asTest(plan, outcome.failure.value_or("")).c_str(), stdout);
+}
 
 int run(const Options& options) {
   const auto begin = std::chrono::steady_clock::now();
@@ -31,7 +40,7 @@ int run(const Options& options) {
     ++failed;
     std::printf("seed %llu, step %zu: %s\n", static_cast<unsigned long long>(seed), outcome.steps,
                 outcome.failure->c_str());
-    if (options.shrink) std::fputs(live(shrunk(plan), Keep::trail).trail.c_str(), stdout);
+    if (options.shrink || options.asTest) report(plan, options);
     std::fflush(stdout);
   }
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
@@ -55,6 +64,7 @@ int main(int argc, char** argv) {
   app.add_option("--failures", options.failures, "Goes on until so many have failed")->capture_default_str();
   app.add_flag("--trail", options.trail, "Prints what happened");
   app.add_flag("--shrink", options.shrink, "Makes what fails as short as it can and prints what happened");
+  app.add_flag("--as-test", options.asTest, "Prints what fails as a test over the test kit, to be pasted");
   CLI11_PARSE(app, argc, argv);
   return run(options);
 }
