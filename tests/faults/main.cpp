@@ -30,7 +30,6 @@ constexpr Area areas[] = {
     {"Process", processRows, "the sanitizer does not survive the forks of a process with threads"},
     {"Host", hostRows},
     {"Network", networkRows},
-    {"Bus", busRows},
 };
 
 constexpr int leftOutStatus = 77;
