@@ -277,6 +277,24 @@ Seen uselessTags(Trial& trial) {
   return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
 }
 
+// Neither accepted (0) nor retryable (1).
+Seen finalStatus(Trial& trial) {
+  World world;
+  world.server.onUpload(json(R"({"status":2,"message":"no"})"));
+  world.start();
+  world.sdk->acceptOrReject(true).wait();
+  world.advance(24h);
+  trial.expect(world.uploads().size() == 1, "what the server refused for good is sent again");
+  world.restart();
+  world.start();
+  world.advance(24h);
+  trial.expect(world.uploads().size() == 1, "the next run sends it again");
+  world.sdk->set({.purposeId = 1}, ConsentStatus::declined);
+  world.advance(2s);
+  trial.expect(world.uploads().size() == 2, "a change is not sent");
+  return seen(world);
+}
+
 // A token that occurs in every response.
 Seen tokenInAnswer(Trial& trial) {
   World world;
@@ -368,6 +386,7 @@ std::vector<Row> networkRows() {
       Row("silent-bus", "the message buses take connections and say nothing", silentBus,
           {"ready", "Something went wrong while fetching the permission status", "1=granted camera=not_determined"}),
       Row("tag-useless", "entity tags that are empty or cannot be sent", uselessTags, {"ready", "", "version 14"}),
+      Row("status-final", "uploads are refused for good", finalStatus, {"ready", "", "1=declined"}),
       Row("place-nowhere", "a known place, then answers that name none", placeWithoutCountry,
           {"ready", "Failed to Decode CurrentLocationResponse", "CURRENT_COMPLIANCE_TYPE=opt-out"}),
       Row("token-in-answer", "the token is a word of every answer", tokenInAnswer),

@@ -86,6 +86,19 @@ constexpr PowerRun runs[] = {
        device.start();
        answer(device, false);
      }},
+    {"power-upload", "an upload that clears the lists",
+     [](const Path& data) {
+       install(data);
+       PowerDevice device(data);
+       decide(device, 1, ConsentStatus::withDrawn);
+     },
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       device.start();
+       auto uploaded = device.sdk().uploadPendingConsents();
+       device.run();
+       (void)uploaded.get();
+     }},
     {"power-configuration", "a new configuration over an old one",
      [](const Path& data) {
        install(data);
@@ -98,6 +111,14 @@ constexpr PowerRun runs[] = {
        PowerDevice device(data, &chronicle);
        device.publish(2);
        device.start();
+     }},
+    {"power-removal", "everything removed, and decided anew", installed,
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice device(data, &chronicle);
+       device.start();
+       device.sdk().removeConsents();
+       device.run();
+       decide(device, 1, ConsentStatus::declined);
      }},
     {"power-damage", "a damaged store set aside, and a new one begun",
      [](const Path& data) {
@@ -119,6 +140,15 @@ constexpr PowerRun runs[] = {
        decide(device, 3, ConsentStatus::declined);
      },
      true},
+    {"power-two", "two SDKs over one folder, as in two processes, that decide in turn", installed,
+     [](const Path& data, Chronicle& chronicle) {
+       PowerDevice one(data, &chronicle);
+       PowerDevice two(data, &chronicle);
+       decide(one, 1, ConsentStatus::withDrawn);
+       decide(two, 1, ConsentStatus::granted);
+       decide(one, 2, ConsentStatus::declined);
+       decide(two, 3, ConsentStatus::declined);
+     }},
 };
 
 using Calls = std::vector<DiskCall>;
@@ -276,10 +306,12 @@ Seen powerCuts(const PowerRun& run, Trial& trial) {
   return {.status = "ready", .log = {}, .stored = allAcknowledged};
 }
 
+bool isSyncOf(const DiskCall& call, std::string_view suffix) {
+  return call.kind == DiskCall::Kind::syncFile && call.name.ends_with(suffix);
+}
+
 void omitSyncs(Calls& calls, std::string_view suffix) {
-  std::erase_if(calls, [&](const DiskCall& call) {
-    return call.kind == DiskCall::Kind::syncFile && call.name.ends_with(suffix);
-  });
+  std::erase_if(calls, [&](const DiskCall& call) { return isSyncOf(call, suffix); });
 }
 
 // Removes calls from a recording that a faulty SDK would omit.
@@ -292,10 +324,18 @@ struct Planted {
 constexpr Planted plants[] = {
     {"no sync of the store", "power-decision", [](Calls& calls) { omitSyncs(calls, ".sqlite"); }},
     {"no sync of its journal", "power-decision", [](Calls& calls) { omitSyncs(calls, "-journal"); }},
-    {"a new store takes its place unsynced", "power-start", [](Calls& calls) { omitSyncs(calls, ".sqlite.new"); }},
     {"no sync of the folder", "power-start",
      [](Calls& calls) {
        std::erase_if(calls, [](const auto& call) { return call.kind == DiskCall::Kind::syncFolder; });
+     }},
+    {"a new store takes its place before it is synced", "power-start",
+     [](Calls& calls) {
+       const auto renamed = std::ranges::find_if(calls, [](const DiskCall& call) {
+         return call.kind == DiskCall::Kind::rename && call.name.ends_with(".sqlite");
+       });
+       const auto synced =
+           std::ranges::find_if(calls, [](const DiskCall& call) { return isSyncOf(call, ".sqlite.new"); });
+       if (renamed < calls.end() && synced < renamed) std::rotate(synced, synced + 1, renamed + 1);
      }},
     {"a damaged store moved away before the new one takes its place", "power-damage",
      [](Calls& calls) {
