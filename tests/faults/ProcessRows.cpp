@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "core/Persistance/UserDefaults/StoreKeys.h"
+#include "platform/linux/AsioExecutors.h"
 #include "platform/linux/StandardConsole.h"
 #include "platform/parts/FunctionConsentSink.h"
 #include "quillon/LinuxPlatform.h"
@@ -76,29 +77,6 @@ class Servers {
   const std::string silent = urls_.substr(urls_.find(' ') + 1);
 };
 
-// main() returns while the SDK loads, stores and uploads, with a stalled and a responding server.
-Seen leavingMain(Trial& trial) {
-  const TemporaryFolder place;
-  const auto data = place.path() / "data";
-  (void)seenIn(data);
-  const Servers servers;
-  int round = 0;
-  // The operation running when the process exits.
-  const std::function<void(ConsentSDK&)> moments[] = {
-      [](ConsentSDK&) {},
-      [](ConsentSDK& sdk) { sdk.settled().wait_for(5ms); },
-      [](ConsentSDK& sdk) { sdk.set({.purposeId = 1}, ConsentStatus::granted); },
-      [](ConsentSDK& sdk) { (void)sdk.acceptOrReject(true); },
-      [](ConsentSDK& sdk) { sdk.checkConsents([] {}); },
-  };
-  for (const auto& moment : moments) {
-    for (const auto& url : {servers.silent, servers.answering}) {
-      expectGoodEnd(trial, "moment " + std::to_string(round++), [&] { moment(sharedInstance(data, url)); });
-    }
-  }
-  return seenIn(data);
-}
-
 // Number of uses of the SDK by the threads below.
 std::atomic<int> uses = 0;
 
@@ -106,7 +84,7 @@ void useForEver(ConsentSDK& sdk) {
   const std::function<void(bool)> ways[] = {
       [&](bool grant) { (void)sdk.set({.purposeId = 2}, grant ? ConsentStatus::granted : ConsentStatus::withDrawn); },
       [&](bool) { sdk.checkConsents([] {}); },
-      [&](bool) { (void)sdk.uploadPendingConsents().get(); },
+      [&](bool) { (void)sdk.uploadPendingConsents(); },
       [&](bool) { (void)sdk.getPurposeConsents().get(); },
       [&](bool) { sdk.isReady([](SDKStatus) {}); },
       [&](bool) { (void)sdk.getHistory(5).get(); },
@@ -131,7 +109,7 @@ Seen leavingThreads(Trial& trial) {
         waitForUses(200);
         if (!ConsentSDK::shared().set({.purposeId = 1}, ConsentStatus::granted)) std::_Exit(3);
       });
-      auto& sdk = sharedInstance(data, servers.silent);
+      auto& sdk = sharedInstance(data, round % 2 == 0 ? servers.silent : servers.answering);
       for (int thread = 0; thread < 4; ++thread) std::thread([&sdk] { useForEver(sdk); }).detach();
       waitForUses(round * round);
     });
@@ -379,22 +357,10 @@ Seen callbackThatDestroys(Trial& trial) {
   return seen(world);
 }
 
-// The host's main queue drops or refuses every job: operations that do not need it do not wait for it.
+// The host's main queue drops every job: operations that do not need it do not wait for it.
 Seen mainQueueThatLoses(Trial& trial) {
   World world;
-  struct Nowhere : Executor {
-    void post(Job) override {}
-  };
-  struct Losing : Executors {
-    std::shared_ptr<Executors> real;
-    std::shared_ptr<Executor> main() override { return std::make_shared<Nowhere>(); }
-    std::shared_ptr<Executor> background() override { return real->background(); }
-    std::shared_ptr<Executor> serial(std::string label) override { return real->serial(std::move(label)); }
-  };
-  world.amend = [](Platform& platform) {
-    const auto losing = std::make_shared<Losing>();
-    losing->real = std::exchange(platform.executors, losing);
-  };
+  world.amend = [](Platform& platform) { platform.executors = std::make_shared<AsioExecutors>([](const auto&) {}); };
   world.start();
   world.sdk->checkConsents([&] { trial.expect(false, "called where there is no queue"); });
   trial.expect(world.sdk->acceptOrReject(true).get(), "a decision waits for the main queue");
@@ -412,8 +378,7 @@ extern "C" int __lsan_is_turned_off() {
 
 std::vector<Row> processRows() {
   return {
-      Row("leave-main", "main returns at five moments of a run, the server silent or not", leavingMain),
-      Row("leave-threads", "main returns while other threads use the SDK, until the process is gone", leavingThreads),
+      Row("leave-threads", "main returns while threads use the SDK, the servers silent or not", leavingThreads),
       Row("fork", "the host forks while the SDK is at work, and the children exit", fork),
       Row("descriptors-closed", "descriptors 0 to 2 are closed, and the application prints", closedDescriptors),
       Row("broken-pipes", "peers hang up, nobody reads the output, SIGPIPE at its default", brokenPipes,

@@ -91,6 +91,5 @@ std::vector<Row> powerRows();
 std::vector<Row> processRows();
 std::vector<Row> hostRows();
 std::vector<Row> networkRows();
-std::vector<Row> busRows();
 
 }  // namespace quillon::test

@@ -9,6 +9,7 @@
 #include "core/Persistance/UserDefaults/StoreKeys.h"
 #include "platform/linux/SqliteDatabase.h"
 #include "platform/linux/SqliteStore.h"
+#include "platform/linux/StandardConsole.h"
 #include "platform/linux/WorkPool.h"
 #include "tests/faults/Row.h"
 #include "tests/platform/ChildProcess.h"
@@ -110,37 +111,25 @@ Seen answerAfterALoss(Trial& trial) {
   return seen(world);
 }
 
-// Another process, stopped during a decision, holds the store for longer than a start waits. Nothing is granted
+// Another connection, stopped during a decision, holds the store for longer than a start waits. Nothing is granted
 // meanwhile, even if the default is granted, and everything recovers once it is released.
 Seen heldStore(Trial& trial) {
-  const TemporaryFolder place;
-  const auto data = place.path() / "data";
-  ChildProcess first([&](const auto&) {
-    World world(data);
-    world.server.serve(underOptOut());
-    world.start();
-    world.sdk->acceptOrReject(true).get();
-  });
-  trial.expect(first.finish().empty(), "not prepared");
-  ChildProcess holder([&](const auto& say) {
-    auto database = SqliteDatabase::open(storeIn(data));
-    say(database && database->run("BEGIN EXCLUSIVE") ? "held" : "not held");
-    ::pause();
-  });
-  trial.expect(holder.hear() == "held", "the store was not held");
-
-  World world(data);
+  World world;
   world.server.serve(underOptOut());
+  world.start();
+  world.sdk->acceptOrReject(true).get();
+  auto holder = SqliteDatabase::open(storeIn(world.data));
+  if (!holder || !holder->run("BEGIN EXCLUSIVE")) throw std::runtime_error("the store was not held");
+
   world.amend = [&](Platform& platform) {
-    const std::chrono::milliseconds appearDelay = trial.isShort() ? 300ms : 10s;
-    platform.store = std::make_shared<SqliteStore>(data, std::make_shared<WorkPool>("store", 2), appearDelay);
+    platform.store = std::make_shared<SqliteStore>(world.data, std::make_shared<WorkPool>("store", 2), 300ms);
   };
   world.restart();
   for (const int purpose : {1, 99}) {
     trial.expect(world.sdk->get(purpose) == ConsentStatus::declined, "granted while nothing is known");
   }
   trial.expect(!world.sdk->set({.purposeId = 1}, ConsentStatus::withDrawn), "stored while it was held");
-  holder.kill();
+  trial.expect(holder->run("ROLLBACK").has_value(), "the store was not released");
   const auto deadline = std::chrono::steady_clock::now() + 10s;
   while (world.sdk->get(1) != ConsentStatus::granted && std::chrono::steady_clock::now() < deadline) {
     std::this_thread::sleep_for(10ms);
@@ -152,26 +141,18 @@ Seen heldStore(Trial& trial) {
 
 // A link in place of the store: the only kind of error that stops the application, which says why.
 Seen linkInPlaceOfTheStore(Trial& trial) {
-  struct SpokenConsole : Console {
-    explicit SpokenConsole(ChildProcess::Say to) : say(std::move(to)) {}
-    void write(std::string_view block) override { say(std::string(block) + "\n"); }
-    [[noreturn]] void fatal(std::string_view message, std::string_view) override {
-      say(message);
-      std::abort();
-    }
-    const ChildProcess::Say say;
-  };
   const TemporaryFolder place;
   const auto data = place.path() / "data";
   std::filesystem::create_directory(data);
   std::filesystem::create_symlink("other", storeIn(data));
   ChildProcess process([&](const auto& say) {
+    for (const int output : {STDOUT_FILENO, STDERR_FILENO}) ::dup2(say.end, output);
     World world(data);
-    world.amend = [&](Platform& platform) { platform.console = std::make_shared<SpokenConsole>(say); };
+    world.amend = [](Platform& platform) { platform.console = std::make_shared<StandardConsole>(); };
     world.start();
   });
   const auto said = process.finish();
-  trial.expect(said.ends_with("\nCould not create or access UserDefaults suite: quillon-cmp-sdk"
+  trial.expect(said.ends_with(": Fatal error: Could not create or access UserDefaults suite: quillon-cmp-sdk\n"
                               " [ended with wait status 6]"),
                "it ended otherwise: " + said);
   trial.expect(said.find("[ERROR] Store " + data.string()) != said.npos, "the reason was not told: " + said);
@@ -230,17 +211,14 @@ Seen damagedConfiguration(Trial& trial) {
   return seen(world, "nothing granted");
 }
 
-// A row with something else in place of the cached configuration, which is downloaded again.
-Row inPlaceOfTheFile(std::string_view name, std::string_view what, void (*put)(const Path&)) {
-  const auto run = [put](Trial&) {
-    World world;
-    world.start();
-    std::filesystem::remove(world.file());
-    put(world.file());
-    world.start();
-    return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
-  };
-  return {name, what, run, {"ready", "", "version 5"}};
+// A file of 5 GB in place of the cached configuration, which is downloaded again.
+Seen hugeConfiguration(Trial&) {
+  World world;
+  world.start();
+  setFileBytes(world.file(), "{");
+  std::filesystem::resize_file(world.file(), std::uintmax_t{5} << 30);
+  world.start();
+  return seen(world, "version " + std::to_string(world.stored().integer(key::configurationVersion, 0)));
 }
 
 // The folder and its files may only be read, by a user who is not the administrator.
@@ -289,14 +267,8 @@ std::vector<Row> storeRows() {
       Row("cache-damage",
           "the cached configuration cut at every length, each byte changed, zeroed in places; no server",
           damagedConfiguration, {"unavailable", "Failed to fetch CDN File", "nothing granted"}),
-      inPlaceOfTheFile("cache-pipe", "a pipe in its place", [](const Path& path) { ::mkfifo(path.c_str(), 0600); }),
-      inPlaceOfTheFile("cache-link", "a link to a device in its place",
-                       [](const Path& path) { std::filesystem::create_symlink("/dev/zero", path); }),
-      inPlaceOfTheFile("cache-huge", "a file of 5 GB in its place",
-                       [](const Path& path) {
-                         setFileBytes(path, "{");
-                         std::filesystem::resize_file(path, std::uintmax_t{5} << 30);
-                       }),
+      Row("cache-huge", "a file of 5 GB in place of the cached configuration", hugeConfiguration,
+          {"ready", "", "version 5"}),
       Row("read-only", "the folder and its files may only be read", readOnlyFolder,
           {"ready", "Error saving CDN", "1=granted"}),
   };

@@ -1,119 +1,163 @@
 #include "tests/faults/SystemCalls.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdarg>
-#include <cstdio>
-#include <cstring>
+#include <mutex>
+#include <optional>
 #include <string_view>
-
-#include "tests/faults/power/CallRecord.h"
+#include <utility>
 
 namespace quillon::test {
 namespace {
 
-enum class Call { looks, needsRoom, writes };
+enum class Call { looks, needsRoom };
+using Kind = DiskCall::Kind;
 
-// What a failing call does instead of its work.
-enum class Instead { nothing, fail, half };
+// Set before a fault or a record begins, unchanged meanwhile.
+std::string folderPath;
+int currentError = 0;
+int currentNumber = 0;
 
 std::atomic<bool> armed{false};
 std::atomic<int> counted{0};
-std::atomic<bool> struck{false};
-// Set before `armed`, unchanged while it is set.
-char folderPath[PATH_MAX];
-std::size_t folderLength = 0;
-Effect current{};
-int currentNumber = 0;
+std::atomic<bool> callStruck{false};
 
-// Uses no library call that could re-enter or allocate.
-bool inFolder(const char* path) {
-  return path != nullptr && std::strncmp(path, folderPath, folderLength) == 0;
+std::atomic<bool> isRecording{false};
+std::mutex mutex;  // guards the calls
+std::vector<DiskCall> calls;
+
+// Bypasses the calls below.
+std::uint64_t inode(int folder, const char* path, int flags) {
+  struct stat status{};
+  return ::syscall(SYS_newfstatat, folder, path, &status, flags) == 0 ? status.st_ino : 0;
 }
 
-bool inFolder(int descriptor) {
-  char link[64];
-  char target[PATH_MAX];
-  std::snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor);
-  const long length = ::syscall(SYS_readlinkat, AT_FDCWD, link, target, sizeof target - 1);
-  if (length <= 0) return false;
-  target[length] = '\0';
-  return inFolder(target);
+// The path's name in the folder, empty for the folder itself; nullopt outside it.
+std::optional<std::string> nameIn(std::string_view path) {
+  if (!path.starts_with(folderPath)) return std::nullopt;
+  path.remove_prefix(folderPath.size());
+  if (path.empty()) return std::string();
+  if (path.front() != '/') return std::nullopt;
+  return std::string(path.substr(1));
 }
 
-bool concerns(Effect effect, Call call) {
-  if (effect == Effect::full) return call != Call::looks;
-  return effect != Effect::shortened || call == Call::writes;
+std::optional<std::string> nameIn(const char* path) {
+  return path == nullptr ? std::nullopt : nameIn(std::string_view(path));
 }
 
+std::optional<std::string> nameIn(int file) {
+  const auto link = "/proc/self/fd/" + std::to_string(file);
+  std::array<char, PATH_MAX> target;
+  const long length = ::syscall(SYS_readlinkat, AT_FDCWD, link.c_str(), target.data(), target.size());
+  if (length <= 0) return std::nullopt;
+  return nameIn(std::string_view(target.data(), static_cast<std::size_t>(length)));
+}
+
+// Whether the call fails instead of doing its work.
 template <class Where>
-Instead strike(Call call, Where where) {
-  if (!armed.load(std::memory_order_acquire) || !concerns(current, call)) return Instead::nothing;
+bool strike(Call call, Where where) {
+  if (!armed.load(std::memory_order_acquire)) return false;
+  const bool isFull = currentError == ENOSPC;
+  if (isFull && call == Call::looks) return false;
   const int before = errno;
-  const bool ours = inFolder(where);
+  const bool isOurs = nameIn(where).has_value();
   errno = before;
-  if (!ours) return Instead::nothing;
+  if (!isOurs) return false;
   const int number = ++counted;
-  if (current == Effect::full ? number < currentNumber : number != currentNumber) return Instead::nothing;
-  struck = true;
-  switch (current) {
-    case Effect::kill:
-      ::syscall(SYS_kill, ::getpid(), SIGKILL);
-      break;
-    case Effect::shortened:
-      return Instead::half;
-    case Effect::failing:
-      errno = EIO;
-      break;
-    case Effect::full:
-      errno = ENOSPC;
-      break;
-    case Effect::interrupted:
-      errno = EINTR;
-      break;
-  }
-  return Instead::fail;
+  if (isFull ? number < currentNumber : number != currentNumber) return false;
+  callStruck = true;
+  errno = currentError;
+  return true;
 }
 
 template <class Where, class... Arguments>
 int passOn(Call kind, Where where, long call, Arguments... arguments) {
-  if (strike(kind, where) == Instead::fail) return -1;
+  if (strike(kind, where)) return -1;
   return static_cast<int>(::syscall(call, arguments...));
 }
 
-template <class Write>
-ssize_t writeOn(int file, const void* bytes, std::size_t count, std::uint64_t at, const Write& write) {
-  const Instead instead = strike(Call::writes, file);
-  if (instead == Instead::fail) return -1;
-  const ssize_t written = write(instead == Instead::half ? (count + 1) / 2 : count);
+template <class Where, class Make>
+void record(Where where, const Make& make) {
+  if (!isRecording) return;
+  const std::lock_guard lock(mutex);
+  auto name = nameIn(where);
+  if (name) calls.push_back(make(std::move(*name)));
+}
+
+// Without a number, the one of what is at the path now.
+void recordPath(Kind kind, const char* path, std::uint64_t file = 0, const char* before = "") {
+  record(path, [&](std::string name) {
+    return DiskCall{kind, file != 0 ? file : inodeOf(path), std::move(name), nameIn(before).value_or("")};
+  });
+}
+
+// A sync is the folder's if that is what was synced.
+void recordFile(Kind kind, int file, std::uint64_t at = 0, std::string_view bytes = {}) {
+  record(file, [&](std::string name) {
+    if (name.empty()) kind = Kind::syncFolder;
+    return DiskCall{kind, inode(file, "", AT_EMPTY_PATH), std::move(name), {}, at, std::string(bytes)};
+  });
+}
+
+template <class... Place>
+ssize_t writeOn(int file, const void* bytes, std::size_t count, std::uint64_t at, long call, Place... place) {
+  const ssize_t written = passOn(Call::needsRoom, file, call, file, bytes, count, place...);
   if (written > 0) {
-    record::inFile(DiskCall::Kind::write, file, at, {static_cast<const char*>(bytes), static_cast<size_t>(written)});
+    recordFile(Kind::write, file, at, {static_cast<const char*>(bytes), static_cast<std::size_t>(written)});
   }
   return written;
 }
 
+int syncOn(int file, long call) {
+  const int done = passOn(Call::needsRoom, file, call, file);
+  if (done == 0) recordFile(Kind::syncFile, file);
+  return done;
+}
+
 }  // namespace
 
-void breakCalls(const std::filesystem::path& folder, Effect effect, int number) {
-  folderLength = folder.string().copy(folderPath, sizeof folderPath - 1);
-  current = effect;
+void breakCalls(const std::filesystem::path& folder, int error, int number) {
+  folderPath = folder;
+  currentError = error;
   currentNumber = number;
   counted = 0;
-  struck = false;
+  callStruck = false;
   armed.store(true, std::memory_order_release);
 }
 
 bool restoreCalls() {
   armed = false;
-  return struck;
+  return callStruck;
+}
+
+void recordCalls(const std::filesystem::path& folder) {
+  folderPath = folder;
+  calls.clear();
+  isRecording = true;
+}
+
+void markCall(std::string text) {
+  const std::lock_guard lock(mutex);
+  calls.push_back({.kind = Kind::mark, .name = std::move(text)});
+}
+
+std::vector<DiskCall> recordedCalls() {
+  isRecording = false;
+  const std::lock_guard lock(mutex);
+  return std::exchange(calls, {});
+}
+
+std::uint64_t inodeOf(const char* path) {
+  return inode(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW);
 }
 
 }  // namespace quillon::test
@@ -121,11 +165,7 @@ bool restoreCalls() {
 // Interpose the C library's functions in the whole process, SQLite included. Calls outside the folder pass through.
 extern "C" {
 
-using quillon::test::Call;
-using Kind = quillon::test::DiskCall::Kind;
-using quillon::test::passOn;
-namespace record = quillon::test::record;
-using quillon::test::writeOn;
+using namespace quillon::test;
 
 int open64(const char* path, int flags, ...) {
   va_list rest;
@@ -133,11 +173,11 @@ int open64(const char* path, int flags, ...) {
   const mode_t mode = (flags & (O_CREAT | __O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(rest, unsigned)) : mode_t{0};
   va_end(rest);
   const bool creates = (flags & O_CREAT) != 0;
-  const bool mayCreate = creates && record::isOn() && record::inodeOf(path) == 0;
+  const bool mayCreate = creates && isRecording && inodeOf(path) == 0;
   const int file =
       passOn(creates ? Call::needsRoom : Call::looks, path, SYS_openat, AT_FDCWD, path, flags | O_LARGEFILE, mode);
-  if (file >= 0 && mayCreate) record::atPath(Kind::create, path);
-  if (file >= 0 && !mayCreate && (flags & O_TRUNC) != 0) record::inFile(Kind::resize, file);
+  if (file >= 0 && mayCreate) recordPath(Kind::create, path);
+  if (file >= 0 && !mayCreate && (flags & O_TRUNC) != 0) recordFile(Kind::resize, file);
   return file;
 }
 int open(const char*, int, ...) __attribute__((alias("open64")));
@@ -146,39 +186,34 @@ int mkdir(const char* path, mode_t mode) noexcept {
 }
 int mknod(const char* path, mode_t mode, dev_t device) noexcept {
   const int done = passOn(Call::needsRoom, path, SYS_mknodat, AT_FDCWD, path, mode, device);
-  if (done == 0) record::atPath(Kind::create, path);
+  if (done == 0) recordPath(Kind::create, path);
   return done;
 }
 int link(const char* from, const char* to) noexcept {
   const int done = passOn(Call::needsRoom, from, SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0);
-  if (done == 0) record::atPath(Kind::link, to);
+  if (done == 0) recordPath(Kind::link, to);
   return done;
 }
 
 ssize_t write(int file, const void* bytes, size_t count) {
-  const auto at = record::isOn() ? record::positionOf(file) : 0;
-  return writeOn(file, bytes, count, at, [&](size_t taken) { return ::syscall(SYS_write, file, bytes, taken); });
+  const auto at = isRecording ? ::syscall(SYS_lseek, file, 0, SEEK_CUR) : 0;
+  return writeOn(file, bytes, count, static_cast<std::uint64_t>(at), SYS_write);
 }
 ssize_t pwrite64(int file, const void* bytes, size_t count, off64_t offset) {
-  return writeOn(file, bytes, count, static_cast<std::uint64_t>(offset),
-                 [&](size_t taken) { return ::syscall(SYS_pwrite64, file, bytes, taken, offset); });
+  return writeOn(file, bytes, count, static_cast<std::uint64_t>(offset), SYS_pwrite64, offset);
 }
 int fsync(int file) {
-  const int done = passOn(Call::needsRoom, file, SYS_fsync, file);
-  if (done == 0) record::inFile(Kind::syncFile, file);
-  return done;
+  return syncOn(file, SYS_fsync);
 }
 int fdatasync(int file) {
-  const int done = passOn(Call::needsRoom, file, SYS_fdatasync, file);
-  if (done == 0) record::inFile(Kind::syncFile, file);
-  return done;
+  return syncOn(file, SYS_fdatasync);
 }
 int rename(const char* from, const char* to) noexcept {
   return renameat2(AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
   const int done = passOn(Call::needsRoom, from, SYS_renameat2, fromFolder, from, toFolder, to, flags);
-  if (done == 0) record::atPath(Kind::rename, to, 0, from);
+  if (done == 0) recordPath(Kind::rename, to, 0, from);
   return done;
 }
 
@@ -190,13 +225,13 @@ ssize_t pread64(int file, void* bytes, size_t count, off64_t offset) {
 }
 int ftruncate64(int file, off64_t length) noexcept {
   const int done = passOn(Call::looks, file, SYS_ftruncate, file, length);
-  if (done == 0) record::inFile(Kind::resize, file, static_cast<std::uint64_t>(length));
+  if (done == 0) recordFile(Kind::resize, file, static_cast<std::uint64_t>(length));
   return done;
 }
 int unlink(const char* path) noexcept {
-  const auto inode = record::isOn() ? record::inodeOf(path) : 0;
+  const auto inode = isRecording ? inodeOf(path) : 0;
   const int done = passOn(Call::looks, path, SYS_unlinkat, AT_FDCWD, path, 0);
-  if (done == 0) record::atPath(Kind::remove, path, inode);
+  if (done == 0) recordPath(Kind::remove, path, inode);
   return done;
 }
 int fchmod(int file, mode_t mode) noexcept {

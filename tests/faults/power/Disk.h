@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/faults/power/CallRecord.h"
+#include "tests/faults/SystemCalls.h"
 
 namespace quillon::test {
 

@@ -10,12 +10,13 @@
 #include "platform/linux/SqliteStore.h"
 #include "platform/memory/FixedHostApplication.h"
 #include "platform/memory/FixedLocale.h"
+#include "platform/memory/MemoryConsole.h"
 #include "platform/memory/NoPermissionSources.h"
 #include "platform/memory/ScriptedHttpSession.h"
 #include "platform/memory/SeededRandom.h"
 #include "platform/memory/StaticNetworkPath.h"
 #include "platform/parts/FixedAppTracking.h"
-#include "tests/faults/power/CallRecord.h"
+#include "tests/faults/SystemCalls.h"
 #include "tests/support/World.h"
 
 namespace quillon::test {
@@ -79,7 +80,7 @@ SuiteImage imageOf(const KeyValueSuite& suite) {
 }
 
 PowerDevice::PowerDevice(const std::filesystem::path& data, Chronicle* chronicle) {
-  platform_.console = console_;
+  platform_.console = std::make_shared<MemoryConsole>();
   platform_.clock = std::make_shared<VirtualClock>(WallTime(std::chrono::seconds(startSeconds)));
   platform_.executors = executors_;
   platform_.files = std::make_shared<PosixFileSystem>(data);
@@ -132,12 +133,6 @@ void PowerDevice::start() {
                .subjectId = "SUBJECT",
                .locationCode = "DE"});
   run();
-}
-
-std::string PowerDevice::log() const {
-  std::string text;
-  for (const auto& block : console_->blocks()) text += block + "\n";
-  return text;
 }
 
 }  // namespace quillon::test

@@ -3,13 +3,10 @@
 
 #include <filesystem>
 #include <memory>
-#include <optional>
-#include <string>
 #include <vector>
 
 #include "platform/Platform.h"
 #include "platform/memory/ManualExecutors.h"
-#include "platform/memory/MemoryConsole.h"
 #include "platform/memory/VirtualClock.h"
 #include "quillon/ConsentSDK.h"
 #include "testing/DeviceServers.h"
@@ -42,15 +39,14 @@ class PowerDevice {
 
   // Publishes a configuration with `purposes` purposes.
   void publish(std::int64_t version, int purposes = 3, bool isOptOut = false);
+  void disconnect() { servers_->setReachable(false); }
   // Sets the SDK up and runs all work.
   void start();
   ConsentSDK& sdk();
   void run() { executors_->runUntilIdle(); }
-  std::string log() const;
 
  private:
   const std::shared_ptr<ManualExecutors> executors_ = std::make_shared<ManualExecutors>();
-  const std::shared_ptr<MemoryConsole> console_ = std::make_shared<MemoryConsole>();
   const std::shared_ptr<testing::DeviceServers> servers_ = std::make_shared<testing::DeviceServers>();
   Platform platform_;
   std::unique_ptr<ConsentSDK> sdk_;

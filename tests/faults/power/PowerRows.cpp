@@ -217,6 +217,8 @@ std::string fault(const PowerRun& run, const DiskState& state, const Path& data,
   layOut(state, data);
   PowerDevice device(data);
   device.publish(3);
+  // A configuration that was in use can be had without the servers.
+  if (!run.isDamaged && acknowledged.entries.contains(std::string(key::configurationVersion))) device.disconnect();
   const auto found = imageOf(*device.suite());
   if (found != acknowledged && found != underWay) {
     return found.entries.contains(lostEntriesKey) && !run.isDamaged ? "passed for damage" : "another content is found";
@@ -308,6 +310,10 @@ bool isSyncOf(const DiskCall& call, std::string_view suffix) {
   return call.kind == DiskCall::Kind::syncFile && call.name.ends_with(suffix);
 }
 
+void omitSyncs(Calls& calls, std::string_view suffix) {
+  std::erase_if(calls, [&](const DiskCall& call) { return isSyncOf(call, suffix); });
+}
+
 // Removes calls from a recording that a faulty SDK would omit.
 struct Planted {
   std::string_view fault;
@@ -316,13 +322,11 @@ struct Planted {
 };
 
 constexpr Planted plants[] = {
-    {"no sync of the store", "power-decision",
-     [](Calls& calls) { std::erase_if(calls, [](const DiskCall& call) { return isSyncOf(call, ".sqlite"); }); }},
-    {"no sync of its journal", "power-decision",
-     [](Calls& calls) { std::erase_if(calls, [](const DiskCall& call) { return isSyncOf(call, "-journal"); }); }},
+    {"no sync of the store", "power-decision", [](Calls& calls) { omitSyncs(calls, ".sqlite"); }},
+    {"no sync of its journal", "power-decision", [](Calls& calls) { omitSyncs(calls, "-journal"); }},
     {"no sync of the folder", "power-start",
      [](Calls& calls) {
-       std::erase_if(calls, [](const DiskCall& call) { return call.kind == DiskCall::Kind::syncFolder; });
+       std::erase_if(calls, [](const auto& call) { return call.kind == DiskCall::Kind::syncFolder; });
      }},
     {"a new store takes its place before it is synced", "power-start",
      [](Calls& calls) {
