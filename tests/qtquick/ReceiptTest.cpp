@@ -18,6 +18,7 @@ struct ReceiptOnTheScreen : testing::Test, ScreenWorld {
     world.amend = [this, amend](Platform& platform) {
       amend(platform);
       platform.chooser = chooser;
+      if (!isLinked) platform.receipts = nullptr;
     };
   }
 
@@ -40,6 +41,7 @@ struct ReceiptOnTheScreen : testing::Test, ScreenWorld {
     screenWith("Save Receipt");
   }
 
+  bool isLinked = true;
   std::shared_ptr<MemoryFileChooser> chooser = std::make_shared<MemoryFileChooser>();
 };
 
@@ -47,7 +49,6 @@ TEST_F(ReceiptOnTheScreen, IsShownAndSavedByKeyboardPointerAndAssistiveTechnolog
   for (const Way way : {Way::key, Way::mouse, Way::assistive}) {
     open(way);
     EXPECT_TRUE(says("Receipt", QAccessible::Grouping));
-    EXPECT_TRUE(says("A signed record of your choices", QAccessible::StaticText));
     EXPECT_TRUE(says("Statistics", QAccessible::Heading));
     EXPECT_TRUE(says("Identifier: ", QAccessible::StaticText));
     use("Save Receipt", way);
@@ -75,8 +76,27 @@ TEST_F(ReceiptOnTheScreen, EveryOutcomeIsSaidAndTheScreenStays) {
     EXPECT_TRUE(says(text, QAccessible::AlertMessage));
   }
   EXPECT_TRUE(chooser->files().empty());
-  use("Save Changes");
+  use("Save Receipt");
+  key(Qt::Key_Escape);
   EXPECT_TRUE(isGone());
+  settle();
+  EXPECT_FALSE(chooser->answer(SaveOutcome::saved)) << "the dialog goes with the screen";
+}
+
+TEST_F(ReceiptOnTheScreen, IsNotThereWithoutTheLibraryAndNotSavedWithoutADialog) {
+  chooser = nullptr;
+  open(Way::mouse);
+  use("Save Receipt");
+  EXPECT_TRUE(says("This desktop cannot ask where to save a file.", QAccessible::AlertMessage));
+  presenter->dismissTopMost();
+  ASSERT_TRUE(isGone());
+  isLinked = false;
+  world.restart();
+  start();
+  preferenceCenter();
+  use("Receipt");
+  EXPECT_TRUE(says("The receipt is not available.", QAccessible::AlertMessage));
+  EXPECT_TRUE(contains(world.log(), "quillon::proof is not linked"));
 }
 
 TEST_F(ReceiptOnTheScreen, ThatCannotBeMadeIsAFailureWithARetry) {
@@ -88,13 +108,6 @@ TEST_F(ReceiptOnTheScreen, ThatCannotBeMadeIsAFailureWithARetry) {
   world.sdk->set({.purposeId = 1}, ConsentStatus::granted);
   use("Refresh");
   EXPECT_TRUE(await([&] { return control("Save Receipt") != nullptr; }));
-}
-
-TEST(ScreensWithoutReceipt, DoNotHaveIt) {
-  ScreenWorld app;
-  app.start();
-  app.preferenceCenter();
-  EXPECT_FALSE(app.control("Receipt"));
 }
 
 }  // namespace

@@ -47,15 +47,15 @@ TEST_F(Screens, EveryWayToAnswerTheBannerStoresTheAnswerAndReturnsTheFocus) {
   }
 }
 
-TEST(ScreensClosed, TheBannerRecordsTheDefaults) {
+TEST_F(Screens, ABannerThatIsClosedRecordsTheDefaults) {
+  start();
   for (const bool byKey : {true, false}) {
-    ScreenWorld app;
-    app.start();
-    app.banner();
-    byKey ? app.key(Qt::Key_Escape) : app.use("Close");
-    EXPECT_TRUE(app.isGone());
-    EXPECT_EQ(app.status(1), "declined");
-    EXPECT_EQ(app.world.stored().consentGivenType(), GivenType::implicitly);
+    world.sdk->removeConsents();
+    banner();
+    byKey ? key(Qt::Key_Escape) : use("Close");
+    EXPECT_TRUE(isGone());
+    EXPECT_EQ(status(1), "declined");
+    EXPECT_EQ(world.stored().consentGivenType(), GivenType::implicitly);
   }
 }
 
@@ -86,18 +86,6 @@ TEST_F(Screens, SavedChoicesCloseThePreferenceCentreAndTheBannerBelow) {
     EXPECT_EQ(status(1), before == "granted" ? "declined" : "granted");
     EXPECT_TRUE(hostControl->hasActiveFocus());
   }
-}
-
-TEST_F(Screens, ClosingThePreferenceCentreDiscardsTheChoicesAndShowsTheBannerAgain) {
-  start();
-  banner();
-  use("Choose");
-  screenWith("Statistics");
-  use("Statistics");
-  key(Qt::Key_Escape);
-  screenWith("Accept");
-  EXPECT_EQ(status(1), "none");
-  EXPECT_TRUE(top()->hasActiveFocus() || control("Choose")->hasActiveFocus());
 }
 
 TEST_F(Screens, RefusingAllIsAsNearAsAcceptingAllAndSavingComesNext) {
@@ -153,19 +141,6 @@ TEST_F(Screens, AMessageCoversNeitherSaveNorWhatItExplains) {
   }
 }
 
-TEST_F(Screens, ASwitchThatCannotBeSwitchedStaysAndIsExplainedLater) {
-  start();
-  preferenceCenter();
-  for (const Way way : {Way::mouse, Way::key, Way::assistive}) {
-    use("Security", way);
-    EXPECT_TRUE(isOn("Security"));
-  }
-  advance(1499ms);
-  EXPECT_EQ(saying(explanation), 0);
-  advance(1ms);
-  EXPECT_GT(saying(explanation), 0);
-}
-
 TEST_F(Screens, APurposeThatAPrivacySignalOptsOutIsOffAndSaysWhy) {
   bannerOf(document)["compliance_type"] = "opt-out";
   document["privacy_signal_purposes"] = boost::json::array{1};
@@ -180,14 +155,6 @@ TEST_F(Screens, APurposeThatAPrivacySignalOptsOutIsOffAndSaysWhy) {
     return content && content->property("markup").toString().contains("privacy signal");
   };
   EXPECT_TRUE(std::ranges::any_of(items(), explains));
-  // The user may know better.
-  use("Statistics");
-  use("Save Changes");
-  EXPECT_TRUE(isGone());
-  EXPECT_EQ(status(1), "granted");
-  preferenceCenter();
-  EXPECT_TRUE(isOn("Statistics"));
-  EXPECT_FALSE(std::ranges::any_of(items(), explains));
 }
 
 TEST_F(Screens, ThePromptIsOfferedAgainUnlessItWasClosed) {

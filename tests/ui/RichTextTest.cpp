@@ -5,7 +5,6 @@
 
 #include "tests/ui/OnMainQueue.h"
 #include "ui/Common/RichText/RichTextViewModel.h"
-#include "ui/Common/RichText/StringUtils.h"
 
 namespace quillon::test {
 namespace {
@@ -34,13 +33,11 @@ std::string repeated(std::string_view text, int count) {
   return all;
 }
 
-struct RichText : testing::Test {
-  static void expect(std::initializer_list<std::pair<const char*, const char*>> cases) {
-    for (const auto& [html, text] : cases) EXPECT_EQ(shown(richTextFromHtml(html)), text) << html;
-  }
-};
+void expect(std::initializer_list<std::pair<const char*, const char*>> cases) {
+  for (const auto& [html, text] : cases) EXPECT_EQ(shown(richTextFromHtml(html)), text) << html;
+}
 
-TEST_F(RichText, StylesRuns) {
+TEST(RichText, StylesRuns) {
   expect({
       {"a<b>b<i>c</i></b><i>d<strong>e</strong></i>", "a{b}b{i}cde"},
       {"<cite>a</cite><dfn>b</dfn><var>c</var><em>d</em>", "{i}abcd"},
@@ -50,37 +47,34 @@ TEST_F(RichText, StylesRuns) {
       {"<big>a<small>b</small></big>", "{x1.2}a{}b"},
       {"<span style='FONT-WEIGHT : Bold!important;font-style:oblique'>a</span>", "{i}a"},
       {"<b>a<span style='font-weight:400'>b</span></b><p style='font-weight:600'>c", "{b}a{}b\n{b}c"},
-      {"<span style=';;:x;text-decoration:underline line-through red'>a</span>", "{us}a"},
       {"<u>a<span style='text-decoration:none'>b</span></u><u style='text-decoration-line:none'>c</u>", "{u}ab{}c"},
+      {"<span style=';;:x;text-decoration:underline line-through red'>a</span>", "{us}a"},
       {"<b>a</b><b>b</b><b></b>c", "{b}ab{}c"},
   });
 }
 
-TEST_F(RichText, KeepsLinksAsTheyStand) {
+TEST(RichText, KeepsLinksAsTheyStand) {
   expect({
       {"a <a href=' https://x.example/?a=1&amp;b=2 '>b <b>c</b></a>.",
        "a {u>https://x.example/?a=1&b=2}b {bu>https://x.example/?a=1&b=2}c{}."},
       {"<a href=x style='text-decoration:none'>a</a><a>b</a><a href=''>c</a>", "{>x}a{}bc"},
       {"<a href='java&#10;script:x'>a</a><a href='h&#x10ffff0;\xff'>b</a>", "a{u>h\ufffd\ufffd}b"},
-      {"<a href=1>a<p>b</a>c", "{u>1}a{}\n{u>1}b{}c"},
   });
   EXPECT_EQ(shown(richTextFromHtml("<a href='" + std::string(2048, 'x') + "'>a")).size(), 2048 + 5);
   EXPECT_EQ(shown(richTextFromHtml("<a href='" + std::string(2049, 'x') + "'>a")), "a");
 }
 
-TEST_F(RichText, CollapsesWhiteSpaceAcrossElements) {
+TEST(RichText, CollapsesWhiteSpaceAcrossElements) {
   expect({
       {"\n\n  a \t\r\n b<b> c </b> d ", "a b{b} c {}d"},
-      {"a <!-- x --> <i> </i> b", "a b"},
-      {"<p>a </p> <p> b</p>", "a\nb"},
+      {"<p>a <!-- x --> <i> </i> b </p> <p> b</p>", "a b\nb"},
       {"a<pre>\n  b\n\tc \n</pre> d", "a\n  b\n\tc \nd"},
       {"&nbsp;\u2003<b>&emsp;</b>a&nbsp;b\u3000\u2029<br>&nbsp;", "a\u00a0b"},
       {" &nbsp;<p>\u2028<br> ", ""},
-      {"", ""},
   });
 }
 
-TEST_F(RichText, BreaksLinesBetweenBlocks) {
+TEST(RichText, BreaksLinesBetweenBlocks) {
   expect({
       {"a<br>b<br><br>c<p>d<br></p><div><div>e</div></div>f", "a\nb\n\nc\nd\ne\nf"},
       {"a<hr>b<blockquote>c</blockquote><dl><dt>d<dd>e</dl>", "a\nb\nc\nd\ne"},
@@ -93,7 +87,7 @@ TEST_F(RichText, BreaksLinesBetweenBlocks) {
   });
 }
 
-TEST_F(RichText, HoldsNothingThatMakesARequestOrRuns) {
+TEST(RichText, HoldsNothingThatMakesARequestOrRuns) {
   expect({
       {"<head><title>x</title><style>x</style></head><body onload=x>a<img src=x alt=x><svg><text>x</text></svg>b",
        "ab"},
@@ -104,7 +98,7 @@ TEST_F(RichText, HoldsNothingThatMakesARequestOrRuns) {
   });
 }
 
-TEST_F(RichText, RepairsWhatIsNoText) {
+TEST(RichText, RepairsWhatIsNoText) {
   expect({
       {"a\xff\xc3 \xed\xa0\x80", "a\ufffd\ufffd \ufffd\ufffd\ufffd"},
       {"&#x2BBBBBBBBBBBBBBB;&#xd800;", "\ufffd\ufffd"},
@@ -114,7 +108,7 @@ TEST_F(RichText, RepairsWhatIsNoText) {
   });
 }
 
-TEST_F(RichText, RefusesWhatWouldTakeLongAndReadsTheRestInAMoment) {
+TEST(RichText, RefusesWhatWouldTakeLongAndReadsTheRestInAMoment) {
   std::string manyFonts;
   for (int i = 0; i < 1000; ++i) manyFonts += "<font size=" + std::to_string(i) + ">";
   const std::pair<bool, std::vector<std::string>> cases[]{
@@ -136,13 +130,6 @@ TEST_F(RichText, RefusesWhatWouldTakeLongAndReadsTheRestInAMoment) {
       EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10)) << html.substr(0, 40);
     }
   }
-}
-
-TEST_F(RichText, IsTrimmedAcrossRuns) {
-  const AttributedText text{
-      {{.text = " \n"}, {.text = "\u2009", .font = TextRun::bold}, {.text = "\ta b\v"}, {.text = " "}}};
-  EXPECT_EQ(trimmed(text), (AttributedText{{{.text = "a b"}}}));
-  EXPECT_EQ(trimmed(AttributedText{{{.text = "\u200b"}}}), (AttributedText{{{.text = "\u200b"}}}));
 }
 
 struct RichTextModel : OnMainQueue<RichTextViewModel> {

@@ -44,18 +44,14 @@ TEST_F(WebWorld, TellsWhatIsOnScreenAndMovesThroughTheHistory) {
 }
 
 TEST_F(WebWorld, TheBlockedPageFollowsTheUsersLanguageAndItsDirection) {
-  for (const auto& [language, direction] : {std::pair("ar", "rtl"), {"ja", "ltr"}}) {
-    auto options = screens.world.options();
-    options.languageCode = language;
-    screens.world.start(options);
-    open("$REFUSED/");
-    shows(std::string(labelLanguage(language)->text(Label::pageBlocked)));
-    EXPECT_EQ(evaluate("document.documentElement.lang"), language);
-    EXPECT_EQ(evaluate("getComputedStyle(document.querySelector('main')).direction"), direction) << language;
-    EXPECT_EQ(evaluate("getComputedStyle(document.getElementById('address')).direction"), "ltr") << language;
-    screens.presenter->dismissTopMost();
-    EXPECT_TRUE(screens.isGone());
-  }
+  auto options = screens.world.options();
+  options.languageCode = "ar";
+  screens.world.start(options);
+  open("$REFUSED/");
+  shows(std::string(labelLanguage("ar")->text(Label::pageBlocked)));
+  EXPECT_EQ(evaluate("document.documentElement.lang"), "ar");
+  EXPECT_EQ(evaluate("getComputedStyle(document.querySelector('main')).direction"), "rtl");
+  EXPECT_EQ(evaluate("getComputedStyle(document.getElementById('address')).direction"), "ltr");
 }
 
 TEST_F(WebWorld, GrantsAPageNothing) {

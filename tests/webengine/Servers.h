@@ -8,7 +8,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUdpSocket>
-#include <condition_variable>
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <string>
@@ -41,14 +41,10 @@ class AllowedServer {
     pages_[path] = {std::move(body), std::move(headers), status};
   }
   // From now on answers wait until release().
-  void hold() {
-    const std::scoped_lock lock(mutex_);
-    isHolding_ = true;
-  }
+  void hold() { isHolding_ = true; }
   void release() {
-    const std::scoped_lock lock(mutex_);
     isHolding_ = false;
-    released_.notify_all();
+    isHolding_.notify_all();
   }
 
   bool saw(const std::string& path) const {
@@ -68,9 +64,12 @@ class AllowedServer {
     int status = 404;
   };
   void answer(const httplib::Request& request, httplib::Response& response) {
-    std::unique_lock lock(mutex_);
-    seen_[request.path] = request;
-    released_.wait(lock, [this] { return !isHolding_; });
+    {
+      const std::scoped_lock lock(mutex_);
+      seen_[request.path] = request;
+    }
+    isHolding_.wait(true);
+    const std::scoped_lock lock(mutex_);
     const Page& page = pages_[request.path];
     response.status = page.status;
     for (const auto& [name, value] : page.headers) response.set_header(name.c_str(), value);
@@ -79,8 +78,7 @@ class AllowedServer {
   }
 
   mutable std::mutex mutex_;
-  std::condition_variable released_;
-  bool isHolding_ = false;
+  std::atomic<bool> isHolding_ = false;
   std::map<std::string, Page> pages_;
   std::map<std::string, httplib::Request> seen_;
   httplib::Server server_;
