@@ -99,11 +99,17 @@ TEST_F(PlacedScreens, AnotherSdksAnswerIsNotTheBanners) {
   other.amend = world.amend;  // with the same presenter
   other.server.serve(boost::json::serialize(document));
   other.start();
-  presenter->presentBanner(world.sdk->screens());
-  screenWith("Choose");
-  other.sdk->presentPreferenceCenter();
-  screenWith("Save Changes");
-  use("Save Changes");
+  const auto saveOver = [&](World& below) {
+    presenter->presentBanner(below.sdk->screens());
+    screenWith("Choose");
+    other.sdk->presentPreferenceCenter();
+    screenWith("Save Changes");
+    use("Save Changes");
+  };
+  saveOver(other);
+  EXPECT_TRUE(isGone()) << "the other one's banner goes with its preference centre";
+  EXPECT_EQ(ended(), "");
+  saveOver(world);
   screenWith("Choose");
   EXPECT_EQ(ended(), "");
   presenter->dismissTopMost();
