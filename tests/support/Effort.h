@@ -5,7 +5,10 @@
 
 namespace quillon::test {
 
-// Where a sanitizer makes each round cost ten times as much, few are enough: the release goes through all of them.
 inline constexpr bool isSanitized = !std::string_view(SANITIZERS).empty();
+
+// Where a sanitizer or an emulator makes each round cost ten times as much, few are enough: the release goes through all
+// of them.
+inline constexpr bool isSlowed = isSanitized || EMULATED;
 
 }  // namespace quillon::test

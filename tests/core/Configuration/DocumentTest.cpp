@@ -141,7 +141,7 @@ TEST(HostileDocument, IsRefusedWhenItsRecordsWouldTakeTooMuchMemory) {
 
 TEST(HostileDocument, MayHaveMillionsOfUnknownKeysButNoneTwice) {
   std::string json = R"({"id":"a")";
-  constexpr int count = test::isSanitized ? 200'000 : 2'000'000;
+  constexpr int count = test::isSlowed ? 200'000 : 2'000'000;
   for (int i = 0; i < count; ++i) json += ",\"" + std::to_string(i) + "\":0";
   EXPECT_EQ(errorOf(json + "}"), "accepted");
   EXPECT_EQ(errorOf(json + ",\"7\":0}"), "document: duplicate key");
