@@ -178,8 +178,6 @@ TEST_F(ServeTest, SignalEndsTheServerEvenWhileAnswersAreDelayed) {
 TEST_F(ServeTest, WrongCommandLineIsAnError) {
   start();
   const std::vector<std::string> cases[] = {{"serve"},
-                                            {"serve", file("missing")},
-                                            {"serve", published, "--port", "70000"},
                                             {"serve", published, "--port", std::to_string(port)},
                                             {"serve", published, "--fail", "200"},
                                             {"serve", published, "--db", published},
