@@ -66,6 +66,8 @@ TEST(Receipt, SaysOfEachDecisionWhatItWasAndCallsNoDefaultAConsent) {
       {"signal", "", "declined", "dpv:ConsentRefused", user},
       {"signal", "", "granted", "dpv:ConsentUnknown", other},
       {"default", "", "granted", "dpv:ConsentUnknown", other},
+      {"essential", "", "granted", "dpv:ConsentUnknown", other},
+      {"tracking_status", "", "granted", "dpv:ConsentUnknown", other},
       {"unheard of", "granted", "granted", "dpv:ConsentUnknown", other},
   };
   HistoryEvidence evidence{.subjectId = "s", .applicationId = "a"};
