@@ -7,7 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "platform/Clock.h"
 #include "platform/HttpSession.h"
@@ -23,13 +23,7 @@ struct Traffic {
   std::int64_t bodyBytesDown = 0;
 
   std::int64_t total() const { return requests[configuration] + requests[location] + requests[upload]; }
-  Traffic& operator+=(const Traffic& other) {
-    for (std::size_t kind = 0; kind < requests.size(); ++kind) requests[kind] += other.requests[kind];
-    failed += other.failed;
-    bodyBytesUp += other.bodyBytesUp;
-    bodyBytesDown += other.bodyBytesDown;
-    return *this;
-  }
+  Traffic& operator+=(const Traffic& other);
 };
 
 // The network between all devices of a fleet and the servers: real exchanges, counted by the second of the simulated
@@ -40,69 +34,20 @@ class FleetNetwork : public HttpSession {
   // thousand descriptors.
   static constexpr std::size_t maximumUnderWay = 64;
 
-  FleetNetwork(std::shared_ptr<HttpSession> session, std::shared_ptr<const Clock> clock)
-      : session_(std::move(session)), clock_(std::move(clock)), start_(clock_->now()) {}
+  FleetNetwork(std::shared_ptr<HttpSession> session, std::shared_ptr<const Clock> clock);
 
-  void send(HttpRequest request, std::stop_token stop, Completion completion) override {
-    const auto second = std::chrono::floor<std::chrono::seconds>(clock_->now() - start_).count();
-    {
-      std::unique_lock lock(mutex_);
-      Traffic& traffic = traffic_[second];
-      ++traffic.requests[kindOf(request)];
-      if (request.body) traffic.bodyBytesUp += static_cast<std::int64_t>(request.body->size());
-      if (cut_) {
-        ++traffic.failed;
-        lock.unlock();
-        return completion(std::unexpected(TransportError{TransportError::Kind::unreachable, "The network is cut"}));
-      }
-      answered_.wait(lock, [this] { return underWay_ < maximumUnderWay; });
-      ++underWay_;
-    }
-    session_->send(std::move(request), std::move(stop),
-                   [this, second, completion = std::move(completion)](auto answer) mutable {
-                     {
-                       const std::scoped_lock lock(mutex_);
-                       Traffic& traffic = traffic_[second];
-                       if (!answer || answer->status.value_or(0) >= 400) ++traffic.failed;
-                       if (answer) traffic.bodyBytesDown += static_cast<std::int64_t>(answer->body.size());
-                     }
-                     completion(std::move(answer));
-                     {
-                       const std::scoped_lock lock(mutex_);
-                       --underWay_;
-                       hasAnswer_ = true;
-                     }
-                     answered_.notify_one();
-                   });
-  }
+  void send(HttpRequest request, std::stop_token stop, Completion completion) override;
 
   // While it is cut, every request is unreachable.
-  void setCut(bool cut) {
-    const std::scoped_lock lock(mutex_);
-    cut_ = cut;
-  }
+  void setCut(bool cut);
 
   // Waits until an exchange is over that began before; false at once when none is under way.
-  bool waitForAnswer() {
-    std::unique_lock lock(mutex_);
-    if (underWay_ == 0 && !hasAnswer_) return false;
-    answered_.wait(lock, [this] { return hasAnswer_; });
-    hasAnswer_ = false;
-    return true;
-  }
+  bool waitForAnswer();
 
   // By seconds since the start.
-  std::map<std::int64_t, Traffic> traffic() const {
-    const std::scoped_lock lock(mutex_);
-    return traffic_;
-  }
+  std::map<std::int64_t, Traffic> traffic() const;
 
  private:
-  static Traffic::Kind kindOf(const HttpRequest& request) {
-    if (request.body) return Traffic::upload;
-    return request.url.contains("/geo/location") ? Traffic::location : Traffic::configuration;
-  }
-
   const std::shared_ptr<HttpSession> session_;
   const std::shared_ptr<const Clock> clock_;
   const WallTime start_;
