@@ -50,6 +50,7 @@ TEST(Contract, IsKeptByTwoReceiversBehindNginx) {
     ASSERT_TRUE(first.waitUntilReady() && second.waitUntilReady());
     NginxServer nginx(QUILLON_SAMPLE_SITE, first.port(), second.port(),
                       isPostgres ? NginxServer::Tls::off : NginxServer::Tls::on);
+    EXPECT_TRUE(contains(nginx.testReport(), "test is successful"));
     expectSound(nginx.appUrl(), nginx.cdnUrl(), isPostgres ? "" : "--ca " + nginx.certificate());
     const std::string log = nginx.accessLog();
     EXPECT_TRUE(contains(log, "POST 200"));
@@ -75,8 +76,10 @@ TEST(CheckServer, FindsEachFaultAndSaysWhetherItLosesDecisions) {
       {answersUploadsByEntityTag, "LOSES    upload: If-None-Match of the configuration"},
       {takesAnyToken, "LOSES    refusal: a wrong token"},
       {writesStatusAsText, "LOSES    upload  "},
+      {refusesLargeUploads, "LOSES    upload: 1500 purposes"},
       {dropsSlowClients, "LOSES    client: slow"},
       {servesPageForMissing, "LOSES    configuration: language that is not there"},
+      {changesEntityTags, "untidy   configuration: same tag"},
       {tagsTheLocation, "untidy   location: entity tag"}};
   if (isSanitized) rows.resize(3);  // each is a hundred requests to a server of the test itself
   // They wait more than they work: all at once.

@@ -3,10 +3,10 @@
 
 #include <httplib.h>
 
+#include <atomic>
 #include <boost/json.hpp>
 #include <map>
 #include <mutex>
-#include <set>
 #include <string>
 #include <thread>
 
@@ -25,8 +25,10 @@ class WrongServer {
     answersUploadsByEntityTag,  // 304 to an upload whose tag matches
     takesAnyToken,
     writesStatusAsText,
+    refusesLargeUploads,   // above 64 KiB
     dropsSlowClients,      // after a second
     servesPageForMissing,  // 200 in place of 404
+    changesEntityTags,     // another one from each machine
     tagsTheLocation,
   };
 
@@ -34,16 +36,19 @@ class WrongServer {
       : fault_(fault), configuration_(std::move(configuration)), location_(std::move(location)) {
     // A thread for each of the ten that come together, and for those that are kept waiting.
     server_.new_task_queue = [] { return new httplib::ThreadPool(24); };
-    server_.set_payload_max_length(1 << 20);
+    server_.set_payload_max_length(is(Fault::refusesLargeUploads) ? 64 << 10 : 1 << 20);
     if (is(Fault::dropsSlowClients)) server_.set_read_timeout(0, 500'000);
     server_.Get("/.*", [this](const auto& request, auto& response) { get(request, response); });
     server_.Post("/vantari/v1/consent/mobile/singleupload",
                  [this](const auto& request, auto& response) { post(request, response); });
     port_ = server_.bind_to_any_port("127.0.0.1");
-    thread_ = std::jthread([this] { server_.listen_after_bind(); });
+    thread_ = std::thread([this] { server_.listen_after_bind(); });
     while (!server_.is_running()) std::this_thread::yield();
   }
-  ~WrongServer() { server_.stop(); }
+  ~WrongServer() {
+    server_.stop();
+    thread_.join();
+  }
 
   std::string url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/"; }
 
@@ -66,8 +71,9 @@ class WrongServer {
       response.status = 404;
       return;
     }
-    response.set_header("ETag", kTag);
-    if (request.get_header_value("If-None-Match") == kTag) {
+    const std::string tag = is(Fault::changesEntityTags) ? "\"" + std::to_string(++count_ % 2) + "\"" : kTag;
+    response.set_header("ETag", tag);
+    if (request.get_header_value("If-None-Match") == tag) {
       response.status = 304;
     } else {
       response.set_content(configuration_, "application/json");
@@ -83,23 +89,21 @@ class WrongServer {
     const bool hasToken = request.get_header_value("X-Auth-Token") == configuration.at("x-auth-token").as_string();
     if (!hasToken && !is(Fault::takesAnyToken)) return answer(response, 401, 1);
     const auto upload = receiver::readUpload(request.body);
-    if (!upload && is(Fault::acknowledgesAnything)) return answer(response, 200, 0);
-    if (!upload) return answer(response, 400, 1);
+    if (!upload)
+      return answer(response, is(Fault::acknowledgesAnything) ? 200 : 400, is(Fault::acknowledgesAnything) ? 0 : 1);
     std::int64_t time = 0;
     for (const auto& decision : upload->decisions) {
       if (decision.kind == receiver::Kind::purpose) time = std::max(time, decision.decidedAt);
     }
     {
       std::unique_lock lock(mutex_);
-      if (is(Fault::refusesRepeats) && !seen_.insert(request.body).second) return answer(response, 409, 1);
+      if (is(Fault::refusesRepeats) && seen_[request.body]++ > 0) return answer(response, 409, 1);
       if (is(Fault::refusesLateUploads) && time < newest_[upload->subject]) return answer(response, 200, 2);
       newest_[upload->subject] = time;
       if (is(Fault::refusesUploadsAtOnce)) {
-        if (!underWay_.insert(upload->subject).second) return answer(response, 409, 1);
-        lock.unlock();
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        lock.lock();
-        underWay_.erase(upload->subject);
+        if (underWay_[upload->subject]++ > 0) return --underWay_[upload->subject], answer(response, 409, 1);
+        changed_.wait_for(lock, std::chrono::milliseconds(50), [&] { return false; });
+        --underWay_[upload->subject];
       }
     }
     if (is(Fault::writesStatusAsText))
@@ -112,13 +116,15 @@ class WrongServer {
   const Fault fault_;
   const std::string configuration_;
   const std::string location_;
-  std::mutex mutex_;  // guards the three members below
-  std::set<std::string> seen_;
-  std::set<std::string> underWay_;
-  std::map<std::string, std::int64_t> newest_;
   httplib::Server server_;
   int port_ = 0;
-  std::jthread thread_;
+  std::thread thread_;
+  std::atomic<int> count_ = 0;
+  std::mutex mutex_;  // guards the members below
+  std::condition_variable changed_;
+  std::map<std::string, int> seen_;
+  std::map<std::string, std::int64_t> newest_;
+  std::map<std::string, int> underWay_;
 };
 
 }  // namespace quillon::test
