@@ -90,15 +90,6 @@ TEST(TestingSample, ItsAssertionsHold) {
   theBannerComesAgainAfterAYear(configuration);
 }
 
-TEST(TestingSample, PutsTheSharedInstanceOnTheDevice) {
-  ASSERT_TRUE(beforeTheFirstTest());
-  device().publish(configuration);
-  auto& sdk = ConsentSDK::shared();
-  sdk.setup(device().options());
-  device().settle();
-  EXPECT_EQ(sdk.getStatus(), SDKStatus::ready);
-}
-
 TEST(HowToSample, ABannerOfTheApplicationsOwnAsksOnceAndKeepsTheAnswer) {
   quillon::testing::Device device;
   device.publish(configuration);

@@ -8,6 +8,7 @@
 #include "core/Text/Sha256.h"
 #include "platform/ReceiptIssuer.h"
 #include "platform/memory/SeededRandom.h"
+#include "proof/Check/Verification.h"
 #include "proof/Export/Export.h"
 #include "proof/History/Chain.h"
 #include "proof/Json/CanonicalJson.h"
@@ -19,17 +20,17 @@ namespace json = boost::json;
 inline constexpr std::int64_t decisionTime = 1'700'000'000;
 inline constexpr std::int64_t issueTime = decisionTime + 100'000;
 
-inline const proof::SigningKey& deviceKey() {
-  static const proof::SigningKey key({1, 2, 3});
+inline const SigningKey& deviceKey() {
+  static const SigningKey key({1, 2, 3});
   return key;
 }
-inline const proof::SigningKey& otherKey() {
-  static const proof::SigningKey key({4, 5, 6});
+inline const SigningKey& otherKey() {
+  static const SigningKey key({4, 5, 6});
   return key;
 }
 
 inline std::string noticeText(int version) {
-  return proof::canonicalJson(json::object{
+  return canonicalJson(json::object{
       {"screen", "banner"},
       {"configuration_version", version},
       {"language", "de"},
@@ -45,7 +46,7 @@ inline std::string noticeText(int version) {
 // Appends to a history as the store does.
 inline void append(HistoryEvidence& evidence, json::object entry, std::string_view begin = "first") {
   entry.emplace("previous", evidence.head ? std::string_view(*evidence.head) : begin);
-  evidence.head = proof::entryHash(entry);
+  evidence.head = entryHash(entry);
   entry.emplace("number", static_cast<std::int64_t>(evidence.entries.size() + 1));
   entry.emplace("upload", "pending");
   evidence.entries.push_back(json::serialize(entry));
@@ -110,13 +111,25 @@ inline ReceiptRequest request(HistoryEvidence evidence = someEvidence()) {
   return {.evidence = std::move(evidence), .controller = completeController(), .time = issueTime};
 }
 
-inline proof::ExportFiles someExport(const ReceiptRequest& from = request(),
-                                     const proof::SigningKey& key = deviceKey()) {
+inline ExportFiles someExport(const ReceiptRequest& from = request(), const SigningKey& key = deviceKey()) {
   SeededRandom random;
-  return proof::exportFiles(from, key, random).value();
+  return exportFiles(from, key, random).value();
 }
 
-inline std::string listed(const proof::Findings& findings, proof::Finding::Kind kind = proof::Finding::Kind::fault) {
+inline Findings checkedExport(const ExportFiles& files, const Expectations& expected = {.now = issueTime}) {
+  Findings findings;
+  checkExport(files, expected, findings);
+  return findings;
+}
+
+inline Findings checkedReceipt(std::string_view document, const Expectations& expected = {.now = issueTime},
+                               const std::optional<KnownHistory>& history = std::nullopt) {
+  Findings findings;
+  checkReceipt(document, expected, history, findings);
+  return findings;
+}
+
+inline std::string listed(const Findings& findings, Finding::Kind kind = Finding::Kind::fault) {
   std::string text;
   for (const auto& each : findings.all()) {
     if (each.kind == kind) text += each.subject + ": " + each.text + '\n';

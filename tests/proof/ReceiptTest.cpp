@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "platform/memory/MemoryKeyStore.h"
-#include "proof/Check/Verification.h"
 #include "proof/Json/UntrustedJson.h"
 #include "proof/Receipt/Receipt.h"
 #include "proof/Receipt/Vocabulary.h"
-#include "quillon/Receipts.h"
 #include "tests/proof/Evidence.h"
 
 namespace quillon::proof::test {
@@ -26,19 +23,15 @@ std::vector<std::string> missingIn(const json::object& record) {
 }
 
 TEST(Receipt, StatesEveryMandatoryFieldOfBothProfilesWhenTheControllerDoes) {
-  for (const auto* basis : {"eu-gdpr:A6-1-a", "dpv:Consent"}) {
+  for (const bool isGdpr : {true, false}) {
     auto from = request();
-    from.controller->legalBasis = basis;
+    from.controller->legalBasis = isGdpr ? "eu-gdpr:A6-1-a" : "dpv:Consent";
     const auto receipt = issued(from);
-    const bool isGdpr = std::string_view(basis).starts_with("eu-gdpr");
     EXPECT_EQ(receipt.at("dct:conformsTo").as_string(), isGdpr ? schema::receiptEuGdpr : schema::receipt);
-    EXPECT_EQ(receipt.at("dpv:hasRecordOfActivity").as_array().size(), 2u);
     for (const std::size_t i : {0, 1}) {
-      EXPECT_EQ(missingIn(recordOf(receipt, i)), std::vector<std::string>()) << basis;
+      EXPECT_EQ(missingIn(recordOf(receipt, i)), std::vector<std::string>());
       EXPECT_EQ(recordOf(receipt, i).at("dct:conformsTo").as_string(), isGdpr ? schema::recordEuGdpr : schema::record);
     }
-    const auto& purpose = recordOf(receipt, 0).at("dpv:hasProcess").at("dpv:hasPurpose");
-    EXPECT_EQ(purpose.at("dct:title"), "Statistik");
     EXPECT_EQ(recordOf(receipt, 0).at("dpv:hasProcess").at("dpv:hasRecipient"),
               (json::array{"Counter", "https://reader.example/"}));
   }
@@ -63,17 +56,11 @@ TEST(Receipt, SaysOfEachDecisionWhatItWasAndCallsNoDefaultAConsent) {
   constexpr const char* user = "dpv:DataSubject";
   constexpr const char* other = "dpv:DataController";
   const struct {
-    const char* cause;
-    const char* from;
-    const char* to;
-    const char* state;
-    const char* by;
+    const char *cause, *from, *to, *state, *by;
   } cases[] = {
       {"user", "", "granted", "dpv:ConsentGiven", user},
-      {"user", "declined", "granted", "dpv:ConsentGiven", user},
       {"user", "granted", "granted", "dpv:RenewedConsentGiven", user},
       {"user", "", "declined", "dpv:ConsentRefused", user},
-      {"user", "granted", "declined", "dpv:ConsentWithdrawn", user},
       {"user", "granted", "withdrawn", "dpv:ConsentWithdrawn", user},
       {"user", "granted", "not_determined", "dpv:ConsentUnknown", user},
       {"signal", "", "declined", "dpv:ConsentRefused", user},
@@ -110,21 +97,6 @@ TEST(Receipt, IsForThePurposesNamedOrAllAndForNoneThatWasNotDecided) {
   EXPECT_EQ(issueReceipt({}, deviceKey(), random).error(), "no purpose was decided on");
   from.evidence.entries.emplace_back("{");
   EXPECT_EQ(issueReceipt(from, deviceKey(), random).error(), "an entry of the history cannot be read");
-}
-
-TEST(Receipt, OfTheIssuerIsSignedByTheDevicesKey) {
-  MemoryKeyStore keys;
-  SeededRandom random;
-  const auto issuer = receiptIssuer();
-  const auto document = issuer->issue(request(), keys, random).value();
-  Findings findings;
-  checkReceipt(document, {.now = issueTime, .keyThumbprint = issuer->keyThumbprint(keys).value()}, std::nullopt,
-               findings);
-  EXPECT_EQ(findings.faults(), 0u) << listed(findings);
-  ASSERT_TRUE(keys.forget());
-  Findings after;
-  checkReceipt(document, {.now = issueTime, .keyThumbprint = issuer->keyThumbprint(keys).value()}, std::nullopt, after);
-  EXPECT_TRUE(after.names("key"));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <boost/json.hpp>
 #include <fstream>
 
-#include "core/Text/Sha256.h"
 #include "proof/Signature/Base64Url.h"
 #include "proof/Signature/Jws.h"
 #include "proof/Signature/Keys.h"
@@ -60,7 +59,6 @@ TEST(Jws, HasThePublishedKeyThumbprintAndSignature) {
   EXPECT_EQ(input, "eyJhbGciOiJFZERTQSJ9.RXhhbXBsZSBvZiBFZDI1NTE5IHNpZ25pbmc");
   EXPECT_EQ(base64Url(textOf(key.sign(input).value())),
             "hgyY0il_MGCjP0JzlnLWG1PPOt7-09PGcvMg3AIbQR6dWbhijcNR4ki4iylGjg5BhVsPt9g7sVvpAr_MuM0KAg");
-  EXPECT_EQ(sha256("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
 }
 
 TEST(Jws, RefusesEveryOtherHeaderPayloadAndSpelling) {
@@ -76,8 +74,6 @@ TEST(Jws, RefusesEveryOtherHeaderPayloadAndSpelling) {
       {"payloaD", jws},
       {"payload", ""},
       {"payload", jws + "A"},
-      {"payload", jws + "="},
-      {"payload", " " + jws},
       {"payload", jws.substr(0, jws.size() - 1)},
       {"payload", withHeader(R"({"alg":"none","jwk":)" + jwk + "}")},
       {"payload", withHeader(R"({"alg":"EdDSA","b64":false,"crit":["b64"],"jwk":)" + jwk + "}")},

@@ -1,12 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <random>
 
-#include "proof/Check/Verification.h"
 #include "proof/Json/UntrustedJson.h"
 #include "proof/Receipt/Receipt.h"
 #include "tests/proof/Evidence.h"
 #include "tests/support/Contains.h"
+#include "tests/support/Effort.h"
 
 namespace quillon::proof::test {
 namespace {
@@ -19,12 +20,6 @@ HistoryEntries entriesOf(const HistoryEvidence& evidence) {
   return entries;
 }
 
-struct ChainCase {
-  const char* name;
-  std::function<void(HistoryEntries&, ChainState&)> change;
-  std::vector<std::string> named;  // nothing: all holds
-};
-
 void link(HistoryEntries& entries, ChainState& state, std::string_view begin, std::size_t from = 0) {
   for (std::size_t i = from; i < entries.size(); ++i) {
     entries[i]["previous"] = i == from ? std::string(begin) : entryHash(entries[i - 1]);
@@ -33,7 +28,11 @@ void link(HistoryEntries& entries, ChainState& state, std::string_view begin, st
 }
 
 TEST(Chain, NamesTheEntryThatWasChangedRemovedInsertedOrMoved) {
-  const std::vector<ChainCase> cases{
+  const struct {
+    const char* name;
+    std::function<void(HistoryEntries&, ChainState&)> change;
+    std::vector<std::string> named;  // nothing: all holds
+  } cases[] = {
       {"as it was written", [](auto&, auto&) {}, {}},
       {"an upload later", [](auto& e, auto&) { e[3]["upload"] = "uploaded"; }, {}},
       {"after a removal", [](auto& e, auto& s) { link(e, s, "removed"); }, {}},
@@ -51,12 +50,9 @@ TEST(Chain, NamesTheEntryThatWasChangedRemovedInsertedOrMoved) {
        {}},
       {"an answer changed", [](auto& e, auto&) { e[4]["to"] = "granted!"; }, {"entry 5"}},
       {"the newest changed", [](auto& e, auto&) { e.back()["to"] = "x"; }, {"entry 13"}},
-      {"a link changed", [](auto& e, auto&) { e[4]["previous"] = e[7]["previous"]; }, {"entry 5"}},
-      {"a member added", [](auto& e, auto&) { e[4]["more"] = 1; }, {"entry 5"}},
       {"one removed", [](auto& e, auto&) { e.erase(e.begin() + 4); }, {"entry 4"}},
       {"the first removed", [](auto& e, auto&) { e.erase(e.begin()); }, {"entry 2"}},
       {"the newest removed", [](auto& e, auto&) { e.pop_back(); }, {"entry 12"}},
-      {"one twice", [](auto& e, auto&) { e.insert(e.begin() + 5, e[4]); }, {"entry 5"}},
       {"two in each other's place", [](auto& e, auto&) { std::swap(e[4], e[5]); }, {"entry 5", "entry 6", "entry 7"}},
       {"numbers only in each other's place",
        [](auto& e, auto&) { std::swap(e[4].at("number"), e[5].at("number")); },
@@ -101,8 +97,7 @@ TEST(Chain, AllowsAnOldestEntryThatFollowsAnotherWhenAsManyAsAreKeptAreThere) {
 }
 
 TEST(Verification, TellsEveryPartOfAnExportThatHolds) {
-  Findings findings;
-  checkExport(someExport(), {.now = issueTime}, findings);
+  const auto findings = checkedExport(someExport());
   EXPECT_EQ(findings.faults(), 0u) << listed(findings);
   const auto holding = listed(findings, Finding::Kind::holds);
   for (const auto* part :
@@ -111,17 +106,9 @@ TEST(Verification, TellsEveryPartOfAnExportThatHolds) {
     EXPECT_TRUE(contains(holding, part));
   }
   EXPECT_TRUE(contains(listed(findings, Finding::Kind::note), "is not kept any more"));
-  Findings empty;
-  checkExport(someExport({.time = issueTime}), {.now = issueTime}, empty);
+  const auto empty = checkedExport(someExport({.time = issueTime}));
   EXPECT_EQ(empty.faults(), 0u) << listed(empty);
 }
-
-struct ExportCase {
-  const char* name;
-  std::function<void(ExportFiles&)> change;
-  const char* named;
-  Expectations expected = {.now = issueTime};
-};
 
 // Beside files that are missing.
 TEST(Verification, NamesWhatDoesNotHoldInAnExport) {
@@ -130,7 +117,12 @@ TEST(Verification, NamesWhatDoesNotHoldInAnExport) {
     files.erase("manifest.json");
     files["manifest.json"] = manifestOf(files, issueTime, deviceKey()).value();
   };
-  const std::vector<ExportCase> cases{
+  const struct {
+    const char* name;
+    std::function<void(ExportFiles&)> change;
+    const char* named;
+    Expectations expected = {.now = issueTime};
+  } cases[] = {
       {"a file added", [](auto& f) { f["notes.txt"] = "x"; }, "file notes.txt"},
       {"another's key", [](auto& f) { f["key.json"] = json::serialize(otherKey().publicKey().jwk()); }, "key"},
       {"a key that is none", [](auto& f) { f["key.json"] = "{}"; }, "file key.json"},
@@ -163,9 +155,7 @@ TEST(Verification, NamesWhatDoesNotHoldInAnExport) {
     SCOPED_TRACE(name);
     auto files = someExport();
     change(files);
-    Findings findings;
-    checkExport(files, expected, findings);
-    EXPECT_TRUE(contains("\n" + listed(findings), "\n" + std::string(named)));
+    EXPECT_TRUE(contains("\n" + listed(checkedExport(files, expected)), "\n" + std::string(named)));
   }
 }
 
@@ -194,10 +184,8 @@ TEST(Verification, FindsAReceiptThatContradictsItself) {
   for (const auto& [change, fault] : cases) {
     auto receipt = json::parse(files.at("receipt.json")).at("receipt").as_object();
     change(receipt, receipt.at("dpv:hasRecordOfActivity").as_array().at(0).as_object());
-    Findings findings;
-    checkReceipt(signedDocument("receipt", receipt, deviceKey()).value(), {.now = issueTime}, KnownHistory{history},
-                 findings);
-    EXPECT_TRUE(contains(listed(findings), fault));
+    const auto document = signedDocument("receipt", receipt, deviceKey()).value();
+    EXPECT_TRUE(contains(listed(checkedReceipt(document, {.now = issueTime}, KnownHistory{history})), fault));
   }
 }
 
@@ -211,11 +199,60 @@ TEST(Verification, TakesAHistoryThatHasGrownSinceTheReceiptAndLinesAsTheToolPrin
   auto earlier = request();
   earlier.evidence.entries.pop_back();  // the permission, which is elsewhere in the longer one
   earlier.evidence.head = entryHash(json::parse(earlier.evidence.entries.back()).as_object());
-  Findings findings;
-  checkReceipt(someExport(earlier).at("receipt.json"), {.now = issueTime}, KnownHistory{*history}, findings);
+  const auto findings =
+      checkedReceipt(someExport(earlier).at("receipt.json"), {.now = issueTime}, KnownHistory{*history});
   EXPECT_EQ(findings.faults(), 0u) << listed(findings);
   for (const auto* text : {"1", "[]", "{\"a\":1}\n2", "{\"entries\":[1]}", "{\"entries\":{}}"}) {
     EXPECT_FALSE(readHistory(text)) << text;
+  }
+}
+
+// As somebody without the key would: the list is right again, and its signature is not.
+void sumAnew(ExportFiles& files) {
+  const auto manifest = files.find("manifest.json");
+  if (manifest == files.end()) return;
+  json::error_code error;
+  auto document = json::parse(manifest->second, error);
+  if (error || !document.is_object() || !document.get_object().contains("manifest")) return;
+  json::array list;
+  for (const auto& [name, content] : files) {
+    if (name == "manifest.json") continue;
+    list.push_back(json::object{{"name", name}, {"size", content.size()}, {"sha256", sha256(content)}});
+  }
+  document.get_object().at("manifest").as_object()["files"] = std::move(list);
+  manifest->second = canonicalJson(document);
+}
+
+TEST(Changes, OfAnExportAreFoundAllTenThousand) {
+  constexpr std::uint64_t count = quillon::test::isSanitized ? 500 : 10'000;
+  const auto original = someExport();
+  for (std::uint64_t seed = 0; seed < count; ++seed) {
+    std::mt19937_64 random(seed);
+    const auto below = [&](std::size_t limit) {
+      return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+    };
+    ExportFiles files = original;
+    const auto file = std::next(files.begin(), static_cast<std::ptrdiff_t>(below(files.size())));
+    auto& byte = file->second.at(below(file->second.size()));
+    byte = static_cast<char>(byte ^ 1 << below(8));
+    if (below(2) == 1) sumAnew(files);
+    if (files == original) continue;  // a bit of a sum that was made right again
+    ASSERT_GT(checkedExport(files).faults(), 0u) << "seed " << seed;
+  }
+}
+
+// Whatever is missing is named, with and without a new list.
+TEST(Changes, ThatLeaveAFileOutAreNamed) {
+  const auto original = someExport();
+  for (const auto& [name, content] : original) {
+    auto files = original;
+    files.erase(name);
+    for (const bool isListedAnew : {false, true}) {
+      if (isListedAnew) sumAnew(files);
+      const auto findings = checkedExport(files);
+      const auto subject = name.starts_with("notices/") ? "notice " + name.substr(8, 64) : "file " + name;
+      EXPECT_TRUE(findings.names(subject)) << subject << '\n' << listed(findings);
+    }
   }
 }
 

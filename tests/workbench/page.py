@@ -127,6 +127,11 @@ class Page:
     def fill(self, path, text):
         self.field(path).send_keys(Keys.CONTROL, "a", Keys.NULL, text)
 
+    def change(self, path, text):
+        """Fills a field, and waits until that can be saved."""
+        self.fill(path, text)
+        self.until(lambda: self.at("save").is_enabled(), "something to save")
+
     def press(self, name):
         """Presses the button of that accessible name or text."""
         found = self.run("return [...document.querySelectorAll('button')].find((b) => b.checkVisibility() && "
@@ -155,6 +160,9 @@ class Page:
         """Waits until the only configuration of the folder is there with its findings."""
         self.until(lambda: self.text("tab-findings") != "Findings", "findings")
 
+    def await_picture(self):
+        self.until(lambda: self.run("return document.getElementById('picture').dataset.count"), "a picture")
+
     def findings(self):
         # At once: the page makes them anew with every change.
         return self.run("return [...document.querySelectorAll('#findings li')].map((item) => item.textContent)")
@@ -177,18 +185,7 @@ class Page:
         self.await_said(said)
         return told
 
-    def type_and_time(self, path, text):
-        """Types letter by letter, and returns the milliseconds from each to its picture."""
-        control = self.field(path)
-        times = []
-        for letter in text:
-            before = self.run("return document.getElementById('picture').dataset.count")
-            control.send_keys(letter)
-            times.append(int(self.until(lambda: self.run(
-                "const {count, milliseconds} = document.getElementById('picture').dataset;"
-                "return count !== arguments[0] && milliseconds", before), "a picture")))
-        return times
-
-    def errors(self):
+    def expect_no_errors(self):
         """What the browser complained about, apart from the statuses that a scenario provokes."""
-        return [entry["message"] for entry in self.driver.get_log("browser") if "status of" not in entry["message"]]
+        errors = [entry["message"] for entry in self.driver.get_log("browser") if "status of" not in entry["message"]]
+        assert errors == [], errors

@@ -41,8 +41,7 @@ def bad_input_is_answered(driver, program, _):
         with workbench(program, launcher, folder) as bench:
             page = Page(driver, bench.address)
             page.open()
-            page.fill(TEXT, "Mine")
-            page.until(lambda: page.at("save").is_enabled())
+            page.change(TEXT, "Mine")
             page.press("Save")
             page.await_said("Not saved: ")
             assert "Permission denied" in page.say() and bench.file("draft").read_text() == HAND_WRITTEN
@@ -57,7 +56,7 @@ def strangers_are_refused(driver, program, _):
         bench.put("draft", attack)
         page = Page(driver, bench.address)
         page.open()
-        page.until(lambda: page.run("return document.getElementById('picture').dataset.count"))
+        page.await_picture()
         assert page.run("return [window.harm, document.querySelectorAll('#harm, #form img[src=x], #form script').length]") == [None, 0]
         assert page.run("return performance.getEntriesByType('resource').every((e) => e.name.startsWith(location.origin))")
         # Not even a script that got into the page runs.
