@@ -224,7 +224,7 @@ void sumAnew(ExportFiles& files) {
 }
 
 TEST(Changes, OfAnExportAreFoundAllTenThousand) {
-  constexpr std::uint64_t count = quillon::test::isSanitized ? 500 : 10'000;
+  constexpr std::uint64_t count = quillon::test::isSlowed ? 500 : 10'000;
   const auto original = someExport();
   for (std::uint64_t seed = 0; seed < count; ++seed) {
     std::mt19937_64 random(seed);
