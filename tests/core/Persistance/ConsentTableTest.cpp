@@ -135,8 +135,8 @@ TEST(ConsentTableTest, ReadersSeeNoHalfDecisionHoweverFastTheyAreMade) {
   EXPECT_EQ(readNumber(table), rounds);
 }
 
-// Every query against the stored values, the configuration in force and the signal, after random changes that overwrite,
-// remove, damage and clear.
+// Every query against the stored values, the configuration in force and the signal, after random changes that
+// overwrite, remove, damage and clear.
 TEST(ConsentTableTest, ShowsWhatIsStoredAndInForce) {
   const std::vector<std::string> names{"0",
                                        "1",
