@@ -95,6 +95,7 @@ TEST_F(LinuxPlatformTest, ReadsNoTextResourceOutsideItsFolderAndNothingHuge) {
   }
   EXPECT_EQ(host->resource("full", "/../full.html"), std::nullopt);
   EXPECT_EQ(host->resource("full", "html"), std::string(1 << 20, 'x'));
+  EXPECT_TRUE(host->componentVersion("org.quillon.consent.core").has_value());
 }
 
 TEST_F(LinuxPlatformTest, WritesBlocksToStandardOutputAndAFatalErrorToStandardError) {

@@ -153,6 +153,17 @@ TEST_F(ViewModels, DefaultsFollowTrackingAlsoOfAnEssentialPurposeAndAreSentOnce)
   EXPECT_EQ(world.uploads().size(), before + 1);
 }
 
+TEST_F(ViewModels, ABannerThatAppearsRecordsTheDefaultsWhereTheConfigurationSaysSo) {
+  for (const bool isSaid : {false, true}) {
+    bannerOf(document)["record_consent_upon_app_start"] = isSaid;
+    document["version"] = document["version"].as_int64() + 1;
+    open();
+    world.sdk->removeConsents();
+    act([](ViewModel& shown) { shown.banner()->appeared(); });
+    EXPECT_EQ(status(1), isSaid ? "declined" : "none");
+  }
+}
+
 TEST_F(ViewModels, DefaultsDoNotAnswerAReconsent) {
   bannerOf(document)["record_consent_upon_app_start"] = true;
   open();
@@ -271,6 +282,7 @@ TEST_F(ViewModels, KeepWhatTheyShowedInTheUsersLanguageUntilTheConsentsGo) {
   });
   EXPECT_EQ(newestNotice().at("screen"), "preference_center");
   EXPECT_EQ(textOf(newestNotice(), "save_changes"), "Änderungen speichern");
+  EXPECT_EQ(textOf(newestNotice(), "sdk_tab_heading"), "Zwecke") << "a label of ours where none is configured";
   const auto kept = notices();
   open("de");
   EXPECT_EQ(notices(), kept) << "once";

@@ -38,6 +38,7 @@ TEST_F(Safety, NothingIsAllowedThatNobodyAllowed) {
                                             {documentOf("opt-out"), "123"},
                                             {documentOf("notice-only"), "123"},
                                             {documentOf("opt-out", {{"is_att_enabled", true}}), "12"},
+                                            {documentOf("opt-out", {{"is_att_enabled", nullptr}}), "123"},
                                             {documentOf("", {{"banner_config", nullptr}}), "2"}}) {
     SCOPED_TRACE(document);
     OnDevice another;
@@ -45,8 +46,15 @@ TEST_F(Safety, NothingIsAllowedThatNobodyAllowed) {
     another.launch();
     EXPECT_EQ(another.allowed(), undecided);
     another.sdk->set({.purposeId = 9}, granted);
+    another.sdk->set({.purposeId = 1}, declined);
+    std::string decided = undecided;
+    std::erase(decided, '1');
+    EXPECT_EQ(another.allowed(), decided + "9");
+    another.sdk->removeConsents();
+    EXPECT_EQ(another.allowed(), undecided) << "only what the configuration in force allows";
+    another.sdk->set({.purposeId = 1}, granted);
     another.sdk->close();
-    EXPECT_EQ(another.allowed(), "9") << "only what was decided";
+    EXPECT_EQ(another.allowed(), "1") << "only what was decided";
   }
 }
 
