@@ -186,6 +186,11 @@ TEST_F(Safety, AProcessOfMonthsAsksAgain) {
   device.advance(3h);  // one check, the first since the answer
   EXPECT_EQ(due, 2);
   EXPECT_EQ(sdk->explainBanner().reason, BannerReason::reconsent);
+  {
+    const auto shown = sdk->screens()->shown(ScreenKind::banner);
+    EXPECT_TRUE(sdk->isBannerDue());
+  }
+  EXPECT_TRUE(sdk->isBannerDue()) << "it left the screen without an answer";
   launch();
   device.setDiskFull(true);
   EXPECT_TRUE(sdk->isBannerDue());

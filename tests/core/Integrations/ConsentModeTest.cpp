@@ -95,6 +95,7 @@ TEST_F(ConsentMode, IsOnlyLoggedWithoutALibraryThatTakesIt) {
 
 TEST_F(ConsentMode, IsLeftAloneUnlessItIsDriven) {
   start(mapped, {{"is_gcm_enabled", false}});
+  EXPECT_TRUE(world.sdk->getGCMConsents().get().empty());
   start({});
   EXPECT_TRUE(sent.empty());
   EXPECT_TRUE(contains(world.log(), "No GCM mapping found for location: DE"));
