@@ -319,4 +319,35 @@ TEST_F(SqliteSuiteTest, AForeignReaderDelaysACommitButDoesNotFailIt) {
   }
 }
 
+TEST_F(SqliteSuiteTest, AStoreThatAnotherProcessHoldsIsDoneWithoutUntilItLetsGo) {
+  ASSERT_TRUE(put(*open(), "1", std::string("granted")));
+  auto foreign = SqliteDatabase::open(file_);
+  ASSERT_TRUE(foreign && foreign->run("BEGIN EXCLUSIVE"));
+  SqliteStore store(folder_, std::make_shared<WorkPool>("work", 2), 100ms);
+  test::Signal free;
+  const auto suite = store
+                         .open("s",
+                               [&](auto level, const std::string& message) {
+                                 if (level == KeyValueStore::ReportLevel::information) free.set();
+                                 reports_.push_back(message);
+                               })
+                         .value();
+  EXPECT_TRUE(reported("is held by another process"));
+  EXPECT_EQ(listed(*suite), "LOST_ENTRIES=true") << "so that nothing counts as granted";
+  test::Signal heard;
+  const auto subscription = suite->observe([&] { heard.set(); });
+  const auto done = put(*suite, "1", std::string("declined"));
+  ASSERT_FALSE(done);
+  EXPECT_TRUE(contains(done.error(), "another process holds it"));
+  EXPECT_FALSE(suite->read(1));
+  EXPECT_EQ(listed(*suite), "LOST_ENTRIES=true");
+  ASSERT_TRUE(foreign->run("ROLLBACK"));
+  ASSERT_TRUE(free.wait(5s)) << "taken up without being asked";
+  EXPECT_TRUE(heard.wait());
+  EXPECT_EQ(listed(*suite), "1=granted");
+  EXPECT_TRUE(put(*suite, "1", std::string("declined")));
+  EXPECT_EQ(listed(*open()), "1=declined");
+  EXPECT_TRUE(keptAside().empty());
+}
+
 }  // namespace quillon
