@@ -11,11 +11,15 @@ chmod 755 "$work"
 export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:?the time that both builds shall state}
 export CCACHE_DISABLE=1
 
+# Both build the same, whatever is edited meanwhile.
+mkdir "$work/source"
+(cd "$source" && git ls-files -z | xargs -0 cp -d --parents -t "$work/source")
+
 build() {
   local folder=$1 begin=$SECONDS
   shift
   mkdir -p "$folder/home"
-  (cd "$source" && git ls-files -z | xargs -0 cp -d --parents -t "$folder")
+  cp -dR "$work/source/." "$folder"
   [ "$(id -u)" != 0 ] || chown -R "${OWNER:-root}" "$folder"
   "${AS[@]}" env -C "$folder" HOME="$folder/home" "$@" bash -euc '
     umask "$MASK"
