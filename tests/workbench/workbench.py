@@ -84,6 +84,35 @@ def from_nothing_to_published(driver, program, pictures):
         page.expect_no_errors()
 
 
+def planted_mistakes_are_found(driver, program, _):
+    planted = HAND_WRITTEN.replace('"accept"', '"acept"').replace('"default": ', '"Germany": ').replace('"Shows ads."', '""')
+    with workbench(program) as bench:
+        bench.put("draft", planted)
+        page = Page(driver, bench.address)
+        page.open()
+        found = "\n".join(page.findings())
+        for mistake in ('did you mean "accept"', "Germany", "purposes[1].purpose_description"):
+            assert mistake in found, found
+        # A click leads to the field, or to the place in the JSON where there is no field.
+        [link] = [b for b in driver.find_elements(By.CSS_SELECTOR, "#findings button") if "Germany: " in b.text]
+        link.click()
+        assert driver.switch_to.active_element.get_attribute("data-path") == "banner_config.locations.Germany"
+        [link] = [b for b in driver.find_elements(By.CSS_SELECTOR, "#findings li button.link:nth-of-type(2)")
+                  if "acept" in b.get_attribute("aria-label")]
+        link.click()
+        source = driver.switch_to.active_element
+        assert source.get_attribute("id") == "source"
+        assert page.run("return arguments[0].value.slice(arguments[0].selectionStart).startsWith('\"acept')", source)
+        # Broken JSON keeps the form from being used, and is told with its place.
+        source.send_keys("}")
+        page.until(lambda: any("error" in f for f in page.findings()))
+        page.at("tab-form").click()
+        assert page.at("form-note").is_displayed() and page.run("return document.getElementById('form').inert")
+        page.press("Undo")
+        page.until(lambda: not page.at("form-note").is_displayed())
+        assert bench.file("draft").read_text() == planted
+
+
 def only_what_changed_differs(driver, program, _):
     with workbench(program) as bench:
         bench.put("draft", HAND_WRITTEN.replace("\n", "\r\n"))
@@ -96,14 +125,6 @@ def only_what_changed_differs(driver, program, _):
         page.field("purposes[1].purpose_name.en")
         page.press("Remove Ads")
         page.until(lambda: not driver.find_elements(By.CSS_SELECTOR, '[data-path="purposes[1].purpose_id"]'))
-        # Broken JSON keeps the form from being used, and is told.
-        page.at("tab-source").click()
-        page.at("source").send_keys("}")
-        page.until(lambda: any("error" in f for f in page.findings()))
-        page.at("tab-form").click()
-        assert page.at("form-note").is_displayed() and page.run("return document.getElementById('form').inert")
-        page.press("Undo")
-        page.until(lambda: not page.at("form-note").is_displayed())
         page.save()
         expected = HAND_WRITTEN.replace('{"en": "Plans"}', '{"en": "Training", "de": "Pläne"}')
         at = expected.index(",\n        { \"purpose_id\": 2")
@@ -163,7 +184,7 @@ def an_application_is_watched(driver, program, pictures):
         page.expect_no_errors()
 
 
-SCENARIOS = [from_nothing_to_published, only_what_changed_differs,
+SCENARIOS = [from_nothing_to_published, planted_mistakes_are_found, only_what_changed_differs,
              a_changed_file_is_not_overwritten, nothing_is_lost, answers_come_late, every_value_has_a_control,
              large_documents_are_worked_on, an_application_is_watched, everybody_can_use_it, bad_input_is_answered,
              strangers_are_refused]
